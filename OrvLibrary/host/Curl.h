@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "OrvLibrary/OrvLibraryExport.h"
+#include "OrvLibrary/host/fileString.h"
+
+/// The download service. Addresses are 8-bit texts, passed on as built but for the bytes that HTTP cannot
+/// carry, which are percent-encoded. http and https only, at most 10 redirects, never from https to http;
+/// peers are verified. All operations may be called from any thread, and none throws in the default
+/// implementation.
+class ORVLIBRARY_EXPORT Curl
+{
+public:
+    /// Told how a transfer goes on, in bytes: for every 4 KiB of body, once a second has passed without a
+    /// byte every 100 ms, and at least once before a transfer ends well. Runs on the thread of the transfer.
+    /// @return 0 to go on, anything else to abort
+    using ProgressFunction = int (*)(void* context, double downloadTotal, double downloaded,
+                                     double uploadTotal, double uploaded);
+
+    /// `errorNumber` of a transfer that the progress function aborted.
+    static constexpr int kAbortedByCallback = 42;
+
+    Curl();
+    virtual ~Curl();
+    Curl(const Curl&) = delete;
+    Curl& operator=(const Curl&) = delete;
+
+    /// Whether the text is an http or https address with a host, whatever the letter case of the scheme.
+    virtual bool downloadable(const std::string& url) = 0;
+
+    /// Downloads to a fresh temporary file.
+    /// @return its path, owned by the caller; empty on failure, and then no file is left
+    virtual fileString download(const std::string& url) = 0;
+
+    /// Downloads to `target`, which is replaced when all went well. Success is: no transfer error, HTTP
+    /// status 200, every byte on disk, the length equal to `Content-Length` where one was sent. Otherwise
+    /// false, `reason` says why, and no partial file is left.
+    virtual bool download_to_location(const std::string& url, const fileString& target,
+                                      std::string& reason) = 0;
+
+    /// The same with extra request header lines and progress.
+    /// @param context handed to `progress` as it is; may be null
+    /// @param progress may be null
+    /// @param errorNumber set on failure: the transfer library's number, `kAbortedByCallback` after an abort
+    virtual bool download_to_location(const std::string& url, const fileString& target,
+                                      const std::vector<std::string>& headerLines, void* context,
+                                      ProgressFunction progress, std::string& reason, int& errorNumber) = 0;
+
+    /// Header-only request with extra request header lines. True for any HTTP status; false when none was
+    /// obtained, and then the outputs are untouched.
+    /// @param headerText the header block of the final answer alone, folded lines unfolded
+    virtual bool getURLHeader(const std::string& url, const std::vector<std::string>& headerLines,
+                              std::string& headerText, std::int64_t& status) = 0;
+
+    /// Fetches a page. False for a transfer error or a status of 400 or more; `body` holds what came all the
+    /// same.
+    /// @param followRedirects whether redirects are followed; the library passes true
+    /// @param timeoutSeconds a limit below the service's own of 60 s; 0 for that one
+    virtual bool browseURL(const std::string& url, const std::vector<std::string>& headerLines,
+                           std::string& body, bool followRedirects, int timeoutSeconds) = 0;
+
+    /// The address that redirects lead to, each `Location` read as sent (a lone trailing "?" survives);
+    /// whatever its status is. Empty when there was no answer, a loop or too many redirects.
+    virtual std::string urlAfterRedirects(const std::string& url);
+
+    static Curl& get();
+    /// Makes `service` the one that `get` returns; null for the default. The pointer is not owned.
+    /// @return the former one, null when it was the default
+    static Curl* install(Curl* service);
+};

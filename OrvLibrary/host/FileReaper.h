@@ -1,0 +1,22 @@
+#pragma once
+
+#include "OrvLibrary/OrvLibraryExport.h"
+#include "OrvLibrary/host/fileString.h"
+
+/// A scope guard that deletes a file when it is destroyed, unless it was cancelled. A missing file is no
+/// error.
+class ORVLIBRARY_EXPORT FileReaper
+{
+public:
+    explicit FileReaper(const fileString& path);
+    ~FileReaper();
+    FileReaper(const FileReaper&) = delete;
+    FileReaper& operator=(const FileReaper&) = delete;
+
+    /// Keeps the file.
+    void cancel() { mArmed = false; }
+
+private:
+    fileString mPath;
+    bool mArmed = true;
+};

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "OrvLibrary/OrvLibraryExport.h"
+#include "OrvLibrary/host/fileString.h"
+
+/// The host's well-known folders. Every getter returns a folder path that ends with a separator; whether the
+/// folder exists is another matter, except for the temporary folder. All operations may be called from any
+/// thread.
+class ORVLIBRARY_EXPORT PathUtils
+{
+public:
+    PathUtils();
+    virtual ~PathUtils();
+    PathUtils(const PathUtils&) = delete;
+    PathUtils& operator=(const PathUtils&) = delete;
+
+    /// User library databases; holds "errors.log".
+    virtual fileString getUserLibraryDatabasePath() const = 0;
+    /// Core catalogs, their "catalog_hash.txt", and "catalog_filters.json".
+    virtual fileString getCoreLibraryDatabasePath() const = 0;
+    virtual fileString getBonusLibraryDatabasePath() const = 0;
+    virtual fileString getManufacturerLibraryPath() const = 0;
+    /// "manufacturer_data.json" and the logo files.
+    virtual fileString getManufacturerDataPath() const = 0;
+    /// Archives of the files that core content refers to.
+    virtual fileString getProprietaryLibraryReferencedFilesPath() const = 0;
+    /// The user's texture archives.
+    virtual fileString getUserTexturePath() const = 0;
+    /// A private temporary folder. It is made with mode 0700 when it is missing.
+    virtual fileString getTempPath() const = 0;
+
+    /// The installed path service, or the default: `RootPathUtils` on `RootPathUtils::defaultRoot()`, which
+    /// is looked up anew at every call.
+    static PathUtils& getObject();
+    /// Makes `service` the one that `getObject` returns; null for the default. The pointer is not owned.
+    /// @return the former one, null when it was the default
+    static PathUtils* install(PathUtils* service);
+};
+
+/// The well-known folders as folders of one root: "user/", "core/", "bonus/", "manufacturer/",
+/// "manufacturer-data/", "referenced/", "textures/" and "temp/".
+class ORVLIBRARY_EXPORT RootPathUtils : public PathUtils
+{
+public:
+    /// @param root the root folder, with or without the final separator; it need not exist
+    explicit RootPathUtils(const fileString& root);
+
+    fileString getUserLibraryDatabasePath() const override;
+    fileString getCoreLibraryDatabasePath() const override;
+    fileString getBonusLibraryDatabasePath() const override;
+    fileString getManufacturerLibraryPath() const override;
+    fileString getManufacturerDataPath() const override;
+    fileString getProprietaryLibraryReferencedFilesPath() const override;
+    fileString getUserTexturePath() const override;
+    fileString getTempPath() const override;
+
+    /// The root, with its final separator.
+    const fileString& root() const { return mRoot; }
+    /// Creates the root and every folder that is missing.
+    /// @param reason filled with the folder and the system's text on failure
+    bool createFolders(std::string& reason) const;
+
+    /// "$ORV_LIBRARY_ROOT"; else "$XDG_DATA_HOME/orv-library"; else "~/.local/share/orv-library".
+    static fileString defaultRoot();
+
+private:
+    fileString mRoot;
+};
