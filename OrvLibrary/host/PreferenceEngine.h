@@ -75,10 +75,15 @@ private:
     PrefSet* mSet;
 };
 
-/// Preferences in a JSON file: one member per preference number. A value is read from the file at
-/// construction and written back, the whole file at once, at every change. A file that cannot be read leaves
-/// the defaults, and is copied aside with ".bad" appended before it is first replaced. Members that are not
-/// understood are kept.
+/// Preferences in a JSON file: one member per preference number, which holds a truth value, a text or a
+/// number. A whole number is an `int`, unless the preference is declared as `double`; any other is a
+/// `double`.
+///
+/// The file is read at construction and written at every change, the whole of it at once and synced. Several
+/// processes may use it: a change is made under a lock on what the file holds at that moment, and brings in
+/// what others changed. A change that cannot be written is logged in the category "orv.library", holds for
+/// this object, and is tried again with the next. A file that is not a JSON object leaves the defaults, and
+/// is copied aside with ".bad" appended before it is replaced. Members that are not understood are kept.
 class ORVLIBRARY_EXPORT FilePrefSet : public PrefSet
 {
 public:

@@ -39,11 +39,12 @@ ORVLIBRARY_EXPORT std::string xl8(const std::string& key);
 ORVLIBRARY_EXPORT void tokenizeString(const std::string& text, char separator,
                                       std::vector<std::string>& pieces);
 
-/// Number text with the thousands separators of the user's locale, UTF-8, at most `precision` significant
-/// digits.
+/// Number text with the thousands separators of the user's locale (English in the C locale), UTF-8, at most
+/// `precision` significant digits. The whole part always stands in full, zeros at the end of a fraction
+/// never.
 ORVLIBRARY_EXPORT std::string formatWithThousandsSeparatorPrecision(double value, int precision);
 
-/// The nearest integer, halves away from zero; saturates.
+/// The nearest integer, halves away from zero; saturates, and gives 0 for what is no number.
 ORVLIBRARY_EXPORT std::int64_t iRoundoff(double value);
 
 /// Checked narrowing; throws `boost::numeric::bad_numeric_cast` when the value does not fit.
