@@ -69,3 +69,11 @@ void FilePrefSet::declare(int id, const std::string& description, const PrefValu
     const ThreadLockGuard<ThreadMutex> lock(mPrivate->mutex);
     mPrivate->declared[id] = Pref{description, defaultValue};
 }
+
+void FilePrefSet::declareLibraryPrefs()
+{
+    constexpr int kPercentage = 2;
+    declare(PrefId::kProgressDisplayType, "Library progress display type", kPercentage);
+    declare(PrefId::kLastCoreUpdateHadError, "Last core content update had an error", false);
+    declare(PrefId::kExcludeCoreContent, "Leave core content out of full updates", false);
+}

@@ -44,9 +44,7 @@ struct RootPrefs
 {
     explicit RootPrefs(const fileString& root) : set(root / fileString("preferences.json")), engine(set)
     {
-        set.declare(PrefId::kProgressDisplayType, "Library progress display type", 2);
-        set.declare(PrefId::kLastCoreUpdateHadError, "Last core content update had an error", false);
-        set.declare(PrefId::kExcludeCoreContent, "Leave core content out of full updates", false);
+        set.declareLibraryPrefs();
     }
 
     FilePrefSet set;

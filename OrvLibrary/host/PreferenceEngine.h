@@ -96,6 +96,8 @@ public:
 
     /// Gives a number its name and default; a value that the file holds stays.
     void declare(int id, const std::string& description, const PrefValue& defaultValue);
+    /// Declares the preferences in `PrefId`, as the default store has them.
+    void declareLibraryPrefs();
 
 private:
     class Private;
