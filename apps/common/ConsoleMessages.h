@@ -1,0 +1,26 @@
+#pragma once
+
+#include <set>
+#include <string>
+#include <vector>
+
+#include "OrvLibrary/host/MessagingSystem.h"
+#include "OrvLibrary/host/ThreadMutex.h"
+
+/// Numbered messages of the library for a program without a window: one line each on standard error, after
+/// the program's name. May be called from any thread.
+class ConsoleMessages : public error::MessagingSystem
+{
+public:
+    void notify(const char* sourceFile, int line, const error::Trait& trait, int messageNumber,
+                const marl::unicode::String& text1, const marl::unicode::String& text2,
+                const marl::unicode::String& text3) override;
+
+    /// The texts shown so far, in order.
+    std::vector<std::string> shown() const;
+
+private:
+    mutable ThreadMutex mMutex;
+    std::set<int> mShownOnce;
+    std::vector<std::string> mShown;
+};

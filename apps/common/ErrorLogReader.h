@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "OrvLibrary/host/fileString.h"
+
+/// One entry of the error log.
+struct ErrorLogEntry
+{
+    std::string time;
+    std::string thread;
+    std::string message; ///< without the final line break; may hold several lines
+};
+
+/// Reads "errors.log" for people: the library itself never does. An entry that a killed process left
+/// unfinished is an entry with what there is of it.
+class ErrorLogReader
+{
+public:
+    /// The entries of a log's text, oldest first.
+    static std::vector<ErrorLogEntry> parse(const std::string& text);
+    /// The entries of a log file; none when it does not exist.
+    /// @throws std::runtime_error when it exists but cannot be read, with its path and the system's text
+    static std::vector<ErrorLogEntry> read(const fileString& path);
+};
