@@ -1,4 +1,0 @@
-#include "OrvLibrary/host/ProgressSubject.h"
-
-ProgressSubject::ProgressSubject() = default;
-ProgressSubject::~ProgressSubject() = default;

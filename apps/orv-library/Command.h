@@ -1,0 +1,67 @@
+#pragma once
+
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "apps/orv-library/CommandSyntax.h"
+
+/// The exit statuses of the program.
+enum class ExitStatus
+{
+    Done = 0,
+    Failed = 1,
+    WrongUsage = 2,
+    Interrupted = 130
+};
+
+/// The operation failed: one line that says why and names the file or address. Ends the program with
+/// status 1.
+class CommandFailure : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// The user asked for what makes no sense: ends the program with status 2 and the usage of the command. To be
+/// thrown before anything was changed.
+class UsageError : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// One subcommand. To add one, write `NameCommand.{h,cpp}` with a class derived from this one, and add the
+/// source to CMakeLists.txt and one line to `CommandRegistry.cpp`. Its end-to-end test is a file of its own
+/// in tests/orv-library.
+///
+/// `declare` says what the command takes and which member function does the work:
+///
+///     void PathsCommand::declare(CommandSyntax& syntax)
+///     {
+///         syntax.flag("--quiet", mQuiet, "Print nothing");
+///         syntax.runs([this](Session& session) { return run(session); });
+///     }
+///
+/// The work gets its host, its output and its progress from the session, throws `CommandFailure` or
+/// `UsageError`, and returns its exit status. Any other exception counts as a failure with its text.
+class Command
+{
+public:
+    Command() = default;
+    virtual ~Command() = default;
+    Command(const Command&) = delete;
+    Command& operator=(const Command&) = delete;
+
+    virtual std::string name() const = 0;
+    /// One line for the list of commands.
+    virtual std::string summary() const = 0;
+    /// Called once, before the command line is read. What it binds lives as long as the command.
+    virtual void declare(CommandSyntax& syntax) = 0;
+};
+
+using CommandList = std::vector<std::unique_ptr<Command>>;
+
+/// All commands, in the order in which the help lists them.
+CommandList allCommands();

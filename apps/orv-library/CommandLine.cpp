@@ -1,0 +1,259 @@
+#include "apps/orv-library/CommandLine.h"
+
+#include <algorithm>
+#include <charconv>
+#include <list>
+
+#include <CLI/CLI.hpp>
+
+#include "OrvLibrary/OrvLibraryVersion.h"
+
+namespace {
+
+constexpr const char* kProgram = "orv-library";
+constexpr const char* kGlobalGroup = "Global options";
+
+/// Plain decimal, unlike the parsing library's own reading, which takes "010" for eight.
+bool readNumber(const std::string& text, std::int64_t& number)
+{
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, number);
+    return result.ec == std::errc() && result.ptr == end;
+}
+
+/// Binds the value of `option` to a number.
+void bindNumber(CLI::Option* option, std::int64_t& target)
+{
+    option->check([&target](const std::string& text) {
+        return readNumber(text, target) ? std::string() : "'" + text + "' is not a number that can be used";
+    });
+}
+
+class Syntax : public CommandSyntax
+{
+public:
+    Syntax(CLI::App& app, Work& chosen) : mApp(app), mChosen(chosen) {}
+
+    void flag(const std::string& name, bool& target, const std::string& help) override
+    {
+        mApp.add_flag(name, target, help);
+    }
+
+    void option(const std::string& name, std::string& target, const std::string& valueName,
+                const std::string& help, Presence presence) override
+    {
+        CLI::Option* option = mApp.add_option(name, target, help);
+        option->type_name(valueName)->take_last()->required(presence == Presence::Required);
+    }
+
+    void option(const std::string& name, std::int64_t& target, const std::string& valueName,
+                const std::string& help, Presence presence) override
+    {
+        CLI::Option* option = mApp.add_option(name, help);
+        option->type_name(valueName)->expected(1)->take_last()->required(presence == Presence::Required);
+        bindNumber(option, target);
+    }
+
+    void list(const std::string& name, std::vector<std::string>& target, const std::string& valueName,
+              const std::string& help) override
+    {
+        mApp.add_option(name, target, help)->type_name(valueName)->allow_extra_args(false);
+    }
+
+    void exclusive(const std::string& first, const std::string& second) override
+    {
+        mApp.get_option(first)->excludes(mApp.get_option(second));
+    }
+
+    void argument(const std::string& valueName, std::string& target, const std::string& help,
+                  Presence presence) override
+    {
+        mApp.add_option(valueName, target, help)->type_name("")->required(presence == Presence::Required);
+    }
+
+    void argument(const std::string& valueName, std::int64_t& target, const std::string& help,
+                  Presence presence) override
+    {
+        CLI::Option* option = mApp.add_option(valueName, help);
+        option->type_name("")->expected(1)->required(presence == Presence::Required);
+        bindNumber(option, target);
+    }
+
+    void arguments(const std::string& valueName, std::vector<std::string>& target, const std::string& help,
+                   Presence presence) override
+    {
+        mApp.add_option(valueName, target, help)->type_name("")->required(presence == Presence::Required);
+    }
+
+    CommandSyntax& action(const std::string& name, const std::string& summary) override
+    {
+        mApp.require_subcommand(1);
+        mActions.emplace_back(*mApp.add_subcommand(name, summary), mChosen);
+        return mActions.back();
+    }
+
+    void runs(Work work) override
+    {
+        mApp.final_callback([this, work = std::move(work)] { mChosen = work; });
+    }
+
+private:
+    CLI::App& mApp;
+    Work& mChosen;
+    std::list<Syntax> mActions;
+};
+
+/// The innermost command or action that was given.
+const CLI::App& chosenApp(const CLI::App& app)
+{
+    const std::vector<CLI::App*> given = app.get_subcommands();
+    return given.empty() ? app : chosenApp(*given.front());
+}
+
+/// An empty value after "=" becomes an argument of its own: the parser would take the next word for it.
+std::vector<std::string> separateEmptyValues(const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> separated;
+    for (const std::string& argument : arguments) {
+        const bool emptyValue = argument.size() > 3 && argument.compare(0, 2, "--") == 0 &&
+                                argument.find('=') == argument.size() - 1;
+        separated.push_back(emptyValue ? argument.substr(0, argument.size() - 1) : argument);
+        if (emptyValue)
+            separated.emplace_back();
+    }
+    return separated;
+}
+
+} // namespace
+
+class CommandLine::Private
+{
+public:
+    explicit Private(const CommandList& commands)
+        : mApp("Keeps catalogs of library content up to date and works on library files.", kProgram)
+    {
+        mApp.require_subcommand(1);
+        mApp.get_formatter()->column_width(34);
+        for (const auto& command : commands) {
+            CLI::App* app = mApp.add_subcommand(command->name(), command->summary());
+            mSyntaxes.emplace_back(*app, mWork);
+            command->declare(mSyntaxes.back());
+        }
+        addGlobalOptions(mApp);
+    }
+
+    /// The same on the program, on every command and on every action: users write them anywhere.
+    void addGlobalOptions(CLI::App& app)
+    {
+        app.set_help_flag("-h,--help", "Print this help and exit")->group(kGlobalGroup);
+        app.set_version_flag("--version", std::string(kProgram) + " " + ORVLIBRARY_VERSION_STRING,
+                             "Print the version and exit")
+            ->group(kGlobalGroup);
+        addTextOption(app, "--root", "DIR", mOptions.root,
+                      "Root of the well-known folders; else $ORV_LIBRARY_ROOT, else "
+                      "$XDG_DATA_HOME/orv-library, else ~/.local/share/orv-library");
+        app.add_flag_callback(
+               "--json", [this] { mOptions.json = true; }, "Print one JSON document on standard output")
+            ->group(kGlobalGroup);
+        addProgressOption(app);
+        addTextOption(app, "--trace", "FILE", mOptions.traceFile,
+                      "Append every invocation that the host object receives to FILE, one JSON line each");
+        for (CLI::App* command : app.get_subcommands([](CLI::App*) { return true; }))
+            addGlobalOptions(*command);
+    }
+
+    /// Applied where it stands, so that the last one of the whole line counts.
+    static CLI::Option* addTextOption(CLI::App& app, const std::string& name, const std::string& valueName,
+                                      std::string& target, const std::string& help)
+    {
+        CLI::Option* option = app.add_option_function<std::string>(
+            name, [&target](const std::string& value) { target = value; }, help);
+        option->check([](const std::string& value) {
+            return value.empty() ? std::string("the value must not be empty") : std::string();
+        });
+        return option->type_name(valueName)->take_last()->trigger_on_parse()->group(kGlobalGroup);
+    }
+
+    void addProgressOption(CLI::App& app)
+    {
+        static const std::map<std::string, ProgressMode> kModes = {{"auto", ProgressMode::Automatic},
+                                                                   {"bar", ProgressMode::Bar},
+                                                                   {"plain", ProgressMode::Plain},
+                                                                   {"none", ProgressMode::None}};
+        CLI::Option* option = app.add_option_function<std::string>(
+            "--progress", [this](const std::string& value) { mOptions.progress = kModes.at(value); },
+            "Progress on standard error; auto is a bar on a terminal and plain lines otherwise");
+        option->check([](const std::string& value) {
+            return kModes.count(value) ? std::string() : "'" + value + "' is none of auto, bar, plain, none";
+        });
+        option->type_name("auto|bar|plain|none")->take_last()->trigger_on_parse()->group(kGlobalGroup);
+    }
+
+    Outcome parse(const std::vector<std::string>& arguments)
+    {
+        std::vector<std::string> separated = separateEmptyValues(arguments);
+        // The parser takes the words from the back.
+        std::reverse(separated.begin(), separated.end());
+        try {
+            mApp.parse(std::move(separated));
+            return Outcome::Run;
+        } catch (const CLI::CallForHelp&) {
+            mText = chosenApp(mApp).help(chosenPrefix());
+        } catch (const CLI::CallForVersion& version) {
+            mText = std::string(version.what()) + "\n";
+        } catch (const CLI::ParseError& error) {
+            mText = usage(error.what());
+            return Outcome::WrongUsage;
+        }
+        return Outcome::Help;
+    }
+
+    /// The words before the chosen command's own name in its usage line.
+    std::string chosenPrefix() const
+    {
+        std::string prefix;
+        for (const CLI::App* app = chosenApp(mApp).get_parent(); app; app = app->get_parent())
+            prefix = prefix.empty() ? app->get_name() : app->get_name() + " " + prefix;
+        return prefix;
+    }
+
+    std::string usage(const std::string& reason) const
+    {
+        return std::string(kProgram) + ": " + reason + "\n\n" + chosenApp(mApp).help(chosenPrefix());
+    }
+
+    CLI::App mApp;
+    std::list<Syntax> mSyntaxes;
+    GlobalOptions mOptions;
+    CommandSyntax::Work mWork;
+    std::string mText;
+};
+
+CommandLine::CommandLine(const CommandList& commands) : mPrivate(std::make_unique<Private>(commands)) {}
+
+CommandLine::~CommandLine() = default;
+
+CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments)
+{
+    return mPrivate->parse(arguments);
+}
+
+const GlobalOptions& CommandLine::options() const
+{
+    return mPrivate->mOptions;
+}
+
+const CommandSyntax::Work& CommandLine::work() const
+{
+    return mPrivate->mWork;
+}
+
+const std::string& CommandLine::text() const
+{
+    return mPrivate->mText;
+}
+
+std::string CommandLine::usage(const std::string& reason) const
+{
+    return mPrivate->usage(reason);
+}

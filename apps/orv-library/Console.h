@@ -1,0 +1,35 @@
+#pragma once
+
+#include <string>
+
+#include <QJsonObject>
+
+/// What the program says. With --json, standard output holds exactly one document and all else goes to
+/// standard error; otherwise standard output holds what the user asked for. Used by the main thread only.
+class Console
+{
+public:
+    explicit Console(bool json) : mJson(json) {}
+
+    bool isJson() const { return mJson; }
+
+    /// The result of the command, given once: the document with --json, otherwise the text.
+    /// @param text whole lines; nothing is printed when it is empty
+    void result(const QJsonObject& document, const std::string& text);
+    /// One line beside the result, for people: standard output, or standard error with --json.
+    void note(const std::string& line);
+    /// One clear line on standard error, after the program's name.
+    static void complain(const std::string& line);
+
+    /// Whether `result` was called.
+    bool hasResult() const { return mHasResult; }
+    /// Whether all that was printed so far arrived.
+    static bool flush();
+
+private:
+    bool mJson;
+    bool mHasResult = false;
+};
+
+/// A text for a document; bytes that are not UTF-8 become replacement characters.
+QString jsonText(const std::string& utf8);

@@ -1,0 +1,63 @@
+#include "apps/orv-library/Interrupt.h"
+
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kSignals[] = {SIGINT, SIGTERM};
+
+std::atomic<bool> requestedFlag{false};
+int wakePipe[2] = {-1, -1};
+struct sigaction formerActions[2];
+
+/// Only what a signal handler may do: the flag and one byte into the pipe.
+void noteSignal(int)
+{
+    const int savedError = errno;
+    requestedFlag.store(true);
+    const char byte = 1;
+    // A full pipe already wakes the reader.
+    [[maybe_unused]] const ssize_t written = write(wakePipe[1], &byte, 1);
+    errno = savedError;
+}
+
+} // namespace
+
+Interrupt::Interrupt()
+{
+    static_assert(std::atomic<bool>::is_always_lock_free, "the flag is set in a signal handler");
+    if (pipe2(wakePipe, O_CLOEXEC | O_NONBLOCK) != 0)
+        throw std::runtime_error("no pipe for signals");
+    requestedFlag.store(false);
+    struct sigaction action
+    {
+    };
+    action.sa_handler = noteSignal;
+    action.sa_flags = SA_RESTART | static_cast<int>(SA_RESETHAND);
+    for (int index = 0; index < 2; ++index)
+        sigaction(kSignals[index], &action, &formerActions[index]);
+}
+
+Interrupt::~Interrupt()
+{
+    for (int index = 0; index < 2; ++index)
+        sigaction(kSignals[index], &formerActions[index], nullptr);
+    close(wakePipe[0]);
+    close(wakePipe[1]);
+}
+
+bool Interrupt::requested()
+{
+    return requestedFlag.load();
+}
+
+int Interrupt::descriptor() const
+{
+    return wakePipe[0];
+}

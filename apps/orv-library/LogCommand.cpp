@@ -1,0 +1,78 @@
+#include "apps/orv-library/LogCommand.h"
+
+#include <QJsonArray>
+
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/PathUtils.h"
+#include "apps/common/ErrorLogReader.h"
+#include "apps/orv-library/Session.h"
+
+namespace {
+
+fileString logFile(Session& session)
+{
+    session.host();
+    return PathUtils::getObject().getUserLibraryDatabasePath() + fileString("errors.log");
+}
+
+QJsonObject document(const fileString& path, const std::vector<ErrorLogEntry>& entries)
+{
+    QJsonArray array;
+    for (const ErrorLogEntry& entry : entries) {
+        array.append(QJsonObject{{"time", jsonText(entry.time)},
+                                 {"thread", jsonText(entry.thread)},
+                                 {"message", jsonText(entry.message)}});
+    }
+    return {{"path", jsonText(path.toNativeString())}, {"entries", array}};
+}
+
+std::string indented(const std::string& text)
+{
+    std::string result = "    ";
+    for (const char character : text)
+        result += character == '\n' ? std::string("\n    ") : std::string(1, character);
+    return result;
+}
+
+std::string readable(const fileString& path, const std::vector<ErrorLogEntry>& entries)
+{
+    if (entries.empty())
+        return "The error log is empty: " + path.toNativeString() + "\n";
+    std::string text;
+    for (const ErrorLogEntry& entry : entries)
+        text += entry.time + "  thread " + entry.thread + "\n" + indented(entry.message) + "\n";
+    return text;
+}
+
+} // namespace
+
+void LogCommand::declare(CommandSyntax& syntax)
+{
+    syntax.action("show", "Print the entries of the error log, oldest first").runs(show);
+    syntax.action("path", "Print the path of the error log").runs(path);
+    syntax.action("clear", "Remove the error log, whatever its age").runs(clear);
+}
+
+ExitStatus LogCommand::show(Session& session)
+{
+    const fileString file = logFile(session);
+    const std::vector<ErrorLogEntry> entries = ErrorLogReader::read(file);
+    session.console().result(document(file, entries), readable(file, entries));
+    return ExitStatus::Done;
+}
+
+ExitStatus LogCommand::path(Session& session)
+{
+    const fileString file = logFile(session);
+    session.console().result(document(file, ErrorLogReader::read(file)), file.toNativeString() + "\n");
+    return ExitStatus::Done;
+}
+
+ExitStatus LogCommand::clear(Session& session)
+{
+    const fileString file = logFile(session);
+    if (!FileUtils::removePath(file, 1))
+        throw CommandFailure("cannot remove " + file.toNativeString());
+    session.console().result(document(file, {}), "Removed " + file.toNativeString() + "\n");
+    return ExitStatus::Done;
+}

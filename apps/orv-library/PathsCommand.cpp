@@ -1,0 +1,50 @@
+#include "apps/orv-library/PathsCommand.h"
+
+#include <utility>
+#include <vector>
+
+#include "OrvLibrary/host/PathUtils.h"
+#include "apps/orv-library/Session.h"
+
+namespace {
+
+using NamedPath = std::pair<const char*, fileString>;
+
+std::vector<NamedPath> wellKnownPaths(const fileString& root)
+{
+    const PathUtils& paths = PathUtils::getObject();
+    return {
+        {"root", root},
+        {"user", paths.getUserLibraryDatabasePath()},
+        {"core", paths.getCoreLibraryDatabasePath()},
+        {"bonus", paths.getBonusLibraryDatabasePath()},
+        {"manufacturer", paths.getManufacturerLibraryPath()},
+        {"manufacturerData", paths.getManufacturerDataPath()},
+        {"referenced", paths.getProprietaryLibraryReferencedFilesPath()},
+        {"textures", paths.getUserTexturePath()},
+        {"temp", paths.getTempPath()},
+        {"errorLog", paths.getUserLibraryDatabasePath() + fileString("errors.log")},
+        {"filters", paths.getCoreLibraryDatabasePath() + fileString("catalog_filters.json")},
+        {"manufacturerFile", paths.getManufacturerDataPath() + fileString("manufacturer_data.json")},
+    };
+}
+
+} // namespace
+
+void PathsCommand::declare(CommandSyntax& syntax)
+{
+    syntax.runs([](Session& session) { return run(session); });
+}
+
+ExitStatus PathsCommand::run(Session& session)
+{
+    QJsonObject document;
+    std::string text;
+    for (const auto& [name, path] : wellKnownPaths(session.host().root())) {
+        document[name] = jsonText(path.toNativeString());
+        const std::string label = std::string(name) + ":";
+        text += label + std::string(18 - label.size(), ' ') + path.toNativeString() + "\n";
+    }
+    session.console().result(document, text);
+    return ExitStatus::Done;
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "apps/orv-library/Command.h"
+
+/// `paths`: every well-known folder and file.
+class PathsCommand : public Command
+{
+public:
+    std::string name() const override { return "paths"; }
+    std::string summary() const override { return "Print each well-known folder and file"; }
+    void declare(CommandSyntax& syntax) override;
+
+private:
+    static ExitStatus run(Session& session);
+};

@@ -1,0 +1,57 @@
+// The command-line host of the library.
+#include <cstdio>
+#include <exception>
+
+#include <QCoreApplication>
+
+#include "apps/orv-library/CommandLine.h"
+#include "apps/orv-library/Session.h"
+
+namespace {
+
+int fail(Session& session, const std::string& reason)
+{
+    Console::complain(reason);
+    // Standard output holds one document whatever happens, so that a script can always read it.
+    if (session.console().isJson() && !session.console().hasResult())
+        session.console().result({{"error", jsonText(reason)}}, {});
+    return static_cast<int>(ExitStatus::Failed);
+}
+
+int printed(std::FILE* stream, const std::string& text, ExitStatus status)
+{
+    std::fwrite(text.data(), 1, text.size(), stream);
+    return static_cast<int>(status);
+}
+
+/// Runs the chosen command; the one place where its exceptions end.
+int run(const CommandLine& commandLine)
+{
+    Session session(commandLine.options());
+    try {
+        const ExitStatus status = commandLine.work()(session);
+        return Console::flush() ? static_cast<int>(status) : fail(session, "cannot write standard output");
+    } catch (const UsageError& error) {
+        return printed(stderr, commandLine.usage(error.what()), ExitStatus::WrongUsage);
+    } catch (const std::exception& error) {
+        return fail(session, error.what());
+    }
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    const CommandList commands = allCommands();
+    CommandLine commandLine(commands);
+    switch (commandLine.parse({argv + 1, argv + argc})) {
+    case CommandLine::Outcome::Help:
+        return printed(stdout, commandLine.text(), ExitStatus::Done);
+    case CommandLine::Outcome::WrongUsage:
+        return printed(stderr, commandLine.text(), ExitStatus::WrongUsage);
+    case CommandLine::Outcome::Run:
+        break;
+    }
+    return run(commandLine);
+}

@@ -1,0 +1,101 @@
+#include <filesystem>
+
+#include <QJsonArray>
+
+#include <gmock/gmock.h>
+
+#include "apps/common/ErrorLogReader.h"
+#include "tests/orv-library/Program.h"
+
+using testing::HasSubstr;
+
+namespace {
+
+std::string entry(const std::string& time, const std::string& message)
+{
+    return "---\nTime: " + time + "\nThread ID: 0x7f01\nMessage: |\n" + message + "...\n";
+}
+
+const std::string kTwoEntries = entry("2026-11-21 03:35:12", "Empty Download File:  /a b\n") +
+                                entry("2026-11-21 03:35:13", "first\nsecond\n");
+
+} // namespace
+
+TEST(ErrorLogReader, readsEntriesInOrder)
+{
+    const std::vector<ErrorLogEntry> entries = ErrorLogReader::parse(kTwoEntries);
+    ASSERT_EQ(2U, entries.size());
+    EXPECT_EQ("2026-11-21 03:35:12", entries[0].time);
+    EXPECT_EQ("0x7f01", entries[0].thread);
+    EXPECT_EQ("Empty Download File:  /a b", entries[0].message);
+    EXPECT_EQ("first\nsecond", entries[1].message);
+}
+
+TEST(ErrorLogReader, messageMayHoldSeparators)
+{
+    const std::string message = "---\nTime: none\n...\n---\ntext\n";
+    const std::vector<ErrorLogEntry> entries =
+        ErrorLogReader::parse(entry("1", message) + entry("2", "other\n"));
+    ASSERT_EQ(2U, entries.size());
+    EXPECT_EQ("---\nTime: none\n...\n---\ntext", entries[0].message);
+    EXPECT_EQ("2", entries[1].time);
+}
+
+TEST(ErrorLogReader, unfinishedEntryIsShownAsFarAsItGoes)
+{
+    EXPECT_EQ("fir", ErrorLogReader::parse("---\nTime: 1\nThread ID: 2\nMessage: |\nfir")[0].message);
+    EXPECT_EQ("1", ErrorLogReader::parse("---\nTime: 1")[0].time);
+    EXPECT_TRUE(ErrorLogReader::parse("").empty());
+    EXPECT_TRUE(ErrorLogReader::parse("no log at all\n").empty());
+}
+
+TEST(LogCommand, showsTheEntries)
+{
+    const test::Program program;
+    test::writeFile(program.root() + "/user/errors.log", kTwoEntries);
+    const QJsonObject document = program.run({"log", "show", "--json"}).json();
+    EXPECT_EQ(program.root() + "/user/errors.log", document["path"].toString().toStdString());
+    const QJsonArray entries = document["entries"].toArray();
+    ASSERT_EQ(2, entries.size());
+    EXPECT_EQ((QJsonObject{{"time", "2026-11-21 03:35:12"},
+                           {"thread", "0x7f01"},
+                           {"message", "Empty Download File:  /a b"}}),
+              entries[0].toObject());
+    EXPECT_THAT(program.run({"log", "show"}).out,
+                HasSubstr("2026-11-21 03:35:13  thread 0x7f01\n    first\n    second\n"));
+}
+
+TEST(LogCommand, missingLogIsEmpty)
+{
+    const test::Program program;
+    const test::ProgramResult result = program.run({"log", "show", "--json"});
+    EXPECT_EQ(0, result.status);
+    EXPECT_TRUE(result.json()["entries"].toArray().isEmpty());
+    EXPECT_THAT(program.run({"log", "show"}).out, HasSubstr("empty"));
+    EXPECT_EQ(0, program.run({"log", "clear"}).status);
+}
+
+TEST(LogCommand, printsThePathAlone)
+{
+    const test::Program program;
+    EXPECT_EQ(program.root() + "/user/errors.log\n", program.run({"log", "path"}).out);
+}
+
+TEST(LogCommand, clearRemovesAFreshLogToo)
+{
+    const test::Program program;
+    test::writeFile(program.root() + "/user/errors.log", kTwoEntries);
+    const test::ProgramResult result = program.run({"log", "clear", "--json"});
+    EXPECT_EQ(0, result.status);
+    EXPECT_TRUE(result.json()["entries"].toArray().isEmpty());
+    EXPECT_FALSE(std::filesystem::exists(program.root() + "/user/errors.log"));
+}
+
+TEST(LogCommand, clearThatCannotRemoveFailsWithThePath)
+{
+    const test::Program program;
+    std::filesystem::create_directories(program.root() + "/user/errors.log/x");
+    const test::ProgramResult result = program.run({"log", "clear"});
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ("orv-library: cannot remove " + program.root() + "/user/errors.log\n", result.err);
+}
