@@ -62,9 +62,26 @@ public:
     virtual bool browseURL(const std::string& url, const std::vector<std::string>& headerLines,
                            std::string& body, bool followRedirects, int timeoutSeconds) = 0;
 
+    /// A header request that is going to be made.
+    struct HeaderRequest
+    {
+        std::string url;
+        std::vector<std::string> headerLines;
+    };
+    /// Tells which calls of `getURLHeader` the calling thread is about to make, so that a service may send
+    /// the requests ahead. A call with the same address and header lines then returns the answer that is
+    /// already there, or waits for it; each answer serves one call. A further list takes the place of the
+    /// former one, and an empty one drops what was not asked for. The one of this class does nothing.
+    virtual void prefetchHeaders(const std::vector<HeaderRequest>& requests);
+
     /// The address that redirects lead to, each `Location` read as sent (a lone trailing "?" survives);
-    /// whatever its status is. Empty when there was no answer, a loop or too many redirects.
+    /// whatever its status is. Empty when there was no answer, a loop or too many redirects. The one of this
+    /// class asks the default service.
     virtual std::string urlAfterRedirects(const std::string& url);
+
+    /// Makes the default service use a proxy, such as "http://proxy.example:3128"; empty for what the
+    /// environment says (`http_proxy`, `https_proxy`, `no_proxy`), which is what it does at first.
+    static void setProxy(const std::string& proxy);
 
     static Curl& get();
     /// Makes `service` the one that `get` returns; null for the default. The pointer is not owned.

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "OrvLibrary/host/WebUtils.h"
+
+/// Checks a body against the `Repr-Digest` and `Content-Digest` fields that came with it, as it arrives. The
+/// algorithms are sha-256 and sha-512; others, and fields that are no dictionary of byte sequences, promise
+/// nothing and are passed over.
+class BodyDigest
+{
+public:
+    explicit BodyDigest(const WebUtils::HeaderMap& headers);
+    ~BodyDigest();
+    BodyDigest(const BodyDigest&) = delete;
+    BodyDigest& operator=(const BodyDigest&) = delete;
+
+    void update(const char* data, std::size_t size);
+    /// Whether every digest that was announced is the body's. To be called once, at the end.
+    bool matches();
+
+private:
+    class Hash;
+
+    void addField(const WebUtils::HeaderMap& headers, const char* name);
+    std::vector<std::unique_ptr<Hash>> mHashes;
+};
+
+/// The members of a digest field, algorithm and raw bytes, in the order in which they stand. False when the
+/// text is no dictionary of byte sequences.
+bool parseDigestField(const std::string& text, std::vector<std::pair<std::string, std::string>>& members);

@@ -1,0 +1,44 @@
+#include "OrvLibrary/host/Curl.h"
+
+#include <atomic>
+
+#include "OrvLibrary/host/impl/CurlService_p.h"
+
+namespace {
+
+std::atomic<Curl*> installed{nullptr};
+
+} // namespace
+
+CurlService& defaultCurlService()
+{
+    // Never destroyed: a worker thread may still be on its way when the process ends.
+    static CurlService* const service = new CurlService;
+    return *service;
+}
+
+Curl::Curl() = default;
+Curl::~Curl() = default;
+
+std::string Curl::urlAfterRedirects(const std::string& url)
+{
+    return defaultCurlService().urlAfterRedirects(url);
+}
+
+void Curl::prefetchHeaders(const std::vector<HeaderRequest>&) {}
+
+void Curl::setProxy(const std::string& proxy)
+{
+    defaultCurlService().setProxy(proxy);
+}
+
+Curl& Curl::get()
+{
+    Curl* const service = installed;
+    return service ? *service : defaultCurlService();
+}
+
+Curl* Curl::install(Curl* service)
+{
+    return installed.exchange(service);
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <mutex>
+
+#include "OrvLibrary/host/Curl.h"
+#include "OrvLibrary/host/impl/AddressGuard_p.h"
+#include "OrvLibrary/host/impl/HttpChain_p.h"
+#include "OrvLibrary/host/impl/HttpLimits_p.h"
+
+/// The default download service, on libcurl. May be used from any thread: what threads share is the guard of
+/// addresses that do not answer, and the settings.
+class CurlService : public Curl
+{
+public:
+    explicit CurlService(const HttpLimits& limits = HttpLimits());
+
+    bool downloadable(const std::string& url) override;
+    fileString download(const std::string& url) override;
+    bool download_to_location(const std::string& url, const fileString& target, std::string& reason) override;
+    bool download_to_location(const std::string& url, const fileString& target,
+                              const std::vector<std::string>& headerLines, void* context,
+                              ProgressFunction progress, std::string& reason, int& errorNumber) override;
+    bool getURLHeader(const std::string& url, const std::vector<std::string>& headerLines,
+                      std::string& headerText, std::int64_t& status) override;
+    bool browseURL(const std::string& url, const std::vector<std::string>& headerLines, std::string& body,
+                   bool followRedirects, int timeoutSeconds) override;
+    std::string urlAfterRedirects(const std::string& url) override;
+
+    void setProxy(const std::string& proxy);
+    /// Opens every address that was closed for lack of answers.
+    void forgetUnanswered() { mGuard.reset(); }
+
+private:
+    HttpRequest request(const std::string& url, const std::vector<std::string>& headerLines);
+    bool downloadFile(HttpConnections& connections, const HttpRequest& request, FileBody& body,
+                      ProgressPacer& pacer, std::string& reason, int& errorNumber);
+
+    const HttpLimits mLimits;
+    AddressGuard mGuard;
+    std::mutex mSettingsMutex;
+    std::string mProxy;
+};
+
+/// The one behind `Curl::get` when the host has installed none.
+CurlService& defaultCurlService();

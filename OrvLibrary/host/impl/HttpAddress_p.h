@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string>
+
+/// Web addresses as texts. Nothing here goes through the transfer library's own address parser, because that
+/// one drops a lone trailing "?", and catalog addresses are built by appending to such a query.
+namespace HttpAddress {
+
+/// Whether the text is an http or https address with a host, whatever the letter case of the scheme.
+bool isWebAddress(const std::string& url);
+/// The scheme in lower case without its colon; empty when the text has none.
+std::string scheme(const std::string& url);
+/// "host:port" in lower case, with the scheme's default port where none is given; empty for anything but a
+/// web address. User names and passwords are not part of it.
+std::string hostAndPort(const std::string& url);
+
+/// The text as HTTP can carry it: bytes up to 0x20, 0x7F and bytes from 0x80 up are percent-encoded, and so
+/// is a "%" that two hexadecimal digits do not follow. Nothing else is touched.
+std::string wireText(const std::string& url);
+/// A header line without the bytes 0x00-0x1F and 0x7F.
+std::string wireHeaderLine(const std::string& line);
+
+/// `reference`, as a `Location` gave it, seen from `base`. A query survives as it was sent, even an empty
+/// one.
+std::string resolve(const std::string& base, const std::string& reference);
+
+} // namespace HttpAddress

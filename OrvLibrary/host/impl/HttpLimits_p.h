@@ -1,0 +1,42 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+
+/// The bounds of the download service. The service has one set of them; tests make their own with times short
+/// enough to wait for.
+struct HttpLimits
+{
+    using Clock = std::chrono::steady_clock;
+    using Milliseconds = std::chrono::milliseconds;
+
+    Milliseconds connectTimeout{30'000};
+    /// Header requests, pages and redirect chains, from the first connection to the last byte.
+    Milliseconds totalTimeout{60'000};
+    /// Files without a progress function: a stretch of this length below `lowestSpeed` ends the transfer.
+    Milliseconds slowTime{30'000};
+    /// Bytes per second.
+    std::int64_t lowestSpeed = 1;
+
+    int redirects = 10;
+    std::int64_t headerBytes = 300 * 1024;
+    std::int64_t pageBytes = 16 * 1024 * 1024;
+    /// Also what is read of any answer whose body nobody wants, so that its connection can be kept.
+    std::int64_t errorPageBytes = 64 * 1024;
+    std::int64_t fileBytes = 16LL * 1024 * 1024 * 1024;
+    /// What a file leaves free on its disk.
+    std::int64_t spareBytes = 256LL * 1024 * 1024;
+
+    std::int64_t progressStep = 4096;
+    /// Without a byte for `progressSilence`, the progress function is called every `progressInterval`.
+    Milliseconds progressSilence{1'000};
+    Milliseconds progressInterval{100};
+
+    /// So many requests in a row without any answer close an address for `refusalTime`.
+    int unansweredRequests = 3;
+    Milliseconds refusalTime{60'000};
+
+    /// What the refusal of addresses goes by; transfers themselves go by the steady clock.
+    std::function<Clock::time_point()> now = Clock::now;
+};
