@@ -26,15 +26,16 @@ ORVLIBRARY_EXPORT void setFilePermission(const fileString& path);
 /// @return whether the folder exists afterwards
 ORVLIBRARY_EXPORT bool createDirectoriesWithPerm(const fileString& path, bool privateFolder);
 /// Removes a file or a link, never a folder.
-/// @param flags 0 plain; 1 also when the file is read-only
+/// @param flags 0 plain; 1 also when the file is read-only, which on this platform needs no flag
 /// @return whether nothing of that name is left
 ORVLIBRARY_EXPORT bool removePath(const fileString& path, int flags = 0);
 /// Removes a folder with its content. Links are removed, never followed. An empty path, a relative path and
 /// the root are refused.
-/// @param flags 1, as for `removePath`
+/// @param flags 1 also when folders in it are read-only
 /// @return whether nothing of that name is left
 ORVLIBRARY_EXPORT bool removeDirectoryAndFiles(const fileString& path, int flags);
-/// Copies a file: written beside the target, then renamed over it, so that the target is whole or as it was.
+/// Copies a file: written beside the target, synced and renamed over it, so that the target is whole or as it
+/// was. An existing target keeps its permissions; one that cannot be written or locked is refused.
 /// @param overwrite false refuses a target that exists
 ORVLIBRARY_EXPORT bool copyFile(const fileString& from, const fileString& to, bool overwrite);
 /// Moves a file by one rename, replacing a target that exists; across devices it is copied beside the target,

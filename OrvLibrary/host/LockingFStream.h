@@ -30,7 +30,8 @@ public:
 
     bool is_open() const;
     /// Ends the stream: for output, the moment at which the target takes its new content. On failure the
-    /// target keeps its old content and `failbit` is set.
+    /// target keeps its old content and `failbit` is set. (Where nothing but the sync of its folder failed,
+    /// the target has the new content, which may not survive a power cut.)
     void close();
 
 private:

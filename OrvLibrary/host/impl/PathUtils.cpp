@@ -1,0 +1,44 @@
+#include "OrvLibrary/host/PathUtils.h"
+
+#include <atomic>
+
+namespace {
+
+/// The folders of the default root, which follow the environment.
+class DefaultPathUtils : public PathUtils
+{
+public:
+    fileString getUserLibraryDatabasePath() const override { return root().getUserLibraryDatabasePath(); }
+    fileString getCoreLibraryDatabasePath() const override { return root().getCoreLibraryDatabasePath(); }
+    fileString getBonusLibraryDatabasePath() const override { return root().getBonusLibraryDatabasePath(); }
+    fileString getManufacturerLibraryPath() const override { return root().getManufacturerLibraryPath(); }
+    fileString getManufacturerDataPath() const override { return root().getManufacturerDataPath(); }
+    fileString getProprietaryLibraryReferencedFilesPath() const override
+    {
+        return root().getProprietaryLibraryReferencedFilesPath();
+    }
+    fileString getUserTexturePath() const override { return root().getUserTexturePath(); }
+    fileString getTempPath() const override { return root().getTempPath(); }
+
+private:
+    static RootPathUtils root() { return RootPathUtils(RootPathUtils::defaultRoot()); }
+};
+
+std::atomic<PathUtils*> installedService{nullptr};
+
+} // namespace
+
+PathUtils::PathUtils() = default;
+PathUtils::~PathUtils() = default;
+
+PathUtils& PathUtils::getObject()
+{
+    static DefaultPathUtils defaultService;
+    PathUtils* service = installedService.load();
+    return service ? *service : defaultService;
+}
+
+PathUtils* PathUtils::install(PathUtils* service)
+{
+    return installedService.exchange(service);
+}

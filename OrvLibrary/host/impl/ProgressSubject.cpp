@@ -1,0 +1,4 @@
+#include "OrvLibrary/host/ProgressSubject.h"
+
+ProgressSubject::ProgressSubject() = default;
+ProgressSubject::~ProgressSubject() = default;
