@@ -1,11 +1,13 @@
 #include "apps/orv-library/Command.h"
 #include "apps/orv-library/LogCommand.h"
 #include "apps/orv-library/PathsCommand.h"
+#include "apps/orv-library/SampleCommand.h"
 
 CommandList allCommands()
 {
     CommandList commands;
     commands.push_back(std::make_unique<PathsCommand>());
     commands.push_back(std::make_unique<LogCommand>());
+    commands.push_back(std::make_unique<SampleCommand>());
     return commands;
 }
