@@ -1,0 +1,54 @@
+# Install and packaging: the library with its headers, CMake package and pkg-config file, the programs, and two
+# Debian packages (run-time and development).
+
+include(CMakePackageConfigHelpers)
+
+set(ORV_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/OrvLibrary")
+
+install(TARGETS OrvLibrary EXPORT OrvLibraryTargets
+    LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development)
+
+# Every header that a host may include: internal ones end in _p.h, and the JSON room is the library's own.
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/OrvLibrary"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development
+    FILES_MATCHING PATTERN "*.h"
+    PATTERN "*_p.h" EXCLUDE
+    PATTERN "json" EXCLUDE
+    PATTERN "impl" EXCLUDE)
+install(FILES "${PROJECT_BINARY_DIR}/generated/OrvLibrary/OrvLibraryVersion.h"
+    DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/OrvLibrary" COMPONENT development)
+
+set_target_properties(OrvLibrary PROPERTIES EXPORT_NAME Library)
+install(EXPORT OrvLibraryTargets NAMESPACE Orv:: DESTINATION "${ORV_CMAKE_DIR}" COMPONENT development)
+export(EXPORT OrvLibraryTargets NAMESPACE Orv:: FILE "${PROJECT_BINARY_DIR}/OrvLibraryTargets.cmake")
+
+configure_package_config_file(cmake/OrvLibraryConfig.cmake.in "${PROJECT_BINARY_DIR}/OrvLibraryConfig.cmake"
+    INSTALL_DESTINATION "${ORV_CMAKE_DIR}")
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/OrvLibraryConfigVersion.cmake"
+    COMPATIBILITY SameMajorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/OrvLibraryConfig.cmake" "${PROJECT_BINARY_DIR}/OrvLibraryConfigVersion.cmake"
+    DESTINATION "${ORV_CMAKE_DIR}" COMPONENT development)
+
+configure_file(packaging/orvlibrary.pc.in "${PROJECT_BINARY_DIR}/orvlibrary.pc" @ONLY)
+install(FILES "${PROJECT_BINARY_DIR}/orvlibrary.pc"
+    DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
+
+set(CPACK_GENERATOR DEB)
+set(CPACK_PACKAGE_NAME orvlibrary)
+set(CPACK_PACKAGE_VENDOR "Orv")
+set(CPACK_PACKAGE_CONTACT "Orv maintainers <maintainers@orvlibrary.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
+set(CPACK_PACKAGING_INSTALL_PREFIX "/usr")
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENTS_ALL runtime development)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_NAME liborvlibrary${PROJECT_VERSION_MAJOR})
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_SECTION libs)
+set(CPACK_DEBIAN_RUNTIME_PACKAGE_GENERATE_SHLIBS ON)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_NAME liborvlibrary-dev)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
+    "liborvlibrary${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION}), qtbase5-dev, libboost-dev")
+include(CPack)
