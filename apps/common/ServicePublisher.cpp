@@ -103,7 +103,7 @@ bool ServicePublisher::publish(std::string& reason)
         }
         mNames = hashesOf(names);
         mLogos = hashesOf(logos);
-        refuseSmallChanges(names, mNames, formerNames);
+        refuseSmallChanges(names, formerNames);
 
         prepareFolders();
         writeBlobs(names, mNames);
@@ -173,10 +173,10 @@ void ServicePublisher::refuseContents(Files& files)
     }
 }
 
-void ServicePublisher::refuseSmallChanges(Files& files, const Map& hashes, const Map& former)
+void ServicePublisher::refuseSmallChanges(Files& files, const Map& former)
 {
     std::vector<std::string> changed;
-    for (const auto& [name, hash] : hashes) {
+    for (const auto& [name, hash] : mNames) {
         const auto before = former.find(name);
         if (isCatalog(name) && (before == former.end() || before->second != hash))
             changed.push_back(name);

@@ -43,7 +43,7 @@ private:
     void refuseNames(Files& files);
     void refuseLetterCaseTwins(Files& files);
     void refuseContents(Files& files);
-    void refuseSmallChanges(Files& files, const Map& hashes, const Map& former);
+    void refuseSmallChanges(Files& files, const Map& former);
     void prepareFolders() const;
     Map hashesOf(const Files& files) const;
     void writeBlobs(const Files& files, const Map& hashes) const;

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+#include "apps/orv-library/Command.h"
+
+/// `publish`: writes the folder that the scaled catalog service serves.
+class PublishCommand : public Command
+{
+public:
+    std::string name() const override { return "publish"; }
+    std::string summary() const override { return "Write the folder of the scaled catalog service"; }
+    void declare(CommandSyntax& syntax) override;
+
+private:
+    ExitStatus run(Session& session) const;
+
+    std::string mSource;
+    std::string mTarget;
+};

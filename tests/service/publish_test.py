@@ -1,0 +1,100 @@
+"""What `orv-library publish` writes and what it refuses."""
+import hashlib
+import os
+import subprocess
+import sys
+import unittest
+
+from service_support import ServiceCase
+
+CATALOG = b"catalog " * 500
+
+
+class Publish(ServiceCase):
+    def setUp(self):
+        super().setUp()
+        os.makedirs(os.path.join(self.source, "manufacturers"))
+        self.write("content/Doors.orvlib", CATALOG)
+
+    def refusal(self, name):
+        document = self.publish(status=1)
+        reasons = {entry["name"]: entry["why"] for entry in document["refused"]}
+        self.assertEqual(list(reasons), [name] if isinstance(name, str) else list(name))
+        return list(reasons.values())[0]
+
+    def test_blobs_are_named_by_their_content_and_maps_point_to_them(self):
+        self.write("content/Türen und Fenster.txt", b"text")
+        self.write("manufacturers/Löwe.png", b"picture")
+        self.write("manufacturers/manufacturer_data.json", b'{"Manufacturer":{"Id":2147483647}}')
+        self.assertEqual(self.publish(), {"published": 4, "refused": []})
+        names, logos = self.map_of("names.map"), self.map_of("logos.map")
+        self.assertEqual(set(names), {b"Doors.orvlib", "Türen und Fenster.txt".encode(), b"manufacturer_data.json"})
+        self.assertEqual(set(logos), {"Löwe.png".encode(), "Löwe.png".encode("cp1252")})
+        for digest in {*names.values(), *logos.values()}:
+            with open(self.path("service", "blobs", digest.decode()), "rb") as stream:
+                self.assertEqual(hashlib.sha1(stream.read()).hexdigest(), digest.decode())
+
+    def test_quotes_and_words_of_the_map_language_are_escaped(self):
+        self.write('content/a"b\\c.txt', b"1")
+        self.write("content/~x.txt", b"2")
+        self.write("content/default", b"3")
+        self.publish()
+        self.assertEqual(set(self.map_of("names.map")),
+                         {b"Doors.orvlib", rb'a\"b\\c.txt', rb"\~x.txt", rb"\default"})
+        self.assertEqual(self.publish()["published"], 4)
+
+    def test_empty_file_is_refused_and_the_rest_is_published(self):
+        self.write("content/Empty.orvlib", b"")
+        self.assertIn("empty", self.refusal("Empty.orvlib"))
+        self.assertEqual(set(self.map_of("names.map")), {b"Doors.orvlib"})
+
+    def test_names_that_no_client_can_ask_for_are_refused(self):
+        for character in ":&#+%\t\x7f":
+            with self.subTest(character=character):
+                name = f"a{character}b.orvlib"
+                self.write("content/" + name, CATALOG)
+                self.refusal(name)
+                os.remove(os.path.join(self.source, "content", name))
+
+    def test_names_that_differ_in_letter_case_only_are_both_refused(self):
+        self.write("content/Türen.orvlib", CATALOG)
+        self.write("content/TÜREN.orvlib", CATALOG)
+        self.assertIn("letter case", self.refusal(["TÜREN.orvlib", "Türen.orvlib"]))
+
+    def test_index_with_a_packed_archive_is_refused(self):
+        self.write("content/Orv_Core_Content_Index.txt", b"Doors.orvlib\r\nPack.orvlibz\r\n")
+        self.assertIn("Pack.orvlibz", self.refusal("Orv_Core_Content_Index.txt"))
+
+    def test_changes_that_are_all_small_are_refused_and_the_former_stays(self):
+        self.publish()
+        former = self.map_of("names.map")
+        self.write("content/Doors.orvlib", b"x" * 999)
+        self.assertIn("1,000 bytes", self.refusal("Doors.orvlib"))
+        self.assertEqual(self.map_of("names.map"), former)
+
+    def test_a_small_change_beside_a_counted_one_is_published(self):
+        self.write("content/Small.orvlib", b"x" * 999)
+        self.assertEqual(self.publish()["published"], 2)
+
+    def test_oversized_manufacturer_id_is_refused(self):
+        self.write("manufacturers/manufacturer_data.json", b'{"Manufacturer":{"Id" : 2147483648}}')
+        self.assertIn("2147483648", self.refusal("manufacturer_data.json"))
+
+    def test_a_refused_name_keeps_what_was_published_before(self):
+        self.publish()
+        former = self.map_of("names.map")
+        self.write("content/Doors.orvlib", b"")
+        self.refusal("Doors.orvlib")
+        self.assertEqual(self.map_of("names.map"), former)
+
+    def test_a_missing_source_changes_nothing(self):
+        command = [self.program, "publish", self.path("nowhere"), self.service]
+        result = subprocess.run(command, text=True, capture_output=True, timeout=60)
+        self.assertEqual(result.returncode, 1)
+        self.assertIn("nowhere", result.stderr)
+        self.assertFalse(os.path.exists(self.service))
+
+
+if __name__ == "__main__":
+    ServiceCase.program = sys.argv.pop(1)
+    unittest.main(verbosity=1)
