@@ -1,0 +1,39 @@
+# bash completion for orv-library
+_orv_library() {
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+    local commands="paths update unpack import pack filters manufacturers styles log status verify publish serve sample"
+    local common="--root --json --progress --trace --help --version"
+    local command="" word
+    for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+        [[ " $commands " == *" $word "* ]] && command=$word && break
+    done
+
+    case $previous in
+        --root | --output-dir) COMPREPLY=($(compgen -d -- "$current")); return ;;
+        --trace | --output) COMPREPLY=($(compgen -f -- "$current")); return ;;
+        --progress) COMPREPLY=($(compgen -W "auto bar plain none" -- "$current")); return ;;
+        filters) COMPREPLY=($(compgen -W "list show add remove use drop-database merge" -- "$current")); return ;;
+        manufacturers) COMPREPLY=($(compgen -W "list show refresh" -- "$current")); return ;;
+        styles) COMPREPLY=($(compgen -W "list show" -- "$current")); return ;;
+        log) COMPREPLY=($(compgen -W "show path clear" -- "$current")); return ;;
+    esac
+
+    if [[ $current != -* ]]; then
+        [[ -z $command ]] && COMPREPLY=($(compgen -W "$commands" -- "$current")) && return
+        COMPREPLY=($(compgen -f -- "$current"))
+        return
+    fi
+    local options=""
+    case $command in
+        update) options="--url --product --product-version --core-only --index --bonus --manufacturer" ;;
+        unpack) options="--beside --output-dir" ;;
+        import) options="--proprietary" ;;
+        pack) options="--output" ;;
+        filters) options="--id" ;;
+        manufacturers) options="--data-url --logo-url" ;;
+        verify) options="--repair" ;;
+        serve) options="--address --port" ;;
+    esac
+    COMPREPLY=($(compgen -W "$options $common" -- "$current"))
+}
+complete -o filenames -F _orv_library orv-library
