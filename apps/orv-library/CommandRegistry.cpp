@@ -1,6 +1,7 @@
 #include "apps/orv-library/Command.h"
 #include "apps/orv-library/LogCommand.h"
 #include "apps/orv-library/PathsCommand.h"
+#include "apps/orv-library/PublishCommand.h"
 #include "apps/orv-library/SampleCommand.h"
 
 CommandList allCommands()
@@ -8,6 +9,7 @@ CommandList allCommands()
     CommandList commands;
     commands.push_back(std::make_unique<PathsCommand>());
     commands.push_back(std::make_unique<LogCommand>());
+    commands.push_back(std::make_unique<PublishCommand>());
     commands.push_back(std::make_unique<SampleCommand>());
     return commands;
 }
