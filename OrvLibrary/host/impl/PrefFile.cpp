@@ -4,17 +4,16 @@
 #include <cstring>
 #include <limits>
 
-#include <unistd.h>
-
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QSaveFile>
 
-#include "OrvLibrary/host/impl/FileLock_p.h"
+#include "OrvLibrary/host/impl/ReplacementFile_p.h"
 
 namespace {
+
+constexpr mode_t kNewMode = 0666; // less the mask of the process
 
 struct Content
 {
@@ -52,9 +51,25 @@ QJsonValue toJson(const PrefValue& value)
     return std::get<double>(value);
 }
 
+bool write(host::ReplacementFile& file, const QByteArray& bytes)
+{
+    QFile stream;
+    return stream.open(file.descriptor(), QIODevice::WriteOnly | QIODevice::Unbuffered) &&
+           stream.write(bytes) == bytes.size() && file.commit();
+}
+
+std::nullopt_t failed(const std::string& path, std::string& reason)
+{
+    reason = path + ": " + std::strerror(errno);
+    return std::nullopt;
+}
+
 } // namespace
 
-PrefFile::PrefFile(const fileString& path) : mPath(path.toNativeString()) {}
+PrefFile::PrefFile(const fileString& path, std::chrono::milliseconds lockWait)
+    : mPath(path.toNativeString()), mLockWait(lockWait)
+{
+}
 
 QJsonObject PrefFile::read() const
 {
@@ -86,19 +101,18 @@ std::optional<QJsonObject> PrefFile::update(const std::map<int, PrefValue>& valu
 {
     if (!makeFolder(reason))
         return std::nullopt;
-    const FileLock lock(mPath);
-    if (!lock.isHeld()) {
-        reason = mPath + ": " + lock.reason();
-        return std::nullopt;
-    }
+    using host::ReplacementFile;
+    const auto file = ReplacementFile::open(mPath, ReplacementFile::Mode::Locked, kNewMode, mLockWait);
+    if (!file)
+        return failed(mPath, reason);
     const Content content = readContent(mPath);
-    if (!content.isReadable && !replace(mPath + ".bad", content.bytes, reason))
+    if (!content.isReadable && !writeBadCopy(content.bytes, reason))
         return std::nullopt;
     QJsonObject members = content.members;
     for (const auto& [id, value] : values)
         members.insert(QString::number(id), toJson(value));
-    if (!replace(mPath, QJsonDocument(members).toJson(), reason))
-        return std::nullopt;
+    if (!write(*file, QJsonDocument(members).toJson()))
+        return failed(mPath, reason);
     return members;
 }
 
@@ -111,20 +125,13 @@ bool PrefFile::makeFolder(std::string& reason) const
     return false;
 }
 
-bool PrefFile::replace(const std::string& path, const QByteArray& content, std::string& reason) const
+bool PrefFile::writeBadCopy(const QByteArray& bytes, std::string& reason) const
 {
-    QSaveFile file(fileName(path));
-    if (file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush()) {
-        // The save-file class syncs too, but does not tell when that fails.
-        if (fsync(file.handle()) != 0) {
-            reason = path + ": " + std::strerror(errno);
-            file.cancelWriting();
-            file.commit();
-            return false;
-        }
-        if (file.commit())
-            return true;
-    }
-    reason = path + ": " + file.errorString().toStdString();
+    using host::ReplacementFile;
+    const std::string path = mPath + ".bad";
+    const auto file = ReplacementFile::open(path, ReplacementFile::Mode::Replaced, kNewMode, mLockWait);
+    if (file && write(*file, bytes))
+        return true;
+    failed(path, reason);
     return false;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <map>
 #include <optional>
 #include <string>
@@ -7,13 +8,14 @@
 #include <QJsonObject>
 
 #include "OrvLibrary/host/PreferenceEngine.h"
+#include "OrvLibrary/host/impl/FileHandle_p.h"
 
 /// The JSON file behind `FilePrefSet`: one member per preference number. Several processes may use one file;
 /// a change is made under an advisory lock on what the file holds at that moment.
 class PrefFile
 {
 public:
-    explicit PrefFile(const fileString& path);
+    explicit PrefFile(const fileString& path, std::chrono::milliseconds lockWait = host::kLockWait);
 
     /// The members; none when the file is missing or cannot be read as a JSON object.
     QJsonObject read() const;
@@ -28,7 +30,8 @@ public:
 
 private:
     bool makeFolder(std::string& reason) const;
-    bool replace(const std::string& path, const QByteArray& content, std::string& reason) const;
+    bool writeBadCopy(const QByteArray& bytes, std::string& reason) const;
 
     std::string mPath;
+    std::chrono::milliseconds mLockWait;
 };
