@@ -5,9 +5,7 @@
 namespace test {
 
 ScopedHost::ScopedHost()
-    : mPaths(fileString(mFolder.path())),
-      mPrefSet(mFolder.file("preferences.json")),
-      mPrefs(mPrefSet)
+    : mPaths(fileString(mFolder.path())), mPrefSet(mFolder.file("preferences.json")), mPrefs(mPrefSet)
 {
     std::string reason;
     if (!mPaths.createFolders(reason))
