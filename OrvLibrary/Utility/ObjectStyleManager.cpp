@@ -1,0 +1,40 @@
+#include "OrvLibrary/Utility/ObjectStyleManager.h"
+
+#include "OrvLibrary/host/StringUtils.h"
+
+namespace {
+
+constexpr long kFirstStyle = 10000;
+constexpr long kLastStyle = 10014;
+
+} // namespace
+
+ObjectStyleManager::ObjectStyleManager() = default;
+ObjectStyleManager::~ObjectStyleManager() = default;
+
+ObjectStyleManager& ObjectStyleManager::getObjectStyleManager()
+{
+    static ObjectStyleManager theOneObjectStyleManager;
+    theOneObjectStyleManager.loadObjectStyles();
+    return theOneObjectStyleManager;
+}
+
+void ObjectStyleManager::loadObjectStyles()
+{
+    if (!mStyles.empty())
+        return;
+    for (long number = kFirstStyle; number <= kLastStyle; ++number)
+        addObjectStyle(number);
+}
+
+const std::string& ObjectStyleManager::getStyleName(long number) const
+{
+    static const std::string nullString;
+    const auto style = mStyles.find(number);
+    return style == mStyles.end() ? nullString : style->second;
+}
+
+void ObjectStyleManager::addObjectStyle(long number)
+{
+    mStyles[number] = StringUtils::loadString(static_cast<std::uint32_t>(number));
+}
