@@ -1,0 +1,74 @@
+#include "OrvLibrary/host/impl/ZipArchive_p.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace ZipUtils {
+
+void ZipArchive::open()
+{
+    mFile = host::openRegularFile(mPath.toNativeString());
+    struct stat status = {};
+    if (!mFile || fstat(mFile.get(), &status) != 0)
+        fail(std::strerror(errno));
+    mFileSize = static_cast<std::uint64_t>(status.st_size);
+}
+
+const ZipEntry* ZipArchive::find(std::string_view name) const
+{
+    if (mByName.empty()) {
+        for (std::size_t i = 0; i < mEntries.size(); ++i)
+            mByName[mEntries[i].name] = i;
+    }
+    const auto found = mByName.find(name);
+    return found == mByName.end() ? nullptr : &mEntries[found->second];
+}
+
+std::uint64_t ZipArchive::prefixSize() const
+{
+    std::uint64_t first = mDirectoryStart;
+    for (const ZipEntry& entry : mEntries)
+        first = std::min(first, entry.headerOffset);
+    return first;
+}
+
+void ZipArchive::readAt(std::uint64_t offset, char* buffer, std::size_t size) const
+{
+    while (size > 0) {
+        const ssize_t got = pread(mFile.get(), buffer, size, static_cast<off_t>(offset));
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got < 0)
+            fail(std::strerror(errno));
+        if (got == 0)
+            fail("cut short");
+        buffer += got;
+        offset += static_cast<std::uint64_t>(got);
+        size -= static_cast<std::size_t>(got);
+    }
+}
+
+std::string ZipArchive::localExtra(const ZipEntry& entry) const
+{
+    const std::uint64_t start = entry.headerOffset + kLocalHeaderSize + entry.name.size();
+    std::string extra(entry.dataOffset - start, '\0');
+    readAt(start, extra.data(), extra.size());
+    return extra;
+}
+
+void ZipArchive::fail(const std::string& reason) const
+{
+    throw std::runtime_error(mPath.toNativeString() + ": " + reason);
+}
+
+void ZipArchive::fail(const ZipEntry& entry, const std::string& reason) const
+{
+    fail("member \"" + std::string(entry.name) + "\": " + reason);
+}
+
+} // namespace ZipUtils

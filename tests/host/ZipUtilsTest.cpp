@@ -1,0 +1,251 @@
+// Reading: walks, names, sizes, and members in one piece or in several.
+#include "OrvLibrary/host/ZipUtils.h"
+
+#include <new>
+#include <stdexcept>
+
+#include <gtest/gtest.h>
+
+#include "OrvLibrary/host/impl/ZipMember_p.h"
+#include "tests/support/ArchiveBuilder.h"
+
+using test::ArchiveBuilder;
+using test::ArchiveMember;
+
+namespace {
+
+std::vector<std::string> walkedNames(const fileString& archive)
+{
+    std::vector<std::string> names;
+    ZipUtils::getFilesDataInArchive(archive, [&](const fileString& member, auto&, const auto&) {
+        names.push_back(member.toNativeString());
+        return true;
+    });
+    return names;
+}
+
+fileString address(const fileString& archive, const std::string& member)
+{
+    return archive + ZipUtils::getDelimiter() + fileString(member);
+}
+
+std::string readWhole(const fileString& memberAddress)
+{
+    std::string content;
+    ZipUtils::writeFileDataFromArchive(memberAddress, [&](const std::vector<unsigned char>& data) {
+        content.append(data.begin(), data.end());
+    });
+    return content;
+}
+
+std::string readInPieces(const fileString& memberAddress, std::size_t pieceSize)
+{
+    ZipUtils::ZipInputStream stream(memberAddress);
+    std::string content;
+    while (stream.isFileOpen() && !stream.reachedEOF()) {
+        const std::vector<unsigned char> piece = stream.readArchivedFile(pieceSize);
+        EXPECT_LE(piece.size(), pieceSize);
+        content.append(piece.begin(), piece.end());
+    }
+    EXPECT_TRUE(stream.readArchivedFile(pieceSize).empty());
+    return content;
+}
+
+/// The reason given by whatever `function` throws; empty when it throws nothing.
+template <typename Function>
+std::string reasonOf(Function function)
+{
+    try {
+        function();
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+    return {};
+}
+
+class ZipUtilsTest : public testing::Test
+{
+protected:
+    test::TempFolder mFolder;
+    ArchiveBuilder mBuilder;
+};
+
+} // namespace
+
+TEST_F(ZipUtilsTest, extensionIsZipWithItsDot)
+{
+    EXPECT_EQ(ZipUtils::getExtension().toNativeString(), ".zip");
+}
+
+TEST_F(ZipUtilsTest, walkGoesInArchiveOrder)
+{
+    mBuilder.add("b.png", "bbb");
+    mBuilder.add("a/", "").method = ArchiveMember::kStored;
+    mBuilder.add("a/c.png", "c");
+    const fileString archive = mBuilder.write(mFolder, "a.zip");
+    const std::vector<std::string> expected{"b.png", "a/", "a/c.png"};
+    EXPECT_EQ(walkedNames(archive), expected);
+    std::vector<std::string> names;
+    for (const fileString& name : ZipUtils::getFilenamesInArchive(archive))
+        names.push_back(name.toNativeString());
+    EXPECT_EQ(names, expected);
+    EXPECT_EQ(ZipUtils::getSizeOfArchive(archive), 4U);
+}
+
+TEST_F(ZipUtilsTest, walkStopsWhenTheCallbackReturnsFalse)
+{
+    for (const char* name : {"a", "b", "c"})
+        mBuilder.add(name, name);
+    int calls = 0;
+    ZipUtils::getFilesDataInArchive(mBuilder.write(mFolder, "a.zip"),
+                                    [&](const fileString&, auto&, const auto&) { return ++calls < 2; });
+    EXPECT_EQ(calls, 2);
+}
+
+TEST_F(ZipUtilsTest, walkHandsOutDoubledNamesEachTime)
+{
+    mBuilder.add("a", "1");
+    mBuilder.add("a", "2");
+    EXPECT_EQ(walkedNames(mBuilder.write(mFolder, "a.zip")), (std::vector<std::string>{"a", "a"}));
+}
+
+TEST_F(ZipUtilsTest, emptyArchiveOf22BytesHasNoMembers)
+{
+    const fileString archive = mBuilder.write(mFolder, "a.zip");
+    EXPECT_EQ(test::readFile(archive).size(), 22U);
+    EXPECT_TRUE(walkedNames(archive).empty());
+    EXPECT_TRUE(ZipUtils::getFilenamesInArchive(archive).empty());
+    EXPECT_EQ(ZipUtils::getSizeOfArchive(archive), 0U);
+}
+
+TEST_F(ZipUtilsTest, exceptionOfTheCallbackPassesThrough)
+{
+    mBuilder.add("a", "1");
+    const fileString archive = mBuilder.write(mFolder, "a.zip");
+    EXPECT_THROW(
+        ZipUtils::getFilesDataInArchive(
+            archive, [](const fileString&, auto&, const auto&) -> bool { throw std::domain_error("mine"); }),
+        std::domain_error);
+}
+
+TEST_F(ZipUtilsTest, wholeMemberAndPiecesGiveTheSameBytes)
+{
+    const std::string big = test::sampleBytes(1500000, 1);
+    mBuilder.add("deflated", big);
+    mBuilder.add("stored", big).method = ArchiveMember::kStored;
+    mBuilder.add("described", big).flags = 8;
+    mBuilder.add("empty", "");
+    mBuilder.add("emptyStored", "").method = ArchiveMember::kStored;
+    mBuilder.add("wide", big).zip64 = true;
+    const fileString archive = mBuilder.write(mFolder, "a.zip");
+    for (const char* name : {"deflated", "stored", "described", "wide"}) {
+        EXPECT_TRUE(readWhole(address(archive, name)) == big) << name;
+        EXPECT_TRUE(readInPieces(address(archive, name), 700001) == big) << name;
+    }
+    for (const char* name : {"empty", "emptyStored"}) {
+        EXPECT_EQ(readWhole(address(archive, name)), "");
+        EXPECT_EQ(readInPieces(address(archive, name), 10), "");
+    }
+}
+
+TEST_F(ZipUtilsTest, lastOfSeveralMembersOfOneNameCounts)
+{
+    mBuilder.add("a", "old");
+    mBuilder.add("a", "new");
+    const fileString archive = mBuilder.write(mFolder, "a.zip");
+    EXPECT_EQ(readWhole(address(archive, "a")), "new");
+    EXPECT_EQ(readInPieces(address(archive, "a"), 2), "new");
+}
+
+TEST_F(ZipUtilsTest, missingMemberIsNamed)
+{
+    mBuilder.add("a", "1");
+    const fileString archive = mBuilder.write(mFolder, "a.zip");
+    const std::string reason = reasonOf([&] { readWhole(address(archive, "A")); });
+    EXPECT_NE(reason.find(archive.toNativeString()), std::string::npos) << reason;
+    EXPECT_NE(reason.find("\"A\""), std::string::npos) << reason;
+    EXPECT_THROW(ZipUtils::ZipInputStream(address(archive, "b")), std::runtime_error);
+    EXPECT_THROW(ZipUtils::ZipInputStream(fileString("no delimiter")), std::runtime_error);
+}
+
+TEST_F(ZipUtilsTest, delimiterMayOccurInPathsAndMemberNames)
+{
+    mBuilder.add("x::y", "inner");
+    const fileString archive = mBuilder.write(mFolder, "a::b/c::d.zip");
+    EXPECT_EQ(readWhole(address(archive, "x::y")), "inner");
+}
+
+TEST_F(ZipUtilsTest, firstOccurrenceWithARegularFileOnItsLeftSeparates)
+{
+    ArchiveBuilder outer;
+    outer.add("b.zip::x", "of the outer one");
+    const fileString archive = outer.write(mFolder, "a");
+    mBuilder.add("x", "of the other one");
+    const fileString other = mBuilder.write(mFolder, "a::b.zip");
+    EXPECT_EQ(readWhole(address(other, "x")), "of the outer one");
+}
+
+TEST_F(ZipUtilsTest, readInsideAWalkStaysInTheWalkedArchive)
+{
+    ArchiveBuilder outer;
+    outer.add("b.zip::x", "of the outer one");
+    outer.write(mFolder, "a");
+    mBuilder.add("x", "of the walked one");
+    const fileString walked = mBuilder.write(mFolder, "a::b.zip");
+    std::string content;
+    ZipUtils::getFilesDataInArchive(walked, [&](const fileString& member, auto&, const auto&) {
+        content = readWhole(walked + ZipUtils::getDelimiter() + member);
+        return true;
+    });
+    EXPECT_EQ(content, "of the walked one");
+}
+
+TEST_F(ZipUtilsTest, streamOutlivesTheWalkThatItBeganIn)
+{
+    mBuilder.add("x", "content");
+    const fileString archive = mBuilder.write(mFolder, "a.zip");
+    std::unique_ptr<ZipUtils::ZipInputStream> stream;
+    ZipUtils::getFilesDataInArchive(archive, [&](const fileString&, auto&, const auto&) {
+        stream = std::make_unique<ZipUtils::ZipInputStream>(address(archive, "x"));
+        return true;
+    });
+    EXPECT_EQ(stream->readArchivedFile(100).size(), 7U);
+    EXPECT_TRUE(stream->reachedEOF());
+}
+
+TEST_F(ZipUtilsTest, pieceOverTheLimitIsAnAllocationFailure)
+{
+    EXPECT_EQ(ZipUtils::onePieceLimit.load(), 512U << 20U);
+    mBuilder.add("deflated", std::string(100, 'x'));
+    mBuilder.add("stored", std::string(100, 'x')).method = ArchiveMember::kStored;
+    const fileString archive = mBuilder.write(mFolder, "a.zip");
+    ZipUtils::onePieceLimit = 99;
+    EXPECT_THROW(readWhole(address(archive, "deflated")), std::bad_alloc);
+    EXPECT_THROW(readWhole(address(archive, "stored")), std::bad_alloc);
+    EXPECT_EQ(readInPieces(address(archive, "deflated"), 60), std::string(100, 'x'));
+    ZipUtils::onePieceLimit = 100;
+    EXPECT_EQ(readWhole(address(archive, "deflated")), std::string(100, 'x'));
+    ZipUtils::onePieceLimit = 512U << 20U;
+}
+
+TEST_F(ZipUtilsTest, prefixBeforeTheArchiveIsAllowed)
+{
+    for (const bool counts : {true, false}) {
+        ArchiveBuilder builder;
+        builder.prefix = std::string(5000, '#');
+        builder.offsetsCountPrefix = counts;
+        builder.comment = "a comment";
+        builder.add("a", "content");
+        const fileString archive = builder.write(mFolder, "a.zip");
+        EXPECT_EQ(readWhole(address(archive, "a")), "content") << counts;
+        builder.zip64End = true;
+        EXPECT_EQ(readWhole(address(builder.write(mFolder, "b.zip"), "a")), "content") << counts;
+    }
+}
+
+TEST_F(ZipUtilsTest, commentMayHoldAnEndRecord)
+{
+    mBuilder.comment = ArchiveBuilder().bytes() + "tail";
+    mBuilder.add("a", "content");
+    EXPECT_EQ(walkedNames(mBuilder.write(mFolder, "a.zip")), std::vector<std::string>{"a"});
+}
