@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "OrvLibrary/json/json_reader_p.h"
+#include "OrvLibrary/json/json_reader.h"
 
 namespace json {
 

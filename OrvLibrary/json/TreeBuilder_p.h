@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "OrvLibrary/json/DeepTree_p.h"
-#include "OrvLibrary/json/json_reader_p.h"
+#include "OrvLibrary/json/json_reader.h"
 
 namespace json {
 

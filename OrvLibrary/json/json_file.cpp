@@ -1,4 +1,4 @@
-#include "OrvLibrary/json/json_file_p.h"
+#include "OrvLibrary/json/json_file.h"
 
 #include <stdexcept>
 #include <string>

@@ -2,7 +2,7 @@
 #include <boost/spirit/include/classic_core.hpp>
 
 #include "OrvLibrary/json/TreeBuilder_p.h"
-#include "OrvLibrary/json/json_reader_p.h"
+#include "OrvLibrary/json/json_reader.h"
 
 namespace json {
 

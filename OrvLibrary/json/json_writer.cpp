@@ -1,4 +1,4 @@
-#include "OrvLibrary/json/json_writer_p.h"
+#include "OrvLibrary/json/json_writer.h"
 
 #include <charconv>
 #include <cmath>

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "OrvLibrary/json/json_reader_p.h"
+#include "OrvLibrary/json/json_reader.h"
 
 namespace test {
 

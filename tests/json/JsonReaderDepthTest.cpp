@@ -1,4 +1,4 @@
-#include "OrvLibrary/json/json_reader_p.h"
+#include "OrvLibrary/json/json_reader.h"
 
 #include <pthread.h>
 

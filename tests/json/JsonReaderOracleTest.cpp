@@ -1,5 +1,5 @@
 // The reader against a second reader of the same language, over texts that are made up.
-#include "OrvLibrary/json/json_reader_p.h"
+#include "OrvLibrary/json/json_reader.h"
 
 #include <atomic>
 #include <string>

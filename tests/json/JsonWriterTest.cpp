@@ -1,4 +1,4 @@
-#include "OrvLibrary/json/json_writer_p.h"
+#include "OrvLibrary/json/json_writer.h"
 
 #include <algorithm>
 #include <clocale>
@@ -14,8 +14,8 @@
 
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/json/json_file_p.h"
-#include "OrvLibrary/json/json_reader_p.h"
+#include "OrvLibrary/json/json_file.h"
+#include "OrvLibrary/json/json_reader.h"
 #include "tests/support/TempFolder.h"
 
 namespace {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "OrvLibrary/host/fileString.h"
-#include "OrvLibrary/json/json_reader_p.h"
+#include "OrvLibrary/json/json_reader.h"
 
 namespace json {
 
