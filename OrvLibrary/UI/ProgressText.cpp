@@ -1,0 +1,119 @@
+#include "OrvLibrary/UI/ProgressText.h"
+
+#include <algorithm>
+#include <locale>
+#include <utility>
+
+#include <QMetaType>
+#include <boost/format.hpp>
+
+#include "OrvLibrary/host/PreferenceEngine.h"
+#include "OrvLibrary/host/StringUtils.h"
+
+namespace {
+
+constexpr std::uint32_t kPercentageFormat = 2749; // one argument
+constexpr std::uint32_t kCountFormat = 2750;      // done, total
+constexpr int kCountPrecision = 9;                // significant digits
+
+// The translated template with its arguments filled in. A template that a translator broke is shown as it is:
+// an exception must not leave a slot.
+template <class... Arguments>
+std::string filledIn(std::uint32_t stringNumber, const Arguments&... arguments)
+{
+    const std::string pattern = StringUtils::loadString(stringNumber);
+    try {
+        boost::format format(pattern, std::locale::classic());
+        return boost::str((format % ... % arguments));
+    } catch (const boost::io::format_error&) {
+        return pattern;
+    }
+}
+
+} // namespace
+
+ProgressText::ProgressText(QObject* parent)
+    : QObject(parent),
+      mParent(parent),
+      mDisplayType(static_cast<ProgressDisplayType>(
+          PreferenceEngine::getThePrefs().getPrefAs<int>(PrefId::kProgressDisplayType)))
+{
+    qRegisterMetaType<ProgressDisplayType>("ProgressDisplayType");
+    qRegisterMetaType<std::string>("std::string");
+    connect(this, SIGNAL(setLabelText(const QString&)), mParent, SLOT(setProgressLabelText(const QString&)));
+    connect(this, SIGNAL(setRangeText(const QString&)), mParent, SLOT(setProgressRangeText(const QString&)));
+}
+
+ProgressText::~ProgressText() = default;
+
+void ProgressText::setUnitString(const std::string& unitString)
+{
+    mUnitString = unitString;
+}
+
+// Deliberate: a pause is recorded and both texts are sent again, but they do not mention it.
+void ProgressText::onPauseProcess()
+{
+    mPaused = true;
+    updateLabel();
+}
+
+void ProgressText::onResumeProcess()
+{
+    mPaused = false;
+    updateLabel();
+}
+
+void ProgressText::onSwitchDisplayType(ProgressDisplayType dispType)
+{
+    mDisplayType = dispType;
+    updateLabel();
+}
+
+void ProgressText::onSetValue(int val)
+{
+    mValue = val;
+    updateLabel();
+}
+
+void ProgressText::onSetRange(int val)
+{
+    mRange = val;
+    updateLabel();
+}
+
+void ProgressText::onSetText(std::string text)
+{
+    mText = std::move(text);
+    updateLabel();
+}
+
+void ProgressText::updateLabel()
+{
+    mRangeText.clear();
+    if (mDisplayType == kProgressCount)
+        mRangeText = countText();
+    else if (mDisplayType == kProgressPercentage)
+        mRangeText = percentageText();
+    Q_EMIT setLabelText(StringUtils::toQString(mText));
+    Q_EMIT setRangeText(StringUtils::toQString(mRangeText));
+}
+
+std::string ProgressText::countText() const
+{
+    const auto number = [](std::int32_t value) {
+        return formatWithThousandsSeparatorPrecision(value, kCountPrecision);
+    };
+    const std::string count = filledIn(kCountFormat, number(std::min(mValue, mRange)), number(mRange));
+    return mUnitString.empty() ? count : count + " " + mUnitString;
+}
+
+std::string ProgressText::percentageText() const
+{
+    if (mRange < 1)
+        return filledIn(kPercentageFormat, 0);
+    // Deliberate: the product stays within 32 bits and wraps above 21,474,836, unsigned because a signed
+    // overflow would be undefined.
+    const auto done = static_cast<std::uint32_t>(std::min(mValue, mRange));
+    return filledIn(kPercentageFormat, static_cast<std::int32_t>(done * 100U) / mRange);
+}
