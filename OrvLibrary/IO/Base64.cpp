@@ -4,6 +4,7 @@
 #include <array>
 
 #include "OrvLibrary/IO/Base64Kernels_p.h"
+#include "OrvLibrary/IO/LargePages_p.h"
 
 namespace {
 
@@ -97,6 +98,7 @@ std::string Base64::encode(const std::vector<unsigned char>& bytes)
     std::array<char, kPieceText> piece;
     std::string text;
     text.reserve((bytes.size() + 2) / 3 * 4);
+    adviseLargePages(text.data(), text.capacity());
     const std::size_t whole = bytes.size() / 3 * 3;
     for (std::size_t at = 0; at < whole; at += kPieceBytes) {
         const std::size_t count = std::min(kPieceBytes, whole - at);
@@ -114,6 +116,7 @@ std::vector<unsigned char> Base64::decode(const std::string& text)
     std::array<unsigned char, kPieceBytes> piece;
     std::vector<unsigned char> bytes;
     bytes.reserve((text.size() + 3) / 4 * 3);
+    adviseLargePages(bytes.data(), bytes.capacity());
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t count = std::min(kPieceText, (text.size() - at) / 4 * 4);
         const std::size_t done = kernels.decode(text.data() + at, count, piece.data());
