@@ -3,6 +3,7 @@
 #include "apps/orv-library/PathsCommand.h"
 #include "apps/orv-library/PublishCommand.h"
 #include "apps/orv-library/SampleCommand.h"
+#include "apps/orv-library/StylesCommand.h"
 
 CommandList allCommands()
 {
@@ -11,5 +12,6 @@ CommandList allCommands()
     commands.push_back(std::make_unique<LogCommand>());
     commands.push_back(std::make_unique<PublishCommand>());
     commands.push_back(std::make_unique<SampleCommand>());
+    commands.push_back(std::make_unique<StylesCommand>());
     return commands;
 }
