@@ -38,6 +38,7 @@ struct ErrorMinimalTrait : Trait
     constexpr ErrorMinimalTrait() : Trait(Kind::ErrorMinimal) {}
 };
 
+/// A warning: the operation goes on.
 struct WarningTrait : Trait
 {
     constexpr WarningTrait() : Trait(Kind::Warning) {}

@@ -20,6 +20,7 @@ private:
     std::string mPointerName;
 };
 
+/// Raises the null-pointer error where a required pointer is null.
 struct ORVLIBRARY_EXPORT NullPointerRaiser
 {
     /// @throws NullPointerError always
