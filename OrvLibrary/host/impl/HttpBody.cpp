@@ -102,6 +102,11 @@ bool FileBody::begin(std::int64_t status, const std::string& headerText)
     return checkRoom(mLength);
 }
 
+void FileBody::headerReceived(std::size_t size)
+{
+    mSpeed.received(static_cast<std::int64_t>(size));
+}
+
 bool FileBody::take(const char* data, std::size_t size)
 {
     if (mStatus != kOk)

@@ -30,6 +30,8 @@ public:
     HttpBody(const HttpBody&) = delete;
     HttpBody& operator=(const HttpBody&) = delete;
 
+    /// So many bytes of an answer's header came.
+    virtual void headerReceived(std::size_t) {}
     /// A header block is complete and a body may follow.
     /// @return false to end the transfer here
     virtual bool begin(std::int64_t status, const std::string& headerText);
@@ -71,6 +73,7 @@ public:
     bool begin(std::int64_t status, const std::string& headerText) override;
     bool take(const char* data, std::size_t size) override;
     Verdict watch(TimePoint now) override;
+    void headerReceived(std::size_t size) override;
 
     /// The transfer ended without an error: checks what arrived and gives the file its name.
     bool finish();

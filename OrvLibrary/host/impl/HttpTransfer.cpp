@@ -97,6 +97,7 @@ std::size_t HttpTransfer::onBody(char* data, std::size_t size, std::size_t count
 bool HttpTransfer::takeHeader(const std::string& line)
 {
     mHeaderBytes += static_cast<std::int64_t>(line.size());
+    mBody.headerReceived(line.size());
     if (mHeaderBytes > mLimits.headerBytes)
         return fail(CURLE_WEIRD_SERVER_REPLY, "header too large");
     const bool wasFinal = mStatus != 0;

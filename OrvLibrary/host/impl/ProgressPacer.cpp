@@ -41,7 +41,7 @@ bool ProgressPacer::tick(TimePoint now)
     const bool isTrickle = mReceived > mTold && mReceived > 0 && now - mLastCall >= mLimits.progressSilence;
     const bool isSilence = now >= mNextCall;
     if (isSilence)
-        mNextCall = std::max(mNextCall + mLimits.progressInterval, now - mLimits.progressInterval);
+        mNextCall = std::max(mNextCall + mLimits.progressInterval, now);
     return isTrickle || isSilence ? call(mReceived, now) : !mAborted;
 }
 

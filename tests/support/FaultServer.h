@@ -1,0 +1,174 @@
+#pragma once
+
+#include <chrono>
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <list>
+#include <map>
+#include <mutex>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace test {
+
+/// A request as it came over the wire.
+struct FaultRequest
+{
+    std::string method;
+    std::string target; ///< path and query, as sent
+    std::vector<std::string> headerLines;
+    int connection = 0; ///< counted from 0 in the order of acceptance
+
+    /// Target without its query.
+    std::string path() const;
+    /// Value of the first header of that name, whatever its letter case; empty when there is none.
+    std::string header(const std::string& name) const;
+};
+
+/// What the server sends, byte for byte, and how badly. Made by one of the named functions, then spoilt:
+/// `FaultReply::ok("body").cutAt(30).reset()`.
+class FaultReply
+{
+public:
+    using Milliseconds = std::chrono::milliseconds;
+    enum class End
+    {
+        Keep,
+        Close,
+        Reset
+    };
+
+    /// Exactly these bytes, for any method.
+    static FaultReply raw(const std::string& bytes);
+    /// A sound answer with its Content-Length; a HEAD request gets it without the body.
+    static FaultReply status(int code, const std::string& body = {},
+                             const std::vector<std::string>& headerLines = {});
+    static FaultReply ok(const std::string& body, const std::vector<std::string>& headerLines = {});
+    static FaultReply redirect(const std::string& location, int code = 302);
+    static FaultReply chunked(const std::vector<std::string>& pieces,
+                              const std::vector<std::string>& headerLines = {});
+    /// The body that ends with the connection; no length is sent.
+    static FaultReply untilClose(const std::string& body, const std::vector<std::string>& headerLines = {});
+    /// Takes the request and never answers.
+    static FaultReply silence();
+
+    /// Sends the first `count` bytes of the whole reply only; then the connection is closed.
+    FaultReply& cutAt(std::size_t count);
+    /// Ends the connection after the reply.
+    FaultReply& close();
+    /// Ends it with a reset instead.
+    FaultReply& reset();
+    /// Waits before the byte at `offset` of the whole reply (0: before all of it); may be given several
+    /// times.
+    FaultReply& pauseAt(std::size_t offset, Milliseconds time);
+    /// Sends the bytes before `offset`, then nothing more until the client goes.
+    FaultReply& silentAt(std::size_t offset);
+    /// Sends pieces of so many bytes with a pause after each.
+    FaultReply& trickle(std::size_t bytes, Milliseconds pause);
+
+    /// The reply's bytes to a request of that method.
+    std::string bytes(const std::string& method) const;
+    /// Where the body starts.
+    std::size_t headSize() const { return mHead.size(); }
+
+private:
+    friend class FaultServer;
+
+    std::string mHead;
+    std::string mBody;
+    /// Whether the body goes to HEAD requests too.
+    bool mIsRaw = false;
+    End mEnd = End::Keep;
+    std::size_t mCut = std::string::npos;
+    std::size_t mSilence = std::string::npos;
+    std::map<std::size_t, Milliseconds> mPauses;
+    std::size_t mPiece = std::string::npos;
+    Milliseconds mPiecePause{0};
+};
+
+/// An HTTP server on a free port of 127.0.0.1 that answers as badly as a test wants, and remembers what it
+/// was asked. Connections are kept open between requests unless a reply ends them. All operations may be
+/// called from any thread while it serves; the destructor ends every connection at once.
+class FaultServer
+{
+public:
+    using Handler = std::function<FaultReply(const FaultRequest&)>;
+
+    FaultServer();
+    ~FaultServer();
+    FaultServer(const FaultServer&) = delete;
+    FaultServer& operator=(const FaultServer&) = delete;
+
+    int port() const { return mPort; }
+    /// "http://127.0.0.1:PORT" followed by `target`.
+    std::string url(const std::string& target = "/") const;
+
+    /// Answers every request for `path` (or, where `path` holds a "?", for that target) so. What was said
+    /// last of a path counts; other paths get a 404.
+    void on(const std::string& path, const FaultReply& reply);
+    /// Answers the requests for `path` with these replies one after the other, then with the last one.
+    void onInTurn(const std::string& path, const std::vector<FaultReply>& replies);
+    /// Answers request number `number` of the server, counted from 0, so, whatever it asks for.
+    void onNumber(int number, const FaultReply& reply);
+    /// Answers all that nothing else was said of. Called on the connection's thread.
+    void otherwise(Handler handler);
+
+    /// Waits so long after accepting a connection before it is read.
+    void delayConnections(std::chrono::milliseconds time);
+    /// Accepts no further connections: the system takes them, nobody reads.
+    void stopAccepting();
+    /// Closes the listening socket, so that connecting is refused. Open connections stay.
+    void stopListening();
+    /// Ends all open connections.
+    void dropConnections();
+
+    std::vector<FaultRequest> requests() const;
+    /// Requests whose path or target is `path`.
+    std::vector<FaultRequest> requestsFor(const std::string& path) const;
+    /// Connections accepted so far.
+    int connectionCount() const;
+    /// Waits until so many requests have come, at most 10 s.
+    bool waitForRequests(std::size_t count) const;
+
+private:
+    struct Connection
+    {
+        int socket = -1;
+        int number = 0;
+        std::thread thread;
+    };
+
+    void acceptLoop();
+    void serve(Connection& connection);
+    bool readRequest(Connection& connection, std::string& buffer, FaultRequest& request);
+    FaultReply replyTo(const FaultRequest& request);
+    /// Whether the connection stays.
+    bool send(int socket, const FaultReply& reply, const std::string& method);
+    bool sendBytes(int socket, const std::string& bytes, std::size_t from, std::size_t to);
+    /// Waits; false when the server stops or the client goes.
+    bool wait(int socket, std::chrono::milliseconds time);
+    void waitForever(int socket);
+    void endConnection(Connection& connection, bool withReset);
+
+    int mListener = -1;
+    int mPort = 0;
+    /// Readable once the server stops.
+    int mStopPipe[2] = {-1, -1};
+    std::thread mAcceptThread;
+
+    mutable std::mutex mMutex;
+    mutable std::condition_variable mChanged;
+    bool mStopping = false;
+    bool mAccepting = true;
+    std::chrono::milliseconds mConnectionDelay{0};
+    std::map<std::string, std::vector<FaultReply>> mReplies;
+    std::map<int, FaultReply> mNumbered;
+    Handler mOtherwise;
+    std::vector<FaultRequest> mRequests;
+    std::list<Connection> mConnections;
+};
+
+} // namespace test
