@@ -1,0 +1,108 @@
+// The filter file: writing and reading it.
+#include "OrvLibrary/LibraryFilterManager.h"
+
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/MessagingSystem.h"
+#include "OrvLibrary/json/json_file.h"
+#include "OrvLibrary/json/json_writer.h"
+
+namespace {
+
+constexpr char kCurrentFilter[] = "Current_Filter";
+constexpr char kFilter[] = "Filter";
+constexpr char kFilterName[] = "Filter_Name";
+constexpr char kFilterId[] = "Filter_Id";
+constexpr char kDatabaseIds[] = "Database_Ids";
+
+json_writer::Object filterObject(const LibraryFilter& filter)
+{
+    json_writer::Array ids;
+    for (const std::string& id : filter.getDatabaseIds())
+        ids.add_element(id);
+    json_writer::Object object;
+    object.add_element(kFilterName, filter.getFilterName());
+    object.add_element<long>(kFilterId, filter.getFilterId());
+    object.add_element<json_writer::Array>(kDatabaseIds, ids);
+    return object;
+}
+
+/// Deliberate: filters are no array but one repeated key.
+json_writer::Object document(const std::vector<LibraryFilter>& filters, long currentFilterId)
+{
+    json_writer::Object root;
+    root.add_element<long>(kCurrentFilter, currentFilterId);
+    for (const LibraryFilter& filter : filters)
+        root.add_element<json_writer::Object>(kFilter, filterObject(filter));
+    return root;
+}
+
+/// The member of that key, or `missing`.
+/// @throws boost::bad_any_cast when it is of another type
+template <class Type>
+Type optionalMember(const json::object& object, const std::string& key, const Type& missing)
+{
+    const auto member = object.find(key);
+    return member == object.end() ? missing : boost::any_cast<const Type&>(*member->second);
+}
+
+/// Reads one filter. The reading of the file ends at one without a list of databases, as at any other that is
+/// malformed.
+/// @throws boost::bad_any_cast
+LibraryFilter readFilter(const json::object& object)
+{
+    const auto name = optionalMember<std::string>(object, kFilterName, {});
+    const long id = optionalMember<int>(object, kFilterId, -1);
+    const auto list = object.find(kDatabaseIds);
+    if (list == object.end())
+        throw boost::bad_any_cast();
+    std::vector<std::string> ids;
+    for (const auto& element : boost::any_cast<const json::array&>(*list->second))
+        ids.push_back(boost::any_cast<const std::string&>(*element));
+    return LibraryFilter(name, id, ids);
+}
+
+/// Deliberate: the order is that of the tree, the last filter in the file first, so that every load turns the
+/// list round.
+void readFilters(const json::object& root, std::vector<LibraryFilter>& filters)
+{
+    for (auto [member, end] = root.equal_range(kFilter); member != end; ++member) {
+        LibraryFilter filter = readFilter(boost::any_cast<const json::object&>(*member->second));
+        if (filter.getFilterId() != -1 && !filter.getFilterName().empty())
+            filters.push_back(std::move(filter));
+    }
+}
+
+} // namespace
+
+bool LibraryFilterManager::saveFiltersToFile(const fileString& path,
+                                             const std::vector<LibraryFilter>& filters, long currentFilterId)
+try {
+    const json_writer::Object root = document(filters, currentFilterId);
+    if (path.pathExists() && !FileUtils::canWriteFile(path)) {
+        error::MessagingSystem::control().notify(__FILE__, __LINE__, error::ErrorMinimalTrait(),
+                                                 error::Message::kCannotWriteDataFile, path.unicodeString(),
+                                                 {}, {});
+        return false;
+    }
+    json_writer::write_file(path.unicodeString().toUTF8String(), root);
+    FileUtils::setFilePermission(path);
+    return true;
+} catch (...) {
+    return false;
+}
+
+long LibraryFilterManager::loadFiltersFromFile(const fileString& path, std::vector<LibraryFilter>& filters)
+{
+    long currentId = -1;
+    if (!path.pathExists())
+        return currentId;
+    try {
+        const auto root = json::readFile(path);
+        const auto& members = boost::any_cast<const json::object&>(*root);
+        currentId = optionalMember<int>(members, kCurrentFilter, -1);
+        readFilters(members, filters);
+    } catch (...) {
+        // Deliberate: silence. What was read before the failure counts.
+    }
+    return currentId;
+}

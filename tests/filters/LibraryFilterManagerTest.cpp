@@ -1,0 +1,172 @@
+#include "OrvLibrary/LibraryFilterManager.h"
+
+#include <sys/stat.h>
+
+#include <gtest/gtest.h>
+
+#include "OrvLibrary/host/StringUtils.h"
+#include "tests/support/ScopedHost.h"
+
+namespace {
+
+using Ids = std::vector<std::string>;
+using Names = std::vector<std::string>;
+
+/// The one manager, as fresh as on the first use in a new process: it has read the file of a new host.
+class FilterManager : public testing::Test
+{
+protected:
+    FilterManager() { mManager.loadFilters(); }
+
+    void writeFile(const std::string& content) { mHost.folder().write("core/catalog_filters.json", content); }
+
+    test::ScopedHost mHost;
+    LibraryFilterManager& mManager = LibraryFilterManager::getLibraryFilterManager();
+    const std::string mLabel = StringUtils::loadString(8930);
+};
+
+const char kTwoFilters[] = R"({"Current_Filter": 4,
+    "Filter": {"Filter_Name": "A", "Filter_Id": 3, "Database_Ids": ["x", "y", "x"]},
+    "Filter": {"Filter_Name": "B", "Filter_Id": 4, "Database_Ids": ["y"]}})";
+
+} // namespace
+
+TEST_F(FilterManager, isOne)
+{
+    EXPECT_EQ(&mManager, &LibraryFilterManager::getLibraryFilterManager());
+}
+
+TEST_F(FilterManager, namesItsFile)
+{
+    EXPECT_EQ(mManager.getFilterFilename().toUTF8String(), "catalog_filters.json");
+    EXPECT_EQ(mManager.getFilterFullname().toNativeString(),
+              mHost.folder().path() + "/core/catalog_filters.json");
+}
+
+TEST_F(FilterManager, withoutAFileThereIsNoFilter)
+{
+    EXPECT_TRUE(mManager.getLibraryFilters().empty());
+    EXPECT_EQ(mManager.getCurrentFilterId(), -1);
+    EXPECT_FALSE(mManager.hasActiveFilter());
+    EXPECT_EQ(mManager.getFilterStrings(), Names{mLabel});
+    EXPECT_EQ(mManager.getCurrentFilterString(), mLabel);
+    EXPECT_FALSE(mManager.isFilteredDatabase("x"));
+    EXPECT_TRUE(mManager.getCurrentFilteredDatabases().empty());
+    EXPECT_NE(mLabel, "");
+}
+
+TEST_F(FilterManager, loadReplacesListAndCurrentId)
+{
+    mManager.setLibraryFilters({LibraryFilter("Old", 9, {})});
+    mManager.setCurrentFilterId(9);
+    writeFile(kTwoFilters);
+    mManager.loadFilters();
+    EXPECT_EQ(mManager.getFilterStrings(), (Names{mLabel, "B", "A"}));
+    EXPECT_EQ(mManager.getCurrentFilterId(), 4);
+    EXPECT_EQ(mManager.getCurrentFilterString(), "B");
+    writeFile("no JSON");
+    mManager.loadFilters();
+    EXPECT_TRUE(mManager.getLibraryFilters().empty());
+    EXPECT_EQ(mManager.getCurrentFilterId(), -1);
+}
+
+TEST_F(FilterManager, currentFilterSelectsItsDatabases)
+{
+    writeFile(kTwoFilters);
+    mManager.loadFilters();
+    mManager.setCurrentFilterId(3);
+    EXPECT_TRUE(mManager.hasActiveFilter());
+    EXPECT_TRUE(mManager.isFilteredDatabase("x"));
+    EXPECT_TRUE(mManager.isFilteredDatabase("y"));
+    EXPECT_FALSE(mManager.isFilteredDatabase("X"));
+    EXPECT_FALSE(mManager.isFilteredDatabase(""));
+    EXPECT_EQ(mManager.getCurrentFilteredDatabases(), (Ids{"x", "y", "x"}));
+    EXPECT_EQ(mManager.getCurrentFilterString(), "A");
+}
+
+TEST_F(FilterManager, currentIdMayNameNoFilter)
+{
+    mManager.setLibraryFilters({LibraryFilter("A", 3, {"x"})});
+    for (const long id : {7L, -5L}) {
+        mManager.setCurrentFilterId(id);
+        EXPECT_EQ(mManager.getCurrentFilterId(), id);
+        EXPECT_TRUE(mManager.hasActiveFilter());
+        EXPECT_FALSE(mManager.isFilteredDatabase("x"));
+        EXPECT_TRUE(mManager.getCurrentFilteredDatabases().empty());
+        EXPECT_EQ(mManager.getCurrentFilterString(), mLabel);
+    }
+    mManager.setCurrentFilterId(-1);
+    EXPECT_FALSE(mManager.hasActiveFilter());
+}
+
+TEST_F(FilterManager, filterWithTheIdOfNoneIsNeverCurrent)
+{
+    mManager.setLibraryFilters({LibraryFilter("Odd", -1, {"x"})});
+    mManager.setCurrentFilterId(-1);
+    EXPECT_FALSE(mManager.isFilteredDatabase("x"));
+    EXPECT_EQ(mManager.getCurrentFilterString(), mLabel);
+}
+
+TEST_F(FilterManager, ofEqualIdsTheFirstIsFound)
+{
+    mManager.setLibraryFilters({LibraryFilter("A", 3, {"x"}), LibraryFilter("B", 3, {"y"})});
+    mManager.setCurrentFilterId(3);
+    EXPECT_EQ(mManager.getCurrentFilterString(), "A");
+    EXPECT_TRUE(mManager.isFilteredDatabase("x"));
+    EXPECT_FALSE(mManager.isFilteredDatabase("y"));
+    EXPECT_EQ(LibraryFilterManager::getLibraryFilterFromId(3, mManager.getLibraryFilters()).getFilterName(),
+              "A");
+    const LibraryFilter none = LibraryFilterManager::getLibraryFilterFromId(4, mManager.getLibraryFilters());
+    EXPECT_EQ(none.getFilterName(), "");
+    EXPECT_EQ(none.getFilterId(), -1);
+    EXPECT_TRUE(none.getDatabaseIds().empty());
+}
+
+TEST_F(FilterManager, takesItsOwnListBack)
+{
+    mManager.setLibraryFilters({LibraryFilter("A", 3, {"x"})});
+    mManager.setLibraryFilters(mManager.getLibraryFilters());
+    EXPECT_EQ(mManager.getFilterStrings(), (Names{mLabel, "A"}));
+}
+
+TEST_F(FilterManager, removesADatabaseOnceFromEachFilter)
+{
+    writeFile(kTwoFilters);
+    mManager.loadFilters();
+    mManager.removeIdFromLibraryFilters("x");
+    EXPECT_EQ(mManager.getLibraryFilters()[0].getDatabaseIds(), Ids{"y"});
+    EXPECT_EQ(mManager.getLibraryFilters()[1].getDatabaseIds(), (Ids{"y", "x"}));
+    EXPECT_EQ(test::readFile(mManager.getFilterFullname()), kTwoFilters) << "nothing is saved by itself";
+}
+
+TEST_F(FilterManager, savesListAndCurrentId)
+{
+    mManager.setLibraryFilters({LibraryFilter("A", 3, {"x"})});
+    mManager.setCurrentFilterId(3);
+    mManager.saveFilters();
+    std::vector<LibraryFilter> filters;
+    EXPECT_EQ(LibraryFilterManager::loadFiltersFromFile(mManager.getFilterFullname(), filters), 3);
+    ASSERT_EQ(filters.size(), 1U);
+    EXPECT_EQ(filters[0].getFilterName(), "A");
+}
+
+TEST_F(FilterManager, emptyListIsNotSaved)
+{
+    writeFile(kTwoFilters);
+    mManager.loadFilters();
+    mManager.setLibraryFilters({});
+    mManager.saveFilters();
+    EXPECT_EQ(test::readFile(mManager.getFilterFullname()), kTwoFilters);
+    mManager.loadFilters();
+    EXPECT_EQ(mManager.getLibraryFilters().size(), 2U);
+}
+
+TEST_F(FilterManager, failureToSaveIsIgnoredButForTheMessage)
+{
+    writeFile(kTwoFilters);
+    ASSERT_EQ(chmod(mManager.getFilterFullname().toNativeString().c_str(), 0444), 0);
+    mManager.setLibraryFilters({LibraryFilter("A", 3, {"x"})});
+    mManager.saveFilters();
+    EXPECT_EQ(mHost.messages().size(), 1U);
+    EXPECT_EQ(test::readFile(mManager.getFilterFullname()), kTwoFilters);
+}
