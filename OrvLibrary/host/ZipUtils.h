@@ -24,6 +24,7 @@ namespace ZipUtils {
 class ArchiveHandle;
 /// Where and how the current member of a walk is stored.
 class RawDataInfo;
+class ZipTargets;
 
 /// ".zip".
 ORVLIBRARY_EXPORT fileString getExtension();
@@ -58,6 +59,31 @@ ORVLIBRARY_EXPORT bool writeFileToArchiveRaw(const fileString& target, const fil
                                              ArchiveHandle& handle, bool create, const RawDataInfo& rawInfo);
 /// Whether members may be added: an existing sound archive that can be written, or one that this walk began.
 ORVLIBRARY_EXPORT bool canAddToArchive(const fileString& archive);
+
+/// Several walks that write to the same archives, which are completed together: while a batch lives, no walk
+/// of its thread completes anything by itself. A batch that is destroyed without `complete` leaves every
+/// archive as it was. One object belongs to one thread.
+class ORVLIBRARY_EXPORT ArchiveBatch
+{
+public:
+    ArchiveBatch();
+    ~ArchiveBatch();
+    ArchiveBatch(const ArchiveBatch&) = delete;
+    ArchiveBatch& operator=(const ArchiveBatch&) = delete;
+
+    /// Begins an empty archive that takes the place of `archive` when the batch is completed; until then what
+    /// stands there stays, and can be walked. Other writers are kept off it, and waited for at most a minute.
+    /// @throws std::runtime_error when it cannot be written
+    void begin(const fileString& archive);
+    /// Gives every archive that was written to its place.
+    /// @throws std::runtime_error when one could not be completed, or a walk had failed
+    void complete();
+
+private:
+    friend ZipTargets* currentBatch();
+    class Private;
+    std::unique_ptr<Private> mPrivate;
+};
 
 using DataCallback = std::function<void(const std::vector<unsigned char>& data)>;
 

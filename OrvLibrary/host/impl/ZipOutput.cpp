@@ -16,9 +16,10 @@ constexpr std::uint64_t kSmall = 32U << 10U; ///< below it, a copy through memor
 
 } // namespace
 
-ZipOutput::ZipOutput(const fileString& target)
+ZipOutput::ZipOutput(const fileString& target, std::chrono::milliseconds wait)
     : mTarget(target),
-      mFile(host::ReplacementFile::open(target.toNativeString(), host::ReplacementFile::Mode::Locked))
+      mFile(host::ReplacementFile::open(target.toNativeString(), host::ReplacementFile::Mode::Locked, 0666,
+                                        wait))
 {
     if (!mFile)
         fail();

@@ -17,8 +17,9 @@ class ZipOutput
 {
 public:
     /// @param target need not exist; when it does, its permissions are taken over
+    /// @param wait how long another writer is waited for
     /// @throws std::runtime_error with the path and the system's text
-    explicit ZipOutput(const fileString& target);
+    ZipOutput(const fileString& target, std::chrono::milliseconds wait);
 
     /// Where the next byte goes.
     std::uint64_t position() const { return mPosition + mPending.size(); }

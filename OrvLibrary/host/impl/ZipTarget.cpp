@@ -76,11 +76,16 @@ std::unique_ptr<ZipTarget> ZipTarget::begin(const fileString& path, bool create)
         return nullptr;
     try {
         // Locked before it is read, so that no other writer's members are lost.
-        std::unique_ptr<ZipTarget> target(new ZipTarget(path));
+        std::unique_ptr<ZipTarget> target(new ZipTarget(path, host::kLockWait));
         return target->takeExisting(path) || create ? std::move(target) : nullptr;
     } catch (const std::runtime_error&) {
         return nullptr;
     }
+}
+
+std::unique_ptr<ZipTarget> ZipTarget::beginEmpty(const fileString& path, std::chrono::milliseconds wait)
+{
+    return std::unique_ptr<ZipTarget>(new ZipTarget(path, wait));
 }
 
 /// @return false when there is none, or none that is sound

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <string>
 #include <unordered_map>
@@ -24,6 +25,10 @@ public:
     /// @param create makes one where none is, or none that is sound
     /// @return null when there is nothing to add to, or the target cannot be written
     static std::unique_ptr<ZipTarget> begin(const fileString& path, bool create);
+    /// Begins an empty archive, whatever stands there.
+    /// @param wait how long another writer is waited for
+    /// @throws std::runtime_error when the target cannot be written
+    static std::unique_ptr<ZipTarget> beginEmpty(const fileString& path, std::chrono::milliseconds wait);
 
     /// Adds a member under `name`, in place of one of that name.
     /// @return false when the target would hold too many
@@ -34,7 +39,7 @@ public:
     void publish() { mOutput.publish(); }
 
 private:
-    explicit ZipTarget(const fileString& path) : mOutput(path) {}
+    ZipTarget(const fileString& path, std::chrono::milliseconds wait) : mOutput(path, wait) {}
 
     struct Member
     {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "OrvLibrary/host/impl/ZipBatch_p.h"
 #include "OrvLibrary/host/impl/ZipMember_p.h"
 #include "OrvLibrary/host/impl/ZipWalk_p.h"
 
@@ -97,6 +98,8 @@ bool writeFileToArchiveRaw(const fileString& target, const fileString& member, A
 
 bool canAddToArchive(const fileString& archive)
 {
+    if (currentBatch() && currentBatch()->has(archive))
+        return true;
     if (ArchiveHandle::findActive([&](const ArchiveHandle& walk) { return walk.hasTarget(archive); }))
         return true;
     try {

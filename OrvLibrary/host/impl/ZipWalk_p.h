@@ -1,13 +1,11 @@
 #pragma once
 
-#include <map>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "OrvLibrary/host/ZipUtils.h"
 #include "OrvLibrary/host/impl/ZipArchive_p.h"
-#include "OrvLibrary/host/impl/ZipTarget_p.h"
+#include "OrvLibrary/host/impl/ZipTargets_p.h"
 
 namespace ZipUtils {
 
@@ -38,8 +36,8 @@ public:
 
     /// What reads on after the walk keeps it.
     const std::shared_ptr<const ZipArchive>& archive() const { return mArchive; }
-    /// Whether this walk began the target.
-    bool hasTarget(const fileString& target) const;
+    /// Whether this walk, or the batch that it belongs to, began the target.
+    bool hasTarget(const fileString& target) const { return mTargets.has(target); }
 
     /// Tells the walk of this archive, if there is one, that a member was read to its end and found sound.
     static void noteVerified(const ZipArchive& archive, const ZipEntry& entry);
@@ -58,14 +56,13 @@ public:
 private:
     static std::vector<ArchiveHandle*>& active();
 
-    ZipTarget* targetFor(const fileString& path, bool create);
+    void handOut(const MemberCallback& callback);
     void verify(std::size_t handedOut) const;
-    void completeTargets();
 
     std::shared_ptr<const ZipArchive> mArchive;
-    std::vector<char> mVerified;                                ///< by place in the directory
-    std::map<std::string, ZipTarget*> mByPath;                  ///< as the callback names them
-    std::map<std::string, std::unique_ptr<ZipTarget>> mTargets; ///< by resolved path
+    std::vector<char> mVerified; ///< by place in the directory
+    ZipTargets mOwnTargets;
+    ZipTargets& mTargets; ///< its own, or those of the batch
 };
 
 } // namespace ZipUtils

@@ -1,0 +1,26 @@
+#include "tests/support/RecordingProgress.h"
+
+namespace test {
+
+bool RecordingProgress::checkCancel(bool processEvents)
+{
+    mCalls.emplace_back(processEvents ? "check with events" : "check");
+    return isCancelled(++mChecks);
+}
+
+void RecordingProgress::createSubProgress(std::uint64_t total)
+{
+    mCalls.push_back("total " + std::to_string(total));
+}
+
+void RecordingProgress::increment(const marl::unicode::String& label1, const marl::unicode::String& label2)
+{
+    mCalls.push_back("step " + label1.toUTF8String() + " | " + label2.toUTF8String());
+}
+
+void RecordingProgress::updateLabels(const marl::unicode::String& label1, const marl::unicode::String& label2)
+{
+    mCalls.push_back("labels " + label1.toUTF8String() + " | " + label2.toUTF8String());
+}
+
+} // namespace test
