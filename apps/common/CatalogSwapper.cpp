@@ -1,0 +1,71 @@
+#include "apps/common/CatalogSwapper.h"
+
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/SHA1.h"
+#include "apps/common/HashFile.h"
+#include "apps/common/Sha1Tag.h"
+
+namespace {
+
+fileString folderOf(const fileString& catalog)
+{
+    return catalog.parentPathWithSeparator();
+}
+
+std::string nameOf(const fileString& catalog)
+{
+    return catalog.stemWithExtension().toNativeString();
+}
+
+std::string storedTag(const fileString& catalog)
+{
+    const std::map<std::string, std::string> tags = HashFile::read(folderOf(catalog));
+    const auto tag = tags.find(nameOf(catalog));
+    return tag == tags.end() ? std::string() : tag->second;
+}
+
+bool forget(const fileString& catalog)
+{
+    return HashFile::remove(folderOf(catalog), nameOf(catalog)) || storedTag(catalog).empty();
+}
+
+} // namespace
+
+void CatalogSwapper::recover()
+{
+    for (const CatalogFolder& folder : CatalogFolders::all()) {
+        // The library gives a file this extension when it is complete; until then it is a ".download".
+        for (const fileString& newFile : CatalogFolders::catalogsIn(folder.downloadFolder))
+            recoverCatalog(folder.path(newFile.stemWithExtension()), newFile);
+    }
+}
+
+void CatalogSwapper::recoverCatalog(const fileString& destination, const fileString& newFile)
+{
+    if (FileUtils::fileSize(newFile) < 1)
+        return;
+    const std::string tag = storedTag(destination);
+    const std::string checksum = SHA1::fileContentsToSHA1Hex(newFile);
+    const bool swapped = swapIn(destination, newFile);
+    // The line may be of the former catalog: the update died before it wrote its hash files. A checksum
+    // proves that; and without a line the next check asks with the new file's own checksum.
+    if (!swapped || (Sha1Tag::isSha1(tag) && !Sha1Tag::equal(tag, checksum)))
+        forget(destination);
+}
+
+bool CatalogSwapper::swapIn(const fileString& destination, const fileString& newFile)
+{
+    const bool swapped = FileUtils::moveFile(newFile, destination, false);
+    (swapped ? mSwappedIn : mFailed).push_back(destination);
+    return swapped;
+}
+
+std::vector<fileString> CatalogSwapper::forgetFailed() const
+{
+    std::vector<fileString> remaining;
+    for (const fileString& destination : mFailed) {
+        if (!forget(destination))
+            remaining.push_back(destination);
+    }
+    return remaining;
+}

@@ -1,0 +1,51 @@
+#include "apps/common/CheckHistory.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include "apps/common/TextFile.h"
+
+namespace {
+
+const char* const kFileName = "update-history.json";
+
+QDateTime timeOf(const QJsonValue& value)
+{
+    return QDateTime::fromString(value.toString(), Qt::ISODateWithMs);
+}
+
+QJsonObject readObject(const fileString& path)
+{
+    QFile file(QFile::decodeName(path.toNativeString().c_str()));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QJsonDocument::fromJson(file.readAll()).object();
+}
+
+} // namespace
+
+CheckHistory::CheckHistory(const fileString& root) : mPath(root / fileString(kFileName))
+{
+    const QJsonObject document = readObject(mPath);
+    mLastGoodCheck = timeOf(document["lastGoodCheck"]);
+    const QJsonObject answers = document["answers"].toObject();
+    for (auto answer = answers.begin(); answer != answers.end(); ++answer) {
+        const QJsonObject fields = answer.value().toObject();
+        noteAnswer(answer.key().toStdString(), static_cast<std::int64_t>(fields["status"].toDouble()),
+                   timeOf(fields["time"]));
+    }
+}
+
+void CheckHistory::save() const
+{
+    QJsonObject answers;
+    for (const auto& [catalog, answer] : mAnswers)
+        answers[QString::fromStdString(catalog)] =
+            QJsonObject{{"status", static_cast<qint64>(answer.status)},
+                        {"time", answer.time.toString(Qt::ISODateWithMs)}};
+    QJsonObject document{{"answers", answers}};
+    if (mLastGoodCheck.isValid())
+        document["lastGoodCheck"] = mLastGoodCheck.toString(Qt::ISODateWithMs);
+    TextFile::write(mPath, QJsonDocument(document).toJson().toStdString());
+}

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+/// Texts of the library that mix UTF-8 (translated prefixes) with Windows-1252 (catalog names).
+namespace LegacyText {
+
+/// The text as UTF-8: what is UTF-8 stays, every other byte is taken for Windows-1252. May be called from
+/// any thread.
+std::string toUtf8(const std::string& text);
+
+} // namespace LegacyText
