@@ -1,0 +1,136 @@
+// Reading the manufacturer file.
+#include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+
+#include "OrvLibrary/Manufacturer/ManufacturerFileKeys_p.h"
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/NullPointerRaiser.h"
+#include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/StringUtils.h"
+#include "OrvLibrary/host/TimeUtils.h"
+#include "OrvLibrary/json/json_file.h"
+
+using boost::posix_time::ptime;
+using namespace ManufacturerFileKeys;
+
+namespace {
+
+constexpr int kDefaultTextString = 10108;
+
+/// What a manufacturer file holds.
+struct Content
+{
+    std::map<long, Manufacturer> table;
+    ptime lastModified;
+    std::string defaultText;
+};
+
+/// The member of that key; null when there is none.
+/// @throws boost::bad_any_cast when it is of another type
+template <class Type>
+const Type* member(const json::object& object, const char* key)
+{
+    const auto found = object.find(key);
+    return found == object.end() ? nullptr : &boost::any_cast<const Type&>(*found->second);
+}
+
+std::string text(const json::object& object, const char* key)
+{
+    const auto* found = member<std::string>(object, key);
+    return found ? *found : std::string();
+}
+
+bool flag(const json::object& object, const char* key)
+{
+    const auto* found = member<bool>(object, key);
+    return found && *found;
+}
+
+Manufacturer readRecord(const json::object& object)
+{
+    const auto* time = member<std::string>(object, kLastModified);
+    return Manufacturer(text(object, kName), text(object, kUrl), text(object, kPhone), text(object, kFax),
+                        text(object, kLogo), text(object, kEmail), flag(object, kLock),
+                        flag(object, kDeleted), time ? Library::fromString(*time) : ptime());
+}
+
+/// Equal keys come back last first: the first record of an id is the last one in the file.
+std::map<long, Manufacturer> readRecords(const json::object& root)
+{
+    // Deliberate: a later record replaces an earlier one of the same id without a warning.
+    std::map<long, Manufacturer> table;
+    for (auto [entry, end] = root.equal_range(kManufacturer); entry != end; ++entry) {
+        const auto& object = boost::any_cast<const json::object&>(*entry->second);
+        if (const int* id = member<int>(object, kId))
+            table.emplace(*id, readRecord(object));
+    }
+    return table;
+}
+
+Content readContent(const json::object& root)
+{
+    Content content;
+    const auto* time = member<std::string>(root, kLastModified);
+    content.lastModified = time ? Library::fromString(*time) : Library::getTimeNow();
+    const auto* defaultText = member<std::string>(root, kDefaultText);
+    content.defaultText = defaultText ? *defaultText : StringUtils::loadString(kDefaultTextString);
+    content.table = readRecords(root);
+    return content;
+}
+
+} // namespace
+
+fileString ManufacturerManager::get_manufacturer_fullname()
+{
+    const fileString folder = PathUtils::getObject().getManufacturerDataPath();
+    if (!folder.pathExists())
+        FileUtils::createDirectoriesWithPerm(folder, false);
+    return folder / fileString(kFileName);
+}
+
+bool ManufacturerManager::read_manufacturer_file(const fileString& path, std::map<long, Manufacturer>& table,
+                                                 ptime* lastModified, std::string* defaultText)
+{
+    if (!lastModified || !defaultText)
+        NullPointerRaiser::Throw(lastModified ? "defaultText" : "lastModified", __FILE__, __LINE__);
+    if (!path.pathExists())
+        return false;
+    table.clear();
+    try {
+        const auto root = json::readFile(path);
+        const auto* members = boost::any_cast<json::object>(root.get());
+        if (!members)
+            return false;
+        Content content = readContent(*members);
+        table.swap(content.table);
+        *lastModified = content.lastModified;
+        defaultText->swap(content.defaultText);
+        return true;
+    } catch (...) {
+        *lastModified = ptime(boost::date_time::min_date_time);
+        defaultText->clear();
+        return false;
+    }
+}
+
+void ManufacturerManager::loadManufacturers()
+{
+    try {
+        read_manufacturer_file(get_manufacturer_fullname(), mTable, mLastModified.get(), &mDefaultText);
+    } catch (...) {
+        mTable.clear(); // the host could not even say where the file is
+    }
+}
+
+bool ManufacturerManager::changeManufacturerDataPath(const fileString& folder)
+{
+    std::map<long, Manufacturer> table;
+    ptime lastModified;
+    std::string defaultText;
+    // Deliberate: plain concatenation; and the folder that is written to stays the standard one.
+    if (!read_manufacturer_file(folder + fileString(kFileName), table, &lastModified, &defaultText))
+        return false;
+    mTable.swap(table);
+    *mLastModified = lastModified;
+    mDefaultText.swap(defaultText);
+    return true;
+}
