@@ -1,14 +1,20 @@
 #include "apps/orv-library/Command.h"
+#include "apps/orv-library/ImportCommand.h"
 #include "apps/orv-library/LogCommand.h"
+#include "apps/orv-library/PackCommand.h"
 #include "apps/orv-library/PathsCommand.h"
 #include "apps/orv-library/PublishCommand.h"
 #include "apps/orv-library/SampleCommand.h"
 #include "apps/orv-library/StylesCommand.h"
+#include "apps/orv-library/UnpackCommand.h"
 
 CommandList allCommands()
 {
     CommandList commands;
     commands.push_back(std::make_unique<PathsCommand>());
+    commands.push_back(std::make_unique<UnpackCommand>());
+    commands.push_back(std::make_unique<ImportCommand>());
+    commands.push_back(std::make_unique<PackCommand>());
     commands.push_back(std::make_unique<LogCommand>());
     commands.push_back(std::make_unique<PublishCommand>());
     commands.push_back(std::make_unique<SampleCommand>());

@@ -1,0 +1,130 @@
+#include "apps/orv-library/LibrarySource.h"
+
+#include <filesystem>
+
+#include <QByteArray>
+
+#include "OrvLibrary/host/Curl.h"
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/StringUtils.h"
+#include "apps/orv-library/Command.h"
+#include "apps/orv-library/Interrupt.h"
+
+namespace {
+
+int stopOnInterrupt(void*, double, double, double, double)
+{
+    return Interrupt::requested() ? 1 : 0;
+}
+
+/// The value of "library=" in the query of a catalog address; empty when there is none.
+std::string askedLibrary(const std::string& query)
+{
+    const std::string key = "library=";
+    for (std::size_t at = query.find(key); at != std::string::npos; at = query.find(key, at + 1)) {
+        if (at == 0 || query[at - 1] == '&' || query[at - 1] == '?')
+            return query.substr(at + key.size(), query.find('&', at) - at - key.size());
+    }
+    return {};
+}
+
+} // namespace
+
+UnpackedFiles::UnpackedFiles(LibraryImport::UnpackResult result)
+    : found(std::move(result)), mDatabaseGuard(found.first.second), mReferencedGuard(found.second.second)
+{
+}
+
+LibrarySource::LibrarySource(const std::string& text)
+    : mText(text),
+      mUrl(StringUtils::toWin1252(mText.unicodeString())),
+      mIsAddress(Curl::get().downloadable(mUrl))
+{
+}
+
+fileString LibrarySource::stem() const
+{
+    const fileString stem = mIsAddress ? fileString(nameInAddress()).stem() : mText.stem();
+    const std::string& text = stem.toNativeString();
+    if (text.empty() || text == "." || text == ".." || text.find('\0') != std::string::npos)
+        throw CommandFailure(mText.toNativeString() + ": names no library");
+    return stem;
+}
+
+std::string LibrarySource::nameInAddress() const
+{
+    const std::string address = mText.toNativeString().substr(0, mText.toNativeString().find('#'));
+    const std::size_t query = address.find('?');
+    std::string name = query == std::string::npos ? std::string() : askedLibrary(address.substr(query));
+    if (name.empty()) {
+        const std::string path = address.substr(0, query);
+        name = path.substr(path.rfind('/') + 1);
+    }
+    return QByteArray::fromPercentEncoding(QByteArray::fromStdString(name)).toStdString();
+}
+
+fileString LibrarySource::download() const
+{
+    fileString target;
+    target.generateAsTempName(".orvlibz");
+    std::string reason;
+    int error = 0;
+    if (!Curl::get().download_to_location(mUrl, target, {}, nullptr, stopOnInterrupt, reason, error))
+        throw CommandFailure(mText.toNativeString() + ": " + reason);
+    return target;
+}
+
+void LibrarySource::requireFile() const
+{
+    if (!mText.pathExists())
+        throw CommandFailure(mText.toNativeString() + ": no such file");
+}
+
+std::unique_ptr<UnpackedFiles> LibrarySource::unpack(const std::shared_ptr<ProgressSubject>& progress) const
+{
+    if (!mIsAddress) {
+        requireFile();
+        return std::make_unique<UnpackedFiles>(unpackFile(mText, true, progress));
+    }
+    const fileString archive = download();
+    const FileReaper guard(archive);
+    return std::make_unique<UnpackedFiles>(unpackFile(archive, true, progress));
+}
+
+LibraryImport::UnpackResult
+LibrarySource::unpackBeside(const std::shared_ptr<ProgressSubject>& progress) const
+{
+    requireFile();
+    return unpackFile(mText, false, progress);
+}
+
+/// The reason names what the user named, not the temporary file that a download went to.
+LibraryImport::UnpackResult LibrarySource::unpackFile(const fileString& archive, bool temporary,
+                                                      const std::shared_ptr<ProgressSubject>& progress) const
+{
+    try {
+        return LibraryImport::unpack(archive, temporary, progress);
+    } catch (const std::exception& error) {
+        std::string reason = error.what();
+        const std::string path = archive.toNativeString() + ": ";
+        if (reason.compare(0, path.size(), path) == 0)
+            reason.erase(0, path.size());
+        throw CommandFailure(mText.toNativeString() + ": " + reason);
+    }
+}
+
+void moveOver(const fileString& from, const fileString& to)
+{
+    std::error_code error;
+    if (std::filesystem::is_directory(to.toNativeString(), error))
+        throw CommandFailure(to.toNativeString() + ": is a folder");
+    if (!FileUtils::moveFile(from, to, false))
+        throw CommandFailure(to.toNativeString() + ": cannot be written");
+}
+
+fileString absolutePath(const fileString& path)
+{
+    std::error_code error;
+    const std::filesystem::path absolute = std::filesystem::absolute(path.toNativeString(), error);
+    return error ? path : fileString(absolute.lexically_normal().string());
+}

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "OrvLibrary/IO/LibraryImport.h"
+#include "OrvLibrary/host/FileReaper.h"
+#include "OrvLibrary/host/fileString.h"
+
+/// Files that an operation made in the temporary folder; those that were not moved away by the end of the
+/// object are removed.
+struct UnpackedFiles
+{
+    explicit UnpackedFiles(LibraryImport::UnpackResult result);
+
+    LibraryImport::UnpackResult found;
+
+private:
+    FileReaper mDatabaseGuard;
+    FileReaper mReferencedGuard;
+};
+
+/// A packed library as the user names it: a local path or an address. Used by the main thread.
+class LibrarySource
+{
+public:
+    explicit LibrarySource(const std::string& text);
+
+    bool isAddress() const { return mIsAddress; }
+    /// What the results are named after: the archive's name without folder and extension. Of an address, the
+    /// name that it asks for.
+    fileString stem() const;
+    /// Unpacks to the temporary folder.
+    /// @throws CommandFailure, naming the source and the reason
+    std::unique_ptr<UnpackedFiles> unpack(const std::shared_ptr<ProgressSubject>& progress) const;
+    /// Unpacks beside the archive, which is a local path.
+    /// @throws CommandFailure, naming the source and the reason
+    LibraryImport::UnpackResult unpackBeside(const std::shared_ptr<ProgressSubject>& progress) const;
+
+private:
+    std::string nameInAddress() const;
+    fileString download() const;
+    void requireFile() const;
+    LibraryImport::UnpackResult unpackFile(const fileString& archive, bool temporary,
+                                           const std::shared_ptr<ProgressSubject>& progress) const;
+
+    fileString mText;
+    std::string mUrl; ///< as the wire wants it
+    bool mIsAddress;
+};
+
+/// Moves a file over whatever file has that name.
+/// @throws CommandFailure
+void moveOver(const fileString& from, const fileString& to);
+
+/// The path from the root of the file system, without "." and "..".
+fileString absolutePath(const fileString& path);

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "apps/orv-library/Command.h"
+
+/// `pack DATABASE FILE… --output OUT.orvlibz`: the publisher's side of a packed library.
+class PackCommand : public Command
+{
+public:
+    std::string name() const override { return "pack"; }
+    std::string summary() const override { return "Pack a library and its files into one archive"; }
+    void declare(CommandSyntax& syntax) override;
+
+private:
+    ExitStatus run(Session& session) const;
+    std::vector<std::string> inputs() const;
+    std::vector<std::string> refusals() const;
+
+    std::string mDatabase;
+    std::vector<std::string> mFiles;
+    std::string mOutput;
+};

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <string>
+
+#include "OrvLibrary/IO/LibraryImport.h"
+#include "apps/orv-library/Command.h"
+
+/// `unpack SOURCE [--beside|--output-dir DIR]`: the database and the referenced files of a packed library.
+class UnpackCommand : public Command
+{
+public:
+    std::string name() const override { return "unpack"; }
+    std::string summary() const override { return "Unpack a library archive"; }
+    void declare(CommandSyntax& syntax) override;
+
+private:
+    ExitStatus run(Session& session) const;
+    LibraryImport::UnpackResult unpackUninterrupted(Session& session) const;
+    LibraryImport::UnpackResult unpackInto(const std::string& folder,
+                                           const std::shared_ptr<ProgressSubject>& progress) const;
+
+    std::string mSource;
+    bool mBeside = false;
+    std::string mOutputFolder = ".";
+};

@@ -1,0 +1,155 @@
+#include <filesystem>
+
+#include "tests/orv-library/ImportFixture.h"
+#include "tests/support/FaultServer.h"
+
+namespace fs = std::filesystem;
+using test::FaultReply;
+using test::FaultServer;
+using test::ProgramResult;
+
+namespace {
+
+class ImportCommand : public ImportFixture
+{
+};
+
+QJsonObject document(const std::string& library, const std::string& textures)
+{
+    const auto value = [](const std::string& path) {
+        return path.empty() ? QJsonValue() : QJsonValue(QString::fromStdString(path));
+    };
+    return {{"library", value(library)}, {"textures", value(textures)}};
+}
+
+} // namespace
+
+TEST_F(ImportCommand, libraryAndTexturesGoToTheUsersFolders)
+{
+    const ProgramResult result = mProgram.run({"--json", "import", writeKitchen()});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.json(), document(rootPath("user/Kitchen.orvlib"), rootPath("textures/Kitchen.zip")));
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "the database");
+    EXPECT_EQ(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))),
+              (Contents{{"textures/oak.png", "oak"}, {"tile.jpg", "tile"}}));
+    EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
+    EXPECT_EQ(test::listTree(rootPath("user")), std::vector<std::string>{"Kitchen.orvlib"});
+    EXPECT_EQ(fs::status(rootPath("user/Kitchen.orvlib")).permissions(), static_cast<fs::perms>(0644));
+}
+
+TEST_F(ImportCommand, proprietaryLibraryGoesToTheManufacturersFolders)
+{
+    const ProgramResult result = mProgram.run({"--json", "import", "--proprietary", writeKitchen()});
+    EXPECT_EQ(result.json(),
+              document(rootPath("manufacturer/Kitchen.orvlib"), rootPath("referenced/Kitchen.zip")));
+    EXPECT_EQ(test::readFile(rootPath("manufacturer/Kitchen.orvlib")), "the database");
+    EXPECT_TRUE(fs::exists(rootPath("referenced/Kitchen.zip")));
+}
+
+TEST_F(ImportCommand, whatTheArchiveLacksIsNull)
+{
+    test::ArchiveBuilder database;
+    database.add("a.orvlib", "the database");
+    database.write(mProgram.folder(), "Database.orvlibz");
+    EXPECT_EQ(mProgram.run({"--json", "import", path("Database.orvlibz")}).json(),
+              document(rootPath("user/Database.orvlib"), ""));
+    test::ArchiveBuilder files;
+    files.add("a.png", "picture");
+    files.write(mProgram.folder(), "Files.orvlibz");
+    EXPECT_EQ(mProgram.run({"--json", "import", path("Files.orvlibz")}).json(),
+              document("", rootPath("textures/Files.zip")));
+    test::ArchiveBuilder().write(mProgram.folder(), "Empty.orvlibz");
+    const ProgramResult none = mProgram.run({"--json", "import", path("Empty.orvlibz")});
+    EXPECT_EQ(none.json(), document("", ""));
+    EXPECT_EQ(none.status, 1);
+}
+
+TEST_F(ImportCommand, formerLibraryIsKeptAndTexturesAreMerged)
+{
+    mProgram.run({"import", writeKitchen()});
+    test::ArchiveBuilder second;
+    second.add("tile.jpg", "new tile");
+    second.add("door.png", "door");
+    second.add("inside.orvlib", "the second database");
+    second.write(mProgram.folder(), "Kitchen.orvlibz");
+    EXPECT_EQ(mProgram.run({"import", path("Kitchen.orvlibz")}).status, 0);
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "the second database");
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib.bak")), "the database");
+    EXPECT_EQ(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))),
+              (Contents{{"textures/oak.png", "oak"}, {"tile.jpg", "new tile"}, {"door.png", "door"}}));
+    mProgram.run({"import", path("Kitchen.orvlibz")});
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib.bak")), "the second database");
+}
+
+TEST_F(ImportCommand, badSourcesChangeNothing)
+{
+    mProgram.run({"import", writeKitchen()});
+    fs::create_symlink("loop.orvlibz", path("loop.orvlibz"));
+    std::string damaged = mKitchen.bytes();
+    damaged[damaged.find("oak.png") + 8] ^= 1; // in the data
+    mProgram.folder().write("Kitchen.orvlibz", damaged);
+    for (const std::string& source :
+         {path("none.orvlibz"), mProgram.folder().path(), std::string("/dev/null"), path("loop.orvlibz"),
+          path("Kitchen.orvlibz")})
+        expectFailure({"import", source}, source + ": ");
+}
+
+TEST_F(ImportCommand, badAnswersChangeNothing)
+{
+    FaultServer server;
+    mProgram.run({"import", writeKitchen()});
+    const std::string bytes = mKitchen.bytes();
+    server.on("/404/Kitchen.orvlibz", FaultReply::status(404));
+    server.on("/html/Kitchen.orvlibz", FaultReply::ok("<html></html>"));
+    server.on("/half/Kitchen.orvlibz", FaultReply::ok(bytes.substr(0, bytes.size() / 2)));
+    server.on("/cut/Kitchen.orvlibz", FaultReply::ok(bytes).cutAt(300));
+    for (const char* target :
+         {"/404/Kitchen.orvlibz", "/html/Kitchen.orvlibz", "/half/Kitchen.orvlibz", "/cut/Kitchen.orvlibz"})
+        expectFailure({"import", server.url(target)}, server.url(target) + ": ");
+    server.on("/Kitchen.orvlibz", FaultReply::ok(bytes));
+    EXPECT_EQ(mProgram.run({"import", server.url("/Kitchen.orvlibz")}).status, 0);
+}
+
+TEST_F(ImportCommand, texturesThatCannotBePlacedLeaveTheLibraryAsItWas)
+{
+    mProgram.run({"import", writeKitchen()});
+    const std::string former = "not an archive";
+    mProgram.folder().write("root/textures/Kitchen.zip", former);
+    expectFailure({"import", path("Kitchen.orvlibz")}, rootPath("textures/Kitchen.zip"));
+}
+
+TEST_F(ImportCommand, unsafeNamesNeverLeaveTheFolders)
+{
+    for (const char* name : {"../../evil.png", "/evil.png", "a/../../evil.png"})
+        mKitchen.add(name, "evil");
+    mKitchen.add("../../evil.orvlib", "the evil database");
+    const auto before = everything();
+    const std::string archive = writeKitchen();
+    EXPECT_EQ(mProgram.run({"import", archive}).status, 0);
+    auto after = everything();
+    for (auto file = after.begin(); file != after.end();)
+        file = file->first.rfind("root/", 0) == 0 || file->first == "Kitchen.orvlibz" ? after.erase(file)
+                                                                                      : ++file;
+    EXPECT_EQ(after, before);
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "the evil database");
+    EXPECT_EQ(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))).size(), 2U);
+}
+
+TEST_F(ImportCommand, twoProcessesImportTheSameArchiveAtOnce)
+{
+    for (int i = 0; i < 200; ++i)
+        mKitchen.add("many/" + std::to_string(i), test::sampleBytes(2000, static_cast<unsigned>(i)));
+    const std::string archive = writeKitchen();
+    for (int round = 0; round < 5; ++round) {
+        const auto first = mProgram.start({"import", archive});
+        const auto second = mProgram.start({"import", archive});
+        for (const auto& process : {first.get(), second.get()}) {
+            const ProgramResult result = test::Program::finish(*process);
+            EXPECT_EQ(result.status, 0) << result.err;
+        }
+        EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "the database");
+        EXPECT_EQ(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))).size(), 202U);
+        EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
+        EXPECT_EQ(test::listTree(rootPath("textures")), std::vector<std::string>{"Kitchen.zip"});
+    }
+}

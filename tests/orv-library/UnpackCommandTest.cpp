@@ -1,0 +1,176 @@
+#include <csignal>
+#include <filesystem>
+
+#include "tests/orv-library/ImportFixture.h"
+#include "tests/support/FaultServer.h"
+
+namespace fs = std::filesystem;
+using test::FaultReply;
+using test::FaultServer;
+using test::ProgramResult;
+
+namespace {
+
+class UnpackCommand : public ImportFixture
+{
+protected:
+    UnpackCommand() { fs::create_directory(path("out")); }
+
+    test::ProgramResult unpack(const std::string& source, std::vector<std::string> more = {})
+    {
+        std::vector<std::string> arguments{"--json", "unpack", source};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        return mProgram.run(arguments);
+    }
+};
+
+QJsonObject found(const std::string& where)
+{
+    return {{"found", true}, {"path", QString::fromStdString(where)}};
+}
+
+} // namespace
+
+TEST_F(UnpackCommand, resultsGetTheArchivesStemInTheOutputFolder)
+{
+    const ProgramResult result = unpack(writeKitchen(), {"--output-dir", path("out")});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.json(), (QJsonObject{{"library", found(path("out/Kitchen.orvlib"))},
+                                          {"referenced", found(path("out/Kitchen.zip"))}}));
+    EXPECT_EQ(test::readFile(path("out/Kitchen.orvlib")), "the database");
+    EXPECT_EQ(test::contentsOf(fileString(path("out/Kitchen.zip"))),
+              (Contents{{"textures/oak.png", "oak"}, {"tile.jpg", "tile"}}));
+    EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
+}
+
+TEST_F(UnpackCommand, currentFolderIsTheDefault)
+{
+    mProgram.setWorkingFolder(path("out"));
+    writeKitchen();
+    const ProgramResult result = mProgram.run({"unpack", "../Kitchen.orvlibz"});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.out, "Library: " + path("out/Kitchen.orvlib") +
+                              "\nReferenced files: " + path("out/Kitchen.zip") + "\n");
+    EXPECT_EQ(test::listTree(path("out")), (std::vector<std::string>{"Kitchen.orvlib", "Kitchen.zip"}));
+}
+
+TEST_F(UnpackCommand, besideWritesNextToTheArchive)
+{
+    const ProgramResult result = unpack(writeKitchen("out/K\xC3\xBC"
+                                                     "che 1.orvlibz"),
+                                        {"--beside"});
+    EXPECT_EQ(result.json(), (QJsonObject{{"library", found(path("out/K\xC3\xBC"
+                                                                 "che 1.orvlib"))},
+                                          {"referenced", found(path("out/K\xC3\xBC"
+                                                                    "che 1.zip"))}}));
+    EXPECT_EQ(test::listTree(path("out")).size(), 3U);
+}
+
+TEST_F(UnpackCommand, archiveWithoutEitherIsAFailureThatSaysSo)
+{
+    test::ArchiveBuilder().write(mProgram.folder(), "Empty.orvlibz");
+    const ProgramResult result = unpack(path("Empty.orvlibz"), {"--output-dir", path("out")});
+    EXPECT_EQ(result.status, 1);
+    const QJsonObject none{{"found", false}, {"path", QJsonValue()}};
+    EXPECT_EQ(result.json(), (QJsonObject{{"library", none}, {"referenced", none}}));
+    EXPECT_THAT(result.err, testing::HasSubstr("Empty.orvlibz: holds neither"));
+}
+
+TEST_F(UnpackCommand, wrongUsageChangesNothing)
+{
+    const std::string archive = writeKitchen();
+    for (const std::vector<std::string>& arguments :
+         std::vector<std::vector<std::string>>{{"unpack"},
+                                               {"unpack", archive, "--beside", "--output-dir", path("out")},
+                                               {"unpack", "http://127.0.0.1:1/a.orvlibz", "--beside"},
+                                               {"unpack", writeKitchen("a.zip"), "--beside"},
+                                               {"unpack", writeKitchen("a.orvlib"), "--beside"}}) {
+        expectFailure(arguments, "unpack", 2);
+    }
+}
+
+TEST_F(UnpackCommand, sourcesThatAreNoArchiveFailWithAClearLine)
+{
+    fs::create_symlink("loop.orvlibz", path("loop.orvlibz"));
+    mProgram.folder().write("text.orvlibz", "no archive");
+    for (const std::string& source : {path("none.orvlibz"), path("out"), std::string("/dev/zero"),
+                                      path("loop.orvlibz"), path("text.orvlibz")}) {
+        expectFailure({"unpack", source, "--output-dir", path("out")}, source + ": ");
+        expectFailure({"unpack", source, "--beside"}, source + ": ");
+    }
+}
+
+TEST_F(UnpackCommand, outputFolderMustBeAFolder)
+{
+    const std::string archive = writeKitchen();
+    expectFailure({"unpack", archive, "--output-dir", path("none")}, path("none") + ": no such folder");
+    expectFailure({"unpack", archive, "--output-dir", archive}, archive + ": no such folder");
+    expectFailure({"unpack", archive, "--output-dir", "/proc/self"}, "cannot be written");
+}
+
+TEST_F(UnpackCommand, folderInTheWayIsNamed)
+{
+    fs::create_directory(path("out/Kitchen.zip"));
+    expectFailure({"unpack", writeKitchen(), "--output-dir", path("out")},
+                  path("out/Kitchen.zip") + ": is a folder");
+}
+
+TEST_F(UnpackCommand, addressIsDownloadedAndNamedAfterWhatItAsksFor)
+{
+    FaultServer server;
+    server.otherwise([&](const test::FaultRequest&) { return FaultReply::ok(mKitchen.bytes()); });
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"/files/Kitchen%201.orvlibz", "Kitchen 1"},
+        {"/content?&library=Kitchen.orvlibz&product=p", "Kitchen"},
+        {"/content?library=%2Fetc%2FSauna.orvlibz", "Sauna"},
+        {"/a/Bath.orvlibz?version=1#part", "Bath"}};
+    for (const auto& [target, stem] : cases) {
+        const ProgramResult result = unpack(server.url(target), {"--output-dir", path("out")});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_TRUE(fs::exists(path("out/" + stem + ".orvlib"))) << stem;
+        EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
+    }
+    EXPECT_EQ(test::listTree(path("out")).size(), 8U);
+}
+
+TEST_F(UnpackCommand, badAnswersFailWithTheAddressAndTheReason)
+{
+    FaultServer server;
+    server.on("/404.orvlibz", FaultReply::status(404, "no such catalog"));
+    server.on("/html.orvlibz", FaultReply::ok("<html>sign in</html>"));
+    const std::string bytes = mKitchen.bytes();
+    server.on("/half.orvlibz", FaultReply::ok(bytes.substr(0, bytes.size() / 2)));
+    server.on("/cut.orvlibz", FaultReply::ok(bytes).cutAt(200));
+    const std::vector<std::pair<std::string, std::string>> cases{{"/404.orvlibz", "HTTP 404"},
+                                                                 {"/html.orvlibz", "not a zip archive"},
+                                                                 {"/half.orvlibz", "not a zip archive"},
+                                                                 {"/cut.orvlibz", ""},
+                                                                 {"/", "names no library"}};
+    for (const auto& [target, reason] : cases) {
+        const std::string url = server.url(target);
+        expectFailure({"unpack", url, "--output-dir", path("out")}, url + ": " + reason);
+    }
+}
+
+TEST_F(UnpackCommand, interruptWhileDownloadingLeavesNothing)
+{
+    FaultServer server;
+    server.on("/slow.orvlibz", FaultReply::ok(mKitchen.bytes()).silentAt(150));
+    const auto process =
+        mProgram.start({"--json", "unpack", server.url("/slow.orvlibz"), "--output-dir", path("out")});
+    ASSERT_TRUE(server.waitForRequests(1));
+    ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+    const ProgramResult result = test::Program::finish(*process);
+    EXPECT_EQ(result.status, 130) << result.err;
+    EXPECT_FALSE(result.json()["library"].toObject()["found"].toBool());
+    EXPECT_TRUE(test::listTree(path("out")).empty());
+    EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
+}
+
+TEST_F(UnpackCommand, progressNamesEachMember)
+{
+    const ProgramResult result =
+        mProgram.run({"--progress", "plain", "unpack", writeKitchen(), "--output-dir", path("out")});
+    for (const char* name : {"inside.orvlib", "textures/oak.png", "tile.jpg"})
+        EXPECT_THAT(result.err, testing::HasSubstr(std::string("Unpacking ") + name + "\n"));
+}
