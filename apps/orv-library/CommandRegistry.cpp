@@ -5,6 +5,7 @@
 #include "apps/orv-library/PathsCommand.h"
 #include "apps/orv-library/PublishCommand.h"
 #include "apps/orv-library/SampleCommand.h"
+#include "apps/orv-library/ServeCommand.h"
 #include "apps/orv-library/StylesCommand.h"
 #include "apps/orv-library/UnpackCommand.h"
 
@@ -18,6 +19,7 @@ CommandList allCommands()
     commands.push_back(std::make_unique<LogCommand>());
     commands.push_back(std::make_unique<PublishCommand>());
     commands.push_back(std::make_unique<SampleCommand>());
+    commands.push_back(std::make_unique<ServeCommand>());
     commands.push_back(std::make_unique<StylesCommand>());
     return commands;
 }

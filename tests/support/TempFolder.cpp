@@ -64,8 +64,8 @@ std::vector<std::string> listTree(const std::string& folder)
 {
     std::vector<std::string> names;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        const bool isFolder = entry.is_directory() && !entry.is_symlink();
-        names.push_back(fs::relative(entry.path(), folder).string() + (isFolder ? "/" : ""));
+        const bool isFolder = fs::is_directory(entry.symlink_status());
+        names.push_back(entry.path().lexically_relative(folder).string() + (isFolder ? "/" : ""));
     }
     std::sort(names.begin(), names.end());
     return names;

@@ -32,6 +32,7 @@ std::string readFile(const std::string& path);
 std::string readFile(const fileString& path);
 void writeFile(const std::string& path, const std::string& content);
 /// Names of all files and folders below `folder`, relative, folders with a final "/", sorted.
+/// Links are named, not followed.
 std::vector<std::string> listTree(const std::string& folder);
 
 } // namespace test

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+namespace test {
+
+/// Sets a variable of the environment, or unsets it, for the life of a block.
+class ScopedEnvironment
+{
+public:
+    ScopedEnvironment(const char* name, const char* value) : mName(name)
+    {
+        if (const char* former = std::getenv(name))
+            mFormer = former;
+        set(value);
+    }
+    ~ScopedEnvironment() { set(mFormer ? mFormer->c_str() : nullptr); }
+    ScopedEnvironment(const ScopedEnvironment&) = delete;
+    ScopedEnvironment& operator=(const ScopedEnvironment&) = delete;
+
+private:
+    void set(const char* value) const
+    {
+        if (value)
+            setenv(mName, value, 1);
+        else
+            unsetenv(mName);
+    }
+
+    const char* mName;
+    std::optional<std::string> mFormer;
+};
+
+} // namespace test
