@@ -1,0 +1,60 @@
+#include "OrvLibrary/CatalogDownload_p.h"
+
+#include <algorithm>
+
+#include "OrvLibrary/CatalogEvents_p.h"
+#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/host/StringUtils.h"
+
+namespace LibraryCatalogUpdate {
+
+namespace {
+
+/// The silent call after this many is the one that aborts. The download service calls ten times a second when
+/// nothing comes, so a stall lasts about a minute.
+constexpr std::int32_t kLastSilentCall = 599;
+/// The gauge moves on the call after this many, to keep the queued invocations few in a fast transfer.
+constexpr std::uint64_t kCallsBetweenGauges = 501;
+constexpr double kBytesPerKilobyte = 1000.0;
+
+bool isStalled(double newBytes)
+{
+    if (newBytes != 0) {
+        diff_zero_count = 0;
+        return false;
+    }
+    if (diff_zero_count > kLastSilentCall)
+        return true;
+    ++diff_zero_count;
+    return false;
+}
+
+/// Deliberate: the count goes on over files and runs, so that the gauge may move early in a file.
+void tellGauge(CatalogEvents* events)
+{
+    if (progress_update_count < kCallsBetweenGauges) {
+        ++progress_update_count;
+        return;
+    }
+    progress_update_count = 0;
+    if (events)
+        events->setValueInGauge(addSaturating(file_kbytes_read, total_kbytes_read));
+}
+
+} // namespace
+
+int download_progress_callback(void* context, double /*downloadTotal*/, double downloaded,
+                               double /*uploadTotal*/, double /*uploaded*/)
+try {
+    CatalogDownload& download = *static_cast<CatalogDownload*>(context);
+    if (isDownloadKilled() || isStalled(downloaded - download.lastBytes))
+        return 1;
+    download.lastBytes = downloaded;
+    file_kbytes_read = std::max<std::int64_t>(iRoundoff(downloaded / kBytesPerKilobyte), 0);
+    tellGauge(download.events);
+    return 0;
+} catch (...) {
+    return 0; // A gauge that misses a step is no reason to end the download.
+}
+
+} // namespace LibraryCatalogUpdate

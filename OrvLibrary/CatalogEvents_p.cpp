@@ -1,0 +1,138 @@
+#include "OrvLibrary/CatalogEvents_p.h"
+
+#include <algorithm>
+#include <limits>
+
+#include <QMetaType>
+
+namespace LibraryCatalogUpdate {
+
+namespace {
+
+/// Registers a type by name alone. The types are not ours to declare: a host that declares them itself gets
+/// the same number for the same name, whoever comes first.
+template <class T>
+void registerByName(const char* name)
+{
+    if (QMetaType::type(name) == QMetaType::UnknownType)
+        qRegisterMetaType<T>(name);
+}
+
+/// The pair is registered under its own name first and under ours as an alias, since that is what Qt does
+/// itself in a host that has declared `fileString`.
+void registerFileStringPair()
+{
+    registerByName<FileStringPair>("std::pair<fileString,fileString>");
+    if (QMetaType::type("FileStringPair") == QMetaType::UnknownType)
+        QMetaType::registerTypedef("FileStringPair", QMetaType::type("std::pair<fileString,fileString>"));
+}
+
+void registerTypes()
+{
+    registerByName<std::string>("std::string");
+    registerByName<std::size_t>("size_t");
+    registerByName<fileString>("fileString");
+    registerByName<UpdateData>("LibraryCatalogUpdate::UpdateData");
+    registerFileStringPair();
+}
+
+QMetaMethod slotOf(const QObject& host, const char* signature)
+{
+    const QMetaObject* const type = host.metaObject();
+    return type->method(type->indexOfMethod(signature));
+}
+
+std::size_t gaugeNumber(std::uint64_t value)
+{
+    return std::min<std::uint64_t>(value, std::numeric_limits<int>::max());
+}
+
+} // namespace
+
+std::shared_ptr<CatalogEvents> CatalogEvents::watch(QObject& host)
+{
+    registerTypes();
+    const std::shared_ptr<CatalogEvents> events(new CatalogEvents(host));
+    // A functor without a receiver runs directly, on the thread that destroys the object.
+    const auto forget = [weak = std::weak_ptr<CatalogEvents>(events)] {
+        if (const auto strong = weak.lock())
+            strong->clearHost();
+    };
+    events->mDestroyed = QObject::connect(&host, &QObject::destroyed, forget);
+    return events;
+}
+
+CatalogEvents::CatalogEvents(QObject& host)
+    : mHost(&host),
+      mSlots{slotOf(host, "onSetText(std::string)"),
+             slotOf(host, "onSetUnits(std::string)"),
+             slotOf(host, "onSetRangeInGauge(size_t)"),
+             slotOf(host, "onSetValueInGauge(size_t)"),
+             slotOf(host, "onUpdateInGauge()"),
+             slotOf(host, "onCatalogUpdatedEvent(FileStringPair)"),
+             slotOf(host, "closeCatalogUpdateEvent(LibraryCatalogUpdate::UpdateData)"),
+             slotOf(host, "onClose()")}
+{
+}
+
+CatalogEvents::~CatalogEvents()
+{
+    QObject::disconnect(mDestroyed);
+}
+
+void CatalogEvents::clearHost()
+{
+    const ThreadLockGuard<ThreadMutex> lock(mMutex);
+    mHost = nullptr;
+}
+
+void CatalogEvents::post(Slot slot, QGenericArgument argument)
+{
+    const ThreadLockGuard<ThreadMutex> lock(mMutex);
+    if (mHost && mSlots[slot].isValid())
+        mSlots[slot].invoke(mHost, Qt::QueuedConnection, argument);
+}
+
+void CatalogEvents::setText(const std::string& text)
+{
+    post(SetText, Q_ARG(std::string, text));
+}
+
+void CatalogEvents::setUnits(const std::string& unit)
+{
+    post(SetUnits, Q_ARG(std::string, unit));
+}
+
+void CatalogEvents::setRangeInGauge(std::uint64_t range)
+{
+    const std::size_t number = gaugeNumber(range);
+    post(SetRange, Q_ARG(size_t, number));
+}
+
+void CatalogEvents::setValueInGauge(std::uint64_t value)
+{
+    const std::size_t number = gaugeNumber(value);
+    post(SetValue, Q_ARG(size_t, number));
+}
+
+void CatalogEvents::updateInGauge()
+{
+    post(UpdateGauge);
+}
+
+void CatalogEvents::catalogUpdated(const FileStringPair& destinationAndNewFile)
+{
+    post(CatalogUpdated, Q_ARG(FileStringPair, destinationAndNewFile));
+}
+
+void CatalogEvents::closeCatalogUpdate(const UpdateData& data)
+{
+    post(CloseUpdate, Q_ARG(LibraryCatalogUpdate::UpdateData, data));
+}
+
+void CatalogEvents::close()
+{
+    post(Close);
+}
+
+} // namespace LibraryCatalogUpdate

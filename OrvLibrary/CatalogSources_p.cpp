@@ -1,0 +1,105 @@
+#include "OrvLibrary/CatalogSources_p.h"
+
+#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/IO/ErrorLog.h"
+#include "OrvLibrary/host/NullPointerRaiser.h"
+#include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/StringUtils.h"
+#include "OrvLibrary/host/WebUtils.h"
+
+namespace LibraryCatalogUpdate {
+
+namespace {
+
+const char kApplicationPointer[] = "gApp";
+
+/// The name that the web service knows a file by. Bonus and manufacturer catalogs are installed unpacked, but
+/// always fetched as the packed archive.
+std::string libraryValue(const fileString& file, Library::LibraryCategory category)
+{
+    const bool isPacked = category == Library::kBonusLibrary || category == Library::kManufacturerLibrary;
+    const fileString name = isPacked ? file.stem() + fileString(".orvlibz") : file.stemWithExtension();
+    return name.unicodeString().toUTF8String();
+}
+
+void resolveApiEndpoint()
+{
+    if (kApiEndpoint.empty())
+        kApiEndpoint = WebUtils::getUrlAfterRedirects(kContentRedirect);
+    if (kApiEndpoint.empty())
+        Library::ErrorLog() << "Unable to determine api endpoint\n";
+}
+
+} // namespace
+
+Application& hostApplication()
+{
+    Application* const application = gApp;
+    if (!application)
+        NullPointerRaiser::Throw(kApplicationPointer, __FILE__, __LINE__);
+    return *application;
+}
+
+std::string reasonOfException()
+try {
+    throw;
+} catch (const NullPointerError& error) {
+    if (error.pointerName() == kApplicationPointer)
+        throw;
+    return error.what();
+} catch (const std::exception& error) {
+    return error.what();
+} catch (...) {
+    return "Unknown error";
+}
+
+fileString getDirectoryPathFromCategory(Library::LibraryCategory category)
+{
+    const PathUtils& paths = PathUtils::getObject();
+    switch (category) {
+    case Library::kCoreLibrary:
+        return paths.getCoreLibraryDatabasePath();
+    case Library::kManufacturerLibrary:
+        return paths.getManufacturerLibraryPath();
+    case Library::kBonusLibrary:
+        return paths.getBonusLibraryDatabasePath();
+    }
+    return {};
+}
+
+fileString getTempDirectoryPathFromCategory(Library::LibraryCategory category)
+{
+    const Application& application = hostApplication();
+    const fileString tempFolder = PathUtils::getObject().getTempPath();
+    const fileString kind = getDirectoryPathFromCategory(category).parentPath().stem();
+    return tempFolder / (fileString(application.name() + xl8(".downloads.")) + kind);
+}
+
+fileString catalogFolder(const fileString& name, const fileString& folder)
+{
+    const bool isReferencedArchive = name.extension() == fileString(".zip");
+    return isReferencedArchive ? PathUtils::getObject().getProprietaryLibraryReferencedFilesPath() : folder;
+}
+
+std::string sourceUrl(const fileString& file, Library::LibraryCategory category, const std::string& product,
+                      const std::string& version)
+{
+    const std::string library = libraryValue(file, category);
+    resolveApiEndpoint();
+    if (kApiEndpoint.empty())
+        return {};
+    // Deliberate: the values are inserted as they are. The service escapes nothing either, and the transport
+    // encodes what HTTP cannot carry.
+    return kApiEndpoint + "&library=" + library + "&product=" + product + "&version=" + version;
+}
+
+void generate_url_and_headers(std::string& url, std::vector<std::string>& headers, const fileString& file,
+                              const CatalogUpdateData& record, const std::string& product,
+                              const std::string& version)
+{
+    // Deliberate: sent with an empty tag as well.
+    headers.push_back("If-None-Match: \"" + record.localHash + "\"");
+    url = sourceUrl(file, record.category, product, version);
+}
+
+} // namespace LibraryCatalogUpdate

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "OrvLibrary/CatalogUpdateData.h"
+#include "OrvLibrary/host/Application.h"
+
+/// Where the catalogs of a category come from and go to. All run on the thread of the update.
+namespace LibraryCatalogUpdate {
+
+/// The host's application object.
+/// @throws NullPointerError named "gApp" when there is none
+Application& hostApplication();
+
+/// To be called while an exception is handled: why it was thrown. The error of a missing application object,
+/// the one that ends a run, is thrown on instead.
+std::string reasonOfException();
+
+/// Folder of a category's installed catalogs, with its final separator; empty for no category.
+fileString getDirectoryPathFromCategory(Library::LibraryCategory category);
+
+/// Folder that a category's downloads are put into first, without a final separator. It need not exist, and
+/// holds nothing that is worth keeping between runs.
+/// @throws NullPointerError when there is no application object
+fileString getTempDirectoryPathFromCategory(Library::LibraryCategory category);
+
+/// Folder in which a file of that name is kept: `folder`, or for a ".zip" archive the folder of the
+/// referenced files. With its final separator.
+fileString catalogFolder(const fileString& name, const fileString& folder);
+
+/// Query address of a file at the web service. Empty when the service cannot be found, which is written to
+/// the error log at every call.
+std::string sourceUrl(const fileString& file, Library::LibraryCategory category, const std::string& product,
+                      const std::string& version);
+
+/// Builds the conditional request for a catalog: `url` is replaced, the header line is appended to `headers`.
+void generate_url_and_headers(std::string& url, std::vector<std::string>& headers, const fileString& file,
+                              const CatalogUpdateData& record, const std::string& product,
+                              const std::string& version);
+
+} // namespace LibraryCatalogUpdate

@@ -1,0 +1,121 @@
+// The update check: what the web service says of each catalog, and how much there is to download.
+#include "OrvLibrary/LibraryCatalogUpdater.h"
+
+#include <locale>
+#include <sstream>
+#include <vector>
+
+#include "OrvLibrary/CatalogEvents_p.h"
+#include "OrvLibrary/CatalogSources_p.h"
+#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/host/Curl.h"
+#include "OrvLibrary/host/StringUtils.h"
+#include "OrvLibrary/host/WebUtils.h"
+
+namespace LibraryCatalogUpdate {
+
+namespace {
+
+constexpr int kTextChecking = 8727;
+constexpr int kTextKilobytes = 8745;
+constexpr std::int64_t kHttpForbidden = 403;
+constexpr std::int64_t kHttpNotFound = 404;
+constexpr std::uint64_t kBytesPerKilobyte = 1000;
+
+/// What stands between the first and the last double quote; the whole text without quotes.
+std::string unquotedTag(const std::string& value)
+{
+    const std::size_t opening = value.find('"');
+    std::string tag = opening == std::string::npos ? value : value.substr(opening + 1);
+    const std::size_t closing = tag.rfind('"');
+    // Deliberate: a closing quote at the very start stays, so the tag of two quotes alone is one quote.
+    if (closing != std::string::npos && closing >= 1)
+        tag.resize(closing);
+    return tag;
+}
+
+/// A text that is no number leaves what stream extraction leaves.
+void readContentLength(const std::string& value, std::uint64_t& length)
+{
+    std::istringstream stream(value);
+    stream.imbue(std::locale::classic());
+    stream >> length;
+}
+
+} // namespace
+
+// Deliberate: no look at the cancel flag here. Every record gets its answer, so that the hash files of a
+// cancelled run are whole.
+void LibraryCatalogUpdater::checkForUpdates()
+{
+    mHostObject->setRangeInGauge(mCatalogs.size());
+    const std::string prefix = hostText(kTextChecking);
+    for (auto& [name, record] : mCatalogs) {
+        checkForUpdate(name, record, prefix);
+        mHostObject->updateInGauge();
+    }
+}
+
+void LibraryCatalogUpdater::checkForUpdate(const fileString& name, CatalogUpdateData& record,
+                                           const std::string& prefix)
+try {
+    mHostObject->setText(prefix + StringUtils::toWin1252(name.unicodeString()));
+    std::string url;
+    std::vector<std::string> headers;
+    generate_url_and_headers(url, headers, name, record, mProduct, mVersion);
+    std::string headerText;
+    std::int64_t status = 0;
+    if (url.empty() || !Curl::get().getURLHeader(url, headers, headerText, status)) {
+        mHadError = true;
+        return;
+    }
+    readAnswer(headerText, status, record);
+    if (status == kHttpForbidden || status == kHttpNotFound)
+        fetchErrorPage(name, record);
+} catch (...) {
+    noteException("Unable to check:  ", name);
+}
+
+void LibraryCatalogUpdater::readAnswer(const std::string& headerText, std::int64_t status,
+                                       CatalogUpdateData& record)
+{
+    WebUtils::HeaderMap headers;
+    WebUtils::parseReturnHeader(headerText, headers);
+    record.responseStatus = status;
+    const auto length = headers.find("Content-Length");
+    if (length != headers.end() && !length->second.empty())
+        readContentLength(length->second.back(), record.contentLength);
+    const auto tag = headers.find("ETag");
+    if (tag != headers.end())
+        record.serverETag = tag->second.empty() ? std::string() : unquotedTag(tag->second.back());
+}
+
+void LibraryCatalogUpdater::fetchErrorPage(const fileString& name, CatalogUpdateData& record)
+{
+    std::string url;
+    std::vector<std::string> headers;
+    generate_url_and_headers(url, headers, name, record, mProduct, mVersion);
+    std::string page;
+    // The page of an error counts as failed, and is what is wanted here.
+    if (!url.empty())
+        Curl::get().browseURL(url, headers, page, true, 0);
+    record.errorText = page;
+}
+
+void LibraryCatalogUpdater::updateTotalDownloadSize()
+{
+    if (isDownloadKilled())
+        return;
+    kbytes_to_read = 0;
+    for (const auto& [name, record] : mCatalogs) {
+        // Deliberate: whole kilobytes of each file, so that one below 1000 bytes counts for nothing.
+        if (record.needsUpdate())
+            kbytes_to_read = addSaturating(kbytes_to_read, record.contentLength / kBytesPerKilobyte);
+    }
+    if (kbytes_to_read == 0)
+        return;
+    mHostObject->setRangeInGauge(kbytes_to_read);
+    mHostObject->setUnits(hostText(kTextKilobytes));
+}
+
+} // namespace LibraryCatalogUpdate

@@ -1,0 +1,114 @@
+// Gathering: which catalogs there are, and the tag of the installed copy of each.
+#include "OrvLibrary/LibraryCatalogUpdater.h"
+
+#include <sstream>
+
+#include "OrvLibrary/CatalogEvents_p.h"
+#include "OrvLibrary/CatalogHashFile_p.h"
+#include "OrvLibrary/CatalogSources_p.h"
+#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/IO/ErrorLog.h"
+#include "OrvLibrary/host/Application.h"
+#include "OrvLibrary/host/Curl.h"
+#include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/PreferenceEngine.h"
+#include "OrvLibrary/host/SHA1.h"
+#include "OrvLibrary/host/StringUtils.h"
+
+namespace LibraryCatalogUpdate {
+
+namespace {
+
+constexpr int kTextGathering = 8717;
+constexpr int kTextGatheringCatalog = 8723;
+
+bool isCatalogName(const fileString& name)
+{
+    const std::string extension = name.extension().toNativeString();
+    return extension == ".orvlib" || extension == ".orvlibz" || extension == ".zip";
+}
+
+/// Adds the files that the core content index names. Stray text is passed over.
+void addIndexEntries(const std::string& index, std::set<fileString>& coreFiles)
+{
+    const fileString coreFolder = PathUtils::getObject().getCoreLibraryDatabasePath();
+    std::istringstream lines(index);
+    for (std::string line; std::getline(lines, line);) {
+        const fileString name(StringUtils::removeAllOf(line, "\r"));
+        if (!name.empty() && isCatalogName(name))
+            coreFiles.insert(catalogFolder(name, coreFolder) + name);
+    }
+}
+
+} // namespace
+
+bool LibraryCatalogUpdater::isCoreExcluded()
+try {
+    return PreferenceEngine::getThePrefs().getPrefAs<bool>(PrefId::kExcludeCoreContent);
+} catch (...) {
+    noteException("Unable to read a preference");
+    return false;
+}
+
+void LibraryCatalogUpdater::gatherCoreCatalogs(std::set<fileString>& coreFiles)
+{
+    std::string url;
+    try {
+        std::string index;
+        url = sourceUrl(hostApplication().contentIndexName(), Library::kCoreLibrary, mProduct, mVersion);
+        if (!url.empty() && Curl::get().browseURL(url, {}, index, true, 0)) {
+            addIndexEntries(index, coreFiles);
+            return;
+        }
+    } catch (...) {
+        reasonOfException(); // Only lets the missing application object through.
+    }
+    mHadError = true;
+    Library::ErrorLog() << "Failed to Download Core Library Index File:  " << url << "\n";
+}
+
+void LibraryCatalogUpdater::gatherLibraryCatalogs(const std::set<fileString>& files,
+                                                  Library::LibraryCategory category)
+{
+    if (isDownloadKilled() || files.empty())
+        return;
+    mHostObject->setText(hostText(kTextGathering));
+    loadHashFile(category);
+    mHostObject->setRangeInGauge(files.size());
+    const std::string prefix = hostText(kTextGatheringCatalog);
+    for (const fileString& file : files) {
+        if (isDownloadKilled())
+            break;
+        gatherCatalog(file, category, prefix);
+        mHostObject->updateInGauge();
+    }
+}
+
+void LibraryCatalogUpdater::loadHashFile(Library::LibraryCategory category)
+try {
+    readCatalogHashMap(mCatalogs, category);
+} catch (...) {
+    noteException("Unable to read a hash file");
+}
+
+void LibraryCatalogUpdater::gatherCatalog(const fileString& file, Library::LibraryCategory category,
+                                          const std::string& prefix)
+try {
+    const fileString name = file.stemWithExtension();
+    // Deliberate: the name is Windows-1252 behind a translated prefix.
+    mHostObject->setText(prefix + StringUtils::toWin1252(name.unicodeString()));
+    const auto known = mCatalogs.find(name);
+    if (known != mCatalogs.end()) {
+        known->second.category = category;
+        return;
+    }
+    CatalogUpdateData record;
+    record.category = category;
+    // A file that is not there yet has no hash, so that the web service answers with all of it.
+    record.localHash = SHA1::fileContentsToSHA1Hex(file);
+    mCatalogs.emplace(name, record);
+} catch (...) {
+    noteException("Unable to gather:  ", file);
+}
+
+} // namespace LibraryCatalogUpdate

@@ -1,0 +1,242 @@
+// Download and installation of the catalogs that changed.
+#include "OrvLibrary/LibraryCatalogUpdater.h"
+
+#include <memory>
+#include <stdexcept>
+#include <vector>
+
+#include "OrvLibrary/CatalogDownload_p.h"
+#include "OrvLibrary/CatalogEvents_p.h"
+#include "OrvLibrary/CatalogSources_p.h"
+#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/IO/ErrorLog.h"
+#include "OrvLibrary/IO/LibraryImport.h"
+#include "OrvLibrary/host/Curl.h"
+#include "OrvLibrary/host/FileSearch.h"
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/StringUtils.h"
+
+namespace LibraryCatalogUpdate {
+
+namespace {
+
+constexpr int kTextDownloading = 8709;
+/// `FileUtils::removePath` also removes what is read-only.
+constexpr int kRemoveReadOnly = 1;
+
+/// What a download holds; empty paths where it holds none.
+struct NewFiles
+{
+    fileString catalog;
+    fileString referenced;
+};
+
+NewFiles unpackArchive(const fileString& archive)
+{
+    const auto [library, referenced] = LibraryImport::unpack(archive, false, nullptr);
+    FileUtils::removePath(archive, kRemoveReadOnly);
+    NewFiles files;
+    if (library.first)
+        files.catalog = library.second;
+    if (referenced.first)
+        files.referenced = referenced.second;
+    return files;
+}
+
+void removeTemporaryFile(const fileString& file)
+{
+    if (file.pathExists())
+        FileUtils::removePath(file, kRemoveReadOnly);
+}
+
+} // namespace
+
+void LibraryCatalogUpdater::updateCatalogs()
+{
+    updateTotalDownloadSize();
+    if (kApiEndpoint.empty())
+        mMessageCode = kMessageNoEndpoint;
+    // Deliberate: when all that changed is smaller than a kilobyte, nothing is downloaded in this run.
+    if (kbytes_to_read == 0)
+        return;
+    // Deliberate: set to 0 here and by a good download only. After a stall, the next transfer ends at its
+    // first silent call.
+    diff_zero_count = 0;
+    total_kbytes_read = 0;
+    file_kbytes_read = 0;
+    if (isDownloadKilled())
+        return;
+    const std::string prefix = hostText(kTextDownloading);
+    Library::ErrorLog log;
+    for (auto& [catalogFile, record] : mCatalogs) {
+        if (record.needsUpdate() && !updateCatalog(catalogFile, record, prefix, log))
+            break;
+    }
+}
+
+/// @return false when the loop ends here; a failed download does not end it
+bool LibraryCatalogUpdater::updateCatalog(const fileString& catalogFile, CatalogUpdateData& record,
+                                          const std::string& prefix, Library::ErrorLog& log)
+{
+    fileString temporaryFile;
+    std::string reason;
+    bool downloaded = false;
+    try {
+        temporaryFile = prepareDownload(catalogFile, record, prefix);
+        downloaded = downloadCatalog(catalogFile, record, temporaryFile, reason);
+    } catch (...) {
+        reason = reasonOfException();
+    }
+    if (!downloaded) {
+        noteFailedDownload(catalogFile, temporaryFile, reason, log);
+        return true;
+    }
+    diff_zero_count = 0;
+    return installCatalog(temporaryFile, record, catalogFile);
+}
+
+/// @return the path that the catalog is downloaded to
+fileString LibraryCatalogUpdater::prepareDownload(const fileString& catalogFile,
+                                                  const CatalogUpdateData& record, const std::string& prefix)
+{
+    const fileString stem = catalogFile.stem();
+    const fileString folder = getTempDirectoryPathFromCategory(record.category);
+    FileUtils::createDirectoriesWithPerm(folder, false);
+    mHostObject->setText(prefix + StringUtils::toWin1252(stem.unicodeString()));
+    total_kbytes_read = addSaturating(total_kbytes_read, file_kbytes_read);
+    file_kbytes_read = 0;
+    return folder / stem + fileString(".download");
+}
+
+bool LibraryCatalogUpdater::downloadCatalog(const fileString& catalogFile, const CatalogUpdateData& record,
+                                            const fileString& temporaryFile, std::string& reason)
+{
+    std::string url;
+    std::vector<std::string> headers;
+    generate_url_and_headers(url, headers, catalogFile, record, mProduct, mVersion);
+    if (url.empty()) {
+        reason = "No API endpoint found.";
+        return false;
+    }
+    CatalogDownload context;
+    context.events = mHostObject.get();
+    int errorNumber = 0;
+    if (Curl::get().download_to_location(url, temporaryFile, headers, &context, download_progress_callback,
+                                         reason, errorNumber))
+        return true;
+    if (errorNumber == Curl::kAbortedByCallback)
+        mMessageCode = kMessageDownloadCancelled;
+    return false;
+}
+
+void LibraryCatalogUpdater::noteFailedDownload(const fileString& catalogFile, const fileString& temporaryFile,
+                                               const std::string& reason, Library::ErrorLog& log)
+{
+    mHadError = true;
+    log << "Failed To Download File:  " << catalogFile.stem() << "   Reason:  " << reason << "\n";
+    removeTemporaryFile(temporaryFile);
+}
+
+/// Installs a download; an archive that is not sound throws, which counts as any failed installation.
+bool LibraryCatalogUpdater::installCatalog(const fileString& downloadedFile, CatalogUpdateData& record,
+                                           const fileString& catalogFile)
+{
+    try {
+        if (fileDownloaded(downloadedFile, record, catalogFile))
+            return true;
+    } catch (...) {
+        reasonOfException(); // Only lets the missing application object through.
+        Library::ErrorLog() << "Unable to install:  " << catalogFile << "\n";
+        removeTemporaryFile(downloadedFile);
+    }
+    mHadError = true;
+    return false;
+}
+
+bool LibraryCatalogUpdater::fileDownloaded(const fileString& downloadedFile, CatalogUpdateData& record,
+                                           const fileString& catalogFile)
+{
+    Library::ErrorLog log;
+    if (FileUtils::fileSize(downloadedFile) < 1) {
+        FileUtils::removePath(downloadedFile, kRemoveReadOnly);
+        log << "Empty Download File:  " << downloadedFile << "\n";
+        return false;
+    }
+    NewFiles files;
+    if (record.category == Library::kBonusLibrary || record.category == Library::kManufacturerLibrary) {
+        files = unpackArchive(downloadedFile);
+    } else {
+        const std::string extension = catalogFile.extension().toNativeString();
+        const fileString renamedFile = downloadedFile.pathAndName() + fileString(extension);
+        if (!renameCoreFile(downloadedFile, renamedFile, log))
+            return false;
+        if (extension != ".orvlib" && extension != ".zip") {
+            log << "Unsupported file extension:  " << catalogFile << "\n";
+            return false;
+        }
+        (extension == ".zip" ? files.referenced : files.catalog) = renamedFile;
+    }
+    if (files.catalog.pathExists())
+        handOverCatalog(files.catalog, record, catalogFile, log);
+    if (files.referenced.pathExists() && !installReferencedFile(files.referenced, log))
+        return false;
+    record.installed = true;
+    return true;
+}
+
+bool LibraryCatalogUpdater::renameCoreFile(const fileString& downloadedFile, const fileString& renamedFile,
+                                           Library::ErrorLog& log)
+{
+    if (FileUtils::isPathWriteLocked(downloadedFile))
+        log << "Download destination file was locked or not writeable:  " << downloadedFile << "\n";
+    else if (FileUtils::isPathWriteLocked(renamedFile))
+        log << "Download final destination file was locked or not writeable:  " << renamedFile << "\n";
+    else if (!FileUtils::renameFile(downloadedFile, renamedFile))
+        log << "Unable to rename catalog update file:  " << downloadedFile << "\n";
+    else
+        return true;
+    mMessageCode = kMessageInstallationFailed;
+    return false;
+}
+
+/// The destination lies directly in the category's folder, whatever the record's key says.
+void LibraryCatalogUpdater::handOverCatalog(const fileString& newFile, const CatalogUpdateData& record,
+                                            const fileString& catalogFile, Library::ErrorLog& log)
+{
+    const fileString destination =
+        getDirectoryPathFromCategory(record.category) / catalogFile.stemWithExtension();
+    // Before the host hears of the file: it may move it at once.
+    setFilePermissionIfNotThrow(log, newFile);
+    mHostObject->catalogUpdated({destination, newFile});
+    mCatalogInstalled = true;
+    mUpdatedCatalogs.insert(StringUtils::toWin1252(newFile.stem().unicodeString()));
+}
+
+bool LibraryCatalogUpdater::installReferencedFile(const fileString& newFile, Library::ErrorLog& log)
+{
+    const fileString folder = PathUtils::getObject().getProprietaryLibraryReferencedFilesPath();
+    const fileString installedFile = folder + newFile.stemWithExtension();
+    if (!FileUtils::moveFile(newFile, installedFile, false)) {
+        log << "Unable to copy referenced file:  " << newFile << "\n";
+        return false;
+    }
+    mCatalogInstalled = true;
+    setFilePermissionIfNotThrow(log, installedFile);
+    mUpdatedCatalogs.insert(StringUtils::toWin1252(installedFile.stem().unicodeString()));
+    FileSearch::get().resetFileSearch(folder);
+    return true;
+}
+
+void LibraryCatalogUpdater::setFilePermissionIfNotThrow(Library::ErrorLog& log, const fileString& file)
+try {
+    FileUtils::setFilePermission(file);
+} catch (const std::runtime_error&) {
+    // Deliberate: the fixed text instead of the error's own.
+    log << "Error setting file permissions: "
+        << "Unknown error"
+        << "\n";
+    mHadError = true;
+}
+
+} // namespace LibraryCatalogUpdate

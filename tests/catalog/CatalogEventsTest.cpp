@@ -1,0 +1,166 @@
+#include "OrvLibrary/CatalogEvents_p.h"
+
+#include <atomic>
+#include <limits>
+#include <thread>
+
+#include <QCoreApplication>
+#include <QMetaType>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/support/SlotRecorder.h"
+
+using LibraryCatalogUpdate::CatalogEvents;
+using LibraryCatalogUpdate::UpdateData;
+using test::SlotRecorder;
+using testing::ElementsAre;
+
+namespace {
+
+/// A host with two of the slots, which know nothing of the library's types.
+class SmallHost : public QObject
+{
+    Q_OBJECT
+
+public:
+    int updates = 0;
+    int closes = 0;
+
+public Q_SLOTS:
+    void onUpdateInGauge() { ++updates; }
+    void onClose() { ++closes; }
+};
+
+void sendEverything(CatalogEvents& events)
+{
+    UpdateData data;
+    data.result = 2;
+    data.updatedCatalogs = {"Doors"};
+    events.setText("text");
+    events.setUnits("KB");
+    events.setRangeInGauge(12);
+    events.setValueInGauge(7);
+    events.updateInGauge();
+    events.catalogUpdated({fileString("/to"), fileString("/from")});
+    events.closeCatalogUpdate(data);
+    events.close();
+}
+
+} // namespace
+
+TEST(CatalogEvents, everySlotIsInvokedWithItsArgumentInOrder)
+{
+    SlotRecorder host;
+    host.swapsIn = false;
+    sendEverything(*CatalogEvents::watch(host));
+    QCoreApplication::sendPostedEvents(&host);
+    EXPECT_THAT(host.texts(),
+                ElementsAre("onSetText(text)", "onSetUnits(KB)", "onSetRangeInGauge(12)",
+                            "onSetValueInGauge(7)", "onUpdateInGauge()", "onCatalogUpdatedEvent(/to, /from)",
+                            "closeCatalogUpdateEvent(2, 0x10369189, [Doors])", "onClose()"));
+}
+
+TEST(CatalogEvents, nothingRunsBeforeTheEventLoopDoes)
+{
+    SlotRecorder host;
+    sendEverything(*CatalogEvents::watch(host));
+    EXPECT_TRUE(host.events().empty());
+}
+
+TEST(CatalogEvents, slotsThatTheHostLacksArePassedOver)
+{
+    SmallHost host;
+    sendEverything(*CatalogEvents::watch(host));
+    QCoreApplication::sendPostedEvents(&host);
+    EXPECT_EQ(host.updates, 1);
+    EXPECT_EQ(host.closes, 1);
+}
+
+TEST(CatalogEvents, theGaugeIsNeverToldMoreThanTheLargestInt)
+{
+    SlotRecorder host;
+    const auto events = CatalogEvents::watch(host);
+    constexpr std::uint64_t kLargest = std::numeric_limits<int>::max();
+    for (const std::uint64_t number : {kLargest - 1, kLargest, kLargest + 1, ~std::uint64_t(0)}) {
+        events->setRangeInGauge(number);
+        events->setValueInGauge(number);
+    }
+    QCoreApplication::sendPostedEvents(&host);
+    EXPECT_THAT(host.argumentsOf("onSetRangeInGauge"),
+                ElementsAre("2147483646", "2147483647", "2147483647", "2147483647"));
+    EXPECT_EQ(host.argumentsOf("onSetRangeInGauge"), host.argumentsOf("onSetValueInGauge"));
+}
+
+TEST(CatalogEvents, textsKeepEveryByte)
+{
+    SlotRecorder host;
+    const std::string text("a\0\xfc\xff%1", 6);
+    CatalogEvents::watch(host)->setText(text);
+    QCoreApplication::sendPostedEvents(&host);
+    EXPECT_THAT(host.argumentsOf("onSetText"), ElementsAre(text));
+}
+
+TEST(CatalogEvents, aDestroyedHostIsToldNothing)
+{
+    auto host = std::make_unique<SlotRecorder>();
+    const auto events = CatalogEvents::watch(*host);
+    host.reset();
+    sendEverything(*events);
+    QCoreApplication::sendPostedEvents();
+}
+
+TEST(CatalogEvents, theHostMayOutliveTheEvents)
+{
+    SmallHost host;
+    CatalogEvents::watch(host).reset();
+    QCoreApplication::sendPostedEvents(&host);
+    EXPECT_EQ(host.updates, 0);
+}
+
+TEST(CatalogEvents, theTypesAreKnownByTheirNames)
+{
+    SlotRecorder host;
+    CatalogEvents::watch(host);
+    for (const char* name :
+         {"std::string", "size_t", "fileString", "FileStringPair", "LibraryCatalogUpdate::UpdateData"})
+        EXPECT_NE(QMetaType::type(name), QMetaType::UnknownType) << name;
+}
+
+// Each round destroys the host at another moment of the stream of invocations. Under the thread sanitizer,
+// and as a crash without it, this finds a check of the pointer that is not one with its use.
+TEST(CatalogEvents, theHostMayDieWhileAnotherThreadSends)
+{
+    for (int round = 0; round < 500; ++round) {
+        auto host = std::make_unique<SmallHost>();
+        const auto events = CatalogEvents::watch(*host);
+        std::atomic<int> sent{0};
+        std::thread sender([&] {
+            for (; sent < 200; ++sent)
+                events->updateInGauge();
+        });
+        while (sent < round % 150)
+            std::this_thread::yield();
+        host.reset();
+        sender.join();
+    }
+}
+
+TEST(CatalogEvents, theLastCopyMayGoWhileTheHostDies)
+{
+    for (int round = 0; round < 500; ++round) {
+        auto host = std::make_unique<SmallHost>();
+        auto events = CatalogEvents::watch(*host);
+        std::atomic<bool> go{false};
+        std::thread other([&go, last = std::move(events)]() mutable {
+            while (!go)
+                std::this_thread::yield();
+            last.reset();
+        });
+        go = true;
+        host.reset();
+        other.join();
+    }
+}
+
+#include "CatalogEventsTest.moc"
