@@ -2,7 +2,6 @@
 
 #include <string>
 
-#include "OrvLibrary/IO/LibraryImport.h"
 #include "apps/orv-library/Command.h"
 
 /// `import SOURCE [--proprietary]`: a packed library becomes one of the user's.
@@ -14,19 +13,7 @@ public:
     void declare(CommandSyntax& syntax) override;
 
 private:
-    /// Where the parts of the library are now; empty for what the archive did not hold.
-    struct Placed
-    {
-        fileString library;
-        fileString textures;
-    };
-
     ExitStatus run(Session& session) const;
-    Placed place(Session& session) const;
-    fileString libraryPath() const;
-    fileString placeTextures(const LibraryImport::FoundFile& referenced, const fileString& library,
-                             const std::shared_ptr<ProgressSubject>& progress) const;
-    static fileString placeDatabase(const LibraryImport::FoundFile& database, const fileString& library);
 
     std::string mSource;
     bool mProprietary = false;

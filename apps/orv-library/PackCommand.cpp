@@ -6,7 +6,7 @@
 
 #include "OrvLibrary/host/FileUtils.h"
 #include "apps/common/ZipWriter.h"
-#include "apps/orv-library/LibrarySource.h"
+#include "apps/common/LibrarySource.h"
 #include "apps/orv-library/Session.h"
 
 namespace {

@@ -2,9 +2,9 @@
 
 #include <filesystem>
 
+#include "apps/common/LibrarySource.h"
 #include "apps/orv-library/ConsoleProgress.h"
 #include "apps/orv-library/Interrupt.h"
-#include "apps/orv-library/LibrarySource.h"
 #include "apps/orv-library/Session.h"
 
 namespace {
@@ -70,7 +70,7 @@ LibraryImport::UnpackResult UnpackCommand::unpackUninterrupted(Session& session)
     const auto progress = std::make_shared<ConsoleProgress>(reporter);
     try {
         return mBeside ? LibrarySource(mSource).unpackBeside(progress) : unpackInto(mOutputFolder, progress);
-    } catch (const CommandFailure&) {
+    } catch (const std::runtime_error&) {
         if (!Interrupt::requested())
             throw;
         return {};

@@ -20,7 +20,7 @@ private:
     FileReaper mReferencedGuard;
 };
 
-/// A packed library as the user names it: a local path or an address. Used by the main thread.
+/// A packed library as the user names it: a local path or an address. Used by one thread.
 class LibrarySource
 {
 public:
@@ -29,17 +29,19 @@ public:
     bool isAddress() const { return mIsAddress; }
     /// What the results are named after: the archive's name without folder and extension. Of an address, the
     /// name that it asks for.
+    /// @throws std::runtime_error when that is no name
     fileString stem() const;
-    /// Unpacks to the temporary folder.
-    /// @throws CommandFailure, naming the source and the reason
+    /// Unpacks to the temporary folder. A cancel during a download is a failure, one during the unpacking
+    /// gives nothing.
+    /// @throws std::runtime_error, naming the source and the reason
     std::unique_ptr<UnpackedFiles> unpack(const std::shared_ptr<ProgressSubject>& progress) const;
     /// Unpacks beside the archive, which is a local path.
-    /// @throws CommandFailure, naming the source and the reason
+    /// @throws std::runtime_error, naming the source and the reason
     LibraryImport::UnpackResult unpackBeside(const std::shared_ptr<ProgressSubject>& progress) const;
 
 private:
     std::string nameInAddress() const;
-    fileString download() const;
+    fileString download(std::shared_ptr<ProgressSubject> progress) const;
     void requireFile() const;
     LibraryImport::UnpackResult unpackFile(const fileString& archive, bool temporary,
                                            const std::shared_ptr<ProgressSubject>& progress) const;
@@ -50,7 +52,7 @@ private:
 };
 
 /// Moves a file over whatever file has that name.
-/// @throws CommandFailure
+/// @throws std::runtime_error
 void moveOver(const fileString& from, const fileString& to);
 
 /// The path from the root of the file system, without "." and "..".

@@ -1,20 +1,20 @@
-#include "apps/orv-library/LibrarySource.h"
+#include "apps/common/LibrarySource.h"
 
 #include <filesystem>
+#include <stdexcept>
 
 #include <QByteArray>
 
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/StringUtils.h"
-#include "apps/orv-library/Command.h"
-#include "apps/orv-library/Interrupt.h"
 
 namespace {
 
-int stopOnInterrupt(void*, double, double, double, double)
+int stopOnCancel(void* context, double, double, double, double)
 {
-    return Interrupt::requested() ? 1 : 0;
+    const auto* progress = static_cast<const std::shared_ptr<ProgressSubject>*>(context);
+    return *progress && (*progress)->checkCancel(false) ? 1 : 0;
 }
 
 /// The value of "library=" in the query of a catalog address; empty when there is none.
@@ -47,7 +47,7 @@ fileString LibrarySource::stem() const
     const fileString stem = mIsAddress ? fileString(nameInAddress()).stem() : mText.stem();
     const std::string& text = stem.toNativeString();
     if (text.empty() || text == "." || text == ".." || text.find('\0') != std::string::npos)
-        throw CommandFailure(mText.toNativeString() + ": names no library");
+        throw std::runtime_error(mText.toNativeString() + ": names no library");
     return stem;
 }
 
@@ -63,21 +63,21 @@ std::string LibrarySource::nameInAddress() const
     return QByteArray::fromPercentEncoding(QByteArray::fromStdString(name)).toStdString();
 }
 
-fileString LibrarySource::download() const
+fileString LibrarySource::download(std::shared_ptr<ProgressSubject> progress) const
 {
     fileString target;
     target.generateAsTempName(".orvlibz");
     std::string reason;
     int error = 0;
-    if (!Curl::get().download_to_location(mUrl, target, {}, nullptr, stopOnInterrupt, reason, error))
-        throw CommandFailure(mText.toNativeString() + ": " + reason);
+    if (!Curl::get().download_to_location(mUrl, target, {}, &progress, stopOnCancel, reason, error))
+        throw std::runtime_error(mText.toNativeString() + ": " + reason);
     return target;
 }
 
 void LibrarySource::requireFile() const
 {
     if (!mText.pathExists())
-        throw CommandFailure(mText.toNativeString() + ": no such file");
+        throw std::runtime_error(mText.toNativeString() + ": no such file");
 }
 
 std::unique_ptr<UnpackedFiles> LibrarySource::unpack(const std::shared_ptr<ProgressSubject>& progress) const
@@ -86,7 +86,7 @@ std::unique_ptr<UnpackedFiles> LibrarySource::unpack(const std::shared_ptr<Progr
         requireFile();
         return std::make_unique<UnpackedFiles>(unpackFile(mText, true, progress));
     }
-    const fileString archive = download();
+    const fileString archive = download(progress);
     const FileReaper guard(archive);
     return std::make_unique<UnpackedFiles>(unpackFile(archive, true, progress));
 }
@@ -109,7 +109,7 @@ LibraryImport::UnpackResult LibrarySource::unpackFile(const fileString& archive,
         const std::string path = archive.toNativeString() + ": ";
         if (reason.compare(0, path.size(), path) == 0)
             reason.erase(0, path.size());
-        throw CommandFailure(mText.toNativeString() + ": " + reason);
+        throw std::runtime_error(mText.toNativeString() + ": " + reason);
     }
 }
 
@@ -117,9 +117,9 @@ void moveOver(const fileString& from, const fileString& to)
 {
     std::error_code error;
     if (std::filesystem::is_directory(to.toNativeString(), error))
-        throw CommandFailure(to.toNativeString() + ": is a folder");
+        throw std::runtime_error(to.toNativeString() + ": is a folder");
     if (!FileUtils::moveFile(from, to, false))
-        throw CommandFailure(to.toNativeString() + ": cannot be written");
+        throw std::runtime_error(to.toNativeString() + ": cannot be written");
 }
 
 fileString absolutePath(const fileString& path)

@@ -1,0 +1,58 @@
+#include "apps/common/ArchiveImport.h"
+
+#include <stdexcept>
+
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/PathUtils.h"
+#include "apps/common/LibrarySource.h"
+
+namespace {
+
+fileString libraryPath(const LibrarySource& source, bool isProprietary)
+{
+    const PathUtils& paths = PathUtils::getObject();
+    const fileString folder =
+        isProprietary ? paths.getManufacturerLibraryPath() : paths.getUserLibraryDatabasePath();
+    return folder + source.stem() + fileString(".orvlib");
+}
+
+fileString placeTextures(const LibraryImport::FoundFile& referenced, const fileString& library,
+                         bool isProprietary, const std::shared_ptr<ProgressSubject>& progress)
+{
+    if (!referenced.first)
+        return {};
+    const fileString textures = LibraryImport::getArchivedTexturePath(library, isProprietary);
+    if (!LibraryImport::moveArchivedTextures(referenced.second, textures, progress))
+        throw std::runtime_error(textures.toNativeString() + ": the textures cannot be put there");
+    return textures;
+}
+
+/// The former library is copied aside first, so that the name always stands for a whole library.
+fileString placeDatabase(const LibraryImport::FoundFile& database, const fileString& library)
+{
+    if (!database.first)
+        return {};
+    const fileString backup = library + fileString(".bak");
+    if (library.pathExists() && !FileUtils::copyFile(library, backup, true))
+        throw std::runtime_error(backup.toNativeString() + ": the former library cannot be kept there");
+    FileUtils::setFilePermission(database.second);
+    moveOver(database.second, library);
+    return library;
+}
+
+} // namespace
+
+namespace ArchiveImport {
+
+Result run(const std::string& source, bool isProprietary, const std::shared_ptr<ProgressSubject>& progress)
+{
+    const LibrarySource archive(source);
+    const fileString library = libraryPath(archive, isProprietary);
+    const std::unique_ptr<UnpackedFiles> files = archive.unpack(progress);
+    Result result;
+    result.textures = placeTextures(files->found.second, library, isProprietary, progress);
+    result.library = placeDatabase(files->found.first, library);
+    return result;
+}
+
+} // namespace ArchiveImport
