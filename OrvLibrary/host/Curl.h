@@ -83,6 +83,10 @@ public:
     /// environment says (`http_proxy`, `https_proxy`, `no_proxy`), which is what it does at first.
     static void setProxy(const std::string& proxy);
 
+    /// How many connections the default service opens at once for header requests that it sends ahead: 96 at
+    /// most, which is what it does at first, 1 at least. Counts from the next list on.
+    static void setConnectionLimit(int connections);
+
     static Curl& get();
     /// Makes `service` the one that `get` returns; null for the default. The pointer is not owned.
     /// @return the former one, null when it was the default

@@ -93,6 +93,7 @@ FaultServer::~FaultServer()
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         mStopping = true;
+        mChanged.notify_all();
     }
     ::close(mStopPipe[1]); // everyone who waits sees the other end
     mAcceptThread.join();
@@ -135,6 +136,20 @@ void FaultServer::delayConnections(std::chrono::milliseconds time)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     mConnectionDelay = time;
+}
+
+void FaultServer::limitWorkers(int count)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mIdleWorkers = count;
+}
+
+bool FaultServer::takeWorker()
+{
+    std::unique_lock<std::mutex> lock(mMutex);
+    mChanged.wait(lock, [this] { return mStopping || mIdleWorkers > 0; });
+    --mIdleWorkers;
+    return !mStopping;
 }
 
 void FaultServer::stopAccepting()
@@ -226,7 +241,7 @@ void FaultServer::serve(Connection& connection)
     bool withReset = false;
     std::string buffer;
     FaultRequest request;
-    bool stays = wait(connection.socket, delay);
+    bool stays = takeWorker() && wait(connection.socket, delay);
     while (stays && readRequest(connection, buffer, request)) {
         const FaultReply reply = replyTo(request);
         stays = send(connection.socket, reply, request.method);
@@ -244,6 +259,8 @@ void FaultServer::endConnection(Connection& connection, bool withReset)
     }
     ::close(connection.socket);
     connection.socket = -1;
+    ++mIdleWorkers;
+    mChanged.notify_all();
 }
 
 bool FaultServer::readRequest(Connection& connection, std::string& buffer, FaultRequest& request)

@@ -118,6 +118,8 @@ public:
 
     /// Waits so long after accepting a connection before it is read.
     void delayConnections(std::chrono::milliseconds time);
+    /// Serves only so many connections at a time, each until the client closes it; the others wait.
+    void limitWorkers(int count);
     /// Accepts no further connections: the system takes them, nobody reads.
     void stopAccepting();
     /// Closes the listening socket, so that connecting is refused. Open connections stay.
@@ -143,6 +145,8 @@ private:
 
     void acceptLoop();
     void serve(Connection& connection);
+    /// Waits for a worker; false when the server stops.
+    bool takeWorker();
     bool readRequest(Connection& connection, std::string& buffer, FaultRequest& request);
     FaultReply replyTo(const FaultRequest& request);
     /// Whether the connection stays.
@@ -164,6 +168,7 @@ private:
     bool mStopping = false;
     bool mAccepting = true;
     std::chrono::milliseconds mConnectionDelay{0};
+    int mIdleWorkers = 1000;
     std::map<std::string, std::vector<FaultReply>> mReplies;
     std::map<int, FaultReply> mNumbered;
     Handler mOtherwise;

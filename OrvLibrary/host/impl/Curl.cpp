@@ -32,6 +32,11 @@ void Curl::setProxy(const std::string& proxy)
     defaultCurlService().setProxy(proxy);
 }
 
+void Curl::setConnectionLimit(int connections)
+{
+    defaultCurlService().setConnectionLimit(connections);
+}
+
 Curl& Curl::get()
 {
     Curl* const service = installed;

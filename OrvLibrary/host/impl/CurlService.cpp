@@ -4,6 +4,7 @@
 #include <exception>
 #include <optional>
 
+#include "OrvLibrary/host/impl/HeaderPrefetch_p.h"
 #include "OrvLibrary/host/impl/HttpAddress_p.h"
 
 namespace {
@@ -57,6 +58,18 @@ void CurlService::setProxy(const std::string& proxy)
 {
     const std::lock_guard<std::mutex> lock(mSettingsMutex);
     mProxy = proxy;
+}
+
+void CurlService::setConnectionLimit(int connections)
+{
+    const std::lock_guard<std::mutex> lock(mSettingsMutex);
+    mConnectionLimit = std::clamp(connections, 1, kMostConnections);
+}
+
+int CurlService::connectionLimit()
+{
+    const std::lock_guard<std::mutex> lock(mSettingsMutex);
+    return mConnectionLimit;
 }
 
 HttpRequest CurlService::request(const std::string& url, const std::vector<std::string>& headerLines)
@@ -146,6 +159,28 @@ bool CurlService::getURLHeader(const std::string& url, const std::vector<std::st
         return true;
     } catch (const std::exception&) {
         return false;
+    }
+}
+
+void CurlService::prefetchHeaders(const std::vector<HeaderRequest>& requests)
+{
+    HttpConnections& connections = HttpConnections::ofThisThread();
+    // From within a progress function: the connections that would be needed are at work.
+    if (connections.busy())
+        return;
+    try {
+        std::vector<HttpRequest> list;
+        for (const HeaderRequest& header : requests) {
+            if (!HttpAddress::isWebAddress(header.url))
+                continue;
+            list.push_back(request(header.url, header.headerLines));
+            list.back().headerOnly = true;
+        }
+        connections.setPrefetch(
+            list.empty() ? nullptr
+                         : std::make_unique<HeaderPrefetch>(connections, mLimits, list, connectionLimit()));
+    } catch (const std::exception&) {
+        connections.setPrefetch(nullptr); // each is asked for when its turn comes
     }
 }
 

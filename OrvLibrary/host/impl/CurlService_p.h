@@ -24,13 +24,19 @@ public:
                       std::string& headerText, std::int64_t& status) override;
     bool browseURL(const std::string& url, const std::vector<std::string>& headerLines, std::string& body,
                    bool followRedirects, int timeoutSeconds) override;
+    void prefetchHeaders(const std::vector<HeaderRequest>& requests) override;
     std::string urlAfterRedirects(const std::string& url) override;
 
     void setProxy(const std::string& proxy);
+    /// Clamped to what is possible: from 1 to 96.
+    void setConnectionLimit(int connections);
     /// Opens every address that was closed for lack of answers.
     void forgetUnanswered() { mGuard.reset(); }
 
 private:
+    static constexpr int kMostConnections = 96;
+
+    int connectionLimit();
     HttpRequest request(const std::string& url, const std::vector<std::string>& headerLines);
     bool downloadFile(HttpConnections& connections, const HttpRequest& request, FileBody& body,
                       ProgressPacer& pacer, std::string& reason, int& errorNumber);
@@ -39,6 +45,7 @@ private:
     AddressGuard mGuard;
     std::mutex mSettingsMutex;
     std::string mProxy;
+    int mConnectionLimit = kMostConnections;
 };
 
 /// The one behind `Curl::get` when the host has installed none.

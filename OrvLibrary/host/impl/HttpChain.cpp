@@ -4,6 +4,7 @@
 #include <set>
 
 #include "OrvLibrary/host/WebUtils.h"
+#include "OrvLibrary/host/impl/HeaderPrefetch_p.h"
 #include "OrvLibrary/host/impl/HttpAddress_p.h"
 
 namespace {
@@ -89,12 +90,20 @@ HttpAnswer HttpChain::run(HttpRequest request, HttpBody& body, bool follow)
     }
 }
 
+bool HttpChain::takePrefetched(const HttpRequest& request, HttpAnswer& answer)
+{
+    const BrokenPipeBlock block;
+    return request.headerOnly && mConnections.prefetch() && mConnections.prefetch()->take(request, answer);
+}
+
 HttpAnswer HttpChain::send(const HttpRequest& request, HttpBody& body)
 {
     const std::string address = HttpAddress::hostAndPort(request.url);
     if (!mGuard.isOpen(address))
         return failure(CURLE_COULDNT_CONNECT, "no answer from " + address + " a moment ago");
-    HttpAnswer answer = mConnections.perform(request, body, mLimits, mDeadline);
+    HttpAnswer answer;
+    if (!takePrefetched(request, answer))
+        answer = mConnections.perform(request, body, mLimits, mDeadline);
     if (answer.answered)
         mGuard.answered(address);
     else if (answer.error != CURLE_ABORTED_BY_CALLBACK)

@@ -21,6 +21,7 @@ public:
     const std::string& finalUrl() const { return mUrl; }
 
 private:
+    bool takePrefetched(const HttpRequest& request, HttpAnswer& answer);
     HttpAnswer send(const HttpRequest& request, HttpBody& body);
 
     HttpConnections& mConnections;

@@ -1,16 +1,23 @@
 #include "OrvLibrary/host/impl/HttpConnections_p.h"
 
+#include <algorithm>
 #include <csignal>
 #include <ctime>
 #include <mutex>
 #include <new>
+
+#include "OrvLibrary/host/impl/HeaderPrefetch_p.h"
+#include "OrvLibrary/host/impl/HttpAddress_p.h"
 
 namespace {
 
 /// The longest sleep between two looks at a transfer, in milliseconds. The library sleeps up to 200 ms in
 /// places where data is already there; and the progress function must be called in time.
 constexpr int kLongestSleep = 10;
-constexpr std::size_t kIdleHandles = 4;
+constexpr std::size_t kIdleHandles = 100;
+/// Idle connections that are kept.
+constexpr long kKeptConnections = 100;
+constexpr std::size_t kLatencies = 3;
 
 void initialiseLibrary()
 {
@@ -18,36 +25,25 @@ void initialiseLibrary()
     std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
 }
 
-/// Keeps a write on a closed TLS connection from ending the process, without touching the host's handlers.
-class BrokenPipeBlock
-{
-public:
-    BrokenPipeBlock()
-    {
-        sigemptyset(&mSignals);
-        sigaddset(&mSignals, SIGPIPE);
-        sigset_t pending;
-        sigpending(&pending);
-        mWasPending = sigismember(&pending, SIGPIPE) == 1;
-        pthread_sigmask(SIG_BLOCK, &mSignals, &mFormer);
-    }
-    ~BrokenPipeBlock()
-    {
-        const timespec noWait{};
-        if (!mWasPending)
-            sigtimedwait(&mSignals, nullptr, &noWait);
-        pthread_sigmask(SIG_SETMASK, &mFormer, nullptr);
-    }
-    BrokenPipeBlock(const BrokenPipeBlock&) = delete;
-    BrokenPipeBlock& operator=(const BrokenPipeBlock&) = delete;
-
-private:
-    sigset_t mSignals;
-    sigset_t mFormer;
-    bool mWasPending = false;
-};
-
 } // namespace
+
+BrokenPipeBlock::BrokenPipeBlock()
+{
+    sigemptyset(&mSignals);
+    sigaddset(&mSignals, SIGPIPE);
+    sigset_t pending;
+    sigpending(&pending);
+    mWasPending = sigismember(&pending, SIGPIPE) == 1;
+    pthread_sigmask(SIG_BLOCK, &mSignals, &mFormer);
+}
+
+BrokenPipeBlock::~BrokenPipeBlock()
+{
+    const timespec noWait{};
+    if (!mWasPending)
+        sigtimedwait(&mSignals, nullptr, &noWait);
+    pthread_sigmask(SIG_SETMASK, &mFormer, nullptr);
+}
 
 HttpConnections::HttpConnections()
 {
@@ -55,13 +51,15 @@ HttpConnections::HttpConnections()
     mMulti = curl_multi_init();
     if (!mMulti)
         throw std::bad_alloc();
+    curl_multi_setopt(mMulti, CURLMOPT_MAXCONNECTS, kKeptConnections);
 }
 
 HttpConnections::~HttpConnections()
 {
+    const BrokenPipeBlock block; // closing a TLS connection writes to it
+    mPrefetch.reset();
     for (CURL* handle : mIdle)
         curl_easy_cleanup(handle);
-    const BrokenPipeBlock block; // closing a TLS connection writes to it
     curl_multi_cleanup(mMulti);
 }
 
@@ -94,8 +92,40 @@ void HttpConnections::release(CURL* handle)
     mIdle.push_back(handle);
 }
 
+void HttpConnections::setPrefetch(std::unique_ptr<HeaderPrefetch> prefetch)
+{
+    const BrokenPipeBlock block;
+    mPrefetch = std::move(prefetch);
+}
+
+std::chrono::microseconds HttpConnections::latency(const std::string& address) const
+{
+    const auto found = mLatencies.find(address);
+    if (found == mLatencies.end())
+        return std::chrono::microseconds(-1);
+    return *std::min_element(found->second.begin(), found->second.end());
+}
+
+void HttpConnections::noteLatency(const HttpTransfer& transfer)
+{
+    curl_off_t connected = 0;
+    curl_off_t sent = 0;
+    curl_off_t answered = 0;
+    char* url = nullptr;
+    curl_easy_getinfo(transfer.handle(), CURLINFO_CONNECT_TIME_T, &connected);
+    curl_easy_getinfo(transfer.handle(), CURLINFO_PRETRANSFER_TIME_T, &sent);
+    curl_easy_getinfo(transfer.handle(), CURLINFO_STARTTRANSFER_TIME_T, &answered);
+    if (curl_easy_getinfo(transfer.handle(), CURLINFO_EFFECTIVE_URL, &url) != CURLE_OK || !url)
+        return;
+    auto& times = mLatencies[HttpAddress::hostAndPort(url)];
+    // Over a link that delays what passes, connecting can be quick and the answer late.
+    times.emplace_back(std::max(connected, answered - sent));
+    if (times.size() > kLatencies)
+        times.pop_front();
+}
+
 HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, const HttpLimits& limits,
-                                    HttpLimits::Clock::time_point deadline)
+                                    TimePoint deadline)
 {
     const BrokenPipeBlock block;
     CURL* handle = acquire();
@@ -103,25 +133,48 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, 
     HttpTransfer transfer(handle, request, body, limits, deadline);
     run(transfer);
     mBusy = false;
+    if (transfer.isAnswered())
+        noteLatency(transfer);
     release(handle);
     return transfer.answer();
 }
 
 void HttpConnections::run(HttpTransfer& transfer)
 {
-    if (curl_multi_add_handle(mMulti, transfer.handle()) != CURLM_OK) {
-        transfer.finish(CURLE_OUT_OF_MEMORY);
-        return;
-    }
+    start(transfer);
     while (!transfer.finished()) {
-        int running = 0;
-        if (curl_multi_perform(mMulti, &running) != CURLM_OK)
+        if (!step())
             transfer.finish(CURLE_OUT_OF_MEMORY);
-        collectResults();
         if (!transfer.finished() && transfer.watch(HttpLimits::Clock::now()))
-            curl_multi_poll(mMulti, nullptr, 0, kLongestSleep, nullptr);
+            wait();
     }
+    stop(transfer);
+}
+
+void HttpConnections::start(HttpTransfer& transfer)
+{
+    if (curl_multi_add_handle(mMulti, transfer.handle()) != CURLM_OK)
+        transfer.finish(CURLE_OUT_OF_MEMORY);
+}
+
+void HttpConnections::stop(HttpTransfer& transfer)
+{
     curl_multi_remove_handle(mMulti, transfer.handle());
+}
+
+bool HttpConnections::step()
+{
+    int running = 0;
+    const bool isWell = curl_multi_perform(mMulti, &running) == CURLM_OK;
+    collectResults();
+    if (mPrefetch)
+        mPrefetch->advance();
+    return isWell;
+}
+
+void HttpConnections::wait()
+{
+    curl_multi_poll(mMulti, nullptr, 0, kLongestSleep, nullptr);
 }
 
 void HttpConnections::collectResults()

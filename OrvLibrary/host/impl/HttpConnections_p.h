@@ -1,16 +1,26 @@
 #pragma once
 
+#include <chrono>
+#include <csignal>
+#include <deque>
+#include <map>
+#include <memory>
+#include <string>
 #include <vector>
 
 #include <curl/curl.h>
 
 #include "OrvLibrary/host/impl/HttpTransfer_p.h"
 
+class HeaderPrefetch;
+
 /// The connections of one thread, kept open between requests, and the handles that are used over and over.
 /// Two threads never share one.
 class HttpConnections
 {
 public:
+    using TimePoint = HttpLimits::Clock::time_point;
+
     HttpConnections();
     ~HttpConnections();
     HttpConnections(const HttpConnections&) = delete;
@@ -26,15 +36,51 @@ public:
     /// Sends a request and waits for the end of its answer.
     /// @throws what the body throws
     HttpAnswer perform(const HttpRequest& request, HttpBody& body, const HttpLimits& limits,
-                       HttpLimits::Clock::time_point deadline);
+                       TimePoint deadline);
 
-private:
+    /// The header requests sent ahead; null when there are none.
+    HeaderPrefetch* prefetch() const { return mPrefetch.get(); }
+    void setPrefetch(std::unique_ptr<HeaderPrefetch> prefetch);
+
+    /// How long an address takes to answer when nothing else is asked of it: the shortest of the last few
+    /// times. Negative when it is not known.
+    std::chrono::microseconds latency(const std::string& address) const;
+    /// Notes the time of a transfer that has just been answered.
+    void noteLatency(const HttpTransfer& transfer);
+
+    /// The pieces of `perform`, for those who run several transfers.
     CURL* acquire();
     void release(CURL* handle);
+    void start(HttpTransfer& transfer);
+    void stop(HttpTransfer& transfer);
+    /// Moves every transfer on. False when the transfer library cannot, for lack of memory.
+    bool step();
+    /// Sleeps until there may be more to do.
+    void wait();
+
+private:
     void run(HttpTransfer& transfer);
     void collectResults();
 
     CURLM* mMulti;
     std::vector<CURL*> mIdle;
     bool mBusy = false;
+    std::unique_ptr<HeaderPrefetch> mPrefetch;
+    std::map<std::string, std::deque<std::chrono::microseconds>> mLatencies;
+};
+
+/// Keeps a write on a closed TLS connection from ending the process, without touching the host's handlers. To
+/// stand around everything that lets connections move.
+class BrokenPipeBlock
+{
+public:
+    BrokenPipeBlock();
+    ~BrokenPipeBlock();
+    BrokenPipeBlock(const BrokenPipeBlock&) = delete;
+    BrokenPipeBlock& operator=(const BrokenPipeBlock&) = delete;
+
+private:
+    sigset_t mSignals;
+    sigset_t mFormer;
+    bool mWasPending = false;
 };

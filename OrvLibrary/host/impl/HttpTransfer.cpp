@@ -47,6 +47,8 @@ void HttpTransfer::setOptions(const HttpRequest& request)
     curl_easy_setopt(mHandle, CURLOPT_BUFFERSIZE, request.headerOnly ? kHeaderReceiveBuffer : kReceiveBuffer);
     if (!request.proxy.empty())
         curl_easy_setopt(mHandle, CURLOPT_PROXY, request.proxy.c_str());
+    // Requests at the same time share a connection that can carry them.
+    curl_easy_setopt(mHandle, CURLOPT_PIPEWAIT, HttpAddress::scheme(request.url) == "https" ? 1L : 0L);
     if (request.headerOnly) {
         curl_easy_setopt(mHandle, CURLOPT_NOBODY, 1L);
         // A length that is no number is for the caller to read; there is no body to measure with it.
@@ -168,6 +170,6 @@ HttpAnswer HttpTransfer::answer() const
         answer.errorText = *mErrorText ? mErrorText : curl_easy_strerror(mError);
     answer.status = mStatus;
     answer.headerText = mHeader.text();
-    answer.answered = mHeaderBytes > 0;
+    answer.answered = isAnswered();
     return answer;
 }

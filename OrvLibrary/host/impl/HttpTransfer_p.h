@@ -57,6 +57,8 @@ public:
     /// The transfer library is done with the transfer.
     void finish(CURLcode result);
     bool finished() const { return mFinished; }
+    /// Whether the server said anything in HTTP yet.
+    bool isAnswered() const { return mHeaderBytes > 0; }
 
     /// @throws what the body threw while the transfer ran
     HttpAnswer answer() const;

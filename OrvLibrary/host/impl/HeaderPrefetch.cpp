@@ -1,0 +1,177 @@
+#include "OrvLibrary/host/impl/HeaderPrefetch_p.h"
+
+#include <algorithm>
+#include <new>
+
+#include "OrvLibrary/host/impl/HttpAddress_p.h"
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Below this time to an answer, more connections cost more than they bring.
+constexpr std::chrono::microseconds kNear = 1ms;
+/// Below this one the address is in the same house.
+constexpr std::chrono::microseconds kNotFar = 8ms;
+constexpr std::size_t kNotFarConnections = 8;
+constexpr std::chrono::microseconds kShortestStall = 500ms;
+constexpr int kStallLatencies = 8;
+
+std::string keyOf(const HttpRequest& request)
+{
+    std::string key = request.url;
+    for (const std::string& line : request.headerLines)
+        key += '\n' + line;
+    return key;
+}
+
+} // namespace
+
+HeaderPrefetch::HeaderPrefetch(HttpConnections& connections, const HttpLimits& limits,
+                               const std::vector<HttpRequest>& requests, int connectionLimit)
+    : mConnections(connections),
+      mLimits(limits),
+      mConnectionLimit(static_cast<std::size_t>(std::max(connectionLimit, 1))),
+      mEntries(requests.size())
+{
+    for (std::size_t i = 0; i < requests.size(); ++i) {
+        mEntries[i].request = requests[i];
+        mByKey.emplace(keyOf(requests[i]), i); // equal ones stay in their order
+    }
+}
+
+HeaderPrefetch::~HeaderPrefetch()
+{
+    for (const std::size_t index : mRunning)
+        end(mEntries[index]);
+}
+
+bool HeaderPrefetch::take(const HttpRequest& request, HttpAnswer& answer)
+{
+    const auto found = mByKey.find(keyOf(request));
+    if (found == mByKey.end())
+        return false;
+    Entry& entry = mEntries[found->second];
+    // Also when the answer is there: the others must move on.
+    mConnections.step();
+    while (entry.state != State::Done) {
+        if (entry.state == State::Waiting)
+            start(entry);
+        mConnections.step();
+        if (entry.state == State::Running)
+            mConnections.wait();
+    }
+    mByKey.erase(found);
+    answer = std::move(entry.answer);
+    return true;
+}
+
+void HeaderPrefetch::advance()
+{
+    // Whatever transfer is waited for here must not fail because there is no memory for one sent ahead.
+    try {
+        const TimePoint now = HttpLimits::Clock::now();
+        const std::vector<std::size_t> running = mRunning;
+        for (const std::size_t index : running) {
+            Entry& entry = mEntries[index];
+            if (entry.transfer->finished() || !entry.transfer->watch(now))
+                finish(entry);
+        }
+        repeatStalled(now);
+        startWaiting();
+    } catch (const std::bad_alloc&) {
+        mUnansweredInRow = static_cast<std::size_t>(mLimits.unansweredRequests);
+    }
+}
+
+void HeaderPrefetch::start(Entry& entry)
+{
+    const TimePoint now = HttpLimits::Clock::now();
+    entry.started = now;
+    if (entry.startedFirst == TimePoint())
+        entry.startedFirst = now;
+    entry.body = std::make_unique<HttpBody>(mLimits);
+    entry.transfer = std::make_unique<HttpTransfer>(mConnections.acquire(), entry.request, *entry.body,
+                                                    mLimits, entry.startedFirst + mLimits.totalTimeout);
+    entry.state = State::Running;
+    mRunning.push_back(static_cast<std::size_t>(&entry - mEntries.data()));
+    mConnections.start(*entry.transfer);
+}
+
+/// Takes the transfer away, whatever became of it.
+void HeaderPrefetch::end(Entry& entry)
+{
+    mConnections.stop(*entry.transfer);
+    CURL* const handle = entry.transfer->handle();
+    mConnections.release(handle);
+    entry.transfer.reset();
+    entry.body.reset();
+}
+
+void HeaderPrefetch::finish(Entry& entry)
+{
+    entry.answer = entry.transfer->answer();
+    if (entry.answer.answered) {
+        mUnansweredInRow = 0;
+        mLastAnswer = HttpLimits::Clock::now();
+        if (mRunning.size() == 1)
+            mConnections.noteLatency(*entry.transfer);
+    } else {
+        ++mUnansweredInRow;
+    }
+    mRunning.erase(std::find(mRunning.begin(), mRunning.end(), &entry - mEntries.data()));
+    end(entry);
+    entry.state = State::Done;
+}
+
+void HeaderPrefetch::startWaiting()
+{
+    while (mNext < mEntries.size()) {
+        Entry& entry = mEntries[mNext];
+        if (entry.state != State::Waiting) {
+            ++mNext;
+            continue;
+        }
+        if (mRunning.size() >= width(entry))
+            return;
+        start(entry);
+    }
+}
+
+/// How many may be under way, as seen from the one that would be next.
+std::size_t HeaderPrefetch::width(const Entry& next) const
+{
+    // Nobody there: nothing is sent ahead any more, only when its turn has come.
+    if (mUnansweredInRow >= static_cast<std::size_t>(mLimits.unansweredRequests))
+        return 0;
+    const auto latency = mConnections.latency(HttpAddress::hostAndPort(next.request.url));
+    if (mOneByOne || latency < kNear)
+        return 1;
+    return latency < kNotFar ? std::min(kNotFarConnections, mConnectionLimit) : mConnectionLimit;
+}
+
+std::chrono::microseconds HeaderPrefetch::stallTime(const Entry& entry) const
+{
+    const auto latency = mConnections.latency(HttpAddress::hostAndPort(entry.request.url));
+    return std::max<std::chrono::microseconds>(kShortestStall, latency * kStallLatencies);
+}
+
+/// A server with few workers keeps each at a connection that has nothing more to ask, while the others wait.
+void HeaderPrefetch::repeatStalled(TimePoint now)
+{
+    if (mLastAnswer == TimePoint())
+        return;
+    const std::vector<std::size_t> running = mRunning;
+    for (const std::size_t index : running) {
+        Entry& entry = mEntries[index];
+        const auto silence = now - std::max(entry.started, mLastAnswer);
+        if (entry.repeated || entry.transfer->isAnswered() || silence < stallTime(entry))
+            continue;
+        mOneByOne = true;
+        mRunning.erase(std::find(mRunning.begin(), mRunning.end(), index));
+        end(entry);
+        entry.repeated = true;
+        entry.state = State::Waiting;
+        mNext = std::min(mNext, index);
+    }
+}
