@@ -6,8 +6,10 @@
 #include "apps/orv-library/PublishCommand.h"
 #include "apps/orv-library/SampleCommand.h"
 #include "apps/orv-library/ServeCommand.h"
+#include "apps/orv-library/StatusCommand.h"
 #include "apps/orv-library/StylesCommand.h"
 #include "apps/orv-library/UnpackCommand.h"
+#include "apps/orv-library/VerifyCommand.h"
 
 CommandList allCommands()
 {
@@ -17,6 +19,8 @@ CommandList allCommands()
     commands.push_back(std::make_unique<ImportCommand>());
     commands.push_back(std::make_unique<PackCommand>());
     commands.push_back(std::make_unique<LogCommand>());
+    commands.push_back(std::make_unique<StatusCommand>());
+    commands.push_back(std::make_unique<VerifyCommand>());
     commands.push_back(std::make_unique<PublishCommand>());
     commands.push_back(std::make_unique<SampleCommand>());
     commands.push_back(std::make_unique<ServeCommand>());

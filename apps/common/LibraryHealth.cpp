@@ -1,0 +1,105 @@
+#include "apps/common/LibraryHealth.h"
+
+#include <ctime>
+#include <exception>
+
+#include <QDir>
+#include <QFile>
+
+#include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/SHA1.h"
+#include "OrvLibrary/host/TimeUtils.h"
+#include "OrvLibrary/host/ZipUtils.h"
+#include "apps/common/CatalogFolders.h"
+#include "apps/common/HashFile.h"
+#include "apps/common/Sha1Tag.h"
+
+namespace {
+
+constexpr std::size_t kPiece = 1 << 20;
+const char* const kFuture = "its time stamp lies in the future";
+
+std::vector<std::string> filesIn(const fileString& folder, const char* ending)
+{
+    const QDir dir(QFile::decodeName(folder.toNativeString().c_str()));
+    std::vector<std::string> names;
+    for (const QString& name : dir.entryList({QString("*") + ending}, QDir::Files, QDir::Name))
+        names.push_back(QFile::encodeName(name).toStdString());
+    return names;
+}
+
+void readWholeArchive(const fileString& archive)
+{
+    for (const fileString& member : ZipUtils::getFilenamesInArchive(archive)) {
+        ZipUtils::ZipInputStream stream(archive + ZipUtils::getDelimiter() + member);
+        while (stream.isFileOpen() && !stream.reachedEOF())
+            stream.readArchivedFile(kPiece);
+    }
+}
+
+} // namespace
+
+void LibraryHealth::checkCoreCatalogs()
+{
+    const CatalogFolder core = CatalogFolders::core();
+    for (const auto& [name, tag] : HashFile::read(core.folder)) {
+        const fileString file = core.path(fileString(name));
+        if (!Sha1Tag::isSha1(tag) || file.extension() != fileString(".orvlib") || !file.pathExists())
+            continue;
+        ++mChecked;
+        if (!Sha1Tag::equal(tag, SHA1::fileContentsToSHA1Hex(file)))
+            mDamages.push_back({name, "its content does not match its SHA-1 tag", true});
+    }
+}
+
+void LibraryHealth::checkArchives()
+{
+    checkArchivesIn(PathUtils::getObject().getProprietaryLibraryReferencedFilesPath(), true);
+    checkArchivesIn(PathUtils::getObject().getUserTexturePath(), false);
+}
+
+void LibraryHealth::checkArchivesIn(const fileString& folder, bool isListed)
+{
+    const auto hashes = HashFile::read(CatalogFolders::core().folder);
+    for (const std::string& name : filesIn(folder, ".zip")) {
+        ++mChecked;
+        try {
+            readWholeArchive(folder + fileString(name));
+        } catch (const std::exception& error) {
+            mDamages.push_back({name, error.what(), isListed && hashes.count(name) != 0});
+        }
+    }
+}
+
+bool LibraryHealth::forget(const std::string& name)
+{
+    return HashFile::remove(CatalogFolders::core().folder, name);
+}
+
+std::vector<LibraryHealth::Damage> LibraryHealth::futureStamps()
+{
+    const PathUtils& paths = PathUtils::getObject();
+    std::vector<Damage> stamps;
+    for (const fileString& folder : {paths.getCoreLibraryDatabasePath(), paths.getBonusLibraryDatabasePath(),
+                                     paths.getManufacturerLibraryPath()})
+        for (const std::string& name : filesIn(folder, ".orvlib"))
+            if ((folder + fileString(name)).modificationTime() > std::time(nullptr))
+                stamps.push_back({name, kFuture, false});
+
+    std::map<long, Manufacturer> records;
+    boost::posix_time::ptime fileStamp;
+    std::string defaultText;
+    ManufacturerManager::read_manufacturer_file(paths.getManufacturerDataPath() +
+                                                    fileString("manufacturer_data.json"),
+                                                records, &fileStamp, &defaultText);
+    const auto now = Library::getTimeNow();
+    if (!fileStamp.is_special() && fileStamp > now)
+        stamps.push_back({"manufacturer_data.json", kFuture, false});
+    for (const auto& [id, record] : records)
+        if (!record.getLastModified().is_special() && record.getLastModified() > now)
+            stamps.push_back({"manufacturer_data.json",
+                              "the time stamp of manufacturer " + std::to_string(id) + " lies in the future",
+                              false});
+    return stamps;
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "OrvLibrary/host/fileString.h"
+
+/// Looks at what is installed: do catalogs match their tags, are archives sound, does a clock lie ahead. It
+/// reads the well-known folders of the installed path service and changes nothing but hash lines, and those
+/// only in `forget`. One object belongs to one thread.
+class LibraryHealth
+{
+public:
+    /// A catalog or archive that is not what it should be.
+    struct Damage
+    {
+        std::string name; ///< file name
+        std::string text; ///< what is wrong, for people
+        bool isListed;    ///< it has a hash line, so that an update can bring it back
+    };
+
+    /// Compares core catalogs with their tags where the tag is a SHA-1. The tags of bonus and manufacturer
+    /// catalogs belong to the packed archive and say nothing of the unpacked file.
+    void checkCoreCatalogs();
+    /// Reads every member of the archives in the referenced files and the texture folder.
+    void checkArchives();
+
+    /// Catalogs and archives that were compared.
+    std::size_t checkedCount() const { return mChecked; }
+    const std::vector<Damage>& damages() const { return mDamages; }
+
+    /// Removes the core hash line of a file, so that the next update fetches it again.
+    /// @return false when there is none, or the hash file cannot be written; it is then as it was
+    static bool forget(const std::string& name);
+
+    /// Files and records whose time lies in the future, each with a text. Until then nothing newer replaces
+    /// them.
+    static std::vector<Damage> futureStamps();
+
+private:
+    void checkArchivesIn(const fileString& folder, bool isListed);
+
+    std::size_t mChecked = 0;
+    std::vector<Damage> mDamages;
+};

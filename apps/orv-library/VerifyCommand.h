@@ -1,0 +1,17 @@
+#pragma once
+
+#include "apps/orv-library/Command.h"
+
+/// `verify`: core catalogs against their tags, archives against their checksums.
+class VerifyCommand : public Command
+{
+public:
+    std::string name() const override { return "verify"; }
+    std::string summary() const override { return "Compare catalogs and archives with their checksums"; }
+    void declare(CommandSyntax& syntax) override;
+
+private:
+    ExitStatus run(Session& session) const;
+
+    bool mRepair = false;
+};

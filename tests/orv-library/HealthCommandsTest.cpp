@@ -1,0 +1,187 @@
+// `status` and `verify`: what they say of a library that is sound, and of one that is not.
+#include <filesystem>
+
+#include <QCryptographicHash>
+#include <QJsonArray>
+#include <gmock/gmock.h>
+
+#include "apps/common/CheckHistory.h"
+#include "apps/common/ZipWriter.h"
+#include "tests/orv-library/Program.h"
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+const char* const kWrongTag = "0123456789abcdef0123456789abcdef01234567";
+
+std::string sha1(const std::string& content)
+{
+    return QCryptographicHash::hash(QByteArray::fromStdString(content), QCryptographicHash::Sha1)
+        .toHex()
+        .toStdString();
+}
+
+std::vector<std::string> texts(const QJsonValue& array)
+{
+    std::vector<std::string> list;
+    for (const QJsonValue& value : array.toArray())
+        list.push_back(value.toString().toStdString());
+    return list;
+}
+
+class HealthCommands : public testing::Test
+{
+protected:
+    void SetUp() override { mProgram.run({"paths"}); }
+
+    std::string path(const std::string& name) const { return mProgram.root() + "/" + name; }
+    void write(const std::string& name, const std::string& content) const
+    {
+        test::writeFile(path(name), content);
+    }
+    void writeArchive(const std::string& name) const
+    {
+        ZipWriter archive(path(name));
+        archive.add("Oak.png", std::string(5000, 'o'));
+        archive.close();
+    }
+    void damage(const std::string& name) const
+    {
+        std::string content = test::readFile(path(name));
+        content[40] = static_cast<char>(content[40] ^ 0x20); // in the member's data
+        write(name, content);
+    }
+
+    QJsonArray warnings() const
+    {
+        const test::ProgramResult result = mProgram.run({"--json", "status"});
+        EXPECT_EQ(0, result.status) << result.err;
+        return result.json()["warnings"].toArray();
+    }
+    void expectOneWarning(const std::string& catalog, const std::string& part) const
+    {
+        const QJsonArray list = warnings();
+        ASSERT_EQ(1, list.size());
+        EXPECT_EQ(catalog, list[0].toObject()["catalog"].toString().toStdString());
+        EXPECT_THAT(list[0].toObject()["text"].toString().toStdString(), HasSubstr(part));
+    }
+
+    test::Program mProgram;
+};
+
+} // namespace
+
+TEST_F(HealthCommands, freshRootWasNeverCheckedAndHasNoWarnings)
+{
+    const test::ProgramResult result = mProgram.run({"--json", "status"});
+    EXPECT_TRUE(result.json()["lastGoodCheck"].isNull());
+    EXPECT_TRUE(result.json()["warnings"].toArray().isEmpty());
+    EXPECT_THAT(mProgram.run({"status"}).out, HasSubstr("Last good check: never\n"));
+}
+
+TEST_F(HealthCommands, statusTellsTheLastGoodCheckAndBadAnswers)
+{
+    CheckHistory history{fileString(mProgram.root())};
+    const QDateTime good = QDateTime::fromString("2026-01-02T03:04:05Z", Qt::ISODate);
+    history.noteGoodCheck(good);
+    history.noteAnswer("Current.orvlib", 304, good);
+    history.noteAnswer("New.orvlib", 200, good);
+    history.noteAnswer("Denied.orvlib", 403, good);
+    history.noteAnswer("Silent.orvlib", 0, good);
+    history.save();
+
+    const QJsonObject document = mProgram.run({"--json", "status"}).json();
+    EXPECT_EQ("2026-01-02T03:04:05Z", document["lastGoodCheck"].toString());
+    const QJsonArray list = document["warnings"].toArray();
+    ASSERT_EQ(2, list.size());
+    EXPECT_EQ("Denied.orvlib", list[0].toObject()["catalog"].toString());
+    EXPECT_THAT(list[0].toObject()["text"].toString().toStdString(), HasSubstr("HTTP 403"));
+    EXPECT_EQ("Silent.orvlib", list[1].toObject()["catalog"].toString());
+}
+
+TEST_F(HealthCommands, statusWarnsOfStampsInTheFuture)
+{
+    write("manufacturer-data/manufacturer_data.json",
+          R"({"Last_Modified":"29990101T000000","Manufacturer":{"Id":7,"Last_Modified":"20200101T000000"}})");
+    expectOneWarning("manufacturer_data.json", "future");
+    write("manufacturer-data/manufacturer_data.json",
+          R"({"Last_Modified":"20200101T000000","Manufacturer":{"Id":7,"Last_Modified":"29990101T000000"}})");
+    expectOneWarning("manufacturer_data.json", "manufacturer 7");
+    write("manufacturer-data/manufacturer_data.json", "{}");
+    write("bonus/Garden.orvlib", "content");
+    fs::last_write_time(path("bonus/Garden.orvlib"),
+                        fs::file_time_type::clock::now() + std::chrono::hours(24));
+    expectOneWarning("Garden.orvlib", "future");
+}
+
+TEST_F(HealthCommands, statusWarnsOfACoreCatalogThatDoesNotMatchItsTag)
+{
+    write("core/Doors.orvlib", "doors");
+    write("core/catalog_hash.txt", "Doors.orvlib:" + sha1("doors") + "\n");
+    EXPECT_TRUE(warnings().isEmpty());
+    write("core/Doors.orvlib", "cut");
+    expectOneWarning("Doors.orvlib", "SHA-1");
+}
+
+TEST_F(HealthCommands, verifyPassesOverTagsThatAreNoSha1AndBonusCatalogs)
+{
+    write("core/Doors.orvlib", "doors");
+    write("core/catalog_hash.txt", "Doors.orvlib:opaque-tag\n");
+    write("bonus/Garden.orvlib", "garden");
+    write("bonus/catalog_hash.txt", std::string("Garden.orvlib:") + kWrongTag + "\n");
+    const test::ProgramResult result = mProgram.run({"--json", "verify"});
+    EXPECT_EQ(0, result.status) << result.err;
+    EXPECT_EQ(0, result.json()["checked"].toInt());
+}
+
+TEST_F(HealthCommands, verifyFindsDamagedCatalogsAndArchives)
+{
+    write("core/Doors.orvlib", "doors");
+    write("core/Lamps.orvlib", "lamps");
+    writeArchive("referenced/Core.zip");
+    writeArchive("textures/Mine.zip");
+    writeArchive("textures/Sound.zip");
+    damage("referenced/Core.zip");
+    damage("textures/Mine.zip");
+    const std::string hashes =
+        "Core.zip:tag\nDoors.orvlib:" + std::string(kWrongTag) + "\nLamps.orvlib:" + sha1("lamps") + "\n";
+    write("core/catalog_hash.txt", hashes);
+
+    const test::ProgramResult result = mProgram.run({"--json", "verify"});
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ(5, result.json()["checked"].toInt());
+    EXPECT_THAT(texts(result.json()["damaged"]), ElementsAre("Doors.orvlib", "Core.zip", "Mine.zip"));
+    EXPECT_THAT(texts(result.json()["repaired"]), IsEmpty());
+    EXPECT_EQ(hashes, test::readFile(path("core/catalog_hash.txt")));
+}
+
+TEST_F(HealthCommands, repairRemovesTheHashLinesOfDamagedFiles)
+{
+    write("core/Doors.orvlib", "doors");
+    write("core/Lamps.orvlib", "lamps");
+    writeArchive("referenced/Core.zip");
+    damage("referenced/Core.zip");
+    write("core/catalog_hash.txt",
+          "Core.zip:tag\nDoors.orvlib:" + std::string(kWrongTag) + "\nLamps.orvlib:" + sha1("lamps") + "\n");
+
+    const test::ProgramResult result = mProgram.run({"--json", "verify", "--repair"});
+    EXPECT_EQ(0, result.status) << "no damage remains that the next update would not mend";
+    EXPECT_THAT(texts(result.json()["repaired"]), ElementsAre("Doors.orvlib", "Core.zip"));
+    EXPECT_EQ("Lamps.orvlib:" + sha1("lamps") + "\n", test::readFile(path("core/catalog_hash.txt")));
+}
+
+TEST_F(HealthCommands, damageThatNoUpdateBringsBackRemains)
+{
+    writeArchive("textures/Mine.zip");
+    damage("textures/Mine.zip");
+    const test::ProgramResult result = mProgram.run({"--json", "verify", "--repair"});
+    EXPECT_EQ(1, result.status);
+    EXPECT_THAT(texts(result.json()["damaged"]), ElementsAre("Mine.zip"));
+    EXPECT_THAT(texts(result.json()["repaired"]), IsEmpty());
+    EXPECT_THAT(result.err, HasSubstr("Mine.zip"));
+}
