@@ -169,6 +169,7 @@ void CurlService::prefetchHeaders(const std::vector<HeaderRequest>& requests)
     if (connections.busy())
         return;
     try {
+        const BrokenPipeBlock block;
         std::vector<HttpRequest> list;
         for (const HeaderRequest& header : requests) {
             if (!HttpAddress::isWebAddress(header.url))
@@ -179,6 +180,7 @@ void CurlService::prefetchHeaders(const std::vector<HeaderRequest>& requests)
         connections.setPrefetch(
             list.empty() ? nullptr
                          : std::make_unique<HeaderPrefetch>(connections, mLimits, list, connectionLimit()));
+        connections.step(); // on their way at once
     } catch (const std::exception&) {
         connections.setPrefetch(nullptr); // each is asked for when its turn comes
     }

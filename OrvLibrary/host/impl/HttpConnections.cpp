@@ -96,6 +96,8 @@ void HttpConnections::setPrefetch(std::unique_ptr<HeaderPrefetch> prefetch)
 {
     const BrokenPipeBlock block;
     mPrefetch = std::move(prefetch);
+    if (mPrefetch)
+        mPrefetch->advance();
 }
 
 std::chrono::microseconds HttpConnections::latency(const std::string& address) const
