@@ -9,12 +9,14 @@
 #include "apps/orv-library/StatusCommand.h"
 #include "apps/orv-library/StylesCommand.h"
 #include "apps/orv-library/UnpackCommand.h"
+#include "apps/orv-library/UpdateCommand.h"
 #include "apps/orv-library/VerifyCommand.h"
 
 CommandList allCommands()
 {
     CommandList commands;
     commands.push_back(std::make_unique<PathsCommand>());
+    commands.push_back(std::make_unique<UpdateCommand>());
     commands.push_back(std::make_unique<UnpackCommand>());
     commands.push_back(std::make_unique<ImportCommand>());
     commands.push_back(std::make_unique<PackCommand>());

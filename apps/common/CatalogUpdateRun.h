@@ -1,0 +1,75 @@
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <QObject>
+
+#include "OrvLibrary/LibraryCatalogUpdater.h"
+#include "apps/common/AnswerRecorder.h"
+#include "apps/common/CatalogSwapper.h"
+#include "apps/common/UpdateLock.h"
+
+/// One catalog update as a host runs it: the lock against a second one, the catalogs that an update which
+/// died had left, the updater on a worker thread, and afterwards the hash lines of what could not be swapped
+/// in and the history for `status`.
+///
+/// The host object that is handed to `start` has the updater's slots, applies "onCatalogUpdatedEvent" through
+/// `swapper`, and lives at least as long as the run. The run lives on the host object's thread, whose event
+/// loop goes on until `finished`; then the host calls `finish`.
+class CatalogUpdateRun : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Request
+    {
+        std::string url; ///< the content redirect address
+        std::string product;
+        std::string productVersion;
+        bool coreOnly = false;
+        /// File names that end in ".orvlib", to fetch beside the catalogs that are there.
+        std::vector<std::string> bonus;
+        std::vector<std::string> manufacturer;
+    };
+
+    /// Takes the lock on the installed path service's folders.
+    /// @throws std::runtime_error at once when another update is running there
+    explicit CatalogUpdateRun(const Request& request);
+    /// Cancels and waits when the worker is still running.
+    ~CatalogUpdateRun() override;
+
+    /// Swaps in what an update that died had left, and starts the worker. To be called once.
+    void start(QObject& host);
+    /// Cancels the update; `finished` comes all the same.
+    static void cancel() { LibraryCatalogUpdate::LibraryCatalogUpdater::killDownload(); }
+    /// Takes the hash lines of failed catalogs out and writes the history. To be called once, after
+    /// `finished`.
+    /// @param good whether the closing invocation said "updated" or "current"
+    /// @param root where the history is kept
+    /// @return lines for people: what could not be written
+    /// @throws what left the updater
+    std::vector<std::string> finish(bool good, const fileString& root);
+
+    CatalogSwapper& swapper() { return mSwapper; }
+
+Q_SIGNALS:
+    /// The worker has ended, and all its invocations were delivered.
+    void finished();
+
+private:
+    void work(LibraryCatalogUpdate::LibraryCatalogUpdater updater);
+    void endWorker();
+    void saveHistory(bool good, const fileString& root) const;
+
+    UpdateLock mLock;
+    Request mRequest;
+    CatalogSwapper mSwapper;
+    Curl* mFormerService = nullptr;
+    std::unique_ptr<AnswerRecorder> mRecorder; ///< installed while the worker runs
+    std::exception_ptr mException;             ///< written by the worker before it ends, read after
+    std::thread mWorker;
+};

@@ -1,0 +1,104 @@
+#include "apps/orv-library/UpdateHost.h"
+
+#include <cstdio>
+
+#include <QJsonObject>
+
+#include "OrvLibrary/host/SQL.h"
+#include "apps/common/LegacyText.h"
+#include "apps/orv-library/Console.h"
+
+using LibraryCatalogUpdate::UpdateData;
+
+namespace {
+
+QJsonValue number(size_t value)
+{
+    return static_cast<qint64>(value);
+}
+
+QJsonObject outcomeObject(const UpdateData& outcome)
+{
+    QJsonArray names;
+    for (const std::string& name : outcome.updatedCatalogs)
+        names.append(jsonText(SQL::to_utf8(name)));
+    return {{"result", outcome.result},
+            {"messageCode", jsonText(messageCodeText(outcome.messageCode))},
+            {"updatedCatalogs", names}};
+}
+
+} // namespace
+
+std::string messageCodeText(std::int32_t code)
+{
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08x", static_cast<unsigned int>(code));
+    return text;
+}
+
+UpdateHost::UpdateHost(ProgressReporter& progress, InvocationTrace& trace, CatalogSwapper& swapper)
+    : mProgress(progress), mTrace(trace), mSwapper(swapper)
+{
+}
+
+void UpdateHost::onSetText(std::string text)
+{
+    const std::string utf8 = LegacyText::toUtf8(text);
+    mTrace.write("onSetText", {jsonText(utf8)});
+    mProgress.setText(utf8);
+}
+
+void UpdateHost::onSetUnits(std::string units)
+{
+    mTrace.write("onSetUnits", {jsonText(LegacyText::toUtf8(units))});
+    mProgress.setUnits(LegacyText::toUtf8(units));
+}
+
+void UpdateHost::onSetRangeInGauge(size_t range)
+{
+    mTrace.write("onSetRangeInGauge", {number(range)});
+    mProgress.setRange(range);
+}
+
+void UpdateHost::onSetValueInGauge(size_t value)
+{
+    mTrace.write("onSetValueInGauge", {number(value)});
+    mProgress.setValue(value);
+}
+
+void UpdateHost::onUpdateInGauge()
+{
+    mTrace.write("onUpdateInGauge", {});
+    mProgress.advance();
+}
+
+void UpdateHost::onCatalogUpdatedEvent(FileStringPair catalog)
+{
+    const auto& [destination, newFile] = catalog;
+    mTrace.write("onCatalogUpdatedEvent",
+                 {jsonText(destination.toNativeString()), jsonText(newFile.toNativeString())});
+    if (mSwapper.swapIn(destination, newFile))
+        return;
+    mProgress.clear();
+    Console::complain("cannot replace " + destination.toNativeString());
+}
+
+void UpdateHost::closeCatalogUpdateEvent(const UpdateData& outcome)
+{
+    mTrace.write("closeCatalogUpdateEvent", {outcomeObject(outcome)});
+    mOutcome = outcome;
+    close();
+}
+
+void UpdateHost::onClose()
+{
+    mTrace.write("onClose", {});
+    close();
+}
+
+void UpdateHost::close()
+{
+    mProgress.clear();
+    mClosed = true;
+    Q_EMIT closed();
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include <QObject>
+
+#include "OrvLibrary/CatalogUpdateData.h"
+#include "apps/common/CatalogSwapper.h"
+#include "apps/orv-library/InvocationTrace.h"
+#include "apps/orv-library/ProgressReporter.h"
+
+class QJsonObject;
+
+/// The host object of a catalog update without a window: shows the progress, swaps new catalogs in, keeps the
+/// outcome. It lives on the main thread, where the queued invocations of the worker arrive.
+class UpdateHost : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// All three outlive the object.
+    UpdateHost(ProgressReporter& progress, InvocationTrace& trace, CatalogSwapper& swapper);
+
+    /// How the run ended; empty when it was cancelled or has not ended.
+    const std::optional<LibraryCatalogUpdate::UpdateData>& outcome() const { return mOutcome; }
+    /// Whether one of the closing invocations came.
+    bool isClosed() const { return mClosed; }
+
+Q_SIGNALS:
+    /// The closing invocation came.
+    void closed();
+
+public Q_SLOTS:
+    void onSetText(std::string text);
+    void onSetUnits(std::string units);
+    void onSetRangeInGauge(size_t range);
+    void onSetValueInGauge(size_t value);
+    void onUpdateInGauge();
+    void onCatalogUpdatedEvent(FileStringPair catalog);
+    void closeCatalogUpdateEvent(const LibraryCatalogUpdate::UpdateData& outcome);
+    void onClose();
+
+private:
+    void close();
+
+    ProgressReporter& mProgress;
+    InvocationTrace& mTrace;
+    CatalogSwapper& mSwapper;
+    std::optional<LibraryCatalogUpdate::UpdateData> mOutcome;
+    bool mClosed = false;
+};
+
+/// "0x10369189".
+std::string messageCodeText(std::int32_t code);

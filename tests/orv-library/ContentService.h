@@ -1,0 +1,48 @@
+#pragma once
+
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <string>
+#include <vector>
+
+#include "tests/support/FaultServer.h"
+
+namespace test {
+
+/// A catalog web service with contents that a test gives it, over the fault server: the redirect, tags that
+/// are the contents' SHA-1, 304 for a matching tag. It remembers which bodies travelled.
+class ContentService
+{
+public:
+    ContentService();
+
+    std::string redirect() const { return mServer.url("/redirect"); }
+    /// Offers a file under a name (UTF-8), or another content for it.
+    void offer(const std::string& name, const std::string& content);
+    /// Answers every download of a file, but not the question for its headers, like this.
+    void spoil(const std::string& name, const FaultReply& reply);
+
+    /// Names whose bodies were fetched since the last call, in order.
+    std::vector<std::string> takeFetched();
+    /// Waits until a body is being fetched, at most 10 s.
+    bool waitUntilFetched(const std::string& name);
+    /// Names that were asked for since the last call, in order, the index included.
+    std::vector<std::string> takeAsked();
+    FaultServer& server() { return mServer; }
+
+    static std::string sha1(const std::string& content);
+
+private:
+    FaultReply reply(const FaultRequest& request);
+
+    FaultServer mServer;
+    std::mutex mMutex;
+    std::condition_variable mChanged;
+    std::map<std::string, std::string> mContents; ///< this and the following guarded by mMutex
+    std::map<std::string, FaultReply> mSpoilt;
+    std::vector<std::string> mFetched;
+    std::vector<std::string> mAsked;
+};
+
+} // namespace test
