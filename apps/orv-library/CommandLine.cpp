@@ -11,6 +11,7 @@
 namespace {
 
 constexpr const char* kProgram = "orv-library";
+constexpr const char* kCommandGroup = "Commands";
 constexpr const char* kGlobalGroup = "Global options";
 
 /// Plain decimal, unlike the parsing library's own reading, which takes "010" for eight.
@@ -88,7 +89,7 @@ public:
     CommandSyntax& action(const std::string& name, const std::string& summary) override
     {
         mApp.require_subcommand(1);
-        mActions.emplace_back(*mApp.add_subcommand(name, summary), mChosen);
+        mActions.emplace_back(*mApp.add_subcommand(name, summary)->group(kCommandGroup), mChosen);
         return mActions.back();
     }
 
@@ -134,8 +135,11 @@ public:
     {
         mApp.require_subcommand(1);
         mApp.get_formatter()->column_width(34);
+        mApp.get_formatter()->label("SUBCOMMAND", "COMMAND");
+        mApp.get_formatter()->label("Positionals", "Arguments");
+        mApp.get_formatter()->label("REQUIRED", "(required)");
         for (const auto& command : commands) {
-            CLI::App* app = mApp.add_subcommand(command->name(), command->summary());
+            CLI::App* app = mApp.add_subcommand(command->name(), command->summary())->group(kCommandGroup);
             mSyntaxes.emplace_back(*app, mWork);
             command->declare(mSyntaxes.back());
         }
@@ -150,14 +154,14 @@ public:
                              "Print the version and exit")
             ->group(kGlobalGroup);
         addTextOption(app, "--root", "DIR", mOptions.root,
-                      "Root of the well-known folders; else $ORV_LIBRARY_ROOT, else "
-                      "$XDG_DATA_HOME/orv-library, else ~/.local/share/orv-library");
+                      "Root of the library's folders; else $ORV_LIBRARY_ROOT, else the\n"
+                      "user's data folder");
         app.add_flag_callback(
                "--json", [this] { mOptions.json = true; }, "Print one JSON document on standard output")
             ->group(kGlobalGroup);
         addProgressOption(app);
         addTextOption(app, "--trace", "FILE", mOptions.traceFile,
-                      "Append every invocation that the host object receives to FILE, one JSON line each");
+                      "Append what the host object is told to FILE, one JSON line each");
         for (CLI::App* command : app.get_subcommands([](CLI::App*) { return true; }))
             addGlobalOptions(*command);
     }
@@ -182,7 +186,7 @@ public:
                                                                    {"none", ProgressMode::None}};
         CLI::Option* option = app.add_option_function<std::string>(
             "--progress", [this](const std::string& value) { mOptions.progress = kModes.at(value); },
-            "Progress on standard error; auto is a bar on a terminal and plain lines otherwise");
+            "Progress on standard error; auto: a bar on a terminal, else lines");
         option->check([](const std::string& value) {
             return kModes.count(value) ? std::string() : "'" + value + "' is none of auto, bar, plain, none";
         });
@@ -201,6 +205,10 @@ public:
             mText = chosenApp(mApp).help(chosenPrefix());
         } catch (const CLI::CallForVersion& version) {
             mText = std::string(version.what()) + "\n";
+        } catch (const CLI::RequiredError& error) {
+            const bool noCommand = std::string(error.what()).find("subcommand") != std::string::npos;
+            mText = usage(noCommand ? "no command given" : error.what());
+            return Outcome::WrongUsage;
         } catch (const CLI::ParseError& error) {
             mText = usage(error.what());
             return Outcome::WrongUsage;

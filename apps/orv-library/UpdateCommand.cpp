@@ -95,7 +95,7 @@ std::string readable(const UpdateHost& host)
         return host.outcome()->result == kResultCurrent ? "Everything is current.\n"
                                                         : "Nothing was updated.\n";
     std::string text =
-        "Updated " + std::to_string(names.size()) + (names.size() == 1 ? ":\n" : " catalogs:\n");
+        "Updated " + std::to_string(names.size()) + (names.size() == 1 ? " catalog:\n" : " catalogs:\n");
     for (const std::string& name : names)
         text += "  " + SQL::to_utf8(name) + "\n";
     return text;
