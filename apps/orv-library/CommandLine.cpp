@@ -206,14 +206,22 @@ public:
         } catch (const CLI::CallForVersion& version) {
             mText = std::string(version.what()) + "\n";
         } catch (const CLI::RequiredError& error) {
-            const bool noCommand = std::string(error.what()).find("subcommand") != std::string::npos;
-            mText = usage(noCommand ? "no command given" : error.what());
+            mText = usage(missingCommand(error.what()));
             return Outcome::WrongUsage;
         } catch (const CLI::ParseError& error) {
             mText = usage(error.what());
             return Outcome::WrongUsage;
         }
         return Outcome::Help;
+    }
+
+    /// The parser's reason for something that is missing, in this program's words where that is a command.
+    std::string missingCommand(const std::string& reason) const
+    {
+        if (reason.find("subcommand") == std::string::npos)
+            return reason;
+        const std::vector<std::string> unknown = chosenApp(mApp).remaining();
+        return unknown.empty() ? "no command given" : "'" + unknown.front() + "' is no command";
     }
 
     /// The words before the chosen command's own name in its usage line.

@@ -63,6 +63,14 @@ TEST(CommandLine, wrongUsagePrintsTheUsageOfThatCommand)
     EXPECT_THAT(program.run({"log", "clear", "x"}).err, HasSubstr("Usage: orv-library log clear"));
 }
 
+TEST(CommandLine, unknownCommandIsNamed)
+{
+    const test::Program program;
+    EXPECT_THAT(program.run({"upgrade"}).err, StartsWith("orv-library: 'upgrade' is no command\n"));
+    EXPECT_THAT(program.run({"log", "delete"}).err, StartsWith("orv-library: 'delete' is no command\n"));
+    EXPECT_THAT(program.run({"log"}).err, StartsWith("orv-library: no command given\n"));
+}
+
 TEST(CommandLine, helpAndVersionWorkOnEveryCommand)
 {
     const test::Program program;
