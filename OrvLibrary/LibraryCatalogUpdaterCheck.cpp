@@ -42,6 +42,28 @@ void readContentLength(const std::string& value, std::uint64_t& length)
     stream >> length;
 }
 
+/// Tells the download service which header requests are about to be made, so that it may send them ahead. One
+/// that throws is asked record by record.
+void announce(const std::vector<Curl::HeaderRequest>& requests)
+try {
+    Curl::get().prefetchHeaders(requests);
+} catch (...) {
+}
+
+/// The requests for the records from `first` on, exactly as they will be made.
+std::vector<Curl::HeaderRequest> requestsFrom(CatalogMap::const_iterator first, const CatalogMap& catalogs,
+                                              const std::string& product, const std::string& version)
+{
+    std::vector<Curl::HeaderRequest> requests;
+    for (; first != catalogs.end(); ++first) {
+        Curl::HeaderRequest request;
+        generate_url_and_headers(request.url, request.headerLines, first->first, first->second, product,
+                                 version);
+        requests.push_back(std::move(request));
+    }
+    return requests;
+}
+
 } // namespace
 
 // Deliberate: no look at the cancel flag here. Every record gets its answer, so that the hash files of a
@@ -50,10 +72,18 @@ void LibraryCatalogUpdater::checkForUpdates()
 {
     mHostObject->setRangeInGauge(mCatalogs.size());
     const std::string prefix = hostText(kTextChecking);
-    for (auto& [name, record] : mCatalogs) {
-        checkForUpdate(name, record, prefix);
+    bool isAnnounced = false;
+    for (auto next = mCatalogs.begin(); next != mCatalogs.end(); ++next) {
+        // Once the endpoint is known: asking for it here would log its failure once more.
+        if (!isAnnounced && !kApiEndpoint.empty()) {
+            announce(requestsFrom(next, mCatalogs, mProduct, mVersion));
+            isAnnounced = true;
+        }
+        checkForUpdate(next->first, next->second, prefix);
         mHostObject->updateInGauge();
     }
+    if (isAnnounced)
+        announce({});
 }
 
 void LibraryCatalogUpdater::checkForUpdate(const fileString& name, CatalogUpdateData& record,

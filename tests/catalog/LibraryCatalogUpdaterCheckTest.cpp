@@ -286,3 +286,50 @@ TEST_F(LibraryCatalogUpdaterCheck, aCancelWhileCheckingFinishesTheChecksAndSaves
     EXPECT_EQ(content("bonus/catalog_hash.txt"), "Lamps.orvlib:" + test::sha1Of("x") + "\n");
     EXPECT_EQ(content("manufacturer/catalog_hash.txt"), "");
 }
+
+TEST_F(LibraryCatalogUpdaterCheck, requestsAreAnnouncedExactlyAsTheyAreMade)
+{
+    for (const char* name : {"a.orvlib", "b.orvlib", "c.orvlib", "d.orvlib"}) {
+        mArguments.core.insert(installed(std::string("core/") + name, "x"));
+        serve(name, "x", "stored");
+    }
+    run();
+    ASSERT_EQ(mCurl.announcements.size(), 2u);
+    std::vector<std::string> made;
+    std::vector<std::vector<std::string>> madeWith;
+    std::size_t headersBefore = 0;
+    for (std::size_t i = 0, withHeaders = 0; i < mCurl.requests.size(); ++i) {
+        if (mCurl.requests[i].rfind("REDIRECT", 0) == 0)
+            continue;
+        if (i >= mCurl.announcements[0].first && mCurl.requests[i].rfind("HEAD ", 0) == 0) {
+            made.push_back(mCurl.requests[i].substr(5));
+            madeWith.push_back(mCurl.requestHeaders[withHeaders]);
+        } else if (mCurl.requests[i].rfind("HEAD ", 0) == 0) {
+            ++headersBefore;
+        }
+        ++withHeaders;
+    }
+    // The first request finds the endpoint; the others are announced then.
+    EXPECT_LE(headersBefore, 1u);
+    ASSERT_EQ(mCurl.announcements[0].second.size(), made.size());
+    for (std::size_t i = 0; i < made.size(); ++i) {
+        EXPECT_EQ(mCurl.announcements[0].second[i].url, made[i]);
+        EXPECT_EQ(mCurl.announcements[0].second[i].headerLines, madeWith[i]);
+    }
+    EXPECT_TRUE(mCurl.announcements[1].second.empty());
+}
+
+TEST_F(LibraryCatalogUpdaterCheck, serviceThatCannotBeToldAheadIsAskedInTurn)
+{
+    serve("a.orvlib", "x", "stored");
+    mCurl.onAnnouncement = [] { throw std::runtime_error("not this one"); };
+    run();
+    EXPECT_EQ(result(), 3);
+}
+
+TEST_F(LibraryCatalogUpdaterCheck, nothingIsAnnouncedWithoutAnEndpoint)
+{
+    mCurl.endpoint.clear();
+    run();
+    EXPECT_TRUE(mCurl.announcements.empty());
+}

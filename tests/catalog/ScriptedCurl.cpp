@@ -35,6 +35,13 @@ void ScriptedCurl::note(const std::string& request)
         onRequest(request);
 }
 
+void ScriptedCurl::prefetchHeaders(const std::vector<HeaderRequest>& announced)
+{
+    announcements.emplace_back(requests.size(), announced);
+    if (onAnnouncement)
+        onAnnouncement();
+}
+
 std::vector<std::string> ScriptedCurl::asked(const std::string& kind) const
 {
     std::vector<std::string> values;

@@ -3,6 +3,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "OrvLibrary/host/Curl.h"
@@ -45,12 +46,17 @@ public:
     bool browseURL(const std::string& url, const std::vector<std::string>& headerLines, std::string& body,
                    bool followRedirects, int timeoutSeconds) override;
     std::string urlAfterRedirects(const std::string& url) override;
+    void prefetchHeaders(const std::vector<HeaderRequest>& announced) override;
 
     /// The files, by the value of "library" in the request.
     std::map<std::string, ScriptedFile> files;
     std::string endpoint = "http://service.test/content?key=1";
     /// "REDIRECT address", "HEAD url", "GET url" and "PAGE url", in the order of the requests.
     std::vector<std::string> requests;
+    /// The lists of header requests that were announced, each with the number of requests made before it.
+    std::vector<std::pair<std::size_t, std::vector<HeaderRequest>>> announcements;
+    /// Called when a list is announced.
+    std::function<void()> onAnnouncement;
     /// The header lines of each request but the redirects, in order.
     std::vector<std::vector<std::string>> requestHeaders;
     /// Called at the start of each request, with its line.
