@@ -77,6 +77,9 @@ public:
     /// called from any thread.
     /// @return the current id that the file names; -1 when it names none or cannot be read
     static long loadFiltersFromFile(const fileString& path, std::vector<LibraryFilter>& filters);
+    /// Whether loading reads the file to its end. Of a file of which it does not, the next save keeps only
+    /// what was read: a host may want to keep a copy. May be called from any thread.
+    static bool isWhollyReadable(const fileString& path);
 
 private:
     LibraryFilterManager();

@@ -72,6 +72,17 @@ void readFilters(const json::object& root, std::vector<LibraryFilter>& filters)
     }
 }
 
+/// Reads a file up to the first thing that is malformed.
+/// @param currentId untouched until it is known
+/// @throws what the file system or the tree says, with what came before it in the outputs
+void readFile(const fileString& path, std::vector<LibraryFilter>& filters, long& currentId)
+{
+    const auto root = json::readFile(path);
+    const auto& members = boost::any_cast<const json::object&>(*root);
+    currentId = optionalMember<int>(members, kCurrentFilter, -1);
+    readFilters(members, filters);
+}
+
 } // namespace
 
 bool LibraryFilterManager::saveFiltersToFile(const fileString& path,
@@ -94,15 +105,23 @@ try {
 long LibraryFilterManager::loadFiltersFromFile(const fileString& path, std::vector<LibraryFilter>& filters)
 {
     long currentId = -1;
-    if (!path.pathExists())
-        return currentId;
     try {
-        const auto root = json::readFile(path);
-        const auto& members = boost::any_cast<const json::object&>(*root);
-        currentId = optionalMember<int>(members, kCurrentFilter, -1);
-        readFilters(members, filters);
+        if (path.pathExists())
+            readFile(path, filters, currentId);
     } catch (...) {
         // Deliberate: silence. What was read before the failure counts.
     }
     return currentId;
+}
+
+bool LibraryFilterManager::isWhollyReadable(const fileString& path)
+{
+    std::vector<LibraryFilter> filters;
+    long currentId = -1;
+    try {
+        readFile(path, filters, currentId);
+        return true;
+    } catch (...) {
+        return false;
+    }
 }

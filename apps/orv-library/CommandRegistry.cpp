@@ -1,6 +1,8 @@
 #include "apps/orv-library/Command.h"
+#include "apps/orv-library/FiltersCommand.h"
 #include "apps/orv-library/ImportCommand.h"
 #include "apps/orv-library/LogCommand.h"
+#include "apps/orv-library/ManufacturersCommand.h"
 #include "apps/orv-library/PackCommand.h"
 #include "apps/orv-library/PathsCommand.h"
 #include "apps/orv-library/PublishCommand.h"
@@ -20,6 +22,8 @@ CommandList allCommands()
     commands.push_back(std::make_unique<UnpackCommand>());
     commands.push_back(std::make_unique<ImportCommand>());
     commands.push_back(std::make_unique<PackCommand>());
+    commands.push_back(std::make_unique<FiltersCommand>());
+    commands.push_back(std::make_unique<ManufacturersCommand>());
     commands.push_back(std::make_unique<LogCommand>());
     commands.push_back(std::make_unique<StatusCommand>());
     commands.push_back(std::make_unique<VerifyCommand>());

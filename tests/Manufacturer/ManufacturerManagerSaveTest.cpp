@@ -4,6 +4,7 @@
 
 #include "OrvLibrary/json/json_writer.h"
 #include "tests/Manufacturer/ManufacturerFixture.h"
+#include "tests/support/FormatPage.h"
 
 namespace {
 
@@ -91,6 +92,18 @@ TEST_F(ManufacturerManagerSave, tableIsReadBackAsItWasWritten)
     ASSERT_TRUE(ManufacturerManager::read_manufacturer_file(dataFile(), table, &time, &text));
     EXPECT_TRUE(table == edited);
     EXPECT_EQ(text, "text");
+}
+
+TEST_F(ManufacturerManagerSave, exampleOnThePageIsWhatIsReadAndWritten)
+{
+    std::string example = test::exampleOnPage("manufacturer_data");
+    writeDataFile(example);
+    EXPECT_EQ(names(), "4:Doors & More 17:Möbelwerk ");
+    EXPECT_EQ(manager().getLastModified(), time("20261121T033512.250000"));
+    EXPECT_EQ(manager().getManufacturer(17).getManufacturerPhoneNumber(true), "Ask your dealer");
+    manager().write_manufacturer_file();
+    example.replace(example.find("20261121T033512.250000"), 22, "NOW");
+    EXPECT_EQ(written(), example + "\n");
 }
 
 TEST_F(ManufacturerManagerSave, theTwoHalvesMakeTheDocument)

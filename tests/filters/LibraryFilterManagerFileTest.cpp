@@ -1,10 +1,13 @@
 #include "OrvLibrary/LibraryFilterManager.h"
 
+#include <algorithm>
+
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/host/MessagingSystem.h"
+#include "tests/support/FormatPage.h"
 #include "tests/support/ScopedHost.h"
 
 namespace {
@@ -98,6 +101,17 @@ TEST_F(LibraryFilterManagerFile, everyLoadTurnsTheListRound)
     mFilters.clear();
     LibraryFilterManager::loadFiltersFromFile(path, mFilters);
     EXPECT_EQ(loaded(), "0 A [x,y,]\n1 B []\n2 C [z,]\n");
+}
+
+TEST_F(LibraryFilterManagerFile, exampleOnThePageIsWhatIsReadAndWritten)
+{
+    const std::string example = test::exampleOnPage("catalog_filters");
+    EXPECT_EQ(load(example), 2);
+    EXPECT_EQ(loaded(), "0 Küche & Bad []\n2 Kitchen [b1f0c9,Doors,]\n");
+    std::reverse(mFilters.begin(), mFilters.end());
+    const fileString path = mHost.folder().file("f.json");
+    ASSERT_TRUE(LibraryFilterManager::saveFiltersToFile(path, mFilters, 2));
+    EXPECT_EQ(test::readFile(path), example + "\n");
 }
 
 TEST_F(LibraryFilterManagerFile, loadingAppends)
@@ -246,6 +260,24 @@ TEST_F(LibraryFilterManagerFile, whatIsNoFileHoldsNoFilters)
         EXPECT_EQ(loaded(), "") << path;
     }
     EXPECT_TRUE(mHost.messages().empty());
+}
+
+TEST_F(LibraryFilterManagerFile, tellsWhetherAllOfAFileIsRead)
+{
+    const auto isRead = [this](const std::string& content) {
+        return LibraryFilterManager::isWhollyReadable(mHost.folder().write("f.json", content));
+    };
+    const std::string good = kGood;
+    EXPECT_TRUE(isRead("{}"));
+    EXPECT_TRUE(isRead("{" + good + "}"));
+    EXPECT_TRUE(isRead("{\"Current_Filter\": 3, \"x\": 1, " + good + "," + good + "}"));
+    EXPECT_FALSE(isRead(""));
+    EXPECT_FALSE(isRead("[]"));
+    EXPECT_FALSE(isRead("{"));
+    EXPECT_FALSE(isRead("{\"Current_Filter\": 3.0}"));
+    EXPECT_FALSE(isRead("{\"Filter\": 5, " + good + "}"));
+    EXPECT_FALSE(LibraryFilterManager::isWhollyReadable(mHost.folder().file("missing")));
+    EXPECT_FALSE(LibraryFilterManager::isWhollyReadable(fileString(mHost.folder().path())));
 }
 
 TEST_F(LibraryFilterManagerFile, idBeyondAnIntMakesTheFileUnreadable)

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "OrvLibrary/host/Curl.h"
+
+/// A download service that hands everything on to another one; the base of those that watch.
+class ForwardingCurl : public Curl
+{
+public:
+    /// @param next not owned
+    explicit ForwardingCurl(Curl& next) : mNext(next) {}
+
+    bool downloadable(const std::string& url) override { return mNext.downloadable(url); }
+    fileString download(const std::string& url) override { return mNext.download(url); }
+    bool download_to_location(const std::string& url, const fileString& target, std::string& reason) override
+    {
+        return mNext.download_to_location(url, target, reason);
+    }
+    bool download_to_location(const std::string& url, const fileString& target,
+                              const std::vector<std::string>& headerLines, void* context,
+                              ProgressFunction progress, std::string& reason, int& errorNumber) override
+    {
+        return mNext.download_to_location(url, target, headerLines, context, progress, reason, errorNumber);
+    }
+    bool getURLHeader(const std::string& url, const std::vector<std::string>& headerLines,
+                      std::string& headerText, std::int64_t& status) override
+    {
+        return mNext.getURLHeader(url, headerLines, headerText, status);
+    }
+    bool browseURL(const std::string& url, const std::vector<std::string>& headerLines, std::string& body,
+                   bool followRedirects, int timeoutSeconds) override
+    {
+        return mNext.browseURL(url, headerLines, body, followRedirects, timeoutSeconds);
+    }
+    void prefetchHeaders(const std::vector<HeaderRequest>& requests) override
+    {
+        mNext.prefetchHeaders(requests);
+    }
+    std::string urlAfterRedirects(const std::string& url) override { return mNext.urlAfterRedirects(url); }
+
+private:
+    Curl& mNext;
+};

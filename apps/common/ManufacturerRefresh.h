@@ -1,0 +1,57 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "OrvLibrary/Manufacturer/Manufacturer.h"
+#include "OrvLibrary/host/fileString.h"
+#include "apps/common/ForwardingCurl.h"
+
+/// A refresh of the manufacturer records that says what became of it, which the library itself does not: a
+/// download service that watches the library at it. Used on the main thread.
+class ManufacturerRefresh : public ForwardingCurl
+{
+public:
+    using Table = std::map<long, Manufacturer>;
+
+    /// What changed, by id.
+    struct Changes
+    {
+        std::vector<long> added;
+        std::vector<long> removed;
+        std::vector<long> newer;
+        std::vector<long> older;
+        std::vector<long> changed; ///< different, with the same time
+    };
+
+    /// @param next the service that does the work; not owned
+    explicit ManufacturerRefresh(Curl& next);
+
+    /// Refreshes through the manager. Before the data file is replaced, the former one is kept beside it as
+    /// "manufacturer_data.json.bak".
+    /// @throws std::runtime_error when the data could not be fetched, read or written, or the former file
+    /// could not be kept; nothing has changed then
+    void run(const std::string& dataUrl, const std::string& logoUrl);
+
+    const Changes& changes() const { return mChanges; }
+    /// One line for each logo that could not be fetched: address and reason.
+    const std::vector<std::string>& failedLogos() const { return mFailedLogos; }
+
+    using ForwardingCurl::download_to_location;
+    bool download_to_location(const std::string& url, const fileString& target, std::string& reason) override;
+
+    /// The records that the manager holds.
+    static Table currentTable();
+
+private:
+    void takeData(const std::string& url, const fileString& file);
+    static void prepareToOverwrite();
+    static void demandWritten();
+
+    bool mIsAsked = false;   ///< whether the service was asked for its file
+    bool mIsApplied = false; ///< whether that file is newer, so that it replaces ours
+    std::string mFailure;    ///< why the file cannot be had or taken over; empty when it can
+    std::vector<std::string> mFailedLogos;
+    Changes mChanges;
+};

@@ -1,0 +1,204 @@
+#include "apps/orv-library/FiltersCommand.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+
+#include <QJsonArray>
+
+#include "OrvLibrary/LibraryFilterManager.h"
+#include "apps/orv-library/FilterChange.h"
+#include "apps/orv-library/Session.h"
+
+namespace {
+
+using Filters = std::vector<LibraryFilter>;
+
+constexpr long kNone = -1;
+
+/// The manager, on the host's folders.
+LibraryFilterManager& manager(Session& session)
+{
+    session.host();
+    return LibraryFilterManager::getLibraryFilterManager();
+}
+
+QJsonArray jsonArray(const std::vector<std::string>& texts)
+{
+    QJsonArray array;
+    for (const std::string& text : texts)
+        array.append(jsonText(text));
+    return array;
+}
+
+QJsonObject document(const LibraryFilter& filter)
+{
+    return {{"id", static_cast<qint64>(filter.getFilterId())},
+            {"name", jsonText(filter.getFilterName())},
+            {"databases", jsonArray(filter.getDatabaseIds())}};
+}
+
+std::string line(const LibraryFilter& filter)
+{
+    std::string text = std::to_string(filter.getFilterId()) + "  " + filter.getFilterName() + ":";
+    for (const std::string& database : filter.getDatabaseIds())
+        text += " " + database;
+    return text + "\n";
+}
+
+void print(Session& session, const LibraryFilterManager& filters)
+{
+    QJsonArray array;
+    std::string text = "Current: " + filters.getCurrentFilterString() + "\n";
+    for (const LibraryFilter& filter : filters.getLibraryFilters()) {
+        array.append(document(filter));
+        text += line(filter);
+    }
+    session.console().result({{"current", static_cast<qint64>(filters.getCurrentFilterId())},
+                              {"filters", array},
+                              {"labels", jsonArray(filters.getFilterStrings())}},
+                             text);
+}
+
+/// Ids that a file can hold and that stand for a filter.
+long usableId(std::int64_t id)
+{
+    if (id == kNone || id < std::numeric_limits<std::int32_t>::min() ||
+        id > std::numeric_limits<std::int32_t>::max())
+        throw UsageError(std::to_string(id) +
+                         " is no id of a filter: it must be a number of 32 bits other than -1");
+    return static_cast<long>(id);
+}
+
+bool hasId(const Filters& filters, long id)
+{
+    return std::any_of(filters.begin(), filters.end(),
+                       [id](const LibraryFilter& filter) { return filter.getFilterId() == id; });
+}
+
+void demandId(const LibraryFilterManager& filters, long id)
+{
+    if (!hasId(filters.getLibraryFilters(), id))
+        throw CommandFailure("no filter has the id " + std::to_string(id) + ": " +
+                             filters.getFilterFullname().toNativeString());
+}
+
+ExitStatus saveAndPrint(Session& session, FilterChange& change)
+{
+    change.save();
+    print(session, change.filters());
+    return ExitStatus::Done;
+}
+
+} // namespace
+
+void FiltersCommand::declare(CommandSyntax& syntax)
+{
+    const auto action = [this, &syntax](const char* name, const char* summary,
+                                        ExitStatus (FiltersCommand::*work)(Session&)
+                                            const) -> CommandSyntax& {
+        CommandSyntax& added = syntax.action(name, summary);
+        added.runs([this, work](Session& session) { return (this->*work)(session); });
+        return added;
+    };
+    action("list", "Print all filters and the current one", &FiltersCommand::list);
+    action("show", "Print one filter", &FiltersCommand::show).argument("ID", mId, "Id of the filter");
+    CommandSyntax& adding = action("add", "Add a filter", &FiltersCommand::add);
+    adding.argument("NAME", mName, "Name of the filter");
+    adding.arguments("DATABASE-ID", mDatabases, "The databases that it names");
+    adding.option("--id", mId, "N", "Id of the filter; else the lowest free one");
+    action("remove", "Remove a filter", &FiltersCommand::remove).argument("ID", mId, "Id of the filter");
+    action("use", "Make a filter the current one, or none", &FiltersCommand::use)
+        .argument("ID|none", mIdOrNone, "Id of the filter, or none");
+    action("drop-database", "Remove a database from every filter", &FiltersCommand::dropDatabase)
+        .argument("DATABASE-ID", mDatabase, "Id of the database");
+    action("merge", "Merge the filters into another filter file and take over the result",
+           &FiltersCommand::merge)
+        .argument("FILE", mFile, "The other filter file; made when it is missing");
+}
+
+ExitStatus FiltersCommand::list(Session& session) const
+{
+    print(session, manager(session));
+    return ExitStatus::Done;
+}
+
+ExitStatus FiltersCommand::show(Session& session) const
+{
+    const long id = usableId(mId);
+    const LibraryFilterManager& filters = manager(session);
+    demandId(filters, id);
+    const LibraryFilter filter =
+        LibraryFilterManager::getLibraryFilterFromId(id, filters.getLibraryFilters());
+    session.console().result(document(filter), line(filter));
+    return ExitStatus::Done;
+}
+
+ExitStatus FiltersCommand::add(Session& session) const
+{
+    if (mName.empty())
+        throw UsageError("the name of a filter must not be empty");
+    if (mId != kNoId)
+        usableId(mId);
+    FilterChange change(session);
+    Filters filters = change.filters().getLibraryFilters();
+    filters.push_back(LibraryFilter(mName, newId(filters), mDatabases));
+    change.filters().setLibraryFilters(filters);
+    return saveAndPrint(session, change);
+}
+
+long FiltersCommand::newId(const Filters& filters) const
+{
+    if (mId != kNoId && hasId(filters, mId))
+        throw CommandFailure("another filter has the id " + std::to_string(mId));
+    long id = mId != kNoId ? mId : 0;
+    while (hasId(filters, id))
+        ++id;
+    return id;
+}
+
+ExitStatus FiltersCommand::remove(Session& session) const
+{
+    const long id = usableId(mId);
+    FilterChange change(session);
+    demandId(change.filters(), id);
+    Filters filters = change.filters().getLibraryFilters();
+    filters.erase(std::find_if(filters.begin(), filters.end(),
+                               [id](const LibraryFilter& filter) { return filter.getFilterId() == id; }));
+    if (change.filters().getCurrentFilterId() == id && !hasId(filters, id))
+        change.filters().setCurrentFilterId(kNone);
+    change.filters().setLibraryFilters(filters);
+    return saveAndPrint(session, change);
+}
+
+ExitStatus FiltersCommand::use(Session& session) const
+{
+    std::int64_t wanted = kNone;
+    const char* const end = mIdOrNone.data() + mIdOrNone.size();
+    if (mIdOrNone != "none" && std::from_chars(mIdOrNone.data(), end, wanted).ptr != end)
+        throw UsageError("'" + mIdOrNone + "' is neither the id of a filter nor none");
+    const long id = mIdOrNone == "none" ? kNone : usableId(wanted);
+    FilterChange change(session);
+    if (id != kNone)
+        demandId(change.filters(), id);
+    change.filters().setCurrentFilterId(id);
+    return saveAndPrint(session, change);
+}
+
+ExitStatus FiltersCommand::dropDatabase(Session& session) const
+{
+    FilterChange change(session);
+    change.filters().removeIdFromLibraryFilters(mDatabase);
+    return saveAndPrint(session, change);
+}
+
+ExitStatus FiltersCommand::merge(Session& session) const
+{
+    const fileString file{mFile};
+    FilterChange change(session);
+    FilterChange::prepareToOverwrite(change.filters().getFilterFullname());
+    FilterChange::prepareToOverwrite(file);
+    if (!change.filters().mergeFilters(file))
+        throw CommandFailure("cannot write " + mFile);
+    return saveAndPrint(session, change);
+}

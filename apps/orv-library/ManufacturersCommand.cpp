@@ -1,0 +1,149 @@
+#include "apps/orv-library/ManufacturersCommand.h"
+
+#include <QJsonArray>
+
+#include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "OrvLibrary/host/TimeUtils.h"
+#include "apps/common/ChangeLock.h"
+#include "apps/common/ManufacturerRefresh.h"
+#include "apps/orv-library/Session.h"
+
+namespace {
+
+using Table = ManufacturerRefresh::Table;
+
+/// The manager, on the host's folders.
+const ManufacturerManager& manager(Session& session)
+{
+    session.host();
+    return *ManufacturerManager::getManufacturerManager();
+}
+
+QJsonObject document(long id, const Manufacturer& record, bool resolveDefault)
+{
+    return {{"id", static_cast<qint64>(id)},
+            {"name", jsonText(record.getManufacturerName())},
+            {"url", jsonText(record.getManufacturerUrl())},
+            {"phone", jsonText(record.getManufacturerPhoneNumber(resolveDefault))},
+            {"fax", jsonText(record.getManufacturerFaxNumber(resolveDefault))},
+            {"email", jsonText(record.getManufacturerEmail(resolveDefault))},
+            {"logo", jsonText(record.getManufacturerLogoName().toNativeString())},
+            {"lock", record.isLocked()},
+            {"deleted", record.isDeleted()},
+            {"lastModified", jsonText(Library::toString(record.getLastModified()))}};
+}
+
+QJsonObject document(const ManufacturerManager& manager, const Table& table)
+{
+    QJsonArray records;
+    for (const auto& [id, record] : table)
+        records.append(document(id, record, false));
+    return {{"lastModified", jsonText(Library::toString(manager.getLastModified()))},
+            {"defaultText", jsonText(manager.getDefaultText())},
+            {"manufacturers", records}};
+}
+
+std::string line(long id, const Manufacturer& record)
+{
+    return std::to_string(id) + "  " + record.getManufacturerName() +
+           (record.isDeleted() ? "  (deleted)" : "") + (record.isLocked() ? "  (locked)" : "") + "\n";
+}
+
+std::string details(long id, const Manufacturer& record)
+{
+    return line(id, record) + "Url:    " + record.getManufacturerUrl() +
+           "\nPhone:  " + record.getManufacturerPhoneNumber(true) +
+           "\nFax:    " + record.getManufacturerFaxNumber(true) +
+           "\nEmail:  " + record.getManufacturerEmail(true) +
+           "\nLogo:   " + record.getManufacturerLogoName().toNativeString() +
+           "\nChange: " + Library::toString(record.getLastModified()) + "\n";
+}
+
+/// The kinds of change, each with its ids.
+std::vector<std::pair<const char*, const std::vector<long>*>>
+kinds(const ManufacturerRefresh::Changes& changes)
+{
+    return {{"added", &changes.added},
+            {"removed", &changes.removed},
+            {"newer", &changes.newer},
+            {"older", &changes.older},
+            {"changed", &changes.changed}};
+}
+
+QJsonObject document(const ManufacturerRefresh::Changes& changes)
+{
+    QJsonObject object;
+    for (const auto& [kind, ids] : kinds(changes)) {
+        QJsonArray array;
+        for (const long id : *ids)
+            array.append(static_cast<qint64>(id));
+        object[kind] = array;
+    }
+    return object;
+}
+
+std::string text(const ManufacturerRefresh::Changes& changes)
+{
+    std::string lines;
+    for (const auto& [kind, ids] : kinds(changes)) {
+        if (ids->empty())
+            continue;
+        lines += std::string(kind) + ":";
+        for (const long id : *ids)
+            lines += " " + std::to_string(id);
+        lines += "\n";
+    }
+    return lines.empty() ? "Nothing has changed.\n" : lines;
+}
+
+} // namespace
+
+void ManufacturersCommand::declare(CommandSyntax& syntax)
+{
+    syntax.action("list", "Print all records, as they are stored").runs(list);
+    CommandSyntax& one = syntax.action("show", "Print one record, defaulted contacts resolved");
+    one.argument("ID", mId, "Id of the manufacturer");
+    one.runs([this](Session& session) { return show(session); });
+    CommandSyntax& refreshing =
+        syntax.action("refresh", "Fetch the records and their logos from the web service");
+    refreshing.option("--data-url", mDataUrl, "U", "Address of the manufacturer file",
+                      CommandSyntax::Presence::Required);
+    refreshing.option("--logo-url", mLogoUrl, "U", "Address to which the name of a logo is added",
+                      CommandSyntax::Presence::Required);
+    refreshing.runs([this](Session& session) { return refresh(session); });
+}
+
+ExitStatus ManufacturersCommand::list(Session& session)
+{
+    const ManufacturerManager& records = manager(session);
+    const Table table = ManufacturerRefresh::currentTable();
+    std::string lines;
+    for (const auto& [id, record] : table)
+        lines += line(id, record);
+    session.console().result(document(records, table), lines);
+    return ExitStatus::Done;
+}
+
+ExitStatus ManufacturersCommand::show(Session& session) const
+{
+    const ManufacturerManager& records = manager(session);
+    if (!records.manufacturerExists(mId))
+        throw CommandFailure("no manufacturer has the id " + std::to_string(mId));
+    const Manufacturer& record = records.getManufacturer(mId);
+    session.console().result(document(mId, record, true), details(mId, record));
+    return ExitStatus::Done;
+}
+
+ExitStatus ManufacturersCommand::refresh(Session& session) const
+{
+    session.host();
+    const ChangeLock lock("manufacturers");
+    ManufacturerRefresh refresh(Curl::get());
+    refresh.run(mDataUrl, mLogoUrl);
+    for (const std::string& failure : refresh.failedLogos())
+        Console::complain(failure);
+    QJsonObject result = document(manager(session), ManufacturerRefresh::currentTable());
+    result["changes"] = document(refresh.changes());
+    session.console().result(result, text(refresh.changes()));
+    return ExitStatus::Done;
+}
