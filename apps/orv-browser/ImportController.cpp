@@ -1,0 +1,112 @@
+#include "apps/orv-browser/ImportController.h"
+
+#include <QFile>
+#include <QProgressDialog>
+
+#include "apps/common/ArchiveImport.h"
+#include "apps/orv-browser/Background.h"
+
+/// Hands the labels of the import to the dialog; called on the import's thread.
+class ImportController::Progress : public ProgressSubject
+{
+public:
+    Progress(QObject& receiver, std::function<void(const QString&)> show,
+             std::shared_ptr<std::atomic<bool>> cancelled)
+        : mReceiver(receiver), mShow(std::move(show)), mCancelled(std::move(cancelled))
+    {
+    }
+
+    bool checkCancel(bool) override { return *mCancelled; }
+    void createSubProgress(std::uint64_t) override {}
+    void increment(const marl::unicode::String& label1, const marl::unicode::String&) override
+    {
+        show(label1);
+    }
+    void updateLabels(const marl::unicode::String& label1, const marl::unicode::String&) override
+    {
+        show(label1);
+    }
+
+private:
+    void show(const marl::unicode::String& label)
+    {
+        const QString text = QString::fromStdString(label.toUTF8String());
+        QMetaObject::invokeMethod(
+            &mReceiver, [show = mShow, text] { show(text); }, Qt::QueuedConnection);
+    }
+
+    QObject& mReceiver;
+    std::function<void(const QString&)> mShow;
+    std::shared_ptr<std::atomic<bool>> mCancelled;
+};
+
+ImportController::ImportController(QWidget* window) : QObject(window), mWindow(window)
+{
+    mPool.setMaxThreadCount(1);
+}
+
+ImportController::~ImportController()
+{
+    cancel();
+    mPool.waitForDone();
+}
+
+void ImportController::import(const QStringList& sources)
+{
+    mQueue += sources;
+    if (!mIsRunning)
+        next();
+}
+
+void ImportController::cancel()
+{
+    mQueue.clear();
+    if (mCancelled)
+        *mCancelled = true;
+}
+
+void ImportController::next()
+{
+    mIsRunning = !mQueue.isEmpty();
+    if (!mIsRunning) {
+        delete mDialog;
+        mDialog = nullptr;
+        Q_EMIT finished();
+        return;
+    }
+    const QString source = mQueue.takeFirst();
+    if (!mDialog) {
+        mDialog = new QProgressDialog(mWindow);
+        mDialog->setObjectName(QStringLiteral("importProgress"));
+        mDialog->setWindowTitle(tr("Import"));
+        mDialog->setRange(0, 0);
+        mDialog->setMinimumDuration(300);
+        connect(mDialog, &QProgressDialog::canceled, this, &ImportController::cancel);
+    }
+    mDialog->setLabelText(source);
+    mCancelled = std::make_shared<std::atomic<bool>>(false);
+    const auto show = [this](const QString& text) {
+        if (mDialog)
+            mDialog->setLabelText(text);
+    };
+    const auto progress = std::make_shared<Progress>(*this, show, mCancelled);
+    Background::run(
+        mPool, this,
+        [source, progress] {
+            try {
+                const auto result =
+                    ArchiveImport::run(QFile::encodeName(source).toStdString(), false, progress);
+                const bool isEmpty = result.library.empty() && result.textures.empty();
+                return isEmpty ? tr("it holds no library") : QString();
+            } catch (const std::exception& error) {
+                return QString::fromUtf8(error.what());
+            }
+        },
+        [this, source](const QString& problem) { ended(source, problem); });
+}
+
+void ImportController::ended(const QString& source, const QString& problem)
+{
+    Q_EMIT imported(source, problem);
+    next();
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QDialog>
+
+#include "OrvLibrary/host/fileString.h"
+
+/// Shows the entries of the error log, the newest first.
+class LogDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    LogDialog(const fileString& log, QWidget* parent);
+};

@@ -1,0 +1,60 @@
+#include "apps/orv-browser/PreferencesDialog.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QLineEdit>
+
+namespace {
+
+constexpr int kLineWidth = 360;
+
+QLineEdit* addLine(QFormLayout& layout, const QString& label, const QString& name, const QString& value)
+{
+    auto* line = new QLineEdit(value);
+    line->setObjectName(name);
+    line->setMinimumWidth(kLineWidth);
+    layout.addRow(label, line);
+    return line;
+}
+
+} // namespace
+
+PreferencesDialog::PreferencesDialog(const BrowserSettings& settings, QWidget* parent) : QDialog(parent)
+{
+    setObjectName(QStringLiteral("preferencesDialog"));
+    setWindowTitle(tr("Preferences"));
+    auto* layout = new QFormLayout(this);
+    mServiceUrl =
+        addLine(*layout, tr("&Catalog service:"), QStringLiteral("serviceUrl"), settings.serviceUrl);
+    mServiceUrl->setPlaceholderText(QStringLiteral("https://…/redirect"));
+    mProduct = addLine(*layout, tr("&Product:"), QStringLiteral("product"), settings.product);
+    mVersion = addLine(*layout, tr("&Version:"), QStringLiteral("productVersion"), settings.productVersion);
+    mManufacturerDataUrl = addLine(*layout, tr("&Manufacturer data:"), QStringLiteral("manufacturerDataUrl"),
+                                   settings.manufacturerDataUrl);
+    mManufacturerLogoUrl = addLine(*layout, tr("Manufacturer &logos:"), QStringLiteral("manufacturerLogoUrl"),
+                                   settings.manufacturerLogoUrl);
+    mProxy = addLine(*layout, tr("Pro&xy:"), QStringLiteral("proxy"), settings.proxy);
+    mProxy->setPlaceholderText(tr("as the system says"));
+    mCheckAtStart = new QCheckBox(tr("Check for updates at &start"));
+    mCheckAtStart->setObjectName(QStringLiteral("checkAtStart"));
+    mCheckAtStart->setChecked(settings.checkAtStart);
+    layout->addRow(mCheckAtStart);
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    layout->addRow(buttons);
+}
+
+BrowserSettings PreferencesDialog::settings() const
+{
+    BrowserSettings settings;
+    settings.serviceUrl = mServiceUrl->text().trimmed();
+    settings.product = mProduct->text().trimmed();
+    settings.productVersion = mVersion->text().trimmed();
+    settings.manufacturerDataUrl = mManufacturerDataUrl->text().trimmed();
+    settings.manufacturerLogoUrl = mManufacturerLogoUrl->text().trimmed();
+    settings.proxy = mProxy->text().trimmed();
+    settings.checkAtStart = mCheckAtStart->isChecked();
+    return settings;
+}

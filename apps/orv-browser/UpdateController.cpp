@@ -1,0 +1,145 @@
+#include "apps/orv-browser/UpdateController.h"
+
+#include <QLocale>
+#include <QStringList>
+
+#include "OrvLibrary/IO/ErrorLog.h"
+#include "OrvLibrary/UI/qtLibraryProgressPanel.h"
+#include "apps/common/CatalogUpdateRun.h"
+#include "apps/common/ErrorLogReader.h"
+#include "apps/common/LegacyText.h"
+#include "apps/orv-browser/UpdateReceiver.h"
+
+namespace {
+
+constexpr int kNoEndpoint = 0x1036918b;
+constexpr int kFirstGoodResult = 2; // 2 updated, 3 current
+constexpr int kMostNames = 5;
+
+std::vector<ErrorLogEntry> logEntries()
+{
+    try {
+        return ErrorLogReader::read(Library::ErrorLog::file());
+    } catch (const std::exception&) {
+        return {}; // a log that cannot be read has nothing to say
+    }
+}
+
+QString listed(const std::set<std::string>& names)
+{
+    QStringList list;
+    for (const std::string& name : names)
+        if (list.size() < kMostNames)
+            list << QString::fromStdString(LegacyText::toUtf8(name));
+    const int rest = static_cast<int>(names.size()) - static_cast<int>(list.size());
+    const QString text = list.join(QStringLiteral(", "));
+    return rest > 0 ? UpdateController::tr("%1 and %n more", nullptr, rest).arg(text) : text;
+}
+
+} // namespace
+
+UpdateController::UpdateController(QMainWindow& window, const fileString& root)
+    : QObject(&window), mWindow(window), mRoot(root)
+{
+}
+
+UpdateController::~UpdateController()
+{
+    mRun.reset(); // waits for the worker, which still knows the receiver
+}
+
+void UpdateController::start(const QString& url, const QString& product, const QString& version)
+{
+    if (mRun)
+        return;
+    mLogEntriesBefore = logEntries().size();
+    CatalogUpdateRun::Request request;
+    request.url = url.toStdString();
+    request.product = product.toStdString();
+    request.productVersion = version.toStdString();
+    try {
+        mRun = std::make_unique<CatalogUpdateRun>(request);
+    } catch (const std::exception& error) {
+        Q_EMIT ended(QString::fromUtf8(error.what()), false);
+        return;
+    }
+    mPanel = LibraryProgressPanel::create(&mWindow);
+    mPanel->show();
+    mReceiver = std::make_unique<UpdateReceiver>(mRun->swapper(), mPanel);
+    connectReceiver();
+    mRun->start(*mReceiver);
+}
+
+void UpdateController::connectReceiver()
+{
+    connect(mReceiver.get(), &UpdateReceiver::catalogReplaced, this, &UpdateController::catalogReplaced);
+    connect(
+        mReceiver.get(), &UpdateReceiver::speedChanged, this,
+        [this](double bytesPerSecond, double secondsLeft) {
+            const QString speed = QLocale().formattedDataSize(static_cast<qint64>(bytesPerSecond));
+            Q_EMIT speedChanged(
+                tr("%1/s, about %n second(s) left", nullptr, static_cast<int>(secondsLeft) + 1).arg(speed));
+        });
+    connect(mRun.get(), &CatalogUpdateRun::finished, this, &UpdateController::runEnded);
+}
+
+void UpdateController::cancel()
+{
+    if (mRun)
+        CatalogUpdateRun::cancel();
+}
+
+void UpdateController::runEnded()
+{
+    const auto& outcome = mReceiver->outcome();
+    QStringList notes;
+    try {
+        for (const std::string& note : mRun->finish(outcome && outcome->result >= kFirstGoodResult, mRoot))
+            notes << QString::fromStdString(note);
+    } catch (const std::exception& error) {
+        notes << tr("The update failed: %1").arg(QString::fromUtf8(error.what()));
+    }
+    bool hasProblems = false;
+    const QString summary = summaryOf(notes, hasProblems);
+    mRun.release()->deleteLater(); // it is the sender
+    mReceiver.reset();
+    closePanel();
+    Q_EMIT ended(summary, hasProblems);
+}
+
+void UpdateController::closePanel()
+{
+    if (mPanel)
+        mPanel->close(); // which deletes it
+}
+
+QString UpdateController::summaryOf(const QStringList& notes, bool& hasProblems) const
+{
+    hasProblems = !notes.isEmpty();
+    QStringList sentences;
+    const auto& outcome = mReceiver->outcome();
+    if (!outcome && notes.isEmpty())
+        sentences << tr("The update was cancelled.");
+    if (outcome && !outcome->updatedCatalogs.empty())
+        sentences << tr("Updated: %1.").arg(listed(outcome->updatedCatalogs));
+    if (outcome && outcome->result >= kFirstGoodResult && outcome->updatedCatalogs.empty())
+        sentences << tr("All catalogs are up to date.");
+    if (outcome && outcome->result < kFirstGoodResult) {
+        hasProblems = true;
+        sentences << problemText();
+    }
+    return (sentences + notes).join(QLatin1Char(' '));
+}
+
+/// What went wrong, with the first line that the run added to the log.
+QString UpdateController::problemText() const
+{
+    if (mReceiver->outcome()->messageCode == kNoEndpoint)
+        return tr("The catalog service cannot be reached; the library stays as it is.");
+    const auto entries = logEntries();
+    if (entries.size() <= mLogEntriesBefore)
+        return tr("Some catalogs could not be checked.");
+    const QString reason = QString::fromStdString(LegacyText::toUtf8(entries[mLogEntriesBefore].message));
+    return tr("Some catalogs could not be updated: %1")
+        .arg(reason.section(QLatin1Char('\n'), 0, 0).simplified() + QLatin1Char('.'));
+}

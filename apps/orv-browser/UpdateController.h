@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include <QMainWindow>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include "OrvLibrary/host/fileString.h"
+
+class CatalogUpdateRun;
+class LibraryProgressPanel;
+class UpdateReceiver;
+
+/// Runs catalog updates for the window: docks the progress panel while one runs, and says in a plain sentence
+/// how it ended. Lives on the interface thread.
+class UpdateController : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param root the root of the well-known folders
+    UpdateController(QMainWindow& window, const fileString& root);
+    /// Cancels what is under way and waits for it.
+    ~UpdateController() override;
+
+    bool isRunning() const { return mRun != nullptr; }
+    /// Starts a run; while one runs it does nothing.
+    void start(const QString& url, const QString& product, const QString& version);
+    void cancel();
+
+Q_SIGNALS:
+    /// A new catalog has been put in place.
+    void catalogReplaced(const fileString& database);
+    /// How the download goes on, for people.
+    void speedChanged(const QString& text);
+    /// The run is over: a sentence for people, and whether the log has more to say.
+    void ended(const QString& summary, bool hasProblems);
+
+private:
+    void connectReceiver();
+    void runEnded();
+    QString summaryOf(const QStringList& notes, bool& hasProblems) const;
+    QString problemText() const;
+    void closePanel();
+
+    QMainWindow& mWindow;
+    fileString mRoot;
+    QPointer<LibraryProgressPanel> mPanel;
+    std::unique_ptr<UpdateReceiver> mReceiver;
+    std::unique_ptr<CatalogUpdateRun> mRun;
+    std::size_t mLogEntriesBefore = 0;
+};

@@ -1,0 +1,69 @@
+#include "apps/orv-browser/UpdateReceiver.h"
+
+#include "apps/common/LegacyText.h"
+
+namespace {
+
+constexpr double kBytesPerKilobyte = 1000;
+constexpr qint64 kLeastMilliseconds = 500; // before that a speed says nothing
+
+} // namespace
+
+UpdateReceiver::UpdateReceiver(CatalogSwapper& swapper, LibraryProgressPanel* panel)
+    : mSwapper(swapper), mPanel(panel)
+{
+}
+
+void UpdateReceiver::onSetText(std::string text)
+{
+    if (mPanel)
+        mPanel->onSetText(LegacyText::toUtf8(text));
+}
+
+void UpdateReceiver::onSetUnits(std::string units)
+{
+    mDownloadTime.start();
+    if (mPanel)
+        mPanel->onSetUnits(units);
+}
+
+void UpdateReceiver::onSetRangeInGauge(size_t range)
+{
+    mRange = range;
+    if (mPanel)
+        mPanel->onSetRangeInGauge(range);
+}
+
+void UpdateReceiver::onSetValueInGauge(size_t value)
+{
+    if (mPanel)
+        mPanel->onSetValueInGauge(value);
+    if (!mDownloadTime.isValid() || mDownloadTime.elapsed() < kLeastMilliseconds || value == 0)
+        return;
+    const double seconds = static_cast<double>(mDownloadTime.elapsed()) / 1000;
+    const double bytesPerSecond = static_cast<double>(value) * kBytesPerKilobyte / seconds;
+    const double left = mRange > value ? static_cast<double>(mRange - value) * kBytesPerKilobyte : 0;
+    Q_EMIT speedChanged(bytesPerSecond, left / bytesPerSecond);
+}
+
+void UpdateReceiver::onUpdateInGauge()
+{
+    if (mPanel)
+        mPanel->onUpdateInGauge();
+}
+
+void UpdateReceiver::onCatalogUpdatedEvent(FileStringPair catalog)
+{
+    if (mSwapper.swapIn(catalog.first, catalog.second))
+        Q_EMIT catalogReplaced(catalog.first);
+}
+
+void UpdateReceiver::closeCatalogUpdateEvent(const LibraryCatalogUpdate::UpdateData& outcome)
+{
+    mOutcome = outcome;
+}
+
+void UpdateReceiver::onClose()
+{
+    mOutcome.reset();
+}

@@ -1,0 +1,84 @@
+#include <iostream>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFile>
+#include <QLibraryInfo>
+#include <QLocale>
+#include <QTranslator>
+
+#include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "OrvLibrary/OrvLibraryVersion.h"
+#include "OrvLibrary/Utility/Chooser.h"
+#include "apps/common/AppHost.h"
+#include "apps/orv-browser/MainWindow.h"
+
+namespace {
+
+/// Qt's own texts and the window's, in the user's language where there are some.
+void installTranslators(QApplication& application)
+{
+    auto* qt = new QTranslator(&application);
+    if (qt->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
+                 QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
+        QApplication::installTranslator(qt);
+    auto* own = new QTranslator(&application);
+    if (own->load(QLocale(), QStringLiteral("orvbrowser"), QStringLiteral("_"),
+                  QStringLiteral(":/orvbrowser/translations")))
+        QApplication::installTranslator(own);
+}
+
+std::string value(const QCommandLineParser& parser, const QString& option)
+{
+    return QFile::encodeName(parser.value(option)).toStdString();
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("orv-browser"));
+    QApplication::setApplicationVersion(QStringLiteral(ORVLIBRARY_VERSION_STRING));
+    installTranslators(application);
+    if (QLocale().textDirection() == Qt::RightToLeft)
+        QApplication::setLayoutDirection(Qt::RightToLeft);
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription(QStringLiteral("Shows what a library holds and keeps it up to date."));
+    parser.addHelpOption();
+    parser.addVersionOption();
+    parser.addOptions({
+        {QStringLiteral("root"), QStringLiteral("Root of the well-known folders."), QStringLiteral("DIR")},
+        {QStringLiteral("url"), QStringLiteral("Address of the catalog service."),
+         QStringLiteral("REDIRECT")},
+        {QStringLiteral("product"), QStringLiteral("What the service is told of the product."),
+         QStringLiteral("P")},
+        {QStringLiteral("product-version"), QStringLiteral("And of its version."), QStringLiteral("V")},
+    });
+    parser.process(application);
+
+    try {
+        AppHost::Settings settings;
+        settings.root = fileString(value(parser, QStringLiteral("root")));
+        AppHost host(settings);
+        int status = 0;
+        {
+            MainWindow window(host.root());
+            window.overrideService(parser.value(QStringLiteral("url")),
+                                   parser.value(QStringLiteral("product")),
+                                   parser.value(QStringLiteral("product-version")));
+            window.show();
+            window.start();
+            status = QApplication::exec();
+        }
+        ManufacturerManager::cleanup();
+        Library::Chooser::cleanup();
+        return status;
+    } catch (const std::exception& error) {
+        std::cerr << "orv-browser: " << error.what() << std::endl;
+        return 1;
+    }
+}
