@@ -1,6 +1,11 @@
 #include "OrvLibrary/UI/TreeData.h"
 
+#include <typeinfo>
+
+#include <QLocale>
+
 #include "OrvLibrary/UI/TreeItemData.h"
+#include "OrvLibrary/UI/TreeSortKey_p.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "OrvLibrary/host/StringUtils.h"
 
@@ -66,12 +71,38 @@ int TreeData::treeOrderComparatorStatic(bool lhsIsLeaf, bool rhsIsLeaf, const st
 
 bool TreeData::treeOrderComparator(const TreeData& rhs) const
 {
-    return treeOrderComparatorStatic(isLeaf(), rhs.isLeaf(), getItemName(), rhs.getItemName()) < 0;
+    // Also because two keys of one node would be one object, and the second could take the first one's place.
+    if (this == &rhs)
+        return false;
+    const bool leaf = isLeaf();
+    if (leaf != rhs.isLeaf())
+        return !leaf;
+    const QLocale locale;
+    return sortKey(locale) < rhs.sortKey(locale);
+}
+
+// The text is asked for every time, since a derived class may compose it anew; what is kept is the key.
+const TreeSortKey& TreeData::sortKey(const QLocale& locale) const
+{
+    const QVariant value = data(Qt::DisplayRole);
+    if (value.userType() == QMetaType::QString)
+        return sortKeyOf(*static_cast<const QString*>(value.constData()), locale);
+    return sortKeyOf(value.toString(), locale);
+}
+
+const TreeSortKey& TreeData::sortKeyOf(const QString& text, const QLocale& locale) const
+{
+    if (!mSortKey || !mSortKey->isFor(text, locale))
+        mSortKey = std::make_shared<const TreeSortKey>(text);
+    return *mSortKey;
 }
 
 bool TreeData::operator<(const QStandardItem& other) const
 {
-    const auto* rhsTreeData = dynamic_cast<const TreeData*>(&other);
+    // Siblings are mostly of one class, and asking for that is much cheaper than the cast.
+    const bool isOfThisClass = typeid(*this) == typeid(other);
+    const auto* rhsTreeData =
+        isOfThisClass ? static_cast<const TreeData*>(&other) : dynamic_cast<const TreeData*>(&other);
     if (!rhsTreeData) {
         notifyAssert(__FILE__, __LINE__, 0, "rhsTreeData != nullptr");
         return false;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include <QStandardItem>
@@ -7,7 +8,11 @@
 #include "OrvLibrary/OrvLibraryExport.h"
 #include "OrvLibrary/host/fileString.h"
 
+class QLocale;
+
 namespace Library {
+
+class TreeSortKey;
 
 /// A node of the library browser's item tree: what library categories, folders and items have in common.
 ///
@@ -63,9 +68,14 @@ public:
     bool treeOrderComparator(const TreeData& rhs) const;
 
 private:
+    const TreeSortKey& sortKey(const QLocale& locale) const;
+    const TreeSortKey& sortKeyOf(const QString& text, const QLocale& locale) const;
+
     long mImageIndex = -1;
     long long mId = -1;
     int mType = -1;
+    // Not part of what the node is: kept from the first comparison until the text or the language differs.
+    mutable std::shared_ptr<const TreeSortKey> mSortKey;
 };
 
 } // namespace Library
