@@ -43,6 +43,8 @@ public:
     std::time_t modificationTime() const;
 
     /// Replaces the value with the path of a file that does not exist yet, in the host's temporary folder.
+    /// What processes that were killed left under such names there is removed when no other process uses the
+    /// folder, before this one first does.
     /// @param extension with its dot, such as ".zip"
     void generateAsTempName(const fileString& extension);
     void generateAsTempName(const char* extension);

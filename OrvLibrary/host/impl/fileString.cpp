@@ -1,11 +1,11 @@
 #include "OrvLibrary/host/fileString.h"
 
 #include <ostream>
-#include <random>
 #include <utility>
 
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/impl/FileHandle_p.h"
+#include "OrvLibrary/host/impl/TempNames_p.h"
 
 namespace {
 
@@ -26,17 +26,6 @@ std::size_t extensionStart(const std::string& path)
     const bool none =
         dot == std::string::npos || dot <= start || path.compare(start, std::string::npos, "..") == 0;
     return none ? path.size() : dot;
-}
-
-std::string randomName()
-{
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::random_device device;
-    std::string name = "orv-";
-    for (int i = 0; i < 4; ++i)
-        for (unsigned int bits = device(), digit = 0; digit < 6; ++digit, bits >>= 4)
-            name += kDigits[bits & 15];
-    return name;
 }
 
 } // namespace
@@ -101,8 +90,9 @@ std::time_t fileString::modificationTime() const
 void fileString::generateAsTempName(const fileString& extension)
 {
     const fileString folder = PathUtils::getObject().getTempPath();
+    host::claimTempFolder(folder.toNativeString());
     do {
-        *this = folder / fileString(randomName() + extension.toNativeString());
+        *this = folder / fileString(host::makeTempName(extension.toNativeString()));
     } while (host::nameIsTaken(mNative));
 }
 

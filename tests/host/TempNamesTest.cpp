@@ -1,0 +1,93 @@
+#include "OrvLibrary/host/impl/TempNames_p.h"
+
+#include <filesystem>
+
+#include <gtest/gtest.h>
+
+#include "OrvLibrary/host/fileString.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+class TempNames : public testing::Test
+{
+protected:
+    Names list() const { return test::listTree(mFolder.path()); }
+
+    /// Leaves temporary files as a killed process does.
+    void leaveFiles() const
+    {
+        mFolder.write(host::makeTempName(".zip"), "x");
+        mFolder.write(host::makeTempName(""), "x");
+        mFolder.write("." + host::makeTempName(".orvlib") + ".0123456789abcdef.orv-new", "x");
+    }
+
+    test::TempFolder mFolder;
+};
+
+TEST_F(TempNames, whatKilledProcessesLeftIsRemovedOnFirstUse)
+{
+    leaveFiles();
+    host::claimTempFolder(mFolder.path());
+    EXPECT_EQ(list(), Names{});
+}
+
+TEST_F(TempNames, onlyNamesOfThisKindAreRemoved)
+{
+    const std::string digits = "0123456789abcdef01234567";
+    for (const std::string name :
+         {"update.lock", "orv-123.zip", "orv-library.downloads.core", ".hidden", "other"})
+        mFolder.write(name, "x");
+    mFolder.write("orv-" + digits + "8.zip", "x");
+    mFolder.write("Orv-" + digits, "x");
+    std::filesystem::create_directory(mFolder.path() + "/orv-" + digits);
+    const Names before = list();
+    host::claimTempFolder(mFolder.path());
+    EXPECT_EQ(list(), before);
+}
+
+TEST_F(TempNames, ownFilesStayOnLaterUse)
+{
+    host::claimTempFolder(mFolder.path());
+    leaveFiles();
+    host::claimTempFolder(mFolder.path());
+    EXPECT_EQ(list().size(), 3u);
+}
+
+TEST_F(TempNames, theFilesOfALivingProcessStay)
+{
+    {
+        const test::WaitingChild child([&] {
+            host::claimTempFolder(mFolder.path());
+            leaveFiles();
+        });
+        host::claimTempFolder(mFolder.path());
+        EXPECT_EQ(list().size(), 3u);
+    }
+    const test::TempFolder other;
+    host::claimTempFolder(other.path()); // gives the first one up
+    host::claimTempFolder(mFolder.path());
+    EXPECT_EQ(list(), Names{}) << "the child is gone";
+}
+
+TEST_F(TempNames, aFolderThatIsMissingOrReplacedIsNoFailure)
+{
+    host::claimTempFolder(mFolder.path() + "/none");
+    std::filesystem::create_directory(mFolder.path() + "/temp");
+    host::claimTempFolder(mFolder.path() + "/temp");
+    std::filesystem::rename(mFolder.path() + "/temp", mFolder.path() + "/former");
+    mFolder.write("temp/" + host::makeTempName(".zip"), "x");
+    host::claimTempFolder(mFolder.path() + "/temp");
+    EXPECT_EQ(list(), (Names{"former/", "temp/"}));
+}
+
+TEST_F(TempNames, noTwoAreEqual)
+{
+    EXPECT_NE(host::makeTempName(".zip"), host::makeTempName(".zip"));
+    EXPECT_EQ(fileString(host::makeTempName(".zip")).extension(), fileString(".zip"));
+}
+
+} // namespace
