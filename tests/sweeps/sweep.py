@@ -1,0 +1,230 @@
+#!/usr/bin/env python3
+"""Disturbs the command-line host at every call of the system in turn, and judges what is left.
+
+    sweep.py kill    --program ORV_LIBRARY --shim SHIM [--points N]    killed before a call that changes files, or in
+                                                                       the middle of a write
+    sweep.py errors  --program ORV_LIBRARY --shim SHIM [--points N]    a call fails, once or from then on
+
+After each disturbed run every file is old or new; a run that says it is done has done it; the next run, undisturbed,
+ends as if nothing had happened and leaves nothing over. After every tenth kill the recovery is killed too. Without
+--points every point is swept; with it, so many, evenly spread.
+"""
+import argparse
+import concurrent.futures
+import errno
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import threading
+
+import oracle
+import scenarios
+
+CHANGING = "open,write,rename,unlink,mkdir,chmod,fsync,truncate,copy,link,times"
+ERRORS = {
+    "open": ["ENOSPC", "EACCES", "EROFS", "EMFILE", "EIO", "EINTR"],
+    "openread": ["EACCES", "EMFILE", "EIO", "EINTR"],
+    "read": ["EIO", "EINTR", "short"],
+    "write": ["ENOSPC", "EIO", "EINTR", "short"],
+    "copy": ["ENOSPC", "EIO", "EINTR"],
+    "truncate": ["ENOSPC", "EIO", "EINTR"],
+    "fsync": ["EIO", "ENOSPC"],
+    "rename": ["EIO", "EACCES", "EROFS", "ENOSPC"],
+    "link": ["EIO", "EACCES", "EROFS", "ENOSPC"],
+    "unlink": ["EIO", "EACCES", "EROFS"],
+    "mkdir": ["ENOSPC", "EACCES", "EROFS"],
+    "chmod": ["EIO", "EPERM", "EROFS"],
+    "times": ["EIO", "EPERM", "EROFS"],
+    "flock": ["EIO", "ENOLCK", "EINTR"],
+    "close": ["EIO", "EINTR"],
+    "mmap": ["ENOMEM", "EACCES"],
+    "connect": ["EACCES", "ECONNREFUSED", "EINTR"],
+}
+DEADLOCK_SECONDS = 120
+
+
+class Cell:
+    """One disturbed run: where, and how."""
+
+    def __init__(self, scenario, number, kinds, at, what, ever=False):
+        self.scenario, self.number, self.kinds = scenario, number, kinds
+        self.at, self.what, self.ever = at, what, ever
+
+    def __str__(self):
+        return f"{self.scenario.name}: {self.what} at call {self.at} of {self.kinds}{' for ever' if self.ever else ''}"
+
+    def settings(self):
+        what = self.what if self.what in ("kill", "torn", "short") else str(getattr(errno, self.what))
+        settings = {"ORV_FAULT_CALLS": self.kinds, "ORV_FAULT_AT": str(self.at), "ORV_FAULT_DO": what}
+        return {**settings, **({"ORV_FAULT_EVER": "1"} if self.ever else {})}
+
+
+class Sweep:
+    def __init__(self, program, shim, folder):
+        self.program, self.shim, self.folder = program, shim, folder
+        self.templates, self.old, self.finals = {}, {}, {}
+        self.missed = 0  # kills that came after the run's last call
+
+    def run(self, scenario, sandbox, settings=None):
+        """Exit status and what was said on standard error; 'deadlock' when it did not end."""
+        environment = {**os.environ, "LC_ALL": "C.UTF-8", "TZ": "UTC", "QT_QPA_PLATFORM": "offscreen"}
+        if settings:
+            environment.update(settings, LD_PRELOAD=self.shim, ORV_FAULT_ROOT=sandbox)
+        command = [self.program, "--root", os.path.join(sandbox, "root"), "--progress", "none"]
+        try:
+            done = subprocess.run(command + scenario.arguments(sandbox), cwd=os.path.join(sandbox, "work"),
+                                  env=environment, timeout=DEADLOCK_SECONDS, stdin=subprocess.DEVNULL,
+                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        except subprocess.TimeoutExpired:
+            return "deadlock", ""
+        return done.returncode, done.stderr.decode(errors="replace")
+
+    def prepare(self, scenario):
+        """The state before, and those that undisturbed runs leave: one, two, and one after a failure that took files
+        away."""
+        template = os.path.join(self.folder, scenario.name + ".template")
+        scenario.prepare(template)
+        self.templates[scenario] = template
+        self.old[scenario] = oracle.snapshot(template)
+        sandbox = self.copy(scenario, "clean")
+        self.finals[scenario] = [self.run_undisturbed(scenario, sandbox) for _ in range(2)]
+        shutil.rmtree(sandbox)
+        if scenario.consumed_by_failure:
+            sandbox = self.copy(scenario, "consumed")
+            for path in scenario.consumed_by_failure:
+                os.remove(os.path.join(sandbox, path))
+            self.finals[scenario].append(self.run_undisturbed(scenario, sandbox))
+            shutil.rmtree(sandbox)
+
+    def run_undisturbed(self, scenario, sandbox):
+        status, said = self.run(scenario, sandbox)
+        if status != 0:
+            sys.exit(f"{scenario.name}: the undisturbed run failed: {status} {said}")
+        return oracle.snapshot(sandbox)
+
+    def copy(self, scenario, name):
+        sandbox = os.path.join(self.folder, f"{scenario.name}.{name}")
+        shutil.copytree(self.templates[scenario], sandbox, symlinks=True)
+        return sandbox
+
+    def calls(self, scenario, kinds):
+        """The kinds of the calls of an undisturbed run, in their order."""
+        sandbox = self.copy(scenario, "count")
+        log = sandbox + ".log"
+        self.run(scenario, sandbox, {"ORV_FAULT_CALLS": kinds, "ORV_FAULT_LOG": log})
+        shutil.rmtree(sandbox)
+        if not os.path.exists(log):
+            return []
+        with open(log, errors="surrogateescape") as file:
+            calls = [line.split(" ", 1)[0] for line in file]
+        os.remove(log)
+        return calls
+
+    def kill_cells(self, scenario):
+        cells = []
+        for at, kind in enumerate(self.calls(scenario, CHANGING), 1):
+            for what in ("kill", "torn") if kind == "write" else ("kill",):
+                cells.append(Cell(scenario, len(cells), CHANGING, at, what))
+        return cells
+
+    def error_cells(self, scenario):
+        cells = []
+        for kind, names in ERRORS.items():
+            for at in range(1, len(self.calls(scenario, kind)) + 1):
+                for name in names:
+                    # What is interrupted is tried again, and for ever that would take for ever.
+                    for ever in (False,) if name == "EINTR" else (False, True):
+                        cells.append(Cell(scenario, len(cells), kind, at, name, ever))
+        return cells
+
+    def judge(self, cell):
+        """Runs a cell. Returns its complaints."""
+        scenario = cell.scenario
+        sandbox = self.copy(scenario, f"{cell.kinds[:8]}{cell.number}")
+        try:
+            return self.judge_in(cell, scenario, sandbox)
+        finally:
+            shutil.rmtree(sandbox, ignore_errors=True)
+
+    def judge_in(self, cell, scenario, sandbox):
+        old, new = self.old[scenario], self.finals[scenario][0]
+        status, said = self.run(scenario, sandbox, cell.settings())
+        now = oracle.snapshot(sandbox)
+        is_kill = cell.what in ("kill", "torn")
+        complaints = self.judge_status(status, said, is_kill)
+        if is_kill and status == 0:
+            self.missed += 1
+        exceptions = () if is_kill else (scenario.consumed_by_failure, scenario.may_lack_members)
+        complaints += oracle.judge_disturbed(now, [old, new], *exceptions)
+        if status == 0:
+            complaints += oracle.judge_done(now, new, scenario.may_lack_members)
+        if is_kill and cell.number % 10 == 9:
+            again = Cell(scenario, 0, CHANGING, 1 + cell.at * 7 % (cell.at + 20), "kill")
+            self.run(scenario, sandbox, again.settings())
+            complaints += oracle.judge_disturbed(oracle.snapshot(sandbox), [old] + self.finals[scenario])
+        status, said = self.run(scenario, sandbox)
+        if status != 0:
+            complaints.append(f"the run after it ended with {status}: {said.strip()}")
+        return complaints + oracle.judge_recovered(oracle.snapshot(sandbox), self.finals[scenario])
+
+    @staticmethod
+    def judge_status(status, said, is_kill):
+        allowed = (0, -9) if is_kill else (0, 1)
+        if status not in allowed:
+            return [f"ended with {status}: {said.strip()}"]
+        if status == 1 and not said.strip():
+            return ["failed without a word"]
+        return [f"sanitizer: {said}"] if "Sanitizer" in said else []
+
+
+def spread(cells, points):
+    """So many of the cells, evenly spread."""
+    if not points or points >= len(cells):
+        return cells
+    return [cells[index * len(cells) // points] for index in range(points)]
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("sweep", choices=["kill", "errors"])
+    parser.add_argument("--program", required=True, type=os.path.abspath)
+    parser.add_argument("--shim", required=True, type=os.path.abspath)
+    parser.add_argument("--points", type=int, default=0)
+    parser.add_argument("--scenario", action="append")
+    parser.add_argument("--jobs", type=int, default=os.cpu_count())
+    options = parser.parse_args()
+
+    chosen = [each for each in scenarios.ALL if not options.scenario or each.name in options.scenario]
+    failed = []
+    lock = threading.Lock()
+    with tempfile.TemporaryDirectory(prefix="orv-sweep-") as folder:
+        sweep = Sweep(options.program, options.shim, os.path.realpath(folder))
+        cells = []
+        for scenario in chosen:
+            sweep.prepare(scenario)
+            found = sweep.kill_cells(scenario) if options.sweep == "kill" else sweep.error_cells(scenario)
+            print(f"{scenario.name}: {len(found)} points")
+            cells += found
+
+        def judge(cell):
+            complaints = sweep.judge(cell)
+            with lock:
+                for complaint in complaints:
+                    print(f"{cell}: {complaint}", flush=True)
+                if complaints:
+                    failed.append(cell)
+
+        swept = spread(cells, options.points)
+        with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+            list(pool.map(judge, swept))
+    print(f"{options.sweep}: {len(swept)} of {len(cells)} points swept, {len(failed)} failed")
+    if sweep.missed > len(swept) // 20:
+        print(f"{sweep.missed} runs were not killed: the calls of a run differ too much from one time to the next")
+        return 1
+    return 1 if failed or not swept else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
