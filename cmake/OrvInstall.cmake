@@ -29,6 +29,8 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/OrvLibraryConfigVersion.
 install(FILES "${PROJECT_BINARY_DIR}/OrvLibraryConfig.cmake" "${PROJECT_BINARY_DIR}/OrvLibraryConfigVersion.cmake"
     DESTINATION "${ORV_CMAKE_DIR}" COMPONENT development)
 
+# Relative to the file itself, so that an installed tree may be moved.
+file(RELATIVE_PATH ORV_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(packaging/orvlibrary.pc.in "${PROJECT_BINARY_DIR}/orvlibrary.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/orvlibrary.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)

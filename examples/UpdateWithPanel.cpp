@@ -45,9 +45,9 @@ public:
         FileUtils::moveFile(files.second, files.first,
                             false); // one rename: the catalog is old or new, never half
     }
-    Q_INVOKABLE void closeCatalogUpdateEvent(const LibraryCatalogUpdate::UpdateData& data)
+    Q_INVOKABLE void closeCatalogUpdateEvent(const LibraryCatalogUpdate::UpdateData& outcome)
     {
-        std::cout << "Updated " << data.updatedCatalogs.size() << " catalogs, result " << data.result
+        std::cout << "Updated " << outcome.updatedCatalogs.size() << " catalogs, result " << outcome.result
                   << std::endl;
         QApplication::quit();
     }

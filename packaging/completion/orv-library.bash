@@ -12,6 +12,8 @@ _orv_library() {
         --root | --output-dir) COMPREPLY=($(compgen -d -- "$current")); return ;;
         --trace | --output) COMPREPLY=($(compgen -f -- "$current")); return ;;
         --progress) COMPREPLY=($(compgen -W "auto bar plain none" -- "$current")); return ;;
+    esac
+    [[ $current != -* ]] && case $previous in
         filters) COMPREPLY=($(compgen -W "list show add remove use drop-database merge" -- "$current")); return ;;
         manufacturers) COMPREPLY=($(compgen -W "list show refresh" -- "$current")); return ;;
         styles) COMPREPLY=($(compgen -W "list show" -- "$current")); return ;;

@@ -35,7 +35,7 @@ with tempfile.TemporaryDirectory() as work:
         check(label, run(os.path.join(out, "consumer"), env=environment))
 
     pc_dir = os.path.join(library_dir, "pkgconfig")
-    flags = run("pkg-config", f"--define-variable=prefix={prefix}", "--cflags", "--libs", "orvlibrary",
+    flags = run("pkg-config", "--cflags", "--libs", "orvlibrary",
                 env=dict(os.environ, PKG_CONFIG_PATH=pc_dir))
     program = os.path.join(work, "by-pkg-config")
     run("g++", "-std=c++17", "-fPIC", os.path.join(consumer, "main.cpp"), "-o", program, *shlex.split(flags),

@@ -29,7 +29,7 @@ def exported_name(symbol):
 
 lines = subprocess.run(["nm", "-D", "-C", "--defined-only", library], text=True, check=True,
                        stdout=subprocess.PIPE).stdout.splitlines()
-names = {exported_name(line.split(" ", 2)[2]) for line in lines}
+names = {exported_name(line.split(" ", 2)[2]) for line in lines} - {""}
 scopes = {name.rsplit("::", 1)[0] for name in names if "::" in name}
 classes = {scope for scope in scopes if f"{scope}::{scope.rsplit('::', 1)[-1]}" in names
            or f"{scope}::~{scope.rsplit('::', 1)[-1]}" in names} | {
