@@ -5,8 +5,8 @@
 #include <set>
 
 #include "OrvLibrary/host/FileUtils.h"
-#include "apps/common/ZipWriter.h"
 #include "apps/common/LibrarySource.h"
+#include "apps/common/ZipWriter.h"
 #include "apps/orv-library/Session.h"
 
 namespace {

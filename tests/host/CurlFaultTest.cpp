@@ -95,8 +95,7 @@ TEST_F(CurlFaultTest, resetConnectionFails)
 
 TEST_F(CurlFaultTest, whatIsNoHttpIsNoAnswer)
 {
-    for (const std::string bytes :
-         {"hello\r\n\r\n", "SSH-2.0-x\r\n", "<html></html>"}) {
+    for (const std::string bytes : {"hello\r\n\r\n", "SSH-2.0-x\r\n", "<html></html>"}) {
         server.on("/a", FaultReply::raw(bytes).close());
         EXPECT_FALSE(fetch(server.url("/a"))) << bytes;
         EXPECT_FALSE(header(server.url("/a"))) << bytes;

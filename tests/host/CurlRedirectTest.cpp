@@ -95,7 +95,7 @@ TEST_F(CurlRedirectTest, redirectsOutOfTheWebAreRefused)
 {
     const fileString secret = folder.write("secret", "x");
     for (const std::string& location : {"file://" + secret.toNativeString(), std::string("ftp://127.0.0.1/x"),
-                                       std::string("javascript:x"), std::string("http://")}) {
+                                        std::string("javascript:x"), std::string("http://")}) {
         server.on("/a", FaultReply::redirect(location));
         EXPECT_FALSE(fetch(server.url("/a"))) << location;
         EXPECT_THAT(reason, HasSubstr("forbidden"));

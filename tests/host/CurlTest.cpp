@@ -280,7 +280,7 @@ TEST_F(CurlTest, onlyWebAddressesAreFetched)
 {
     const fileString secret = folder.write("secret", "x");
     for (const std::string& url : {"file://" + secret.toNativeString(), secret.toNativeString(),
-                                  std::string("ftp://127.0.0.1/a"), std::string()}) {
+                                   std::string("ftp://127.0.0.1/a"), std::string()}) {
         EXPECT_FALSE(fetch(url)) << url;
         EXPECT_FALSE(reason.empty());
         EXPECT_FALSE(header(url));
