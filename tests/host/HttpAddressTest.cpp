@@ -113,3 +113,14 @@ TEST(HttpAddress, referencesAreResolvedAgainstTheFormerAddress)
     EXPECT_EQ(HttpAddress::resolve("http://h", "x"), "http://h/x");
     EXPECT_EQ(HttpAddress::resolve("http://h?x=/a/b", "c"), "http://h/c");
 }
+
+TEST(HttpAddress, redirectsLeadWithinTheWebAndNeverOutOfAProtectedConnection)
+{
+    EXPECT_TRUE(HttpAddress::mayLead("http://h/", "http://g/"));
+    EXPECT_TRUE(HttpAddress::mayLead("http://h/", "https://g/"));
+    EXPECT_TRUE(HttpAddress::mayLead("https://h/", "HTTPS://g/"));
+    EXPECT_FALSE(HttpAddress::mayLead("https://h/", "http://h/"));
+    EXPECT_FALSE(HttpAddress::mayLead("HTTPS://h/", "HTTP://h/"));
+    EXPECT_FALSE(HttpAddress::mayLead("http://h/", "ftp://h/"));
+    EXPECT_FALSE(HttpAddress::mayLead("https://h/", "file:///x"));
+}

@@ -176,4 +176,9 @@ std::string resolve(const std::string& base, const std::string& reference)
     return place + path + to.query + to.fragment;
 }
 
+bool mayLead(const std::string& from, const std::string& to)
+{
+    return isWebAddress(to) && (scheme(from) != "https" || scheme(to) == "https");
+}
+
 } // namespace HttpAddress

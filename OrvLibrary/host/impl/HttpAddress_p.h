@@ -24,4 +24,7 @@ std::string wireHeaderLine(const std::string& line);
 /// one.
 std::string resolve(const std::string& base, const std::string& reference);
 
+/// Whether a redirect may be followed: to the web only, and never from a protected to an open connection.
+bool mayLead(const std::string& from, const std::string& to);
+
 } // namespace HttpAddress

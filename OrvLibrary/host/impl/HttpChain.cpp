@@ -37,13 +37,6 @@ std::string redirectTarget(const std::string& url, const HttpAnswer& answer)
     return HttpAddress::resolve(url, location->second.front());
 }
 
-/// Whether a redirect may be followed: to the web only, and never from a protected to an open connection.
-bool mayLead(const std::string& from, const std::string& to)
-{
-    return HttpAddress::isWebAddress(to) &&
-           (HttpAddress::scheme(from) != "https" || HttpAddress::scheme(to) == "https");
-}
-
 /// Header lines that are meant for one server only.
 bool isSecret(const std::string& line)
 {
@@ -80,7 +73,7 @@ HttpAnswer HttpChain::run(HttpRequest request, HttpBody& body, bool follow)
             return answer;
         if (redirects == mLimits.redirects)
             return failure(CURLE_TOO_MANY_REDIRECTS, "too many redirects");
-        if (!mayLead(mUrl, target))
+        if (!HttpAddress::mayLead(mUrl, target))
             return failure(CURLE_UNSUPPORTED_PROTOCOL, "redirect to a forbidden address: " + target);
         if (visited.count(target) != 0)
             return failure(CURLE_TOO_MANY_REDIRECTS, "redirects in a circle");
