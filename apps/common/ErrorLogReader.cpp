@@ -13,7 +13,7 @@ constexpr const char* kEnd = "...\n";
 std::string takeLine(std::string& text)
 {
     const std::size_t end = text.find('\n');
-    const std::string line = text.substr(0, end);
+    std::string line = text.substr(0, end);
     text.erase(0, end == std::string::npos ? end : end + 1);
     return line;
 }

@@ -229,7 +229,7 @@ public:
     {
         std::string prefix;
         for (const CLI::App* app = chosenApp(mApp).get_parent(); app; app = app->get_parent())
-            prefix = prefix.empty() ? app->get_name() : app->get_name() + " " + prefix;
+            prefix.insert(0, app->get_name() + (prefix.empty() ? "" : " "));
         return prefix;
     }
 
@@ -249,7 +249,7 @@ CommandLine::CommandLine(const CommandList& commands) : mPrivate(std::make_uniqu
 
 CommandLine::~CommandLine() = default;
 
-CommandLine::Outcome CommandLine::parse(std::vector<std::string> arguments)
+CommandLine::Outcome CommandLine::parse(const std::vector<std::string>& arguments)
 {
     return mPrivate->parse(arguments);
 }

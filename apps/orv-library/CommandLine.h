@@ -24,7 +24,7 @@ public:
     CommandLine& operator=(const CommandLine&) = delete;
 
     /// @param arguments without the program's name
-    Outcome parse(std::vector<std::string> arguments);
+    Outcome parse(const std::vector<std::string>& arguments);
 
     const GlobalOptions& options() const;
     const CommandSyntax::Work& work() const;

@@ -20,6 +20,6 @@ void ConsoleProgress::increment(const marl::unicode::String& label1, const marl:
 
 void ConsoleProgress::updateLabels(const marl::unicode::String& label1, const marl::unicode::String& label2)
 {
-    const std::string second = label2.toUTF8String();
+    const std::string& second = label2.toUTF8String();
     mReporter.setText(label1.toUTF8String() + (second.empty() ? "" : " " + second));
 }

@@ -162,7 +162,8 @@ ExitStatus UpdateCommand::report(Session& session, const UpdateHost& host, const
         return ExitStatus::Interrupted;
     if (outcome != "failed")
         return ExitStatus::Done;
-    Console::complain("update from " + mUrl + " failed: " + failureReason(host, swapper, formerLogEntries));
+    Console::complain("update from " + (mUrl.empty() ? "no address" : mUrl) +
+                      " failed: " + failureReason(host, swapper, formerLogEntries));
     return ExitStatus::Failed;
 }
 

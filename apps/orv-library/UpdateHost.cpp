@@ -41,14 +41,14 @@ UpdateHost::UpdateHost(ProgressReporter& progress, InvocationTrace& trace, Catal
 {
 }
 
-void UpdateHost::onSetText(std::string text)
+void UpdateHost::onSetText(const std::string& text)
 {
     const std::string utf8 = LegacyText::toUtf8(text);
     mTrace.write("onSetText", {jsonText(utf8)});
     mProgress.setText(utf8);
 }
 
-void UpdateHost::onSetUnits(std::string units)
+void UpdateHost::onSetUnits(const std::string& units)
 {
     mTrace.write("onSetUnits", {jsonText(LegacyText::toUtf8(units))});
     mProgress.setUnits(LegacyText::toUtf8(units));
@@ -72,7 +72,7 @@ void UpdateHost::onUpdateInGauge()
     mProgress.advance();
 }
 
-void UpdateHost::onCatalogUpdatedEvent(FileStringPair catalog)
+void UpdateHost::onCatalogUpdatedEvent(const FileStringPair& catalog)
 {
     const auto& [destination, newFile] = catalog;
     mTrace.write("onCatalogUpdatedEvent",

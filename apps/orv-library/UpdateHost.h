@@ -33,12 +33,12 @@ Q_SIGNALS:
     void closed();
 
 public Q_SLOTS:
-    void onSetText(std::string text);
-    void onSetUnits(std::string units);
+    void onSetText(const std::string& text);
+    void onSetUnits(const std::string& units);
     void onSetRangeInGauge(size_t range);
     void onSetValueInGauge(size_t value);
     void onUpdateInGauge();
-    void onCatalogUpdatedEvent(FileStringPair catalog);
+    void onCatalogUpdatedEvent(const FileStringPair& catalog);
     void closeCatalogUpdateEvent(const LibraryCatalogUpdate::UpdateData& outcome);
     void onClose();
 

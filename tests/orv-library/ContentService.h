@@ -36,13 +36,13 @@ public:
 private:
     FaultReply reply(const FaultRequest& request);
 
-    FaultServer mServer;
     std::mutex mMutex;
     std::condition_variable mChanged;
-    std::map<std::string, std::string> mContents; ///< this and the following guarded by mMutex
+    std::map<std::string, std::string> mContents; ///< this and the next three guarded by mMutex
     std::map<std::string, FaultReply> mSpoilt;
     std::vector<std::string> mFetched;
     std::vector<std::string> mAsked;
+    FaultServer mServer; ///< last: its threads end before what they write to
 };
 
 } // namespace test
