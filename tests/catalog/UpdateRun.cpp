@@ -21,7 +21,7 @@ void runUpdate(LibraryCatalogUpdater updater)
     std::thread worker([&loop, run = std::move(updater)]() mutable {
         run();
         // Behind everything that the run posted to this thread's objects.
-        QMetaObject::invokeMethod(&loop, &QEventLoop::quit, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(&loop, "quit", Qt::QueuedConnection);
     });
     loop.exec();
     worker.join();
