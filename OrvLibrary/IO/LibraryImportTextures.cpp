@@ -20,8 +20,8 @@ bool mergeArchives(const fileString& extracted, const fileString& destination,
                    const std::shared_ptr<ProgressSubject>& progress)
 {
     try {
-        const std::vector<fileString> names = ZipUtils::getFilenamesInArchive(extracted);
         ZipUtils::ArchiveBatch batch;
+        const std::vector<fileString> names = ZipUtils::getFilenamesInArchive(extracted);
         batch.begin(destination);
         if (!copyArchivedFile(destination, destination, progress, {names.begin(), names.end()}) ||
             !copyArchivedFile(extracted, destination, progress, {}))

@@ -61,7 +61,8 @@ ORVLIBRARY_EXPORT bool writeFileToArchiveRaw(const fileString& target, const fil
 ORVLIBRARY_EXPORT bool canAddToArchive(const fileString& archive);
 
 /// Several walks that write to the same archives, which are completed together: while a batch lives, no walk
-/// of its thread completes anything by itself. A batch that is destroyed without `complete` leaves every
+/// of its thread completes anything by itself, and damage in a member's data may be found as late as in
+/// `complete`. A batch that is destroyed without `complete` leaves every
 /// archive as it was. One object belongs to one thread.
 class ORVLIBRARY_EXPORT ArchiveBatch
 {

@@ -151,12 +151,13 @@ bool ReplacementFile::targetIsUnchanged() const
     return mTargetLock ? namesFile(mTarget, mTargetLock.get()) : !nameIsTaken(mTarget);
 }
 
-bool ReplacementFile::commit()
+bool ReplacementFile::commit(Durability durability)
 {
-    if (!mPending || fsync(mFile.get()) != 0 || rename(mBeside.c_str(), mTarget.c_str()) != 0)
+    const bool isSynced = durability == Durability::Synced;
+    if (!mPending || (isSynced && fsync(mFile.get()) != 0) || rename(mBeside.c_str(), mTarget.c_str()) != 0)
         return false;
     mPending = false;
-    return syncFolderOf(mTarget);
+    return !isSynced || syncFolderOf(mTarget);
 }
 
 void ReplacementFile::abandon()

@@ -33,10 +33,16 @@ public:
 
     /// The file to write to.
     int descriptor() const { return mFile.get(); }
+    /// How sure the new content is to survive a loss of power.
+    enum class Durability
+    {
+        Synced,  ///< on the disk before the target has it
+        Unsynced ///< as after an ordinary copy
+    };
     /// Syncs the file, renames it over the target and syncs the folder.
     /// @return false, with the reason in `errno`, leaves the target as it was; when nothing but the sync of
     /// the folder failed, it has the new content
-    bool commit();
+    bool commit(Durability durability = Durability::Synced);
 
     /// The path of the file beside: a name that no other program and no other target has.
     static std::string besideName(const std::string& target);

@@ -5,7 +5,6 @@
 #include <cstring>
 #include <stdexcept>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace ZipUtils {
@@ -13,10 +12,20 @@ namespace ZipUtils {
 void ZipArchive::open()
 {
     mFile = host::openRegularFile(mPath.toNativeString());
-    struct stat status = {};
-    if (!mFile || fstat(mFile.get(), &status) != 0)
+    if (!mFile || fstat(mFile.get(), &mStatus) != 0)
         fail(std::strerror(errno));
-    mFileSize = static_cast<std::uint64_t>(status.st_size);
+    mFileSize = static_cast<std::uint64_t>(mStatus.st_size);
+}
+
+bool ZipArchive::isUnchanged() const
+{
+    const auto same = [](const timespec& a, const timespec& b) {
+        return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+    };
+    const std::optional<struct stat> now = host::fileStatus(mPath.toNativeString());
+    return now && now->st_dev == mStatus.st_dev && now->st_ino == mStatus.st_ino &&
+           now->st_size == mStatus.st_size && same(now->st_mtim, mStatus.st_mtim) &&
+           same(now->st_ctim, mStatus.st_ctim);
 }
 
 const ZipEntry* ZipArchive::find(std::string_view name) const

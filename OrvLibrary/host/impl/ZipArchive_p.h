@@ -6,6 +6,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include <sys/stat.h>
+
 #include "OrvLibrary/host/fileString.h"
 #include "OrvLibrary/host/impl/FileHandle_p.h"
 #include "OrvLibrary/host/impl/ZipFormat_p.h"
@@ -63,6 +65,9 @@ public:
     std::uint64_t prefixSize() const;
     int descriptor() const { return mFile.get(); }
 
+    /// Whether the path still names the file that was opened, as it was then.
+    bool isUnchanged() const;
+
     /// The last member of that name; null when there is none.
     const ZipEntry* find(std::string_view name) const;
     /// Reads exactly `size` bytes.
@@ -93,6 +98,7 @@ private:
 
     fileString mPath;
     host::FileHandle mFile;
+    struct stat mStatus = {};
     std::uint64_t mFileSize = 0;
     std::uint64_t mBase = 0;           ///< where offset 0 of the directory's offsets lies
     std::uint64_t mDirectoryStart = 0; ///< from the start of the file

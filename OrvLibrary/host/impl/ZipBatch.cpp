@@ -43,4 +43,16 @@ ZipTargets* currentBatch()
     return batches.empty() ? nullptr : &batches.back()->targets;
 }
 
+std::shared_ptr<const ZipArchive> openArchive(const fileString& path)
+{
+    ZipTargets* batch = currentBatch();
+    std::shared_ptr<const ZipArchive> archive = batch ? batch->findSource(path) : nullptr;
+    if (archive)
+        return archive;
+    archive = std::make_shared<ZipArchive>(path);
+    if (batch)
+        batch->keep(archive);
+    return archive;
+}
+
 } // namespace ZipUtils

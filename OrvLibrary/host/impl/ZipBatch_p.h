@@ -6,5 +6,8 @@ namespace ZipUtils {
 
 /// The targets of the innermost batch of this thread; null when there is none.
 ZipTargets* currentBatch();
+/// Opens an archive; within a batch, one that it opened before serves again while the file is the same.
+/// @throws std::runtime_error for an unsound archive
+std::shared_ptr<const ZipArchive> openArchive(const fileString& path);
 
 } // namespace ZipUtils

@@ -20,11 +20,6 @@ bool isReadable(const ZipEntry& entry);
 /// sound
 std::vector<unsigned char> readWholeMember(const ZipArchive& archive, const ZipEntry& entry);
 
-/// Verifies the streams and checksums of members, on several threads when there is much to do. Members that
-/// are not readable pass.
-/// @throws std::runtime_error for the first that is not sound
-void verifyMembers(const ZipArchive& archive, const std::vector<std::size_t>& members);
-
 /// Reads one member from front to end in pieces of any size. The archive must outlive it.
 class ZipMemberStream
 {

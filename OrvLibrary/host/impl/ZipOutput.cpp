@@ -114,7 +114,7 @@ void ZipOutput::write(const char* bytes, std::size_t size)
 
 void ZipOutput::publish()
 {
-    if (!mFile->commit())
+    if (!mFile->commit(host::ReplacementFile::Durability::Unsynced))
         fail();
 }
 

@@ -50,12 +50,29 @@ void ZipTargets::keep(std::shared_ptr<const ZipArchive> source)
     mSources.push_back(std::move(source));
 }
 
+ZipVerification& ZipTargets::verificationOf(std::shared_ptr<const ZipArchive> source)
+{
+    mVerifications.push_back(std::make_unique<ZipVerification>(std::move(source)));
+    return *mVerifications.back();
+}
+
+std::shared_ptr<const ZipArchive> ZipTargets::findSource(const fileString& path) const
+{
+    for (const std::shared_ptr<const ZipArchive>& source : mSources) {
+        if (source->path() == path && source->isUnchanged())
+            return source;
+    }
+    return nullptr;
+}
+
 void ZipTargets::complete()
 {
     if (mGivenUp)
         throw std::runtime_error("a walk that wrote to these archives failed");
     for (auto& target : mTargets)
         target.second->write();
+    for (auto& verification : mVerifications)
+        verification->finish();
     for (auto& target : mTargets)
         target.second->publish();
 }

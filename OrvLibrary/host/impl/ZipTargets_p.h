@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "OrvLibrary/host/impl/ZipTarget_p.h"
+#include "OrvLibrary/host/impl/ZipVerification_p.h"
 
 namespace ZipUtils {
 
@@ -22,16 +23,21 @@ public:
     /// Begins an empty target, whatever stands there.
     /// @throws std::runtime_error when it cannot be written
     void beginEmpty(const fileString& path, std::chrono::milliseconds wait);
-    /// Keeps an archive whose members the targets name.
+    /// Keeps an archive, whose members the targets may name.
     void keep(std::shared_ptr<const ZipArchive> source);
+    /// Where a walk of that archive has its members verified.
+    ZipVerification& verificationOf(std::shared_ptr<const ZipArchive> source);
+    /// An archive that is kept and did not change since; null when there is none.
+    std::shared_ptr<const ZipArchive> findSource(const fileString& path) const;
     /// A walk ended early: what it left in the targets was not verified, so that nothing can be completed.
     void giveUp() { mGivenUp = true; }
-    /// Writes all, then gives each its name.
-    /// @throws std::runtime_error
+    /// Writes all while the last members are verified, then gives each its name.
+    /// @throws std::runtime_error when an archive that was walked is not sound, or one cannot be written
     void complete();
 
 private:
     std::vector<std::shared_ptr<const ZipArchive>> mSources;
+    std::vector<std::unique_ptr<ZipVerification>> mVerifications;
     std::map<std::string, std::unique_ptr<ZipTarget>> mTargets; ///< by resolved path
     std::map<std::string, ZipTarget*> mByText;                  ///< as the callers name them
     bool mGivenUp = false;

@@ -68,19 +68,19 @@ fileString getDelimiter()
 
 std::uint64_t getSizeOfArchive(const fileString& archive)
 {
-    const ZipArchive opened(archive);
+    const std::shared_ptr<const ZipArchive> opened = openArchive(archive);
     std::uint64_t total = 0;
-    for (const ZipEntry& entry : opened.entries())
+    for (const ZipEntry& entry : opened->entries())
         total += std::min(entry.size, UINT64_MAX - total);
     return total;
 }
 
 std::vector<fileString> getFilenamesInArchive(const fileString& archive)
 {
-    const ZipArchive opened(archive);
+    const std::shared_ptr<const ZipArchive> opened = openArchive(archive);
     std::vector<fileString> names;
-    names.reserve(opened.entries().size());
-    for (const ZipEntry& entry : opened.entries())
+    names.reserve(opened->entries().size());
+    for (const ZipEntry& entry : opened->entries())
         names.emplace_back(std::string(entry.name));
     return names;
 }

@@ -1,16 +1,15 @@
 #include "OrvLibrary/host/impl/ZipWalk_p.h"
 
 #include "OrvLibrary/host/impl/ZipBatch_p.h"
-#include "OrvLibrary/host/impl/ZipMember_p.h"
 
 namespace ZipUtils {
 
 ArchiveHandle::ArchiveHandle(const fileString& archive)
-    : mArchive(std::make_shared<ZipArchive>(archive)),
+    : mArchive(openArchive(archive)),
       mVerified(mArchive->entries().size(), 0),
-      mTargets(currentBatch() ? *currentBatch() : mOwnTargets)
+      mTargets(currentBatch() ? *currentBatch() : mOwnTargets),
+      mVerification(mTargets.verificationOf(mArchive))
 {
-    mTargets.keep(mArchive);
     active().push_back(this);
 }
 
@@ -45,28 +44,17 @@ void ArchiveHandle::walk(const MemberCallback& callback)
         mTargets.complete();
 }
 
+/// What was handed out is sound to its last byte before anything that came of it takes its place. It is
+/// verified after the callback, which itself reads, and so verifies, the largest member.
 void ArchiveHandle::handOut(const MemberCallback& callback)
 {
-    std::size_t handedOut = 0;
     bool goesOn = true;
-    while (goesOn && handedOut < mArchive->entries().size()) {
-        const fileString name(std::string(mArchive->entries()[handedOut].name));
-        goesOn = callback(name, *this, RawDataInfo(handedOut));
-        ++handedOut;
-    }
-    verify(handedOut);
-}
-
-/// What was handed out is sound to its last byte before anything that came of it takes its place. At the end,
-/// because the callback itself reads, and so verifies, the largest member.
-void ArchiveHandle::verify(std::size_t handedOut) const
-{
-    std::vector<std::size_t> members;
-    for (std::size_t i = 0; i < handedOut; ++i) {
+    for (std::size_t i = 0; goesOn && i < mArchive->entries().size(); ++i) {
+        const fileString name(std::string(mArchive->entries()[i].name));
+        goesOn = callback(name, *this, RawDataInfo(i));
         if (mVerified[i] == 0)
-            members.push_back(i);
+            mVerification.add(i);
     }
-    verifyMembers(*mArchive, members);
 }
 
 bool ArchiveHandle::writeRaw(const fileString& target, const fileString& member, bool create,

@@ -6,6 +6,7 @@
 #include "OrvLibrary/host/ZipUtils.h"
 #include "OrvLibrary/host/impl/ZipArchive_p.h"
 #include "OrvLibrary/host/impl/ZipTargets_p.h"
+#include "OrvLibrary/host/impl/ZipVerification_p.h"
 
 namespace ZipUtils {
 
@@ -57,12 +58,12 @@ private:
     static std::vector<ArchiveHandle*>& active();
 
     void handOut(const MemberCallback& callback);
-    void verify(std::size_t handedOut) const;
 
     std::shared_ptr<const ZipArchive> mArchive;
-    std::vector<char> mVerified; ///< by place in the directory
+    std::vector<char> mVerified; ///< by place in the directory: read to its end
     ZipTargets mOwnTargets;
     ZipTargets& mTargets; ///< its own, or those of the batch
+    ZipVerification& mVerification;
 };
 
 } // namespace ZipUtils
