@@ -35,9 +35,16 @@ void ServiceCalls::planFault(Service service, std::size_t call, Fault fault, Rep
     mServicePlans[index(service)] = {call, fault, repeat};
 }
 
+void ServiceCalls::onCall(std::function<void(std::size_t)> hook)
+{
+    const ThreadLockGuard<ThreadMutex> guard(mMutex);
+    mHook = std::move(hook);
+}
+
 void ServiceCalls::reset()
 {
     const ThreadLockGuard<ThreadMutex> guard(mMutex);
+    mHook = nullptr;
     mPlan = {};
     mServicePlans.fill({});
     mCounts.fill(0);
@@ -71,7 +78,13 @@ std::size_t ServiceCalls::faults() const
 
 bool ServiceCalls::enter(Service service, const char* operation)
 {
-    const ThreadLockGuard<ThreadMutex> guard(mMutex);
+    ThreadUniqueLock<ThreadMutex> guard(mMutex);
+    if (const auto hook = mHook) {
+        const std::size_t next = mOperations.size() + 1;
+        guard.unlock();
+        hook(next);
+        guard.lock();
+    }
     mOperations.push_back(std::string(serviceName(service)) + "::" + operation);
     const std::size_t number = ++mCounts[index(service)];
     const Plan& own = mServicePlans[index(service)];

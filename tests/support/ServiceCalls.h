@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -57,7 +58,10 @@ public:
     void planFault(std::size_t call, Fault fault, Repeat repeat = Repeat::Once);
     /// Plans a fault at a call of one service, counted over that one.
     void planFault(Service service, std::size_t call, Fault fault, Repeat repeat = Repeat::Once);
-    /// Forgets plans and counts.
+    /// Calls `hook` at the start of every call, with its number over all services and on its thread, before
+    /// anything else happens.
+    void onCall(std::function<void(std::size_t)> hook);
+    /// Forgets plans, counts and the hook.
     void reset();
 
     std::size_t total() const;
@@ -88,6 +92,7 @@ private:
     std::array<std::size_t, kServiceCount> mCounts{};
     std::vector<std::string> mOperations;
     std::size_t mFaults = 0;
+    std::function<void(std::size_t)> mHook;
 };
 
 } // namespace test

@@ -1,0 +1,78 @@
+// Every call of a host service during an update fails or throws, once or from then on.
+#include "tests/support/ForwardingServices.h"
+#include "tests/update-sweeps/ResourceGuard.h"
+#include "tests/update-sweeps/UpdateWorld.h"
+
+using test::Fault;
+using test::ServiceCalls;
+
+namespace {
+
+struct Way
+{
+    const char* name;
+    Fault fault;
+    ServiceCalls::Repeat repeat;
+};
+
+constexpr Way kWays[] = {
+    {"throws once", Fault::Throw, ServiceCalls::Repeat::Once},
+    {"throws for ever", Fault::Throw, ServiceCalls::Repeat::ForEver},
+    {"fails once", Fault::Fail, ServiceCalls::Repeat::Once},
+    {"fails for ever", Fault::Fail, ServiceCalls::Repeat::ForEver},
+};
+
+/// Runs with a fault at that call; gives the operation that met it.
+std::string runWithFault(test::UpdateWorld& world, const Way& way, std::size_t call)
+{
+    std::string operation;
+    world.run([&] {
+        test::ForwardingServices services;
+        services.calls().planFault(call, way.fault, way.repeat);
+        test::runUpdate(world.updater());
+        const std::vector<std::string> operations = services.calls().operations();
+        operation = call <= operations.size() ? operations[call - 1] : "no call";
+    });
+    return operation;
+}
+
+std::size_t countCalls(test::UpdateWorld& world)
+{
+    std::size_t calls = 0;
+    world.reset();
+    world.run([&] {
+        test::ForwardingServices services;
+        test::runUpdate(world.updater());
+        calls = services.calls().total();
+    });
+    return calls;
+}
+
+/// The error log asks for its folder itself, and swallows what comes.
+bool countsAsError(const std::string& operation)
+{
+    return operation != "PathUtils::getUserLibraryDatabasePath";
+}
+
+} // namespace
+
+TEST(ServiceCallSweep, everyCallOfAHostServiceThrowsOrFails)
+{
+    const test::ResourceGuard guard;
+    test::UpdateWorld world;
+    const std::size_t calls = countCalls(world);
+    EXPECT_GT(calls, 60u);
+    constexpr std::size_t kWayCount = sizeof kWays / sizeof *kWays;
+    for (const std::size_t cell : test::sweepCells(calls * kWayCount, 104)) {
+        const Way& way = kWays[cell % kWayCount];
+        const std::size_t call = 1 + cell / kWayCount;
+        world.reset();
+        const std::string operation = runWithFault(world, way, call);
+        SCOPED_TRACE(operation + ", call " + std::to_string(call) + " " + way.name);
+        world.expectNothingLost();
+        ASSERT_TRUE(world.recorder()->closingData());
+        const bool isError = way.fault == Fault::Throw && countsAsError(operation);
+        EXPECT_TRUE(!isError || world.recorder()->closingData()->result == 0);
+        world.expectConverges();
+    }
+}
