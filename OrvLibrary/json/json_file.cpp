@@ -12,13 +12,17 @@ namespace {
 
 std::string readText(const fileString& path)
 {
-    const std::int64_t size = FileUtils::fileSize(path);
-    if (size < 0 || size > kLargestFile)
+    if (FileUtils::fileSize(path) < 0)
         throw std::runtime_error("no file that is read: " + path.toNativeString());
     LockingFStream stream(path, std::ios_base::in);
     if (!stream.is_open())
         throw std::runtime_error("cannot open " + path.toNativeString());
     stream.exceptions(std::ios_base::badbit);
+    // The size of the file that is open: by now the path may name another one.
+    const std::streamoff size = stream.seekg(0, std::ios_base::end).tellg();
+    if (size < 0 || size > kLargestFile)
+        throw std::runtime_error("no file that is read: " + path.toNativeString());
+    stream.seekg(0);
     std::string text(static_cast<std::size_t>(size), '\0');
     stream.read(text.data(), size);
     text.resize(static_cast<std::size_t>(stream.gcount()));
