@@ -16,7 +16,8 @@
 /// that exists but cannot be written does not open.
 ///
 /// Failures set the stream's state, and so throw `std::ios_base::failure` where the caller asked for
-/// exceptions; numbers are written in the classic locale. One stream belongs to one thread.
+/// exceptions; opening and closing leave the system's reason for a failure in `errno`. Numbers are written in
+/// the classic locale. One stream belongs to one thread.
 class ORVLIBRARY_EXPORT LockingFStream : public std::iostream
 {
 public:

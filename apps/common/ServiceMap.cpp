@@ -1,12 +1,11 @@
 #include "apps/common/ServiceMap.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 #include <QFile>
-#include <QSaveFile>
 
 #include "OrvLibrary/host/StringUtils.h"
+#include "apps/common/TextFile.h"
 
 namespace {
 
@@ -84,10 +83,7 @@ void write(const std::string& path, const Map& map, bool alsoWindows1252)
         if (alsoWindows1252 && !isAscii(name) && map.count(legacy) == 0)
             text += quoted(legacy) + ' ' + hash + ";\n";
     }
-    QSaveFile file(QFile::decodeName(path.c_str()));
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), text.size()) != qint64(text.size()) ||
-        !file.commit())
-        throw std::runtime_error(path + ": " + file.errorString().toStdString());
+    TextFile::write(fileString(path), text);
 }
 
 } // namespace ServiceMap

@@ -2,11 +2,9 @@
 
 #include <stdexcept>
 
-#include <QFile>
-#include <QSaveFile>
-
 #include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/FileUtils.h"
+#include "apps/common/TextFile.h"
 #include "apps/common/ZipWriter.h"
 #include "apps/orv-library/SampleCatalog.h"
 #include "apps/orv-library/SamplePicture.h"
@@ -128,10 +126,7 @@ std::string SampleContent::place(const std::string& name)
 void SampleContent::writeText(const std::string& name, const std::string& text)
 {
     const std::string path = place(name);
-    QSaveFile file(QFile::decodeName(path.c_str()));
-    if (!file.open(QIODevice::WriteOnly) || file.write(text.data(), static_cast<qint64>(text.size())) < 0 ||
-        !file.commit())
-        throw std::runtime_error(path + ": " + file.errorString().toStdString());
+    TextFile::write(fileString(path), text);
 }
 
 void SampleContent::writeCoreCatalogs()

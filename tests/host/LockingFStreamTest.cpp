@@ -1,6 +1,7 @@
 #include "OrvLibrary/host/LockingFStream.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
@@ -160,6 +161,33 @@ TEST_F(LockingFStreamTest, whatIsNoRegularFileDoesNotOpen)
     }
     EXPECT_FALSE(opens(fileString(file), kRead));
     EXPECT_EQ(list(), before);
+}
+
+/// The system's reason for which the stream does not open; 0 when it does.
+int reasonNotToOpen(const fileString& path, std::ios_base::openmode mode)
+{
+    errno = 0;
+    const LockingFStream stream(path, mode);
+    return stream.is_open() ? 0 : errno;
+}
+
+TEST_F(LockingFStreamTest, theReasonForAFailureIsInErrno)
+{
+    const fileString file = mFolder.write("data", "old");
+    ASSERT_EQ(chmod(file.toNativeString().c_str(), 0444), 0);
+    EXPECT_EQ(reasonNotToOpen(mFolder.file("none"), kRead), ENOENT);
+    EXPECT_EQ(reasonNotToOpen(fileString(mFolder.path()), kRead), EISDIR);
+    for (const auto mode : {kWrite, kAppend}) {
+        EXPECT_EQ(reasonNotToOpen(file, mode), EACCES);
+        EXPECT_EQ(reasonNotToOpen(mFolder.file("none/none"), mode), ENOENT);
+        EXPECT_EQ(reasonNotToOpen(fileString(mFolder.path()), mode), EISDIR);
+    }
+    std::filesystem::create_directory(mFolder.path() + "/fresh");
+    LockingFStream out(mFolder.file("fresh/data"), kWrite);
+    std::filesystem::remove_all(mFolder.path() + "/fresh");
+    errno = 0;
+    out.close();
+    EXPECT_EQ(errno, ENOENT);
 }
 
 TEST_F(LockingFStreamTest, aReadOnlyTargetIsRefusedAlsoForTheSuperuser)
@@ -324,8 +352,9 @@ TEST_F(LockingFStreamFullDisk, leavesTheOldContent)
         LockingFStream out(file, kWrite);
         for (int i = 0; i < 1024; ++i)
             out << std::string(1000, 'x') << '\n';
+        errno = 0;
         out.close();
-        return out.fail();
+        return out.fail() && errno == ENOSPC;
     });
 }
 

@@ -1,5 +1,6 @@
 #include "OrvLibrary/host/LockingFStream.h"
 
+#include <cerrno>
 #include <ext/stdio_filebuf.h>
 #include <fcntl.h>
 #include <locale>
@@ -22,32 +23,39 @@ public:
     CheckedBuffer(int descriptor, std::ios_base::openmode mode) : Base(descriptor, mode, kBufferSize) {}
     CheckedBuffer& operator=(CheckedBuffer&&) = default;
 
-    bool hasFailed() const { return mHasFailed; }
+    /// The system's reason for the first failure; 0 for none.
+    int failure() const { return mFailure; }
 
 protected:
     int_type overflow(int_type character) override
     {
         const int_type result = Base::overflow(character);
-        mHasFailed |= traits_type::eq_int_type(result, traits_type::eof());
+        note(traits_type::eq_int_type(result, traits_type::eof()));
         return result;
     }
 
     std::streamsize xsputn(const char* text, std::streamsize size) override
     {
         const std::streamsize written = Base::xsputn(text, size);
-        mHasFailed |= written != size;
+        note(written != size);
         return written;
     }
 
     int sync() override
     {
         const int result = Base::sync();
-        mHasFailed |= result != 0;
+        note(result != 0);
         return result;
     }
 
 private:
-    bool mHasFailed = false;
+    void note(bool isFailure)
+    {
+        if (isFailure && mFailure == 0)
+            mFailure = errno != 0 ? errno : EIO;
+    }
+
+    int mFailure = 0;
 };
 
 /// Opens a file that is used in place and locks it. A file that was replaced while its lock was waited for is
@@ -57,8 +65,10 @@ host::FileHandle openLocked(const std::string& path, bool append)
     const host::Deadline deadline = std::chrono::steady_clock::now() + host::kLockWait;
     do {
         const auto status = host::fileStatus(path);
-        if (append && status && (!S_ISREG(status->st_mode) || !host::mayWrite(path, *status)))
+        if (append && status && (!S_ISREG(status->st_mode) || !host::mayWrite(path, *status))) {
+            errno = S_ISDIR(status->st_mode) ? EISDIR : EACCES;
             return {};
+        }
         host::FileHandle file =
             append ? host::openFile(path, O_WRONLY | O_APPEND | O_CREAT, 0666) : host::openRegularFile(path);
         if (!file || !host::waitForLock(file.get(), append ? LOCK_EX : LOCK_SH, deadline))
@@ -110,8 +120,11 @@ void LockingFStream::Private::use(host::FileHandle file, std::ios_base::openmode
 /// Hands the last bytes to the system and closes the buffer's file.
 bool LockingFStream::Private::finishBuffer()
 {
-    const bool isFlushed = buffer.pubsync() == 0 && !buffer.hasFailed();
-    return buffer.close() && isFlushed;
+    buffer.pubsync();
+    const bool isClosed = buffer.close() != nullptr;
+    if (buffer.failure() != 0)
+        errno = buffer.failure();
+    return isClosed && buffer.failure() == 0;
 }
 
 bool LockingFStream::Private::close(bool streamIsGood)
@@ -125,8 +138,10 @@ bool LockingFStream::Private::close(bool streamIsGood)
 LockingFStream::LockingFStream(const fileString& path, std::ios_base::openmode mode)
     : std::iostream(nullptr), mPrivate(new Private(path.toNativeString(), mode))
 {
+    const int reason = errno;
     rdbuf(&mPrivate->buffer);
     imbue(std::locale::classic());
+    errno = reason;
     if (!is_open())
         setstate(std::ios_base::failbit);
 }
