@@ -15,6 +15,7 @@
 
 #include "OrvLibrary/host/PreferenceEngine.h"
 #include "OrvLibrary/host/impl/PrefFile_p.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TempFolder.h"
 
 using testing::ElementsAre;
@@ -144,6 +145,21 @@ TEST_F(FilePrefSetTest, anUnreadableFileIsCopiedAsideOnce)
         set.setPref(239, 1);
         EXPECT_EQ(test::readFile(file().toNativeString() + ".bad"), broken) << "the second write";
     }
+}
+
+TEST_F(FilePrefSetTest, aFileThatCannotBeReadNowIsNotWrittenOver)
+{
+    ASSERT_EQ(chmod(mFolder.path().c_str(), 0777), 0);
+    write("{\"239\": 3, \"window\": 1}");
+    ASSERT_EQ(chmod(file().toNativeString().c_str(), 0222), 0);
+    const auto end = test::runWithoutRights([&] {
+        std::string reason;
+        const bool isWritten = PrefFile(file()).update({{239, PrefValue(1)}}, reason).has_value();
+        return !isWritten && reason == file().toNativeString() + ": Permission denied" ? 0 : 1;
+    });
+    EXPECT_EQ(end.status, 0);
+    ASSERT_EQ(chmod(file().toNativeString().c_str(), 0644), 0);
+    EXPECT_EQ(content(), "{\"239\": 3, \"window\": 1}");
 }
 
 TEST_F(FilePrefSetTest, anEmptyFileIsNoDamage)

@@ -27,13 +27,18 @@ QString fileName(const std::string& path)
     return QFile::decodeName(path.c_str());
 }
 
-Content readContent(const std::string& path)
+/// @return nothing, with the reason in `errno`, for a file that is there and cannot be read
+std::optional<Content> readContent(const std::string& path)
 {
     Content content;
     QFile file(fileName(path));
-    if (!file.open(QIODevice::ReadOnly))
+    if (!host::fileStatus(path) && errno == ENOENT)
         return content;
+    if (!file.open(QIODevice::ReadOnly))
+        return std::nullopt;
     content.bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return std::nullopt;
     const QJsonDocument document = QJsonDocument::fromJson(content.bytes);
     content.members = document.object();
     content.isReadable = content.bytes.isEmpty() || document.isObject();
@@ -73,7 +78,8 @@ PrefFile::PrefFile(const fileString& path, std::chrono::milliseconds lockWait)
 
 QJsonObject PrefFile::read() const
 {
-    return readContent(mPath).members;
+    const auto content = readContent(mPath);
+    return content ? content->members : QJsonObject();
 }
 
 std::optional<PrefValue> PrefFile::value(const QJsonObject& members, int id)
@@ -105,10 +111,13 @@ std::optional<QJsonObject> PrefFile::update(const std::map<int, PrefValue>& valu
     const auto file = ReplacementFile::open(mPath, ReplacementFile::Mode::Locked, kNewMode, mLockWait);
     if (!file)
         return failed(mPath, reason);
-    const Content content = readContent(mPath);
-    if (!content.isReadable && !writeBadCopy(content.bytes, reason))
+    // What cannot be read now may be there whole: it is not written over.
+    const auto content = readContent(mPath);
+    if (!content)
+        return failed(mPath, reason);
+    if (!content->isReadable && !writeBadCopy(content->bytes, reason))
         return std::nullopt;
-    QJsonObject members = content.members;
+    QJsonObject members = content->members;
     for (const auto& [id, value] : values)
         members.insert(QString::number(id), toJson(value));
     if (!write(*file, QJsonDocument(members).toJson()))
