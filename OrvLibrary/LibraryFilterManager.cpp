@@ -81,7 +81,10 @@ void LibraryFilterManager::removeIdFromLibraryFilters(const std::string& databas
 bool LibraryFilterManager::mergeFilters(const fileString& path)
 try {
     std::vector<LibraryFilter> merged;
-    const long currentId = loadFiltersFromFile(path, merged);
+    long currentId = -1;
+    // What cannot be read now may be there whole: it is not written over.
+    if (readFilters(path, merged, currentId) == Reading::Impossible)
+        return false;
     LibraryFilterMerge merge(merged);
     for (const LibraryFilter& filter : mFilters)
         merge.add(filter);

@@ -58,7 +58,8 @@ public:
     /// current id. Filters that the file has already, by name and list, are left out; the others get the
     /// lowest free ids from 0 up and, where their name is taken, the first free "name 1", "name 2" and so on.
     /// The manager's own file is not written.
-    /// @return false when the other file could not be written; nothing has changed then
+    /// @return false when the other file could not be written, or is there but could not be read; nothing has
+    /// changed then
     bool mergeFilters(const fileString& path);
 
     /// The name of the current filter, UTF-8; the translated label for no filter without one.
@@ -82,7 +83,16 @@ public:
     static bool isWhollyReadable(const fileString& path);
 
 private:
+    /// What a reading came to.
+    enum class Reading
+    {
+        Whole,     ///< also of a missing file
+        Partial,   ///< up to something malformed
+        Impossible ///< the file system failed
+    };
+
     LibraryFilterManager();
+    static Reading readFilters(const fileString& path, std::vector<LibraryFilter>& filters, long& currentId);
 
     long mCurrentFilterId = -1;
     std::vector<LibraryFilter> mFilters;

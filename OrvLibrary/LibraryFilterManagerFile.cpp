@@ -63,7 +63,7 @@ LibraryFilter readFilter(const json::object& object)
 
 /// Deliberate: the order is that of the tree, the last filter in the file first, so that every load turns the
 /// list round.
-void readFilters(const json::object& root, std::vector<LibraryFilter>& filters)
+void readMembers(const json::object& root, std::vector<LibraryFilter>& filters)
 {
     for (auto [member, end] = root.equal_range(kFilter); member != end; ++member) {
         LibraryFilter filter = readFilter(boost::any_cast<const json::object&>(*member->second));
@@ -80,7 +80,7 @@ void readFile(const fileString& path, std::vector<LibraryFilter>& filters, long&
     const auto root = json::readFile(path);
     const auto& members = boost::any_cast<const json::object&>(*root);
     currentId = optionalMember<int>(members, kCurrentFilter, -1);
-    readFilters(members, filters);
+    readMembers(members, filters);
 }
 
 } // namespace
@@ -105,12 +105,8 @@ try {
 long LibraryFilterManager::loadFiltersFromFile(const fileString& path, std::vector<LibraryFilter>& filters)
 {
     long currentId = -1;
-    try {
-        if (path.pathExists())
-            readFile(path, filters, currentId);
-    } catch (...) {
-        // Deliberate: silence. What was read before the failure counts.
-    }
+    // Deliberate: silence. What was read before a failure counts.
+    readFilters(path, filters, currentId);
     return currentId;
 }
 
@@ -118,10 +114,20 @@ bool LibraryFilterManager::isWhollyReadable(const fileString& path)
 {
     std::vector<LibraryFilter> filters;
     long currentId = -1;
+    return path.pathExists() && readFilters(path, filters, currentId) == Reading::Whole;
+}
+
+LibraryFilterManager::Reading LibraryFilterManager::readFilters(const fileString& path,
+                                                                std::vector<LibraryFilter>& filters,
+                                                                long& currentId)
+{
     try {
-        readFile(path, filters, currentId);
-        return true;
+        if (path.pathExists())
+            readFile(path, filters, currentId);
+        return Reading::Whole;
+    } catch (const boost::bad_any_cast&) {
+        return Reading::Partial;
     } catch (...) {
-        return false;
+        return Reading::Impossible;
     }
 }

@@ -1,5 +1,7 @@
 #include "apps/orv-library/FilterChange.h"
 
+#include <algorithm>
+
 #include "OrvLibrary/host/FileUtils.h"
 #include "apps/orv-library/Command.h"
 
@@ -24,11 +26,30 @@ void keepUnreadable(const fileString& path)
                       copy.toNativeString());
 }
 
+bool areEqual(const LibraryFilter& left, const LibraryFilter& right)
+{
+    return left.getFilterId() == right.getFilterId() && left.getFilterName() == right.getFilterName() &&
+           left.getDatabaseIds() == right.getDatabaseIds();
+}
+
+/// The manager does not say whether it could read its file; reading the file once more does.
+void demandLoaded(const LibraryFilterManager& manager)
+{
+    const fileString path = manager.getFilterFullname();
+    std::vector<LibraryFilter> filters;
+    const long current = LibraryFilterManager::loadFiltersFromFile(path, filters);
+    const std::vector<LibraryFilter>& loaded = manager.getLibraryFilters();
+    if (current != manager.getCurrentFilterId() ||
+        !std::equal(filters.begin(), filters.end(), loaded.begin(), loaded.end(), areEqual))
+        throw CommandFailure("cannot read " + path.toNativeString());
+}
+
 } // namespace
 
 FilterChange::FilterChange(Session& session)
     : mHost(session.host()), mLock("filters"), mFilters(LibraryFilterManager::getLibraryFilterManager())
 {
+    demandLoaded(mFilters);
 }
 
 void FilterChange::save()

@@ -8,7 +8,8 @@
 class FilterChange
 {
 public:
-    /// @throws std::runtime_error when another program does not come to its end
+    /// @throws std::runtime_error when another program does not come to its end, CommandFailure when the file
+    /// was read in one way now and in another then, so that a change would lose filters
     explicit FilterChange(Session& session);
 
     LibraryFilterManager& filters() { return mFilters; }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <filesystem>
 #include <random>
 #include <set>
 
@@ -10,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/LibraryFilterManager.h"
+#include "OrvLibrary/host/FileUtils.h"
 #include "tests/support/ScopedHost.h"
 
 namespace {
@@ -210,6 +212,16 @@ TEST_F(FilterMerge, missingFileIsMade)
     EXPECT_EQ(describe(mManager.getLibraryFilters()), "0:A(x) 1:B() ");
     EXPECT_EQ(mManager.getCurrentFilterId(), -1);
     EXPECT_TRUE(path.pathExists());
+}
+
+TEST_F(FilterMerge, aFileThatCannotBeReadIsNotWrittenOver)
+{
+    const fileString file = mHost.folder().write("large.json", "{}");
+    std::filesystem::resize_file(file.toNativeString(), (std::uintmax_t(256) << 20) + 1); // holes only
+    mManager.setLibraryFilters({LibraryFilter("Own", 0, {"a"})});
+    EXPECT_FALSE(mManager.mergeFilters(file));
+    EXPECT_EQ(FileUtils::fileSize(file), (std::int64_t(256) << 20) + 1);
+    EXPECT_EQ(describe(mManager.getLibraryFilters()), "0:Own(a) ");
 }
 
 TEST_F(FilterMerge, failureToWriteChangesNothing)
