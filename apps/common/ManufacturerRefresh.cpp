@@ -82,12 +82,15 @@ ManufacturerRefresh::Table ManufacturerRefresh::currentTable()
 void ManufacturerRefresh::run(const std::string& dataUrl, const std::string& logoUrl)
 {
     const Table before = currentTable();
+    const ptime former = ManufacturerManager::getManufacturerManager()->getLastModified();
     {
         const InstalledCurl watched(*this);
         ManufacturerManager::getManufacturerManager()->checkForManufacturerUpdates(dataUrl, logoUrl);
     }
     if (!mFailure.empty())
         throw std::runtime_error(mFailure);
+    if (mIsApplied && ManufacturerManager::getManufacturerManager()->getLastModified() == former)
+        throw std::runtime_error("cannot read what came from " + dataUrl);
     if (mIsApplied)
         demandWritten();
     mChanges = difference(before, currentTable());
