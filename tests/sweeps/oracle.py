@@ -1,28 +1,48 @@
 """What a folder tree holds, and whether what a disturbed run left of it is sound."""
 import ast
 import hashlib
+import json
 import os
 import re
 import zipfile
 
 # The error log is written in place and tells of the faults themselves.
 VOLATILE = re.compile(r"^root/user/errors\.log$")
+# Stamps that are new in every run; what else a file of them holds is compared.
+STAMPED = re.compile(r"^root/manufacturer-data/manufacturer_data(_temp)?\.json(\.bak)?$")
+STAMP = re.compile(rb"\d{8}T\d{6}(\.\d+)?")
+# What it says differs from run to run; it must be sound.
+HISTORY = "root/update-history.json"
 # Where a disturbed run may leave files that the next one removes: never under a name that a host takes for data.
 LEFTOVER = re.compile(r"^root/temp/|(^|/)\.[^/]+$")
 
 
-def digest(path):
+def digest(path, relative):
     """A text that is equal for equal contents. Of an archive it is the members that count, not their places."""
     with open(path, "rb") as file:
         content = file.read()
+    if STAMPED.match(relative):
+        content = STAMP.sub(b"stamp", content)
+    if relative == HISTORY and is_json(content):
+        return "sound history"
+    if relative.endswith("/catalog_hash.txt"):
+        return "parts " + repr(content.decode(errors="replace").splitlines())
     if path.endswith(".zip"):
         try:
             with zipfile.ZipFile(path) as archive:
                 members = sorted((info.filename, info.CRC, info.file_size) for info in archive.infolist())
-                return "zip " + repr(members) + (" damaged" if archive.testzip() else "")
+                return "damaged" if archive.testzip() else "parts " + repr(members)
         except (zipfile.BadZipFile, OSError, EOFError):
             pass
     return hashlib.sha1(content).hexdigest()
+
+
+def is_json(content):
+    try:
+        json.loads(content)
+        return True
+    except ValueError:
+        return False
 
 
 def snapshot(top):
@@ -39,33 +59,33 @@ def snapshot(top):
             elif os.path.isdir(path):
                 found[relative] = "folder"
             else:
-                found[relative] = digest(path)
+                found[relative] = digest(path, relative)
     return found
 
 
-def lacks_members(now, states):
-    """Whether it is an archive that holds nothing but members of the others."""
-    if not now or not now.startswith("zip ") or now.endswith(" damaged"):
+def is_made_of(now, states):
+    """Whether it is a file of parts, members or lines, and holds nothing but parts that the others hold."""
+    if not now or not now.startswith("parts "):
         return False
-    known = [member for state in states if state and state.startswith("zip ")
-             for member in ast.literal_eval(state[4:])]
-    return all(member in known for member in ast.literal_eval(now[4:]))
+    known = [part for state in states if state and state.startswith("parts ")
+             for part in ast.literal_eval(state[6:])]
+    return all(part in known for part in ast.literal_eval(now[6:]))
 
 
-def judge_disturbed(now, states, may_be_missing=(), may_lack_members=()):
+def judge_disturbed(now, states, may_be_missing=(), may_be_parts=(), may_be_left=()):
     """Complaints about the tree right after disturbed runs: every file is as in one of the states, and nothing else
     is there."""
     complaints = []
     known = {path for state in states for path in state}
     for path in sorted(known):
         contents = [state.get(path) for state in states]
-        if now.get(path) in contents or (path not in now and path in may_be_missing):
+        if now.get(path) in contents or (path not in now and (path in may_be_missing or "folder" in contents)):
             continue
-        if path in may_lack_members and lacks_members(now.get(path), contents):
+        if path in may_be_parts and is_made_of(now.get(path), contents):
             continue
         complaints.append(f"{path} is {'missing' if path not in now else 'neither old nor new'}")
     for path in sorted(set(now) - known):
-        if not LEFTOVER.search(path):
+        if not LEFTOVER.search(path) and path not in may_be_left:
             complaints.append(f"{path} should not be there")
     return complaints
 
@@ -76,12 +96,14 @@ def judge_done(now, new, may_differ=()):
             if now.get(path) != new[path] and path not in may_differ]
 
 
-def judge_recovered(now, finals):
+def judge_recovered(now, finals, may_be_left=(), may_stay_out=()):
     """Complaints about the tree after an undisturbed run: it is one that such runs leave, to the last name."""
     complaints = []
     allowed = {path for final in finals for path in final}
     for path in sorted(allowed):
-        if now.get(path) not in [final.get(path) for final in finals]:
+        contents = [final.get(path) for final in finals]
+        stays_out = path in may_stay_out and (path not in now or is_made_of(now[path], contents))
+        if now.get(path) not in contents and not stays_out:
             complaints.append(f"{path} did not recover")
-    complaints += [f"{path} was left over" for path in sorted(set(now) - allowed)]
+    complaints += [f"{path} was left over" for path in sorted(set(now) - allowed - set(may_be_left))]
     return complaints

@@ -28,11 +28,11 @@ class DisturbedTest(unittest.TestCase):
         self.assertEqual(self.judge({**sound, ".c.orv-new": "x", "root/temp/x": "x"}), [])
         self.assertEqual(self.judge({**sound, "root/core/x.orvlib": "x"}), ["root/core/x.orvlib should not be there"])
 
-    def test_members_may_be_left_out_but_not_changed(self):
-        states = [{"z.zip": "zip [('a', 1, 1)]"}, {"z.zip": "zip [('a', 2, 1), ('b', 3, 1)]"}]
-        for content, sound in (("zip [('a', 1, 1), ('b', 3, 1)]", True), ("zip []", True), ("zip [('a', 9, 1)]", False),
-                               ("zip [('a', 1, 1)] damaged", False), ("0123", False)):
-            complaints = oracle.judge_disturbed({"z.zip": content}, states, (), ["z.zip"])
+    def test_parts_may_be_left_out_but_not_changed(self):
+        states = [{"z": "parts [('a', 1)]"}, {"z": "parts [('a', 2), ('b', 3)]"}]
+        for content, sound in (("parts [('a', 1), ('b', 3)]", True), ("parts []", True), ("parts [('a', 9)]", False),
+                               ("damaged", False)):
+            complaints = oracle.judge_disturbed({"z": content}, states, (), ["z"])
             self.assertEqual(not complaints, sound, content)
 
 
@@ -46,6 +46,8 @@ class OtherJudgementsTest(unittest.TestCase):
         self.assertEqual(oracle.judge_recovered({"a": "2"}, finals), [])
         self.assertEqual(oracle.judge_recovered({"a": "3", ".x": "x"}, finals),
                          ["a did not recover", ".x was left over"])
+        self.assertEqual(oracle.judge_recovered({"a": "3", ".x": "x"}, finals, [".x"], ["a"]), ["a did not recover"])
+        self.assertEqual(oracle.judge_recovered({}, finals, (), ["a"]), [])
 
 
 class SnapshotTest(unittest.TestCase):
@@ -68,6 +70,28 @@ class SnapshotTest(unittest.TestCase):
         self.assertEqual(found["one.zip"], found["two.zip"])
         self.assertEqual(len(found["bad.zip"]), 40)
         self.assertEqual(len(found["root/user/data"]), 40)
+
+    def digest(self, name, text):
+        with tempfile.TemporaryDirectory() as top:
+            path = os.path.join(top, name)
+            os.makedirs(os.path.dirname(path))
+            with open(path, "w") as file:
+                file.write(text)
+            return oracle.snapshot(top)[name]
+
+    def test_stamps_do_not_count_and_all_else_does(self):
+        texts = ['{"Last_Modified": "20261121T053909.101635", "a": 1}', '{"Last_Modified": "20300101T000000", "a": 1}',
+                 '{"Last_Modified": "20261121T053909.101635", "a": 2}', '{"Last_Modified": "20261121T053909.101635"']
+        found = [self.digest("root/manufacturer-data/manufacturer_data.json", text) for text in texts]
+        self.assertEqual(found[0], found[1])
+        self.assertEqual(len(set(found)), 3)
+
+    def test_a_history_is_sound_or_not(self):
+        self.assertEqual(self.digest(oracle.HISTORY, '{"a": 1}'), self.digest(oracle.HISTORY, "{}"))
+        self.assertNotEqual(self.digest(oracle.HISTORY, "{}"), self.digest(oracle.HISTORY, "{"))
+
+    def test_hash_files_are_made_of_lines(self):
+        self.assertEqual(self.digest("root/core/catalog_hash.txt", "a:1\nb:2\n"), "parts ['a:1', 'b:2']")
 
 
 if __name__ == "__main__":

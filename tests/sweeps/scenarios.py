@@ -1,5 +1,6 @@
 """The commands that are disturbed. Each has a sandbox: `root/` for the program, `input/` for what it is given, `work/`
 as its current folder, and `sentinel/`, which nothing may touch."""
+import json
 import os
 import random
 import zipfile
@@ -24,13 +25,26 @@ def archive(path, members):
 
 
 class Scenario:
-    """One command. `prepare` builds the sandbox, `arguments` follow the program's name."""
+    """One command. `prepare` builds the sandbox and `before` gives the commands that bring it to its old state;
+    `arguments` follow the program's name in the command that is disturbed."""
 
     name = ""
     # Deliberate: files that a failed run takes away, because they are guarded before anything is written.
     consumed_by_failure = ()
     # Deliberate: archives in which a member that could not be copied is left out, while the run is done.
     may_lack_members = ()
+    # Deliberate: files whose failures nobody hears of: they keep their old content, or lines of it.
+    may_stay_old = ()
+    # Deliberate: files that are removed before their successors arrive, so that a disturbed run may lack them.
+    removed_before_replaced = ()
+    # Files of fixed names that a run works with and removes.
+    working_files = ()
+    # Copies that a run keeps of what it could not read.
+    kept_copies = ()
+    # Deliberate: what a failure left out stays out until the service has something newer.
+    may_stay_out = ()
+    # Whether the run tells a host object of its end, once.
+    has_closing = False
 
     def prepare(self, sandbox):
         for folder in ("root", "input", "work"):
@@ -40,9 +54,16 @@ class Scenario:
         self.fill(sandbox)
 
     def fill(self, sandbox):
-        raise NotImplementedError
+        pass
 
-    def arguments(self, sandbox):
+    def content(self, folder, version):
+        """Writes what the web service has: version 1 for the old state, 2 for the new one. False without one."""
+        return False
+
+    def before(self, sandbox, service):
+        return []
+
+    def arguments(self, sandbox, service):
         raise NotImplementedError
 
 
@@ -63,7 +84,7 @@ class UnpackBeside(Scenario):
         write(os.path.join(sandbox, "input/Kitchen.orvlib"), noise(9, 90000))
         archive(os.path.join(sandbox, "input/Kitchen.zip"), {"textures/oak.jpg": b"old", "kept.txt": b"kept"})
 
-    def arguments(self, sandbox):
+    def arguments(self, sandbox, service):
         return ["unpack", "--beside", os.path.join(sandbox, "input/Kitchen.orvlibz")]
 
 
@@ -79,7 +100,7 @@ class ImportOverOld(Scenario):
         archive(os.path.join(sandbox, "root/textures/Kitchen.zip"),
                 {"textures/oak.jpg": b"old", "kept.txt": b"kept"})
 
-    def arguments(self, sandbox):
+    def arguments(self, sandbox, service):
         return ["import", os.path.join(sandbox, "input/Kitchen.orvlibz")]
 
 
@@ -92,8 +113,123 @@ class ImportNew(Scenario):
     def fill(self, sandbox):
         archive(os.path.join(sandbox, "input/Kitchen.orvlibz"), library_members(1))
 
-    def arguments(self, sandbox):
+    def arguments(self, sandbox, service):
         return ["import", "--proprietary", os.path.join(sandbox, "input/Kitchen.orvlibz")]
 
 
-ALL = [UnpackBeside(), ImportOverOld(), ImportNew()]
+class FilterAdd(Scenario):
+    """Adds a filter to those that are there."""
+
+    name = "filter-add"
+    kept_copies = ("root/core/catalog_filters.json.unreadable",)
+
+    def before(self, sandbox, service):
+        return [["filters", "add", "Kitchen", "db-1", "db-2"], ["filters", "add", "B\u00e4der", "db-3"]]
+
+    def arguments(self, sandbox, service):
+        return ["filters", "add", "Garden", "db-4"]
+
+
+class FilterRemoveLast(Scenario):
+    """Removes the only filter, so that the empty list is stored."""
+
+    name = "filter-remove"
+    kept_copies = ("root/core/catalog_filters.json.unreadable",)
+
+    def before(self, sandbox, service):
+        return [["filters", "add", "Kitchen", "db-1", "--id", "5"], ["filters", "add", "Bath", "db-2", "--id", "6"],
+                ["filters", "remove", "6"]]
+
+    def arguments(self, sandbox, service):
+        return ["filters", "drop-database", "db-1"]
+
+
+class FilterMerge(Scenario):
+    """Merges with a file that somebody else keeps; both files change. No name is in both: a merge that is done again
+    after a half one would find its own renamed filters and rename them once more."""
+
+    name = "filter-merge"
+    kept_copies = ("root/core/catalog_filters.json.unreadable", "other/core/catalog_filters.json.unreadable")
+
+    def before(self, sandbox, service):
+        other = os.path.join(sandbox, "other")
+        return [["filters", "add", "Kitchen", "db-1", "--id", "5"],
+                ["--root", other, "filters", "add", "Office", "db-9", "--id", "3"],
+                ["--root", other, "filters", "add", "Bath", "db-2", "--id", "6"]]
+
+    def arguments(self, sandbox, service):
+        return ["filters", "merge", os.path.join(sandbox, "other/core/catalog_filters.json")]
+
+
+class ManufacturerRefresh(Scenario):
+    """Fetches a newer manufacturer file, and logos that changed, came and went."""
+
+    name = "manufacturers"
+    removed_before_replaced = ("root/manufacturer-data/Oakline.png", "root/manufacturer-data/Nordfenster.png")
+    working_files = ("root/manufacturer-data/manufacturer_data_temp.json",)
+    may_stay_old = (*removed_before_replaced, "root/manufacturer-data/Lumi\u00e8re.png")
+    may_stay_out = may_stay_old
+
+    def content(self, folder, version):
+        names = ["Oakline", "Nordfenster"] if version == 1 else ["Oakline", "Nordfenster", "Lumi\u00e8re"]
+        records = [self.record(number, name, version) for number, name in enumerate(names, 101)]
+        text = ('{"Last_Modified": "2030010%dT000000", "Default_Text": "Ask version %d"%s}'
+                % (version, version, "".join(', "Manufacturer": ' + json.dumps(each, ensure_ascii=False)
+                                             for each in records)))
+        write(os.path.join(folder, "manufacturers/manufacturer_data.json"), text.encode())
+        for name in names:
+            write(os.path.join(folder, f"manufacturers/{name}.png"), noise(version * 100 + len(name), 5000))
+        os.makedirs(os.path.join(folder, "content"))
+        return True
+
+    @staticmethod
+    def record(number, name, version):
+        return {"Id": number, "Last_Modified": f"2030010{version}T000000", "Name": f"{name} {version}",
+                "Url": "https://maker.example", "Phone": "default", "Fax": "default", "Email": "default",
+                "Logo": f"{name}.png", "Lock": False, "Deleted": False}
+
+    def before(self, sandbox, service):
+        return [self.arguments(sandbox, service)]
+
+    def arguments(self, sandbox, service):
+        return ["manufacturers", "refresh", "--data-url", service["manufacturers"], "--logo-url", service["logos"]]
+
+
+class Update(Scenario):
+    """Updates core catalogs of which two changed and one is new, their archive, and one packed catalog each of bonus
+    and of manufacturer content."""
+
+    name = "update"
+    has_closing = True
+    may_lack_members = ("root/referenced/Party.zip", "root/referenced/Maker.zip")
+    may_stay_out = may_lack_members
+    # A line that is old or missing costs a download.
+    may_stay_old = ("root/core/catalog_hash.txt", "root/bonus/catalog_hash.txt", "root/manufacturer/catalog_hash.txt",
+                    "root/update-history.json")
+
+    def content(self, folder, version):
+        core = {"Doors.orvlib": version, "T\u00fcren 2.orvlib": version, "Same.orvlib": 1}
+        if version == 2:
+            core["Stairs.orvlib"] = 1
+        for name, seed in core.items():
+            write(os.path.join(folder, "content", name), noise(10 * len(name) + seed, 30000))
+        archive(os.path.join(folder, "content/Textures.zip"), {"a.jpg": noise(version, 5000), "b.jpg": b"same"})
+        for name in ("Party", "Maker"):
+            archive(os.path.join(folder, f"content/{name}.orvlibz"),
+                    {f"{name}.orvlib": noise(version + 50, 40000), "pictures/one.jpg": noise(version + 60, 9000),
+                     f"pictures/{version}.png": b"picture" * 100})
+        index = "".join(name + "\n" for name in [*core, "Textures.zip"])
+        write(os.path.join(folder, "content/Orv_Core_Content_Index.txt"), index.encode())
+        os.makedirs(os.path.join(folder, "manufacturers"))
+        return True
+
+    def before(self, sandbox, service):
+        return [self.arguments(sandbox, service)]
+
+    def arguments(self, sandbox, service):
+        return ["update", "--url", service["redirect"], "--product", "P", "--product-version", "1",
+                "--bonus", "Party.orvlib", "--manufacturer", "Maker.orvlib"]
+
+
+ALL = [UnpackBeside(), ImportOverOld(), ImportNew(), FilterAdd(), FilterRemoveLast(), FilterMerge(),
+       ManufacturerRefresh(), Update()]

@@ -12,6 +12,7 @@ ends as if nothing had happened and leaves nothing over. After every tenth kill 
 import argparse
 import concurrent.futures
 import errno
+import json
 import os
 import shutil
 import subprocess
@@ -43,6 +44,12 @@ ERRORS = {
     "connect": ["EACCES", "ECONNREFUSED", "EINTR"],
 }
 DEADLOCK_SECONDS = 120
+ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8", "TZ": "UTC", "QT_QPA_PLATFORM": "offscreen"}
+
+
+def remove(path):
+    if os.path.exists(path):
+        os.remove(path)
 
 
 class Cell:
@@ -65,27 +72,52 @@ class Sweep:
     def __init__(self, program, shim, folder):
         self.program, self.shim, self.folder = program, shim, folder
         self.templates, self.old, self.finals = {}, {}, {}
+        self.services, self.servers = {}, []
         self.missed = 0  # kills that came after the run's last call
 
-    def run(self, scenario, sandbox, settings=None):
+    def execute(self, arguments, sandbox, settings=None):
         """Exit status and what was said on standard error; 'deadlock' when it did not end."""
-        environment = {**os.environ, "LC_ALL": "C.UTF-8", "TZ": "UTC", "QT_QPA_PLATFORM": "offscreen"}
+        environment = {**ENVIRONMENT, "ORV_LIBRARY_ROOT": os.path.join(sandbox, "root")}
         if settings:
             environment.update(settings, LD_PRELOAD=self.shim, ORV_FAULT_ROOT=sandbox)
-        command = [self.program, "--root", os.path.join(sandbox, "root"), "--progress", "none"]
         try:
-            done = subprocess.run(command + scenario.arguments(sandbox), cwd=os.path.join(sandbox, "work"),
-                                  env=environment, timeout=DEADLOCK_SECONDS, stdin=subprocess.DEVNULL,
-                                  stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+            done = subprocess.run([self.program, "--progress", "none", "--trace", sandbox + ".trace"] + arguments,
+                                  cwd=os.path.join(sandbox, "work"), env=environment, timeout=DEADLOCK_SECONDS,
+                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         except subprocess.TimeoutExpired:
             return "deadlock", ""
         return done.returncode, done.stderr.decode(errors="replace")
+
+    def run(self, scenario, sandbox, settings=None):
+        remove(sandbox + ".trace")
+        return self.execute(scenario.arguments(sandbox, self.services.get(scenario)), sandbox, settings)
+
+    def serve(self, scenario, version):
+        """The addresses of a web service with that version of the scenario's content; none where it needs none."""
+        folder = os.path.join(self.folder, f"{scenario.name}.content{version}")
+        if not scenario.content(folder, version):
+            return None
+        server = subprocess.Popen([self.program, "serve", folder], env=ENVIRONMENT, stdout=subprocess.PIPE)
+        self.servers.append(server)
+        return json.loads(server.stdout.readline())
+
+    def stop(self):
+        for server in self.servers:
+            server.terminate()
+            server.wait()
+            server.stdout.close()
+        self.servers.clear()
 
     def prepare(self, scenario):
         """The state before, and those that undisturbed runs leave: one, two, and one after a failure that took files
         away."""
         template = os.path.join(self.folder, scenario.name + ".template")
         scenario.prepare(template)
+        for arguments in scenario.before(template, self.serve(scenario, 1)):
+            status, said = self.execute(arguments, template)
+            if status != 0:
+                sys.exit(f"{scenario.name}: {' '.join(arguments)} failed: {status} {said}")
+        self.services[scenario] = self.serve(scenario, 2)
         self.templates[scenario] = template
         self.old[scenario] = oracle.snapshot(template)
         sandbox = self.copy(scenario, "clean")
@@ -147,6 +179,7 @@ class Sweep:
             return self.judge_in(cell, scenario, sandbox)
         finally:
             shutil.rmtree(sandbox, ignore_errors=True)
+            remove(sandbox + ".trace")
 
     def judge_in(self, cell, scenario, sandbox):
         old, new = self.old[scenario], self.finals[scenario][0]
@@ -156,18 +189,37 @@ class Sweep:
         complaints = self.judge_status(status, said, is_kill)
         if is_kill and status == 0:
             self.missed += 1
-        exceptions = () if is_kill else (scenario.consumed_by_failure, scenario.may_lack_members)
-        complaints += oracle.judge_disturbed(now, [old, new], *exceptions)
+        missing = scenario.removed_before_replaced + (() if is_kill else scenario.consumed_by_failure)
+        parts = scenario.may_stay_old + (() if is_kill else scenario.may_lack_members)
+        left = scenario.working_files + scenario.kept_copies
+        complaints += oracle.judge_disturbed(now, [old, new], missing, parts, left)
+        if scenario.has_closing and not is_kill:
+            complaints += self.judge_closing(status, sandbox + ".trace")
         if status == 0:
-            complaints += oracle.judge_done(now, new, scenario.may_lack_members)
+            complaints += oracle.judge_done(now, new, scenario.may_lack_members + scenario.may_stay_old)
         if is_kill and cell.number % 10 == 9:
             again = Cell(scenario, 0, CHANGING, 1 + cell.at * 7 % (cell.at + 20), "kill")
             self.run(scenario, sandbox, again.settings())
-            complaints += oracle.judge_disturbed(oracle.snapshot(sandbox), [old] + self.finals[scenario])
+            complaints += oracle.judge_disturbed(oracle.snapshot(sandbox), [old] + self.finals[scenario],
+                                                 missing, parts, left)
         status, said = self.run(scenario, sandbox)
         if status != 0:
             complaints.append(f"the run after it ended with {status}: {said.strip()}")
-        return complaints + oracle.judge_recovered(oracle.snapshot(sandbox), self.finals[scenario])
+        now = oracle.snapshot(sandbox)
+        stays_out = () if is_kill else scenario.may_stay_out
+        return complaints + oracle.judge_recovered(now, self.finals[scenario], scenario.kept_copies, stays_out)
+
+    @staticmethod
+    def judge_closing(status, trace):
+        """A host object that was told anything at all is told of the end, once and last."""
+        events = []
+        if os.path.exists(trace):
+            with open(trace) as file:
+                events = [json.loads(line)["event"] for line in file]
+        closing = [event for event in events if event in ("closeCatalogUpdateEvent", "onClose")]
+        if (events or status == 0) and (len(closing) != 1 or events[-1] != closing[0]):
+            return [f"closing calls: {closing} among {len(events)}"]
+        return []
 
     @staticmethod
     def judge_status(status, said, is_kill):
@@ -186,6 +238,31 @@ def spread(cells, points):
     return [cells[index * len(cells) // points] for index in range(points)]
 
 
+def sweep_all(sweep, options, failed):
+    cells = []
+    for scenario in scenarios.ALL:
+        if options.scenario and scenario.name not in options.scenario:
+            continue
+        sweep.prepare(scenario)
+        found = sweep.kill_cells(scenario) if options.sweep == "kill" else sweep.error_cells(scenario)
+        print(f"{scenario.name}: {len(found)} points", flush=True)
+        cells += found
+    lock = threading.Lock()
+
+    def judge(cell):
+        complaints = sweep.judge(cell)
+        with lock:
+            for complaint in complaints:
+                print(f"{cell}: {complaint}", flush=True)
+            if complaints:
+                failed.append(cell)
+
+    swept = spread(cells, options.points)
+    with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
+        list(pool.map(judge, swept))
+    return swept, cells
+
+
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("sweep", choices=["kill", "errors"])
@@ -196,29 +273,13 @@ def main():
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     options = parser.parse_args()
 
-    chosen = [each for each in scenarios.ALL if not options.scenario or each.name in options.scenario]
     failed = []
-    lock = threading.Lock()
     with tempfile.TemporaryDirectory(prefix="orv-sweep-") as folder:
         sweep = Sweep(options.program, options.shim, os.path.realpath(folder))
-        cells = []
-        for scenario in chosen:
-            sweep.prepare(scenario)
-            found = sweep.kill_cells(scenario) if options.sweep == "kill" else sweep.error_cells(scenario)
-            print(f"{scenario.name}: {len(found)} points")
-            cells += found
-
-        def judge(cell):
-            complaints = sweep.judge(cell)
-            with lock:
-                for complaint in complaints:
-                    print(f"{cell}: {complaint}", flush=True)
-                if complaints:
-                    failed.append(cell)
-
-        swept = spread(cells, options.points)
-        with concurrent.futures.ThreadPoolExecutor(options.jobs) as pool:
-            list(pool.map(judge, swept))
+        try:
+            swept, cells = sweep_all(sweep, options, failed)
+        finally:
+            sweep.stop()
     print(f"{options.sweep}: {len(swept)} of {len(cells)} points swept, {len(failed)} failed")
     if sweep.missed > len(swept) // 20:
         print(f"{sweep.missed} runs were not killed: the calls of a run differ too much from one time to the next")
