@@ -46,6 +46,8 @@ public:
     void start(QObject& host);
     /// Cancels the update; `finished` comes all the same.
     static void cancel() { LibraryCatalogUpdate::LibraryCatalogUpdater::killDownload(); }
+    /// Waits for the worker, without the event loop.
+    void wait() { endWorker(); }
     /// Takes the hash lines of failed catalogs out and writes the history. To be called once, after
     /// `finished`.
     /// @param good whether the closing invocation said "updated" or "current"

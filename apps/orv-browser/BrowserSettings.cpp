@@ -29,6 +29,7 @@ BrowserSettings BrowserSettings::load(const fileString& root)
     settings.manufacturerLogoUrl = document["manufacturerLogoUrl"].toString();
     settings.proxy = document["proxy"].toString();
     settings.checkAtStart = document["checkAtStart"].toBool();
+    settings.colours = document["colours"].toString(settings.colours);
     return settings;
 }
 
@@ -42,6 +43,7 @@ bool BrowserSettings::save(const fileString& root, QString& reason) const
         {"manufacturerLogoUrl", manufacturerLogoUrl},
         {"proxy", proxy},
         {"checkAtStart", checkAtStart},
+        {"colours", colours},
     };
     try {
         TextFile::write(fileIn(root), QJsonDocument(document).toJson().toStdString());

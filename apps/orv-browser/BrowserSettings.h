@@ -15,6 +15,7 @@ struct BrowserSettings
     QString manufacturerLogoUrl;
     QString proxy; ///< empty for what the environment says
     bool checkAtStart = false;
+    QString colours = QStringLiteral("system"); ///< see Appearance
 
     /// What the file says; the defaults where it says nothing or cannot be read.
     static BrowserSettings load(const fileString& root);

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QVariant>
 
 namespace {
@@ -52,12 +53,17 @@ CatalogDatabase::Item itemOf(const QSqlQuery& query)
 
 } // namespace
 
-CatalogDatabase::CatalogDatabase(const fileString& path) : mConnection(freshConnectionName())
+CatalogDatabase::CatalogDatabase(const fileString& path)
+    : CatalogDatabase(path, QStringLiteral("QSQLITE_OPEN_READONLY;"))
+{
+}
+
+CatalogDatabase::CatalogDatabase(const fileString& path, const QString& options)
+    : mConnection(freshConnectionName())
 {
     mDatabase = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), mConnection);
     mDatabase.setDatabaseName(QFile::decodeName(path.toNativeString().c_str()));
-    mDatabase.setConnectOptions(
-        QStringLiteral("QSQLITE_OPEN_READONLY;QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyMilliseconds));
+    mDatabase.setConnectOptions(options + QStringLiteral("QSQLITE_BUSY_TIMEOUT=%1").arg(kBusyMilliseconds));
     if (!mDatabase.open()) {
         const QSqlError error = mDatabase.lastError();
         mDatabase = QSqlDatabase();
@@ -71,6 +77,27 @@ CatalogDatabase::~CatalogDatabase()
     mDatabase.close();
     mDatabase = QSqlDatabase();
     QSqlDatabase::removeDatabase(mConnection);
+}
+
+void CatalogDatabase::copyItem(const fileString& from, long long item, const fileString& to, long long folder)
+{
+    QVariantList values{folder};
+    {
+        const CatalogDatabase source(from);
+        QSqlQuery query = run(source.mDatabase,
+                              QStringLiteral("SELECT name, pane_name, style, manufacturer, picture, geometry "
+                                             "FROM item WHERE id = ?"),
+                              {item});
+        if (!query.next())
+            throw std::runtime_error("no such item");
+        for (int column = 0; column < query.record().count(); ++column)
+            values << query.value(column);
+    }
+    const CatalogDatabase target(to, QString());
+    run(target.mDatabase,
+        QStringLiteral("INSERT INTO item (folder, name, pane_name, style, manufacturer, picture, geometry) "
+                       "VALUES (?, ?, ?, ?, ?, ?, ?)"),
+        values);
 }
 
 std::string CatalogDatabase::id() const

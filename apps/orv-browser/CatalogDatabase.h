@@ -10,9 +10,9 @@
 
 #include "OrvLibrary/host/fileString.h"
 
-/// One catalog database, open for reading; docs/formats/catalog-database.md describes it. Every failure of
-/// the database is thrown as std::runtime_error with a reason for people. An object is used on the thread
-/// that made it.
+/// One catalog database, open for reading unless it says otherwise; docs/formats/catalog-database.md
+/// describes it. Every failure of the database is thrown as std::runtime_error with a reason for people. An
+/// object is used on the thread that made it.
 class CatalogDatabase
 {
 public:
@@ -52,7 +52,15 @@ public:
                              const std::function<bool()>& isCancelled) const;
     Details details(long long item) const;
 
+    /// Copies an item of another catalog, or of the same one, into a folder of a catalog that is the user's.
+    /// The number of the manufacturer goes along as it is.
+    /// @throws std::runtime_error when either catalog or the item cannot be read, or the copy not be written;
+    /// nothing has changed then
+    static void copyItem(const fileString& from, long long item, const fileString& to, long long folder);
+
 private:
+    CatalogDatabase(const fileString& path, const QString& options);
+
     QString mConnection;
     QSqlDatabase mDatabase;
 };

@@ -74,6 +74,7 @@ DetailsPane::DetailsPane(QWidget* parent) : QScrollArea(parent)
     auto* layout = new QFormLayout(content);
     mRows = layout;
     layout->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    layout->setLabelAlignment(Qt::AlignTop);
     mTitle = new QLabel;
     mTitle->setObjectName(QStringLiteral("detailsTitle"));
     mTitle->setTextFormat(Qt::PlainText);
@@ -84,6 +85,7 @@ DetailsPane::DetailsPane(QWidget* parent) : QScrollArea(parent)
     mTitle->setFont(font);
     layout->addRow(mTitle);
     mPicture = new QLabel;
+    mPicture->setObjectName(QStringLiteral("detailsPicture"));
     mPicture->setAccessibleName(tr("Picture of the item"));
     layout->addRow(mPicture);
     mCatalog = addRow(*layout, tr("Catalog:"), QStringLiteral("detailsCatalog"));
@@ -95,6 +97,7 @@ DetailsPane::DetailsPane(QWidget* parent) : QScrollArea(parent)
     mContact->setOpenExternalLinks(true);
     mContact->setTextInteractionFlags(Qt::TextBrowserInteraction);
     mLogo = new QLabel;
+    mLogo->setObjectName(QStringLiteral("detailsLogo"));
     mLogo->setAccessibleName(tr("Logo of the manufacturer"));
     layout->addRow(mLogo);
     setWidget(content);

@@ -6,6 +6,13 @@
 #include "apps/common/ArchiveImport.h"
 #include "apps/orv-browser/Background.h"
 
+/// What became of one source.
+struct ImportController::Outcome
+{
+    fileString library;
+    QString problem;
+};
+
 /// Hands the labels of the import to the dialog; called on the import's thread.
 class ImportController::Progress : public ProgressSubject
 {
@@ -92,21 +99,26 @@ void ImportController::next()
     const auto progress = std::make_shared<Progress>(*this, show, mCancelled);
     Background::run(
         mPool, this,
-        [source, progress] {
-            try {
-                const auto result =
-                    ArchiveImport::run(QFile::encodeName(source).toStdString(), false, progress);
-                const bool isEmpty = result.library.empty() && result.textures.empty();
-                return isEmpty ? tr("it holds no library") : QString();
-            } catch (const std::exception& error) {
-                return QString::fromUtf8(error.what());
-            }
-        },
-        [this, source](const QString& problem) { ended(source, problem); });
+        [source, progress] { return importOne(QFile::encodeName(source).toStdString(), progress); },
+        [this, source](const Outcome& outcome) { ended(source, outcome); });
 }
 
-void ImportController::ended(const QString& source, const QString& problem)
+ImportController::Outcome ImportController::importOne(const std::string& source,
+                                                      const std::shared_ptr<ProgressSubject>& progress)
 {
-    Q_EMIT imported(source, problem);
+    try {
+        const ArchiveImport::Result result = ArchiveImport::run(source, false, progress);
+        if (progress->checkCancel(false))
+            return {{}, tr("cancelled")};
+        const bool isEmpty = result.library.empty() && result.textures.empty();
+        return {result.library, isEmpty ? tr("it holds no library") : QString()};
+    } catch (const std::exception& error) {
+        return {{}, QString::fromUtf8(error.what())};
+    }
+}
+
+void ImportController::ended(const QString& source, const Outcome& outcome)
+{
+    Q_EMIT imported(source, outcome.library, outcome.problem);
     next();
 }

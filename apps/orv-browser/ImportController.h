@@ -7,6 +7,9 @@
 #include <QStringList>
 #include <QThreadPool>
 
+#include "OrvLibrary/host/fileString.h"
+
+class ProgressSubject;
 class QProgressDialog;
 class QWidget;
 
@@ -27,16 +30,19 @@ public:
     void cancel();
 
 Q_SIGNALS:
-    /// One source is done. `problem` is empty when all went well.
-    void imported(const QString& source, const QString& problem);
+    /// One source is done. `problem` is empty when all went well, and then `library` is the database, if
+    /// there was one.
+    void imported(const QString& source, const fileString& library, const QString& problem);
     /// The queue is empty.
     void finished();
 
 private:
     class Progress;
+    struct Outcome;
 
+    static Outcome importOne(const std::string& source, const std::shared_ptr<ProgressSubject>& progress);
     void next();
-    void ended(const QString& source, const QString& problem);
+    void ended(const QString& source, const Outcome& outcome);
 
     QThreadPool mPool;
     QStringList mQueue;

@@ -33,7 +33,8 @@ enum State
 {
     kUnread,
     kReading,
-    kRead
+    kRead,
+    kFailed // a row says why
 };
 
 State stateOf(const QStandardItem& item)
@@ -70,6 +71,19 @@ std::vector<fileString> catalogsIn(const fileString& folder)
     for (const QString& name : dir.entryList({QStringLiteral("*.orvlib")}, QDir::Files))
         catalogs.push_back(folder + fileString(QFile::encodeName(name).toStdString()));
     return catalogs;
+}
+
+/// Removes all rows below a node. An item that leaves a model looks for its row from the middle of its parent
+/// outward, which takes minutes for some 100,000 siblings unless they leave from the middle.
+void removeChildren(QStandardItem& parent)
+{
+    for (int row = 0; row < parent.rowCount(); ++row)
+        if (parent.child(row)->hasChildren())
+            removeChildren(*parent.child(row));
+    while (parent.rowCount() > 0) {
+        const int count = std::min(parent.rowCount(), kPortion);
+        parent.removeRows((parent.rowCount() - count) / 2, count);
+    }
 }
 
 } // namespace
@@ -128,6 +142,8 @@ LibraryModel::~LibraryModel()
 {
     mPool.clear();
     mPool.waitForDone();
+    for (int row = 0; row < rowCount(); ++row)
+        removeChildren(*item(row));
 }
 
 void LibraryModel::refresh()
@@ -142,9 +158,10 @@ void LibraryModel::refreshCategory(QStandardItem& category, const fileString& fo
     const std::vector<fileString> catalogs = catalogsIn(folder);
     for (int row = category.rowCount() - 1; row >= 0; --row) {
         const fileString path = dynamic_cast<TreeData&>(*category.child(row)).getDatabasePath();
-        if (std::find(catalogs.begin(), catalogs.end(), path) == catalogs.end())
+        if (std::find(catalogs.begin(), catalogs.end(), path) == catalogs.end()) {
+            removeChildren(*category.child(row));
             category.removeRow(row);
-        else
+        } else
             known[path] = row;
     }
     bool isChanged = false;
@@ -189,6 +206,19 @@ TreeData* LibraryModel::node(const QModelIndex& index) const
     return dynamic_cast<TreeData*>(itemFromIndex(index));
 }
 
+bool LibraryModel::isRead(const QModelIndex& parent) const
+{
+    const TreeData* parentNode = node(parent);
+    return !parentNode || parentNode->isLeaf() || stateOf(*parentNode) >= kRead;
+}
+
+void LibraryModel::retry(const QModelIndex& parent)
+{
+    TreeData* parentNode = node(parent);
+    if (parentNode && stateOf(*parentNode) == kFailed)
+        parentNode->setData(kUnread, kStateRole);
+}
+
 bool LibraryModel::hasChildren(const QModelIndex& parent) const
 {
     const TreeData* parentNode = node(parent);
@@ -196,7 +226,7 @@ bool LibraryModel::hasChildren(const QModelIndex& parent) const
         return !parent.isValid();
     if (parentNode->isLeaf())
         return false;
-    return stateOf(*parentNode) != kRead || parentNode->rowCount() > 0;
+    return stateOf(*parentNode) < kRead || parentNode->rowCount() > 0;
 }
 
 bool LibraryModel::canFetchMore(const QModelIndex& parent) const
@@ -220,7 +250,7 @@ void LibraryModel::fetchMore(const QModelIndex& parent)
             if (!place.isValid())
                 return; // the catalog has left meanwhile
             QStandardItem* filledNode = itemFromIndex(place);
-            filledNode->removeRows(0, filledNode->rowCount());
+            removeChildren(*filledNode);
             fill(filledNode, rows);
         });
 }
@@ -241,9 +271,10 @@ void LibraryModel::fill(QStandardItem* parent, std::shared_ptr<Rows> rows)
         });
         return;
     }
-    if (!rows->problem.isEmpty())
+    const bool isFailed = !rows->problem.isEmpty();
+    if (isFailed)
         showNote(parent, tr("Cannot be read: %1").arg(rows->problem));
-    parent->setData(kRead, kStateRole);
+    parent->setData(isFailed ? kFailed : kRead, kStateRole);
     Q_EMIT filled(place);
 }
 

@@ -25,6 +25,7 @@
 #include "OrvLibrary/UI/TreeItemData.h"
 #include "OrvLibrary/Utility/Chooser.h"
 #include "OrvLibrary/host/Curl.h"
+#include "apps/orv-browser/Appearance.h"
 #include "apps/orv-browser/CatalogDatabase.h"
 #include "apps/orv-browser/DetailsPane.h"
 #include "apps/orv-browser/FilterEditor.h"
@@ -41,6 +42,7 @@ namespace {
 
 constexpr int kTreePage = 0;
 constexpr int kOfferPage = 1;
+constexpr int kSummaryMargin = 7; // pixels; in line with the panes
 
 /// The category by its position in the choice of the search.
 int positionOf(const QModelIndex& category)
@@ -72,11 +74,13 @@ MainWindow::MainWindow(const fileString& root)
       mTreeOrOffer(new QStackedWidget),
       mSummary(new QLabel),
       mSpeed(new QLabel),
+      mUpdate(new QToolButton),
       mCancel(new QToolButton),
       mUpdates(new UpdateController(*this, root)),
       mImports(new ImportController(this))
 {
     Curl::setProxy(mSettings.proxy.toStdString());
+    Appearance::apply(mSettings.colours);
     setObjectName(QStringLiteral("libraryBrowser"));
     setWindowTitle(tr("Library"));
     setAcceptDrops(true);
@@ -88,8 +92,10 @@ MainWindow::MainWindow(const fileString& root)
     connect(mUpdates, &UpdateController::speedChanged, mSpeed, &QLabel::setText);
     connect(mUpdates, &UpdateController::ended, this, &MainWindow::updateEnded);
     connect(mImports, &ImportController::imported, this,
-            [this](const QString& source, const QString& problem) {
+            [this](const QString& source, const fileString& library, const QString& problem) {
                 const QString name = QFileInfo(source).fileName();
+                if (!library.empty())
+                    catalogReplaced(library);
                 mSummary->setText(problem.isEmpty() ? tr("%1 was imported.").arg(name)
                                                     : tr("%1 was not imported: %2").arg(name, problem));
             });
@@ -98,21 +104,33 @@ MainWindow::MainWindow(const fileString& root)
     refreshTree();
 }
 
-MainWindow::~MainWindow() = default;
+MainWindow::~MainWindow()
+{
+    mUpdates->stop(); // while there is a window to tell
+}
 
 void MainWindow::overrideService(const QString& url, const QString& product, const QString& version)
 {
-    if (!url.isEmpty())
-        mSettings.serviceUrl = url;
-    if (!product.isEmpty())
-        mSettings.product = product;
-    if (!version.isEmpty())
-        mSettings.productVersion = version;
+    mOverrides.serviceUrl = url;
+    mOverrides.product = product;
+    mOverrides.productVersion = version;
+}
+
+BrowserSettings MainWindow::service() const
+{
+    BrowserSettings service = mSettings;
+    if (!mOverrides.serviceUrl.isEmpty())
+        service.serviceUrl = mOverrides.serviceUrl;
+    if (!mOverrides.product.isEmpty())
+        service.product = mOverrides.product;
+    if (!mOverrides.productVersion.isEmpty())
+        service.productVersion = mOverrides.productVersion;
+    return service;
 }
 
 void MainWindow::start()
 {
-    if (mSettings.checkAtStart && !mSettings.serviceUrl.isEmpty())
+    if (mSettings.checkAtStart && !service().serviceUrl.isEmpty())
         checkForUpdates();
 }
 
@@ -138,6 +156,7 @@ void MainWindow::buildPanes()
     mTree->setUniformRowHeights(true);
     mTree->setIconSize({24, 24});
     mTree->setDragDropMode(QAbstractItemView::DragDrop);
+    mTree->setDefaultDropAction(Qt::CopyAction);
     mTree->setEditTriggers(QAbstractItemView::NoEditTriggers);
     mPlace = new TreePlace(*mTree, *mModel);
 
@@ -180,6 +199,7 @@ void MainWindow::buildPanes()
     mSummary->setObjectName(QStringLiteral("summary"));
     mSummary->setTextFormat(Qt::PlainText);
     mSummary->setWordWrap(true);
+    mSummary->setContentsMargins(kSummaryMargin, 0, kSummaryMargin, 0);
     mSpeed->setObjectName(QStringLiteral("speed"));
     mCancel->setObjectName(QStringLiteral("cancelButton"));
     mCancel->setText(tr("Cancel"));
@@ -191,6 +211,7 @@ void MainWindow::buildPanes()
     connect(log, &QToolButton::clicked, this, &MainWindow::showLog);
     statusBar()->addWidget(mSummary, 1);
     statusBar()->addPermanentWidget(mSpeed);
+    statusBar()->addPermanentWidget(mUpdate);
     statusBar()->addPermanentWidget(mCancel);
     statusBar()->addPermanentWidget(log);
 }
@@ -198,10 +219,12 @@ void MainWindow::buildPanes()
 void MainWindow::buildMenus()
 {
     QMenu* file = menuBar()->addMenu(tr("&File"));
-    file->addAction(tr("&Import archive…"), this, &MainWindow::openArchive, QKeySequence::Open);
+    file->addAction(tr("&Import archive…"), this, &MainWindow::openArchive, QKeySequence::Open)
+        ->setObjectName(QStringLiteral("importArchive"));
     file->addSeparator();
     file->addAction(tr("&Preferences…"), this, &MainWindow::editPreferences,
-                    QKeySequence(Qt::CTRL + Qt::Key_Comma));
+                    QKeySequence(Qt::CTRL + Qt::Key_Comma))
+        ->setObjectName(QStringLiteral("editPreferences"));
     file->addSeparator();
     file->addAction(tr("&Quit"), this, &QWidget::close, QKeySequence::Quit);
 
@@ -209,6 +232,7 @@ void MainWindow::buildMenus()
     mUpdateAction = library->addAction(tr("Check for &updates"), this, &MainWindow::checkForUpdates,
                                        QKeySequence(Qt::CTRL + Qt::Key_U));
     mUpdateAction->setObjectName(QStringLiteral("checkForUpdates"));
+    mUpdate->setDefaultAction(mUpdateAction);
     mCancelAction = library->addAction(tr("&Cancel the update"), mUpdates, &UpdateController::cancel,
                                        QKeySequence(Qt::CTRL + Qt::Key_Period));
     mCancelAction->setObjectName(QStringLiteral("cancelUpdate"));
@@ -217,12 +241,16 @@ void MainWindow::buildMenus()
         ->setObjectName(QStringLiteral("refreshManufacturers"));
     library->addSeparator();
     library->addAction(tr("&Search"), mSearch, &SearchPane::focusField, QKeySequence::Find);
-    library->addAction(tr("Edit &filters…"), this, &MainWindow::editFilters);
-    library->addAction(tr("Show the &log"), this, &MainWindow::showLog, QKeySequence(Qt::CTRL + Qt::Key_L));
+    library->addAction(tr("Edit &filters…"), this, &MainWindow::editFilters)
+        ->setObjectName(QStringLiteral("editFilters"));
+    library->addAction(tr("Show the &log"), this, &MainWindow::showLog, QKeySequence(Qt::CTRL + Qt::Key_L))
+        ->setObjectName(QStringLiteral("showLog"));
 }
 
 void MainWindow::connectTree()
 {
+    connect(mModel, &LibraryModel::dropped, this, &MainWindow::itemsDropped);
+    connect(mTree, &QTreeView::collapsed, mModel, &LibraryModel::retry);
     connect(mTree->selectionModel(), &QItemSelectionModel::currentChanged, this, &MainWindow::chooseCurrent);
     connect(mSearch, &SearchPane::activeChanged, this,
             [this](bool isActive) { mTreeOrOffer->setVisible(!isActive); });
@@ -232,12 +260,15 @@ void MainWindow::connectTree()
 
 void MainWindow::refreshTree()
 {
+    QModelIndexList empty;
+    for (int row = 0; row < mModel->rowCount(); ++row)
+        if (!mModel->hasChildren(mModel->index(row, 0)))
+            empty << mModel->index(row, 0);
     mModel->refresh();
     mTreeOrOffer->setCurrentIndex(mModel->catalogCount() == 0 ? kOfferPage : kTreePage);
     applyFilter();
-    for (int row = 0; row < mModel->rowCount(); ++row)
-        if (mModel->rowCount(mModel->index(row, 0)) > 0)
-            mTree->expand(mModel->index(row, 0));
+    for (const QModelIndex& category : empty) // what the user closed stays closed
+        mTree->expand(category);
 }
 
 void MainWindow::fillFilters()
@@ -297,20 +328,21 @@ void MainWindow::checkForUpdates()
 {
     if (mUpdates->isRunning())
         return;
-    if (mSettings.serviceUrl.isEmpty()) {
+    if (service().serviceUrl.isEmpty())
         editPreferences();
-        if (mSettings.serviceUrl.isEmpty())
-            return;
-    }
+    const BrowserSettings asked = service();
+    if (asked.serviceUrl.isEmpty())
+        return;
     showRunning(true);
-    mSummary->setText(tr("Checking for updates…"));
-    mUpdates->start(mSettings.serviceUrl, mSettings.product, mSettings.productVersion);
+    mSummary->clear(); // the panel speaks now
+    mUpdates->start(asked.serviceUrl, asked.product, asked.productVersion);
 }
 
 void MainWindow::showRunning(bool isRunning)
 {
     mUpdateAction->setEnabled(!isRunning);
     mCancelAction->setEnabled(isRunning);
+    mUpdate->setVisible(!isRunning);
     mCancel->setVisible(isRunning);
     mSpeed->clear();
 }
@@ -328,6 +360,14 @@ void MainWindow::catalogReplaced(const fileString& database)
     mModel->reload(database);
     applyFilter();
     mTreeOrOffer->setCurrentIndex(kTreePage);
+}
+
+void MainWindow::itemsDropped(const fileString& database, const QString& problem)
+{
+    catalogReplaced(database);
+    const QString name = QString::fromStdString(database.stem().toNativeString());
+    mSummary->setText(problem.isEmpty() ? tr("Copied to %1.").arg(name)
+                                        : tr("Not copied to %1: %2").arg(name, problem));
 }
 
 void MainWindow::openArchive()
@@ -380,6 +420,7 @@ void MainWindow::editPreferences()
         return;
     mSettings = dialog.settings();
     Curl::setProxy(mSettings.proxy.toStdString());
+    Appearance::apply(mSettings.colours);
     QString reason;
     if (!mSettings.save(mRoot, reason))
         QMessageBox::warning(this, windowTitle(), tr("The preferences were not saved: %1").arg(reason));

@@ -48,10 +48,13 @@ private:
     void chooseFilter(int index);
     void applyFilter();
     void chooseCurrent();
+    /// The service to ask: the command line goes before the preferences.
+    BrowserSettings service() const;
     void checkForUpdates();
     void showRunning(bool isRunning);
     void updateEnded(const QString& summary, bool hasProblems);
     void catalogReplaced(const fileString& database);
+    void itemsDropped(const fileString& database, const QString& problem);
     void openArchive();
     void importArchives(const QStringList& sources);
     void refreshManufacturers();
@@ -60,7 +63,8 @@ private:
     void showLog();
 
     fileString mRoot;
-    BrowserSettings mSettings;
+    BrowserSettings mSettings;  ///< the preferences
+    BrowserSettings mOverrides; ///< what the command line says; empty texts for nothing
     LibraryModel* mModel;
     QTreeView* mTree;
     TreePlace* mPlace = nullptr;
@@ -70,6 +74,7 @@ private:
     QStackedWidget* mTreeOrOffer;
     QLabel* mSummary;
     QLabel* mSpeed;
+    QToolButton* mUpdate;
     QToolButton* mCancel;
     QAction* mUpdateAction = nullptr;
     QAction* mCancelAction = nullptr;

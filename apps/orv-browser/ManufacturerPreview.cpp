@@ -74,6 +74,7 @@ ManufacturerPreview::ManufacturerPreview(const QString& dataUrl, const QString& 
     resize(420, 320);
     mChanges->setObjectName(QStringLiteral("manufacturerChanges"));
     mChanges->setAccessibleName(tr("What the refresh changes"));
+    mText->setObjectName(QStringLiteral("manufacturerText"));
     mText->setWordWrap(true);
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(mText);

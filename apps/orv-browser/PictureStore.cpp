@@ -61,7 +61,7 @@ QIcon PictureStore::picture(const fileString& database, long long item)
     if (mAsked.insert(key).second)
         Background::run(
             mPool, this, [database, item] { return readPicture(database, item); },
-            [this, key](const QImage& image) { keep(key, image); });
+            [this, key](const QImage& image) { keep(key, image); }, ++mAskedSoFar);
     return mPlaceholder;
 }
 

@@ -40,4 +40,5 @@ private:
     QIcon mPlaceholder;
     QCache<QString, QIcon> mIcons;
     std::set<Key> mAsked;
+    int mAskedSoFar = 0; ///< the last one that was asked for is the first to be loaded: it is on the screen
 };

@@ -1,9 +1,12 @@
 #include "apps/orv-browser/PreferencesDialog.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLineEdit>
+
+#include "apps/orv-browser/Appearance.h"
 
 namespace {
 
@@ -40,6 +43,13 @@ PreferencesDialog::PreferencesDialog(const BrowserSettings& settings, QWidget* p
     mCheckAtStart->setObjectName(QStringLiteral("checkAtStart"));
     mCheckAtStart->setChecked(settings.checkAtStart);
     layout->addRow(mCheckAtStart);
+    mColours = new QComboBox;
+    mColours->setObjectName(QStringLiteral("colours"));
+    mColours->addItem(tr("As the system"), QString(Appearance::kSystem));
+    mColours->addItem(tr("Light"), QString(Appearance::kLight));
+    mColours->addItem(tr("Dark"), QString(Appearance::kDark));
+    mColours->setCurrentIndex(qMax(0, mColours->findData(settings.colours)));
+    layout->addRow(tr("C&olours:"), mColours);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -56,5 +66,6 @@ BrowserSettings PreferencesDialog::settings() const
     settings.manufacturerLogoUrl = mManufacturerLogoUrl->text().trimmed();
     settings.proxy = mProxy->text().trimmed();
     settings.checkAtStart = mCheckAtStart->isChecked();
+    settings.colours = mColours->currentData().toString();
     return settings;
 }

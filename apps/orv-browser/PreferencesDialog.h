@@ -5,6 +5,7 @@
 #include "apps/orv-browser/BrowserSettings.h"
 
 class QCheckBox;
+class QComboBox;
 class QLineEdit;
 
 /// The preferences of the window: where the services are, what they are told, and when to ask them.
@@ -26,4 +27,5 @@ private:
     QLineEdit* mManufacturerLogoUrl;
     QLineEdit* mProxy;
     QCheckBox* mCheckAtStart;
+    QComboBox* mColours;
 };

@@ -1,5 +1,8 @@
 #include "apps/orv-browser/UpdateController.h"
 
+#include <algorithm>
+
+#include <QCoreApplication>
 #include <QLocale>
 #include <QStringList>
 
@@ -15,6 +18,8 @@ namespace {
 constexpr int kNoEndpoint = 0x1036918b;
 constexpr int kFirstGoodResult = 2; // 2 updated, 3 current
 constexpr int kMostNames = 5;
+constexpr double kSecondsInMinutes = 100; // from here on a time is told in minutes
+constexpr double kMostSecondsLeft = 1e6;
 
 std::vector<ErrorLogEntry> logEntries()
 {
@@ -36,6 +41,16 @@ QString listed(const std::set<std::string>& names)
     return rest > 0 ? UpdateController::tr("%1 and %n more", nullptr, rest).arg(text) : text;
 }
 
+QString speedText(double bytesPerSecond, double secondsLeft)
+{
+    const QString speed = QLocale().formattedDataSize(static_cast<qint64>(bytesPerSecond));
+    const double seconds = std::min(secondsLeft, kMostSecondsLeft);
+    if (seconds >= kSecondsInMinutes)
+        return UpdateController::tr("%1/s, about %n minute(s) left", nullptr, qRound(seconds / 60))
+            .arg(speed);
+    return UpdateController::tr("%1/s, about %n second(s) left", nullptr, qRound(seconds) + 1).arg(speed);
+}
+
 } // namespace
 
 UpdateController::UpdateController(QMainWindow& window, const fileString& root)
@@ -46,6 +61,17 @@ UpdateController::UpdateController(QMainWindow& window, const fileString& root)
 UpdateController::~UpdateController()
 {
     mRun.reset(); // waits for the worker, which still knows the receiver
+}
+
+void UpdateController::stop()
+{
+    if (!mRun)
+        return;
+    cancel();
+    disconnect(mRun.get(), nullptr, this, nullptr); // it will say that it has ended, which is seen to here
+    mRun->wait();
+    QCoreApplication::sendPostedEvents(mReceiver.get(), QEvent::MetaCall);
+    conclude();
 }
 
 void UpdateController::start(const QString& url, const QString& product, const QString& version)
@@ -73,13 +99,10 @@ void UpdateController::start(const QString& url, const QString& product, const Q
 void UpdateController::connectReceiver()
 {
     connect(mReceiver.get(), &UpdateReceiver::catalogReplaced, this, &UpdateController::catalogReplaced);
-    connect(
-        mReceiver.get(), &UpdateReceiver::speedChanged, this,
-        [this](double bytesPerSecond, double secondsLeft) {
-            const QString speed = QLocale().formattedDataSize(static_cast<qint64>(bytesPerSecond));
-            Q_EMIT speedChanged(
-                tr("%1/s, about %n second(s) left", nullptr, static_cast<int>(secondsLeft) + 1).arg(speed));
-        });
+    connect(mReceiver.get(), &UpdateReceiver::speedChanged, this,
+            [this](double bytesPerSecond, double secondsLeft) {
+                Q_EMIT speedChanged(speedText(bytesPerSecond, secondsLeft));
+            });
     connect(mRun.get(), &CatalogUpdateRun::finished, this, &UpdateController::runEnded);
 }
 
@@ -91,6 +114,11 @@ void UpdateController::cancel()
 
 void UpdateController::runEnded()
 {
+    conclude().release()->deleteLater(); // it is the sender
+}
+
+std::unique_ptr<CatalogUpdateRun> UpdateController::conclude()
+{
     const auto& outcome = mReceiver->outcome();
     QStringList notes;
     try {
@@ -101,10 +129,11 @@ void UpdateController::runEnded()
     }
     bool hasProblems = false;
     const QString summary = summaryOf(notes, hasProblems);
-    mRun.release()->deleteLater(); // it is the sender
+    std::unique_ptr<CatalogUpdateRun> run = std::move(mRun);
     mReceiver.reset();
     closePanel();
     Q_EMIT ended(summary, hasProblems);
+    return run;
 }
 
 void UpdateController::closePanel()

@@ -23,13 +23,14 @@ class UpdateController : public QObject
 public:
     /// @param root the root of the well-known folders
     UpdateController(QMainWindow& window, const fileString& root);
-    /// Cancels what is under way and waits for it.
     ~UpdateController() override;
 
     bool isRunning() const { return mRun != nullptr; }
     /// Starts a run; while one runs it does nothing.
     void start(const QString& url, const QString& product, const QString& version);
     void cancel();
+    /// Cancels what is under way, waits for it, and puts in place what it had fetched.
+    void stop();
 
 Q_SIGNALS:
     /// A new catalog has been put in place.
@@ -42,6 +43,8 @@ Q_SIGNALS:
 private:
     void connectReceiver();
     void runEnded();
+    /// Sees to what comes after a run, and tells how it ended. The receiver must outlive the run's worker.
+    std::unique_ptr<CatalogUpdateRun> conclude();
     QString summaryOf(const QStringList& notes, bool& hasProblems) const;
     QString problemText() const;
     void closePanel();

@@ -3,30 +3,15 @@
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QFile>
-#include <QLibraryInfo>
-#include <QLocale>
-#include <QTranslator>
 
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/OrvLibraryVersion.h"
 #include "OrvLibrary/Utility/Chooser.h"
 #include "apps/common/AppHost.h"
 #include "apps/orv-browser/MainWindow.h"
+#include "apps/orv-browser/Translations.h"
 
 namespace {
-
-/// Qt's own texts and the window's, in the user's language where there are some.
-void installTranslators(QApplication& application)
-{
-    auto* qt = new QTranslator(&application);
-    if (qt->load(QLocale(), QStringLiteral("qtbase"), QStringLiteral("_"),
-                 QLibraryInfo::location(QLibraryInfo::TranslationsPath)))
-        QApplication::installTranslator(qt);
-    auto* own = new QTranslator(&application);
-    if (own->load(QLocale(), QStringLiteral("orvbrowser"), QStringLiteral("_"),
-                  QStringLiteral(":/orvbrowser/translations")))
-        QApplication::installTranslator(own);
-}
 
 std::string value(const QCommandLineParser& parser, const QString& option)
 {
@@ -42,9 +27,7 @@ int main(int argc, char** argv)
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("orv-browser"));
     QApplication::setApplicationVersion(QStringLiteral(ORVLIBRARY_VERSION_STRING));
-    installTranslators(application);
-    if (QLocale().textDirection() == Qt::RightToLeft)
-        QApplication::setLayoutDirection(Qt::RightToLeft);
+    Translations::install(application);
 
     QCommandLineParser parser;
     parser.setApplicationDescription(QStringLiteral("Shows what a library holds and keeps it up to date."));

@@ -1,0 +1,60 @@
+// Dragging items out of the tree, and dropping them on folders of the user's own libraries.
+#include <QMimeData>
+
+#include "apps/orv-browser/CatalogDatabase.h"
+#include "apps/orv-browser/ItemDrag.h"
+#include "apps/orv-browser/LibraryModel.h"
+
+namespace {
+
+/// Whether a node stands in one of the user's libraries; the other catalogs belong to the service.
+bool isUsers(QModelIndex index)
+{
+    while (index.parent().isValid())
+        index = index.parent();
+    return index.row() == LibraryModel::kUserRow;
+}
+
+} // namespace
+
+QStringList LibraryModel::mimeTypes() const
+{
+    return {ItemDrag::mimeType()};
+}
+
+QMimeData* LibraryModel::mimeData(const QModelIndexList& indexes) const
+{
+    std::vector<ItemDrag::Item> items;
+    for (const QModelIndex& index : indexes) {
+        const Library::TreeData* dragged = node(index);
+        if (dragged && dragged->isItem())
+            items.push_back({dragged->getDatabasePath(), dragged->getId(), dragged->text()});
+    }
+    return items.empty() ? nullptr : ItemDrag::encode(items);
+}
+
+bool LibraryModel::canDropMimeData(const QMimeData* data, Qt::DropAction action, int, int,
+                                   const QModelIndex& parent) const
+{
+    const Library::TreeData* target = node(parent);
+    const bool isFolder = target && !target->isLeaf() && target->getId() >= 0 && parent.parent().isValid();
+    return isFolder && isUsers(parent) && action == Qt::CopyAction && data->hasFormat(ItemDrag::mimeType());
+}
+
+bool LibraryModel::dropMimeData(const QMimeData* data, Qt::DropAction action, int row, int column,
+                                const QModelIndex& parent)
+{
+    if (!canDropMimeData(data, action, row, column, parent))
+        return false;
+    const fileString database = node(parent)->getDatabasePath();
+    const long long folder = node(parent)->getId();
+    QString problem;
+    try {
+        for (const ItemDrag::Item& item : ItemDrag::decode(*data))
+            CatalogDatabase::copyItem(item.database, item.id, database, folder);
+    } catch (const std::exception& error) {
+        problem = QString::fromUtf8(error.what());
+    }
+    Q_EMIT dropped(database, problem);
+    return problem.isEmpty();
+}

@@ -1,0 +1,157 @@
+// Catalogs as they should not be: the window says so where they stand, and everything else works on.
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTreeView>
+
+#include <gtest/gtest.h>
+
+#include "OrvLibrary/host/FileUtils.h"
+#include "tests/orv-browser/BrowserTest.h"
+#include "tests/orv-browser/CatalogMaker.h"
+
+namespace {
+
+using test::CatalogMaker;
+
+class BadCatalogTest : public test::BrowserTest
+{
+protected:
+    /// A catalog beside the bad one, which must stay usable.
+    void makeGood() const
+    {
+        CatalogMaker good(inRoot("core/Good.orvlib"), "good");
+        good.addItem(good.addFolder("All"), {"Chair"});
+    }
+
+    void expectGoodWorks() { EXPECT_TRUE(openPath({"Core", "Good", "All", "Chair"}).isValid()); }
+
+    /// Opens a catalog that cannot be read and gives the one row that it shows.
+    QString noteOf(const QString& catalog)
+    {
+        const QPersistentModelIndex place(openPath({"Core", catalog}));
+        tree().expand(place);
+        EXPECT_TRUE(waitFor([&] { return model().isRead(place); }));
+        const QStringList names = childNames(place);
+        EXPECT_EQ(names.size(), 1);
+        return names.value(0);
+    }
+};
+
+} // namespace
+
+TEST_F(BadCatalogTest, fileThatIsNoDatabaseSaysSo)
+{
+    makeGood();
+    test::writeFile(inRoot("core/Text.orvlib"), std::string(10000, 'x'));
+    open();
+    EXPECT_TRUE(noteOf("Text").startsWith("Cannot be read: ")) << noteOf("Text").toStdString();
+    expectGoodWorks();
+}
+
+TEST_F(BadCatalogTest, emptyFileAndDatabaseOfAnotherKindSaySo)
+{
+    makeGood();
+    test::writeFile(inRoot("core/Empty.orvlib"), "");
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+        other.setDatabaseName(QString::fromStdString(inRoot("core/Other.orvlib")));
+        ASSERT_TRUE(other.open());
+        QSqlQuery(other).exec("CREATE TABLE something (else_entirely TEXT)");
+    }
+    QSqlDatabase::removeDatabase("other");
+    open();
+    EXPECT_TRUE(noteOf("Empty").startsWith("Cannot be read: "));
+    EXPECT_TRUE(noteOf("Other").startsWith("Cannot be read: "));
+    expectGoodWorks();
+}
+
+TEST_F(BadCatalogTest, lockedCatalogSaysSoAndIsReadOnceItIsFree)
+{
+    makeGood();
+    {
+        CatalogMaker locked(inRoot("core/Locked.orvlib"), "locked");
+        locked.addFolder("Inside");
+    }
+    {
+        QSqlDatabase lock = QSqlDatabase::addDatabase("QSQLITE", "lock");
+        lock.setDatabaseName(QString::fromStdString(inRoot("core/Locked.orvlib")));
+        ASSERT_TRUE(lock.open());
+        ASSERT_TRUE(QSqlQuery(lock).exec("BEGIN EXCLUSIVE"));
+        open();
+        EXPECT_TRUE(noteOf("Locked").startsWith("Cannot be read: "));
+        expectGoodWorks();
+        lock.close();
+    }
+    QSqlDatabase::removeDatabase("lock");
+    tree().collapse(openPath({"Core", "Locked"}));
+    const QPersistentModelIndex place(openPath({"Core", "Locked"}));
+    tree().expand(place);
+    EXPECT_TRUE(waitFor([&] { return childNames(place) == QStringList("Inside"); }));
+}
+
+TEST_F(BadCatalogTest, catalogThatIsRemovedWhileItIsShownLeavesTheWindowAlive)
+{
+    makeGood();
+    {
+        CatalogMaker gone(inRoot("core/Gone.orvlib"), "gone");
+        const int folder = gone.addFolder("Folder");
+        gone.addFolder("Deep", folder);
+        gone.addItem(folder, {"Chair", "", std::nullopt, std::nullopt, CatalogMaker::picture()});
+    }
+    open();
+    const QModelIndex item = openPath({"Core", "Gone", "Folder", "Chair"});
+    ASSERT_TRUE(FileUtils::removePath(fileString(inRoot("core/Gone.orvlib"))));
+    tree().setCurrentIndex(item);
+    EXPECT_TRUE(waitFor([&] { return child<QLabel>("detailsStyle").text().startsWith("Cannot be read: "); }));
+    const QPersistentModelIndex deep(openPath({"Core", "Gone", "Folder", "Deep"}));
+    tree().expand(deep);
+    EXPECT_TRUE(waitFor([&] { return model().isRead(deep); }));
+    expectGoodWorks();
+}
+
+TEST_F(BadCatalogTest, brokenPictureIsNamedInTheDetails)
+{
+    {
+        CatalogMaker catalog(inRoot("core/Pictures.orvlib"), "pictures");
+        const int folder = catalog.addFolder("All");
+        catalog.addItem(folder,
+                        {"Broken", "", std::nullopt, std::nullopt, QByteArray("\x89PNG\r\n\x1a\nxx", 10)});
+        catalog.addItem(folder, {"Cut", "", std::nullopt, std::nullopt, CatalogMaker::picture().left(40)});
+    }
+    open();
+    for (const char* name : {"Broken", "Cut"}) {
+        tree().setCurrentIndex(openPath({"Core", "Pictures", "All", name}));
+        EXPECT_TRUE(waitFor([&] {
+            return child<QLabel>("detailsPicture").text() == "The picture is broken.";
+        })) << name;
+    }
+}
+
+TEST_F(BadCatalogTest, namesOfTenThousandLettersAndOfStrangeOnesAreShown)
+{
+    const QString longName(10000, QChar('W'));
+    {
+        CatalogMaker catalog(inRoot("core/Names.orvlib"), "names");
+        const int folder = catalog.addFolder(longName.toStdString());
+        catalog.addItem(folder, {longName.toStdString(), longName.toStdString()});
+        catalog.addItem(folder, {"<b>bold</b> & \xD7\xA9\xD7\x9C\xD7\x95\xD7\x9D\n\t second line"});
+        catalog.addItem(folder, {""});
+    }
+    open();
+    const int width = window().width();
+    const QPersistentModelIndex catalog(openPath({"Core", "Names"}));
+    tree().expand(catalog);
+    ASSERT_TRUE(waitFor([&] { return model().isRead(catalog); }));
+    const QPersistentModelIndex folder(model().index(0, 0, catalog));
+    EXPECT_LT(folder.data().toString().size(), 1000);
+    tree().expand(folder);
+    ASSERT_TRUE(waitFor([&] { return model().isRead(folder); }));
+    for (int row = 0; row < 3; ++row) {
+        tree().setCurrentIndex(model().index(row, 0, folder));
+        QCoreApplication::processEvents();
+    }
+    EXPECT_EQ(window().width(), width);
+}

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <QByteArray>
+#include <QSqlDatabase>
+#include <QVariant>
+
+namespace test {
+
+/// Writes a catalog database, row by row, in one transaction that ends with the object.
+class CatalogMaker
+{
+public:
+    /// @param id the library database id; nothing is written for an empty one
+    CatalogMaker(const std::string& path, const std::string& id);
+    ~CatalogMaker();
+    CatalogMaker(const CatalogMaker&) = delete;
+    CatalogMaker& operator=(const CatalogMaker&) = delete;
+
+    /// @return the folder's id, from 1
+    int addFolder(const std::string& name, std::optional<int> parent = std::nullopt);
+
+    struct Item
+    {
+        std::string name;
+        std::string paneName = {};
+        std::optional<int> style = std::nullopt;
+        std::optional<int> manufacturer = std::nullopt;
+        QByteArray picture = {};
+    };
+    /// @return the item's id, from 0
+    int addItem(int folder, const Item& item);
+    /// Items "Item 1" and so on, each with a picture when one is given.
+    void addItems(int folder, int count, const QByteArray& picture = {});
+
+    /// A small picture as PNG.
+    static QByteArray picture();
+
+private:
+    void run(const QString& statement, const QVariantList& values = {});
+
+    QString mConnection;
+    QSqlDatabase mDatabase;
+    int mFolders = 0;
+    int mItems = 0;
+};
+
+} // namespace test

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+namespace test {
+
+/// Measures how long the interface thread is busy with one event, from construction to the end of the block.
+/// Events inside events count with the outer one. One object at a time; the test program's application object
+/// must be a WatchedApplication.
+class EventWatch
+{
+public:
+    EventWatch();
+    ~EventWatch();
+    EventWatch(const EventWatch&) = delete;
+    EventWatch& operator=(const EventWatch&) = delete;
+
+    /// Milliseconds of the event that took longest.
+    long long longest() const { return mLongest; }
+    /// What that event was.
+    const std::string& longestName() const { return mLongestName; }
+
+    void note(long long milliseconds, const std::string& name);
+    static EventWatch* current();
+
+private:
+    long long mLongest = 0;
+    std::string mLongestName;
+};
+
+} // namespace test

@@ -1,0 +1,98 @@
+// What the window looks like to those who do not see it, read another language, or from the other side.
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QFile>
+#include <QLineEdit>
+#include <QListView>
+#include <QProcess>
+#include <QTranslator>
+#include <QTreeView>
+
+#include <gtest/gtest.h>
+
+#include "tests/orv-browser/BrowserTest.h"
+#include "tests/orv-browser/CatalogMaker.h"
+
+namespace {
+
+class BrowserLookTest : public test::BrowserTest
+{
+protected:
+    BrowserLookTest() { test::CatalogMaker(inRoot("core/Doors.orvlib"), "doors"); }
+};
+
+} // namespace
+
+TEST_F(BrowserLookTest, everyControlHasANameForScreenReaders)
+{
+    open();
+    int count = 0;
+    for (QWidget* widget : window().findChildren<QWidget*>()) {
+        const bool isNamedByItself =
+            widget->inherits("QAbstractButton") && !widget->property("text").toString().isEmpty();
+        const bool isInner = widget->objectName().startsWith("qt_") || widget->inherits("QScrollBar") ||
+                             qobject_cast<QComboBox*>(widget->parentWidget()) ||
+                             qobject_cast<QLineEdit*>(widget->parentWidget());
+        const bool takesKeys = (widget->focusPolicy() & Qt::TabFocus) != 0;
+        if (!takesKeys || isInner || isNamedByItself || widget->inherits("QComboBoxPrivateContainer") ||
+            widget->inherits("QComboBoxListView") || widget->inherits("QLabel"))
+            continue;
+        EXPECT_FALSE(widget->accessibleName().isEmpty())
+            << widget->metaObject()->className() << " " << widget->objectName().toStdString();
+        ++count;
+    }
+    EXPECT_GE(count, 4);
+}
+
+TEST_F(BrowserLookTest, everyActionHasAKeyToReachItsMenu)
+{
+    open();
+    for (const QAction* action : window().findChildren<QAction*>()) {
+        if (action->text().isEmpty() || action->isSeparator() || action->parent()->inherits("QLineEdit"))
+            continue;
+        EXPECT_TRUE(action->text().contains('&')) << action->text().toStdString();
+    }
+}
+
+TEST_F(BrowserLookTest, rightToLeftPutsTheTreeOnTheRight)
+{
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    open();
+    const int treeAt = tree().mapTo(&window(), QPoint()).x();
+    const int detailsAt = child<QWidget>("detailsPane").mapTo(&window(), QPoint()).x();
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+    EXPECT_GT(treeAt, detailsAt);
+}
+
+TEST_F(BrowserLookTest, germanSpeaksGermanThroughout)
+{
+    QTranslator german;
+    ASSERT_TRUE(german.load(QLocale("de_DE"), "orvbrowser", "_", ":/orvbrowser/translations"));
+    QApplication::installTranslator(&german);
+    open();
+    QApplication::removeTranslator(&german);
+    EXPECT_EQ(childNames({}),
+              QStringList({"Grundkataloge", "Zusatzkataloge", "Hersteller", "Eigene Bibliotheken"}));
+    EXPECT_EQ(window().windowTitle(), "Bibliothek");
+}
+
+TEST(BrowserTranslations, areCompleteForEveryTextInTheSources)
+{
+    const test::TempFolder folder;
+    for (const QString language : {"de", "en"}) {
+        const QString file = QString::fromStdString(folder.path()) + "/" + language + ".ts";
+        ASSERT_TRUE(QFile::copy(ORV_BROWSER_SOURCES "/translations/orvbrowser_" + language + ".ts", file));
+        QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner);
+        QStringList arguments{ORV_BROWSER_SOURCES, "-silent", "-no-obsolete", "-locations", "none"};
+        if (language == "en")
+            arguments << "-pluralonly";
+        QProcess lupdate;
+        lupdate.start(ORV_LUPDATE, arguments << "-ts" << file);
+        ASSERT_TRUE(lupdate.waitForFinished());
+        ASSERT_EQ(lupdate.exitCode(), 0) << lupdate.readAllStandardError().toStdString();
+        const std::string text = test::readFile(file.toStdString());
+        EXPECT_EQ(text.find("type=\"unfinished\""), std::string::npos) << text;
+        EXPECT_NE(text.find("<translation>"), std::string::npos);
+    }
+}

@@ -1,0 +1,206 @@
+// Catalog updates in the window, against the real service in a process of its own.
+#include <filesystem>
+
+#include <QAction>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QTest>
+#include <QToolButton>
+#include <QTreeView>
+
+#include <gmock/gmock.h>
+
+#include "OrvLibrary/UI/qtLibraryProgressPanel.h"
+#include "tests/orv-browser/BrowserService.h"
+#include "tests/orv-browser/BrowserTest.h"
+#include "tests/orv-browser/CatalogMaker.h"
+#include "tests/orv-browser/EventWatch.h"
+
+namespace {
+
+using testing::Contains;
+using testing::EndsWith;
+using testing::IsEmpty;
+using testing::Not;
+
+class BrowserUpdateTest : public test::BrowserTest
+{
+protected:
+    BrowserUpdateTest() : service(folder().path() + "/service") {}
+
+    QAction& check() { return child<QAction>("checkForUpdates"); }
+    LibraryProgressPanel* panel() { return window().findChild<LibraryProgressPanel*>(); }
+    bool ends()
+    {
+        return waitFor([&] { return check().isEnabled(); });
+    }
+
+    void update()
+    {
+        check().trigger();
+        ASSERT_FALSE(check().isEnabled());
+        ASSERT_TRUE(ends());
+    }
+
+    /// Offers a core catalog that takes a while to fetch.
+    void offerLargeCatalog() const
+    {
+        const std::string index = service.content() + "/Orv_Core_Content_Index.txt";
+        test::writeFile(index, test::readFile(index) + "Large.orvlib\n");
+        test::writeFile(service.content() + "/Large.orvlib", "x");
+        std::filesystem::resize_file(service.content() + "/Large.orvlib", std::uintmax_t{1} << 30);
+    }
+
+    test::BrowserService service;
+};
+
+} // namespace
+
+TEST_F(BrowserUpdateTest, emptyRootIsFilledAtAClickAndTheSummaryNamesWhatCame)
+{
+    open(service.redirect());
+    QTest::mouseClick(&child<QPushButton>("fetchContent"), Qt::LeftButton);
+    ASSERT_NE(panel(), nullptr);
+    EXPECT_EQ(panel()->parentWidget(), &child<QSplitter>("libMainSplitter"));
+    EXPECT_TRUE(child<QToolButton>("cancelButton").isVisible());
+    ASSERT_TRUE(ends());
+    EXPECT_TRUE(summary().startsWith("Updated: ")) << summary().toStdString();
+    EXPECT_FALSE(child<QToolButton>("cancelButton").isVisible());
+    EXPECT_TRUE(waitFor([&] { return panel() == nullptr; }));
+    EXPECT_TRUE(openPath({"Core", "Doors"}).isValid());
+    EXPECT_TRUE(tree().isVisible());
+}
+
+TEST_F(BrowserUpdateTest, secondCheckSaysThatAllIsUpToDate)
+{
+    open(service.redirect());
+    update();
+    update();
+    EXPECT_EQ(summary(), "All catalogs are up to date.");
+}
+
+TEST_F(BrowserUpdateTest, panelShowsCaptionAndFigureWhileItRuns)
+{
+    open(service.redirect());
+    QStringList captions;
+    check().trigger();
+    ASSERT_TRUE(waitFor([&] {
+        if (panel())
+            for (const QLabel* label : panel()->findChildren<QLabel*>())
+                if (!label->text().trimmed().isEmpty() && !captions.contains(label->text()))
+                    captions << label->text();
+        return check().isEnabled();
+    }));
+    EXPECT_GE(captions.size(), 2) << captions.join('|').toStdString();
+}
+
+TEST_F(BrowserUpdateTest, newCatalogComesInWithoutLosingTheUsersPlace)
+{
+    open(service.redirect());
+    update();
+    QModelIndex folder = openPath({"Core", "Doors", "Exterior Doors"});
+    tree().expand(folder);
+    const QPersistentModelIndex place(folder);
+    ASSERT_TRUE(waitFor([&] { return model().isRead(place); }));
+    const QModelIndex item = model().index(20, 0, place);
+    const QString name = item.data().toString();
+    tree().setCurrentIndex(item);
+    tree().scrollTo(item, QAbstractItemView::PositionAtTop);
+    const int scroll = tree().verticalScrollBar()->value();
+    ASSERT_GT(scroll, 0);
+
+    // The same catalog with a mark at its end, which the database does not mind.
+    const std::string served = service.content() + "/Doors.orvlib";
+    test::writeFile(served, test::readFile(served) + std::string(4096, '\0'));
+    update();
+    EXPECT_EQ(summary(), "Updated: Doors.");
+    ASSERT_TRUE(waitFor([&] { return tree().currentIndex().data().toString() == name; }));
+    EXPECT_TRUE(tree().isExpanded(tree().currentIndex().parent()));
+    EXPECT_TRUE(waitFor([&] { return tree().verticalScrollBar()->value() == scroll; }))
+        << tree().verticalScrollBar()->value() << " instead of " << scroll;
+}
+
+TEST_F(BrowserUpdateTest, cancelEndsItSoonAndLeavesNothingHalf)
+{
+    offerLargeCatalog();
+    open(service.redirect());
+    check().trigger();
+    ASSERT_TRUE(waitFor([&] { return !child<QLabel>("speed").text().isEmpty() || check().isEnabled(); }));
+    QTest::mouseClick(&child<QToolButton>("cancelButton"), Qt::LeftButton);
+    ASSERT_TRUE(ends());
+    EXPECT_EQ(summary(), "The update was cancelled.");
+    EXPECT_EQ(child<QLabel>("speed").text(), "");
+    EXPECT_THAT(test::listTree(folder().path() + "/root"), Not(Contains(EndsWith(".download"))));
+    EXPECT_FALSE(openPath({"Core", "Large"}).isValid());
+}
+
+TEST_F(BrowserUpdateTest, closingInTheMiddleEndsTheRunAndTheNextStartGoesOn)
+{
+    offerLargeCatalog();
+    open(service.redirect());
+    check().trigger();
+    ASSERT_TRUE(waitFor([&] { return !child<QLabel>("speed").text().isEmpty() || check().isEnabled(); }));
+    close();
+    test::writeFile(service.content() + "/Large.orvlib", "small now");
+    open(service.redirect());
+    update();
+    EXPECT_TRUE(summary().startsWith("Updated: ")) << summary().toStdString();
+    EXPECT_TRUE(openPath({"Core", "Doors"}).isValid());
+}
+
+TEST_F(BrowserUpdateTest, serviceThatIsGoneIsToldInAPlainSentence)
+{
+    open(service.redirect());
+    update();
+    service.stop();
+    update();
+    EXPECT_TRUE(summary().startsWith("The catalog service cannot be reached; the library stays as it is."))
+        << summary().toStdString();
+    EXPECT_TRUE(openPath({"Core", "Doors", "Exterior Doors"}).isValid());
+}
+
+TEST_F(BrowserUpdateTest, damagedCatalogIsNamedAndTheOthersCome)
+{
+    test::writeFile(inRoot("bonus/Garden Party.orvlib"), "an old one");
+    test::writeFile(service.content() + "/Garden Party.orvlibz", "this is no archive");
+    open(service.redirect());
+    update();
+    EXPECT_TRUE(summary().contains("Some catalogs could not be updated: ")) << summary().toStdString();
+    EXPECT_TRUE(summary().endsWith("The log has the details.")) << summary().toStdString();
+    EXPECT_EQ(test::readFile(inRoot("bonus/Garden Party.orvlib")), "an old one");
+}
+
+TEST_F(BrowserUpdateTest, preferencesMayAskForACheckAtStart)
+{
+    test::writeFile(inRoot("browser.json"),
+                    "{\"checkAtStart\": true, \"serviceUrl\": \"" + service.redirect().toStdString() + "\"}");
+    open();
+    EXPECT_FALSE(check().isEnabled());
+    ASSERT_TRUE(ends());
+    EXPECT_TRUE(summary().startsWith("Updated: "));
+}
+
+TEST_F(BrowserUpdateTest, closedPanelDoesNotEndTheUpdate)
+{
+    open(service.redirect());
+    check().trigger();
+    ASSERT_NE(panel(), nullptr);
+    panel()->close();
+    ASSERT_TRUE(ends());
+    EXPECT_TRUE(summary().startsWith("Updated: "));
+}
+
+TEST_F(BrowserUpdateTest, noEventTakesLongWhileItRuns)
+{
+    constexpr int kMostMilliseconds = 50;
+    open(service.redirect());
+    const QModelIndex core = model().index(0, 0);
+    QCoreApplication::processEvents();
+    test::EventWatch watch;
+    check().trigger();
+    ASSERT_TRUE(ends());
+    EXPECT_LT(watch.longest(), kMostMilliseconds) << watch.longestName();
+    EXPECT_GT(model().rowCount(core), 10);
+}
