@@ -75,7 +75,6 @@ private:
 
     // The update check.
     void checkForUpdate(const fileString& name, CatalogUpdateData& record, const std::string& prefix);
-    void readAnswer(const std::string& headerText, std::int64_t status, CatalogUpdateData& record);
     void fetchErrorPage(const fileString& name, CatalogUpdateData& record);
     void updateTotalDownloadSize();
 

@@ -1,16 +1,14 @@
 // The update check: what the web service says of each catalog, and how much there is to download.
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
-#include <locale>
-#include <sstream>
 #include <vector>
 
+#include "OrvLibrary/CatalogAnswer_p.h"
 #include "OrvLibrary/CatalogEvents_p.h"
 #include "OrvLibrary/CatalogSources_p.h"
 #include "OrvLibrary/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/StringUtils.h"
-#include "OrvLibrary/host/WebUtils.h"
 
 namespace LibraryCatalogUpdate {
 
@@ -21,26 +19,6 @@ constexpr int kTextKilobytes = 8745;
 constexpr std::int64_t kHttpForbidden = 403;
 constexpr std::int64_t kHttpNotFound = 404;
 constexpr std::uint64_t kBytesPerKilobyte = 1000;
-
-/// What stands between the first and the last double quote; the whole text without quotes.
-std::string unquotedTag(const std::string& value)
-{
-    const std::size_t opening = value.find('"');
-    std::string tag = opening == std::string::npos ? value : value.substr(opening + 1);
-    const std::size_t closing = tag.rfind('"');
-    // Deliberate: a closing quote at the very start stays, so the tag of two quotes alone is one quote.
-    if (closing != std::string::npos && closing >= 1)
-        tag.resize(closing);
-    return tag;
-}
-
-/// A text that is no number leaves what stream extraction leaves.
-void readContentLength(const std::string& value, std::uint64_t& length)
-{
-    std::istringstream stream(value);
-    stream.imbue(std::locale::classic());
-    stream >> length;
-}
 
 /// Tells the download service which header requests are about to be made, so that it may send them ahead. One
 /// that throws is asked record by record.
@@ -104,20 +82,6 @@ try {
         fetchErrorPage(name, record);
 } catch (...) {
     noteException("Unable to check:  ", name);
-}
-
-void LibraryCatalogUpdater::readAnswer(const std::string& headerText, std::int64_t status,
-                                       CatalogUpdateData& record)
-{
-    WebUtils::HeaderMap headers;
-    WebUtils::parseReturnHeader(headerText, headers);
-    record.responseStatus = status;
-    const auto length = headers.find("Content-Length");
-    if (length != headers.end() && !length->second.empty())
-        readContentLength(length->second.back(), record.contentLength);
-    const auto tag = headers.find("ETag");
-    if (tag != headers.end())
-        record.serverETag = tag->second.empty() ? std::string() : unquotedTag(tag->second.back());
 }
 
 void LibraryCatalogUpdater::fetchErrorPage(const fileString& name, CatalogUpdateData& record)

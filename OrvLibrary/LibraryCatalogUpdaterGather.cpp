@@ -1,16 +1,14 @@
 // Gathering: which catalogs there are, and the tag of the installed copy of each.
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
-#include <sstream>
-
 #include "OrvLibrary/CatalogEvents_p.h"
 #include "OrvLibrary/CatalogHashFile_p.h"
+#include "OrvLibrary/CatalogIndex_p.h"
 #include "OrvLibrary/CatalogSources_p.h"
 #include "OrvLibrary/CatalogUpdaterState_p.h"
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/Curl.h"
-#include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/PreferenceEngine.h"
 #include "OrvLibrary/host/SHA1.h"
 #include "OrvLibrary/host/StringUtils.h"
@@ -21,24 +19,6 @@ namespace {
 
 constexpr int kTextGathering = 8717;
 constexpr int kTextGatheringCatalog = 8723;
-
-bool isCatalogName(const fileString& name)
-{
-    const std::string extension = name.extension().toNativeString();
-    return extension == ".orvlib" || extension == ".orvlibz" || extension == ".zip";
-}
-
-/// Adds the files that the core content index names. Stray text is passed over.
-void addIndexEntries(const std::string& index, std::set<fileString>& coreFiles)
-{
-    const fileString coreFolder = PathUtils::getObject().getCoreLibraryDatabasePath();
-    std::istringstream lines(index);
-    for (std::string line; std::getline(lines, line);) {
-        const fileString name(StringUtils::removeAllOf(line, "\r"));
-        if (!name.empty() && isCatalogName(name))
-            coreFiles.insert(catalogFolder(name, coreFolder) + name);
-    }
-}
 
 } // namespace
 

@@ -1,0 +1,47 @@
+#include "OrvLibrary/CatalogAnswer_p.h"
+
+#include <locale>
+#include <sstream>
+
+#include "OrvLibrary/host/WebUtils.h"
+
+namespace LibraryCatalogUpdate {
+
+namespace {
+
+/// What stands between the first and the last double quote; the whole text without quotes.
+std::string unquotedTag(const std::string& value)
+{
+    const std::size_t opening = value.find('"');
+    std::string tag = opening == std::string::npos ? value : value.substr(opening + 1);
+    const std::size_t closing = tag.rfind('"');
+    // Deliberate: a closing quote at the very start stays, so the tag of two quotes alone is one quote.
+    if (closing != std::string::npos && closing >= 1)
+        tag.resize(closing);
+    return tag;
+}
+
+/// A text that is no number leaves what stream extraction leaves.
+void readContentLength(const std::string& value, std::uint64_t& length)
+{
+    std::istringstream stream(value);
+    stream.imbue(std::locale::classic());
+    stream >> length;
+}
+
+} // namespace
+
+void readAnswer(const std::string& headerText, std::int64_t status, CatalogUpdateData& record)
+{
+    WebUtils::HeaderMap headers;
+    WebUtils::parseReturnHeader(headerText, headers);
+    record.responseStatus = status;
+    const auto length = headers.find("Content-Length");
+    if (length != headers.end() && !length->second.empty())
+        readContentLength(length->second.back(), record.contentLength);
+    const auto tag = headers.find("ETag");
+    if (tag != headers.end())
+        record.serverETag = tag->second.empty() ? std::string() : unquotedTag(tag->second.back());
+}
+
+} // namespace LibraryCatalogUpdate
