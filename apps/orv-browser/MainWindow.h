@@ -6,16 +6,12 @@
 #include "apps/orv-browser/BrowserSettings.h"
 
 class DetailsPane;
-class LibraryModel;
-class SearchPane;
-class TreePlace;
-class UpdateController;
+class FilterBar;
 class ImportController;
-class QComboBox;
-class QLabel;
-class QStackedWidget;
-class QToolButton;
-class QTreeView;
+class SearchPane;
+class StatusLine;
+class TreePane;
+class UpdateController;
 
 /// The library browser: search, filter and tree at the left, the chosen item at the right, and at the bottom,
 /// while something goes on, the progress panel. Lives on the interface thread.
@@ -30,8 +26,7 @@ public:
 
     /// What the command line says goes before the preferences, for this run; empty texts change nothing.
     void overrideService(const QString& url, const QString& product, const QString& version);
-    /// To be called once the window is shown: offers to fetch content when there is none, and checks for
-    /// updates when the preferences say so.
+    /// To be called once the window is shown: checks for updates when the preferences say so.
     void start();
 
 protected:
@@ -42,18 +37,16 @@ protected:
 private:
     void buildPanes();
     void buildMenus();
-    void connectTree();
-    void refreshTree();
-    void fillFilters();
-    void chooseFilter(int index);
-    void applyFilter();
-    void chooseCurrent();
+    void buildFileMenu();
+    void buildLibraryMenu();
+    void connectPanes();
+    void connectControllers();
     /// The service to ask: the command line goes before the preferences.
     BrowserSettings service() const;
     void checkForUpdates();
     void showRunning(bool isRunning);
     void updateEnded(const QString& summary, bool hasProblems);
-    void catalogReplaced(const fileString& database);
+    void archiveImported(const QString& source, const fileString& library, const QString& problem);
     void itemsDropped(const fileString& database, const QString& problem);
     void openArchive();
     void importArchives(const QStringList& sources);
@@ -65,19 +58,13 @@ private:
     fileString mRoot;
     BrowserSettings mSettings;  ///< the preferences
     BrowserSettings mOverrides; ///< what the command line says; empty texts for nothing
-    LibraryModel* mModel;
-    QTreeView* mTree;
-    TreePlace* mPlace = nullptr;
+    QAction* mUpdateAction;
+    QAction* mCancelAction;
+    FilterBar* mFilters;
     SearchPane* mSearch;
-    QComboBox* mFilter;
+    TreePane* mTree;
     DetailsPane* mDetails;
-    QStackedWidget* mTreeOrOffer;
-    QLabel* mSummary;
-    QLabel* mSpeed;
-    QToolButton* mUpdate;
-    QToolButton* mCancel;
-    QAction* mUpdateAction = nullptr;
-    QAction* mCancelAction = nullptr;
+    StatusLine* mStatus;
     UpdateController* mUpdates;
     ImportController* mImports;
 };

@@ -61,6 +61,21 @@
     </message>
 </context>
 <context>
+    <name>FilterBar</name>
+    <message>
+        <source>Filter</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>Edit…</source>
+        <translation>Bearbeiten …</translation>
+    </message>
+    <message>
+        <source>Edit the filters</source>
+        <translation>Die Filter bearbeiten</translation>
+    </message>
+</context>
+<context>
     <name>FilterEditor</name>
     <message>
         <source>Filters</source>
@@ -165,42 +180,6 @@
     <message>
         <source>%1 was not imported: %2</source>
         <translation>%1 wurde nicht importiert: %2</translation>
-    </message>
-    <message>
-        <source>Filter</source>
-        <translation>Filter</translation>
-    </message>
-    <message>
-        <source>Edit…</source>
-        <translation>Bearbeiten …</translation>
-    </message>
-    <message>
-        <source>Edit the filters</source>
-        <translation>Die Filter bearbeiten</translation>
-    </message>
-    <message>
-        <source>Library content</source>
-        <translation>Inhalt der Bibliothek</translation>
-    </message>
-    <message>
-        <source>The library is empty.</source>
-        <translation>Die Bibliothek ist leer.</translation>
-    </message>
-    <message>
-        <source>Fetch the content</source>
-        <translation>Inhalte laden</translation>
-    </message>
-    <message>
-        <source>Import an archive…</source>
-        <translation>Archiv importieren …</translation>
-    </message>
-    <message>
-        <source>Cancel</source>
-        <translation>Abbrechen</translation>
-    </message>
-    <message>
-        <source>Log</source>
-        <translation>Protokoll</translation>
     </message>
     <message>
         <source>&amp;File</source>
@@ -431,6 +410,36 @@
             <numerusform>%n Katalog ist nicht lesbar</numerusform>
             <numerusform>%n Kataloge sind nicht lesbar</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>StatusLine</name>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+    <message>
+        <source>Log</source>
+        <translation>Protokoll</translation>
+    </message>
+</context>
+<context>
+    <name>TreePane</name>
+    <message>
+        <source>Library content</source>
+        <translation>Inhalt der Bibliothek</translation>
+    </message>
+    <message>
+        <source>The library is empty.</source>
+        <translation>Die Bibliothek ist leer.</translation>
+    </message>
+    <message>
+        <source>Fetch the content</source>
+        <translation>Inhalte laden</translation>
+    </message>
+    <message>
+        <source>Import an archive…</source>
+        <translation>Archiv importieren …</translation>
     </message>
 </context>
 <context>

@@ -1,0 +1,56 @@
+#include "apps/orv-browser/StatusLine.h"
+
+#include <QAction>
+#include <QLabel>
+#include <QToolButton>
+
+namespace {
+
+constexpr int kSummaryMargin = 7; // pixels; in line with the panes
+
+} // namespace
+
+StatusLine::StatusLine(QAction& update, QWidget* parent)
+    : QStatusBar(parent), mSummary(new QLabel), mSpeed(new QLabel)
+{
+    mSummary->setObjectName(QStringLiteral("summary"));
+    mSummary->setTextFormat(Qt::PlainText);
+    mSummary->setWordWrap(true);
+    mSummary->setContentsMargins(kSummaryMargin, 0, kSummaryMargin, 0);
+    mSpeed->setObjectName(QStringLiteral("speed"));
+    addWidget(mSummary, 1);
+    addPermanentWidget(mSpeed);
+    mUpdate = addButton(QStringLiteral("updateButton"), QString());
+    mUpdate->setDefaultAction(&update);
+    mCancel = addButton(QStringLiteral("cancelButton"), tr("Cancel"));
+    mCancel->hide();
+    connect(mCancel, &QToolButton::clicked, this, &StatusLine::cancelAsked);
+    connect(addButton(QStringLiteral("showLog"), tr("Log")), &QToolButton::clicked, this,
+            &StatusLine::logAsked);
+}
+
+QToolButton* StatusLine::addButton(const QString& objectName, const QString& text)
+{
+    auto* button = new QToolButton;
+    button->setObjectName(objectName);
+    button->setText(text);
+    addPermanentWidget(button);
+    return button;
+}
+
+void StatusLine::say(const QString& sentence)
+{
+    mSummary->setText(sentence);
+}
+
+void StatusLine::showSpeed(const QString& text)
+{
+    mSpeed->setText(text);
+}
+
+void StatusLine::showRunning(bool isRunning)
+{
+    mUpdate->setVisible(!isRunning);
+    mCancel->setVisible(isRunning);
+    mSpeed->clear();
+}

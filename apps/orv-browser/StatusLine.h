@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QStatusBar>
+
+class QAction;
+class QLabel;
+class QToolButton;
+
+/// The foot of the window: a sentence on what came last, the speed of what goes on, and the buttons for an
+/// update and for the log.
+class StatusLine : public QStatusBar
+{
+    Q_OBJECT
+
+public:
+    /// @param update what the button for an update does while none runs
+    StatusLine(QAction& update, QWidget* parent);
+
+    /// @param sentence empty for silence
+    void say(const QString& sentence);
+    void showSpeed(const QString& text);
+    /// Offers to cancel an update, or to start one.
+    void showRunning(bool isRunning);
+
+Q_SIGNALS:
+    void cancelAsked();
+    void logAsked();
+
+private:
+    QToolButton* addButton(const QString& objectName, const QString& text);
+
+    QLabel* mSummary;
+    QLabel* mSpeed;
+    QToolButton* mUpdate;
+    QToolButton* mCancel;
+};

@@ -1,0 +1,128 @@
+#include "apps/orv-browser/TreePane.h"
+
+#include <QLabel>
+#include <QPushButton>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include "OrvLibrary/LibraryFilterManager.h"
+#include "OrvLibrary/UI/TreeItemData.h"
+#include "OrvLibrary/Utility/Chooser.h"
+#include "apps/orv-browser/CatalogDatabase.h"
+#include "apps/orv-browser/LibraryModel.h"
+#include "apps/orv-browser/TreePlace.h"
+
+TreePane::TreePane(QWidget* parent)
+    : QStackedWidget(parent),
+      mModel(new LibraryModel(this)),
+      mTree(new QTreeView),
+      mPlace(new TreePlace(*mTree, *mModel))
+{
+    setObjectName(QStringLiteral("treeOrOffer"));
+    buildTree();
+    addWidget(mTree);
+    addWidget(makeOffer());
+    connect(mModel, &LibraryModel::dropped, this, &TreePane::dropped);
+    connect(mTree, &QTreeView::collapsed, mModel, &LibraryModel::retry);
+    connect(mTree->selectionModel(), &QItemSelectionModel::currentChanged, this, &TreePane::chooseCurrent);
+}
+
+void TreePane::buildTree()
+{
+    mTree->setObjectName(QStringLiteral("libraryTree"));
+    mTree->setAccessibleName(tr("Library content"));
+    mTree->setModel(mModel);
+    mTree->setHeaderHidden(true);
+    mTree->setUniformRowHeights(true);
+    mTree->setIconSize({24, 24});
+    mTree->setDragDropMode(QAbstractItemView::DragDrop);
+    mTree->setDefaultDropAction(Qt::CopyAction);
+    mTree->setEditTriggers(QAbstractItemView::NoEditTriggers);
+}
+
+QWidget* TreePane::makeOffer()
+{
+    auto* text = new QLabel(tr("The library is empty."));
+    text->setAlignment(Qt::AlignCenter);
+    auto* fetch = new QPushButton(tr("Fetch the content"));
+    fetch->setObjectName(QStringLiteral("fetchContent"));
+    connect(fetch, &QPushButton::clicked, this, &TreePane::fetchAsked);
+    auto* import = new QPushButton(tr("Import an archive…"));
+    connect(import, &QPushButton::clicked, this, &TreePane::importAsked);
+    auto* offer = new QWidget;
+    auto* layout = new QVBoxLayout(offer);
+    layout->addStretch();
+    layout->addWidget(text);
+    layout->addWidget(fetch, 0, Qt::AlignCenter);
+    layout->addWidget(import, 0, Qt::AlignCenter);
+    layout->addStretch();
+    return offer;
+}
+
+void TreePane::showTreeOrOffer()
+{
+    setCurrentIndex(mModel->catalogCount() == 0 ? 1 : 0);
+}
+
+void TreePane::refresh()
+{
+    QModelIndexList empty;
+    for (int row = 0; row < mModel->rowCount(); ++row)
+        if (!mModel->hasChildren(mModel->index(row, 0)))
+            empty << mModel->index(row, 0);
+    mModel->refresh();
+    showTreeOrOffer();
+    applyFilter();
+    for (const QModelIndex& category : empty) // what the user closed stays closed
+        mTree->expand(category);
+}
+
+void TreePane::reload(const fileString& database)
+{
+    mPlace->remember(database);
+    mModel->reload(database);
+    applyFilter();
+    showTreeOrOffer();
+}
+
+void TreePane::applyFilter()
+{
+    const LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
+    std::vector<SearchPane::Source> sources;
+    mModel->forEachCatalog([&](const QModelIndex& category, Library::TreeData& catalog) {
+        bool isShown = !manager.hasActiveFilter();
+        if (!isShown) {
+            try {
+                isShown = manager.isFilteredDatabase(CatalogDatabase(catalog.getDatabasePath()).id());
+            } catch (const std::exception&) {
+                isShown = false; // what cannot be read is in no filter
+            }
+        }
+        mTree->setRowHidden(catalog.row(), category, !isShown);
+        if (isShown)
+            sources.push_back({category.row(), catalog.getDatabasePath()});
+    });
+    Q_EMIT shownChanged(sources);
+}
+
+std::vector<FilterEditor::Database> TreePane::databases() const
+{
+    std::vector<FilterEditor::Database> databases;
+    mModel->forEachCatalog([&](const QModelIndex&, Library::TreeData& catalog) {
+        try {
+            databases.push_back({CatalogDatabase(catalog.getDatabasePath()).id(), catalog.getItemName()});
+        } catch (const std::exception&) {
+            // what cannot be read has no id to filter by
+        }
+    });
+    return databases;
+}
+
+void TreePane::chooseCurrent()
+{
+    const auto* item = dynamic_cast<const Library::TreeItemData*>(mModel->node(mTree->currentIndex()));
+    if (!item)
+        return;
+    Library::Chooser::get()->setData(*item);
+    Q_EMIT itemChosen();
+}
