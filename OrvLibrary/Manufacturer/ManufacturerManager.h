@@ -32,8 +32,8 @@ public:
     ManufacturerManager(const ManufacturerManager&) = delete;
     ManufacturerManager& operator=(const ManufacturerManager&) = delete;
 
-    /// Reads the data file again. A file that cannot be read leaves an empty table, one that is missing the
-    /// table as it was.
+    /// Reads the data file again. A file that is missing or cannot be read leaves an empty table; a missing
+    /// one leaves default text and time as they were.
     void loadManufacturers();
     /// Takes over the content of the data file in another folder. Later writes still go to the standard one.
     /// @param folder ends with a separator

@@ -114,11 +114,13 @@ bool ManufacturerManager::read_manufacturer_file(const fileString& path, std::ma
 
 void ManufacturerManager::loadManufacturers()
 {
+    std::map<long, Manufacturer> table;
     try {
-        read_manufacturer_file(get_manufacturer_fullname(), mTable, mLastModified.get(), &mDefaultText);
+        read_manufacturer_file(get_manufacturer_fullname(), table, mLastModified.get(), &mDefaultText);
     } catch (...) {
-        mTable.clear(); // the host could not even say where the file is
+        table.clear(); // the host could not even say where the file is
     }
+    mTable.swap(table);
 }
 
 bool ManufacturerManager::changeManufacturerDataPath(const fileString& folder)

@@ -104,14 +104,16 @@ TEST_F(ManufacturerManagerTest, reloadOfAnUnreadableFileLeavesAnEmptyTable)
     EXPECT_EQ(manager().getLastModified(), earliest());
 }
 
-TEST_F(ManufacturerManagerTest, reloadOfAMissingFileChangesNothing)
+TEST_F(ManufacturerManagerTest, reloadOfAMissingFileLeavesAnEmptyTable)
 {
     writeDataFile(kTwo);
     manager();
     ASSERT_EQ(remove(dataFile().toNativeString().c_str()), 0);
     manager().loadManufacturers();
-    EXPECT_EQ(names(), "-3:Minus 7:Seven ");
+    EXPECT_EQ(names(), "");
     EXPECT_EQ(manager().getDefaultText(), "d");
+    EXPECT_EQ(manager().getLastModified(), time("20200101T000000"));
+    EXPECT_TRUE(mHost.messages().empty());
 }
 
 TEST_F(ManufacturerManagerTest, otherFolderIsTakenOver)
