@@ -82,9 +82,11 @@ bool LibraryFilterManager::mergeFilters(const fileString& path)
 try {
     std::vector<LibraryFilter> merged;
     long currentId = -1;
-    // What cannot be read now may be there whole: it is not written over.
-    if (readFilters(path, merged, currentId) == Reading::Impossible)
+    if (readFilters(path, merged, currentId) == Reading::Impossible) {
+        // What cannot be read now may be there whole: it is not written over.
+        isRefused(path);
         return false;
+    }
     LibraryFilterMerge merge(merged);
     for (const LibraryFilter& filter : mFilters)
         merge.add(filter);

@@ -92,6 +92,8 @@ private:
     };
 
     LibraryFilterManager();
+    /// Tells the user of a file that is there and cannot be written.
+    static bool isRefused(const fileString& path);
     static Reading readFilters(const fileString& path, std::vector<LibraryFilter>& filters, long& currentId);
 
     long mCurrentFilterId = -1;

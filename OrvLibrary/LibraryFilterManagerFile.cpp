@@ -89,17 +89,23 @@ bool LibraryFilterManager::saveFiltersToFile(const fileString& path,
                                              const std::vector<LibraryFilter>& filters, long currentFilterId)
 try {
     const json_writer::Object root = document(filters, currentFilterId);
-    if (path.pathExists() && !FileUtils::canWriteFile(path)) {
-        error::MessagingSystem::control().notify(__FILE__, __LINE__, error::ErrorMinimalTrait(),
-                                                 error::Message::kCannotWriteDataFile, path.unicodeString(),
-                                                 {}, {});
+    if (isRefused(path))
         return false;
-    }
     json_writer::write_file(path.unicodeString().toUTF8String(), root);
     FileUtils::setFilePermission(path);
     return true;
 } catch (...) {
     return false;
+}
+
+bool LibraryFilterManager::isRefused(const fileString& path)
+{
+    if (!path.pathExists() || FileUtils::canWriteFile(path))
+        return false;
+    error::MessagingSystem::control().notify(__FILE__, __LINE__, error::ErrorMinimalTrait(),
+                                             error::Message::kCannotWriteDataFile, path.unicodeString(), {},
+                                             {});
+    return true;
 }
 
 long LibraryFilterManager::loadFiltersFromFile(const fileString& path, std::vector<LibraryFilter>& filters)

@@ -12,6 +12,8 @@
 
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/MessagingSystem.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ScopedHost.h"
 
 namespace {
@@ -222,6 +224,28 @@ TEST_F(FilterMerge, aFileThatCannotBeReadIsNotWrittenOver)
     EXPECT_FALSE(mManager.mergeFilters(file));
     EXPECT_EQ(FileUtils::fileSize(file), (std::int64_t(256) << 20) + 1);
     EXPECT_EQ(describe(mManager.getLibraryFilters()), "0:Own(a) ");
+}
+
+TEST_F(FilterMerge, aFileThatMayNotBeReadIsNotWrittenOver)
+{
+    const fileString file = writeOther(kFileBC);
+    mManager.setLibraryFilters({LibraryFilter("Own", 0, {"a"})});
+    ASSERT_EQ(chmod(mHost.folder().path().c_str(), 0777), 0);
+    ASSERT_EQ(chmod(file.toNativeString().c_str(), 0222), 0);
+    const test::ChildEnd end = test::runWithoutRights([&] { return mManager.mergeFilters(file) ? 1 : 0; });
+    EXPECT_EQ(end.status, 0);
+    ASSERT_EQ(chmod(file.toNativeString().c_str(), 0644), 0);
+    EXPECT_EQ(test::readFile(file), kFileBC);
+}
+
+TEST_F(FilterMerge, folderInTheFilesPlaceIsTold)
+{
+    mManager.setLibraryFilters({LibraryFilter("Own", 4, {"a"})});
+    EXPECT_FALSE(mManager.mergeFilters(fileString(mHost.folder().path())));
+    const std::vector<test::SentMessage> expected{
+        {272032391, error::Trait::Kind::ErrorMinimal, mHost.folder().path(), "", ""}};
+    EXPECT_EQ(mHost.messages(), expected);
+    EXPECT_EQ(describe(mManager.getLibraryFilters()), "4:Own(a) ");
 }
 
 TEST_F(FilterMerge, failureToWriteChangesNothing)
