@@ -52,7 +52,13 @@ std::string convert(int codePoint);
 /// `parse` over plain characters.
 grammar<char>::variant parseCharacters(const char* first, const char* last);
 
-/// Reads a whole text, given by the iterators of a `std::string`.
+/// Whether the characters of any range of such iterators lie side by side in memory.
+template <class Iterator>
+constexpr bool kIsContiguous =
+    std::is_pointer<Iterator>::value || std::is_same<Iterator, std::string::const_iterator>::value ||
+    std::is_same<Iterator, std::string::iterator>::value;
+
+/// Reads a whole text, usually given by the iterators of a `std::string`; others are read from a copy.
 /// @return a node that holds the root `json::object`; for a text that is not of the language a node that
 /// holds nothing, and for a lone opening brace one that holds an `object_delimiter`. Only exhaustion of
 /// memory throws.
@@ -61,13 +67,15 @@ grammar<char>::variant parse(Iterator first, Iterator last)
 {
     using Traits = std::iterator_traits<Iterator>;
     static_assert(std::is_same<typename Traits::value_type, char>::value, "texts are made of char");
-    static_assert(std::is_same<Iterator, std::string::const_iterator>::value ||
-                      std::is_same<Iterator, std::string::iterator>::value,
-                  "the characters of a text lie side by side");
-    if (first == last)
-        return parseCharacters(nullptr, nullptr);
-    const char* const begin = &*first;
-    return parseCharacters(begin, begin + (last - first));
+    if constexpr (kIsContiguous<Iterator>) {
+        if (first == last)
+            return parseCharacters(nullptr, nullptr);
+        const char* const begin = &*first;
+        return parseCharacters(begin, begin + (last - first));
+    } else {
+        const std::string text(first, last);
+        return parse(text.begin(), text.end());
+    }
 }
 
 } // namespace json

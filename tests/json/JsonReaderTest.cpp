@@ -2,8 +2,11 @@
 
 #include <clocale>
 #include <limits>
+#include <list>
 #include <locale>
+#include <sstream>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -246,11 +249,22 @@ TEST(JsonReader, blanksAroundTokensChangeNothing)
               4U);
 }
 
-TEST(JsonReader, takesTheIteratorsOfAStringThatCanBeWritten)
+TEST(JsonReader, takesTheIteratorsOfAnyText)
 {
     std::string text = "{\"k\":1}";
-    EXPECT_TRUE(boost::any_cast<json::object>(json::parse(text.begin(), text.end()).get()));
-    EXPECT_TRUE(boost::any_cast<json::object>(json::parse(text.cbegin(), text.cend()).get()));
+    const std::list<char> list(text.begin(), text.end());
+    const std::vector<char> vector(text.begin(), text.end());
+    std::istringstream stream(text);
+    const auto isRead = [](auto first, auto last) {
+        return boost::any_cast<json::object>(json::parse(first, last).get()) != nullptr;
+    };
+    EXPECT_TRUE(isRead(text.begin(), text.end()));
+    EXPECT_TRUE(isRead(text.cbegin(), text.cend()));
+    EXPECT_TRUE(isRead(text.c_str(), text.c_str() + text.size()));
+    EXPECT_TRUE(isRead(vector.begin(), vector.end()));
+    EXPECT_TRUE(isRead(list.begin(), list.end()));
+    EXPECT_TRUE(isRead(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()));
+    EXPECT_FALSE(isRead(list.end(), list.end()));
 }
 
 TEST(JsonReader, processLocaleChangesNothing)
