@@ -195,6 +195,8 @@ ExitStatus FiltersCommand::dropDatabase(Session& session) const
 ExitStatus FiltersCommand::merge(Session& session) const
 {
     const fileString file{mFile};
+    if (file.empty())
+        throw UsageError("the name of the other filter file must not be empty");
     FilterChange change(session);
     FilterChange::prepareToOverwrite(change.filters().getFilterFullname());
     FilterChange::prepareToOverwrite(file);

@@ -157,6 +157,7 @@ TEST_F(FiltersCommand, unusableIdsAndNamesAreRefused)
         refused(2, {"add", "C", "--id", id});
     }
     refused(2, {"add", ""});
+    refused(2, {"merge", ""});
     refused(2, {"use", "None"});
     refused(2, {});
     refused(2, {"add"});
