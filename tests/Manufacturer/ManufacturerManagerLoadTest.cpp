@@ -1,8 +1,11 @@
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 
+#include <sys/stat.h>
+
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "OrvLibrary/host/StringUtils.h"
 #include "tests/Manufacturer/ManufacturerFixture.h"
+#include "tests/support/ChildProcess.h"
 
 namespace {
 
@@ -189,6 +192,18 @@ TEST_F(ManufacturerManagerLoad, fileThatCannotBeOpenedEmptiesEverything)
     EXPECT_EQ(ids(), "");
     EXPECT_EQ(mTime, earliest());
     EXPECT_EQ(mText, "");
+}
+
+TEST_F(ManufacturerManagerLoad, fileThatMayNotBeReadEmptiesEverything)
+{
+    const fileString path = mHost.folder().write("m.json", R"({"Manufacturer": {"Id": 5}})");
+    ASSERT_EQ(chmod(mHost.folder().path().c_str(), 0755), 0);
+    ASSERT_EQ(chmod(path.toNativeString().c_str(), 0000), 0);
+    const test::ChildEnd end = test::runWithoutRights([&] {
+        const bool isRead = ManufacturerManager::read_manufacturer_file(path, mTable, &mTime, &mText);
+        return !isRead && mTable.empty() && mTime == earliest() && mText.empty() ? 0 : 1;
+    });
+    EXPECT_EQ(end.status, 0);
 }
 
 TEST_F(ManufacturerManagerLoad, cutAnywhereTheFileIsNotRead)

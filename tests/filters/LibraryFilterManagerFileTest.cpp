@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/host/MessagingSystem.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/FormatPage.h"
 #include "tests/support/ScopedHost.h"
 
@@ -260,6 +261,33 @@ TEST_F(LibraryFilterManagerFile, whatIsNoFileHoldsNoFilters)
         EXPECT_EQ(loaded(), "") << path;
     }
     EXPECT_TRUE(mHost.messages().empty());
+}
+
+TEST_F(LibraryFilterManagerFile, fileThatMayNotBeReadHoldsNoFilters)
+{
+    const fileString path = mHost.folder().write("f.json", std::string("{") + kGood + "}");
+    ASSERT_EQ(chmod(mHost.folder().path().c_str(), 0755), 0);
+    ASSERT_EQ(chmod(path.toNativeString().c_str(), 0000), 0);
+    const test::ChildEnd end = test::runWithoutRights([&] {
+        const bool isEmpty = LibraryFilterManager::loadFiltersFromFile(path, mFilters) == -1 &&
+                             mFilters.empty() && !LibraryFilterManager::isWhollyReadable(path);
+        return isEmpty && mHost.messages().empty() ? 0 : 1;
+    });
+    EXPECT_EQ(end.status, 0);
+}
+
+TEST_F(LibraryFilterManagerFile, folderThatMayNotBeWrittenKeepsItsFile)
+{
+    const fileString path = mHost.folder().write("f.json", "old");
+    ASSERT_EQ(chmod(mHost.folder().path().c_str(), 0555), 0);
+    ASSERT_EQ(chmod(path.toNativeString().c_str(), 0666), 0);
+    const test::ChildEnd end = test::runWithoutRights([&] {
+        return !LibraryFilterManager::saveFiltersToFile(path, {}, 0) && mHost.messages().empty() ? 0 : 1;
+    });
+    EXPECT_EQ(end.status, 0);
+    EXPECT_EQ(test::readFile(path), "old");
+    ASSERT_EQ(chmod(mHost.folder().path().c_str(), 0755), 0);
+    EXPECT_EQ(test::listTree(mHost.folder().path() + "/core"), std::vector<std::string>());
 }
 
 TEST_F(LibraryFilterManagerFile, tellsWhetherAllOfAFileIsRead)
