@@ -88,6 +88,20 @@ class UnpackBeside(Scenario):
         return ["unpack", "--beside", os.path.join(sandbox, "input/Kitchen.orvlibz")]
 
 
+class UnpackOut(Scenario):
+    """Unpacks into a folder, where an older database stands."""
+
+    name = "unpack-out"
+    may_lack_members = ("out/Kitchen.zip",)
+
+    def fill(self, sandbox):
+        archive(os.path.join(sandbox, "input/Kitchen.orvlibz"), library_members(1))
+        write(os.path.join(sandbox, "out/Kitchen.orvlib"), noise(9, 90000))
+
+    def arguments(self, sandbox, service):
+        return ["unpack", "--output-dir", os.path.join(sandbox, "out"), os.path.join(sandbox, "input/Kitchen.orvlibz")]
+
+
 class ImportOverOld(Scenario):
     """Imports a library that is there already: the database is replaced and its textures are merged."""
 
@@ -231,5 +245,14 @@ class Update(Scenario):
                 "--bonus", "Party.orvlib", "--manufacturer", "Maker.orvlib"]
 
 
-ALL = [UnpackBeside(), ImportOverOld(), ImportNew(), FilterAdd(), FilterRemoveLast(), FilterMerge(),
-       ManufacturerRefresh(), Update()]
+class UpdateFirst(Update):
+    """The first update, into a root without folders."""
+
+    name = "update-first"
+
+    def before(self, sandbox, service):
+        return []
+
+
+ALL = [UnpackBeside(), UnpackOut(), ImportOverOld(), ImportNew(), FilterAdd(), FilterRemoveLast(), FilterMerge(),
+       ManufacturerRefresh(), Update(), UpdateFirst()]

@@ -3,11 +3,15 @@
 
     sweep.py kill    --program ORV_LIBRARY --shim SHIM [--points N]    killed before a call that changes files, or in
                                                                        the middle of a write
+    sweep.py kills   --program ORV_LIBRARY --shim SHIM [--points N]    killed, and the run after it killed too, at
+                                                                       every pair of calls
     sweep.py errors  --program ORV_LIBRARY --shim SHIM [--points N]    a call fails, once or from then on
 
 After each disturbed run every file is old or new; a run that says it is done has done it; the next run, undisturbed,
-ends as if nothing had happened and leaves nothing over. After every tenth kill the recovery is killed too. Without
---points every point is swept; with it, so many, evenly spread.
+ends as if nothing had happened and leaves nothing over. After every tenth kill of the first sweep the recovery is
+killed too. After every tenth point the commands that tell of the library's health are asked: they find no more than
+catalogs beside old tags, repair that, and find nothing at the end. Without --points every point is swept; with it, so
+many, evenly spread. Where the environment variable ORV_SWEEP is "full", --full says how many instead.
 """
 import argparse
 import concurrent.futures
@@ -55,12 +59,15 @@ def remove(path):
 class Cell:
     """One disturbed run: where, and how."""
 
-    def __init__(self, scenario, number, kinds, at, what, ever=False):
+    def __init__(self, scenario, number, kinds, at, what, ever=False, again=0):
         self.scenario, self.number, self.kinds = scenario, number, kinds
         self.at, self.what, self.ever = at, what, ever
+        self.again = again  # the call at which the recovery is killed; 0 for none
 
     def __str__(self):
-        return f"{self.scenario.name}: {self.what} at call {self.at} of {self.kinds}{' for ever' if self.ever else ''}"
+        again = f", then at call {self.again}" if self.again else ""
+        return (f"{self.scenario.name}: {self.what} at call {self.at} of {self.kinds}"
+                f"{' for ever' if self.ever else ''}{again}")
 
     def settings(self):
         what = self.what if self.what in ("kill", "torn", "short") else str(getattr(errno, self.what))
@@ -77,6 +84,11 @@ class Sweep:
 
     def execute(self, arguments, sandbox, settings=None):
         """Exit status and what was said on standard error; 'deadlock' when it did not end."""
+        status, said, _ = self.speak(arguments, sandbox, settings)
+        return status, said
+
+    def speak(self, arguments, sandbox, settings=None):
+        """The same, with what was said on standard output."""
         environment = {**ENVIRONMENT, "ORV_LIBRARY_ROOT": os.path.join(sandbox, "root")}
         if settings:
             environment.update(settings, LD_PRELOAD=self.shim, ORV_FAULT_ROOT=sandbox)
@@ -85,8 +97,8 @@ class Sweep:
                                   cwd=os.path.join(sandbox, "work"), env=environment, timeout=DEADLOCK_SECONDS,
                                   stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         except subprocess.TimeoutExpired:
-            return "deadlock", ""
-        return done.returncode, done.stderr.decode(errors="replace")
+            return "deadlock", "", ""
+        return done.returncode, done.stderr.decode(errors="replace"), done.stdout.decode(errors="replace")
 
     def run(self, scenario, sandbox, settings=None):
         remove(sandbox + ".trace")
@@ -109,8 +121,8 @@ class Sweep:
         self.servers.clear()
 
     def prepare(self, scenario):
-        """The state before, and those that undisturbed runs leave: one, two, and one after a failure that took files
-        away."""
+        """The state before, and those that undisturbed runs leave: one, two, three, and one after a failure that took
+        files away."""
         template = os.path.join(self.folder, scenario.name + ".template")
         scenario.prepare(template)
         for arguments in scenario.before(template, self.serve(scenario, 1)):
@@ -121,7 +133,7 @@ class Sweep:
         self.templates[scenario] = template
         self.old[scenario] = oracle.snapshot(template)
         sandbox = self.copy(scenario, "clean")
-        self.finals[scenario] = [self.run_undisturbed(scenario, sandbox) for _ in range(2)]
+        self.finals[scenario] = [self.run_undisturbed(scenario, sandbox) for _ in range(3)]
         shutil.rmtree(sandbox)
         if scenario.consumed_by_failure:
             sandbox = self.copy(scenario, "consumed")
@@ -158,7 +170,17 @@ class Sweep:
         cells = []
         for at, kind in enumerate(self.calls(scenario, CHANGING), 1):
             for what in ("kill", "torn") if kind == "write" else ("kill",):
-                cells.append(Cell(scenario, len(cells), CHANGING, at, what))
+                again = 1 + at * 7 % (at + 20) if len(cells) % 10 == 9 else 0
+                cells.append(Cell(scenario, len(cells), CHANGING, at, what, again=again))
+        return cells
+
+    def double_kill_cells(self, scenario):
+        cells = []
+        kinds = self.calls(scenario, CHANGING)
+        for at, kind in enumerate(kinds, 1):
+            for again in range(1, len(kinds) + 1):
+                what = "torn" if kind == "write" and again % 2 else "kill"
+                cells.append(Cell(scenario, len(cells), CHANGING, at, what, again=again))
         return cells
 
     def error_cells(self, scenario):
@@ -197,17 +219,47 @@ class Sweep:
             complaints += self.judge_closing(status, sandbox + ".trace")
         if status == 0:
             complaints += oracle.judge_done(now, new, scenario.may_lack_members + scenario.may_stay_old)
-        if is_kill and cell.number % 10 == 9:
-            again = Cell(scenario, 0, CHANGING, 1 + cell.at * 7 % (cell.at + 20), "kill")
-            self.run(scenario, sandbox, again.settings())
+        if cell.again:
+            self.run(scenario, sandbox, Cell(scenario, 0, CHANGING, cell.again, "kill").settings())
             complaints += oracle.judge_disturbed(oracle.snapshot(sandbox), [old] + self.finals[scenario],
                                                  missing, parts, left)
+        is_examined = cell.number % 10 == 5
+        if is_examined:
+            complaints += self.examine(sandbox)
         status, said = self.run(scenario, sandbox)
         if status != 0:
             complaints.append(f"the run after it ended with {status}: {said.strip()}")
         now = oracle.snapshot(sandbox)
+        if is_examined:
+            complaints += self.judge_health(sandbox)
         stays_out = () if is_kill else scenario.may_stay_out
         return complaints + oracle.judge_recovered(now, self.finals[scenario], scenario.kept_copies, stays_out)
+
+    def ask(self, sandbox, *command):
+        """Exit status and JSON document of a command that says how the library is; nothing for no document."""
+        status, said, document = self.speak([*command, "--json"], sandbox)
+        try:
+            return status, json.loads(document)
+        except ValueError:
+            return f"{status}, no document: {said}", {}
+
+    def examine(self, sandbox):
+        """What the user is told after a disturbed run: nothing is damaged but, at most, catalogs whose tags are
+        older; repairing takes those tags away."""
+        complaints = []
+        status, _ = self.ask(sandbox, "status")
+        if status != 0:
+            complaints.append(f"status ended with {status}")
+        _, found = self.ask(sandbox, "verify")
+        complaints += [f"{name} is damaged" for name in found.get("damaged", ["all"]) if not name.endswith(".orvlib")]
+        status, repaired = self.ask(sandbox, "verify", "--repair")
+        if status != 0 or sorted(repaired.get("repaired", [])) != sorted(found.get("damaged", [])):
+            complaints.append(f"verify --repair ended with {status}: {repaired}, after {found}")
+        return complaints + self.judge_health(sandbox)
+
+    def judge_health(self, sandbox):
+        status, found = self.ask(sandbox, "verify")
+        return [f"verify ended with {status}: {found}"] if status != 0 or found.get("damaged") else []
 
     @staticmethod
     def judge_closing(status, trace):
@@ -231,6 +283,10 @@ class Sweep:
         return [f"sanitizer: {said}"] if "Sanitizer" in said else []
 
 
+def is_full():
+    return os.environ.get("ORV_SWEEP") == "full"
+
+
 def spread(cells, points):
     """So many of the cells, evenly spread."""
     if not points or points >= len(cells):
@@ -244,7 +300,8 @@ def sweep_all(sweep, options, failed):
         if options.scenario and scenario.name not in options.scenario:
             continue
         sweep.prepare(scenario)
-        found = sweep.kill_cells(scenario) if options.sweep == "kill" else sweep.error_cells(scenario)
+        make = {"kill": sweep.kill_cells, "kills": sweep.double_kill_cells, "errors": sweep.error_cells}
+        found = make[options.sweep](scenario)
         print(f"{scenario.name}: {len(found)} points", flush=True)
         cells += found
     lock = threading.Lock()
@@ -265,13 +322,16 @@ def sweep_all(sweep, options, failed):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
-    parser.add_argument("sweep", choices=["kill", "errors"])
+    parser.add_argument("sweep", choices=["kill", "kills", "errors"])
     parser.add_argument("--program", required=True, type=os.path.abspath)
     parser.add_argument("--shim", required=True, type=os.path.abspath)
     parser.add_argument("--points", type=int, default=0)
+    parser.add_argument("--full", type=int, default=0)
     parser.add_argument("--scenario", action="append")
     parser.add_argument("--jobs", type=int, default=os.cpu_count())
     options = parser.parse_args()
+    if is_full():
+        options.points = options.full
 
     failed = []
     with tempfile.TemporaryDirectory(prefix="orv-sweep-") as folder:

@@ -1,0 +1,190 @@
+#!/usr/bin/env python3
+"""Two programs on one root at the same time, and what they leave.
+
+    pairs.py --program ORV_LIBRARY [--rounds N]    300 rounds where the environment variable ORV_SWEEP is "full"
+
+An update beside another, which is turned away; an update beside an import; a filter that is added while the file is
+merged into another one's. Neither loses what the other writes, and the files end as if one had come after the other.
+"""
+import argparse
+import os
+import random
+import shutil
+import sys
+import tempfile
+import threading
+import time
+
+import oracle
+import scenarios
+from sweep import Sweep, is_full
+
+
+class Pair:
+    """Two commands. `first` and `second` follow the program's name; `allowed` are the pairs of exit statuses."""
+
+    name = ""
+    scenario = None
+    allowed = ((0, 0),)
+
+    def first(self, sandbox, service):
+        return self.scenario.arguments(sandbox, service)
+
+    def second(self, sandbox, service):
+        raise NotImplementedError
+
+    def judge(self, pairs, sandbox):
+        """Complaints about what both left."""
+        raise NotImplementedError
+
+
+class TwoUpdates(Pair):
+    """The second is turned away while the first runs; both are done where one came after the other."""
+
+    name = "update beside update"
+    scenario = scenarios.Update()
+    allowed = ((0, 0), (0, 1), (1, 0))
+
+    def second(self, sandbox, service):
+        return self.scenario.arguments(sandbox, service)
+
+    def judge(self, pairs, sandbox):
+        return oracle.judge_recovered(oracle.snapshot(sandbox), pairs.sweep.finals[self.scenario])
+
+
+class UpdateAndImportScenario(scenarios.Update):
+    name = "update-import"
+
+    def fill(self, sandbox):
+        scenarios.archive(os.path.join(sandbox, "input/Kitchen.orvlibz"), scenarios.library_members(1))
+        scenarios.write(os.path.join(sandbox, "root/user/Kitchen.orvlib"), scenarios.noise(9, 90000))
+        scenarios.archive(os.path.join(sandbox, "root/textures/Kitchen.zip"), {"kept.txt": b"kept"})
+
+    @staticmethod
+    def importing(sandbox):
+        return ["import", os.path.join(sandbox, "input/Kitchen.orvlibz")]
+
+
+class UpdateAndImport(Pair):
+    name = "update beside import"
+    scenario = UpdateAndImportScenario()
+
+    def second(self, sandbox, service):
+        return self.scenario.importing(sandbox)
+
+    def judge(self, pairs, sandbox):
+        return oracle.judge_recovered(oracle.snapshot(sandbox), pairs.one_by_one(self))
+
+
+class AddAndMerge(Pair):
+    """The merge changes the root's file and its own; the filter that is added meanwhile must not be lost, nor lose
+    what was merged."""
+
+    name = "filter save beside merge"
+    scenario = scenarios.FilterAdd()
+
+    def second(self, sandbox, service):
+        return ["--root", os.path.join(sandbox, "other"), "filters", "merge",
+                os.path.join(sandbox, "root/core/catalog_filters.json")]
+
+    def judge(self, pairs, sandbox):
+        found = {}
+        for root in ("root", "other"):
+            status, document = pairs.sweep.ask(sandbox, "--root", os.path.join(sandbox, root), "filters", "list")
+            found[root] = sorted(each["name"] for each in document.get("filters", []))
+        own = ["B\u00e4der", "Garden", "Kitchen"]
+        complaints = []
+        if found["root"] != sorted([*own, "Office"]):
+            complaints.append(f"the root's filters are {found['root']}")
+        # It may have merged before the filter came.
+        if found["other"] not in (sorted([*own, "Office"]), ["B\u00e4der", "Kitchen", "Office"]):
+            complaints.append(f"the other's filters are {found['other']}")
+        left = [path for path in oracle.snapshot(sandbox) if "/." in path or path.endswith(".lock")]
+        return complaints + [f"{path} was left over" for path in left]
+
+
+ALL = [TwoUpdates(), UpdateAndImport(), AddAndMerge()]
+
+
+class Pairs:
+    def __init__(self, program, folder):
+        self.sweep = Sweep(program, "", folder)
+        self.ordered = {}
+        self.random = random.Random(1)
+
+    def prepare(self, pair):
+        self.sweep.prepare(pair.scenario)
+        if isinstance(pair, AddAndMerge):
+            template = self.sweep.templates[pair.scenario]
+            self.sweep.execute(["--root", os.path.join(template, "other"), "filters", "add", "Office", "db-9"], template)
+
+    def one_by_one(self, pair):
+        """What is left when the second command comes behind the first, and the other way round."""
+        if pair not in self.ordered:
+            self.ordered[pair] = []
+            for turned in (False, True):
+                sandbox = self.sweep.copy(pair.scenario, f"ordered{turned}")
+                for arguments in self.commands(pair, sandbox)[::-1 if turned else 1]:
+                    self.sweep.execute(arguments, sandbox)
+                self.ordered[pair].append(oracle.snapshot(sandbox))
+                shutil.rmtree(sandbox)
+        return self.ordered[pair]
+
+    def commands(self, pair, sandbox):
+        service = self.sweep.services.get(pair.scenario)
+        return [pair.first(sandbox, service), pair.second(sandbox, service)]
+
+    def round(self, pair, number):
+        """Runs both at once, the second a little later. Returns complaints."""
+        sandbox = self.sweep.copy(pair.scenario, f"round{number}")
+        delay = self.random.choice((0, 0, self.random.random() * 0.05))
+        outcomes = [None, None]
+
+        def run(index, arguments):
+            if index:
+                time.sleep(delay)
+            outcomes[index] = self.sweep.execute(arguments, sandbox)
+
+        both = [threading.Thread(target=run, args=each) for each in enumerate(self.commands(pair, sandbox))]
+        for thread in both:
+            thread.start()
+        for thread in both:
+            thread.join()
+        complaints = []
+        if tuple(status for status, _ in outcomes) not in pair.allowed:
+            complaints.append(f"ended with {outcomes}")
+        complaints += pair.judge(self, sandbox) + self.sweep.judge_health(sandbox)
+        shutil.rmtree(sandbox)
+        if os.path.exists(sandbox + ".trace"):
+            os.remove(sandbox + ".trace")
+        return [f"{pair.name}, round {number}: {complaint}" for complaint in complaints]
+
+
+def main():
+    parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
+    parser.add_argument("--program", required=True, type=os.path.abspath)
+    parser.add_argument("--rounds", type=int, default=10)
+    options = parser.parse_args()
+    if is_full():
+        options.rounds = 300
+
+    complaints = []
+    with tempfile.TemporaryDirectory(prefix="orv-pairs-") as folder:
+        pairs = Pairs(options.program, os.path.realpath(folder))
+        try:
+            for pair in ALL:
+                pairs.prepare(pair)
+                for number in range(options.rounds):
+                    found = pairs.round(pair, number)
+                    for complaint in found:
+                        print(complaint, flush=True)
+                    complaints += found
+                print(f"{pair.name}: {options.rounds} rounds", flush=True)
+        finally:
+            pairs.sweep.stop()
+    print(f"pairs: {len(ALL) * options.rounds} rounds, {len(complaints)} complaints")
+    return 1 if complaints or options.rounds < 1 else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
