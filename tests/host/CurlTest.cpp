@@ -326,6 +326,7 @@ TEST_F(CurlTest, exceptionOfAProgressFunctionEndsTheTransfer)
     for (const char* path : {"/a", "/silent"}) {
         EXPECT_FALSE(fetch(server.url(path), {}, throwing));
         EXPECT_EQ(reason, "host");
+        EXPECT_EQ(errorNumber, Curl::kAbortedByCallback);
         EXPECT_THAT(files(), IsEmpty());
     }
     EXPECT_TRUE(fetch(server.url("/a")));

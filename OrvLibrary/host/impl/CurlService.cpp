@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <new>
 #include <optional>
 
 #include "OrvLibrary/host/impl/HeaderPrefetch_p.h"
@@ -111,11 +112,18 @@ bool CurlService::download_to_location(const std::string& url, const fileString&
         ProgressPacer pacer(mLimits, progress, context, start);
         FileBody body(mLimits, target, pacer, start);
         return downloadFile(connections.get(), request(url, headerLines), body, pacer, reason, errorNumber);
-    } catch (const std::exception& error) {
+    } catch (const std::bad_alloc& error) {
         reason = error.what();
         errorNumber = CURLE_OUT_OF_MEMORY;
-        return false;
+    } catch (const std::exception& error) {
+        // The progress function did not say that the transfer should go on.
+        reason = error.what();
+        errorNumber = kAbortedByCallback;
+    } catch (...) {
+        reason = "Callback aborted";
+        errorNumber = kAbortedByCallback;
     }
+    return false;
 }
 
 bool CurlService::downloadFile(HttpConnections& connections, const HttpRequest& request, FileBody& body,
@@ -164,12 +172,13 @@ bool CurlService::getURLHeader(const std::string& url, const std::vector<std::st
 
 void CurlService::prefetchHeaders(const std::vector<HeaderRequest>& requests)
 {
-    HttpConnections& connections = HttpConnections::ofThisThread();
-    // From within a progress function: the connections that would be needed are at work.
-    if (connections.busy())
-        return;
     try {
+        HttpConnections& connections = HttpConnections::ofThisThread();
+        // From within a progress function: the connections that would be needed are at work.
+        if (connections.busy())
+            return;
         const BrokenPipeBlock block;
+        connections.setPrefetch(nullptr);
         std::vector<HttpRequest> list;
         for (const HeaderRequest& header : requests) {
             if (!HttpAddress::isWebAddress(header.url))
@@ -177,12 +186,13 @@ void CurlService::prefetchHeaders(const std::vector<HeaderRequest>& requests)
             list.push_back(request(header.url, header.headerLines));
             list.back().headerOnly = true;
         }
+        if (list.empty())
+            return;
         connections.setPrefetch(
-            list.empty() ? nullptr
-                         : std::make_unique<HeaderPrefetch>(connections, mLimits, list, connectionLimit()));
+            std::make_unique<HeaderPrefetch>(connections, mLimits, list, connectionLimit()));
         connections.step(); // on their way at once
     } catch (const std::exception&) {
-        connections.setPrefetch(nullptr); // each is asked for when its turn comes
+        // Then each is asked for when its turn comes.
     }
 }
 
