@@ -2,7 +2,9 @@
 
 #include <exception>
 #include <sstream>
+#include <vector>
 
+#include "OrvLibrary/host/StringUtils.h"
 #include "apps/common/TextFile.h"
 
 namespace {
@@ -12,13 +14,19 @@ fileString hashFileIn(const fileString& folder)
     return folder / fileString("catalog_hash.txt");
 }
 
-/// The name of a line that holds exactly one name and one hash; empty for any other line.
-std::string nameOf(const std::string& line)
+/// Name and hash of a line, cut as the library cuts it; no pieces for a line that does not hold exactly
+/// these.
+std::vector<std::string> entryOf(const std::string& line)
 {
-    const std::size_t colon = line.find(':');
-    const bool isEntry = colon != std::string::npos && colon > 0 && colon + 1 < line.size() &&
-                         line.find(':', colon + 1) == std::string::npos;
-    return isEntry ? line.substr(0, colon) : std::string();
+    std::vector<std::string> pieces;
+    tokenizeString(line, ':', pieces);
+    return pieces.size() == 2 ? pieces : std::vector<std::string>();
+}
+
+bool isOf(const std::string& name, const std::string& line)
+{
+    const std::vector<std::string> entry = entryOf(line);
+    return !entry.empty() && entry[0] == name;
 }
 
 } // namespace
@@ -31,9 +39,9 @@ std::map<std::string, std::string> read(const fileString& folder)
     try {
         std::istringstream text(TextFile::read(hashFileIn(folder)));
         for (std::string line; std::getline(text, line) && !line.empty();) {
-            const std::string name = nameOf(line);
-            if (!name.empty())
-                entries[name] = line.substr(name.size() + 1);
+            const std::vector<std::string> entry = entryOf(line);
+            if (!entry.empty())
+                entries[entry[0]] = entry[1];
         }
     } catch (const std::exception&) {
         // what cannot be read lists nothing
@@ -48,7 +56,7 @@ bool remove(const fileString& folder, const std::string& name)
         std::string kept;
         bool isFound = false;
         for (std::string line; std::getline(text, line);) {
-            const bool isIt = nameOf(line) == name;
+            const bool isIt = isOf(name, line);
             isFound |= isIt;
             if (!isIt)
                 kept += line + "\n";

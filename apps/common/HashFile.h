@@ -10,8 +10,9 @@
 /// update runs on the same folder.
 namespace HashFile {
 
-/// File name to hash, read as the library reads it: a blank line ends the file, lines that do not hold one
-/// colon between two texts are passed over. Empty when the file cannot be read.
+/// File name to hash, read as the library reads it: a blank line ends the file, and lines that do not hold
+/// exactly two texts are passed over (colons at either end of a line separate nothing). Empty when the file
+/// cannot be read.
 std::map<std::string, std::string> read(const fileString& folder);
 /// Removes the lines of a name; all others stay as they are.
 /// @return false when there is no such line, or the file cannot be written and is as it was
