@@ -1,5 +1,7 @@
 #include "OrvLibrary/CatalogSources_p.h"
 
+#include <filesystem>
+
 #include "OrvLibrary/CatalogUpdaterState_p.h"
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
@@ -79,6 +81,18 @@ fileString catalogFolder(const fileString& name, const fileString& folder)
 {
     const bool isReferencedArchive = name.extension() == fileString(".zip");
     return isReferencedArchive ? PathUtils::getObject().getProprietaryLibraryReferencedFilesPath() : folder;
+}
+
+bool isInstalledPath(const fileString& file, Library::LibraryCategory category)
+{
+    const std::string& path = file.toNativeString();
+    const std::string folder = catalogFolder(file, getDirectoryPathFromCategory(category)).toNativeString();
+    if (folder.empty() || path.compare(0, folder.size(), folder) != 0)
+        return true; // where the host says
+    const std::size_t name = path.find_first_not_of('/', folder.size());
+    const std::filesystem::path below(name == std::string::npos ? std::string() : path.substr(name));
+    const std::filesystem::path normal = below.lexically_normal();
+    return normal.empty() || *normal.begin() != "..";
 }
 
 std::string sourceUrl(const fileString& file, Library::LibraryCategory category, const std::string& product,

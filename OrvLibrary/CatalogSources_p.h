@@ -29,6 +29,10 @@ fileString getTempDirectoryPathFromCategory(Library::LibraryCategory category);
 /// referenced files. With its final separator.
 fileString catalogFolder(const fileString& name, const fileString& folder);
 
+/// Whether a file of the category may lie at that path. False for a path below the file's folder that climbs
+/// out of it again: a name such as "../other.orvlib" of the content index, put behind the folder.
+bool isInstalledPath(const fileString& file, Library::LibraryCategory category);
+
 /// Query address of a file at the web service. Empty when the service cannot be found, which is written to
 /// the error log at every call.
 std::string sourceUrl(const fileString& file, Library::LibraryCategory category, const std::string& product,

@@ -84,8 +84,10 @@ try {
     }
     CatalogUpdateData record;
     record.category = category;
-    // A file that is not there yet has no hash, so that the web service answers with all of it.
-    record.localHash = SHA1::fileContentsToSHA1Hex(file);
+    // A file that is not there yet has no hash, so that the web service answers with all of it. The same goes
+    // for a path that leads elsewhere: the service is not told what lies there.
+    if (isInstalledPath(file, category))
+        record.localHash = SHA1::fileContentsToSHA1Hex(file);
     mCatalogs.emplace(name, record);
 } catch (...) {
     noteException("Unable to gather:  ", file);

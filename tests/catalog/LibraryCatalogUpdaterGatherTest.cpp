@@ -89,6 +89,32 @@ TEST_F(LibraryCatalogUpdaterGather, namesThatLeaveTheFolderAreAskedForByTheirLas
     EXPECT_THAT(mCurl.asked("HEAD"), ElementsAre("C:\\drive.orvlib", "abs.orvlib", "in.orvlib", "up.orvlib"));
 }
 
+TEST_F(LibraryCatalogUpdaterGather, theServiceLearnsNothingOfFilesOutsideTheFolders)
+{
+    installed("outside.orvlib", "private");
+    installed("bonus/foreign.orvlib", "private");
+    installed("outside.zip", "private");
+    installed("core/sub/in.orvlib", "x");
+    for (const char* name : {"foreign.orvlib", "in.orvlib", "outside.orvlib", "outside.zip"})
+        serve(name, "new", "1");
+    serveIndex(
+        "../outside.orvlib\n/../bonus/foreign.orvlib\nsub/../../outside.zip\nsub/./../sub/in.orvlib\n");
+    run();
+    EXPECT_THAT(mCurl.asked("HEAD"),
+                ElementsAre("foreign.orvlib", "in.orvlib", "outside.orvlib", "outside.zip"));
+    EXPECT_EQ(mCurl.requestHeaders.at(1).at(0), "If-None-Match: \"\"");
+    EXPECT_EQ(mCurl.requestHeaders.at(2).at(0), "If-None-Match: \"" + test::sha1Of("x") + "\"");
+    EXPECT_EQ(mCurl.requestHeaders.at(3).at(0), "If-None-Match: \"\"");
+    EXPECT_EQ(mCurl.requestHeaders.at(4).at(0), "If-None-Match: \"\"");
+}
+
+TEST_F(LibraryCatalogUpdaterGather, theHostsOwnFilesAreHashedWhereverTheyLie)
+{
+    mArguments.core = {installed("elsewhere/own.orvlib", "x")};
+    run();
+    EXPECT_EQ(mCurl.requestHeaders.back().at(0), "If-None-Match: \"" + test::sha1Of("x") + "\"");
+}
+
 TEST_F(LibraryCatalogUpdaterGather, anIndexThatCannotBeFetchedIsLogged)
 {
     mCurl.files.at("Orv_Core_Content_Index.txt").status = 500;
