@@ -15,32 +15,13 @@ std::string catalogOf(const std::string& url)
 
 } // namespace
 
-bool AnswerRecorder::download_to_location(const std::string& url, const fileString& target,
-                                          std::string& reason)
-{
-    return mNext.download_to_location(url, target, reason);
-}
-
-bool AnswerRecorder::download_to_location(const std::string& url, const fileString& target,
-                                          const std::vector<std::string>& headerLines, void* context,
-                                          ProgressFunction progress, std::string& reason, int& errorNumber)
-{
-    return mNext.download_to_location(url, target, headerLines, context, progress, reason, errorNumber);
-}
-
 bool AnswerRecorder::getURLHeader(const std::string& url, const std::vector<std::string>& headerLines,
                                   std::string& headerText, std::int64_t& status)
 {
-    const bool isAnswered = mNext.getURLHeader(url, headerLines, headerText, status);
+    const bool isAnswered = ForwardingCurl::getURLHeader(url, headerLines, headerText, status);
     const std::lock_guard<std::mutex> lock(mMutex);
     mAnswers[catalogOf(url)] = isAnswered ? status : 0;
     return isAnswered;
-}
-
-bool AnswerRecorder::browseURL(const std::string& url, const std::vector<std::string>& headerLines,
-                               std::string& body, bool followRedirects, int timeoutSeconds)
-{
-    return mNext.browseURL(url, headerLines, body, followRedirects, timeoutSeconds);
 }
 
 std::map<std::string, std::int64_t> AnswerRecorder::answers() const

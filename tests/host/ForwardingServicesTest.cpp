@@ -100,8 +100,28 @@ TEST_F(ForwardingServicesTest, downloadsFailWithAReasonAndWithoutARequest)
     EXPECT_EQ(status, -5);
     EXPECT_FALSE(curl.browseURL(server.url(), {}, text, true, 0));
     EXPECT_EQ(curl.urlAfterRedirects(server.url()), "");
+    curl.prefetchHeaders({{server.url(), {}}});
     EXPECT_TRUE(server.requests().empty());
-    EXPECT_EQ(calls().faults(), 7u);
+    EXPECT_EQ(calls().faults(), 8u);
+}
+
+TEST_F(ForwardingServicesTest, announcedRequestsReachTheServiceBehind)
+{
+    struct Announced : ForwardingCurl
+    {
+        using ForwardingCurl::ForwardingCurl;
+        void prefetchHeaders(const std::vector<HeaderRequest>& requests) override
+        {
+            for (const HeaderRequest& request : requests)
+                urls.push_back(request.url);
+        }
+        std::vector<std::string> urls;
+    };
+    Announced behind(Curl::get());
+    test::ForwardingCurl curl(behind, calls());
+    curl.prefetchHeaders({{"http://a.test/1", {}}, {"http://a.test/2", {}}});
+    EXPECT_THAT(behind.urls, testing::ElementsAre("http://a.test/1", "http://a.test/2"));
+    EXPECT_THAT(calls().operations(), testing::ElementsAre("Curl::prefetchHeaders"));
 }
 
 TEST_F(ForwardingServicesTest, textsFailByBeingUnknownAndOthersGoThrough)

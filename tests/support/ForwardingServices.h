@@ -5,12 +5,12 @@
 #include <vector>
 
 #include "OrvLibrary/host/Application.h"
-#include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/FileSearch.h"
 #include "OrvLibrary/host/MessagingSystem.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/PreferenceEngine.h"
 #include "OrvLibrary/host/StringTable.h"
+#include "apps/common/ForwardingCurl.h"
 #include "tests/support/ServiceCalls.h"
 
 /// One implementation of every installable service that forwards to another one, counts the calls, and fails
@@ -107,10 +107,10 @@ private:
 };
 
 /// Fails with the reason "injected failure" and the error number 7 (no connection).
-class ForwardingCurl : public Curl
+class ForwardingCurl : public ::ForwardingCurl
 {
 public:
-    ForwardingCurl(Curl& behind, ServiceCalls& calls) : mBehind(behind), mCalls(calls) {}
+    ForwardingCurl(Curl& behind, ServiceCalls& calls) : ::ForwardingCurl(behind), mCalls(calls) {}
 
     bool downloadable(const std::string& url) override;
     fileString download(const std::string& url) override;
@@ -122,10 +122,10 @@ public:
                       std::string& headerText, std::int64_t& status) override;
     bool browseURL(const std::string& url, const std::vector<std::string>& headerLines, std::string& body,
                    bool followRedirects, int timeoutSeconds) override;
+    void prefetchHeaders(const std::vector<HeaderRequest>& requests) override;
     std::string urlAfterRedirects(const std::string& url) override;
 
 private:
-    Curl& mBehind;
     ServiceCalls& mCalls;
 };
 
