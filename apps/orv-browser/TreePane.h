@@ -19,6 +19,7 @@ class TreePane : public QStackedWidget
 
 public:
     explicit TreePane(QWidget* parent = nullptr);
+    ~TreePane() override;
 
     /// Reads the well-known folders again. Categories that were empty and are not any more open themselves.
     void refresh();
