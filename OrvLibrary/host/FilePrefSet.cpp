@@ -7,7 +7,7 @@
 #include "OrvLibrary/host/impl/PrefFile_p.h"
 
 /// What the file held when it was last read or written, and the declarations of this process.
-class FilePrefSet::Private
+class Q_DECL_HIDDEN FilePrefSet::Private
 {
 public:
     explicit Private(const fileString& path) : file(path), members(file.read()) {}

@@ -81,7 +81,7 @@ host::FileHandle openLocked(const std::string& path, bool append)
 
 } // namespace
 
-class LockingFStream::Private
+class Q_DECL_HIDDEN LockingFStream::Private
 {
 public:
     Private(const std::string& path, std::ios_base::openmode mode);

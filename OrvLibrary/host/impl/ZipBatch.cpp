@@ -4,7 +4,7 @@
 
 namespace ZipUtils {
 
-class ArchiveBatch::Private
+class Q_DECL_HIDDEN ArchiveBatch::Private
 {
 public:
     Private() { active().push_back(this); }

@@ -119,7 +119,7 @@ void writeFileDataFromArchive(const fileString& memberAddress, const DataCallbac
     callback(content);
 }
 
-class ZipInputStream::Private
+class Q_DECL_HIDDEN ZipInputStream::Private
 {
 public:
     explicit Private(OpenMember member)
