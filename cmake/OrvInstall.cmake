@@ -1,5 +1,5 @@
-# Install and packaging: the library with its headers, CMake package and pkg-config file, the programs, and two
-# Debian packages (run-time and development).
+# Install and packaging: the library with its headers, CMake package and pkg-config file, the programs with their
+# manual, and a Debian package of each (run-time, development, programs).
 
 include(CMakePackageConfigHelpers)
 
@@ -35,12 +35,17 @@ configure_file(packaging/orvlibrary.pc.in "${PROJECT_BINARY_DIR}/orvlibrary.pc" 
 install(FILES "${PROJECT_BINARY_DIR}/orvlibrary.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
 
+if(ORV_BUILD_APPS)
+    include(OrvInstallPrograms)
+endif()
+
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME orvlibrary)
 set(CPACK_PACKAGE_VENDOR "Orv")
 set(CPACK_PACKAGE_CONTACT "Orv maintainers <maintainers@orvlibrary.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "${PROJECT_DESCRIPTION}")
 set(CPACK_PACKAGING_INSTALL_PREFIX "/usr")
+set(CPACK_STRIP_FILES ON)
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL runtime development)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
@@ -53,4 +58,13 @@ set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_SHLIBDEPS OFF)
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS
     "liborvlibrary${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION}), qtbase5-dev, libboost-dev")
+if(ORV_BUILD_APPS)
+    list(APPEND CPACK_COMPONENTS_ALL programs)
+    set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME orv-library)
+    set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION utils)
+    # What no symbol shows: the library of the same build, and the driver that catalog databases are read with.
+    set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS
+        "liborvlibrary${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION}), libqt5sql5-sqlite")
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/OrvLibrary")
+endif()
 include(CPack)

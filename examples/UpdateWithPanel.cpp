@@ -11,6 +11,7 @@
 #include "OrvLibrary/UI/qtLibraryProgressPanel.h"
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/PathUtils.h"
 
 namespace {
 
@@ -64,6 +65,7 @@ int main(int argc, char** argv)
     QApplication qt(argc, argv);
     App app;
     Application::install(&app);
+    FileUtils::createDirectoriesWithPerm(PathUtils::getObject().getCoreLibraryDatabasePath(), false);
 
     Window window;
     window.show();

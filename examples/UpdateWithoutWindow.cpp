@@ -10,6 +10,7 @@
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/SQL.h"
 
 namespace {
 
@@ -26,7 +27,8 @@ class Host : public QObject
     Q_OBJECT
 
 public:
-    Q_INVOKABLE void onSetText(std::string text) { std::cout << text << std::endl; }
+    /// Catalog names in the text are Windows-1252.
+    Q_INVOKABLE void onSetText(std::string text) { std::cout << SQL::to_utf8(text) << std::endl; }
     Q_INVOKABLE void onCatalogUpdatedEvent(FileStringPair files)
     {
         FileUtils::moveFile(files.second, files.first, false);
@@ -47,6 +49,7 @@ int main(int argc, char** argv)
     QCoreApplication qt(argc, argv);
     App app;
     Application::install(&app);
+    FileUtils::createDirectoriesWithPerm(PathUtils::getObject().getCoreLibraryDatabasePath(), false);
 
     const std::set<fileString> coreFiles{PathUtils::getObject().getCoreLibraryDatabasePath() +
                                          fileString("Doors.orvlib")};

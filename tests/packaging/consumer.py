@@ -1,43 +1,80 @@
-"""Builds and runs a small host program against the install tree, the build tree and the pkg-config file."""
+"""Builds and runs a host outside the project against the install tree, the build tree and the pkg-config file."""
 import os
 import shlex
 import subprocess
 import sys
 import tempfile
+import unittest
 
-build_tree, consumer = sys.argv[1:3]
+from packaging_support import Consumer, everything, run, service
 
-
-def run(*command, **options):
-    result = subprocess.run(command, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, **options)
-    if result.returncode:
-        sys.exit(f"{' '.join(command)}\n{result.stdout}")
-    return result.stdout
+BUILD_TREE, PROJECT, PROGRAM = sys.argv[1:4]
 
 
-def check(label, output):
-    if output.strip() != "the catalog update ran: result 0":
-        sys.exit(f"{label}: unexpected output: {output!r}")
-    print(f"{label}: ok")
+class InstalledLibrary(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.folder = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.folder.cleanup)
+        work = cls.folder.name
+        cls.prefix = os.path.join(work, "prefix")
+        for component in ("runtime", "development"):
+            run("cmake", "--install", BUILD_TREE, "--prefix", cls.prefix, "--component", component)
+        cls.library_folder = next(path for path, _, names in os.walk(cls.prefix) if "libOrvLibrary.so" in names)
+        cls.consumer = Consumer(PROJECT, work)
+        cls.content = os.path.join(work, "content")
+        cls.redirect = cls.enterClassContext(service(PROGRAM, cls.content))
+
+    def updates(self, program):
+        self.assertEqual(self.consumer.output(program, self.redirect), everything(self.content))
+        self.assertEqual(self.consumer.output(program, self.redirect), "result 3, 0 updated")
+
+    def test_the_install_tree_is_found(self):
+        self.updates(self.consumer.build("installed", f"-DCMAKE_PREFIX_PATH={self.prefix}"))
+
+    def test_the_build_tree_is_found(self):
+        self.updates(self.consumer.build("built", f"-DOrvLibrary_DIR={BUILD_TREE}"))
+
+    def test_a_moved_install_tree_is_found(self):
+        moved = self.prefix + " moved"
+        os.symlink(self.prefix, moved)
+        self.addCleanup(os.remove, moved)
+        self.consumer.build("moved", f"-DCMAKE_PREFIX_PATH={moved}")
+
+    def test_another_major_version_is_refused(self):
+        project = os.path.join(self.folder.name, "other")
+        os.mkdir(project)
+        with open(os.path.join(project, "CMakeLists.txt"), "w") as stream:
+            stream.write("cmake_minimum_required(VERSION 3.22)\nproject(Other LANGUAGES CXX)\n"
+                         "find_package(OrvLibrary 2 REQUIRED)\n")
+        with self.assertRaisesRegex(AssertionError, "version: 1.0.0"):
+            Consumer(project, self.folder.name).build("refused", f"-DCMAKE_PREFIX_PATH={self.prefix}")
+
+    def test_pkg_config_knows_it(self):
+        sources = os.path.join(self.folder.name, "by-pkg-config")
+        os.mkdir(sources)
+        flags = shlex.split(run("pkg-config", "--cflags", "--libs", "orvlibrary", env=dict(
+            os.environ, PKG_CONFIG_PATH=os.path.join(self.library_folder, "pkgconfig"))))
+        moc = subprocess.run(["moc", *[flag for flag in flags if flag.startswith("-I")],
+                              os.path.join(PROJECT, "main.cpp"), "-o", os.path.join(sources, "main.moc")],
+                             text=True, capture_output=True)
+        self.assertEqual(moc.returncode, 0, moc.stderr)
+        program = os.path.join(sources, "consumer")
+        run("g++", "-std=c++17", "-fPIC", "-pthread", f"-I{sources}", os.path.join(PROJECT, "main.cpp"), "-o", program,
+            *flags, f"-Wl,-rpath,{self.library_folder}")
+        self.updates(program)
+
+    def test_the_library_is_named_by_its_major_version(self):
+        dynamic = run("readelf", "-d", os.path.join(self.library_folder, "libOrvLibrary.so"))
+        self.assertIn("[libOrvLibrary.so.1]", dynamic)
+        with open(os.path.join(self.prefix, "include", "OrvLibrary", "OrvLibraryVersion.h")) as stream:
+            self.assertIn("1.0.0", stream.read())
+
+    def test_an_update_that_finds_no_service_says_so(self):
+        program = self.consumer.build("alone", f"-DCMAKE_PREFIX_PATH={self.prefix}")
+        self.assertEqual(self.consumer.output(program, "http://127.0.0.1:1/redirect"), "result 1, 0 updated")
 
 
-with tempfile.TemporaryDirectory() as work:
-    prefix = os.path.join(work, "prefix")
-    run("cmake", "--install", build_tree, "--prefix", prefix)
-    library_dir = next(folder for folder, _, names in os.walk(prefix) if "libOrvLibrary.so" in names)
-    environment = dict(os.environ, ORV_LIBRARY_ROOT=os.path.join(work, "root"), QT_QPA_PLATFORM="offscreen")
-
-    for label, where in (("install tree", prefix), ("build tree", build_tree)):
-        out = os.path.join(work, label.replace(" ", "-"))
-        run("cmake", "-S", consumer, "-B", out, "-DCMAKE_BUILD_TYPE=Debug",
-            f"-DOrvLibrary_DIR={where}" if where == build_tree else f"-DCMAKE_PREFIX_PATH={where}")
-        run("cmake", "--build", out)
-        check(label, run(os.path.join(out, "consumer"), env=environment))
-
-    pc_dir = os.path.join(library_dir, "pkgconfig")
-    flags = run("pkg-config", "--cflags", "--libs", "orvlibrary",
-                env=dict(os.environ, PKG_CONFIG_PATH=pc_dir))
-    program = os.path.join(work, "by-pkg-config")
-    run("g++", "-std=c++17", "-fPIC", os.path.join(consumer, "main.cpp"), "-o", program, *shlex.split(flags),
-        f"-Wl,-rpath,{library_dir}")
-    check("pkg-config", run(program, env=environment))
+if __name__ == "__main__":
+    del sys.argv[1:4]
+    unittest.main(verbosity=1)

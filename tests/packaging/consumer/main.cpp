@@ -1,5 +1,4 @@
-// The smallest host: it names itself, runs one core update against an address where nobody answers, and waits
-// for the closing call.
+// The smallest host that does something: it brings the core catalogs up to date and says how that went.
 #include <iostream>
 #include <thread>
 
@@ -7,29 +6,56 @@
 
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 #include "OrvLibrary/host/Application.h"
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/PathUtils.h"
 
-namespace {
-
-class Consumer : public Application
+class App : public Application
 {
 public:
     std::string name() const override { return "Consumer"; }
     fileString contentIndexName() const override { return fileString("Orv_Core_Content_Index.txt"); }
 };
 
-} // namespace
+class Host : public QObject
+{
+    Q_OBJECT
+
+public:
+    Q_INVOKABLE void onCatalogUpdatedEvent(FileStringPair files)
+    {
+        if (!FileUtils::moveFile(files.second, files.first, false))
+            std::cerr << files.first << " could not be put in place" << std::endl;
+    }
+    Q_INVOKABLE void closeCatalogUpdateEvent(const LibraryCatalogUpdate::UpdateData& outcome)
+    {
+        std::cout << "result " << outcome.result << ", " << outcome.updatedCatalogs.size() << " updated"
+                  << std::endl;
+        QCoreApplication::quit();
+    }
+    Q_INVOKABLE void onClose() { QCoreApplication::quit(); }
+};
 
 int main(int argc, char** argv)
 {
     QCoreApplication qt(argc, argv);
-    Consumer application;
-    Application::install(&application);
+    App app;
+    Application::install(&app);
+    RootPathUtils folders(RootPathUtils::defaultRoot());
+    PathUtils::install(&folders);
+    std::string reason;
+    if (!folders.createFolders(reason)) {
+        std::cerr << reason << std::endl;
+        return 1;
+    }
 
-    QObject host;
-    LibraryCatalogUpdate::LibraryCatalogUpdater updater(host, {}, {}, {}, "Consumer", "1",
-                                                        "http://127.0.0.1:1/redirect", false);
+    Host host;
+    LibraryCatalogUpdate::LibraryCatalogUpdater updater(host, {}, {}, {}, "Consumer", "1.0",
+                                                        argc > 1 ? argv[1] : "", true);
     std::thread worker(updater);
+    qt.exec();
     worker.join();
+    PathUtils::install(nullptr);
     Application::install(nullptr);
-    std::cout << "the catalog update ran: result 0" << std::endl;
 }
+
+#include "main.moc"

@@ -1,0 +1,30 @@
+# The programs, their manual pages, the shell completion, and what a catalog service is set up from.
+
+file(RELATIVE_PATH ORV_BIN_TO_LIB "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
+# Relative to the program itself, so that an installed tree may be moved.
+set_target_properties(orv-library orv-browser PROPERTIES INSTALL_RPATH "$ORIGIN/${ORV_BIN_TO_LIB}")
+install(TARGETS orv-library orv-browser RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT programs)
+install(FILES packaging/completion/orv-library.bash
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT programs RENAME orv-library)
+install(FILES docs/service/README.md docs/service/nginx-catalog.conf
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/orv-library/service" COMPONENT programs)
+
+find_program(ORV_SCDOC scdoc)
+if(NOT ORV_SCDOC)
+    message(STATUS "scdoc not found: the manual pages are not installed")
+    return()
+endif()
+set(manual)
+foreach(page IN ITEMS
+        orv-library orv-library-filters orv-library-import orv-library-log orv-library-manufacturers orv-library-pack
+        orv-library-paths orv-library-publish orv-library-sample orv-library-serve orv-library-status
+        orv-library-styles orv-library-unpack orv-library-update orv-library-verify)
+    set(output "${PROJECT_BINARY_DIR}/man/${page}.1")
+    set(source "${PROJECT_SOURCE_DIR}/docs/man/${page}.1.scd")
+    add_custom_command(OUTPUT "${output}" DEPENDS "${source}"
+        COMMAND "${CMAKE_COMMAND}" -E make_directory "${PROJECT_BINARY_DIR}/man"
+        COMMAND "${ORV_SCDOC}" <"${source}" >"${output}")
+    list(APPEND manual "${output}")
+endforeach()
+add_custom_target(manual ALL DEPENDS ${manual})
+install(FILES ${manual} DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT programs)

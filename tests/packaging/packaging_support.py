@@ -1,0 +1,51 @@
+"""What the packaging tests share: running commands, the embedded service, and a consumer project."""
+import contextlib
+import glob
+import json
+import os
+import shlex
+import signal
+import subprocess
+
+
+def run(*command, **options):
+    result = subprocess.run(command, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=300, **options)
+    if result.returncode:
+        raise AssertionError(f"{shlex.join(command)}\n{result.stdout}")
+    return result.stdout
+
+
+@contextlib.contextmanager
+def service(program, folder):
+    """Sample content, served on a free port; gives the redirect address."""
+    run(program, "sample", folder)
+    server = subprocess.Popen([program, "serve", folder], stdout=subprocess.PIPE, text=True)
+    try:
+        yield json.loads(server.stdout.readline())["redirect"]
+    finally:
+        server.send_signal(signal.SIGTERM)
+        server.wait(20)
+        server.stdout.close()
+
+
+def everything(folder):
+    """What the consumer prints once it has fetched every core catalog and referenced archive of the content."""
+    count = sum(len(glob.glob(os.path.join(folder, "content", "*" + ending))) for ending in (".orvlib", ".zip"))
+    return f"result 2, {count} updated"
+
+
+class Consumer:
+    """A project outside ours that finds the library, and a fresh root to run its program on."""
+
+    def __init__(self, project, work):
+        self.project, self.work = project, work
+
+    def build(self, name, *options):
+        folder = os.path.join(self.work, name)
+        run("cmake", "-S", self.project, "-B", folder, "-DCMAKE_BUILD_TYPE=Debug", *options)
+        run("cmake", "--build", folder)
+        return os.path.join(folder, "consumer")
+
+    def output(self, program, address, **environment):
+        root = program + "-root"
+        return run(program, address, env=dict(os.environ, ORV_LIBRARY_ROOT=root, **environment)).strip()
