@@ -1,73 +1,253 @@
-"""Links in the documents lead somewhere, their code is part of a file that is built, their commands run."""
+"""Every document can be reached, its links lead somewhere, and its code blocks are true: C++ and CMake are part of what is
+built, commands run as a reader would run them, examples of files are what the programs read and write."""
+import glob
+import json
 import os
 import re
+import shutil
+import signal
+import sqlite3
 import subprocess
 import sys
 import tempfile
 import unittest
 
-PROGRAM, SOURCE = sys.argv[1:3]
-CODE_FOLDERS = {"cpp": ["examples", "apps", "OrvLibrary"], "cmake": ["tests/packaging/consumer"]}
+from docs_support import Page, free_port, read
+
+PROGRAM, SOURCE, BUILD = sys.argv[1:4]
+CODE = {"cpp": (["examples", "apps", "OrvLibrary"], (".cpp", ".h")), "cmake": (["examples"], ("CMakeLists.txt",))}
+# Commands that build everything or measure for long: .ci/run runs them, with options of its own.
+RUN_BY_CI = re.compile(r"(script/(demo|test)|cmake (--build )?--preset \w+|bench/[\w-]+ build/release)")
+# What changes the tree that it runs in: the target is there, more is not tried.
+RENEWS = re.compile(r"cmake --build build/dev --target (\w+)$")
 
 
 def documents():
     listed = subprocess.run(["git", "-C", SOURCE, "ls-files", "-co", "--exclude-standard", "*.md"], text=True,
                             check=True, stdout=subprocess.PIPE).stdout.split("\n")
-    return [name for name in listed if name]
-
-
-def read(name):
-    with open(os.path.join(SOURCE, name)) as stream:
-        return stream.read()
-
-
-def blocks(language):
-    for name in documents():
-        for block in re.findall(rf"^```{language}\n(.*?)^```", read(name), re.M | re.S):
-            yield name, block
-
-
-def sources(language):
-    for folder in CODE_FOLDERS[language]:
-        for path, _, names in os.walk(os.path.join(SOURCE, folder)):
-            for name in names:
-                if name.endswith((".cpp", ".h", "CMakeLists.txt")):
-                    yield read(os.path.join(path, name))
+    return [Page(SOURCE, name) for name in listed if name]
 
 
 class Documents(unittest.TestCase):
     def test_links_lead_to_files(self):
-        for name in documents():
-            for target in re.findall(r"\]\(([^)#\s]+)[^)]*\)", read(name)):
-                if not re.match(r"[a-z]+:", target):
-                    path = os.path.normpath(os.path.join(SOURCE, os.path.dirname(name), target))
-                    self.assertTrue(os.path.exists(path), f"{name}: {target}")
+        for page in documents():
+            for target in page.links():
+                self.assertTrue(os.path.exists(os.path.join(SOURCE, target)), f"{page.name}: {target}")
+
+    def test_every_page_can_be_reached_from_the_index(self):
+        pages = {page.name: page for page in documents()}
+        # The main page of the API pages and the manual's sources are no reading matter.
+        wanted = {name for name in pages if name.startswith("docs/") and not name.startswith("docs/api/")}
+        linked = {target for target in pages["docs/README.md"].links()}
+        self.assertEqual(wanted - linked, {"docs/README.md"})
+        for name in ("docs/README.md", "CONTRIBUTING.md", "CHANGELOG.md"):
+            self.assertIn(name, pages["README.md"].links())
+
+    def test_no_code_hides_from_the_tests(self):
+        for page in documents():
+            self.assertEqual(page.indented_code(), [], page.name)
+            for language, block in page.blocks():
+                self.assertIn(language, {*CODE, "sh", "json", "sql", "text"}, f"{page.name}:\n{block}")
 
     def test_code_is_part_of_what_is_built(self):
-        for language in CODE_FOLDERS:
-            texts = list(sources(language))
-            for name, block in blocks(language):
-                for part in re.split(r"\n{2,}", block.strip("\n")):
-                    self.assertTrue(any(part in text for text in texts), f"{name}:\n{part}")
-
-    def test_commands_run(self):
-        with tempfile.TemporaryDirectory() as work:
-            environment = dict(os.environ, ORV_LIBRARY_ROOT=os.path.join(work, "root"),
-                               PATH=os.path.dirname(PROGRAM) + os.pathsep + os.environ["PATH"])
-            subprocess.run([PROGRAM, "sample", os.path.join(work, "CONTENT")], check=True, capture_output=True)
-            for name, block in blocks("sh"):
-                if block.startswith(("script/", "git clone", "cmake", "cpack")):
-                    continue  # run by the build itself
-                result = subprocess.run(["bash", "-euc", block], cwd=work, env=environment, text=True, timeout=120,
-                                        stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
-                self.assertEqual(result.returncode, 0, f"{name}:\n{block}\n{result.stdout}")
+        for language, (folders, endings) in CODE.items():
+            texts = [read(os.path.join(path, name)) for folder in folders
+                     for path, _, names in os.walk(os.path.join(SOURCE, folder)) for name in names
+                     if name.endswith(endings)]
+            for page in documents():
+                for block in page.blocks(language):
+                    for part in re.split(r"\n{2,}", block.strip("\n")):
+                        self.assertTrue(any(part in text for text in texts), f"{page.name}:\n{part}")
 
     def test_scripts_that_documents_name_are_there(self):
-        for name in documents():
-            for script in re.findall(r"^(script/[\w-]+)", read(name), re.M):
-                self.assertTrue(os.access(os.path.join(SOURCE, script), os.X_OK), f"{name}: {script}")
+        for page in documents():
+            for script in re.findall(r"(?:^|[`(])((?:script|bench|\.ci)/[\w-]+)(?![\w./-])", page.text, re.M):
+                path = os.path.join(SOURCE, script)
+                self.assertTrue(os.access(path, os.X_OK) or os.path.isdir(path), f"{page.name}: {script}")
+
+
+class Commands(unittest.TestCase):
+    """The sh blocks of a page run one after the other in one folder, which looks like a clone that was built."""
+
+    def setUp(self):
+        self.work = tempfile.mkdtemp(prefix="orv-docs-")
+        os.chmod(self.work, 0o755)  # nginx's workers may be another user
+        self.addCleanup(shutil.rmtree, self.work, ignore_errors=True)
+        for name in ("docs", "examples", "script", "bench"):
+            os.symlink(os.path.join(SOURCE, name), os.path.join(self.work, name))
+        os.mkdir(os.path.join(self.work, "build"))
+        for preset in ("package", "release", "dev"):
+            os.symlink(BUILD, os.path.join(self.work, "build", preset))
+        self.servers = []
+        self.ports = {"8480": str(free_port())}
+        self.environment = dict(
+            os.environ, HOME=self.work, QT_QPA_PLATFORM="offscreen",
+            PATH=os.pathsep.join([os.path.dirname(PROGRAM), os.environ["PATH"], "/usr/sbin"]))
+        subprocess.run([PROGRAM, "sample", os.path.join(self.work, "CONTENT")], check=True, capture_output=True)
+
+    def tearDown(self):
+        for server in self.servers:
+            server.send_signal(signal.SIGINT)
+            server.wait(20)
+            server.stdout.close()
+
+    def serve(self, line):
+        """A command that runs until Control-C; returns once it says where it listens."""
+        server = subprocess.Popen(["bash", "-c", "exec " + line], cwd=self.work, env=self.environment, text=True,
+                                  stdout=subprocess.PIPE)
+        self.servers.append(server)
+        self.assertIn("redirect", json.loads(server.stdout.readline()))
+
+    def run_block(self, page, block):
+        for documented, free in self.ports.items():
+            block = block.replace(documented, free)
+        lines = block.strip("\n").split("\n")
+        for line in filter(RENEWS.match, lines):
+            target = RENEWS.match(line)[1]
+            self.assertIn(f"{target}: ", subprocess.run(["ninja", "-C", BUILD, "-t", "targets", "all"], text=True,
+                                                        check=True, capture_output=True).stdout)
+        here = [line for line in lines if not RUN_BY_CI.match(line) and not RENEWS.match(line)]
+        if not here:
+            return
+        last = here.pop() if re.search(r"orv-library\"? serve ", here[-1]) else None
+        # What one block exports, the next one knows.
+        kept = os.path.join(self.work, "environment")
+        text = f"[ ! -e '{kept}' ] || . '{kept}'\n" + "\n".join(here) + f"\nexport -p >'{kept}'\n"
+        result = subprocess.run(["bash", "-euc", text], cwd=self.work, env=self.environment, text=True, timeout=300,
+                                stdout=subprocess.PIPE, stderr=subprocess.STDOUT)
+        self.assertEqual(result.returncode, 0, f"{page.name}:\n{block}\n{result.stdout}")
+        self.output += result.stdout
+        if last:
+            self.serve(last)
+
+    def run_page(self, name):
+        page = Page(SOURCE, name)
+        self.output = ""
+        for block in page.blocks("sh"):
+            self.run_block(page, block)
+        return self.output
+
+    def test_integrating(self):
+        output = self.run_page("docs/integrating.md")
+        self.assertIn("\nresult 2, 15 updated\nresult 3, 0 updated\n", output)
+        self.assertIn("Türen und Fenster.orvlib", output)
+
+    def test_service(self):
+        self.assertIn('ETag: "', self.run_page("docs/service/README.md"))
+
+    def test_other_pages(self):
+        for page in documents():
+            if page.name not in ("docs/integrating.md", "docs/service/README.md"):
+                self.run_page(page.name)
+
+    @staticmethod
+    def demo():
+        """What .ci/run runs by running the demo."""
+        return read(os.path.join(SOURCE, "script", "demo"))
+
+    def test_what_is_left_to_ci_is_run_there(self):
+        ci = read(os.path.join(SOURCE, ".ci", "run"))
+        for page in documents():
+            for block in page.blocks("sh"):
+                for line in block.strip("\n").split("\n"):
+                    command = RUN_BY_CI.match(line)
+                    if command:
+                        self.assertRegex(ci + self.demo(), rf"(?m)^{re.escape(command[0])}\b", f"{page.name}: {line}")
+
+
+class Formats(unittest.TestCase):
+    """The examples on the pages of the file formats. (Those in JSON are compared by the tests of their rooms.)"""
+
+    def setUp(self):
+        self.work = tempfile.mkdtemp(prefix="orv-docs-")
+        self.addCleanup(shutil.rmtree, self.work)
+        self.root = os.path.join(self.work, "root")
+
+    def examples(self, name, language="text"):
+        return Page(SOURCE, f"docs/formats/{name}.md").blocks(language)
+
+    def write(self, name, text):
+        path = os.path.join(self.work, name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "w") as stream:
+            stream.write(text)
+
+    def program(self, *arguments, status=0):
+        result = subprocess.run([PROGRAM, "--json", "--progress", "none", "--root", self.root, *arguments], text=True,
+                                timeout=60, capture_output=True)
+        self.assertEqual(result.returncode, status, result.stdout + result.stderr)
+        return json.loads(result.stdout)
+
+    def update_against(self, content):
+        server = subprocess.Popen([PROGRAM, "serve", content], text=True, stdout=subprocess.PIPE)
+        try:
+            redirect = json.loads(server.stdout.readline())["redirect"]
+            return self.program("update", "--url", redirect, "--product", "P", "--product-version", "1")
+        finally:
+            server.send_signal(signal.SIGTERM)
+            server.wait(20)
+            server.stdout.close()
+
+    def test_pages_with_examples(self):
+        found = {name for path in glob.glob(os.path.join(SOURCE, "docs", "formats", "*.md"))
+                 for name in [os.path.basename(path)[:-3]] if self.examples(name) + self.examples(name, "sql")}
+        self.assertEqual(found, {"catalog-database", "catalog_hash", "content-index", "errors-log"})
+
+    def test_errors_log(self):
+        [text] = self.examples("errors-log")
+        self.write("root/user/errors.log", text)
+        self.assertEqual(self.program("log", "show")["entries"], [{
+            "time": "2026-11-21 03:35:12", "thread": "0x7f3a5c7fe6c0",
+            "message": "Failed To Download File:  /home/ann/.local/share/orv-library/core/Doors.orvlib   Reason:  HTTP 503"}])
+
+    def test_content_index_and_request(self):
+        request, index = self.examples("content-index")
+        self.write("content/content/Orv_Core_Content_Index.txt", index)
+        for name in index.strip("\n").split("\n"):
+            self.write("content/content/" + name, "x" * 2000)
+        os.mkdir(os.path.join(self.work, "content", "manufacturers"))
+        document = self.update_against(os.path.join(self.work, "content"))
+        self.assertEqual(document["outcome"], "updated")
+        self.assertEqual(len(document["updatedCatalogs"]), 3)
+        for name in ("core/Bath_Fixtures.orvlib", "core/Türen und Tore.orvlib", "referenced/Core_Textures.zip"):
+            self.assertTrue(os.path.exists(os.path.join(self.root, name)), name)
+        template = read(os.path.join(SOURCE, "OrvLibrary", "CatalogSources_p.cpp"))
+        for part in re.findall(r"&\w+=", request):
+            self.assertIn(part, template)
+
+    def test_catalog_hash(self):
+        [text] = self.examples("catalog_hash")
+        self.write("root/core/catalog_hash.txt", text)
+        self.write("root/core/Bath_Fixtures.orvlib", "x" * 2000)
+        self.write("root/referenced/Tex.zip", "x" * 2000)
+        # Neither file has the hash that the example remembers.
+        self.assertEqual(len(self.program("verify", status=1)["damaged"]), 2)
+        # Written again in the same form, with the service's tags.
+        for name in ("Bath_Fixtures.orvlib", "Tex.zip"):
+            self.write("content/content/" + name, "y" * 2000)
+        self.write("content/content/Orv_Core_Content_Index.txt", "Bath_Fixtures.orvlib\nTex.zip\n")
+        os.mkdir(os.path.join(self.work, "content", "manufacturers"))
+        self.update_against(os.path.join(self.work, "content"))
+        form = re.sub(r"[0-9a-f]{40}", "[0-9a-f]{40}", text)
+        self.assertRegex(read(os.path.join(self.root, "core", "catalog_hash.txt")), rf"\A{form}\Z")
+
+    def test_catalog_database(self):
+        [block] = self.examples("catalog-database", "sql")
+        subprocess.run([PROGRAM, "sample", os.path.join(self.work, "content")], check=True, capture_output=True)
+        written = sqlite3.connect(os.path.join(self.work, "content", "content", "Doors.orvlib"))
+        described = sqlite3.connect(":memory:")
+        described.executescript(block)
+        self.assertEqual(self.columns(written), self.columns(described))
+        written.close()
+        described.close()
+
+    @staticmethod
+    def columns(database):
+        tables = [row[0] for row in database.execute("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name")
+                  if not row[0].startswith("sqlite_")]
+        return {table: [row[1:3] for row in database.execute(f"PRAGMA table_info({table})")] for table in tables}
 
 
 if __name__ == "__main__":
-    del sys.argv[1:3]
+    del sys.argv[1:4]
     unittest.main(verbosity=1)

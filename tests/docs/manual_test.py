@@ -6,7 +6,7 @@ import subprocess
 import sys
 import unittest
 
-PROGRAM, SOURCE = sys.argv[1:3]
+PROGRAM, SOURCE = sys.argv[1:3]  # and the build tree
 MAN = os.path.join(SOURCE, "docs", "man")
 
 
@@ -23,12 +23,32 @@ def command_names():
     return re.findall(r"^\s{2}([a-z]+)\s", section, re.M)
 
 
+def actions(command):
+    text = output(PROGRAM, command, "--help")
+    return re.findall(r"^\s{2}([a-z-]+)\s", text.split("ommands:")[-1], re.M) if "ommands:" in text else []
+
+
+def helps(command):
+    """What the command and each of its actions print."""
+    return [output(PROGRAM, command, "--help")] + [output(PROGRAM, command, action, "--help")
+                                                   for action in actions(command)]
+
+
 def command_options(command):
     """Options of the command and of its actions, without the global ones."""
-    texts = [output(PROGRAM, command, "--help")]
-    for action in re.findall(r"^\s{2}([a-z-]+)\s", texts[0].split("ommands:")[-1], re.M) if "ommands:" in texts[0] else []:
-        texts.append(output(PROGRAM, command, action, "--help"))
-    return set().union(*map(options_of, texts)) - options_of(output(PROGRAM, "--help"))
+    return set().union(*map(options_of, helps(command))) - options_of(output(PROGRAM, "--help"))
+
+
+def arguments(command):
+    """Names of the positional arguments, in capitals."""
+    sections = [text.split("\nArguments:\n")[1].split("\n\n")[0] for text in helps(command) if "\nArguments:\n" in text]
+    return set(re.findall(r"^\s{2}([A-Z][A-Z|a-z-]*)", "\n".join(sections), re.M))
+
+
+def page(command):
+    name = f"orv-library-{command}.1.scd" if command else "orv-library.1.scd"
+    with open(os.path.join(MAN, name)) as stream:
+        return stream.read()
 
 
 def completions(*words):
@@ -47,8 +67,43 @@ class Manual(unittest.TestCase):
 
     def test_pages_name_the_options_that_there_are(self):
         for command in command_names():
-            with open(os.path.join(MAN, f"orv-library-{command}.1.scd")) as stream:
-                self.assertEqual(options_of(stream.read()), command_options(command), command)
+            self.assertEqual(options_of(page(command)), command_options(command), command)
+        self.assertEqual(options_of(page(None)), options_of(output(PROGRAM, "--help")))
+
+    def test_pages_name_the_arguments_and_actions_that_there_are(self):
+        found = 0
+        for command in command_names():
+            synopsis = page(command).split("# SYNOPSIS")[1].split("# DESCRIPTION")[0]
+            for argument in arguments(command):
+                for name in argument.split("|"):
+                    self.assertIn(name, synopsis, command)
+                    found += 1
+            for action in actions(command):
+                self.assertIn(f"*{action}*", synopsis, command)
+                self.assertRegex(page(command), rf"(?m)^(\*[^\n]*)?\*{action}\*", command)
+        self.assertGreater(found, 10)
+
+    def test_the_first_page_names_every_command(self):
+        commands = page(None).split("# COMMANDS")[1].split("# EXIT STATUS")[0]
+        self.assertEqual(set(re.findall(r"\*([a-z]+)\*(?=[,\n])", commands)), set(command_names()))
+        self.assertEqual(set(re.findall(r"\*orv-library-([a-z]+)\*\(1\)", commands)), set(command_names()))
+
+    def test_commands_that_documents_name_are_there(self):
+        listed = subprocess.run(["git", "-C", SOURCE, "ls-files", "-co", "--exclude-standard", "*.md", "*.scd"], text=True,
+                                check=True, stdout=subprocess.PIPE).stdout.split()
+        found = 0
+        for name in listed:
+            with open(os.path.join(SOURCE, name)) as stream:
+                text = stream.read()
+            for line in re.findall(r"`orv-library ([a-z][^`]*)`", text):
+                words = line.split()
+                self.assertIn(words[0], command_names(), f"{name}: {line}")
+                if actions(words[0]) and len(words) > 1:
+                    self.assertIn(words[1], actions(words[0]), f"{name}: {line}")
+                self.assertLessEqual(options_of(line), command_options(words[0]) | options_of(output(PROGRAM, "--help")),
+                                     f"{name}: {line}")
+                found += 1
+        self.assertGreater(found, 10)
 
     def test_pages_are_well_formed(self):
         self.assertTrue(shutil.which("scdoc"), "scdoc is missing")
@@ -65,7 +120,12 @@ class Manual(unittest.TestCase):
         for command in command_names():
             self.assertEqual(set(completions("orv-library", command, "--")), command_options(command) | common, command)
 
+    def test_completion_offers_the_actions_of_each_command(self):
+        for command in command_names():
+            if actions(command):
+                self.assertEqual(set(completions("orv-library", command, "")), set(actions(command)), command)
+
 
 if __name__ == "__main__":
-    del sys.argv[1:3]
+    del sys.argv[1:4]
     unittest.main(verbosity=1)
