@@ -92,7 +92,9 @@ bool ServicePublisher::publish(std::string& reason)
         const Map formerLogos = ServiceMap::read(maps + "logos.map");
 
         Files names = filesIn(mSource + "/content");
-        Files logos = filesIn(mSource + "/manufacturers");
+        Files logos;
+        if (FileUtils::pathExists(fileString(mSource + "/manufacturers")))
+            logos = filesIn(mSource + "/manufacturers");
         const auto data = logos.find(kManufacturerFile);
         if (data != logos.end())
             names.insert(logos.extract(data));
@@ -108,6 +110,7 @@ bool ServicePublisher::publish(std::string& reason)
         prepareFolders();
         writeBlobs(names, mNames);
         writeBlobs(logos, mLogos);
+        mPublishedCount = mNames.size() + mLogos.size();
         keepFormer(mNames, formerNames);
         keepFormer(mLogos, formerLogos);
         ServiceMap::write(maps + "logos.map", mLogos, true);
@@ -214,9 +217,9 @@ void ServicePublisher::writeBlobs(const Files& files, const Map& hashes) const
 {
     for (const auto& [name, path] : files) {
         const fileString blob(mTarget + "/blobs/" + hashes.at(name));
-        if (FileUtils::pathExists(blob))
-            continue;
-        if (!FileUtils::copyFile(fileString(path), blob, false))
+        if (FileUtils::fileSize(blob) == FileUtils::fileSize(fileString(path)))
+            continue; // one of another size was damaged, and is written anew
+        if (!FileUtils::copyFile(fileString(path), blob, true))
             throw std::runtime_error(blob.toNativeString() + ": cannot be written");
         FileUtils::setFilePermission(blob);
         if (SHA1::fileContentsToSHA1Hex(blob) != hashes.at(name)) { // the source changed under our hands

@@ -20,15 +20,15 @@ public:
         std::string why;
     };
 
-    /// @param source a content folder: "content/" and "manufacturers/"
+    /// @param source a content folder: "content/", and "manufacturers/" where there are any
     /// @param target the folder to write, made when missing: "blobs/", "catalog.d/" and "run/"
     ServicePublisher(std::string source, std::string target);
 
     /// @param reason filled when false: the source cannot be read or the target cannot be written
     bool publish(std::string& reason);
 
-    /// How many names stand in the maps after the publication.
-    std::size_t publishedCount() const { return mNames.size() + mLogos.size(); }
+    /// How many names of the source were published; refused ones that keep their former content do not count.
+    std::size_t publishedCount() const { return mPublishedCount; }
     /// In the order of the names, each with one reason.
     const std::vector<Refusal>& refusals() const { return mRefusals; }
 
@@ -53,5 +53,6 @@ private:
     std::string mTarget;
     Map mNames;
     Map mLogos;
+    std::size_t mPublishedCount = 0;
     std::vector<Refusal> mRefusals;
 };

@@ -1,9 +1,11 @@
 """Publish, serve with the real nginx, update, publish again, update, roll back."""
+import hashlib
 import os
 import shutil
 import sys
 import unittest
 import urllib.error
+import urllib.parse
 import urllib.request
 
 from service_support import Nginx, ServiceCase
@@ -64,6 +66,33 @@ class NginxService(ServiceCase):
             for logo in logos:
                 self.assertEqual(self.content(os.path.join(root, "manufacturer-data"), logo),
                                  self.content(os.path.join(self.source, "manufacturers"), logo))
+
+    def test_odd_names_are_served(self):
+        names = ["Türen und Fenster.orvlib", 'a"b\\c.orvlib', "~tilde.orvlib", "default", "hostnames", "a$b.orvlib",
+                 "a;b{c}.orvlib", "it's?.orvlib", "[x] (y)=z,!*@.orvlib", "\u65e5\u672c.orvlib", "n" * 240 + ".orvlib"]
+        for index, name in enumerate(names):
+            self.write("content/" + name, b"%4d" % index * 500)
+        self.publish()
+        with Nginx(NGINX, CONFIG, self.service) as self.server:
+            for index, name in enumerate(names):
+                answer = urllib.request.urlopen(f"http://127.0.0.1:{self.server.port}/content?&library=" +
+                                                urllib.parse.quote(name) + "&product=P&version=1")
+                self.assertEqual(answer.read(), b"%4d" % index * 500, name)
+
+    def test_tags_are_hashes_and_answer_conditional_requests(self):
+        self.write("content/Doors.orvlib", b"doors" * 1000)
+        self.publish()
+        tag = '"' + hashlib.sha1(b"doors" * 1000).hexdigest() + '"'
+        with Nginx(NGINX, CONFIG, self.service) as self.server:
+            address = f"http://127.0.0.1:{self.server.port}/content?&library=Doors.orvlib"
+            with urllib.request.urlopen(urllib.request.Request(address, method="HEAD")) as answer:
+                self.assertEqual((answer.headers["ETag"], answer.headers["Content-Length"]), (tag, "5000"))
+            for sent in (tag, "W/" + tag, '"other", ' + tag, "*"):
+                with self.assertRaises(urllib.error.HTTPError) as raised:
+                    urllib.request.urlopen(urllib.request.Request(address, headers={"If-None-Match": sent}))
+                self.assertEqual((raised.exception.code, raised.exception.headers["ETag"]), (304, tag), sent)
+            with urllib.request.urlopen(urllib.request.Request(address, headers={"If-None-Match": '""'})) as answer:
+                self.assertEqual(answer.read(), b"doors" * 1000)
 
     def test_unpublished_names_answer_404_and_nothing_outside_is_served(self):
         self.run_program("sample", self.source)
