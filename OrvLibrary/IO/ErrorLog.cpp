@@ -3,8 +3,8 @@
 #include <ctime>
 #include <locale>
 
+#include <QThread>
 #include <boost/uuid/uuid_io.hpp>
-#include <pthread.h>
 
 #include "OrvLibrary/IO/ErrorLog_p.h"
 #include "OrvLibrary/host/FileUtils.h"
@@ -121,7 +121,7 @@ void ErrorLog::write()
     LockingFStream stream(getLogFile(), std::ios_base::app);
     stream << "---\n";
     stream << "Time: " << getTimeNowString() << "\n";
-    stream << "Thread ID: " << threadText(reinterpret_cast<const void*>(pthread_self())) << "\n";
+    stream << "Thread ID: " << threadText(QThread::currentThreadId()) << "\n";
     // Deliberate: the lines of the message are not indented, although the block marker suggests it.
     stream << "Message: |\n" << text << "...\n";
     stream.close();
