@@ -10,6 +10,9 @@ namespace ZipUtils {
 
 namespace {
 
+/// How much content the threads take at a time.
+constexpr std::uint64_t kPortion = 1U << 20U;
+
 /// Verifies members one after the other, in memory that does not grow with their sizes.
 class Verifier
 {
@@ -55,16 +58,27 @@ ZipVerification::~ZipVerification()
 
 void ZipVerification::add(std::size_t index)
 {
-    constexpr std::uint64_t kWorthAThread = 4U << 20U;
     const ZipEntry& entry = mArchive->entries()[index];
     if (!isReadable(entry))
         return;
+    mGathered.push_back(index);
+    mGatheredBytes += entry.size;
+    if (mGatheredBytes >= kPortion)
+        handOver();
+}
+
+/// Member by member, the threads would spend their time with waking each other.
+void ZipVerification::handOver()
+{
+    constexpr std::uint64_t kWorthAThread = 4U << 20U;
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        mMembers.push_back(index);
+        mPortions.push_back(std::move(mGathered));
     }
     mChanged.notify_one();
-    mBytes += entry.size;
+    mGathered.clear();
+    mBytes += mGatheredBytes;
+    mGatheredBytes = 0;
     if (mBytes > kWorthAThread * (mThreads.size() + 1))
         startThread();
 }
@@ -72,7 +86,7 @@ void ZipVerification::add(std::size_t index)
 void ZipVerification::startThread()
 {
     constexpr unsigned kMostThreads = 4;
-    const unsigned useful = std::min(kMostThreads, std::thread::hardware_concurrency());
+    static const unsigned useful = std::min(kMostThreads, std::thread::hardware_concurrency());
     if (mThreads.size() >= useful)
         return;
     try {
@@ -84,6 +98,7 @@ void ZipVerification::startThread()
 
 void ZipVerification::finish()
 {
+    handOver();
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         mIsComplete = true;
@@ -99,9 +114,11 @@ void ZipVerification::work() noexcept
 {
     try {
         Verifier verifier(*mArchive);
-        std::size_t index = 0;
-        while (takeNext(index))
-            verifier.verify(mArchive->entries()[index]);
+        std::vector<std::size_t> portion;
+        while (takeNext(portion)) {
+            for (const std::size_t index : portion)
+                verifier.verify(mArchive->entries()[index]);
+        }
     } catch (...) {
         const std::lock_guard<std::mutex> lock(mMutex);
         mFailure = std::current_exception();
@@ -109,13 +126,14 @@ void ZipVerification::work() noexcept
 }
 
 /// @return false when there will be no more, or it does not matter any more
-bool ZipVerification::takeNext(std::size_t& index)
+bool ZipVerification::takeNext(std::vector<std::size_t>& portion)
 {
     std::unique_lock<std::mutex> lock(mMutex);
-    mChanged.wait(lock, [this] { return mIsComplete || mFailure || mNext < mMembers.size(); });
-    if (mFailure || mNext == mMembers.size())
+    mChanged.wait(lock, [this] { return mIsComplete || mFailure || !mPortions.empty(); });
+    if (mFailure || mPortions.empty())
         return false;
-    index = mMembers[mNext++];
+    portion = std::move(mPortions.front());
+    mPortions.pop_front();
     return true;
 }
 
@@ -124,7 +142,7 @@ void ZipVerification::stop()
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         mIsComplete = true;
-        mMembers.resize(std::min(mMembers.size(), mNext));
+        mPortions.clear();
     }
     mChanged.notify_all();
     for (std::thread& thread : mThreads)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <deque>
 #include <exception>
 #include <memory>
 #include <mutex>
@@ -29,19 +30,21 @@ public:
     void finish();
 
 private:
+    void handOver();
     void startThread();
     void work() noexcept;
-    bool takeNext(std::size_t& index);
+    bool takeNext(std::vector<std::size_t>& portion);
     void stop();
 
     std::shared_ptr<const ZipArchive> mArchive;
-    std::uint64_t mBytes = 0; ///< of content, in all that was added
+    std::vector<std::size_t> mGathered; ///< not handed over yet
+    std::uint64_t mGatheredBytes = 0;   ///< of content
+    std::uint64_t mBytes = 0;           ///< of content, in all that was handed over
     std::vector<std::thread> mThreads;
 
     std::mutex mMutex; ///< guards what follows
     std::condition_variable mChanged;
-    std::vector<std::size_t> mMembers;
-    std::size_t mNext = 0; ///< the first of mMembers that nobody has taken
+    std::deque<std::vector<std::size_t>> mPortions; ///< that nobody has taken
     bool mIsComplete = false;
     std::exception_ptr mFailure;
 };
