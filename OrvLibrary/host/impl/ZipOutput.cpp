@@ -5,6 +5,7 @@
 #include <cstring>
 #include <stdexcept>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace ZipUtils {
@@ -13,6 +14,7 @@ namespace {
 
 constexpr std::size_t kPiece = 1U << 20U;
 constexpr std::uint64_t kSmall = 32U << 10U; ///< below it, a copy through memory takes fewer system calls
+constexpr std::uint64_t kWriteBackStep = 32U << 20U;
 
 } // namespace
 
@@ -23,6 +25,7 @@ ZipOutput::ZipOutput(const fileString& target, std::chrono::milliseconds wait)
 {
     if (!mFile)
         fail();
+    mReplaces = target.pathExists();
 }
 
 void ZipOutput::append(std::string_view bytes)
@@ -69,14 +72,14 @@ std::uint64_t ZipOutput::copyInKernel(int file, std::uint64_t offset, std::uint6
     while (copied < size) {
         auto from = static_cast<off64_t>(offset + copied);
         auto to = static_cast<off64_t>(mPosition);
-        const std::uint64_t piece = std::min<std::uint64_t>(size - copied, 1U << 30U);
+        const std::uint64_t piece = std::min(size - copied, kWriteBackStep);
         const ssize_t got = copy_file_range(file, &from, mFile->descriptor(), &to, piece, 0);
         if (got < 0 && errno == EINTR)
             continue;
         if (got <= 0)
             break;
         copied += static_cast<std::uint64_t>(got);
-        mPosition += static_cast<std::uint64_t>(got);
+        advance(static_cast<std::uint64_t>(got));
     }
     return copied;
 }
@@ -108,8 +111,20 @@ void ZipOutput::write(const char* bytes, std::size_t size)
             fail();
         bytes += put;
         size -= static_cast<std::size_t>(put);
-        mPosition += static_cast<std::uint64_t>(put);
+        advance(static_cast<std::uint64_t>(put));
     }
+}
+
+/// A file system that sees a file renamed over another begins to write it back first. The disk does it while
+/// the copying goes on.
+void ZipOutput::advance(std::uint64_t written)
+{
+    mPosition += written;
+    if (!mReplaces || mPosition - mWrittenBack < kWriteBackStep)
+        return;
+    sync_file_range(mFile->descriptor(), static_cast<off64_t>(mWrittenBack),
+                    static_cast<off64_t>(mPosition - mWrittenBack), SYNC_FILE_RANGE_WRITE);
+    mWrittenBack = mPosition;
 }
 
 void ZipOutput::publish()

@@ -38,12 +38,15 @@ private:
     void copyThroughMemory(int file, std::uint64_t offset, std::uint64_t size, const fileString& source);
     void appendSmall(int file, std::uint64_t offset, std::size_t size, const fileString& source);
     void write(const char* bytes, std::size_t size);
+    void advance(std::uint64_t written);
     [[noreturn]] void fail() const;
 
     fileString mTarget;
     std::unique_ptr<host::ReplacementFile> mFile;
-    std::uint64_t mPosition = 0; ///< bytes in the file
-    std::string mPending;        ///< bytes not yet in the file
+    bool mReplaces = false;         ///< the target exists
+    std::uint64_t mPosition = 0;    ///< bytes in the file
+    std::uint64_t mWrittenBack = 0; ///< bytes that the disk was told of
+    std::string mPending;           ///< bytes not yet in the file
 };
 
 } // namespace ZipUtils
