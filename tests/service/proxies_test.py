@@ -1,4 +1,5 @@
-"""Two kinds of proxy between client and service: one that caches, one that cuts connections. Clients converge."""
+"""Two proxies between client and service, one that caches, one that cuts connections, and both. Clients converge."""
+import hashlib
 import itertools
 import json
 import os
@@ -63,8 +64,12 @@ class CuttingProxy:
 
     def serve(self, client, limit):
         upstream = socket.create_connection(("127.0.0.1", self.upstream_port))
-        threading.Thread(target=self.pump, args=(client, upstream, None), daemon=True).start()
+        requests = threading.Thread(target=self.pump, args=(client, upstream, None), daemon=True)
+        requests.start()
         self.pump(upstream, client, limit)
+        requests.join()
+        client.close()
+        upstream.close()
 
     def pump(self, source, target, limit):
         sent = 0
@@ -114,27 +119,43 @@ class Proxies(ServiceCase):
             outcomes.append(self.update(port))
         self.assertEqual(outcomes[-1], "current", outcomes)
 
-    def assert_core_equals_source(self):
-        published = os.path.join(self.source, "content")
-        names = [name for name in os.listdir(self.path("root", "core")) if name.endswith(".orvlib")]
-        self.assertGreaterEqual(len(names), 12)
-        for name in names:
-            with open(self.path("root", "core", name), "rb") as ours, \
-                    open(os.path.join(published, name), "rb") as theirs:
-                self.assertEqual(ours.read(), theirs.read(), name)
+    def catalogs(self, folder):
+        found = {}
+        for name in os.listdir(folder):
+            if name.endswith(".orvlib"):
+                with open(os.path.join(folder, name), "rb") as stream:
+                    found[name] = hashlib.sha1(stream.read()).hexdigest()
+        return found
 
-    def test_clients_behind_a_caching_proxy_converge(self):
+    def core_equals_source(self):
+        return self.catalogs(self.path("root", "core")) == self.catalogs(os.path.join(self.source, "content"))
+
+    def assert_core_equals_source(self):
+        self.assertGreaterEqual(len(self.catalogs(self.path("root", "core"))), 12)
+        self.assertTrue(self.core_equals_source())
+
+    def caching_proxy(self):
         os.makedirs(self.path("service", "run"))
         config = self.path("proxy.conf")
         with open(config, "w") as stream:
             stream.write(CACHING_PROXY.replace("UPSTREAM", self.upstream))
-        with Nginx(NGINX, config, self.service) as proxy:
+        return Nginx(NGINX, config, self.service)
+
+    def cutting_proxy(self, port):
+        proxy = CuttingProxy(port)
+        self.addCleanup(proxy.close)
+        return proxy
+
+    def change_a_catalog(self):
+        changed = next(name for name in sorted(os.listdir(self.path("root", "core"))) if name.endswith(".orvlib"))
+        with open(os.path.join(self.source, "content", changed), "ab") as stream:
+            stream.write(b"\0" * 4096)
+
+    def test_clients_behind_a_caching_proxy_converge(self):
+        with self.caching_proxy() as proxy:
             self.update_until_current(proxy.port, 3)
             self.assert_core_equals_source()
-            changed = sorted(os.listdir(self.path("root", "core")))
-            changed = next(name for name in changed if name.endswith(".orvlib"))
-            with open(os.path.join(self.source, "content", changed), "ab") as stream:
-                stream.write(b"\0" * 4096)
+            self.change_a_catalog()
             deadline = time.monotonic() + 20
             while self.update(proxy.port) != "updated":  # until what the proxy kept has grown old
                 self.assertLess(time.monotonic(), deadline)
@@ -142,11 +163,25 @@ class Proxies(ServiceCase):
             self.assert_core_equals_source()
 
     def test_clients_behind_a_proxy_that_cuts_connections_converge(self):
-        proxy = CuttingProxy(int(self.upstream.rsplit(":", 1)[1]))
-        self.addCleanup(proxy.close)
+        proxy = self.cutting_proxy(int(self.upstream.rsplit(":", 1)[1]))
         self.update_until_current(proxy.port, 60)
         self.assertGreater(proxy.cuts, 0)
         self.assert_core_equals_source()
+
+    def test_clients_behind_both_in_a_row_converge(self):
+        with self.caching_proxy() as caching:
+            cutting = self.cutting_proxy(caching.port)
+            self.update_until_current(cutting.port, 60)
+            self.assert_core_equals_source()
+            self.change_a_catalog()
+            deadline = time.monotonic() + 30
+            while True:  # until what the proxy kept has grown old, and the change came through whole
+                self.assertLess(time.monotonic(), deadline)
+                self.update(cutting.port)
+                if self.core_equals_source():
+                    break
+            self.assertGreater(cutting.cuts, 0)
+            self.update_until_current(cutting.port, 60)
 
 
 if __name__ == "__main__":
