@@ -18,6 +18,7 @@ class ErrorLog;
 namespace LibraryCatalogUpdate {
 
 class CatalogEvents;
+class CatalogHashesAhead;
 
 /// Brings the catalogs up to date: finds the catalog files, asks the web service which have changed,
 /// downloads and installs those, and remembers their tags in the hash files.
@@ -71,7 +72,8 @@ private:
     void gatherCoreCatalogs(std::set<fileString>& coreFiles);
     void gatherLibraryCatalogs(const std::set<fileString>& files, Library::LibraryCategory category);
     void loadHashFile(Library::LibraryCategory category);
-    void gatherCatalog(const fileString& file, Library::LibraryCategory category, const std::string& prefix);
+    void gatherCatalog(const fileString& file, Library::LibraryCategory category, const std::string& prefix,
+                       CatalogHashesAhead& hashes);
 
     // The update check.
     void checkForUpdate(const fileString& name, CatalogUpdateData& record, const std::string& prefix);

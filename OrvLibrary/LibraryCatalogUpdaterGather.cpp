@@ -1,8 +1,12 @@
 // Gathering: which catalogs there are, and the tag of the installed copy of each.
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
+#include <new>
+#include <vector>
+
 #include "OrvLibrary/CatalogEvents_p.h"
 #include "OrvLibrary/CatalogHashFile_p.h"
+#include "OrvLibrary/CatalogHashesAhead_p.h"
 #include "OrvLibrary/CatalogIndex_p.h"
 #include "OrvLibrary/CatalogSources_p.h"
 #include "OrvLibrary/CatalogUpdaterState_p.h"
@@ -10,7 +14,6 @@
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/PreferenceEngine.h"
-#include "OrvLibrary/host/SHA1.h"
 #include "OrvLibrary/host/StringUtils.h"
 
 namespace LibraryCatalogUpdate {
@@ -19,6 +22,23 @@ namespace {
 
 constexpr int kTextGathering = 8717;
 constexpr int kTextGatheringCatalog = 8723;
+
+/// The files whose hash will be wanted, one of each name. What may lead out of its folder waits until it is
+/// looked at. None for lack of memory, since each is hashed in its turn at the latest.
+std::vector<fileString> filesToHash(const std::set<fileString>& files, const CatalogMap& catalogs)
+try {
+    std::vector<fileString> unknown;
+    std::set<fileString> names;
+    for (const fileString& file : files) {
+        const fileString name = file.stemWithExtension();
+        const bool isPlain = file.toNativeString().find("/../") == std::string::npos;
+        if (isPlain && catalogs.count(name) == 0 && names.insert(name).second)
+            unknown.push_back(file);
+    }
+    return unknown;
+} catch (const std::bad_alloc&) {
+    return {};
+}
 
 } // namespace
 
@@ -56,10 +76,11 @@ void LibraryCatalogUpdater::gatherLibraryCatalogs(const std::set<fileString>& fi
     loadHashFile(category);
     mHostObject->setRangeInGauge(files.size());
     const std::string prefix = hostText(kTextGatheringCatalog);
+    CatalogHashesAhead hashes(filesToHash(files, mCatalogs));
     for (const fileString& file : files) {
         if (isDownloadKilled())
             break;
-        gatherCatalog(file, category, prefix);
+        gatherCatalog(file, category, prefix, hashes);
         mHostObject->updateInGauge();
     }
 }
@@ -72,7 +93,7 @@ try {
 }
 
 void LibraryCatalogUpdater::gatherCatalog(const fileString& file, Library::LibraryCategory category,
-                                          const std::string& prefix)
+                                          const std::string& prefix, CatalogHashesAhead& hashes)
 try {
     const fileString name = file.stemWithExtension();
     // Deliberate: the name is Windows-1252 behind a translated prefix.
@@ -87,7 +108,7 @@ try {
     // A file that is not there yet has no hash, so that the web service answers with all of it. The same goes
     // for a path that leads elsewhere: the service is not told what lies there.
     if (isInstalledPath(file, category))
-        record.localHash = SHA1::fileContentsToSHA1Hex(file);
+        record.localHash = hashes.hashOf(file);
     mCatalogs.emplace(name, record);
 } catch (...) {
     noteException("Unable to gather:  ", file);

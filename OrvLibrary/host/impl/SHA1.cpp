@@ -13,7 +13,7 @@
 
 namespace {
 
-constexpr std::size_t kPieceSize = 1024 * 1024;
+constexpr std::size_t kPieceSize = 64 * 1024;
 
 using Context = std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)>;
 

@@ -1,0 +1,21 @@
+// The hashes of many files, as an update wants them; run-hashes runs the columns side by side.
+//
+//     bench_hashes ahead|turn FILE...      prints one hash a line
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "OrvLibrary/CatalogHashesAhead_p.h"
+
+int main(int argc, char** argv)
+{
+    if (argc < 3 || (std::strcmp(argv[1], "ahead") != 0 && std::strcmp(argv[1], "turn") != 0))
+        return 2;
+    const std::vector<fileString> files(argv + 2, argv + argc);
+    const bool isAhead = std::strcmp(argv[1], "ahead") == 0;
+    LibraryCatalogUpdate::CatalogHashesAhead hashes(isAhead ? files : std::vector<fileString>());
+    for (const fileString& file : files)
+        std::puts(hashes.hashOf(file).c_str());
+    return 0;
+}
