@@ -186,6 +186,19 @@ TEST_F(CurlPrefetchTest, faultOfOneIsTheFaultOfItsCallAlone)
         EXPECT_EQ(ask(headers[static_cast<std::size_t>(i)]), faults.count(i) == 0) << i;
 }
 
+TEST_F(CurlPrefetchTest, serverThatRefusesMoreThanOneConnectionIsAskedOnThatOne)
+{
+    server.otherwise([](const FaultRequest& request) {
+        return request.connection == 0 ? FaultReply::ok("").pauseAt(0, 15ms) : FaultReply::raw("").reset();
+    });
+    getAcquainted();
+    const Headers headers = list(40);
+    curl.prefetchHeaders(headers);
+    for (const auto& request : headers)
+        EXPECT_TRUE(ask(request)) << request.url;
+    EXPECT_GT(server.connectionCount(), 1);
+}
+
 TEST_F(CurlPrefetchTest, deadServerIsGivenUpInTheOrderOfTheCalls)
 {
     answerAfter(15ms);

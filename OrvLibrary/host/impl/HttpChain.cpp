@@ -51,6 +51,13 @@ void removeSecrets(std::vector<std::string>& lines)
     lines.erase(std::remove_if(lines.begin(), lines.end(), isSecret), lines.end());
 }
 
+/// Whether the answer to a request that was sent ahead is none, for a reason that need not hold when it is
+/// sent alone: a server may refuse several connections at once.
+bool isWorthAnotherTry(const HttpAnswer& answer)
+{
+    return !answer.answered && answer.error != CURLE_OPERATION_TIMEDOUT;
+}
+
 } // namespace
 
 HttpChain::HttpChain(HttpConnections& connections, AddressGuard& guard, const HttpLimits& limits,
@@ -95,7 +102,7 @@ HttpAnswer HttpChain::send(const HttpRequest& request, HttpBody& body)
     if (!mGuard.isOpen(address))
         return failure(CURLE_COULDNT_CONNECT, "no answer from " + address + " a moment ago");
     HttpAnswer answer;
-    if (!takePrefetched(request, answer))
+    if (!takePrefetched(request, answer) || isWorthAnotherTry(answer))
         answer = mConnections.perform(request, body, mLimits, mDeadline);
     if (answer.answered)
         mGuard.answered(address);
