@@ -14,6 +14,12 @@ constexpr std::chrono::microseconds kNear = 1ms;
 /// Below this one the address is in the same house.
 constexpr std::chrono::microseconds kNotFar = 8ms;
 constexpr std::size_t kNotFarConnections = 8;
+/// Of requests that one connection carries at once; servers allow a hundred or more.
+constexpr std::size_t kStreams = 100;
+/// More connections that carry many requests pay from this many requests and this time to an answer on.
+constexpr std::size_t kSpreadRequests = 65;
+constexpr std::chrono::microseconds kSpreadLatency = 50ms;
+constexpr std::size_t kSpreadConnections = 8;
 constexpr std::chrono::microseconds kShortestStall = 500ms;
 constexpr int kStallLatencies = 8;
 
@@ -77,6 +83,7 @@ void HeaderPrefetch::advance()
             if (entry.transfer->finished() || !entry.transfer->watch(now))
                 finish(entry);
         }
+        countConnections();
         repeatStalled(now);
         startWaiting();
     } catch (const std::bad_alloc&) {
@@ -91,6 +98,7 @@ void HeaderPrefetch::start(Entry& entry)
     if (entry.startedFirst == TimePoint())
         entry.startedFirst = now;
     entry.body = std::make_unique<HttpBody>(mLimits);
+    entry.request.onNewConnection = entry.isOpening;
     entry.transfer = std::make_unique<HttpTransfer>(mConnections.acquire(), entry.request, *entry.body,
                                                     mLimits, entry.startedFirst + mLimits.totalTimeout);
     entry.state = State::Running;
@@ -101,6 +109,8 @@ void HeaderPrefetch::start(Entry& entry)
 /// Takes the transfer away, whatever became of it.
 void HeaderPrefetch::end(Entry& entry)
 {
+    mOpening -= entry.isOpening ? 1 : 0;
+    entry.isOpening = false;
     mConnections.stop(*entry.transfer);
     CURL* const handle = entry.transfer->handle();
     mConnections.release(handle);
@@ -112,10 +122,11 @@ void HeaderPrefetch::finish(Entry& entry)
 {
     entry.answer = entry.transfer->answer();
     if (entry.answer.answered) {
+        noteOpened(entry);
         mUnansweredInRow = 0;
         mLastAnswer = HttpLimits::Clock::now();
         if (mRunning.size() == 1)
-            mConnections.noteLatency(*entry.transfer);
+            mConnections.noteAnswer(*entry.transfer);
     } else {
         ++mUnansweredInRow;
     }
@@ -132,8 +143,13 @@ void HeaderPrefetch::startWaiting()
             ++mNext;
             continue;
         }
-        if (mRunning.size() >= width(entry))
-            return;
+        if (mRunning.size() >= width(entry)) {
+            if (!mayOpen(entry))
+                return;
+            entry.isOpening = true;
+            ++mOpened;
+            ++mOpening;
+        }
         start(entry);
     }
 }
@@ -144,10 +160,44 @@ std::size_t HeaderPrefetch::width(const Entry& next) const
     // Nobody there: nothing is sent ahead any more, only when its turn has come.
     if (mUnansweredInRow >= static_cast<std::size_t>(mLimits.unansweredRequests))
         return 0;
-    const auto latency = mConnections.latency(HttpAddress::hostAndPort(next.request.url));
-    if (mOneByOne || latency < kNear)
+    if (mOneByOne)
+        return 1;
+    const std::string address = HttpAddress::hostAndPort(next.request.url);
+    if (mConnections.isMultiplexing(address))
+        return mReady * kStreams + mOpening;
+    const auto latency = mConnections.latency(address);
+    if (latency < kNear)
         return 1;
     return latency < kNotFar ? std::min(kNotFarConnections, mConnectionLimit) : mConnectionLimit;
+}
+
+/// Whether the next one opens a further connection because those that there are carry all they can.
+bool HeaderPrefetch::mayOpen(const Entry& next) const
+{
+    const std::string address = HttpAddress::hostAndPort(next.request.url);
+    const bool isFarAndLong = mEntries.size() >= kSpreadRequests && mConnections.isMultiplexing(address) &&
+                              mConnections.latency(address) >= kSpreadLatency;
+    return isFarAndLong && !mOneByOne && mUnansweredInRow == 0 &&
+           mOpened + 1 < std::min(kSpreadConnections, mConnectionLimit);
+}
+
+/// Other requests may be sent on a connection as soon as it stands.
+void HeaderPrefetch::noteOpened(Entry& entry)
+{
+    if (!entry.isOpening)
+        return;
+    entry.isOpening = false;
+    --mOpening;
+    ++mReady;
+}
+
+void HeaderPrefetch::countConnections()
+{
+    for (const std::size_t index : mRunning) {
+        Entry& entry = mEntries[index];
+        if (entry.isOpening && entry.transfer->isConnectedSecurely())
+            noteOpened(entry);
+    }
 }
 
 std::chrono::microseconds HeaderPrefetch::stallTime(const Entry& entry) const

@@ -13,8 +13,10 @@
 /// account of addresses that do not answer too, so that all of it happens in the order of the calls.
 ///
 /// How many are sent at once depends on how long the address takes to answer. To one that answers at once it
-/// does not pay to open more than one connection. A server that answers no more while connections wait for it
-/// has fewer workers than it has connections: then they are asked again, one after the other.
+/// does not pay to open more than one connection, and one that carries many requests at once (HTTP/2) is
+/// enough for a short list or a server that is not far; else up to eight are opened together. A server that
+/// answers no more while connections wait for it has fewer workers than it has connections: then they are
+/// asked again, one after the other.
 class HeaderPrefetch
 {
 public:
@@ -51,6 +53,8 @@ private:
         /// When it was sent first; the time for an answer counts from here.
         TimePoint startedFirst{};
         bool repeated = false;
+        /// Sent on a connection of its own that does not stand yet.
+        bool isOpening = false;
         HttpAnswer answer;
     };
 
@@ -60,6 +64,9 @@ private:
     void startWaiting();
     void repeatStalled(TimePoint now);
     std::size_t width(const Entry& next) const;
+    bool mayOpen(const Entry& next) const;
+    void noteOpened(Entry& entry);
+    void countConnections();
     std::chrono::microseconds stallTime(const Entry& entry) const;
 
     HttpConnections& mConnections;
@@ -71,6 +78,11 @@ private:
     std::vector<std::size_t> mRunning;
     /// Before this one none is waiting.
     std::size_t mNext = 0;
+    /// Connections that carry many requests at once: those that stand, with the one that was there before,
+    /// those that are being opened, and all that were opened for this list.
+    std::size_t mReady = 1;
+    std::size_t mOpening = 0;
+    std::size_t mOpened = 0;
     std::size_t mUnansweredInRow = 0;
     TimePoint mLastAnswer{};
     bool mOneByOne = false;

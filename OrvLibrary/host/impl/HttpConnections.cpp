@@ -102,24 +102,35 @@ void HttpConnections::setPrefetch(std::unique_ptr<HeaderPrefetch> prefetch)
 
 std::chrono::microseconds HttpConnections::latency(const std::string& address) const
 {
-    const auto found = mLatencies.find(address);
-    if (found == mLatencies.end())
+    const auto found = mExperiences.find(address);
+    if (found == mExperiences.end())
         return std::chrono::microseconds(-1);
-    return *std::min_element(found->second.begin(), found->second.end());
+    const auto& times = found->second.latencies;
+    return *std::min_element(times.begin(), times.end());
 }
 
-void HttpConnections::noteLatency(const HttpTransfer& transfer)
+bool HttpConnections::isMultiplexing(const std::string& address) const
+{
+    const auto found = mExperiences.find(address);
+    return found != mExperiences.end() && found->second.isMultiplexing;
+}
+
+void HttpConnections::noteAnswer(const HttpTransfer& transfer)
 {
     curl_off_t connected = 0;
     curl_off_t sent = 0;
     curl_off_t answered = 0;
+    long version = 0;
     char* url = nullptr;
     curl_easy_getinfo(transfer.handle(), CURLINFO_CONNECT_TIME_T, &connected);
     curl_easy_getinfo(transfer.handle(), CURLINFO_PRETRANSFER_TIME_T, &sent);
     curl_easy_getinfo(transfer.handle(), CURLINFO_STARTTRANSFER_TIME_T, &answered);
     if (curl_easy_getinfo(transfer.handle(), CURLINFO_EFFECTIVE_URL, &url) != CURLE_OK || !url)
         return;
-    auto& times = mLatencies[HttpAddress::hostAndPort(url)];
+    curl_easy_getinfo(transfer.handle(), CURLINFO_HTTP_VERSION, &version);
+    Experience& experience = mExperiences[HttpAddress::hostAndPort(url)];
+    experience.isMultiplexing = version == CURL_HTTP_VERSION_2_0;
+    auto& times = experience.latencies;
     // Over a link that delays what passes, connecting can be quick and the answer late.
     times.emplace_back(std::max(connected, answered - sent));
     if (times.size() > kLatencies)
@@ -136,7 +147,7 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, 
     run(transfer);
     mBusy = false;
     if (transfer.isAnswered())
-        noteLatency(transfer);
+        noteAnswer(transfer);
     release(handle);
     return transfer.answer();
 }

@@ -45,8 +45,10 @@ public:
     /// How long an address takes to answer when nothing else is asked of it: the shortest of the last few
     /// times. Negative when it is not known.
     std::chrono::microseconds latency(const std::string& address) const;
-    /// Notes the time of a transfer that has just been answered.
-    void noteLatency(const HttpTransfer& transfer);
+    /// Whether one connection to the address carries many requests at once; false when it is not known.
+    bool isMultiplexing(const std::string& address) const;
+    /// Notes the time, and the kind of connection, of a transfer that has just been answered.
+    void noteAnswer(const HttpTransfer& transfer);
 
     /// The pieces of `perform`, for those who run several transfers.
     CURL* acquire();
@@ -66,7 +68,13 @@ private:
     std::vector<CURL*> mIdle;
     bool mBusy = false;
     std::unique_ptr<HeaderPrefetch> mPrefetch;
-    std::map<std::string, std::deque<std::chrono::microseconds>> mLatencies;
+    struct Experience
+    {
+        std::deque<std::chrono::microseconds> latencies;
+        bool isMultiplexing = false;
+    };
+    /// Of the last few answers, by "host:port".
+    std::map<std::string, Experience> mExperiences;
 };
 
 /// Keeps a write on a closed TLS connection from ending the process, without touching the host's handlers. To

@@ -49,6 +49,8 @@ void HttpTransfer::setOptions(const HttpRequest& request)
         curl_easy_setopt(mHandle, CURLOPT_PROXY, request.proxy.c_str());
     // Requests at the same time share a connection that can carry them.
     curl_easy_setopt(mHandle, CURLOPT_PIPEWAIT, HttpAddress::scheme(request.url) == "https" ? 1L : 0L);
+    if (request.onNewConnection)
+        curl_easy_setopt(mHandle, CURLOPT_FRESH_CONNECT, 1L);
     if (request.headerOnly) {
         curl_easy_setopt(mHandle, CURLOPT_NOBODY, 1L);
         // A length that is no number is for the caller to read; there is no body to measure with it.
@@ -145,6 +147,12 @@ bool HttpTransfer::heed(HttpBody::Verdict verdict)
         break;
     }
     return true;
+}
+
+bool HttpTransfer::isConnectedSecurely() const
+{
+    curl_off_t time = 0;
+    return curl_easy_getinfo(mHandle, CURLINFO_APPCONNECT_TIME_T, &time) == CURLE_OK && time > 0;
 }
 
 void HttpTransfer::finish(CURLcode result)

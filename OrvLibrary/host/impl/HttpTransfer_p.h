@@ -18,6 +18,8 @@ struct HttpRequest
     std::string url;
     std::vector<std::string> headerLines;
     bool headerOnly = false;
+    /// Opens a connection of its own, whether or not there is one that could carry it.
+    bool onNewConnection = false;
     /// Proxy address; empty for what the environment says.
     std::string proxy;
 };
@@ -59,6 +61,8 @@ public:
     bool finished() const { return mFinished; }
     /// Whether the server said anything in HTTP yet.
     bool isAnswered() const { return mHeaderBytes > 0; }
+    /// Whether its protected connection stands.
+    bool isConnectedSecurely() const;
 
     /// @throws what the body threw while the transfer ran
     HttpAnswer answer() const;
