@@ -1,5 +1,6 @@
 """Every document can be reached, its links lead somewhere, and its code blocks are true: C++ and CMake are part of what is
 built, commands run as a reader would run them, examples of files are what the programs read and write."""
+import fnmatch
 import glob
 import json
 import os
@@ -156,7 +157,7 @@ class Commands(unittest.TestCase):
 
 
 class Formats(unittest.TestCase):
-    """The examples on the pages of the file formats. (Those in JSON are compared by the tests of their rooms.)"""
+    """The examples on the pages of the file formats."""
 
     def setUp(self):
         self.work = tempfile.mkdtemp(prefix="orv-docs-")
@@ -178,11 +179,14 @@ class Formats(unittest.TestCase):
         self.assertEqual(result.returncode, status, result.stdout + result.stderr)
         return json.loads(result.stdout)
 
-    def update_against(self, content):
+    def update_against(self, content, *options):
         server = subprocess.Popen([PROGRAM, "serve", content], text=True, stdout=subprocess.PIPE)
         try:
             redirect = json.loads(server.stdout.readline())["redirect"]
-            return self.program("update", "--url", redirect, "--product", "P", "--product-version", "1")
+            result = subprocess.run([PROGRAM, "--json", "--progress", "none", "--root", self.root, "update", "--url",
+                                     redirect, "--product", "P", "--product-version", "1", *options],
+                                    text=True, timeout=60, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+            return json.loads(result.stdout)
         finally:
             server.send_signal(signal.SIGTERM)
             server.wait(20)
@@ -190,8 +194,70 @@ class Formats(unittest.TestCase):
 
     def test_pages_with_examples(self):
         found = {name for path in glob.glob(os.path.join(SOURCE, "docs", "formats", "*.md"))
-                 for name in [os.path.basename(path)[:-3]] if self.examples(name) + self.examples(name, "sql")}
-        self.assertEqual(found, {"catalog-database", "catalog_hash", "content-index", "errors-log"})
+                 for name in [os.path.basename(path)[:-3]] if Page(SOURCE, f"docs/formats/{name}.md").blocks()}
+        by_their_rooms = {"catalog_filters", "manufacturer_data"}
+        self.assertEqual(found - by_their_rooms, {
+            "browser-settings", "catalog-database", "catalog_hash", "content-index", "errors-log", "preferences",
+            "service-maps", "update-history"})
+
+    def test_every_file_has_a_page(self):
+        """Whatever the programs leave behind in a root and in a service is named in the index."""
+        content = os.path.join(self.work, "content")
+        subprocess.run([PROGRAM, "sample", content], check=True, capture_output=True)
+        self.program("publish", content, os.path.join(self.work, "service"))
+        self.update_against(content)
+        self.program("filters", "add", "Kitchen", "a")
+        self.program("import", os.path.join(content, "content", "Garden Party.orvlibz"))
+        self.program("log", "show")
+        self.update_against(self.work)  # where there is nothing to fetch: leaves an error log
+        index = read(os.path.join(SOURCE, "docs", "README.md"))
+        patterns = re.findall(r"`([*\w.-]+\.\w+)`", index)
+        found = set()
+        for top in ("root", "service/catalog.d"):
+            for folder, folders, names in os.walk(os.path.join(self.work, top)):
+                folders[:] = [name for name in folders if name != "temp"]
+                for name in names:
+                    found.add(name)
+                    self.assertTrue(any(fnmatch.fnmatch(name, pattern) for pattern in patterns), (folder, name))
+        self.assertLessEqual({"errors.log", "catalog_filters.json", "catalog_hash.txt", "names.map",
+                              "update-history.json"}, found)
+
+    def test_preferences(self):
+        [text] = self.examples("preferences", "json")
+        self.write("root/preferences.json", text)
+        content = os.path.join(self.work, "content")
+        subprocess.run([PROGRAM, "sample", content], check=True, capture_output=True)
+        self.assertEqual(self.update_against(content)["updatedCatalogs"], [])  # 273: without the core
+        self.assertGreater(len(self.update_against(content, "--core-only")["updatedCatalogs"]), 10)
+        self.assertEqual(read(os.path.join(self.root, "preferences.json")), text)
+
+    def test_update_history(self):
+        [text] = self.examples("update-history", "json")
+        self.write("root/update-history.json", text)
+        document = self.program("status")
+        self.assertEqual(document["lastGoodCheck"], "2026-11-20T17:30:00Z")
+        self.assertEqual([warning["catalog"] for warning in document["warnings"]], ["Doors.orvlib"])
+        content = os.path.join(self.work, "content")
+        subprocess.run([PROGRAM, "sample", content], check=True, capture_output=True)
+        self.update_against(content)
+        with open(os.path.join(self.root, "update-history.json")) as stream:
+            written = json.load(stream)
+        described = json.loads(text)
+        self.assertEqual(set(written), set(described))
+        self.assertEqual(set(written["answers"]["Doors.orvlib"]), set(described["answers"]["Doors.orvlib"]))
+
+    def test_browser_settings(self):
+        [text] = self.examples("browser-settings", "json")
+        source = read(os.path.join(SOURCE, "apps", "orv-browser", "BrowserSettings.cpp"))
+        self.assertEqual(set(json.loads(text)), set(re.findall(r'document\["(\w+)"\]', source)))
+
+    def test_service_maps(self):
+        [text] = self.examples("service-maps")
+        for name in ("Doors.orvlib", 'Türen "alt".orvlib', "default"):
+            self.write("content/content/" + name, name * 200)
+        self.program("publish", os.path.join(self.work, "content"), os.path.join(self.work, "service"))
+        form = re.sub("[0-9a-f]{40}", "[0-9a-f]{40}", re.sub(r'[\\"]', r"\\\g<0>", text).replace(".orvlib", r"\.orvlib"))
+        self.assertRegex(read(os.path.join(self.work, "service", "catalog.d", "names.map")), rf"\A{form}\Z")
 
     def test_errors_log(self):
         [text] = self.examples("errors-log")
