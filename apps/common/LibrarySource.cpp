@@ -7,7 +7,6 @@
 
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/FileUtils.h"
-#include "OrvLibrary/host/StringUtils.h"
 
 namespace {
 
@@ -28,6 +27,22 @@ std::string askedLibrary(const std::string& query)
     return {};
 }
 
+/// The address with every byte beyond ASCII escaped: a typed address is UTF-8, as are the names of web
+/// servers, while the download service would take its text for Windows-1252.
+std::string wireAddress(const std::string& address)
+{
+    constexpr char kDigits[] = "0123456789ABCDEF";
+    std::string wire;
+    for (const char c : address) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte < 0x80)
+            wire += c;
+        else
+            wire.append({'%', kDigits[byte >> 4], kDigits[byte & 0xF]});
+    }
+    return wire;
+}
+
 } // namespace
 
 UnpackedFiles::UnpackedFiles(LibraryImport::UnpackResult result)
@@ -36,9 +51,7 @@ UnpackedFiles::UnpackedFiles(LibraryImport::UnpackResult result)
 }
 
 LibrarySource::LibrarySource(const std::string& text)
-    : mText(text),
-      mUrl(StringUtils::toWin1252(mText.unicodeString())),
-      mIsAddress(Curl::get().downloadable(mUrl))
+    : mText(text), mUrl(wireAddress(text)), mIsAddress(Curl::get().downloadable(mUrl))
 {
 }
 

@@ -133,6 +133,24 @@ TEST_F(UnpackCommand, addressIsDownloadedAndNamedAfterWhatItAsksFor)
     EXPECT_EQ(test::listTree(path("out")).size(), 8U);
 }
 
+TEST_F(UnpackCommand, addressIsAskedForInUtf8)
+{
+    FaultServer server;
+    std::string asked;
+    server.otherwise([&](const test::FaultRequest& request) {
+        asked = request.target;
+        return FaultReply::ok(mKitchen.bytes());
+    });
+    const ProgramResult result = unpack(server.url("/K\xC3\xBC"
+                                                   "che 1.orvlibz"),
+                                        {"--output-dir", path("out")});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(asked, "/K%C3%BCche%201.orvlibz");
+    EXPECT_EQ(test::readFile(path("out/K\xC3\xBC"
+                                  "che 1.orvlib")),
+              "the database");
+}
+
 TEST_F(UnpackCommand, badAnswersFailWithTheAddressAndTheReason)
 {
     FaultServer server;
