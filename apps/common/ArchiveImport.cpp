@@ -2,6 +2,7 @@
 
 #include <stdexcept>
 
+#include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "apps/common/LibrarySource.h"
@@ -27,14 +28,25 @@ fileString placeTextures(const LibraryImport::FoundFile& referenced, const fileS
     return textures;
 }
 
+/// A copy of the library, in place of whatever former one was kept, be it read-only as its original was.
+void keepFormer(const fileString& library)
+{
+    const fileString backup = library + fileString(".bak");
+    fileString copy;
+    copy.generateAsTempName(".bak");
+    const FileReaper guard(copy);
+    if (!FileUtils::copyFile(library, copy, true))
+        throw std::runtime_error(backup.toNativeString() + ": the former library cannot be kept there");
+    moveOver(copy, backup);
+}
+
 /// The former library is copied aside first, so that the name always stands for a whole library.
 fileString placeDatabase(const LibraryImport::FoundFile& database, const fileString& library)
 {
     if (!database.first)
         return {};
-    const fileString backup = library + fileString(".bak");
-    if (library.pathExists() && !FileUtils::copyFile(library, backup, true))
-        throw std::runtime_error(backup.toNativeString() + ": the former library cannot be kept there");
+    if (library.pathExists())
+        keepFormer(library);
     FileUtils::setFilePermission(database.second);
     moveOver(database.second, library);
     return library;

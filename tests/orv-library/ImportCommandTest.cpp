@@ -81,6 +81,29 @@ TEST_F(ImportCommand, formerLibraryIsKeptAndTexturesAreMerged)
     EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib.bak")), "the second database");
 }
 
+TEST_F(ImportCommand, readOnlyLibraryIsKeptAndReplacedEachTime)
+{
+    const std::string archive = writeKitchen();
+    for (int i = 0; i < 3; ++i) {
+        const ProgramResult result = mProgram.run({"import", archive});
+        EXPECT_EQ(result.status, 0) << result.err;
+        fs::permissions(rootPath("user/Kitchen.orvlib"), fs::perms::owner_read);
+    }
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib.bak")), "the database");
+    EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
+}
+
+TEST_F(ImportCommand, formerLibraryThatCannotBeKeptStays)
+{
+    mProgram.folder().write("root/user/Kitchen.orvlib", "former");
+    fs::create_directory(rootPath("user/Kitchen.orvlib.bak"));
+    const ProgramResult result = mProgram.run({"import", writeKitchen()});
+    EXPECT_EQ(result.status, 1);
+    EXPECT_THAT(result.err, testing::HasSubstr(rootPath("user/Kitchen.orvlib.bak") + ": is a folder"));
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "former");
+    EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
+}
+
 TEST_F(ImportCommand, badSourcesChangeNothing)
 {
     mProgram.run({"import", writeKitchen()});
