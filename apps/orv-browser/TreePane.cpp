@@ -27,8 +27,8 @@ TreePane::TreePane(QWidget* parent)
     connect(mTree->selectionModel(), &QItemSelectionModel::currentChanged, this, &TreePane::chooseCurrent);
 }
 
-/// The view goes first: the model's rows leave one by one, and each would choose another item in a pane that is
-/// half gone.
+/// The view goes first: the model's rows leave one by one, and each would choose another item in a pane that
+/// is half gone.
 TreePane::~TreePane()
 {
     delete mTree;
