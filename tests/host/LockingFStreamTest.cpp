@@ -1,59 +1,22 @@
-#include "OrvLibrary/host/LockingFStream.h"
-
-#include <algorithm>
+// Reading, writing and opening: what arrives at the target, when, and what is refused.
 #include <cerrno>
-#include <chrono>
-#include <csignal>
 #include <filesystem>
-#include <iterator>
 #include <locale>
-#include <thread>
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "OrvLibrary/host/FileUtils.h"
-#include "OrvLibrary/host/impl/ReplacementFile_p.h"
+#include "tests/host/LockingFStreamFixture.h"
 #include "tests/support/ChildProcess.h"
-#include "tests/support/TempFolder.h"
 
 namespace {
 
-using Names = std::vector<std::string>;
-constexpr auto kRead = std::ios_base::in;
-constexpr auto kWrite = std::ios_base::out | std::ios_base::trunc;
-constexpr auto kAppend = std::ios_base::out | std::ios_base::app;
+using test::kAppend;
+using test::kRead;
+using test::kWrite;
+using test::Names;
 
-class LockingFStreamTest : public testing::Test
-{
-protected:
-    Names list() const { return test::listTree(mFolder.path()); }
-
-    static bool opens(const fileString& path, std::ios_base::openmode mode)
-    {
-        const LockingFStream stream(path, mode);
-        EXPECT_EQ(stream.is_open(), !stream.fail());
-        return stream.is_open();
-    }
-
-    static std::string readAll(const fileString& path)
-    {
-        LockingFStream in(path, kRead);
-        EXPECT_TRUE(in.is_open());
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
-
-    static void writeAll(const fileString& path, const std::string& content)
-    {
-        LockingFStream out(path, kWrite);
-        out << content;
-        out.close();
-        EXPECT_TRUE(out.good());
-    }
-
-    test::TempFolder mFolder;
-};
+using LockingFStreamTest = test::LockingFStreamFixture;
 
 TEST_F(LockingFStreamTest, readsWhatAnotherWrote)
 {
@@ -299,197 +262,6 @@ TEST_F(LockingFStreamTest, appendingWritesInPlace)
     }
     EXPECT_EQ(test::readFile(file), "one\ntwo\n");
     EXPECT_EQ(list(), Names{"log"});
-}
-
-TEST_F(LockingFStreamTest, aKillInTheMiddleLeavesTheOldContentAndTheNextWriterCleansUp)
-{
-    const fileString file = mFolder.write("data", "old");
-    const fileString fresh = mFolder.file("fresh");
-    const auto end = test::runInChild([&] {
-        LockingFStream out(file, kWrite);
-        LockingFStream freshOut(fresh, kWrite);
-        out << "half" << std::flush;
-        freshOut << "half" << std::flush;
-        raise(SIGKILL);
-        return 0;
-    });
-    ASSERT_EQ(end.signal, SIGKILL);
-    EXPECT_EQ(test::readFile(file), "old");
-    EXPECT_FALSE(fresh.pathExists());
-    EXPECT_EQ(list().size(), 3u) << "the two files beside are left";
-    writeAll(file, "new");
-    writeAll(fresh, "new");
-    EXPECT_EQ(list(), (Names{"data", "fresh"}));
-}
-
-class LockingFStreamFullDisk : public LockingFStreamTest
-{
-protected:
-    /// Runs on a disk of 64 KiB where `disk/data` holds "old", and expects it to stay so.
-    void expectOldContentAfter(const std::function<bool(const fileString&)>& work)
-    {
-        const std::string disk = mFolder.path() + "/disk";
-        std::filesystem::create_directory(disk);
-        std::string reason;
-        const auto end = test::runOnSmallDisk(
-            disk, 64,
-            [&] {
-                const fileString file = mFolder.write("disk/data", "old");
-                if (!work(file))
-                    return 1;
-                return test::readFile(file) == "old" && test::listTree(disk) == Names{"data"} ? 0 : 2;
-            },
-            reason);
-        if (!end)
-            GTEST_SKIP() << reason;
-        EXPECT_EQ(end->status, 0);
-    }
-};
-
-TEST_F(LockingFStreamFullDisk, leavesTheOldContent)
-{
-    expectOldContentAfter([](const fileString& file) {
-        LockingFStream out(file, kWrite);
-        for (int i = 0; i < 1024; ++i)
-            out << std::string(1000, 'x') << '\n';
-        errno = 0;
-        out.close();
-        return out.fail() && errno == ENOSPC;
-    });
-}
-
-TEST_F(LockingFStreamFullDisk, isFoundAtTheLastByteToo)
-{
-    expectOldContentAfter([](const fileString& file) {
-        LockingFStream out(file, kWrite);
-        for (int i = 0; i < 63 * 1024; ++i)
-            out.put('x'); // fits into the stream's buffer, but not onto the disk
-        const bool wasGood = out.good();
-        out.close();
-        return wasGood && out.fail();
-    });
-}
-
-TEST_F(LockingFStreamFullDisk, isFoundByTheStreamEvenWhereItWasWrittenPastIt)
-{
-    expectOldContentAfter([](const fileString& file) {
-        LockingFStream out(file, kWrite);
-        const std::string content(1024 * 1024, 'x');
-        std::copy(content.begin(), content.end(), std::ostreambuf_iterator<char>(out));
-        const bool didNotNotice = out.good();
-        out.close();
-        return didNotNotice && out.fail();
-    });
-}
-
-TEST_F(LockingFStreamTest, readersShareTheLock)
-{
-    const fileString file = mFolder.write("data", "x");
-    EXPECT_TRUE(opens(file, kRead));
-    const LockingFStream first(file, kRead);
-    EXPECT_TRUE(opens(file, kRead));
-}
-
-/// Opens while somebody else holds the lock, and says how long that took; 0 seconds when it opened.
-double refusedAfter(const fileString& file, std::ios_base::openmode mode)
-{
-    const auto start = std::chrono::steady_clock::now();
-    const LockingFStream stream(file, mode);
-    const std::chrono::duration<double> passed = std::chrono::steady_clock::now() - start;
-    return stream.is_open() ? 0 : passed.count();
-}
-
-TEST_F(LockingFStreamTest, aLockThatOthersHoldIsWaitedForFiveSecondsAtMost)
-{
-    const fileString read = mFolder.write("read", "x");
-    const fileString written = mFolder.write("written", "x");
-    const fileString fresh = mFolder.file("fresh");
-    const fileString elsewhere = mFolder.write("elsewhere", "x");
-    const LockingFStream reader(read, kRead);
-    const LockingFStream writer(written, kWrite);
-    const LockingFStream freshWriter(fresh, kWrite);
-    const test::WaitingChild child([&] { new LockingFStream(elsewhere, kWrite); });
-
-    const std::pair<fileString, std::ios_base::openmode> cases[] = {
-        {read, kWrite},     {read, kAppend}, {written, kRead},   {written, kWrite},
-        {written, kAppend}, {fresh, kWrite}, {elsewhere, kRead}, {elsewhere, kWrite}};
-    std::vector<double> seconds(std::size(cases));
-    std::vector<std::thread> threads;
-    for (std::size_t i = 0; i < std::size(cases); ++i)
-        threads.emplace_back([&, i] { seconds[i] = refusedAfter(cases[i].first, cases[i].second); });
-    for (std::thread& thread : threads)
-        thread.join();
-    for (std::size_t i = 0; i < std::size(cases); ++i) {
-        EXPECT_GE(seconds[i], 5.0) << i;
-        EXPECT_LT(seconds[i], 10.0) << i;
-    }
-}
-
-TEST_F(LockingFStreamTest, aWriterThatWaitedLocksTheFileThatReplacedTheOldOne)
-{
-    const fileString file = mFolder.write("data", "old");
-    auto first = std::make_unique<LockingFStream>(file, kWrite);
-    *first << "first";
-    std::unique_ptr<LockingFStream> second;
-    std::thread thread([&] { second = std::make_unique<LockingFStream>(file, kWrite); });
-    first->close();
-    thread.join();
-    ASSERT_TRUE(second->is_open());
-    EXPECT_EQ(test::readFile(file), "first");
-    EXPECT_TRUE(FileUtils::isPathWriteLocked(file)) << "the new file is locked, not the one that is gone";
-    *second << "second";
-    second->close();
-    EXPECT_EQ(test::readFile(file), "second");
-    EXPECT_EQ(list(), Names{"data"});
-}
-
-TEST_F(LockingFStreamTest, readersSeeWholeContentsWhileWritersReplaceThem)
-{
-    constexpr int kRounds = 60;
-    const fileString file = mFolder.file("data");
-    writeAll(file, std::string(50000, 'a'));
-    std::vector<std::thread> threads;
-    for (const char letter : {'b', 'c'})
-        threads.emplace_back([&, letter] {
-            for (int i = 0; i < kRounds; ++i)
-                writeAll(file, std::string(static_cast<std::size_t>(50000 + i), letter));
-        });
-    for (int reader = 0; reader < 2; ++reader)
-        threads.emplace_back([&] {
-            for (int i = 0; i < kRounds; ++i) {
-                const std::string content = readAll(file);
-                EXPECT_GE(content.size(), 50000u);
-                EXPECT_EQ(content.find_first_not_of(content.front()), std::string::npos);
-            }
-        });
-    for (std::thread& thread : threads)
-        thread.join();
-    EXPECT_EQ(list(), Names{"data"});
-}
-
-TEST_F(LockingFStreamTest, twoWritersOfANewFileBothSucceedOneAfterTheOther)
-{
-    for (int round = 0; round < 50; ++round) {
-        const fileString file = mFolder.file("data" + std::to_string(round));
-        std::thread thread([&] { writeAll(file, "same length"); });
-        writeAll(file, "SAME LENGTH");
-        thread.join();
-        const std::string content = test::readFile(file);
-        EXPECT_TRUE(content == "same length" || content == "SAME LENGTH") << content;
-    }
-    EXPECT_EQ(list().size(), 50u);
-}
-
-TEST(ReplacementFile, theNameBesideFitsAndBelongsToItsTargetAlone)
-{
-    const std::string longName(254, 'n');
-    const std::string first = host::ReplacementFile::besideName("/folder/" + longName + "1");
-    const std::string second = host::ReplacementFile::besideName("/folder/" + longName + "2");
-    EXPECT_NE(first, second);
-    EXPECT_EQ(fileString(first).parentPath(), fileString("/folder"));
-    EXPECT_LE(fileString(first).stemWithExtension().toNativeString().size(), 255u);
-    EXPECT_EQ(fileString(first).extension(), fileString(".orv-new"));
-    EXPECT_EQ(host::ReplacementFile::besideName("data").find('/'), std::string::npos);
 }
 
 } // namespace
