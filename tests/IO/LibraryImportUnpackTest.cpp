@@ -8,15 +8,14 @@
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/IO/LibraryImport_p.h"
-#include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
-#include "OrvLibrary/host/StringTable.h"
 #include "OrvLibrary/host/impl/ZipMember_p.h"
 #include "tests/support/ArchiveBuilder.h"
 #include "tests/support/ArchiveReader.h"
 #include "tests/support/RecordingProgress.h"
 #include "tests/support/ScopedHost.h"
+#include "tests/support/StubServices.h"
 
 namespace fs = std::filesystem;
 using LibraryImport::FoundFile;
@@ -47,53 +46,18 @@ protected:
 };
 
 /// A download service whose answers the test decides.
-class FakeCurl : public Curl
+class FakeCurl : public test::DeadCurl
 {
 public:
-    FakeCurl() : mFormer(Curl::install(this)) {}
-    ~FakeCurl() override { Curl::install(mFormer); }
-
     bool downloadable(const std::string& url) override
     {
         asked = url;
         return url.rfind("http://", 0) == 0;
     }
     fileString download(const std::string&) override { return answer; }
-    bool download_to_location(const std::string&, const fileString&, std::string&) override { return false; }
-    bool download_to_location(const std::string&, const fileString&, const std::vector<std::string>&, void*,
-                              ProgressFunction, std::string&, int&) override
-    {
-        return false;
-    }
-    bool getURLHeader(const std::string&, const std::vector<std::string>&, std::string&,
-                      std::int64_t&) override
-    {
-        return false;
-    }
-    bool browseURL(const std::string&, const std::vector<std::string>&, std::string&, bool, int) override
-    {
-        return false;
-    }
 
     std::string asked;
     fileString answer;
-
-private:
-    Curl* mFormer;
-};
-
-/// Answers every number with one text.
-class OneText : public StringTable
-{
-public:
-    explicit OneText(std::string text) : mText(std::move(text)), mFormer(StringTable::install(this)) {}
-    ~OneText() override { StringTable::install(mFormer); }
-    std::string text(std::uint32_t) const override { return mText; }
-    std::string translation(const std::string& key) const override { return key; }
-
-private:
-    std::string mText;
-    StringTable* mFormer;
 };
 
 } // namespace
@@ -224,7 +188,7 @@ TEST_F(LibraryImportUnpackTest, progressHasTheTotalInBytesAndOneStepPerMember)
 
 TEST_F(LibraryImportUnpackTest, labelIsTheTranslatedTextAroundTheName)
 {
-    const OneText german("%1% wird ausgepackt");
+    const test::OneText german("%1% wird ausgepackt");
     LibraryImport::updateProgressDialog(mProgress, "50%1.jpg");
     LibraryImport::updateProgressDialog(nullptr, "nobody looks");
     EXPECT_THAT(mProgress->calls(), ElementsAre("step 50%1.jpg wird ausgepackt | "));
@@ -233,7 +197,7 @@ TEST_F(LibraryImportUnpackTest, labelIsTheTranslatedTextAroundTheName)
 TEST_F(LibraryImportUnpackTest, brokenTranslationShowsItsRawText)
 {
     for (const char* text : {"%1", "no place", "%1% %2%"}) {
-        const OneText broken(text);
+        const test::OneText broken(text);
         const auto progress = std::make_shared<test::RecordingProgress>();
         LibraryImport::updateProgressDialog(progress, "a");
         EXPECT_THAT(progress->calls(), ElementsAre("step " + std::string(text) + " | "));

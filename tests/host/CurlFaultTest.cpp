@@ -18,16 +18,6 @@ class CurlFaultTest : public CurlFixture
 {
 protected:
     CurlFaultTest() : CurlFixture(shortLimits()) {}
-
-    /// How long `work` takes.
-    template <class Work>
-    static std::chrono::milliseconds timeOf(Work work)
-    {
-        const auto start = std::chrono::steady_clock::now();
-        work();
-        return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
-                                                                     start);
-    }
 };
 
 } // namespace

@@ -49,6 +49,15 @@ public:
     {
         return curl.browseURL(url, {}, body, followRedirects, 0);
     }
+    /// How long `work` takes.
+    template <class Work>
+    static std::chrono::milliseconds timeOf(Work work)
+    {
+        const auto start = std::chrono::steady_clock::now();
+        work();
+        return std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() -
+                                                                     start);
+    }
     std::vector<std::string> files() const { return listTree(folder.path()); }
 
     TempFolder folder;

@@ -8,9 +8,9 @@
 
 #include <gmock/gmock.h>
 
-#include "OrvLibrary/host/StringTable.h"
 #include "OrvLibrary/host/impl/DefaultMessagingSystem_p.h"
 #include "tests/support/RecordingServices.h"
+#include "tests/support/StubServices.h"
 
 using error::MessagingSystem;
 
@@ -48,20 +48,6 @@ private:
     QtMessageHandler mFormer;
 };
 
-class FixedText : public StringTable
-{
-public:
-    explicit FixedText(const std::string& text) : mText(text), mFormer(install(this)) {}
-    ~FixedText() override { install(mFormer); }
-
-    std::string text(std::uint32_t) const override { return mText; }
-    std::string translation(const std::string& key) const override { return key; }
-
-private:
-    std::string mText;
-    StringTable* mFormer;
-};
-
 } // namespace
 
 TEST(MessagingSystem, fillsTheArgumentsIn)
@@ -85,23 +71,23 @@ TEST(MessagingSystem, anUnknownNumberShowsTheArgumentsAlone)
 
 TEST(MessagingSystem, usesUpToThreeArgumentsInAnyOrder)
 {
-    const FixedText table("%3%-%1%-%2%");
+    const test::OneText table("%3%-%1%-%2%");
     EXPECT_EQ(MessagingSystem::messageText(5, "a", "b", "c"), "c-a-b");
 }
 
 TEST(MessagingSystem, aBrokenTranslationShowsItsRawText)
 {
     for (const char* const broken : {"100%", "%", "%1", "%0%", "a %1% b %"}) {
-        const FixedText table(broken);
+        const test::OneText table(broken);
         EXPECT_NO_THROW(MessagingSystem::messageText(5, "a", "", "")) << broken;
     }
-    const FixedText table("100%");
+    const test::OneText table("100%");
     EXPECT_EQ(MessagingSystem::messageText(5, "a", "", ""), "100%");
 }
 
 TEST(MessagingSystem, aMissingArgumentIsEmpty)
 {
-    const FixedText table("%1%%2%%3%%4%.");
+    const test::OneText table("%1%%2%%3%%4%.");
     EXPECT_EQ(MessagingSystem::messageText(5, "a", "b", "c"), "abc.");
 }
 

@@ -3,8 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/impl/HttpHeaderBlock_p.h"
+#include "tests/support/StubServices.h"
 
 using testing::ElementsAre;
 
@@ -72,33 +72,13 @@ TEST(WebUtils, foldedValueIsOneValue)
 
 TEST(WebUtils, finalAddressIsAskedOfTheInstalledService)
 {
-    struct Service : Curl
+    struct Service : test::DeadCurl
     {
-        bool downloadable(const std::string&) override { return false; }
-        fileString download(const std::string&) override { return {}; }
-        bool download_to_location(const std::string&, const fileString&, std::string&) override
-        {
-            return false;
-        }
-        bool download_to_location(const std::string&, const fileString&, const std::vector<std::string>&,
-                                  void*, ProgressFunction, std::string&, int&) override
-        {
-            return false;
-        }
-        bool getURLHeader(const std::string&, const std::vector<std::string>&, std::string&,
-                          std::int64_t&) override
-        {
-            return false;
-        }
-        bool browseURL(const std::string&, const std::vector<std::string>&, std::string&, bool, int) override
-        {
-            return false;
-        }
         std::string urlAfterRedirects(const std::string& url) override { return url + "!"; }
     } service;
-    EXPECT_EQ(Curl::install(&service), nullptr);
     EXPECT_EQ(WebUtils::getUrlAfterRedirects("http://h/"), "http://h/!");
     EXPECT_EQ(Curl::install(nullptr), &service);
+    EXPECT_EQ(Curl::install(&service), nullptr);
 }
 
 TEST(HttpHeaderBlock, onlyTheFinalBlockRemains)
