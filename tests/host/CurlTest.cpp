@@ -332,4 +332,13 @@ TEST_F(CurlTest, exceptionOfAProgressFunctionEndsTheTransfer)
     EXPECT_TRUE(fetch(server.url("/a")));
 }
 
+TEST_F(CurlTest, whateverAProgressFunctionThrowsEndsTheTransfer)
+{
+    server.on("/a", FaultReply::ok("a"));
+    const auto throwing = [](void*, double, double, double, double) -> int { throw 1; };
+    EXPECT_FALSE(fetch(server.url("/a"), {}, throwing));
+    EXPECT_EQ(reason, "Callback aborted");
+    EXPECT_EQ(errorNumber, Curl::kAbortedByCallback);
+}
+
 } // namespace test
