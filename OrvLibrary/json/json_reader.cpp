@@ -87,24 +87,28 @@ const char* readEscape(const char* at, const char* last, std::string& text)
     }
 }
 
+/// Where the next quote or backslash stands; `last` when there is none.
+const char* endOfRun(const char* at, const char* last)
+{
+    while (at != last && *at != '"' && *at != '\\')
+        ++at;
+    return at;
+}
+
 /// Reads a string from behind its opening quote, in one pass: runs are copied, escapes are resolved.
 /// @return behind the closing quote; null when the string is not one
 const char* readString(const char* at, const char* last, std::string& text)
 {
-    text.clear();
-    for (;;) {
-        const char* const run = at;
-        while (at != last && *at != '"' && *at != '\\')
-            ++at;
-        text.append(run, at);
-        if (at == last)
-            return nullptr;
-        if (*at++ == '"')
-            return at;
-        at = readEscape(at, last, text);
+    const char* end = endOfRun(at, last);
+    text = std::string(at, end); // made anew, because a text that grows takes room to grow further
+    while (end != last && *end == '\\') {
+        at = readEscape(end + 1, last, text);
         if (!at)
             return nullptr;
+        end = endOfRun(at, last);
+        text.append(at, end);
     }
+    return end == last ? nullptr : end + 1;
 }
 
 /// A string; its text goes to the builder.

@@ -1,0 +1,322 @@
+// JSON texts of 100 KB and 10 MB into the tree, against two other readers and against building the same tree
+// without a text; look-ups among 100,000 manufacturers; merging 10,000 filters into 10,000. Run it with
+// --benchmark_enable_random_interleaving=true --benchmark_repetitions=5.
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <memory>
+#include <random>
+#include <sstream>
+#include <string>
+
+#include <malloc.h>
+#include <unistd.h>
+
+#include <benchmark/benchmark.h>
+#include <boost/property_tree/json_parser.hpp>
+#include <boost/property_tree/ptree.hpp>
+#include <nlohmann/json.hpp>
+
+#include "OrvLibrary/LibraryFilterManager.h"
+#include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/TimeUtils.h"
+#include "OrvLibrary/json/json_reader.h"
+#include "OrvLibrary/json/json_writer.h"
+
+namespace {
+
+using Node = json::grammar<char>::variant;
+
+json_writer::Object record(long id, std::mt19937& random)
+{
+    const auto text = [&random](const char* start, unsigned most) {
+        std::string made = start;
+        for (unsigned length = random() % (most + 1); length > 0; --length)
+            made += static_cast<char>('a' + random() % 26);
+        return made;
+    };
+    json_writer::Object object;
+    object.add_element<long>("Id", id);
+    object.add_element("Last_Modified", std::string("20261121T033512.250000"));
+    object.add_element("Name", text("Möbelwerk ", 20));
+    object.add_element("Url", text("https://www.", 20) + ".example/products?\"a\"");
+    object.add_element("Phone", std::string(random() % 2 ? "default" : "+49 555 0100"));
+    object.add_element("Fax", std::string("default"));
+    object.add_element("Email", text("info@", 20) + ".example");
+    object.add_element("Logo", text("logos/", 12) + ".png");
+    object.add_element<bool>("Lock", random() % 8 == 0);
+    object.add_element<bool>("Deleted", false);
+    return object;
+}
+
+/// Manufacturer records of about so many bytes in all. They stand in an array: of repeated keys one of the
+/// other readers keeps the last one only.
+std::string recordsText(std::int64_t size)
+{
+    std::mt19937 random(1);
+    json_writer::Array records;
+    for (long id = 0; id < size / 430; ++id)
+        records.add_element(record(id, random));
+    json_writer::Object root;
+    root.add_element("Last_Modified", std::string("20261121T033512.250000"));
+    root.add_element("Manufacturers", records);
+    return json_writer::toText(root);
+}
+
+Node parse(const std::string& text)
+{
+    return json::parse(text.begin(), text.end());
+}
+
+/// The tree once more, node by node: what it costs with no text to be read.
+Node clone(const boost::any& value)
+{
+    if (const auto* members = boost::any_cast<json::object>(&value)) {
+        auto node = std::make_shared<boost::any>(json::object());
+        auto& copy = *boost::any_cast<json::object>(node.get());
+        for (const auto& [key, member] : *members)
+            copy.emplace_hint(copy.end(), key, clone(*member));
+        return node;
+    }
+    if (const auto* elements = boost::any_cast<json::array>(&value)) {
+        auto node = std::make_shared<boost::any>(json::array());
+        auto& copy = *boost::any_cast<json::array>(node.get());
+        for (const auto& element : *elements)
+            copy.push_back(clone(*element));
+        return node;
+    }
+    return std::make_shared<boost::any>(value);
+}
+
+std::unique_ptr<boost::property_tree::ptree> readPropertyTree(const std::string& text)
+{
+    std::istringstream stream(text);
+    auto tree = std::make_unique<boost::property_tree::ptree>();
+    boost::property_tree::read_json(stream, *tree);
+    return tree;
+}
+
+std::unique_ptr<nlohmann::json> readNlohmann(const std::string& text)
+{
+    return std::make_unique<nlohmann::json>(nlohmann::json::parse(text));
+}
+
+using Clock = std::chrono::steady_clock;
+
+/// The seconds that `work` takes; its result is let go of afterwards.
+template <class Work>
+double secondsOf(const Work& work)
+{
+    const auto start = Clock::now();
+    const auto result = work();
+    return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+/// Reads once and prints the seconds. The process is a new one, as that of a host which reads its files when
+/// it starts: what former readings left of the heap would be most of the time otherwise.
+int readOnce(const std::string& reader, const std::string& path)
+{
+    std::ifstream stream(path, std::ios::binary);
+    const std::string text{std::istreambuf_iterator<char>(stream), {}};
+    double seconds = 0;
+    if (reader == "ours")
+        seconds = secondsOf([&text] { return parse(text); });
+    else if (reader == "propertyTree")
+        seconds = secondsOf([&text] { return readPropertyTree(text); });
+    else if (reader == "nlohmann")
+        seconds = secondsOf([&text] { return readNlohmann(text); });
+    else if (reader == "memory") {
+        const std::size_t before = mallinfo2().uordblks;
+        const Node tree = parse(text);
+        seconds = static_cast<double>(mallinfo2().uordblks - before) / static_cast<double>(text.size());
+    }
+    std::printf("%.9f\n", seconds);
+    return 0;
+}
+
+double runOnce(const std::string& reader, const std::string& path)
+{
+    const std::string command =
+        "/proc/" + std::to_string(getpid()) + "/exe --read " + reader + " '" + path + "'";
+    FILE* const pipe = popen(command.c_str(), "r");
+    double value = 0;
+    if (!pipe || std::fscanf(pipe, "%lf", &value) != 1)
+        std::abort();
+    pclose(pipe);
+    return value;
+}
+
+void readInNewProcess(benchmark::State& state, const std::string& reader)
+{
+    const std::string text = recordsText(state.range(0));
+    const auto path = std::filesystem::temp_directory_path() / "orv-json-bench.json";
+    std::ofstream(path, std::ios::binary) << text;
+    for (auto _ : state)
+        state.SetIterationTime(runOnce(reader, path));
+    if (reader == "ours")
+        state.counters["memory/text"] = runOnce("memory", path);
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
+    std::filesystem::remove(path);
+}
+
+/// Reading the same text again and again in one process; letting the tree go is part of it.
+template <class Work>
+void readAgain(benchmark::State& state, Work work)
+{
+    const std::string text = recordsText(state.range(0));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(work(text));
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
+}
+
+void readAgain_ours(benchmark::State& state)
+{
+    readAgain(state, parse);
+}
+
+void readAgain_propertyTree(benchmark::State& state)
+{
+    readAgain(state, readPropertyTree);
+}
+
+void readAgain_nlohmann(benchmark::State& state)
+{
+    readAgain(state, readNlohmann);
+}
+
+void readAgain_limit(benchmark::State& state)
+{
+    const Node tree = parse(recordsText(state.range(0)));
+    readAgain(state, [&tree](const std::string&) { return clone(*tree); });
+}
+
+/// A root folder of the benchmark's own, installed as the host's.
+class Root
+{
+public:
+    Root() : mPaths(fileString(std::filesystem::temp_directory_path().string() + "/orv-json-bench"))
+    {
+        std::string reason;
+        if (!mPaths.createFolders(reason))
+            std::abort();
+        mFormer = PathUtils::install(&mPaths);
+    }
+    ~Root()
+    {
+        PathUtils::install(mFormer);
+        std::filesystem::remove_all(mPaths.root().toNativeString());
+    }
+    Root(const Root&) = delete;
+    Root& operator=(const Root&) = delete;
+
+private:
+    RootPathUtils mPaths;
+    PathUtils* mFormer;
+};
+
+constexpr long kManufacturers = 100000;
+
+std::map<long, Manufacturer>& manufacturers()
+{
+    static std::map<long, Manufacturer> table;
+    for (long id = 0; table.size() < kManufacturers; ++id)
+        table.emplace(3 * id,
+                      Manufacturer("n", "u", "p", "f", "l", "e", false, false, Library::getTimeNow()));
+    return table;
+}
+
+const std::vector<long>& wantedIds()
+{
+    static const std::vector<long> ids = [] {
+        std::mt19937 random(2);
+        std::vector<long> made(1 << 16);
+        for (long& id : made)
+            id = static_cast<long>(random() % (3 * kManufacturers));
+        return made;
+    }();
+    return ids;
+}
+
+template <class LookUp>
+void measureLookUps(benchmark::State& state, LookUp lookUp)
+{
+    const std::vector<long>& ids = wantedIds();
+    std::size_t next = 0;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(lookUp(ids[next++ % ids.size()]));
+}
+
+/// One table for both ways of looking up: what differs otherwise is how it lies in memory.
+void lookUp_manager(benchmark::State& state)
+{
+    const Root root;
+    ManufacturerManager::cleanup();
+    ManufacturerManager& manager = *ManufacturerManager::getManufacturerManager();
+    manager.saveModifiedManufacturers(manufacturers(), "");
+    measureLookUps(state, [&manager](long id) { return &manager.getManufacturer(id); });
+    ManufacturerManager::cleanup();
+}
+
+void lookUp_bareMap(benchmark::State& state)
+{
+    const std::map<long, Manufacturer> table = manufacturers();
+    measureLookUps(state, [&table](long id) {
+        const auto found = table.find(id);
+        return found == table.end() ? nullptr : &found->second;
+    });
+}
+
+std::vector<LibraryFilter> filters(const std::string& kind, std::int64_t count)
+{
+    std::vector<LibraryFilter> made;
+    for (long id = 0; id < count; ++id)
+        made.push_back(LibraryFilter("Kitchen", id, {"Doors", "Windows", kind + std::to_string(id)}));
+    return made;
+}
+
+/// All of one name: the hard case. Reading and writing the file included.
+void mergeFilters(benchmark::State& state)
+{
+    const Root root;
+    LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
+    const fileString file = manager.getFilterFullname() + fileString(".other");
+    for (auto _ : state) {
+        state.PauseTiming();
+        LibraryFilterManager::saveFiltersToFile(file, filters("file", state.range(0)), 0);
+        manager.setLibraryFilters(filters("own", state.range(0)));
+        state.ResumeTiming();
+        if (!manager.mergeFilters(file))
+            state.SkipWithError("the merge failed");
+    }
+}
+
+} // namespace
+
+BENCHMARK(readAgain_ours)->Arg(100000)->Arg(10000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(readAgain_propertyTree)->Arg(100000)->Arg(10000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(readAgain_nlohmann)->Arg(100000)->Arg(10000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(readAgain_limit)->Arg(100000)->Arg(10000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(lookUp_manager);
+BENCHMARK(lookUp_bareMap);
+BENCHMARK(mergeFilters)->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
+
+int main(int argc, char** argv)
+{
+    if (argc == 4 && std::string(argv[1]) == "--read")
+        return readOnce(argv[2], argv[3]);
+    for (const char* reader : {"ours", "propertyTree", "nlohmann"}) {
+        benchmark::RegisterBenchmark((std::string("read_") + reader).c_str(), readInNewProcess, reader)
+            ->Arg(100000)
+            ->Arg(10000000)
+            ->Iterations(5)
+            ->UseManualTime()
+            ->Unit(benchmark::kMicrosecond);
+    }
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+}
