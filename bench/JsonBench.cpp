@@ -1,5 +1,6 @@
 // JSON texts of 100 KB and 10 MB into the tree, against two other readers and against building the same tree
-// without a text; look-ups among 100,000 manufacturers; merging 10,000 filters into 10,000. Run it with
+// without a text; manufacturer files into the table; look-ups among 100,000 manufacturers; merging 10,000
+// filters into 10,000. Run it with
 // --benchmark_enable_random_interleaving=true --benchmark_repetitions=5.
 #include <chrono>
 #include <cstdio>
@@ -53,17 +54,30 @@ json_writer::Object record(long id, std::mt19937& random)
     return object;
 }
 
+constexpr std::int64_t kRecordSize = 430; ///< about
+
 /// Manufacturer records of about so many bytes in all. They stand in an array: of repeated keys one of the
 /// other readers keeps the last one only.
 std::string recordsText(std::int64_t size)
 {
     std::mt19937 random(1);
     json_writer::Array records;
-    for (long id = 0; id < size / 430; ++id)
+    for (long id = 0; id < size / kRecordSize; ++id)
         records.add_element(record(id, random));
     json_writer::Object root;
     root.add_element("Last_Modified", std::string("20261121T033512.250000"));
     root.add_element("Manufacturers", records);
+    return json_writer::toText(root);
+}
+
+/// The same records as a manufacturer file holds them.
+std::string manufacturersText(std::int64_t size)
+{
+    std::mt19937 random(1);
+    json_writer::Object root;
+    root.add_element("Last_Modified", std::string("20261121T033512.250000"));
+    for (long id = 0; id < size / kRecordSize; ++id)
+        root.add_element("Manufacturer", record(id, random));
     return json_writer::toText(root);
 }
 
@@ -194,6 +208,43 @@ void readAgain_limit(benchmark::State& state)
     readAgain(state, [&tree](const std::string&) { return clone(*tree); });
 }
 
+/// Reading a manufacturer file again and again; letting go of what was read is part of it.
+template <class Work>
+void readManufacturers(benchmark::State& state, Work work)
+{
+    const std::string text = manufacturersText(state.range(0));
+    const auto path = std::filesystem::temp_directory_path() / "orv-manufacturers-bench.json";
+    std::ofstream(path, std::ios::binary) << text;
+    for (auto _ : state)
+        benchmark::DoNotOptimize(work(path.string()));
+    state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * text.size()));
+    std::filesystem::remove(path);
+}
+
+/// Into the table, records and all.
+void manufacturers_ours(benchmark::State& state)
+{
+    readManufacturers(state, [](const std::string& path) {
+        std::map<long, Manufacturer> table;
+        boost::posix_time::ptime lastModified;
+        std::string defaultText;
+        if (!ManufacturerManager::read_manufacturer_file(fileString(path), table, &lastModified,
+                                                         &defaultText))
+            std::abort();
+        return table;
+    });
+}
+
+/// Into its tree only.
+void manufacturers_propertyTree(benchmark::State& state)
+{
+    readManufacturers(state, [](const std::string& path) {
+        boost::property_tree::ptree tree;
+        boost::property_tree::read_json(path, tree);
+        return tree;
+    });
+}
+
 /// A root folder of the benchmark's own, installed as the host's.
 class Root
 {
@@ -300,6 +351,8 @@ BENCHMARK(readAgain_ours)->Arg(100000)->Arg(10000000)->Unit(benchmark::kMicrosec
 BENCHMARK(readAgain_propertyTree)->Arg(100000)->Arg(10000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(readAgain_nlohmann)->Arg(100000)->Arg(10000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(readAgain_limit)->Arg(100000)->Arg(10000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(manufacturers_ours)->Arg(100000)->Arg(10000000)->Unit(benchmark::kMicrosecond);
+BENCHMARK(manufacturers_propertyTree)->Arg(100000)->Arg(10000000)->Unit(benchmark::kMicrosecond);
 BENCHMARK(lookUp_manager);
 BENCHMARK(lookUp_bareMap);
 BENCHMARK(mergeFilters)->Arg(10000)->Arg(20000)->Unit(benchmark::kMillisecond);
