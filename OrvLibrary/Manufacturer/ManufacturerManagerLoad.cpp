@@ -33,10 +33,11 @@ const Type* member(const json::object& object, const char* key)
     return found == object.end() ? nullptr : &boost::any_cast<const Type&>(*found->second);
 }
 
-std::string text(const json::object& object, const char* key)
+const std::string& text(const json::object& object, const char* key)
 {
+    static const std::string empty;
     const auto* found = member<std::string>(object, key);
-    return found ? *found : std::string();
+    return found ? *found : empty;
 }
 
 bool flag(const json::object& object, const char* key)
@@ -45,12 +46,13 @@ bool flag(const json::object& object, const char* key)
     return found && *found;
 }
 
-Manufacturer readRecord(const json::object& object)
+/// Makes the record in its place, unless the table has one of that id already; it must be sound all the same.
+void readRecord(const json::object& object, long id, std::map<long, Manufacturer>& table)
 {
     const auto* time = member<std::string>(object, kLastModified);
-    return Manufacturer(text(object, kName), text(object, kUrl), text(object, kPhone), text(object, kFax),
-                        text(object, kLogo), text(object, kEmail), flag(object, kLock),
-                        flag(object, kDeleted), time ? Library::fromString(*time) : ptime());
+    table.try_emplace(id, text(object, kName), text(object, kUrl), text(object, kPhone), text(object, kFax),
+                      text(object, kLogo), text(object, kEmail), flag(object, kLock), flag(object, kDeleted),
+                      time ? Library::fromString(*time) : ptime());
 }
 
 /// Equal keys come back last first: the first record of an id is the last one in the file.
@@ -61,7 +63,7 @@ std::map<long, Manufacturer> readRecords(const json::object& root)
     for (auto [entry, end] = root.equal_range(kManufacturer); entry != end; ++entry) {
         const auto& object = boost::any_cast<const json::object&>(*entry->second);
         if (const int* id = member<int>(object, kId))
-            table.emplace(*id, readRecord(object));
+            readRecord(object, *id, table);
     }
     return table;
 }
