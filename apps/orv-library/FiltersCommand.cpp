@@ -70,6 +70,16 @@ long usableId(std::int64_t id)
     return static_cast<long>(id);
 }
 
+long idFrom(const std::string& text)
+{
+    std::int64_t id = kNone;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, id);
+    if (stop != end || error != std::errc())
+        throw UsageError("'" + text + "' is neither the id of a filter nor none");
+    return usableId(id);
+}
+
 bool hasId(const Filters& filters, long id)
 {
     return std::any_of(filters.begin(), filters.end(),
@@ -173,11 +183,7 @@ ExitStatus FiltersCommand::remove(Session& session) const
 
 ExitStatus FiltersCommand::use(Session& session) const
 {
-    std::int64_t wanted = kNone;
-    const char* const end = mIdOrNone.data() + mIdOrNone.size();
-    if (mIdOrNone != "none" && std::from_chars(mIdOrNone.data(), end, wanted).ptr != end)
-        throw UsageError("'" + mIdOrNone + "' is neither the id of a filter nor none");
-    const long id = mIdOrNone == "none" ? kNone : usableId(wanted);
+    const long id = mIdOrNone == "none" ? kNone : idFrom(mIdOrNone);
     FilterChange change(session);
     if (id != kNone)
         demandId(change.filters(), id);

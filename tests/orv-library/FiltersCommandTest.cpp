@@ -159,6 +159,8 @@ TEST_F(FiltersCommand, unusableIdsAndNamesAreRefused)
     refused(2, {"add", ""});
     refused(2, {"merge", ""});
     refused(2, {"use", "None"});
+    EXPECT_THAT(run({"use", "99999999999999999999"}).err,
+                StartsWith("orv-library: '99999999999999999999' is neither the id of a filter nor none\n"));
     refused(2, {});
     refused(2, {"add"});
     refused(2, {"list", "more"});
