@@ -3,6 +3,8 @@
 #include <chrono>
 #include <cstdlib>
 #include <ctime>
+#include <random>
+#include <string>
 
 #include <boost/date_time/posix_time/posix_time.hpp>
 #include <gtest/gtest.h>
@@ -44,6 +46,30 @@ TEST(TimeUtils, readsShorterForms)
               ptime(date(2026, 11, 21), time_duration(3, 35, 12) + microseconds(500000)));
     EXPECT_EQ(Library::fromString("20261121T033512,5"), Library::fromString("20261121T033512.5"));
     EXPECT_EQ(Library::fromString("20261121T033512.1234567"), Library::fromString("20261121T033512.123456"));
+}
+
+TEST(TimeUtils, agreesWithTheDateLibrary)
+{
+    std::mt19937 random(1);
+    const auto digits = [&random](unsigned most, std::size_t width) {
+        const std::string number = std::to_string(random() % (most + 1));
+        return std::string(width - number.size(), '0') + number;
+    };
+    int read = 0;
+    for (int i = 0; i < 20000; ++i) {
+        std::string text =
+            digits(9999, 4) + digits(13, 2) + digits(32, 2) + "T" + digits(23, 2) + digits(59, 2);
+        if (random() % 8 != 0)
+            text += digits(59, 2) + (random() % 2 ? "." + digits(9999999, 1 + 6 + random() % 3) : "");
+        ptime expected;
+        try {
+            expected = boost::posix_time::from_iso_string(text);
+            ++read;
+        } catch (const std::exception&) {
+        }
+        ASSERT_EQ(Library::fromString(text), expected) << text;
+    }
+    EXPECT_GT(read, 10000);
 }
 
 TEST(TimeUtils, whatIsNoTimeStampIsNotADateTime)
