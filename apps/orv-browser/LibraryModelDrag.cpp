@@ -1,6 +1,7 @@
 // Dragging items out of the tree, and dropping them on folders of the user's own libraries.
 #include <QMimeData>
 
+#include "apps/orv-browser/Background.h"
 #include "apps/orv-browser/CatalogDatabase.h"
 #include "apps/orv-browser/ItemDrag.h"
 #include "apps/orv-browser/LibraryModel.h"
@@ -13,6 +14,18 @@ bool isUsers(QModelIndex index)
     while (index.parent().isValid())
         index = index.parent();
     return index.row() == LibraryModel::kUserRow;
+}
+
+/// @return why not all were copied; empty when they were
+QString copyItems(const std::vector<ItemDrag::Item>& items, const fileString& database, long long folder)
+{
+    try {
+        for (const ItemDrag::Item& item : items)
+            CatalogDatabase::copyItem(item.database, item.id, database, folder);
+        return {};
+    } catch (const std::exception& error) {
+        return QString::fromUtf8(error.what());
+    }
 }
 
 } // namespace
@@ -48,13 +61,9 @@ bool LibraryModel::dropMimeData(const QMimeData* data, Qt::DropAction action, in
         return false;
     const fileString database = node(parent)->getDatabasePath();
     const long long folder = node(parent)->getId();
-    QString problem;
-    try {
-        for (const ItemDrag::Item& item : ItemDrag::decode(*data))
-            CatalogDatabase::copyItem(item.database, item.id, database, folder);
-    } catch (const std::exception& error) {
-        problem = QString::fromUtf8(error.what());
-    }
-    Q_EMIT dropped(database, problem);
-    return problem.isEmpty();
+    const std::vector<ItemDrag::Item> items = ItemDrag::decode(*data);
+    Background::run(
+        mPool, this, [items, database, folder] { return copyItems(items, database, folder); },
+        [this, database](const QString& problem) { Q_EMIT dropped(database, problem); });
+    return !items.empty();
 }

@@ -50,7 +50,8 @@ SearchPane::SearchPane(QWidget* parent)
     mList->setAccessibleName(tr("Found items"));
     mList->setModel(&mModel);
     mList->setUniformItemSizes(true);
-    mList->setDragEnabled(true);
+    mList->setIconSize({24, 24});
+    mList->setDragDropMode(QAbstractItemView::DragOnly);
     mSummary->setObjectName(QStringLiteral("searchSummary"));
 
     auto* line = new QHBoxLayout;

@@ -4,15 +4,14 @@
 #include <memory>
 #include <vector>
 
-#include <QStandardItemModel>
 #include <QThreadPool>
 #include <QTimer>
 #include <QWidget>
 
 #include "OrvLibrary/Search/Info.h"
 #include "OrvLibrary/host/fileString.h"
+#include "apps/orv-browser/FoundItems.h"
 
-class PictureStore;
 class QComboBox;
 class QLabel;
 class QLineEdit;
@@ -57,7 +56,7 @@ private:
     QTimer mDelay;
     std::vector<Source> mSources;
     std::shared_ptr<std::atomic<bool>> mCancelled;
-    QStandardItemModel mModel;
+    FoundItems mModel;
     QLineEdit* mField;
     QComboBox* mCategory;
     QListView* mList;

@@ -1,5 +1,6 @@
 #include "apps/orv-browser/TreePane.h"
 
+#include <QEventLoop>
 #include <QLabel>
 #include <QPushButton>
 #include <QTreeView>
@@ -8,13 +9,20 @@
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "OrvLibrary/UI/TreeItemData.h"
 #include "OrvLibrary/Utility/Chooser.h"
-#include "apps/orv-browser/CatalogDatabase.h"
+#include "apps/orv-browser/CatalogIds.h"
 #include "apps/orv-browser/LibraryModel.h"
 #include "apps/orv-browser/TreePlace.h"
+
+namespace {
+
+constexpr int kOfferGap = 8; // pixels
+
+} // namespace
 
 TreePane::TreePane(QWidget* parent)
     : QStackedWidget(parent),
       mModel(new LibraryModel(this)),
+      mIds(new CatalogIds(this)),
       mTree(new QTreeView),
       mPlace(new TreePlace(*mTree, *mModel))
 {
@@ -22,6 +30,7 @@ TreePane::TreePane(QWidget* parent)
     buildTree();
     addWidget(mTree);
     addWidget(makeOffer());
+    connect(mIds, &CatalogIds::ready, this, &TreePane::applyFilter);
     connect(mModel, &LibraryModel::dropped, this, &TreePane::dropped);
     connect(mTree, &QTreeView::collapsed, mModel, &LibraryModel::retry);
     connect(mTree->selectionModel(), &QItemSelectionModel::currentChanged, this, &TreePane::chooseCurrent);
@@ -49,7 +58,13 @@ void TreePane::buildTree()
 
 QWidget* TreePane::makeOffer()
 {
-    auto* text = new QLabel(tr("The library is empty."));
+    auto* title = new QLabel(tr("The library is empty."));
+    QFont font = title->font();
+    font.setBold(true);
+    title->setFont(font);
+    title->setAlignment(Qt::AlignCenter);
+    auto* text = new QLabel(tr("Fetch the catalogs from the service, or import an archive that you have."));
+    text->setWordWrap(true);
     text->setAlignment(Qt::AlignCenter);
     auto* fetch = new QPushButton(tr("Fetch the content"));
     fetch->setObjectName(QStringLiteral("fetchContent"));
@@ -59,7 +74,9 @@ QWidget* TreePane::makeOffer()
     auto* offer = new QWidget;
     auto* layout = new QVBoxLayout(offer);
     layout->addStretch();
+    layout->addWidget(title);
     layout->addWidget(text);
+    layout->addSpacing(kOfferGap);
     layout->addWidget(fetch, 0, Qt::AlignCenter);
     layout->addWidget(import, 0, Qt::AlignCenter);
     layout->addStretch();
@@ -79,6 +96,7 @@ void TreePane::refresh()
             empty << mModel->index(row, 0);
     mModel->refresh();
     showTreeOrOffer();
+    readIds();
     applyFilter();
     for (const QModelIndex& category : empty) // what the user closed stays closed
         mTree->expand(category);
@@ -88,8 +106,19 @@ void TreePane::reload(const fileString& database)
 {
     mPlace->remember(database);
     mModel->reload(database);
+    mIds->forget(database);
+    readIds();
     applyFilter();
     showTreeOrOffer();
+}
+
+void TreePane::readIds()
+{
+    std::vector<fileString> catalogs;
+    mModel->forEachCatalog([&](const QModelIndex&, const Library::TreeData& catalog) {
+        catalogs.push_back(catalog.getDatabasePath());
+    });
+    mIds->read(catalogs);
 }
 
 void TreePane::applyFilter()
@@ -97,14 +126,9 @@ void TreePane::applyFilter()
     const LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
     std::vector<SearchPane::Source> sources;
     mModel->forEachCatalog([&](const QModelIndex& category, Library::TreeData& catalog) {
-        bool isShown = !manager.hasActiveFilter();
-        if (!isShown) {
-            try {
-                isShown = manager.isFilteredDatabase(CatalogDatabase(catalog.getDatabasePath()).id());
-            } catch (const std::exception&) {
-                isShown = false; // what cannot be read is in no filter
-            }
-        }
+        // What is not known yet, or cannot be read, is in no filter.
+        const auto id = mIds->id(catalog.getDatabasePath());
+        const bool isShown = !manager.hasActiveFilter() || (id && manager.isFilteredDatabase(*id));
         mTree->setRowHidden(catalog.row(), category, !isShown);
         if (isShown)
             sources.push_back({category.row(), catalog.getDatabasePath()});
@@ -112,15 +136,16 @@ void TreePane::applyFilter()
     Q_EMIT shownChanged(sources);
 }
 
-std::vector<FilterEditor::Database> TreePane::databases() const
+std::vector<FilterEditor::Database> TreePane::databases()
 {
+    QEventLoop loop;
+    connect(mIds, &CatalogIds::ready, &loop, &QEventLoop::quit);
+    if (mIds->isReading())
+        loop.exec();
     std::vector<FilterEditor::Database> databases;
-    mModel->forEachCatalog([&](const QModelIndex&, Library::TreeData& catalog) {
-        try {
-            databases.push_back({CatalogDatabase(catalog.getDatabasePath()).id(), catalog.getItemName()});
-        } catch (const std::exception&) {
-            // what cannot be read has no id to filter by
-        }
+    mModel->forEachCatalog([&](const QModelIndex&, const Library::TreeData& catalog) {
+        if (const auto id = mIds->id(catalog.getDatabasePath()))
+            databases.push_back({*id, catalog.getItemName()});
     });
     return databases;
 }

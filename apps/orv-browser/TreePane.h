@@ -7,6 +7,7 @@
 #include "apps/orv-browser/FilterEditor.h"
 #include "apps/orv-browser/SearchPane.h"
 
+class CatalogIds;
 class LibraryModel;
 class QTreeView;
 class TreePlace;
@@ -27,8 +28,8 @@ public:
     void reload(const fileString& database);
     /// Shows the catalogs that the current filter lets through.
     void applyFilter();
-    /// The catalogs that a filter can name.
-    std::vector<FilterEditor::Database> databases() const;
+    /// The catalogs that a filter can name. Waits until all are known; events are handled meanwhile.
+    std::vector<FilterEditor::Database> databases();
 
 Q_SIGNALS:
     /// The user went to an item, which `Library::Chooser` now holds.
@@ -44,9 +45,11 @@ private:
     void buildTree();
     QWidget* makeOffer();
     void showTreeOrOffer();
+    void readIds();
     void chooseCurrent();
 
     LibraryModel* mModel;
+    CatalogIds* mIds;
     QTreeView* mTree;
     TreePlace* mPlace;
 };

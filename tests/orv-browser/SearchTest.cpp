@@ -1,7 +1,13 @@
+#include <memory>
+
 #include <QComboBox>
+#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
+#include <QMimeData>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTest>
 #include <QTreeView>
 
@@ -11,6 +17,7 @@
 #include "OrvLibrary/Utility/Chooser.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
+#include "tests/orv-browser/EventWatch.h"
 
 namespace {
 
@@ -40,6 +47,17 @@ protected:
         QTest::keyClicks(&field, text);
         QTest::keyClick(&field, Qt::Key_Return);
         ASSERT_TRUE(waitFor([&] { return child<QLabel>("searchSummary").text().contains("found"); }));
+    }
+
+    /// A catalog that another program holds locked until the connection is closed.
+    QSqlDatabase locked(const std::string& name) const
+    {
+        CatalogMaker(inRoot(name), name);
+        QSqlDatabase lock = QSqlDatabase::addDatabase("QSQLITE", QString::fromStdString(name));
+        lock.setDatabaseName(QString::fromStdString(inRoot(name)));
+        EXPECT_TRUE(lock.open());
+        EXPECT_TRUE(QSqlQuery(lock).exec("BEGIN EXCLUSIVE"));
+        return lock;
     }
 
     QStringList found()
@@ -116,8 +134,56 @@ TEST_F(BrowserSearchTest, filterHidesCatalogsFromTreeAndSearch)
     choice.setFocus();
     QTest::keyClick(&choice, Qt::Key_Down);
     EXPECT_EQ(manager.getCurrentFilterId(), 4);
+    EXPECT_TRUE(waitFor([&] { return !tree().isRowHidden(0, model().index(2, 0)); }));
     EXPECT_TRUE(tree().isRowHidden(0, model().index(0, 0)));
-    EXPECT_FALSE(tree().isRowHidden(0, model().index(2, 0)));
     search("oak");
     EXPECT_EQ(found(), QStringList({"OAK DOOR of ours"}));
+}
+
+TEST_F(BrowserSearchTest, filterOfTheLastRunHoldsFromTheStart)
+{
+    LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
+    manager.setLibraryFilters({LibraryFilter("Ours", 4, {"oakline"})});
+    manager.setCurrentFilterId(4);
+    open();
+    EXPECT_EQ(child<QComboBox>("filterChoice").currentIndex(), 1);
+    EXPECT_TRUE(waitFor([&] { return !tree().isRowHidden(0, model().index(2, 0)); }));
+    EXPECT_TRUE(tree().isRowHidden(0, model().index(0, 0)));
+}
+
+TEST_F(BrowserSearchTest, catalogsThatAreSlowToAnswerDoNotStopTheWindowUnderAFilter)
+{
+    constexpr int kMostMilliseconds = 100; // each of these catalogs takes 200 to say that it is locked
+    LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
+    manager.setLibraryFilters({LibraryFilter("Ours", 4, {"oakline"})});
+    manager.setCurrentFilterId(4);
+    const QSqlDatabase locks[] = {locked("core/One.orvlib"), locked("core/Two.orvlib")};
+    {
+        const test::EventWatch watch;
+        open();
+        EXPECT_TRUE(waitFor([&] { return !tree().isRowHidden(0, model().index(2, 0)); }));
+        EXPECT_LT(watch.longest(), kMostMilliseconds) << watch.longestName();
+    }
+    for (const QSqlDatabase& lock : locks)
+        QSqlDatabase(lock).close();
+}
+
+TEST_F(BrowserSearchTest, foundItemsShowTheirPicturesAndCanBeDragged)
+{
+    {
+        CatalogMaker chairs(inRoot("core/Chairs.orvlib"), "chairs");
+        chairs.addItem(chairs.addFolder("All"),
+                       {"Green chair", "", std::nullopt, std::nullopt, CatalogMaker::picture()});
+    }
+    open();
+    search("green");
+    const QAbstractItemModel& results = *child<QListView>("searchResults").model();
+    EXPECT_TRUE(waitFor([&] {
+        const QImage image =
+            results.index(0, 0).data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage();
+        return image.pixelColor(8, 8) == QColor(Qt::darkGreen);
+    }));
+    const std::unique_ptr<QMimeData> data(results.mimeData({results.index(0, 0)}));
+    EXPECT_EQ(data->text(), "Green chair");
+    EXPECT_TRUE(data->hasFormat("application/x-orv-library-items"));
 }

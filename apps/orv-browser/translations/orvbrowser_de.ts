@@ -298,6 +298,13 @@
     </message>
 </context>
 <context>
+    <name>MessageBar</name>
+    <message>
+        <source>Put the message away</source>
+        <translation>Die Meldung weglegen</translation>
+    </message>
+</context>
+<context>
     <name>PreferencesDialog</name>
     <message>
         <source>Preferences</source>
@@ -350,6 +357,22 @@
     <message>
         <source>C&amp;olours:</source>
         <translation>&amp;Farben:</translation>
+    </message>
+    <message>
+        <source>&amp;Bonus catalogs:</source>
+        <translation>&amp;Zusatzkataloge:</translation>
+    </message>
+    <message>
+        <source>Manu&amp;facturer catalogs:</source>
+        <translation>He&amp;rstellerkataloge:</translation>
+    </message>
+    <message>
+        <source>those that are there; more by name</source>
+        <translation>die vorhandenen; weitere mit Namen</translation>
+    </message>
+    <message>
+        <source>Names of catalogs to fetch, separated by semicolons</source>
+        <translation>Namen der Kataloge, die geladen werden sollen, durch Strichpunkte getrennt</translation>
     </message>
 </context>
 <context>
@@ -440,6 +463,10 @@
     <message>
         <source>Import an archive…</source>
         <translation>Archiv importieren …</translation>
+    </message>
+    <message>
+        <source>Fetch the catalogs from the service, or import an archive that you have.</source>
+        <translation>Laden Sie die Kataloge vom Dienst oder importieren Sie ein vorhandenes Archiv.</translation>
     </message>
 </context>
 <context>
