@@ -1,6 +1,7 @@
 #include "apps/orv-browser/BrowserSettings.h"
 
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -11,6 +12,21 @@ namespace {
 fileString fileIn(const fileString& root)
 {
     return root / fileString("browser.json");
+}
+
+QStringList textsIn(const QJsonValue& value)
+{
+    QStringList texts;
+    for (const QJsonValue& text : value.toArray())
+        texts << text.toString();
+    return texts;
+}
+
+template <class Text>
+void replace(Text& setting, const Text& override)
+{
+    if (!override.isEmpty())
+        setting = override;
 }
 
 } // namespace
@@ -25,6 +41,8 @@ BrowserSettings BrowserSettings::load(const fileString& root)
     settings.serviceUrl = document["serviceUrl"].toString(settings.serviceUrl);
     settings.product = document["product"].toString(settings.product);
     settings.productVersion = document["productVersion"].toString(settings.productVersion);
+    settings.bonusCatalogs = textsIn(document["bonusCatalogs"]);
+    settings.manufacturerCatalogs = textsIn(document["manufacturerCatalogs"]);
     settings.manufacturerDataUrl = document["manufacturerDataUrl"].toString();
     settings.manufacturerLogoUrl = document["manufacturerLogoUrl"].toString();
     settings.proxy = document["proxy"].toString();
@@ -39,6 +57,8 @@ bool BrowserSettings::save(const fileString& root, QString& reason) const
         {"serviceUrl", serviceUrl},
         {"product", product},
         {"productVersion", productVersion},
+        {"bonusCatalogs", QJsonArray::fromStringList(bonusCatalogs)},
+        {"manufacturerCatalogs", QJsonArray::fromStringList(manufacturerCatalogs)},
         {"manufacturerDataUrl", manufacturerDataUrl},
         {"manufacturerLogoUrl", manufacturerLogoUrl},
         {"proxy", proxy},
@@ -52,4 +72,14 @@ bool BrowserSettings::save(const fileString& root, QString& reason) const
         reason = QString::fromUtf8(error.what());
         return false;
     }
+}
+
+BrowserSettings ServiceOverrides::over(BrowserSettings settings) const
+{
+    replace(settings.serviceUrl, serviceUrl);
+    replace(settings.product, product);
+    replace(settings.productVersion, productVersion);
+    replace(settings.bonusCatalogs, bonusCatalogs);
+    replace(settings.manufacturerCatalogs, manufacturerCatalogs);
+    return settings;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include "OrvLibrary/host/fileString.h"
 
@@ -11,6 +12,9 @@ struct BrowserSettings
     QString serviceUrl;
     QString product = QStringLiteral("Orv");
     QString productVersion = QStringLiteral("1.0");
+    /// Names of catalogs to fetch beside those that are there; the core ones are known to the service.
+    QStringList bonusCatalogs;
+    QStringList manufacturerCatalogs;
     QString manufacturerDataUrl;
     QString manufacturerLogoUrl;
     QString proxy; ///< empty for what the environment says
@@ -21,4 +25,16 @@ struct BrowserSettings
     static BrowserSettings load(const fileString& root);
     /// @param reason filled on failure; the file is then as it was
     bool save(const fileString& root, QString& reason) const;
+};
+
+/// What the command line says of the service; it goes before the preferences, for one run. Empty for nothing.
+struct ServiceOverrides
+{
+    QString serviceUrl;
+    QString product;
+    QString productVersion;
+    QStringList bonusCatalogs;
+    QStringList manufacturerCatalogs;
+
+    BrowserSettings over(BrowserSettings settings) const;
 };

@@ -20,13 +20,19 @@
 #include "apps/orv-browser/ImportController.h"
 #include "apps/orv-browser/LogDialog.h"
 #include "apps/orv-browser/ManufacturerPreview.h"
+#include "apps/orv-browser/MessageBar.h"
 #include "apps/orv-browser/PreferencesDialog.h"
 #include "apps/orv-browser/SearchPane.h"
 #include "apps/orv-browser/StatusLine.h"
 #include "apps/orv-browser/TreePane.h"
 #include "apps/orv-browser/UpdateController.h"
+#include "apps/orv-browser/WindowMessages.h"
 
 namespace {
+
+constexpr int kTreeWidth = 560; // pixels, to begin with
+constexpr int kDetailsWidth = 360;
+constexpr int kHeight = 660;
 
 QStringList droppedSources(const QMimeData& data)
 {
@@ -41,11 +47,12 @@ QStringList droppedSources(const QMimeData& data)
 
 } // namespace
 
-MainWindow::MainWindow(const fileString& root)
+MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
     : mRoot(root),
       mSettings(BrowserSettings::load(root)),
       mUpdateAction(new QAction(tr("Check for &updates"), this)),
       mCancelAction(new QAction(tr("&Cancel the update"), this)),
+      mMessages(new MessageBar(messages)),
       mFilters(new FilterBar),
       mSearch(new SearchPane),
       mTree(new TreePane),
@@ -59,7 +66,7 @@ MainWindow::MainWindow(const fileString& root)
     setObjectName(QStringLiteral("libraryBrowser"));
     setWindowTitle(tr("Library"));
     setAcceptDrops(true);
-    resize(900, 640);
+    resize(kTreeWidth + kDetailsWidth, kHeight);
     buildPanes();
     buildMenus();
     connectPanes();
@@ -86,12 +93,20 @@ void MainWindow::buildPanes()
     panes->addWidget(mDetails);
     panes->setStretchFactor(0, 3);
     panes->setStretchFactor(1, 2);
+    panes->setSizes({kTreeWidth, kDetailsWidth});
     panes->setChildrenCollapsible(false);
     auto* main = new QSplitter(Qt::Vertical);
     main->setObjectName(QStringLiteral("libMainSplitter")); // where the progress panel docks
     main->addWidget(panes);
     main->setChildrenCollapsible(false);
-    setCentralWidget(main);
+
+    auto* content = new QWidget;
+    auto* layout = new QVBoxLayout(content);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(mMessages);
+    layout->addWidget(main, 1);
+    setCentralWidget(content);
     setStatusBar(mStatus);
 }
 
@@ -161,28 +176,9 @@ void MainWindow::connectControllers()
     connect(mImports, &ImportController::finished, mTree, &TreePane::refresh);
 }
 
-void MainWindow::overrideService(const QString& url, const QString& product, const QString& version)
-{
-    mOverrides.serviceUrl = url;
-    mOverrides.product = product;
-    mOverrides.productVersion = version;
-}
-
-BrowserSettings MainWindow::service() const
-{
-    BrowserSettings service = mSettings;
-    if (!mOverrides.serviceUrl.isEmpty())
-        service.serviceUrl = mOverrides.serviceUrl;
-    if (!mOverrides.product.isEmpty())
-        service.product = mOverrides.product;
-    if (!mOverrides.productVersion.isEmpty())
-        service.productVersion = mOverrides.productVersion;
-    return service;
-}
-
 void MainWindow::start()
 {
-    if (mSettings.checkAtStart && !service().serviceUrl.isEmpty())
+    if (mSettings.checkAtStart && !mOverrides.over(mSettings).serviceUrl.isEmpty())
         checkForUpdates();
 }
 
@@ -190,14 +186,14 @@ void MainWindow::checkForUpdates()
 {
     if (mUpdates->isRunning())
         return;
-    if (service().serviceUrl.isEmpty())
+    if (mOverrides.over(mSettings).serviceUrl.isEmpty())
         editPreferences();
-    const BrowserSettings asked = service();
+    const BrowserSettings asked = mOverrides.over(mSettings);
     if (asked.serviceUrl.isEmpty())
         return;
     showRunning(true);
     mStatus->say(QString()); // the panel speaks now
-    mUpdates->start(asked.serviceUrl, asked.product, asked.productVersion);
+    mUpdates->start(asked);
 }
 
 void MainWindow::showRunning(bool isRunning)

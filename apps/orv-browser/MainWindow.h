@@ -8,24 +8,28 @@
 class DetailsPane;
 class FilterBar;
 class ImportController;
+class MessageBar;
 class SearchPane;
 class StatusLine;
 class TreePane;
 class UpdateController;
+class WindowMessages;
 
-/// The library browser: search, filter and tree at the left, the chosen item at the right, and at the bottom,
-/// while something goes on, the progress panel. Lives on the interface thread.
+/// The library browser: search, filter and tree at the left, the chosen item at the right, at the top what
+/// the library has to tell, and at the bottom, while something goes on, the progress panel. Lives on the
+/// interface thread.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 
 public:
     /// @param root the root of the well-known folders
-    explicit MainWindow(const fileString& root);
+    /// @param messages what the library tells; outlives the window
+    MainWindow(const fileString& root, WindowMessages& messages);
     ~MainWindow() override;
 
-    /// What the command line says goes before the preferences, for this run; empty texts change nothing.
-    void overrideService(const QString& url, const QString& product, const QString& version);
+    /// What goes before the preferences from now on.
+    void overrideService(const ServiceOverrides& overrides) { mOverrides = overrides; }
     /// To be called once the window is shown: checks for updates when the preferences say so.
     void start();
 
@@ -41,8 +45,6 @@ private:
     void buildLibraryMenu();
     void connectPanes();
     void connectControllers();
-    /// The service to ask: the command line goes before the preferences.
-    BrowserSettings service() const;
     void checkForUpdates();
     void showRunning(bool isRunning);
     void updateEnded(const QString& summary, bool hasProblems);
@@ -56,10 +58,11 @@ private:
     void showLog();
 
     fileString mRoot;
-    BrowserSettings mSettings;  ///< the preferences
-    BrowserSettings mOverrides; ///< what the command line says; empty texts for nothing
+    BrowserSettings mSettings; ///< the preferences
+    ServiceOverrides mOverrides;
     QAction* mUpdateAction;
     QAction* mCancelAction;
+    MessageBar* mMessages;
     FilterBar* mFilters;
     SearchPane* mSearch;
     TreePane* mTree;

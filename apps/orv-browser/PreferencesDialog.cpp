@@ -21,6 +21,23 @@ QLineEdit* addLine(QFormLayout& layout, const QString& label, const QString& nam
     return line;
 }
 
+/// Names as one line, and back; file names with this separator are none that a service offers.
+constexpr QLatin1Char kSeparator(';');
+
+QString joined(const QStringList& names)
+{
+    return names.join(QString(kSeparator) + QLatin1Char(' '));
+}
+
+QStringList split(const QString& line)
+{
+    QStringList names;
+    for (const QString& name : line.split(kSeparator))
+        if (!name.trimmed().isEmpty())
+            names << name.trimmed();
+    return names;
+}
+
 } // namespace
 
 PreferencesDialog::PreferencesDialog(const BrowserSettings& settings, QWidget* parent) : QDialog(parent)
@@ -33,6 +50,15 @@ PreferencesDialog::PreferencesDialog(const BrowserSettings& settings, QWidget* p
     mServiceUrl->setPlaceholderText(QStringLiteral("https://…/redirect"));
     mProduct = addLine(*layout, tr("&Product:"), QStringLiteral("product"), settings.product);
     mVersion = addLine(*layout, tr("&Version:"), QStringLiteral("productVersion"), settings.productVersion);
+    mBonusCatalogs = addLine(*layout, tr("&Bonus catalogs:"), QStringLiteral("bonusCatalogs"),
+                             joined(settings.bonusCatalogs));
+    mManufacturerCatalogs =
+        addLine(*layout, tr("Manu&facturer catalogs:"), QStringLiteral("manufacturerCatalogs"),
+                joined(settings.manufacturerCatalogs));
+    for (QLineEdit* line : {mBonusCatalogs, mManufacturerCatalogs}) {
+        line->setPlaceholderText(tr("those that are there; more by name"));
+        line->setToolTip(tr("Names of catalogs to fetch, separated by semicolons"));
+    }
     mManufacturerDataUrl = addLine(*layout, tr("&Manufacturer data:"), QStringLiteral("manufacturerDataUrl"),
                                    settings.manufacturerDataUrl);
     mManufacturerLogoUrl = addLine(*layout, tr("Manufacturer &logos:"), QStringLiteral("manufacturerLogoUrl"),
@@ -62,6 +88,8 @@ BrowserSettings PreferencesDialog::settings() const
     settings.serviceUrl = mServiceUrl->text().trimmed();
     settings.product = mProduct->text().trimmed();
     settings.productVersion = mVersion->text().trimmed();
+    settings.bonusCatalogs = split(mBonusCatalogs->text());
+    settings.manufacturerCatalogs = split(mManufacturerCatalogs->text());
     settings.manufacturerDataUrl = mManufacturerDataUrl->text().trimmed();
     settings.manufacturerLogoUrl = mManufacturerLogoUrl->text().trimmed();
     settings.proxy = mProxy->text().trimmed();

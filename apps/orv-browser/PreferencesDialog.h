@@ -23,6 +23,8 @@ private:
     QLineEdit* mServiceUrl;
     QLineEdit* mProduct;
     QLineEdit* mVersion;
+    QLineEdit* mBonusCatalogs;
+    QLineEdit* mManufacturerCatalogs;
     QLineEdit* mManufacturerDataUrl;
     QLineEdit* mManufacturerLogoUrl;
     QLineEdit* mProxy;

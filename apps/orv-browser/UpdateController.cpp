@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include <QCoreApplication>
+#include <QFile>
 #include <QLocale>
 #include <QStringList>
 
@@ -20,6 +21,31 @@ constexpr int kFirstGoodResult = 2; // 2 updated, 3 current
 constexpr int kMostNames = 5;
 constexpr double kSecondsInMinutes = 100; // from here on a time is told in minutes
 constexpr double kMostSecondsLeft = 1e6;
+
+/// The file names of catalogs that the user named, with or without the extension.
+std::vector<std::string> catalogNames(const QStringList& entered)
+{
+    const QString extension = QStringLiteral(".orvlib");
+    std::vector<std::string> names;
+    for (const QString& name : entered) {
+        const bool isPlain = !name.isEmpty() && !name.contains(QLatin1Char('/'));
+        if (isPlain)
+            names.push_back(
+                QFile::encodeName(name.endsWith(extension) ? name : name + extension).toStdString());
+    }
+    return names;
+}
+
+CatalogUpdateRun::Request requestOf(const BrowserSettings& settings)
+{
+    CatalogUpdateRun::Request request;
+    request.url = settings.serviceUrl.toStdString();
+    request.product = settings.product.toStdString();
+    request.productVersion = settings.productVersion.toStdString();
+    request.bonus = catalogNames(settings.bonusCatalogs);
+    request.manufacturer = catalogNames(settings.manufacturerCatalogs);
+    return request;
+}
 
 std::vector<ErrorLogEntry> logEntries()
 {
@@ -74,17 +100,13 @@ void UpdateController::stop()
     conclude();
 }
 
-void UpdateController::start(const QString& url, const QString& product, const QString& version)
+void UpdateController::start(const BrowserSettings& settings)
 {
     if (mRun)
         return;
     mLogEntriesBefore = logEntries().size();
-    CatalogUpdateRun::Request request;
-    request.url = url.toStdString();
-    request.product = product.toStdString();
-    request.productVersion = version.toStdString();
     try {
-        mRun = std::make_unique<CatalogUpdateRun>(request);
+        mRun = std::make_unique<CatalogUpdateRun>(requestOf(settings));
     } catch (const std::exception& error) {
         Q_EMIT ended(QString::fromUtf8(error.what()), false);
         return;

@@ -9,6 +9,7 @@
 #include <QString>
 
 #include "OrvLibrary/host/fileString.h"
+#include "apps/orv-browser/BrowserSettings.h"
 
 class CatalogUpdateRun;
 class LibraryProgressPanel;
@@ -27,7 +28,8 @@ public:
 
     bool isRunning() const { return mRun != nullptr; }
     /// Starts a run; while one runs it does nothing.
-    void start(const QString& url, const QString& product, const QString& version);
+    /// @param settings the service, and the catalogs to fetch beside those that are there
+    void start(const BrowserSettings& settings);
     void cancel();
     /// Cancels what is under way, waits for it, and puts in place what it had fetched.
     void stop();

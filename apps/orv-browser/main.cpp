@@ -10,12 +10,20 @@
 #include "apps/common/AppHost.h"
 #include "apps/orv-browser/MainWindow.h"
 #include "apps/orv-browser/Translations.h"
+#include "apps/orv-browser/WindowMessages.h"
 
 namespace {
 
 std::string value(const QCommandLineParser& parser, const QString& option)
 {
     return QFile::encodeName(parser.value(option)).toStdString();
+}
+
+ServiceOverrides overrides(const QCommandLineParser& parser)
+{
+    return {parser.value(QStringLiteral("url")), parser.value(QStringLiteral("product")),
+            parser.value(QStringLiteral("product-version")), parser.values(QStringLiteral("bonus")),
+            parser.values(QStringLiteral("manufacturer"))};
 }
 
 } // namespace
@@ -40,6 +48,10 @@ int main(int argc, char** argv)
         {QStringLiteral("product"), QStringLiteral("What the service is told of the product."),
          QStringLiteral("P")},
         {QStringLiteral("product-version"), QStringLiteral("And of its version."), QStringLiteral("V")},
+        {QStringLiteral("bonus"), QStringLiteral("One more bonus catalog to fetch; may be repeated."),
+         QStringLiteral("NAME")},
+        {QStringLiteral("manufacturer"),
+         QStringLiteral("One more manufacturer catalog to fetch; may be repeated."), QStringLiteral("NAME")},
     });
     parser.process(application);
 
@@ -49,10 +61,9 @@ int main(int argc, char** argv)
         AppHost host(settings);
         int status = 0;
         {
-            MainWindow window(host.root());
-            window.overrideService(parser.value(QStringLiteral("url")),
-                                   parser.value(QStringLiteral("product")),
-                                   parser.value(QStringLiteral("product-version")));
+            WindowMessages messages;
+            MainWindow window(host.root(), messages);
+            window.overrideService(overrides(parser));
             window.show();
             window.start();
             status = QApplication::exec();

@@ -33,8 +33,8 @@ BrowserTest::~BrowserTest()
 
 void BrowserTest::open(const QString& service)
 {
-    mWindow = std::make_unique<MainWindow>(mHost.root());
-    mWindow->overrideService(service, "Test", "1");
+    mWindow = std::make_unique<MainWindow>(mHost.root(), mMessages);
+    mWindow->overrideService({service, {}, {}, {}, {}});
     mWindow->show();
     mWindow->start();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(mWindow.get()));

@@ -14,6 +14,7 @@
 #include "apps/common/AppHost.h"
 #include "apps/orv-browser/LibraryModel.h"
 #include "apps/orv-browser/MainWindow.h"
+#include "apps/orv-browser/WindowMessages.h"
 #include "tests/support/TempFolder.h"
 
 class QTreeView;
@@ -67,6 +68,7 @@ protected:
 private:
     TempFolder mFolder;
     AppHost mHost;
+    WindowMessages mMessages;
     std::unique_ptr<MainWindow> mWindow;
 };
 

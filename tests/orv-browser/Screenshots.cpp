@@ -16,11 +16,13 @@
 
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "OrvLibrary/Utility/Chooser.h"
+#include "OrvLibrary/host/MessagingSystem.h"
 #include "apps/common/AppHost.h"
 #include "apps/orv-browser/Appearance.h"
 #include "apps/orv-browser/LibraryModel.h"
 #include "apps/orv-browser/MainWindow.h"
 #include "apps/orv-browser/Translations.h"
+#include "apps/orv-browser/WindowMessages.h"
 
 namespace {
 
@@ -33,7 +35,7 @@ void save(QWidget& widget, const QString& name)
 {
     QTest::qWait(kSettleMilliseconds);
     const QString path = gFolder + "/" + name + gSuffix + ".png";
-    if (!widget.grab().save(path))
+    if (!widget.grab().toImage().convertToFormat(QImage::Format_RGB888).save(path, "PNG", 0))
         throw std::runtime_error(path.toStdString() + " cannot be written");
 }
 
@@ -95,6 +97,10 @@ void saveDialogs(MainWindow& window)
         {LibraryFilter("Bathroom", 0, {"sample-1", "sample-6"}), LibraryFilter("Garden", 1, {"sample-10"})});
     saveDialog(window, "editFilters", "filters");
     saveDialog(window, "editPreferences", "preferences");
+    saveDialog(window, "showLog", "log");
+    error::MessagingSystem::control().notify(__FILE__, __LINE__, error::InformationOnceTrait(),
+                                             error::Message::kManufacturerMaterial, {}, {}, {});
+    save(window, "message");
 }
 
 // The colours and the side to start from are those of the picture, whatever the preferences and the language
@@ -105,13 +111,14 @@ void show(MainWindow& window, const QString& service)
     Appearance::apply(arguments.value(5, Appearance::kLight));
     if (arguments.contains("rtl"))
         QApplication::setLayoutDirection(Qt::RightToLeft);
-    window.overrideService(service, "Demo", "1");
+    window.overrideService({service, "Demo", "1", {"Garden Party", "Holiday Décor"}, {"Oakline Cabinets"}});
     window.show();
 }
 
 void saveUpdate(const AppHost& host, const QString& service)
 {
-    MainWindow window(host.root());
+    WindowMessages messages;
+    MainWindow window(host.root(), messages);
     show(window, service);
     save(window, "empty");
     auto& summary = *window.findChild<QLabel*>("summary");
@@ -121,7 +128,6 @@ void saveUpdate(const AppHost& host, const QString& service)
     if (QTest::qWaitFor([&] { return !speed.text().isEmpty() || action.isEnabled(); }, 20000) &&
         !action.isEnabled()) {
         save(window, "update");
-        window.findChild<QAction*>("cancelUpdate")->trigger();
     }
     if (!QTest::qWaitFor([&] { return action.isEnabled(); }, 60000))
         throw std::runtime_error("the update did not end: " + summary.text().toStdString());
@@ -145,7 +151,8 @@ int main(int argc, char** argv)
     try {
         {
             const AppHost host({fileString(arguments[1].toStdString())});
-            MainWindow window(host.root());
+            WindowMessages messages;
+            MainWindow window(host.root(), messages);
             show(window, arguments[2]);
             saveBrowsing(window);
             saveDialogs(window);

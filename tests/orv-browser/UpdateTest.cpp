@@ -12,6 +12,7 @@
 
 #include <gmock/gmock.h>
 
+#include "OrvLibrary/LibraryFilterManager.h"
 #include "OrvLibrary/UI/qtLibraryProgressPanel.h"
 #include "tests/orv-browser/BrowserService.h"
 #include "tests/orv-browser/BrowserTest.h"
@@ -50,7 +51,7 @@ protected:
         const std::string index = service.content() + "/Orv_Core_Content_Index.txt";
         test::writeFile(index, test::readFile(index) + "Large.orvlib\n");
         test::writeFile(service.content() + "/Large.orvlib", "x");
-        std::filesystem::resize_file(service.content() + "/Large.orvlib", std::uintmax_t{1} << 30);
+        std::filesystem::resize_file(service.content() + "/Large.orvlib", 300'000'000);
     }
 
     test::BrowserService service;
@@ -71,6 +72,20 @@ TEST_F(BrowserUpdateTest, emptyRootIsFilledAtAClickAndTheSummaryNamesWhatCame)
     EXPECT_TRUE(waitFor([&] { return panel() == nullptr; }));
     EXPECT_TRUE(openPath({"Core", "Doors"}).isValid());
     EXPECT_TRUE(tree().isVisible());
+}
+
+TEST_F(BrowserUpdateTest, emptyRootGetsTheNamedBonusAndManufacturerCatalogsToo)
+{
+    test::writeFile(inRoot("browser.json"),
+                    R"({"bonusCatalogs": ["Garden Party", "Holiday D\u00e9cor.orvlib", "../outside"],
+                        "manufacturerCatalogs": ["Oakline Cabinets"]})");
+    open(service.redirect());
+    QTest::mouseClick(&child<QPushButton>("fetchContent"), Qt::LeftButton);
+    ASSERT_TRUE(ends());
+    EXPECT_EQ(childNames(model().index(1, 0)),
+              QStringList({"Garden Party", QString::fromUtf8("Holiday D\u00e9cor")}));
+    EXPECT_EQ(childNames(model().index(2, 0)), QStringList("Oakline Cabinets"));
+    EXPECT_TRUE(openPath({"Core", "Doors"}).isValid());
 }
 
 TEST_F(BrowserUpdateTest, secondCheckSaysThatAllIsUpToDate)
@@ -195,6 +210,9 @@ TEST_F(BrowserUpdateTest, closedPanelDoesNotEndTheUpdate)
 TEST_F(BrowserUpdateTest, noEventTakesLongWhileItRuns)
 {
     constexpr int kMostMilliseconds = 50;
+    LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
+    manager.setLibraryFilters({LibraryFilter("Some", 4, {"sample-1", "sample-2"})});
+    manager.setCurrentFilterId(4);
     open(service.redirect());
     const QModelIndex core = model().index(0, 0);
     QCoreApplication::processEvents();

@@ -1,0 +1,171 @@
+#include <map>
+
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QDir>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include <gmock/gmock.h>
+
+#include "apps/orv-browser/Appearance.h"
+#include "tests/orv-browser/BrowserTest.h"
+#include "tests/orv-browser/CatalogMaker.h"
+#include "tests/support/FaultServer.h"
+
+namespace {
+
+using testing::Each;
+using testing::HasSubstr;
+using testing::Not;
+using testing::SizeIs;
+
+void press(QDialog& dialog, QDialogButtonBox::StandardButton button)
+{
+    QTest::mouseClick(dialog.findChild<QDialogButtonBox*>()->button(button), Qt::LeftButton);
+}
+
+QLineEdit& line(QDialog& dialog, const char* name)
+{
+    return *dialog.findChild<QLineEdit*>(name);
+}
+
+class BrowserPreferencesTest : public test::BrowserTest
+{
+protected:
+    BrowserPreferencesTest() { test::CatalogMaker(inRoot("core/Doors.orvlib"), "doors"); }
+    ~BrowserPreferencesTest() override { Appearance::apply(Appearance::kSystem); }
+};
+
+} // namespace
+
+TEST_F(BrowserPreferencesTest, everyFieldIsKeptForTheNextStart)
+{
+    const std::map<const char*, QString> entered = {
+        {"serviceUrl", "http://127.0.0.1:9/redirect"},
+        {"product", "Planner"},
+        {"productVersion", "7.2"},
+        {"bonusCatalogs", "Garden Party; Holiday D\u00e9cor.orvlib"},
+        {"manufacturerCatalogs", "Oakline Cabinets"},
+        {"manufacturerDataUrl", "http://127.0.0.1:9/manufacturers?"},
+        {"manufacturerLogoUrl", "http://127.0.0.1:9/logos?"},
+        {"proxy", "http://127.0.0.1:9"},
+    };
+    open();
+    inDialog([&] { trigger("editPreferences"); },
+             [&](QDialog& dialog) {
+                 for (const auto& [name, text] : entered)
+                     line(dialog, name).setText(" " + text + " ");
+                 dialog.findChild<QCheckBox*>("checkAtStart")->click();
+                 dialog.findChild<QComboBox*>("colours")->setCurrentIndex(2);
+                 press(dialog, QDialogButtonBox::Ok);
+             });
+    close();
+    const BrowserSettings kept = BrowserSettings::load(fileString(inRoot("")));
+    EXPECT_TRUE(kept.checkAtStart);
+    EXPECT_EQ(kept.colours, Appearance::kDark);
+    EXPECT_EQ(kept.bonusCatalogs,
+              QStringList({"Garden Party", QString::fromUtf8("Holiday D\u00e9cor.orvlib")}));
+    test::writeFile(inRoot("browser.json"), [&] { // no check now
+        std::string text = test::readFile(inRoot("browser.json"));
+        return text.replace(text.find("true"), 4, "false");
+    }());
+    open();
+    inDialog([&] { trigger("editPreferences"); },
+             [&](QDialog& dialog) {
+                 for (const auto& [name, text] : entered)
+                     EXPECT_EQ(line(dialog, name).text(), text) << name;
+                 EXPECT_EQ(dialog.findChild<QComboBox*>("colours")->currentIndex(), 2);
+                 dialog.reject();
+             });
+}
+
+TEST_F(BrowserPreferencesTest, cancelledDialogKeepsWhatWas)
+{
+    test::writeFile(inRoot("browser.json"), R"({"serviceUrl": "http://127.0.0.1:9/old"})");
+    open();
+    inDialog([&] { trigger("editPreferences"); },
+             [](QDialog& dialog) {
+                 line(dialog, "serviceUrl").setText("http://127.0.0.1:9/new");
+                 press(dialog, QDialogButtonBox::Cancel);
+             });
+    EXPECT_THAT(test::readFile(inRoot("browser.json")), HasSubstr("/old"));
+    EXPECT_THAT(test::readFile(inRoot("browser.json")), Not(HasSubstr("/new")));
+}
+
+TEST_F(BrowserPreferencesTest, fileThatCannotBeReadMeansTheDefaults)
+{
+    for (const char* text : {"", "[1, 2]", "{\"product\": 5, \"checkAtStart\": \"yes\"", "\xFF\xFE",
+                             "{\"product\": [], \"bonusCatalogs\": \"one\", \"checkAtStart\": 1}"}) {
+        test::writeFile(inRoot("browser.json"), text);
+        const BrowserSettings settings = BrowserSettings::load(fileString(inRoot("")));
+        EXPECT_EQ(settings.serviceUrl, "") << text;
+        EXPECT_EQ(settings.product, "Orv") << text;
+        EXPECT_EQ(settings.productVersion, "1.0") << text;
+        EXPECT_TRUE(settings.bonusCatalogs.isEmpty()) << text;
+        EXPECT_FALSE(settings.checkAtStart) << text;
+    }
+}
+
+TEST_F(BrowserPreferencesTest, preferencesThatCannotBeWrittenAreToldToTheUser)
+{
+    open();
+    // A folder in the place of the file.
+    ASSERT_TRUE(QDir().mkpath(QString::fromStdString(inRoot("browser.json/in the way"))));
+    QString told;
+    inDialog([&] { trigger("editPreferences"); },
+             [&](QDialog& dialog) {
+                 QTimer::singleShot(0, [&] {
+                     ASSERT_TRUE(waitFor([&] { return QApplication::activeModalWidget() != &dialog; }));
+                     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                     ASSERT_NE(box, nullptr);
+                     told = box->text();
+                     box->accept();
+                 });
+                 press(dialog, QDialogButtonBox::Ok);
+             });
+    EXPECT_TRUE(told.startsWith("The preferences were not saved: ")) << told.toStdString();
+}
+
+TEST_F(BrowserPreferencesTest, serviceIsToldTheProductAndVersionOfThePreferences)
+{
+    test::FaultServer server;
+    server.on("/redirect", test::FaultReply::redirect("/content?"));
+    test::writeFile(inRoot("browser.json"),
+                    "{\"serviceUrl\": \"" + server.url("/redirect") + "\", \"product\": \"Planner\"}");
+    open();
+    trigger("checkForUpdates");
+    ASSERT_TRUE(waitFor([&] { return child<QAction>("checkForUpdates").isEnabled(); }));
+    std::vector<std::string> asked;
+    for (const test::FaultRequest& request : server.requestsFor("/content"))
+        if (request.target.find("Doors") != std::string::npos)
+            asked.push_back(request.target);
+    EXPECT_THAT(asked, Not(SizeIs(0)));
+    EXPECT_THAT(asked, Each(HasSubstr("&product=Planner&version=1.0")));
+}
+
+TEST_F(BrowserPreferencesTest, commandLineGoesBeforeThePreferencesWhereItSaysSomething)
+{
+    BrowserSettings preferences;
+    preferences.serviceUrl = "http://127.0.0.1:9/preferred";
+    preferences.bonusCatalogs = QStringList{"Party"};
+    const BrowserSettings same = ServiceOverrides().over(preferences);
+    EXPECT_EQ(same.serviceUrl, "http://127.0.0.1:9/preferred");
+    EXPECT_EQ(same.product, "Orv");
+    EXPECT_EQ(same.productVersion, "1.0");
+    EXPECT_EQ(same.bonusCatalogs, QStringList("Party"));
+
+    const ServiceOverrides overrides{"http://127.0.0.1:9/now", "Planner", "2", {"Snow"}, {"Oak"}};
+    const BrowserSettings now = overrides.over(preferences);
+    EXPECT_EQ(now.serviceUrl, "http://127.0.0.1:9/now");
+    EXPECT_EQ(now.product, "Planner");
+    EXPECT_EQ(now.productVersion, "2");
+    EXPECT_EQ(now.bonusCatalogs, QStringList("Snow"));
+    EXPECT_EQ(now.manufacturerCatalogs, QStringList("Oak"));
+}
