@@ -4,31 +4,32 @@
 #include <map>
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QPersistentModelIndex>
 #include <QTimer>
 
 #include "OrvLibrary/UI/TreeCatalogData.h"
 #include "OrvLibrary/UI/TreeFolderData.h"
-#include "OrvLibrary/UI/TreeItemData.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "apps/orv-browser/Background.h"
-#include "apps/orv-browser/CatalogDatabase.h"
+#include "apps/orv-browser/CatalogRows.h"
 #include "apps/orv-browser/PictureStore.h"
 
 using Library::LibraryCategoryData;
 using Library::TreeData;
 using Library::TreeFolderData;
-using Library::TreeItemData;
 
 namespace {
 
-constexpr int kRowHeight = 28;        // pixels; room for a picture
-constexpr int kPortion = 2000;        // rows a step; about 10 ms
-constexpr int kMostNameLetters = 500; // more is cut for display, with an ellipsis
+constexpr int kRowHeight = 28;    // pixels; room for a picture
+constexpr int kPortion = 2000;    // rows that come or go at once
+constexpr int kMostFillStep = 16; // milliseconds that are filled with rows before events are handled
 
 /// Where the reading of a node's children stands; kept in the node.
 constexpr int kStateRole = Qt::UserRole + 1;
+/// The number of the last reading of a node; one that was begun before ends without a trace.
+constexpr int kReadingRole = Qt::UserRole + 2;
 enum State
 {
     kUnread,
@@ -57,13 +58,6 @@ fileString folderOf(Library::LibraryCategory category)
     }
 }
 
-std::string shortened(const std::string& name)
-{
-    const QString text = QString::fromStdString(name);
-    return text.size() <= kMostNameLetters ? name
-                                           : (text.left(kMostNameLetters) + QChar(0x2026)).toStdString();
-}
-
 std::vector<fileString> catalogsIn(const fileString& folder)
 {
     std::vector<fileString> catalogs;
@@ -87,38 +81,6 @@ void removeChildren(QStandardItem& parent)
 }
 
 } // namespace
-
-/// The sorted children of one node, made off the interface thread, and what went wrong.
-struct LibraryModel::Rows
-{
-    std::vector<std::unique_ptr<TreeData>> nodes;
-    std::size_t next = 0;
-    QString problem;
-
-    static std::shared_ptr<Rows> read(const fileString& database, long long folder)
-    {
-        auto rows = std::make_shared<Rows>();
-        try {
-            const CatalogDatabase catalog(database);
-            const bool isTop = folder < 0;
-            for (const auto& child : catalog.folders(isTop ? std::nullopt : std::optional<long long>(folder)))
-                rows->nodes.push_back(
-                    std::make_unique<TreeFolderData>(child.id, database, shortened(child.name)));
-            if (!isTop)
-                for (const auto& item : catalog.items(folder)) {
-                    auto node = std::make_unique<TreeItemData>(item.id, database, shortened(item.name));
-                    node->setSelectionPaneName(item.paneName);
-                    rows->nodes.push_back(std::move(node));
-                }
-            std::sort(rows->nodes.begin(), rows->nodes.end(),
-                      [](const auto& left, const auto& right) { return *left < *right; });
-        } catch (const std::exception& error) {
-            rows->nodes.clear();
-            rows->problem = QString::fromUtf8(error.what());
-        }
-        return rows;
-    }
-};
 
 LibraryModel::LibraryModel(QObject* parent) : QStandardItemModel(parent), mPictures(new PictureStore(this))
 {
@@ -240,40 +202,44 @@ void LibraryModel::fetchMore(const QModelIndex& parent)
     if (!canFetchMore(parent))
         return;
     TreeData* parentNode = node(parent);
+    const int reading = ++mReadings;
     parentNode->setData(kReading, kStateRole);
+    parentNode->setData(reading, kReadingRole);
     const fileString database = parentNode->getDatabasePath();
     const long long folder = parentNode->getId();
     const QPersistentModelIndex place(parent);
     Background::run(
-        mPool, this, [database, folder] { return Rows::read(database, folder); },
-        [this, place](const std::shared_ptr<Rows>& rows) {
-            if (!place.isValid())
-                return; // the catalog has left meanwhile
+        mPool, this, [database, folder] { return CatalogRows::read(database, folder); },
+        [this, place, reading](const std::shared_ptr<CatalogRows>& rows) {
+            if (!place.isValid() || place.data(kReadingRole).toInt() != reading)
+                return; // the catalog has left meanwhile, or is read again
             QStandardItem* filledNode = itemFromIndex(place);
             removeChildren(*filledNode);
             fill(filledNode, rows);
         });
 }
 
-void LibraryModel::fill(QStandardItem* parent, std::shared_ptr<Rows> rows)
+// The view lays out all rows anew after each step, so steps are as long as the window can do without events.
+void LibraryModel::fill(QStandardItem* parent, const std::shared_ptr<CatalogRows>& rows)
 {
-    QList<QStandardItem*> portion;
-    const std::size_t end = std::min(rows->nodes.size(), rows->next + kPortion);
-    for (; rows->next < end; ++rows->next)
-        portion.append(rows->nodes[rows->next].release());
-    parent->appendRows(portion);
+    QElapsedTimer timer;
+    timer.start();
+    do
+        parent->appendRows(rows->take(kPortion));
+    while (!rows->isEmpty() && timer.elapsed() < kMostFillStep);
 
     const QPersistentModelIndex place(parent->index());
-    if (rows->next < rows->nodes.size()) {
-        QTimer::singleShot(0, this, [this, place, rows] {
-            if (place.isValid())
+    if (!rows->isEmpty()) {
+        const int reading = parent->data(kReadingRole).toInt();
+        QTimer::singleShot(0, this, [this, place, rows, reading] {
+            if (place.isValid() && place.data(kReadingRole).toInt() == reading)
                 fill(itemFromIndex(place), rows);
         });
         return;
     }
-    const bool isFailed = !rows->problem.isEmpty();
+    const bool isFailed = !rows->problem().isEmpty();
     if (isFailed)
-        showNote(parent, tr("Cannot be read: %1").arg(rows->problem));
+        showNote(parent, tr("Cannot be read: %1").arg(rows->problem()));
     parent->setData(isFailed ? kFailed : kRead, kStateRole);
     Q_EMIT filled(place);
 }

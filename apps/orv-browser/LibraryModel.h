@@ -12,6 +12,7 @@
 #include "OrvLibrary/LibraryCategory.h"
 #include "OrvLibrary/UI/TreeData.h"
 
+class CatalogRows;
 class PictureStore;
 
 /// The tree of what is installed: library categories, catalogs in them, and folders and items that are read
@@ -73,13 +74,12 @@ Q_SIGNALS:
     void dropped(const fileString& database, const QString& problem);
 
 private:
-    struct Rows;
-
     void refreshCategory(QStandardItem& category, const fileString& folder);
-    void fill(QStandardItem* parent, std::shared_ptr<Rows> rows);
+    void fill(QStandardItem* parent, const std::shared_ptr<CatalogRows>& rows);
     void showNote(QStandardItem* parent, const QString& text);
     void pictureLoaded(const fileString& database, long long item);
 
     QThreadPool mPool;
     PictureStore* mPictures;
+    int mReadings = 0;
 };

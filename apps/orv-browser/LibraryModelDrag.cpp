@@ -62,8 +62,10 @@ bool LibraryModel::dropMimeData(const QMimeData* data, Qt::DropAction action, in
     const fileString database = node(parent)->getDatabasePath();
     const long long folder = node(parent)->getId();
     const std::vector<ItemDrag::Item> items = ItemDrag::decode(*data);
+    if (items.empty())
+        return false;
     Background::run(
         mPool, this, [items, database, folder] { return copyItems(items, database, folder); },
         [this, database](const QString& problem) { Q_EMIT dropped(database, problem); });
-    return !items.empty();
+    return true;
 }

@@ -65,10 +65,20 @@ int CatalogMaker::addItem(int folder, const Item& item)
     return mItems++;
 }
 
+void CatalogMaker::addFolders(int count)
+{
+    run("WITH RECURSIVE numbers (n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM numbers WHERE n < ?) "
+        "INSERT INTO folder SELECT n, NULL, 'Folder ' || n FROM numbers",
+        {count});
+    mFolders += count;
+}
+
 void CatalogMaker::addItems(int folder, int count, const QByteArray& picture)
 {
-    for (int number = 1; number <= count; ++number)
-        addItem(folder, {"Item " + std::to_string(number), "", std::nullopt, std::nullopt, picture});
+    run("WITH RECURSIVE numbers (n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM numbers WHERE n < ?) "
+        "INSERT INTO item SELECT ? + n, ?, 'Item ' || n, '', NULL, NULL, ?, NULL FROM numbers",
+        {count, mItems - 1, folder, picture});
+    mItems += count;
 }
 
 QByteArray CatalogMaker::picture()

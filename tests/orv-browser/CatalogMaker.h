@@ -33,6 +33,8 @@ public:
     };
     /// @return the item's id, from 0
     int addItem(int folder, const Item& item);
+    /// Folders "Folder 1" and so on at the top of an empty catalog.
+    void addFolders(int count);
     /// Items "Item 1" and so on, each with a picture when one is given.
     void addItems(int folder, int count, const QByteArray& picture = {});
 

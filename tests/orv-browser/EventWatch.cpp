@@ -23,7 +23,7 @@ EventWatch* EventWatch::current()
     return gCurrent;
 }
 
-void EventWatch::note(long long milliseconds, const std::string& name)
+void EventWatch::note(double milliseconds, const std::string& name)
 {
     if (milliseconds <= mLongest)
         return;

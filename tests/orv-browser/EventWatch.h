@@ -16,15 +16,15 @@ public:
     EventWatch& operator=(const EventWatch&) = delete;
 
     /// Milliseconds of the event that took longest.
-    long long longest() const { return mLongest; }
+    double longest() const { return mLongest; }
     /// What that event was.
     const std::string& longestName() const { return mLongestName; }
 
-    void note(long long milliseconds, const std::string& name);
+    void note(double milliseconds, const std::string& name);
     static EventWatch* current();
 
 private:
-    long long mLongest = 0;
+    double mLongest = 0;
     std::string mLongestName;
 };
 

@@ -51,7 +51,7 @@ protected:
         const std::string index = service.content() + "/Orv_Core_Content_Index.txt";
         test::writeFile(index, test::readFile(index) + "Large.orvlib\n");
         test::writeFile(service.content() + "/Large.orvlib", "x");
-        std::filesystem::resize_file(service.content() + "/Large.orvlib", 300'000'000);
+        std::filesystem::resize_file(service.content() + "/Large.orvlib", 600'000'000);
     }
 
     test::BrowserService service;
@@ -158,7 +158,7 @@ TEST_F(BrowserUpdateTest, closingInTheMiddleEndsTheRunAndTheNextStartGoesOn)
     check().trigger();
     ASSERT_TRUE(waitFor([&] { return !child<QLabel>("speed").text().isEmpty() || check().isEnabled(); }));
     close();
-    test::writeFile(service.content() + "/Large.orvlib", "small now");
+    test::writeFile(service.content() + "/Large.orvlib", std::string(5000, 'x')); // small now
     open(service.redirect());
     update();
     EXPECT_TRUE(summary().startsWith("Updated: ")) << summary().toStdString();

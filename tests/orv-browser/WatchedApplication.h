@@ -1,0 +1,39 @@
+#pragma once
+
+#include <string>
+
+#include <QApplication>
+#include <QElapsedTimer>
+
+#include "tests/orv-browser/EventWatch.h"
+
+namespace test {
+
+/// An application that tells the EventWatch, while there is one, how long each event takes, whatever is
+/// handled within it.
+class WatchedApplication : public QApplication
+{
+public:
+    using QApplication::QApplication;
+
+    bool notify(QObject* receiver, QEvent* event) override
+    {
+        if (mDepth > 0 || !EventWatch::current())
+            return QApplication::notify(receiver, event);
+        const std::string name =
+            std::string(receiver->metaObject()->className()) + ", event " + std::to_string(event->type());
+        ++mDepth;
+        QElapsedTimer timer;
+        timer.start();
+        const bool result = QApplication::notify(receiver, event);
+        --mDepth;
+        if (auto* watch = EventWatch::current())
+            watch->note(static_cast<double>(timer.nsecsElapsed()) / 1e6, name);
+        return result;
+    }
+
+private:
+    int mDepth = 0;
+};
+
+} // namespace test
