@@ -2,8 +2,9 @@
 
 #include <QApplication>
 #include <QPalette>
-#include <QStyle>
+#include <QProxyStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
 
 namespace {
 
@@ -45,16 +46,53 @@ QPalette lightPalette()
                       QColor(20, 90, 180)});
 }
 
+/// Fusion, which takes the frame of a check box from the window's colour: on a dark ground it cannot be seen.
+class DarkStyle : public QProxyStyle
+{
+public:
+    DarkStyle() : QProxyStyle(QStringLiteral("Fusion")) {}
+
+    void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                       const QWidget* widget) const override
+    {
+        const auto* view = qstyleoption_cast<const QStyleOptionViewItem*>(option);
+        if (element == PE_IndicatorItemViewItemCheck && view)
+            drawFramed(element, *view, painter, widget);
+        else if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option);
+                 element == PE_IndicatorCheckBox && button)
+            drawFramed(element, *button, painter, widget);
+        else
+            QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+
+private:
+    template <class Option>
+    void drawFramed(PrimitiveElement element, Option option, QPainter* painter, const QWidget* widget) const
+    {
+        option.palette.setColor(QPalette::Window, option.palette.color(QPalette::PlaceholderText));
+        QProxyStyle::drawPrimitive(element, &option, painter, widget);
+    }
+};
+
+QStyle* styleFor(const QString& colours, const QString& systemStyle)
+{
+    // Other styles follow their desktop and mind a palette in part only, which would mix two sets of colours.
+    if (colours == QLatin1String(Appearance::kDark))
+        return new DarkStyle;
+    const bool isLight = colours == QLatin1String(Appearance::kLight);
+    return QStyleFactory::create(isLight ? QStringLiteral("Fusion") : systemStyle);
+}
+
 } // namespace
 
 void Appearance::apply(const QString& colours)
 {
     static const QString systemStyle = QApplication::style()->objectName();
-    const bool isOwn = colours == QLatin1String(kLight) || colours == QLatin1String(kDark);
-    // Other styles follow their desktop and mind a palette in part only, which would mix two sets of colours.
-    QApplication::setStyle(QStyleFactory::create(isOwn ? QStringLiteral("Fusion") : systemStyle));
-    if (!isOwn)
-        QApplication::setPalette(QApplication::style()->standardPalette());
+    QApplication::setStyle(styleFor(colours, systemStyle));
+    if (colours == QLatin1String(kDark))
+        QApplication::setPalette(darkPalette());
+    else if (colours == QLatin1String(kLight))
+        QApplication::setPalette(lightPalette());
     else
-        QApplication::setPalette(colours == QLatin1String(kDark) ? darkPalette() : lightPalette());
+        QApplication::setPalette(QApplication::style()->standardPalette());
 }

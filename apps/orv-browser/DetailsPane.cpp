@@ -2,6 +2,7 @@
 
 #include <QFile>
 #include <QFormLayout>
+#include <QGuiApplication>
 #include <QImage>
 #include <QLabel>
 #include <QPixmap>
@@ -48,7 +49,13 @@ QString contactText(const Manufacturer& maker, const QString& url)
     const QString fax = text(maker.getManufacturerFaxNumber(true));
     if (!fax.isEmpty())
         lines << DetailsPane::tr("Fax: %1").arg(fax.toHtmlEscaped());
-    return lines.join(QStringLiteral("<br>"));
+    if (lines.isEmpty())
+        return {};
+    // What looks like an address runs from left to right in every language, but stands where the others do.
+    const bool isMirrored = QGuiApplication::layoutDirection() == Qt::RightToLeft;
+    return QStringLiteral("<div align=\"%1\">%2</div>")
+        .arg(isMirrored ? QStringLiteral("right") : QStringLiteral("left"),
+             lines.join(QStringLiteral("<br>")));
 }
 
 } // namespace
@@ -74,6 +81,7 @@ DetailsPane::DetailsPane(QWidget* parent) : QScrollArea(parent)
     auto* layout = new QFormLayout(content);
     mRows = layout;
     layout->setRowWrapPolicy(QFormLayout::WrapLongRows);
+    layout->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
     layout->setLabelAlignment(Qt::AlignTop);
     mTitle = new QLabel;
     mTitle->setObjectName(QStringLiteral("detailsTitle"));

@@ -1,16 +1,24 @@
 // What the window looks like to those who do not see it, read another language, or from the other side.
+#include <algorithm>
+#include <cstdlib>
+
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
+#include <QImage>
 #include <QLineEdit>
 #include <QListView>
+#include <QLocale>
 #include <QProcess>
 #include <QTranslator>
 #include <QTreeView>
 
 #include <gtest/gtest.h>
 
+#include "apps/orv-browser/Appearance.h"
+#include "apps/orv-browser/Translations.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
 
@@ -63,6 +71,36 @@ TEST_F(BrowserLookTest, rightToLeftPutsTheTreeOnTheRight)
     const int detailsAt = child<QWidget>("detailsPane").mapTo(&window(), QPoint()).x();
     QApplication::setLayoutDirection(Qt::LeftToRight);
     EXPECT_GT(treeAt, detailsAt);
+}
+
+TEST_F(BrowserLookTest, checkBoxesCanBeSeenOnADarkGround)
+{
+    Appearance::apply(Appearance::kDark);
+    int contrast = 0;
+    {
+        QCheckBox box;
+        const QImage image = box.grab().toImage();
+        const int ground = qGray(image.pixel(0, 0));
+        for (int x = 0; x < image.width(); ++x)
+            contrast = std::max(contrast, std::abs(qGray(image.pixel(x, image.height() / 2)) - ground));
+    }
+    Appearance::apply(Appearance::kSystem);
+    EXPECT_GE(contrast, 30);
+}
+
+TEST(BrowserTranslations, languageThatRunsFromTheRightTurnsTheWindow)
+{
+    const QLocale former;
+    const QList<QTranslator*> translators = qApp->findChildren<QTranslator*>();
+    QLocale::setDefault(QLocale("he_IL"));
+    Translations::install(*qApp);
+    const Qt::LayoutDirection direction = QApplication::layoutDirection();
+    for (QTranslator* translator : qApp->findChildren<QTranslator*>())
+        if (!translators.contains(translator))
+            delete translator;
+    QLocale::setDefault(former);
+    QApplication::setLayoutDirection(Qt::LeftToRight);
+    EXPECT_EQ(direction, Qt::RightToLeft);
 }
 
 TEST_F(BrowserLookTest, germanSpeaksGermanThroughout)
