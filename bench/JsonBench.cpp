@@ -119,6 +119,25 @@ std::unique_ptr<nlohmann::json> readNlohmann(const std::string& text)
     return std::make_unique<nlohmann::json>(nlohmann::json::parse(text));
 }
 
+/// A manufacturer file into the table, records and all.
+std::map<long, Manufacturer> readTable(const std::string& path)
+{
+    std::map<long, Manufacturer> table;
+    boost::posix_time::ptime lastModified;
+    std::string defaultText;
+    if (!ManufacturerManager::read_manufacturer_file(fileString(path), table, &lastModified, &defaultText))
+        std::abort();
+    return table;
+}
+
+/// A file into its tree only.
+boost::property_tree::ptree readPropertyTreeFile(const std::string& path)
+{
+    boost::property_tree::ptree tree;
+    boost::property_tree::read_json(path, tree);
+    return tree;
+}
+
 using Clock = std::chrono::steady_clock;
 
 /// The seconds that `work` takes; its result is let go of afterwards.
@@ -143,6 +162,10 @@ int readOnce(const std::string& reader, const std::string& path)
         seconds = secondsOf([&text] { return readPropertyTree(text); });
     else if (reader == "nlohmann")
         seconds = secondsOf([&text] { return readNlohmann(text); });
+    else if (reader == "table")
+        seconds = secondsOf([&path] { return readTable(path); });
+    else if (reader == "propertyTreeFile")
+        seconds = secondsOf([&path] { return readPropertyTreeFile(path); });
     else if (reader == "memory") {
         const std::size_t before = mallinfo2().uordblks;
         const Node tree = parse(text);
@@ -166,7 +189,8 @@ double runOnce(const std::string& reader, const std::string& path)
 
 void readInNewProcess(benchmark::State& state, const std::string& reader)
 {
-    const std::string text = recordsText(state.range(0));
+    const bool isFile = reader == "table" || reader == "propertyTreeFile";
+    const std::string text = isFile ? manufacturersText(state.range(0)) : recordsText(state.range(0));
     const auto path = std::filesystem::temp_directory_path() / "orv-json-bench.json";
     std::ofstream(path, std::ios::binary) << text;
     for (auto _ : state)
@@ -221,28 +245,14 @@ void readManufacturers(benchmark::State& state, Work work)
     std::filesystem::remove(path);
 }
 
-/// Into the table, records and all.
 void manufacturers_ours(benchmark::State& state)
 {
-    readManufacturers(state, [](const std::string& path) {
-        std::map<long, Manufacturer> table;
-        boost::posix_time::ptime lastModified;
-        std::string defaultText;
-        if (!ManufacturerManager::read_manufacturer_file(fileString(path), table, &lastModified,
-                                                         &defaultText))
-            std::abort();
-        return table;
-    });
+    readManufacturers(state, readTable);
 }
 
-/// Into its tree only.
 void manufacturers_propertyTree(benchmark::State& state)
 {
-    readManufacturers(state, [](const std::string& path) {
-        boost::property_tree::ptree tree;
-        boost::property_tree::read_json(path, tree);
-        return tree;
-    });
+    readManufacturers(state, readPropertyTreeFile);
 }
 
 /// A root folder of the benchmark's own, installed as the host's.
@@ -361,7 +371,7 @@ int main(int argc, char** argv)
 {
     if (argc == 4 && std::string(argv[1]) == "--read")
         return readOnce(argv[2], argv[3]);
-    for (const char* reader : {"ours", "propertyTree", "nlohmann"}) {
+    for (const char* reader : {"ours", "propertyTree", "nlohmann", "table", "propertyTreeFile"}) {
         benchmark::RegisterBenchmark((std::string("read_") + reader).c_str(), readInNewProcess, reader)
             ->Arg(100000)
             ->Arg(10000000)
