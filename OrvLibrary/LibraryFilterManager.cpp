@@ -26,14 +26,21 @@ LibraryFilterManager::LibraryFilterManager()
 void LibraryFilterManager::loadFilters()
 {
     mFilters.clear();
-    mCurrentFilterId = loadFiltersFromFile(getFilterFullname(), mFilters);
+    mCurrentFilterId = -1;
+    try {
+        mCurrentFilterId = loadFiltersFromFile(getFilterFullname(), mFilters);
+    } catch (...) {
+        // The host could not even say where the file is: no filters, as for a file that cannot be read.
+    }
 }
 
 void LibraryFilterManager::saveFilters()
-{
+try {
     // Deliberate: removing the last filter does not reach the file.
     if (!mFilters.empty())
         saveFiltersToFile(getFilterFullname(), mFilters, mCurrentFilterId);
+} catch (...) {
+    // Deliberate: silence. The file has its old content.
 }
 
 marl::unicode::String LibraryFilterManager::getFilterFilename() const

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/host/StringUtils.h"
+#include "tests/support/ForwardingServices.h"
 #include "tests/support/ScopedHost.h"
 
 namespace {
@@ -169,4 +170,18 @@ TEST_F(FilterManager, failureToSaveIsIgnoredButForTheMessage)
     mManager.saveFilters();
     EXPECT_EQ(mHost.messages().size(), 1U);
     EXPECT_EQ(test::readFile(mManager.getFilterFullname()), kTwoFilters);
+}
+
+TEST_F(FilterManager, aHostThatCannotSayWhereTheFileIsHasNone)
+{
+    writeFile(kTwoFilters);
+    mManager.loadFilters();
+    test::ForwardingServices services;
+    services.calls().planFault(test::Service::Paths, 1, test::Fault::Throw,
+                               test::ServiceCalls::Repeat::ForEver);
+    EXPECT_NO_THROW(mManager.saveFilters());
+    EXPECT_NO_THROW(mManager.loadFilters());
+    EXPECT_GE(services.calls().faults(), 2U);
+    EXPECT_TRUE(mManager.getLibraryFilters().empty());
+    EXPECT_EQ(mManager.getCurrentFilterId(), -1);
 }

@@ -260,3 +260,18 @@ TEST_F(FilterMerge, failureToWriteChangesNothing)
     EXPECT_EQ(mManager.getCurrentFilterId(), 4);
     EXPECT_EQ(test::readFile(path), kFileBC);
 }
+
+TEST_F(FilterMerge, mergeDoneAgainAfterHalfOfItAddsOneRenamedCopy)
+{
+    // The other file was written, but the manager's own was not: the process died in between.
+    const fileString path = writeOther(kFileBC);
+    const Filters own{LibraryFilter("B", 0, {"mine"}), LibraryFilter("A", 4, {"x"})};
+    for (int merge = 0; merge < 2; ++merge) {
+        mManager.setLibraryFilters(own);
+        ASSERT_TRUE(mManager.mergeFilters(path));
+    }
+    std::string names;
+    for (const LibraryFilter& filter : mManager.getLibraryFilters())
+        names += filter.getFilterName() + "(" + filter.getDatabaseIds().front() + ") ";
+    EXPECT_EQ(names, "A(x) B 1(mine) B(y) C(z) B 2(mine) ") << "and none of other names";
+}
