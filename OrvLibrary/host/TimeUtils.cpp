@@ -1,6 +1,7 @@
 #include "OrvLibrary/host/TimeUtils.h"
 
 #include <exception>
+#include <new>
 
 #include <boost/date_time/posix_time/posix_time.hpp>
 
@@ -85,6 +86,8 @@ ptime fromString(const std::string& text)
         return none;
     try {
         return isInfinity(text) ? boost::posix_time::from_iso_string(text) : timeFrom(text);
+    } catch (const std::bad_alloc&) {
+        throw; // says nothing of the text; a record must not lose its time to it
     } catch (const std::exception&) {
         return none;
     }
