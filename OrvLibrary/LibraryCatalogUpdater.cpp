@@ -1,5 +1,7 @@
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
+#include <new>
+
 #include "OrvLibrary/CatalogEvents_p.h"
 #include "OrvLibrary/CatalogHashFile_p.h"
 #include "OrvLibrary/CatalogSources_p.h"
@@ -41,10 +43,10 @@ LibraryCatalogUpdater::~LibraryCatalogUpdater() = default;
 void LibraryCatalogUpdater::operator()()
 {
     prepareFolders();
-    gatherCatalogs();
+    attempt(&LibraryCatalogUpdater::gatherCatalogs, "Unable to gather the catalogs");
     // Also after a cancel, which these find out about themselves.
-    checkForUpdates();
-    updateCatalogs();
+    attempt(&LibraryCatalogUpdater::checkForUpdates, "Unable to check the catalogs");
+    attempt(&LibraryCatalogUpdater::updateCatalogs, "Unable to update the catalogs");
     saveHashFiles();
     rememberOutcome();
     sendClosingInvocation();
@@ -121,19 +123,32 @@ void LibraryCatalogUpdater::sendClosingInvocation()
         data.result = mCoreOnly ? kResultCoreFailed : kResultFailed;
     else
         data.result = mCatalogInstalled ? kResultUpdated : kResultCurrent;
-    data.updatedCatalogs = mUpdatedCatalogs;
     data.messageCode = mMessageCode;
-    mHostObject->closeCatalogUpdate(data);
+    try {
+        UpdateData whole = data;
+        whole.updatedCatalogs = mUpdatedCatalogs;
+        mHostObject->closeCatalogUpdate(whole);
+    } catch (const std::bad_alloc&) {
+        // No memory for the names: that the host hears of the end matters more.
+        mHostObject->closeCatalogUpdate(data);
+    }
+}
+
+void LibraryCatalogUpdater::attempt(void (LibraryCatalogUpdater::*stage)(), const char* failure)
+try {
+    (this->*stage)();
+} catch (...) {
+    noteException(failure);
 }
 
 void LibraryCatalogUpdater::noteException(const char* failure, const fileString& subject)
 {
     mHadError = true;
-    const std::string reason = reasonOfException();
     try {
+        const std::string reason = reasonOfException();
         Library::ErrorLog() << failure << subject << "   Reason:  " << reason << "\n";
-    } catch (...) {
-        // Out of memory: the run goes on without the entry.
+    } catch (const std::bad_alloc&) {
+        // The run goes on without the entry.
     }
 }
 

@@ -100,8 +100,9 @@ private:
     bool installReferencedFile(const fileString& newFile, Library::ErrorLog& log);
     void setFilePermissionIfNotThrow(Library::ErrorLog& log, const fileString& file);
 
-    // What keeps a failure inside its step; called while an exception is handled. The missing application
-    // object is thrown on.
+    // What keeps a failure inside its step. The missing application object is thrown on.
+    void attempt(void (LibraryCatalogUpdater::*stage)(), const char* failure);
+    /// Called while an exception is handled.
     void noteException(const char* failure, const fileString& subject = {});
     std::string hostText(int number);
 

@@ -213,3 +213,13 @@ TEST_F(CatalogHashFile, aMissingFolderIsPassedOverInSilence)
     EXPECT_FALSE(exists("core"));
     EXPECT_EQ(logText(), "");
 }
+
+TEST_F(CatalogHashFile, oneThatCannotBeWrittenKeepsItsLines)
+{
+    installed("core/catalog_hash.txt", "a.orvlib:old\n");
+    ASSERT_EQ(chmod(path("core/catalog_hash.txt").toNativeString().c_str(), 0444), 0);
+    CatalogMap catalogs;
+    catalogs[fileString("a.orvlib")] = record("old", "new", true, Library::kCoreLibrary);
+    saveCatalogHashMap(catalogs, Library::kCoreLibrary);
+    EXPECT_EQ(content("core/catalog_hash.txt"), "a.orvlib:old\n") << "which costs one more download";
+}
