@@ -58,6 +58,7 @@ void readCatalogHashMap(CatalogMap& catalogs, Library::LibraryCategory category)
 {
     const fileString hashFile = catalogHashFile(category);
     std::istringstream text(readWhole(hashFile));
+    text.exceptions(std::ios_base::badbit); // the lack of memory for a line is not the end of the file
     // Deliberate: a blank line ends the file, and what follows it is ignored. A carriage return is part of
     // the tag, so a line of it alone is not blank.
     for (std::string line; std::getline(text, line) && !line.empty();)

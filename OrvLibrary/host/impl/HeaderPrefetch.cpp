@@ -69,7 +69,7 @@ bool HeaderPrefetch::take(const HttpRequest& request, HttpAnswer& answer)
     }
     mByKey.erase(found);
     answer = std::move(entry.answer);
-    return true;
+    return !entry.isLost;
 }
 
 void HeaderPrefetch::advance()
@@ -97,10 +97,18 @@ void HeaderPrefetch::start(Entry& entry)
     entry.started = now;
     if (entry.startedFirst == TimePoint())
         entry.startedFirst = now;
+    // What needs memory comes first: an entry that is said to run and does not would be waited for for ever.
+    mRunning.reserve(mRunning.size() + 1);
     entry.body = std::make_unique<HttpBody>(mLimits);
     entry.request.onNewConnection = entry.isOpening;
-    entry.transfer = std::make_unique<HttpTransfer>(mConnections.acquire(), entry.request, *entry.body,
-                                                    mLimits, entry.startedFirst + mLimits.totalTimeout);
+    CURL* const handle = mConnections.acquire();
+    try {
+        entry.transfer = std::make_unique<HttpTransfer>(handle, entry.request, *entry.body, mLimits,
+                                                        entry.startedFirst + mLimits.totalTimeout);
+    } catch (...) {
+        mConnections.release(handle);
+        throw;
+    }
     entry.state = State::Running;
     mRunning.push_back(static_cast<std::size_t>(&entry - mEntries.data()));
     mConnections.start(*entry.transfer);
@@ -120,7 +128,11 @@ void HeaderPrefetch::end(Entry& entry)
 
 void HeaderPrefetch::finish(Entry& entry)
 {
-    entry.answer = entry.transfer->answer();
+    try {
+        entry.answer = entry.transfer->answer();
+    } catch (const std::bad_alloc&) {
+        entry.isLost = true;
+    }
     if (entry.answer.answered) {
         noteOpened(entry);
         mUnansweredInRow = 0;

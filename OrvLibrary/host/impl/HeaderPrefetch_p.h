@@ -31,7 +31,7 @@ public:
     HeaderPrefetch& operator=(const HeaderPrefetch&) = delete;
 
     /// The answer to a request of the list, waited for if need be; each is handed out once.
-    /// @return false when it is not, or no longer, in the list
+    /// @return false when it is not, or no longer, in the list, or when its answer was lost
     bool take(const HttpRequest& request, HttpAnswer& answer);
     /// Starts and ends what is due. Called at each step of the connections.
     void advance();
@@ -56,6 +56,8 @@ private:
         /// Sent on a connection of its own that does not stand yet.
         bool isOpening = false;
         HttpAnswer answer;
+        /// There was no memory for the answer.
+        bool isLost = false;
     };
 
     void start(Entry& entry);

@@ -25,6 +25,16 @@ void initialiseLibrary()
     std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
 }
 
+/// Done at the end of a block, also when an exception ends it.
+template <class Action>
+struct AtEnd
+{
+    ~AtEnd() { action(); }
+    Action action;
+};
+template <class Action>
+AtEnd(Action) -> AtEnd<Action>;
+
 } // namespace
 
 BrokenPipeBlock::BrokenPipeBlock()
@@ -82,14 +92,18 @@ CURL* HttpConnections::acquire()
     return handle;
 }
 
-void HttpConnections::release(CURL* handle)
+void HttpConnections::release(CURL* handle) noexcept
 {
-    if (mIdle.size() >= kIdleHandles) {
-        curl_easy_cleanup(handle);
-        return;
-    }
     curl_easy_reset(handle);
-    mIdle.push_back(handle);
+    try {
+        if (mIdle.size() < kIdleHandles) {
+            mIdle.push_back(handle);
+            return;
+        }
+    } catch (const std::bad_alloc&) {
+        // Not kept, then.
+    }
+    curl_easy_cleanup(handle);
 }
 
 void HttpConnections::setPrefetch(std::unique_ptr<HeaderPrefetch> prefetch)
@@ -103,7 +117,7 @@ void HttpConnections::setPrefetch(std::unique_ptr<HeaderPrefetch> prefetch)
 std::chrono::microseconds HttpConnections::latency(const std::string& address) const
 {
     const auto found = mExperiences.find(address);
-    if (found == mExperiences.end())
+    if (found == mExperiences.end() || found->second.latencies.empty())
         return std::chrono::microseconds(-1);
     const auto& times = found->second.latencies;
     return *std::min_element(times.begin(), times.end());
@@ -115,8 +129,8 @@ bool HttpConnections::isMultiplexing(const std::string& address) const
     return found != mExperiences.end() && found->second.isMultiplexing;
 }
 
-void HttpConnections::noteAnswer(const HttpTransfer& transfer)
-{
+void HttpConnections::noteAnswer(const HttpTransfer& transfer) noexcept
+try {
     curl_off_t connected = 0;
     curl_off_t sent = 0;
     curl_off_t answered = 0;
@@ -135,33 +149,37 @@ void HttpConnections::noteAnswer(const HttpTransfer& transfer)
     times.emplace_back(std::max(connected, answered - sent));
     if (times.size() > kLatencies)
         times.pop_front();
+} catch (const std::bad_alloc&) {
 }
 
 HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, const HttpLimits& limits,
                                     TimePoint deadline)
 {
     const BrokenPipeBlock block;
-    CURL* handle = acquire();
+    CURL* const handle = acquire();
     mBusy = true;
+    const AtEnd giveBack{[&] {
+        mBusy = false;
+        release(handle);
+    }};
     HttpTransfer transfer(handle, request, body, limits, deadline);
     run(transfer);
-    mBusy = false;
     if (transfer.isAnswered())
         noteAnswer(transfer);
-    release(handle);
     return transfer.answer();
 }
 
 void HttpConnections::run(HttpTransfer& transfer)
 {
     start(transfer);
+    // Whatever happens, the transfer library must not hold a transfer that is gone.
+    const AtEnd end{[&] { stop(transfer); }};
     while (!transfer.finished()) {
         if (!step())
             transfer.finish(CURLE_OUT_OF_MEMORY);
         if (!transfer.finished() && transfer.watch(HttpLimits::Clock::now()))
             wait();
     }
-    stop(transfer);
 }
 
 void HttpConnections::start(HttpTransfer& transfer)

@@ -47,12 +47,13 @@ public:
     std::chrono::microseconds latency(const std::string& address) const;
     /// Whether one connection to the address carries many requests at once; false when it is not known.
     bool isMultiplexing(const std::string& address) const;
-    /// Notes the time, and the kind of connection, of a transfer that has just been answered.
-    void noteAnswer(const HttpTransfer& transfer);
+    /// Notes the time, and the kind of connection, of a transfer that has just been answered; not where
+    /// memory runs out.
+    void noteAnswer(const HttpTransfer& transfer) noexcept;
 
     /// The pieces of `perform`, for those who run several transfers.
     CURL* acquire();
-    void release(CURL* handle);
+    void release(CURL* handle) noexcept;
     void start(HttpTransfer& transfer);
     void stop(HttpTransfer& transfer);
     /// Moves every transfer on. False when the transfer library cannot, for lack of memory.

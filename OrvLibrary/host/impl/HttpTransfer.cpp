@@ -1,6 +1,7 @@
 #include "OrvLibrary/host/impl/HttpTransfer_p.h"
 
 #include <algorithm>
+#include <new>
 
 #include "OrvLibrary/host/impl/HttpAddress_p.h"
 
@@ -30,10 +31,7 @@ HttpTransfer::HttpTransfer(CURL* handle, const HttpRequest& request, HttpBody& b
     setHeaderLines(request.headerLines);
 }
 
-HttpTransfer::~HttpTransfer()
-{
-    curl_slist_free_all(mHeaderList);
-}
+HttpTransfer::~HttpTransfer() = default;
 
 void HttpTransfer::setOptions(const HttpRequest& request)
 {
@@ -67,12 +65,14 @@ void HttpTransfer::setOptions(const HttpRequest& request)
 void HttpTransfer::setHeaderLines(const std::vector<std::string>& lines)
 {
     for (const std::string& line : lines) {
-        curl_slist* longer =
-            curl_slist_append(mHeaderList, listForm(HttpAddress::wireHeaderLine(line)).c_str());
-        if (longer)
-            mHeaderList = longer;
+        curl_slist* const list =
+            curl_slist_append(mHeaderList.get(), listForm(HttpAddress::wireHeaderLine(line)).c_str());
+        if (!list)
+            throw std::bad_alloc();
+        if (!mHeaderList)
+            mHeaderList.reset(list);
     }
-    curl_easy_setopt(mHandle, CURLOPT_HTTPHEADER, mHeaderList);
+    curl_easy_setopt(mHandle, CURLOPT_HTTPHEADER, mHeaderList.get());
 }
 
 std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* self)
@@ -116,7 +116,7 @@ bool HttpTransfer::takeHeader(const std::string& line)
     return mBody.begin(mStatus, mHeader.text());
 }
 
-bool HttpTransfer::fail(CURLcode error, const std::string& text)
+bool HttpTransfer::fail(CURLcode error, const char* text)
 {
     mFinished = true;
     mError = error;
@@ -172,7 +172,7 @@ HttpAnswer HttpTransfer::answer() const
         std::rethrow_exception(mException);
     HttpAnswer answer;
     answer.error = mError;
-    if (!mFailure.empty())
+    if (mFailure)
         answer.errorText = mFailure;
     else if (mError != CURLE_OK)
         answer.errorText = *mErrorText ? mErrorText : curl_easy_strerror(mError);

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <exception>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -68,6 +69,11 @@ public:
     HttpAnswer answer() const;
 
 private:
+    struct ListEnd
+    {
+        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+    };
+
     static std::size_t onHeader(char* data, std::size_t size, std::size_t count, void* self);
     static std::size_t onBody(char* data, std::size_t size, std::size_t count, void* self);
 
@@ -75,13 +81,14 @@ private:
     void setHeaderLines(const std::vector<std::string>& lines);
     bool takeHeader(const std::string& line);
     bool heed(HttpBody::Verdict verdict);
-    bool fail(CURLcode error, const std::string& text);
+    /// @param text a literal: a failure needs no memory
+    bool fail(CURLcode error, const char* text);
 
     CURL* mHandle;
     HttpBody& mBody;
     const HttpLimits& mLimits;
     const TimePoint mDeadline;
-    curl_slist* mHeaderList = nullptr;
+    std::unique_ptr<curl_slist, ListEnd> mHeaderList;
     char mErrorText[CURL_ERROR_SIZE] = "";
 
     HttpHeaderBlock mHeader;
@@ -90,6 +97,6 @@ private:
     bool mFinished = false;
     CURLcode mError = CURLE_OK;
     /// Our own failure, which goes before the transfer library's.
-    std::string mFailure;
+    const char* mFailure = nullptr;
     std::exception_ptr mException;
 };

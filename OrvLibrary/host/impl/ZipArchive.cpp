@@ -31,8 +31,11 @@ bool ZipArchive::isUnchanged() const
 const ZipEntry* ZipArchive::find(std::string_view name) const
 {
     if (mByName.empty()) {
+        // Whole or not at all: where memory runs out in between, the next look-up must not miss a member.
+        std::unordered_map<std::string_view, std::size_t> byName;
         for (std::size_t i = 0; i < mEntries.size(); ++i)
-            mByName[mEntries[i].name] = i;
+            byName[mEntries[i].name] = i;
+        mByName.swap(byName);
     }
     const auto found = mByName.find(name);
     return found == mByName.end() ? nullptr : &mEntries[found->second];
