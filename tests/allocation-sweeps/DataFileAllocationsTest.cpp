@@ -1,0 +1,256 @@
+// Filters, manufacturers, JSON, hash files, preferences and the error log without memory.
+#include <gtest/gtest.h>
+
+#include "OrvLibrary/CatalogHashFile_p.h"
+#include "OrvLibrary/IO/ErrorLog.h"
+#include "OrvLibrary/LibraryFilterManager.h"
+#include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "OrvLibrary/host/TimeUtils.h"
+#include "OrvLibrary/json/json_file.h"
+#include "OrvLibrary/json/json_writer.h"
+#include "tests/allocation-sweeps/AllocationPlan.h"
+#include "tests/allocation-sweeps/AllocationScenario.h"
+
+using test::AllocationScenario;
+using test::CountedAllocations;
+
+namespace {
+
+const char kFilterFile[] = "core/catalog_filters.json";
+const char kOtherFile[] = "user/other_filters.json";
+const char kManufacturerFile[] = "manufacturer-data/manufacturer_data.json";
+
+std::string filterText(int id, const std::string& name)
+{
+    return R"({"Current_Filter": )" + std::to_string(id) + R"(, "Filter": {"Filter_Name": ")" + name +
+           R"( with a name that needs memory", "Filter_Id": )" + std::to_string(id) +
+           R"(, "Database_Ids": ["a database of some length", "b"]}})";
+}
+
+LibraryFilterManager& filters()
+{
+    return LibraryFilterManager::getLibraryFilterManager();
+}
+
+class SaveFilters : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void prepare() override { host().folder().write(kFilterFile, filterText(3, "Old")); }
+    void act() override
+    {
+        filters().setLibraryFilters({LibraryFilter("A new filter of the user's", 4, {"one", "two"}),
+                                     LibraryFilter("Another new one of the user's", 5, {})});
+        filters().setCurrentFilterId(5);
+        const CountedAllocations counted;
+        filters().saveFilters();
+    }
+};
+
+class LoadFilters : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void prepare() override { host().folder().write(kFilterFile, filterText(3, "Old")); }
+    void act() override
+    {
+        const CountedAllocations counted;
+        filters().loadFilters();
+    }
+};
+
+class MergeFilters : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void prepare() override { host().folder().write(kOtherFile, filterText(3, "Other")); }
+    void act() override
+    {
+        filters().setLibraryFilters({LibraryFilter("A filter of the user's own", 3, {"one", "two"})});
+        const fileString other = host().folder().file(kOtherFile);
+        const CountedAllocations counted;
+        filters().mergeFilters(other);
+    }
+};
+
+class SaveManufacturers : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void prepare() override { host().folder().write(kManufacturerFile, R"({"Default_Text": "old"})"); }
+    void act() override
+    {
+        ManufacturerManager::cleanup();
+        ManufacturerManager& manager = *ManufacturerManager::getManufacturerManager();
+        std::map<long, Manufacturer> records;
+        records[7] =
+            Manufacturer("A maker of doors and windows", "https://maker.example/with/a/path", "1", "2",
+                         "logo.png", "default", false, false, Library::fromString("20260102T030405"));
+        const CountedAllocations counted;
+        manager.saveModifiedManufacturers(records, "the new default text of all makers");
+    }
+    bool mayThrow() const override { return true; } // the caller's table is copied
+};
+
+class LoadManufacturers : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void prepare() override
+    {
+        host().folder().write(kManufacturerFile,
+                              R"({"Last_Modified": "20260101T000000", "Default_Text": "a text for all makers",
+                                  "Manufacturer": {"Id": 1, "Name": "A maker of doors and windows"}})");
+    }
+    void act() override
+    {
+        ManufacturerManager::cleanup();
+        const CountedAllocations counted;
+        ManufacturerManager::getManufacturerManager();
+    }
+    bool mayThrow() const override { return true; } // there may be no memory for the instance
+};
+
+class JsonRoundTrip : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void prepare() override
+    {
+        host().folder().write("user/in.json",
+                              R"({"a": [1, 2.5, true, null, "text \u00fc"], "b": {"c": []}})");
+        host().folder().write("user/out.json", "{}");
+    }
+    void act() override
+    {
+        const CountedAllocations counted;
+        const auto root = json::readFile(host().folder().file("user/in.json"));
+        json_writer::Object object;
+        object.add_element<int>("size", static_cast<int>(boost::any_cast<const json::object&>(*root).size()));
+        json_writer::write_file(host().folder().file("user/out.json").toNativeString(), object);
+    }
+    bool mayThrow() const override { return true; }
+};
+
+class HashFiles : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void prepare() override
+    {
+        host().folder().write("core/Doors and windows of all kinds.orvlib", "doors");
+        host().folder().write("core/catalog_hash.txt",
+                              "Doors and windows of all kinds.orvlib:old tag of it\n");
+    }
+    void act() override
+    {
+        const CountedAllocations counted;
+        LibraryCatalogUpdate::CatalogMap catalogs;
+        LibraryCatalogUpdate::readCatalogHashMap(catalogs, Library::kCoreLibrary);
+        for (auto& [name, record] : catalogs) {
+            record.installed = true;
+            record.serverETag = "the new tag of the installed catalog";
+        }
+        LibraryCatalogUpdate::saveCatalogHashMap(catalogs, Library::kCoreLibrary);
+    }
+    bool mayThrow() const override { return true; } // caught by the run that it is a part of
+};
+
+class Preferences : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void prepare() override { host().prefs().setPrefAs<bool>(PrefId::kLastCoreUpdateHadError, false); }
+    void act() override
+    {
+        const CountedAllocations counted;
+        host().prefs().setPrefAs<bool>(PrefId::kLastCoreUpdateHadError, true);
+        host().prefs().getPrefAs<bool>(PrefId::kExcludeCoreContent);
+    }
+    bool mayThrow() const override { return true; } // a service of the host's
+};
+
+/// The log is written in place, and is no part of the tree; a failure only must not leave it.
+class LogEntry : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void act() override
+    {
+        Library::ErrorLog log;
+        log << "an entry that is long enough to need some memory of its own\n";
+        const CountedAllocations counted;
+        Library::ErrorLog() << "another entry, made without memory, with a number " << 5UL << "\n";
+    }
+    bool mayThrow() const override { return true; } // while the text is put together
+};
+
+class DataFileAllocations : public testing::Test
+{
+protected:
+    ~DataFileAllocations() override { ManufacturerManager::cleanup(); }
+
+    template <class Scenario>
+    void sweep()
+    {
+        Scenario(mHost).sweep();
+    }
+
+    test::ScopedHost mHost;
+};
+
+} // namespace
+
+TEST_F(DataFileAllocations, savingFiltersLosesNone)
+{
+    sweep<SaveFilters>();
+}
+
+TEST_F(DataFileAllocations, loadingFiltersChangesNothing)
+{
+    sweep<LoadFilters>();
+}
+
+TEST_F(DataFileAllocations, mergingFiltersLosesNone)
+{
+    sweep<MergeFilters>();
+}
+
+TEST_F(DataFileAllocations, savingManufacturersLosesNone)
+{
+    sweep<SaveManufacturers>();
+}
+
+TEST_F(DataFileAllocations, loadingManufacturersChangesNothing)
+{
+    sweep<LoadManufacturers>();
+}
+
+TEST_F(DataFileAllocations, readingAndWritingJsonLeavesOldOrNew)
+{
+    sweep<JsonRoundTrip>();
+}
+
+TEST_F(DataFileAllocations, hashFilesAreOldOrNew)
+{
+    sweep<HashFiles>();
+}
+
+TEST_F(DataFileAllocations, preferencesAreOldOrNew)
+{
+    sweep<Preferences>();
+}
+
+TEST_F(DataFileAllocations, anEntryOfTheLogIsDropped)
+{
+    sweep<LogEntry>();
+}

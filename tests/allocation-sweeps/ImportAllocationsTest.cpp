@@ -1,0 +1,182 @@
+// Archives and files without memory.
+#include <gtest/gtest.h>
+
+#include "OrvLibrary/IO/Base64.h"
+#include "OrvLibrary/IO/LibraryImport.h"
+#include "OrvLibrary/Utility/StringConversion.h"
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/SHA1.h"
+#include "OrvLibrary/host/ZipUtils.h"
+#include "tests/allocation-sweeps/AllocationPlan.h"
+#include "tests/allocation-sweeps/AllocationScenario.h"
+#include "tests/support/ArchiveBuilder.h"
+
+using test::AllocationScenario;
+using test::CountedAllocations;
+using test::sampleBytes;
+
+namespace {
+
+class QuietProgress : public ProgressSubject
+{
+public:
+    bool checkCancel(bool) override { return false; }
+    void createSubProgress(std::uint64_t) override {}
+    void increment(const marl::unicode::String&, const marl::unicode::String&) override {}
+    void updateLabels(const marl::unicode::String&, const marl::unicode::String&) override {}
+};
+
+test::ArchiveBuilder archive(unsigned seed)
+{
+    test::ArchiveBuilder builder;
+    builder.add("textures/oak.jpg", sampleBytes(3000, seed));
+    builder.add("textures/of a rather long name/T\xc3\xbcr.png", sampleBytes(2000, seed + 1));
+    return builder;
+}
+
+class Unpack : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void prepare() override
+    {
+        test::ArchiveBuilder builder = archive(1);
+        builder.add("Kitchen.orvlib", sampleBytes(5000, 3));
+        builder.write(host().folder(), "user/Kitchen.orvlibz");
+        host().folder().write("user/Kitchen.orvlib", "an older database");
+        archive(9).write(host().folder(), "user/Kitchen.zip");
+    }
+    void act() override
+    {
+        const CountedAllocations counted;
+        LibraryImport::unpack(host().folder().file("user/Kitchen.orvlibz"), false, mProgress);
+    }
+    bool mayThrow() const override { return true; }
+    /// Guarded before they are written; and what could not be copied is skipped.
+    bool isExcepted(const std::string& name) const override { return name != "user/Kitchen.orvlibz"; }
+    /// The older archive beside it, or a part of it, is gone: what an undisturbed run adds to it is there
+    /// alone.
+    bool mayStayOut(const std::string& name) const override { return name == "user/Kitchen.zip"; }
+
+private:
+    std::shared_ptr<ProgressSubject> mProgress = std::make_shared<QuietProgress>();
+};
+
+class PlaceTextures : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void putBack() override { archive(1).write(host().folder(), "temp/extracted.zip"); }
+    void act() override
+    {
+        const CountedAllocations counted;
+        LibraryImport::moveArchivedTextures(host().folder().file("temp/extracted.zip"),
+                                            host().folder().file("textures/Kitchen.zip"), mProgress);
+    }
+    bool mayThrow() const override { return true; } // until it has begun
+    bool isExcepted(const std::string& name) const override { return name == "temp/extracted.zip"; }
+
+private:
+    std::shared_ptr<ProgressSubject> mProgress = std::make_shared<QuietProgress>();
+};
+
+class MergeTextures : public PlaceTextures
+{
+public:
+    using PlaceTextures::PlaceTextures;
+
+    void prepare() override
+    {
+        test::ArchiveBuilder old = archive(5);
+        old.add("kept.txt", "kept");
+        old.write(host().folder(), "textures/Kitchen.zip");
+    }
+};
+
+class Files : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void prepare() override
+    {
+        host().folder().write("user/source file with a long name", sampleBytes(4000, 1));
+        host().folder().write("user/target file with a long name", "old");
+    }
+    void act() override
+    {
+        const fileString source = host().folder().file("user/source file with a long name");
+        const fileString target = host().folder().file("user/target file with a long name");
+        const fileString third = host().folder().file("user/third file with a long name");
+        const CountedAllocations counted;
+        FileUtils::createDirectoriesWithPerm(host().folder().file("user/folder/in a folder/"), false);
+        FileUtils::copyFile(source, target, true);
+        FileUtils::copyFile(target, third, true);
+        FileUtils::renameFile(third, target);
+        SHA1::fileContentsToSHA1Hex(target);
+        FileUtils::removeDirectoryAndFiles(host().folder().file("user/folder"), 1);
+    }
+    bool mayThrow() const override { return true; } // services of the host's
+    /// What the operations in the middle make, and the last ones take away.
+    bool isExcepted(const std::string& name) const override
+    {
+        return name == "user/third file with a long name" || name.rfind("user/folder/", 0) == 0;
+    }
+};
+
+class Texts : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void act() override
+    {
+        const std::vector<unsigned char> bytes(500, 'b');
+        const CountedAllocations counted;
+        EXPECT_EQ(Base64::decode(Base64::encode(bytes)), bytes);
+        EXPECT_EQ(Library::toUTF8(Library::toWindows1252("T\xc3\xbcren und Fenster aller Art")),
+                  "T\xc3\xbcren und Fenster aller Art");
+    }
+    bool mayThrow() const override { return true; } // values are returned
+};
+
+class ImportAllocations : public testing::Test
+{
+protected:
+    template <class Scenario>
+    void sweep()
+    {
+        Scenario(mHost).sweep();
+    }
+
+    test::ScopedHost mHost;
+};
+
+} // namespace
+
+TEST_F(ImportAllocations, unpackingLeavesNoHalfFile)
+{
+    sweep<Unpack>();
+}
+
+TEST_F(ImportAllocations, placingTexturesLeavesNoHalfArchive)
+{
+    sweep<PlaceTextures>();
+}
+
+TEST_F(ImportAllocations, mergingTexturesLosesNone)
+{
+    sweep<MergeTextures>();
+}
+
+TEST_F(ImportAllocations, copyingAndMovingLosesNoFile)
+{
+    sweep<Files>();
+}
+
+TEST_F(ImportAllocations, encodingsSayThatThereIsNoMemory)
+{
+    sweep<Texts>();
+}

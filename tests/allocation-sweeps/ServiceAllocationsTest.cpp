@@ -1,0 +1,161 @@
+// The download service, and the refresh of the manufacturers, without memory.
+#include <gtest/gtest.h>
+
+#include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "OrvLibrary/host/WebUtils.h"
+#include "OrvLibrary/host/impl/CurlService_p.h"
+#include "tests/allocation-sweeps/AllocationPlan.h"
+#include "tests/allocation-sweeps/AllocationScenario.h"
+#include "tests/support/ArchiveBuilder.h"
+#include "tests/support/FaultServer.h"
+
+using test::AllocationScenario;
+using test::CountedAllocations;
+using test::FaultReply;
+
+namespace {
+
+const char kRecords[] = R"({"Last_Modified": "20300101T000000", "Default_Text": "ask the maker himself",
+    "Manufacturer": {"Id": 1, "Name": "A maker of doors and windows", "Logo": "new logo.png",
+    "Last_Modified": "20300101T000000"}})";
+
+class ServiceScenario : public AllocationScenario
+{
+public:
+    ServiceScenario(test::ScopedHost& host, test::FaultServer& server)
+        : AllocationScenario(host), mServer(server)
+    {
+    }
+
+    bool mayThrow() const override { return true; } // a service of the host's
+
+protected:
+    test::FaultServer& server() { return mServer; }
+
+private:
+    test::FaultServer& mServer;
+};
+
+int goOn(void*, double, double, double, double)
+{
+    return 0;
+}
+
+class Download : public ServiceScenario
+{
+public:
+    using ServiceScenario::ServiceScenario;
+
+    void prepare() override { host().folder().write("user/file", "old"); }
+    void act() override
+    {
+        const fileString target = host().folder().file("user/file");
+        std::string reason;
+        int error = 0;
+        const CountedAllocations counted;
+        Curl::get().download_to_location(server().url("/file?"), target, {"X-Header: with some text in it"},
+                                         nullptr, goOn, reason, error);
+    }
+    /// A failed download removes its target: the service's contract.
+    bool isExcepted(const std::string& name) const override { return name == "user/file"; }
+};
+
+class Requests : public ServiceScenario
+{
+public:
+    using ServiceScenario::ServiceScenario;
+
+    void act() override
+    {
+        std::string text;
+        std::string page;
+        std::int64_t status = 0;
+        const CountedAllocations counted;
+        Curl::get().prefetchHeaders({{server().url("/file?1"), {}}, {server().url("/file?2"), {}}});
+        for (const char* target : {"/file?1", "/file?2", "/file?3"})
+            Curl::get().getURLHeader(server().url(target), {}, text, status);
+        Curl::get().prefetchHeaders({});
+        Curl::get().browseURL(server().url("/file"), {}, page, true, 0);
+        WebUtils::getUrlAfterRedirects(server().url("/redirect"));
+        WebUtils::HeaderMap headers;
+        WebUtils::parseReturnHeader(text, headers);
+    }
+};
+
+class Refresh : public ServiceScenario
+{
+public:
+    using ServiceScenario::ServiceScenario;
+
+    void prepare() override
+    {
+        host().folder().write("manufacturer-data/manufacturer_data.json",
+                              R"({"Last_Modified": "20200101T000000", "Default_Text": "old",
+                                  "Manufacturer": {"Id": 1, "Name": "A maker", "Logo": "old logo.png",
+                                  "Last_Modified": "20200101T000000"}})");
+        host().folder().write("manufacturer-data/old logo.png", "old logo");
+    }
+    void act() override
+    {
+        ManufacturerManager::cleanup();
+        ManufacturerManager& manager = *ManufacturerManager::getManufacturerManager();
+        const marl::unicode::String data(server().url("/makers?"));
+        const marl::unicode::String logos(server().url("/file?"));
+        const CountedAllocations counted;
+        manager.checkForManufacturerUpdates(data, logos);
+    }
+    bool mayThrow() const override { return false; }
+    /// Removed before its successor arrives; a logo that failed stays out until its record changes.
+    bool isExcepted(const std::string& name) const override
+    {
+        return name == "manufacturer-data/old logo.png";
+    }
+    bool mayStayOut(const std::string& name) const override
+    {
+        return name == "manufacturer-data/new logo.png";
+    }
+};
+
+class ServiceAllocations : public testing::Test
+{
+protected:
+    ServiceAllocations()
+    {
+        mServer.on("/file", FaultReply::ok(test::sampleBytes(20'000, 1), {"ETag: \"a tag of some length\""}));
+        mServer.on("/redirect", FaultReply::redirect("/file?with=a&query="));
+        mServer.on("/makers", FaultReply::ok(kRecords));
+        Curl::install(&mService);
+    }
+    ~ServiceAllocations() override
+    {
+        Curl::install(nullptr);
+        ManufacturerManager::cleanup();
+    }
+
+    template <class Scenario>
+    void sweep()
+    {
+        Scenario(mHost, mServer).sweep();
+    }
+
+    test::ScopedHost mHost;
+    test::FaultServer mServer;
+    CurlService mService;
+};
+
+} // namespace
+
+TEST_F(ServiceAllocations, aDownloadIsWholeOrNotThere)
+{
+    sweep<Download>();
+}
+
+TEST_F(ServiceAllocations, requestsGoOnAfterAFailure)
+{
+    sweep<Requests>();
+}
+
+TEST_F(ServiceAllocations, aRefreshLosesNoRecord)
+{
+    sweep<Refresh>();
+}

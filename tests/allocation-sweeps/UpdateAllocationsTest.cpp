@@ -1,0 +1,55 @@
+// A whole update, and the host object's side of it, without memory.
+#include <thread>
+
+#include <QEventLoop>
+#include <gtest/gtest.h>
+
+#include "tests/allocation-sweeps/AllocationPlan.h"
+#include "tests/update-sweeps/UpdateWorld.h"
+
+using test::AllocationPlan;
+using test::CountedAllocations;
+
+namespace {
+
+/// One update whose worker is the thread that counts.
+std::size_t runUpdate(test::UpdateWorld& world, std::size_t failing)
+{
+    const AllocationPlan plan(failing);
+    world.run([&world] {
+        LibraryCatalogUpdate::LibraryCatalogUpdater updater = world.updater();
+        QEventLoop loop;
+        std::thread worker([&] {
+            {
+                const CountedAllocations counted;
+                EXPECT_NO_THROW(updater());
+            }
+            QMetaObject::invokeMethod(&loop, "quit", Qt::QueuedConnection);
+        });
+        loop.exec();
+        worker.join();
+    });
+    return plan.count();
+}
+
+} // namespace
+
+TEST(UpdateAllocations, aRunIsClosedOnceAndLosesNothing)
+{
+    test::UpdateWorld world;
+    world.reset();
+    runUpdate(world, 0);
+    world.reset();
+    const std::size_t count = runUpdate(world, 0);
+    EXPECT_GT(count, 1000u);
+    for (const std::size_t cell : test::sweepCells(count, 50)) {
+        SCOPED_TRACE("allocation " + std::to_string(cell + 1) + " of " + std::to_string(count));
+        world.reset();
+        runUpdate(world, cell + 1);
+        world.expectNothingLost();
+        world.expectConverges();
+        if (HasFailure())
+            return;
+    }
+    RecordProperty("allocations", static_cast<int>(count));
+}
