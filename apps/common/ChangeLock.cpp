@@ -6,9 +6,20 @@
 #include "OrvLibrary/host/PathUtils.h"
 
 ChangeLock::ChangeLock(const std::string& subject)
-    : mPath(PathUtils::getObject().getTempPath() / fileString(subject + ".lock")),
-      mStream(std::make_unique<LockingFStream>(mPath, std::ios_base::app))
+    : mPath(PathUtils::getObject().getTempPath() / fileString(subject + ".lock"))
 {
+    lock(subject);
+}
+
+ChangeLock::ChangeLock(const fileString& folder, const std::string& subject)
+    : mPath(folder / fileString("." + subject + ".lock"))
+{
+    lock(subject);
+}
+
+void ChangeLock::lock(const std::string& subject)
+{
+    mStream = std::make_unique<LockingFStream>(mPath, std::ios_base::app);
     if (!mStream->is_open())
         throw std::runtime_error("cannot lock " + mPath.toNativeString() +
                                  ": another program is changing the " + subject);

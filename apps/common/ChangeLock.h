@@ -6,9 +6,8 @@
 #include "OrvLibrary/host/LockingFStream.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// Keeps other programs of ours from changing the same thing on the same root while one reads it, changes it
-/// and writes it back. The lock ends with the process, however it dies; a lock file that is left over does no
-/// harm.
+/// Keeps other programs of ours from changing the same thing while one reads it, changes it and writes it
+/// back. The lock ends with the process, however it dies; a lock file that is left over does no harm.
 class ChangeLock
 {
 public:
@@ -17,12 +16,16 @@ public:
     /// folder
     /// @throws std::runtime_error when another program keeps the lock, or when the file cannot be made
     explicit ChangeLock(const std::string& subject);
+    /// The same for what lies in one folder, of whatever root: ".filters.lock" in that folder.
+    ChangeLock(const fileString& folder, const std::string& subject);
     /// Removes the file.
     ~ChangeLock();
     ChangeLock(const ChangeLock&) = delete;
     ChangeLock& operator=(const ChangeLock&) = delete;
 
 private:
+    void lock(const std::string& subject);
+
     fileString mPath;
     std::unique_ptr<LockingFStream> mStream;
 };

@@ -1,8 +1,13 @@
 #include "apps/orv-library/FilterChange.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include <unistd.h>
 
 #include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/PathUtils.h"
 #include "apps/orv-library/Command.h"
 
 namespace {
@@ -44,10 +49,35 @@ void demandLoaded(const LibraryFilterManager& manager)
         throw CommandFailure("cannot read " + path.toNativeString());
 }
 
+/// The folder without links, so that each has one name.
+std::string resolved(const fileString& folder)
+{
+    std::error_code failure;
+    const std::string name = folder.empty() ? "." : folder.toNativeString();
+    return std::filesystem::weakly_canonical(name, failure).string();
+}
+
+/// Locks the folder of the filters, and that of the other file; in the order of their names, since a program
+/// of another root may want the same two. One that cannot be written needs no lock: nothing will be changed.
+std::vector<std::unique_ptr<ChangeLock>> lockFolders(const fileString& other)
+{
+    std::set<std::string> folders{resolved(PathUtils::getObject().getCoreLibraryDatabasePath())};
+    if (!other.empty())
+        folders.insert(resolved(other.parentPath()));
+    std::vector<std::unique_ptr<ChangeLock>> locks;
+    for (const std::string& folder : folders) {
+        if (access(folder.c_str(), W_OK) == 0)
+            locks.push_back(std::make_unique<ChangeLock>(fileString(folder), "filters"));
+    }
+    return locks;
+}
+
 } // namespace
 
-FilterChange::FilterChange(Session& session)
-    : mHost(session.host()), mLock("filters"), mFilters(LibraryFilterManager::getLibraryFilterManager())
+FilterChange::FilterChange(Session& session, const fileString& other)
+    : mHost(session.host()),
+      mLocks(lockFolders(other)),
+      mFilters(LibraryFilterManager::getLibraryFilterManager())
 {
     demandLoaded(mFilters);
 }

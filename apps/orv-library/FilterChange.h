@@ -1,5 +1,8 @@
 #pragma once
 
+#include <memory>
+#include <vector>
+
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "apps/common/ChangeLock.h"
 #include "apps/orv-library/Session.h"
@@ -8,9 +11,10 @@
 class FilterChange
 {
 public:
+    /// @param other another filter file that changes with them; empty for none
     /// @throws std::runtime_error when another program does not come to its end, CommandFailure when the file
     /// was read in one way now and in another then, so that a change would lose filters
-    explicit FilterChange(Session& session);
+    explicit FilterChange(Session& session, const fileString& other = {});
 
     LibraryFilterManager& filters() { return mFilters; }
 
@@ -26,6 +30,6 @@ public:
 
 private:
     AppHost& mHost; ///< the folders that the others need
-    ChangeLock mLock;
+    std::vector<std::unique_ptr<ChangeLock>> mLocks;
     LibraryFilterManager& mFilters;
 };

@@ -203,7 +203,7 @@ ExitStatus FiltersCommand::merge(Session& session) const
     const fileString file{mFile};
     if (file.empty())
         throw UsageError("the name of the other filter file must not be empty");
-    FilterChange change(session);
+    FilterChange change(session, file);
     FilterChange::prepareToOverwrite(change.filters().getFilterFullname());
     FilterChange::prepareToOverwrite(file);
     if (!change.filters().mergeFilters(file))

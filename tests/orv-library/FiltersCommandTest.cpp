@@ -269,3 +269,22 @@ TEST_F(FiltersCommand, twoAtOnceLoseNothing)
         EXPECT_EQ(test::Program::finish(*process).status, 0);
     EXPECT_EQ(run({"list"}).json()["filters"].toArray().size(), 6);
 }
+
+TEST_F(FiltersCommand, othersMergeIntoTheFileAndNothingIsLost)
+{
+    write(kTwo);
+    const test::Program others[3];
+    std::vector<std::unique_ptr<QProcess>> processes;
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(others[i].run({"filters", "add", "Other " + std::to_string(i)}).status, 0);
+    for (int i = 0; i < 3; ++i) {
+        processes.push_back(others[i].start({"filters", "merge", file.toNativeString()}));
+        processes.push_back(program.start({"filters", "add", "Own " + std::to_string(i)}));
+    }
+    for (const auto& process : processes) {
+        const test::ProgramResult result = test::Program::finish(*process);
+        EXPECT_EQ(result.status, 0) << result.err;
+    }
+    EXPECT_EQ(run({"list"}).json()["filters"].toArray().size(), 2 + 3 + 3);
+    EXPECT_EQ(test::listTree(program.root() + "/core"), std::vector<std::string>{"catalog_filters.json"});
+}
