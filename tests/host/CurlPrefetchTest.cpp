@@ -85,8 +85,8 @@ TEST_F(CurlPrefetchTest, headerLinesAreSentAndTellRequestsApart)
     EXPECT_TRUE(header(server.url("/a"), {"X: 1"}));
     const auto asked = server.requestsFor("/a");
     ASSERT_EQ(asked.size(), 2u);
-    EXPECT_EQ(asked[0].header("X"), "1");
-    EXPECT_EQ(asked[1].header("X"), "2");
+    // In whatever order: on a busy machine they go over two connections.
+    EXPECT_EQ(asked[0].header("X") + asked[1].header("X"), asked[0].header("X") == "1" ? "12" : "21");
     EXPECT_TRUE(header(server.url("/a"), {"X: 3"}));
     EXPECT_EQ(server.requestsFor("/a").size(), 3u);
 }
