@@ -45,8 +45,8 @@ int fraction(const std::string& text)
     return value;
 }
 
-/// The time in a text of that form. The date library would read it too, but that took a quarter of the time of
-/// a whole manufacturer file.
+/// The time in a text of that form. The date library would read it too, but that took a quarter of the time
+/// of a whole manufacturer file.
 /// @throws std::exception when there is no such day
 boost::posix_time::ptime timeFrom(const std::string& text)
 {
