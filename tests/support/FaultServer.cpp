@@ -162,6 +162,8 @@ void FaultServer::stopListening()
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     mAccepting = false;
+    // The accepting thread may be waiting for it, which keeps a closed one open for a moment.
+    shutdown(mListener, SHUT_RDWR);
     ::close(mListener);
     mListener = -1;
 }
