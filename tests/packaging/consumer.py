@@ -17,29 +17,26 @@ class InstalledLibrary(unittest.TestCase):
         cls.folder = tempfile.TemporaryDirectory()
         cls.addClassCleanup(cls.folder.cleanup)
         work = cls.folder.name
-        cls.prefix = os.path.join(work, "prefix")
+        first = os.path.join(work, "first")
         for component in ("runtime", "development"):
-            run("cmake", "--install", BUILD_TREE, "--prefix", cls.prefix, "--component", component)
+            run("cmake", "--install", BUILD_TREE, "--prefix", first, "--component", component)
+        cls.prefix = os.path.join(work, "moved prefix")  # an installed tree does not know where it was put
+        os.rename(first, cls.prefix)
         cls.library_folder = next(path for path, _, names in os.walk(cls.prefix) if "libOrvLibrary.so" in names)
         cls.consumer = Consumer(PROJECT, work)
         cls.content = os.path.join(work, "content")
         cls.redirect = cls.enterClassContext(service(PROGRAM, cls.content))
+        cls.installed = cls.consumer.build("installed", f"-DCMAKE_PREFIX_PATH={cls.prefix}")
 
     def updates(self, program):
         self.assertEqual(self.consumer.output(program, self.redirect), everything(self.content))
         self.assertEqual(self.consumer.output(program, self.redirect), "result 3, 0 updated")
 
     def test_the_install_tree_is_found(self):
-        self.updates(self.consumer.build("installed", f"-DCMAKE_PREFIX_PATH={self.prefix}"))
+        self.updates(self.installed)
 
     def test_the_build_tree_is_found(self):
         self.updates(self.consumer.build("built", f"-DOrvLibrary_DIR={BUILD_TREE}"))
-
-    def test_a_moved_install_tree_is_found(self):
-        moved = self.prefix + " moved"
-        os.symlink(self.prefix, moved)
-        self.addCleanup(os.remove, moved)
-        self.consumer.build("moved", f"-DCMAKE_PREFIX_PATH={moved}")
 
     def test_another_major_version_is_refused(self):
         project = os.path.join(self.folder.name, "other")
@@ -71,8 +68,7 @@ class InstalledLibrary(unittest.TestCase):
             self.assertIn("1.0.0", stream.read())
 
     def test_an_update_that_finds_no_service_says_so(self):
-        program = self.consumer.build("alone", f"-DCMAKE_PREFIX_PATH={self.prefix}")
-        self.assertEqual(self.consumer.output(program, "http://127.0.0.1:1/redirect"), "result 1, 0 updated")
+        self.assertEqual(self.consumer.output(self.installed, "http://127.0.0.1:1/redirect"), "result 1, 0 updated")
 
 
 if __name__ == "__main__":
