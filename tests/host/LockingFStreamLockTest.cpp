@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/impl/FileHandle_p.h"
 #include "tests/host/LockingFStreamFixture.h"
 #include "tests/support/ChildProcess.h"
 
@@ -112,6 +113,15 @@ TEST_F(LockingFStreamLock, twoWritersOfANewFileBothSucceedOneAfterTheOther)
         EXPECT_TRUE(content == "same length" || content == "SAME LENGTH") << content;
     }
     EXPECT_EQ(list().size(), 50u);
+}
+
+TEST_F(LockingFStreamLock, aFileThatWasRemovedBeforeItIsOpenedIsNoReadOnlyOne)
+{
+    const fileString file = mFolder.write("data", "x");
+    const auto status = host::fileStatus(file.toNativeString());
+    ASSERT_TRUE(status);
+    FileUtils::removePath(file, 0);
+    EXPECT_TRUE(host::mayWrite(file.toNativeString(), *status));
 }
 
 } // namespace
