@@ -201,6 +201,19 @@ TEST_F(ZipUtilsTargetTest, targetKeepsTheLimitOfMembers)
     EXPECT_EQ(names.back().toNativeString(), "0");
 }
 
+TEST_F(ZipUtilsTargetTest, longRunGoesOverInSteps)
+{
+    ArchiveBuilder old;
+    old.add("old", "former");
+    old.write(mFolder, "target.zip");
+    std::string content(70U << 20U, '\0');
+    for (std::size_t i = 0; i < content.size(); ++i)
+        content[i] = static_cast<char>(i * 31 >> 8);
+    mSource.add("long", content).method = ArchiveMember::kStored;
+    EXPECT_EQ(copyAll(writeSource(), target(), false), std::vector<bool>{true});
+    EXPECT_TRUE(contentsOf(target()) == (Contents{{"old", "former"}, {"long", content}}));
+}
+
 TEST_F(ZipUtilsTargetTest, manyLargeMembersAreVerifiedByThreadsMeanwhile)
 {
     for (int i = 0; i < 12; ++i)
