@@ -1,11 +1,20 @@
 #include "apps/orv-browser/UpdateReceiver.h"
 
+#include <algorithm>
+#include <limits>
+
 #include "apps/common/LegacyText.h"
 
 namespace {
 
 constexpr double kBytesPerKilobyte = 1000;
 constexpr qint64 kLeastMilliseconds = 500; // before that a speed says nothing
+
+/// What a gauge can show; a slot must not throw.
+size_t shown(size_t value)
+{
+    return std::min<size_t>(value, std::numeric_limits<int>::max());
+}
 
 } // namespace
 
@@ -31,13 +40,13 @@ void UpdateReceiver::onSetRangeInGauge(size_t range)
 {
     mRange = range;
     if (mPanel)
-        mPanel->onSetRangeInGauge(range);
+        mPanel->onSetRangeInGauge(shown(range));
 }
 
 void UpdateReceiver::onSetValueInGauge(size_t value)
 {
     if (mPanel)
-        mPanel->onSetValueInGauge(value);
+        mPanel->onSetValueInGauge(shown(value));
     if (!mDownloadTime.isValid() || mDownloadTime.elapsed() < kLeastMilliseconds || value == 0)
         return;
     const double seconds = static_cast<double>(mDownloadTime.elapsed()) / 1000;

@@ -1,15 +1,22 @@
 // What the library has to tell the user stands in the window.
+#include <algorithm>
+#include <limits>
+#include <string>
 #include <thread>
 
 #include <QAction>
 #include <QIcon>
 #include <QLabel>
+#include <QProgressBar>
 #include <QTest>
 #include <QToolButton>
 
 #include <gtest/gtest.h>
 
+#include "OrvLibrary/UI/qtLibraryProgressPanel.h"
 #include "OrvLibrary/host/MessagingSystem.h"
+#include "OrvLibrary/host/PreferenceEngine.h"
+#include "apps/orv-browser/UpdateReceiver.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
 
@@ -89,6 +96,37 @@ TEST_F(BrowserMessagesTest, informationIsShownOncePerRun)
     send(InformationOnceTrait(), Message::kManufacturerMaterial);
     QCoreApplication::processEvents();
     EXPECT_FALSE(isShown());
+}
+
+TEST_F(BrowserMessagesTest, progressPreferenceOfAnotherTypeIsToldAndThePanelWorksOn)
+{
+    open();
+    PreferenceEngine::getThePrefs().prefSet().setPref(PrefId::kProgressDisplayType, std::string("odd"));
+    LibraryProgressPanel* panel = LibraryProgressPanel::create(&window());
+    ASSERT_TRUE(waitFor([&] { return isShown(); }));
+    EXPECT_TRUE(text().startsWith("Get pref isA failure: ")) << text().toStdString();
+    panel->show();
+    QTest::mouseClick(panel->findChild<QProgressBar*>(), Qt::LeftButton);
+    panel->onSetText("still here");
+    EXPECT_TRUE(waitFor([&] {
+        const auto labels = panel->findChildren<QLabel*>();
+        return std::any_of(labels.begin(), labels.end(),
+                           [](const QLabel* label) { return label->text() == "still here"; });
+    }));
+    panel->close();
+}
+
+TEST_F(BrowserMessagesTest, countsBeyondAnIntFillTheGauge)
+{
+    open();
+    LibraryProgressPanel* panel = LibraryProgressPanel::create(&window());
+    CatalogSwapper swapper;
+    UpdateReceiver receiver(swapper, panel);
+    receiver.onSetRangeInGauge(std::numeric_limits<size_t>::max());
+    receiver.onSetValueInGauge(std::numeric_limits<size_t>::max());
+    const auto* gauge = panel->findChild<QProgressBar*>();
+    EXPECT_TRUE(waitFor([&] { return gauge->value() == std::numeric_limits<int>::max(); }));
+    panel->close();
 }
 
 TEST_F(BrowserMessagesTest, marksInAMessageAreShownAsTheyAre)
