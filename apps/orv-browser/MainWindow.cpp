@@ -30,8 +30,8 @@
 
 namespace {
 
-constexpr int kTreeWidth = 560; // pixels, to begin with
-constexpr int kDetailsWidth = 360;
+constexpr int kTreeWidth = 540; // pixels, to begin with
+constexpr int kDetailsWidth = 400;
 constexpr int kHeight = 660;
 
 QStringList droppedSources(const QMimeData& data)

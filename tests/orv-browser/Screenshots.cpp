@@ -31,9 +31,9 @@ constexpr int kSettleMilliseconds = 300; // pictures come in while nobody looks
 QString gFolder;
 QString gSuffix;
 
-void save(QWidget& widget, const QString& name)
+void save(QWidget& widget, const QString& name, int settle = kSettleMilliseconds)
 {
-    QTest::qWait(kSettleMilliseconds);
+    QTest::qWait(settle);
     const QString path = gFolder + "/" + name + gSuffix + ".png";
     if (!widget.grab().toImage().convertToFormat(QImage::Format_RGB888).save(path, "PNG", 0))
         throw std::runtime_error(path.toStdString() + " cannot be written");
@@ -127,7 +127,7 @@ void saveUpdate(const AppHost& host, const QString& service)
     action.trigger();
     if (QTest::qWaitFor([&] { return !speed.text().isEmpty() || action.isEnabled(); }, 20000) &&
         !action.isEnabled()) {
-        save(window, "update");
+        save(window, "update", 0);
     }
     if (!QTest::qWaitFor([&] { return action.isEnabled(); }, 60000))
         throw std::runtime_error("the update did not end: " + summary.text().toStdString());
