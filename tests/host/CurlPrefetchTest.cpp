@@ -148,6 +148,17 @@ TEST_F(CurlPrefetchTest, serverWithOneWorkerIsAskedInTurn)
     EXPECT_LT(time, 6s);
 }
 
+TEST_F(CurlPrefetchTest, lateAnswerOnAServedConnectionIsWaitedFor)
+{
+    answerAfter(0ms);
+    server.on("/3", FaultReply::ok("").pauseAt(0, 800ms));
+    const Headers headers = list(10);
+    curl.prefetchHeaders(headers);
+    for (const auto& request : headers)
+        EXPECT_TRUE(ask(request));
+    EXPECT_EQ(server.requestsFor("/3").size(), 1u);
+}
+
 TEST_F(CurlPrefetchTest, redirectOfOneIsFollowedWhenItIsAsked)
 {
     answerAfter(15ms);

@@ -227,7 +227,9 @@ void HeaderPrefetch::repeatStalled(TimePoint now)
     for (const std::size_t index : running) {
         Entry& entry = mEntries[index];
         const auto silence = now - std::max(entry.started, mLastAnswer);
-        if (entry.repeated || entry.transfer->isAnswered() || silence < stallTime(entry))
+        // On a connection that was served before, the answer is only late.
+        if (entry.repeated || entry.transfer->isAnswered() || silence < stallTime(entry) ||
+            !entry.transfer->hasNewConnection())
             continue;
         mOneByOne = true;
         mRunning.erase(std::find(mRunning.begin(), mRunning.end(), index));

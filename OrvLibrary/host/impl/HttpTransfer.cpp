@@ -149,6 +149,12 @@ bool HttpTransfer::heed(HttpBody::Verdict verdict)
     return true;
 }
 
+bool HttpTransfer::hasNewConnection() const
+{
+    long count = 0;
+    return curl_easy_getinfo(mHandle, CURLINFO_NUM_CONNECTS, &count) == CURLE_OK && count > 0;
+}
+
 bool HttpTransfer::isConnectedSecurely() const
 {
     curl_off_t time = 0;

@@ -62,6 +62,8 @@ public:
     bool finished() const { return mFinished; }
     /// Whether the server said anything in HTTP yet.
     bool isAnswered() const { return mHeaderBytes > 0; }
+    /// Whether a connection was opened for it; otherwise it has one that carried requests before.
+    bool hasNewConnection() const;
     /// Whether its protected connection stands.
     bool isConnectedSecurely() const;
 
