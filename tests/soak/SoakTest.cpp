@@ -65,6 +65,7 @@ protected:
         ASSERT_TRUE(recorder.closingData());
         EXPECT_EQ(recorder.closings(), 1u);
         mResult = recorder.closingData()->result;
+        mHost.fileSearch().clear(); // it keeps what it was told, and is to be no part of the growth
     }
 
     /// The lines that tell of failures since the last call.
