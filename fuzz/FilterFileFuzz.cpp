@@ -7,9 +7,11 @@
 
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "fuzz/FuzzSandbox.h"
-#include "tests/json/JsonOracle.h"
+#include "fuzz/JsonMembers.h"
 
+using fuzz::lastMember;
 using fuzz::require;
+using fuzz::WrongType;
 using Json = test::JsonOracle;
 
 namespace {
@@ -64,21 +66,6 @@ void save(const fileString& file, const Content& content)
 {
     require(LibraryFilterManager::saveFiltersToFile(file, filtersOf(content.filters), content.currentId),
             "filters are saved");
-}
-
-struct WrongType
-{
-};
-
-/// The member that counts: the last one of its key. Null when there is none.
-const Json::Value* lastMember(const Json::Value& object, const std::string& key, Json::Kind kind)
-{
-    const Json::Value* found = nullptr;
-    for (const auto& [name, value] : object.members)
-        found = name == key ? &value : found;
-    if (found && found->kind != kind)
-        throw WrongType();
-    return found;
 }
 
 Filter filterOf(const Json::Value& value)

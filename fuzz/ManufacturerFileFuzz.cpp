@@ -6,10 +6,12 @@
 #include "OrvLibrary/host/StringUtils.h"
 #include "OrvLibrary/host/TimeUtils.h"
 #include "fuzz/FuzzSandbox.h"
-#include "tests/json/JsonOracle.h"
+#include "fuzz/JsonMembers.h"
 
 using boost::posix_time::ptime;
+using fuzz::lastMember;
 using fuzz::require;
+using fuzz::WrongType;
 using Json = test::JsonOracle;
 
 namespace {
@@ -24,23 +26,8 @@ struct Reading
     std::string defaultText;
 };
 
-struct WrongType
-{
-};
-
 const ptime kFormerTime(boost::gregorian::date(2001, 2, 3));
 const char kFormerText[] = "former";
-
-/// The member that counts: the last one of its key. Null when there is none.
-const Json::Value* lastMember(const Json::Value& object, const std::string& key, Json::Kind kind)
-{
-    const Json::Value* found = nullptr;
-    for (const auto& [name, value] : object.members)
-        found = name == key ? &value : found;
-    if (found && found->kind != kind)
-        throw WrongType();
-    return found;
-}
 
 std::string textMember(const Json::Value& object, const std::string& key)
 {
