@@ -148,7 +148,7 @@ TEST_F(FileUtilsMoveTest, copyOnAFullDiskLeavesTheOldContent)
                                                                                                           : 3;
         },
         reason);
-    if (!end)
+    if (!end) // only the superuser may mount a disk that is full soon
         GTEST_SKIP() << reason;
     EXPECT_EQ(end->status, 0);
 }
