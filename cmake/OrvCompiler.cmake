@@ -28,6 +28,7 @@ if(ORV_SANITIZE)
     add_link_options(-fsanitize=${ORV_SANITIZE})
 endif()
 if(ORV_COVERAGE)
-    add_compile_options(--coverage -O0)
+    # Threads that count at once would lose counts, and make some of them negative.
+    add_compile_options(--coverage -fprofile-update=atomic -O0)
     add_link_options(--coverage)
 endif()
