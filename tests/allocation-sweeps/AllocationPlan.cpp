@@ -82,6 +82,7 @@ _Unwind_Reason_Code visit(_Unwind_Context* context, void* data)
 
 thread_local bool tCounts = false;
 std::atomic<bool> planned{false};
+std::atomic<bool> countsAll{false};
 std::atomic<std::size_t> counted{0};
 std::atomic<std::size_t> failing{0};
 
@@ -91,7 +92,7 @@ std::atomic<std::size_t> failing{0};
     if (!tCounts || !planned)
         return false;
     tCounts = false; // what the search itself allocates does not count
-    const bool isFailure = isAskedByUs() && ++counted == failing;
+    const bool isFailure = (countsAll || isAskedByUs()) && ++counted == failing;
     tCounts = true;
     return isFailure;
 }
@@ -126,9 +127,10 @@ const char* __lsan_default_suppressions()
 
 namespace test {
 
-AllocationPlan::AllocationPlan(std::size_t number)
+AllocationPlan::AllocationPlan(std::size_t number, Whose whose)
 {
     static_cast<void>(modules());
+    countsAll = whose == Whose::Everybodys;
     counted = 0;
     failing = number;
     planned = true;

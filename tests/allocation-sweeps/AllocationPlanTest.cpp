@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include <QStringList>
+#include <QObject>
 #include <gtest/gtest.h>
 
 using test::AllocationPlan;
@@ -46,12 +46,14 @@ TEST(AllocationPlanTest, onlyTheBlockCounts)
     EXPECT_EQ(plan.count(), 0u);
 }
 
-TEST(AllocationPlanTest, otherLibrariesDoNotCount)
+TEST(AllocationPlanTest, otherLibrariesCountOnlyWhereTheyAreToCount)
 {
-    const AllocationPlan plan(0);
-    {
+    const auto allocationsOfQt = [](AllocationPlan::Whose whose) {
+        const AllocationPlan plan(0, whose);
         const CountedAllocations counted;
-        const QStringList parts = QString(100, QChar('x')).split(QString());
-    }
-    EXPECT_EQ(plan.count(), 0u);
+        const QObject object;
+        return plan.count();
+    };
+    EXPECT_EQ(allocationsOfQt(AllocationPlan::Whose::Ours), 0u);
+    EXPECT_GT(allocationsOfQt(AllocationPlan::Whose::Everybodys), 0u);
 }

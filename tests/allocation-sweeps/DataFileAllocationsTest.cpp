@@ -1,4 +1,7 @@
 // Filters, manufacturers, JSON, hash files, preferences and the error log without memory.
+#include <optional>
+
+#include <boost/date_time/posix_time/posix_time.hpp>
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/CatalogHashFile_p.h"
@@ -253,4 +256,27 @@ TEST_F(DataFileAllocations, preferencesAreOldOrNew)
 TEST_F(DataFileAllocations, anEntryOfTheLogIsDropped)
 {
     sweep<LogEntry>();
+}
+
+TEST_F(DataFileAllocations, aTimeIsReadOrItsCallerIsTold)
+{
+    for (const std::string text : {"+infinity", "-infinity", "20261301T000000", "20261121T033512.25"}) {
+        const std::string expected = Library::toString(Library::fromString(text));
+        bool hasFailed = true;
+        for (std::size_t failing = 1; hasFailed; ++failing) {
+            SCOPED_TRACE(text + ", allocation " + std::to_string(failing));
+            std::optional<boost::posix_time::ptime> time;
+            const test::AllocationPlan plan(failing);
+            {
+                const CountedAllocations counted;
+                try {
+                    time = Library::fromString(text);
+                } catch (const std::bad_alloc&) {
+                }
+            }
+            hasFailed = plan.hasFailed();
+            EXPECT_EQ(time.has_value(), !hasFailed);
+            EXPECT_EQ(time ? Library::toString(*time) : expected, expected);
+        }
+    }
 }

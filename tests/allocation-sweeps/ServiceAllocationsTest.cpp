@@ -1,4 +1,6 @@
 // The download service, and the refresh of the manufacturers, without memory.
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
@@ -158,4 +160,29 @@ TEST_F(ServiceAllocations, requestsGoOnAfterAFailure)
 TEST_F(ServiceAllocations, aRefreshLosesNoRecord)
 {
     sweep<Refresh>();
+}
+
+TEST_F(ServiceAllocations, theFirstRequestOfAThreadLeavesTheNextOneWell)
+{
+    const std::string url = mServer.url("/file");
+    bool hasFailed = true;
+    for (std::size_t failing = 1; hasFailed; ++failing) {
+        SCOPED_TRACE(failing);
+        std::thread([&] {
+            std::string text;
+            std::int64_t status = 0;
+            {
+                const test::AllocationPlan plan(failing);
+                try {
+                    const CountedAllocations counted;
+                    Curl::get().getURLHeader(url, {}, text, status);
+                } catch (const std::bad_alloc&) {
+                    // The service is one of the host's, which may throw.
+                }
+                hasFailed = plan.hasFailed();
+            }
+            EXPECT_TRUE(Curl::get().getURLHeader(url, {}, text, status));
+            EXPECT_EQ(status, 200);
+        }).join();
+    }
 }

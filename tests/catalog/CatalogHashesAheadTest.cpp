@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "OrvLibrary/host/SHA1.h"
+#include "tests/support/NoMoreThreads.h"
 #include "tests/support/TempFolder.h"
 
 using LibraryCatalogUpdate::CatalogHashesAhead;
@@ -78,4 +79,14 @@ TEST_F(CatalogHashesAheadTest, itMayEndBeforeAllWasAsked)
         for (std::size_t i = 0; i < asked; ++i)
             ASSERT_EQ(hashes.hashOf(files[i]), SHA1::fileContentsToSHA1Hex(files[i]));
     }
+}
+
+TEST_F(CatalogHashesAheadTest, withoutASecondThreadEachIsHashedWhenItIsAskedFor)
+{
+    const std::vector<fileString> files = writeFiles(20);
+    const test::NoMoreThreads none;
+    CatalogHashesAhead hashes(files);
+    for (const fileString& file : files)
+        ASSERT_EQ(hashes.hashOf(file), SHA1::fileContentsToSHA1Hex(file));
+    EXPECT_EQ(hashes.hashOf(folder.file("missing")), "");
 }

@@ -8,6 +8,7 @@
 #include "OrvLibrary/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "tests/catalog/CatalogTest.h"
+#include "tests/support/ForwardingServices.h"
 
 using LibraryCatalogUpdate::LibraryCatalogUpdater;
 using testing::ElementsAre;
@@ -111,6 +112,19 @@ TEST_F(LibraryCatalogUpdaterRun, aCoreOnlyRunRemembersWhetherItFailed)
     mCurl.endpoint.clear();
     run();
     EXPECT_TRUE(mHost.prefs().getPrefAs<bool>(PrefId::kLastCoreUpdateHadError));
+}
+
+TEST_F(LibraryCatalogUpdaterRun, anOutcomeThatCannotBeRememberedIsAnError)
+{
+    mArguments.coreOnly = true;
+    test::ForwardingServices services;
+    services.calls().planFault(test::Service::Preferences, 1, test::Fault::Throw,
+                               test::ServiceCalls::Repeat::ForEver);
+    run();
+    ASSERT_EQ(logMessages().size(), 1u);
+    EXPECT_EQ(logMessages()[0].rfind("Unable to remember the outcome of the update   Reason:  ", 0), 0u);
+    EXPECT_EQ(mRecorder->closings(), 1u);
+    EXPECT_EQ(result(), 1);
 }
 
 TEST_F(LibraryCatalogUpdaterRun, aFullRunDoesNotTouchThatMemory)
