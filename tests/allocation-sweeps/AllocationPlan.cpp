@@ -1,12 +1,19 @@
 #include "tests/allocation-sweeps/AllocationPlan.h"
 
+#include <array>
 #include <atomic>
+#include <cerrno>
+#include <condition_variable>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <mutex>
 #include <new>
 
+#include <dlfcn.h>
 #include <link.h>
+#include <pthread.h>
 #include <unwind.h>
 
 namespace {
@@ -63,7 +70,7 @@ struct Search
 _Unwind_Reason_Code visit(_Unwind_Context* context, void* data)
 {
     Search& search = *static_cast<Search*>(data);
-    constexpr int kOwnFrames = 3; // this search, `enter`, and `operator new`
+    constexpr int kOwnFrames = 3; // this search, `enter`, and `operator new` or `pthread_create`
     if (++search.depth <= kOwnFrames)
         return _URC_NO_REASON;
     const std::uintptr_t address = _Unwind_GetIP(context) - 1;
@@ -80,24 +87,91 @@ _Unwind_Reason_Code visit(_Unwind_Context* context, void* data)
     return search.isOurs;
 }
 
-thread_local bool tCounts = false;
+using test::CountedThread;
+
+constexpr std::size_t indexOf(CountedThread thread)
+{
+    return static_cast<std::size_t>(thread);
+}
+
+/// What the running thread is to the plan.
+struct Part
+{
+    bool counts = false;
+    CountedThread thread = CountedThread::Caller;
+};
+
+thread_local Part tPart;
 std::atomic<bool> planned{false};
 std::atomic<bool> countsAll{false};
-std::atomic<std::size_t> counted{0};
+std::atomic<CountedThread> failingThread{CountedThread::Caller};
 std::atomic<std::size_t> failing{0};
+std::array<std::atomic<std::size_t>, 2> counted{};
 
 /// Whether this allocation fails.
 [[gnu::noinline]] bool enter()
 {
-    if (!tCounts || !planned)
+    if (!tPart.counts || !planned)
         return false;
-    tCounts = false; // what the search itself allocates does not count
-    const bool isFailure = (countsAll || isAskedByUs()) && ++counted == failing;
-    tCounts = true;
+    tPart.counts = false; // what the search itself allocates does not count
+    const bool isFailure = (countsAll || isAskedByUs()) && ++counted[indexOf(tPart.thread)] == failing &&
+                           tPart.thread == failingThread;
+    tPart.counts = true;
     return isFailure;
 }
 
+std::mutex helperMutex; ///< guards what follows
+std::condition_variable helpersChanged;
+int helpers = 0;
+
+void addHelpers(int count)
+{
+    const std::lock_guard<std::mutex> lock(helperMutex);
+    helpers += count;
+    helpersChanged.notify_all();
+}
+
+using Routine = void* (*)(void*);
+
+/// What a helper is to run.
+struct Start
+{
+    Routine routine;
+    void* argument;
+};
+
+void* runHelper(void* data)
+{
+    const std::unique_ptr<Start, decltype(&std::free)> start(static_cast<Start*>(data), &std::free);
+    tPart = {true, CountedThread::Helper};
+    void* const result = start->routine(start->argument);
+    tPart = {};
+    addHelpers(-1);
+    return result;
+}
+
 } // namespace
+
+/// Stands before the system's own, for the standard library too.
+extern "C" [[gnu::noinline]] int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
+                                                Routine routine, void* argument)
+{
+    using Create = int (*)(pthread_t*, const pthread_attr_t*, Routine, void*);
+    static const auto create = reinterpret_cast<Create>(dlsym(RTLD_NEXT, "pthread_create"));
+    if (enter())
+        return EAGAIN;
+    if (!tPart.counts)
+        return create(thread, attributes, routine, argument);
+    auto* const start = static_cast<Start*>(std::malloc(sizeof(Start)));
+    *start = {routine, argument};
+    addHelpers(1);
+    const int error = create(thread, attributes, runHelper, start);
+    if (error != 0) {
+        addHelpers(-1);
+        std::free(start);
+    }
+    return error;
+}
 
 [[gnu::noinline]] void* operator new(std::size_t size)
 {
@@ -127,12 +201,14 @@ const char* __lsan_default_suppressions()
 
 namespace test {
 
-AllocationPlan::AllocationPlan(std::size_t number, Whose whose)
+AllocationPlan::AllocationPlan(std::size_t number, Whose whose, CountedThread thread)
 {
     static_cast<void>(modules());
     countsAll = whose == Whose::Everybodys;
-    counted = 0;
+    counted[indexOf(CountedThread::Caller)] = 0;
+    counted[indexOf(CountedThread::Helper)] = 0;
     failing = number;
+    failingThread = thread;
     planned = true;
 }
 
@@ -141,24 +217,30 @@ AllocationPlan::~AllocationPlan()
     planned = false;
 }
 
-std::size_t AllocationPlan::count() const
+std::size_t AllocationPlan::count(CountedThread thread) const
 {
-    return counted;
+    return counted[indexOf(thread)];
 }
 
 bool AllocationPlan::hasFailed() const
 {
-    return failing > 0 && counted >= failing;
+    return failing > 0 && counted[indexOf(failingThread)] >= failing;
+}
+
+void AllocationPlan::waitForHelpers()
+{
+    std::unique_lock<std::mutex> lock(helperMutex);
+    helpersChanged.wait(lock, [] { return helpers == 0; });
 }
 
 CountedAllocations::CountedAllocations()
 {
-    tCounts = true;
+    tPart = {true, CountedThread::Caller};
 }
 
 CountedAllocations::~CountedAllocations()
 {
-    tCounts = false;
+    tPart = {};
 }
 
 } // namespace test

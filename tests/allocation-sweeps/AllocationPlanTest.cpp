@@ -3,6 +3,8 @@
 
 #include <new>
 #include <string>
+#include <system_error>
+#include <thread>
 #include <vector>
 
 #include <QObject>
@@ -10,6 +12,7 @@
 
 using test::AllocationPlan;
 using test::CountedAllocations;
+using test::CountedThread;
 
 namespace {
 
@@ -19,6 +22,21 @@ void allocateThrice()
     const std::vector<int> numbers(10, 1);
     const std::string text(100, static_cast<char>(numbers[0]));
     const std::string copy(text);
+}
+
+/// Allocates on a thread of its own, and says whether that failed.
+bool failsOnAThread()
+{
+    bool hasFailed = false;
+    std::thread([&hasFailed] {
+        try {
+            const std::vector<int> numbers(10, 1);
+            const std::string text(100, static_cast<char>(numbers[0]));
+        } catch (const std::bad_alloc&) {
+            hasFailed = true;
+        }
+    }).join();
+    return hasFailed;
 }
 
 } // namespace
@@ -56,4 +74,34 @@ TEST(AllocationPlanTest, otherLibrariesCountOnlyWhereTheyAreToCount)
     };
     EXPECT_EQ(allocationsOfQt(AllocationPlan::Whose::Ours), 0u);
     EXPECT_GT(allocationsOfQt(AllocationPlan::Whose::Everybodys), 0u);
+}
+
+TEST(AllocationPlanTest, threadsThatAreStartedCountForThemselves)
+{
+    const AllocationPlan plan(0);
+    {
+        const CountedAllocations counted;
+        EXPECT_FALSE(failsOnAThread());
+        EXPECT_FALSE(failsOnAThread());
+    }
+    EXPECT_FALSE(failsOnAThread());
+    EXPECT_EQ(plan.count(CountedThread::Caller), 4u) << "twice a thread's state and its start";
+    EXPECT_EQ(plan.count(CountedThread::Helper), 4u);
+}
+
+TEST(AllocationPlanTest, anAllocationOfAThreadFails)
+{
+    const AllocationPlan plan(2, AllocationPlan::Whose::Ours, CountedThread::Helper);
+    const CountedAllocations counted;
+    EXPECT_TRUE(failsOnAThread());
+    EXPECT_TRUE(plan.hasFailed());
+    EXPECT_FALSE(failsOnAThread());
+}
+
+TEST(AllocationPlanTest, theStartOfAThreadFails)
+{
+    const AllocationPlan plan(2);
+    const CountedAllocations counted;
+    EXPECT_THROW(failsOnAThread(), std::system_error);
+    EXPECT_TRUE(plan.hasFailed());
 }

@@ -4,6 +4,7 @@
 #include <map>
 #include <string>
 
+#include "tests/allocation-sweeps/AllocationPlan.h"
 #include "tests/support/ScopedHost.h"
 
 namespace test {
@@ -31,8 +32,10 @@ public:
     virtual bool isExcepted(const std::string&) const { return false; }
     /// Whether what a failure left out of the file stays out.
     virtual bool mayStayOut(const std::string&) const { return false; }
+    /// Whether the operation starts threads of its own.
+    virtual bool hasHelpers() const { return false; }
 
-    /// Sweeps a cut of the allocations, or all.
+    /// Sweeps a cut of the allocations, or all, those of the threads that it starts too.
     void sweep();
 
 protected:
@@ -41,9 +44,15 @@ protected:
 private:
     FileTree tree() const;
     void reset();
-    /// One operation with a failure at that allocation, 0 for none.
-    /// @return the number of allocations
-    std::size_t run(std::size_t failing);
+    void run();
+    /// One undisturbed operation.
+    /// @return how many allocations those threads made
+    std::size_t count(CountedThread thread);
+    /// One operation with that failure, and what must hold then.
+    /// @return whether it came to the failure
+    bool fail(std::size_t number, CountedThread thread);
+    void sweepCaller(std::size_t count);
+    void sweepHelpers();
     void expectSound(const FileTree& now) const;
     void expectRecovered();
 

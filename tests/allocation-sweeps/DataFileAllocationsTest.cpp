@@ -5,15 +5,18 @@
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/CatalogHashFile_p.h"
+#include "OrvLibrary/CatalogHashesAhead_p.h"
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "OrvLibrary/host/SHA1.h"
 #include "OrvLibrary/host/TimeUtils.h"
 #include "OrvLibrary/json/json_file.h"
 #include "OrvLibrary/json/json_writer.h"
 #include "tests/allocation-sweeps/AllocationPlan.h"
 #include "tests/allocation-sweeps/AllocationScenario.h"
 
+using test::AllocationPlan;
 using test::AllocationScenario;
 using test::CountedAllocations;
 
@@ -166,6 +169,50 @@ public:
     bool mayThrow() const override { return true; } // caught by the run that it is a part of
 };
 
+class HashesAhead : public AllocationScenario
+{
+public:
+    using AllocationScenario::AllocationScenario;
+
+    void prepare() override
+    {
+        for (const std::string& name : kNames)
+            host().folder().write(name, "the content of " + name);
+    }
+    void act() override
+    {
+        std::vector<fileString> files;
+        std::vector<std::string> expected;
+        for (const std::string& name : kNames) {
+            files.push_back(host().folder().file(name));
+            expected.push_back(SHA1::fileContentsToSHA1Hex(files.back()));
+        }
+        const CountedAllocations counted;
+        LibraryCatalogUpdate::CatalogHashesAhead hashes(files);
+        beforeAsking();
+        for (std::size_t i = 0; i < files.size(); ++i)
+            EXPECT_EQ(hashes.hashOf(files[i]), expected[i]);
+    }
+    bool mayThrow() const override { return true; } // caught by the run that it is a part of
+
+protected:
+    virtual void beforeAsking() {}
+
+private:
+    const std::vector<std::string> kNames{"core/1.orvlib", "core/2.orvlib", "core/3.orvlib", "core/4.orvlib"};
+};
+
+class HashesInAdvance : public HashesAhead
+{
+public:
+    using HashesAhead::HashesAhead;
+
+    bool hasHelpers() const override { return true; }
+
+protected:
+    void beforeAsking() override { AllocationPlan::waitForHelpers(); }
+};
+
 class Preferences : public AllocationScenario
 {
 public:
@@ -246,6 +293,16 @@ TEST_F(DataFileAllocations, readingAndWritingJsonLeavesOldOrNew)
 TEST_F(DataFileAllocations, hashFilesAreOldOrNew)
 {
     sweep<HashFiles>();
+}
+
+TEST_F(DataFileAllocations, hashesComeAllTheSame)
+{
+    sweep<HashesAhead>();
+}
+
+TEST_F(DataFileAllocations, hashesThatFailInAdvanceComeLater)
+{
+    sweep<HashesInAdvance>();
 }
 
 TEST_F(DataFileAllocations, preferencesAreOldOrNew)

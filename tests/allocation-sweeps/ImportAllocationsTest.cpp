@@ -34,6 +34,19 @@ test::ArchiveBuilder archive(unsigned seed)
     return builder;
 }
 
+/// So much that it is verified on threads of its own, whole and in pieces.
+test::ArchiveBuilder largeArchive(unsigned seed)
+{
+    constexpr std::size_t kMegabyte = 1U << 20U;
+    test::ArchiveBuilder builder = archive(seed);
+    for (int i = 0; i < 8; ++i) {
+        builder.add("deflated " + std::to_string(i) + ".bmp", std::string(kMegabyte, 'y'));
+        builder.add("stored " + std::to_string(i) + ".bmp", sampleBytes(5000, seed)).method =
+            test::ArchiveMember::kStored;
+    }
+    return builder;
+}
+
 class Unpack : public AllocationScenario
 {
 public:
@@ -93,6 +106,37 @@ public:
         old.add("kept.txt", "kept");
         old.write(host().folder(), "textures/Kitchen.zip");
     }
+};
+
+class UnpackMuch : public Unpack
+{
+public:
+    using Unpack::Unpack;
+
+    void prepare() override
+    {
+        static const std::string packed = [] {
+            test::ArchiveBuilder builder = largeArchive(1);
+            builder.add("Kitchen.orvlib", sampleBytes(5000, 3));
+            return builder.bytes();
+        }();
+        host().folder().write("user/Kitchen.orvlibz", packed);
+        host().folder().write("user/Kitchen.orvlib", "an older database");
+    }
+    bool hasHelpers() const override { return true; }
+};
+
+class MergeMuch : public MergeTextures
+{
+public:
+    using MergeTextures::MergeTextures;
+
+    void putBack() override
+    {
+        static const std::string extracted = largeArchive(1).bytes();
+        host().folder().write("temp/extracted.zip", extracted);
+    }
+    bool hasHelpers() const override { return true; }
 };
 
 class Files : public AllocationScenario
@@ -169,6 +213,16 @@ TEST_F(ImportAllocations, placingTexturesLeavesNoHalfArchive)
 TEST_F(ImportAllocations, mergingTexturesLosesNone)
 {
     sweep<MergeTextures>();
+}
+
+TEST_F(ImportAllocations, unpackingMuchLeavesNoHalfFile)
+{
+    sweep<UnpackMuch>();
+}
+
+TEST_F(ImportAllocations, mergingManyTexturesLosesNone)
+{
+    sweep<MergeMuch>();
 }
 
 TEST_F(ImportAllocations, copyingAndMovingLosesNoFile)
