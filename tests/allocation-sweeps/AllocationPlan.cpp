@@ -191,9 +191,9 @@ void operator delete(void* memory, std::size_t) noexcept
     std::free(memory);
 }
 
-/// Asked by the leak sanitizer. Qt copies the arguments of a queued call one by one, and where there is no
-/// memory for one of them it loses those before it.
-extern "C" const char* __lsan_default_suppressions();
+/// Asked by the leak sanitizer, which must see it. Qt copies the arguments of a queued call one by one, and
+/// where there is no memory for one of them it loses those before it.
+extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions();
 const char* __lsan_default_suppressions()
 {
     return "leak:QMetaType::create\n";
