@@ -155,6 +155,16 @@ TEST(Base64, lengthsAroundThePiecesComeBack)
     }
 }
 
+TEST(Base64, contentOfManyPagesComesBack)
+{
+    Bytes bytes(12'000'000);
+    for (std::size_t at = 0; at < bytes.size(); ++at)
+        bytes[at] = static_cast<unsigned char>(at * 31 >> 8U);
+    const std::string text = Base64::encode(bytes);
+    EXPECT_TRUE(text == test::referenceEncode(bytes));
+    EXPECT_TRUE(Base64::decode(text) == bytes);
+}
+
 TEST(Base64, mutatedTextsAreReadAsTheRulesSay)
 {
     const std::string favourites = "==AZaz09+/ \n-_@[`{:,.\x7F\x80\xFF";

@@ -162,9 +162,9 @@ TEST_F(ServiceAllocations, aRefreshLosesNoRecord)
     sweep<Refresh>();
 }
 
-TEST_F(ServiceAllocations, theFirstRequestOfAThreadLeavesTheNextOneWell)
+TEST_F(ServiceAllocations, theFirstRequestsOfAThreadLeaveTheNextOneWell)
 {
-    const std::string url = mServer.url("/file");
+    const std::vector<Curl::HeaderRequest> list{{mServer.url("/file?1"), {}}, {mServer.url("/file?2"), {}}};
     bool hasFailed = true;
     for (std::size_t failing = 1; hasFailed; ++failing) {
         SCOPED_TRACE(failing);
@@ -175,14 +175,19 @@ TEST_F(ServiceAllocations, theFirstRequestOfAThreadLeavesTheNextOneWell)
                 const test::AllocationPlan plan(failing);
                 try {
                     const CountedAllocations counted;
-                    Curl::get().getURLHeader(url, {}, text, status);
+                    Curl::get().prefetchHeaders(list);
+                    for (const Curl::HeaderRequest& request : list)
+                        Curl::get().getURLHeader(request.url, request.headerLines, text, status);
                 } catch (const std::bad_alloc&) {
                     // The service is one of the host's, which may throw.
                 }
                 hasFailed = plan.hasFailed();
             }
-            EXPECT_TRUE(Curl::get().getURLHeader(url, {}, text, status));
-            EXPECT_EQ(status, 200);
+            for (const Curl::HeaderRequest& request : list) {
+                status = 0;
+                EXPECT_TRUE(Curl::get().getURLHeader(request.url, request.headerLines, text, status));
+                EXPECT_EQ(status, 200);
+            }
         }).join();
     }
 }

@@ -47,6 +47,7 @@ TEST(BodyDigest, announcedDigestsMustBeTheBodys)
         {"Repr-Digest: sha-256=AAAA", true},
         {"Repr-Digest: sha-256=:AAA:", true},
         {"Repr-Digest: sha-256=:AA!A:", true},
+        {"Repr-Digest: sha-256=:A===:", true},
         {"Repr-Digest: sha-256=:AAAA", true},
         {"Repr-Digest: " + wrong256 + " x", true},
         {"Repr-Digest: " + wrong256 + ",", true},

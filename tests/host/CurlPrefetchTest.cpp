@@ -135,6 +135,26 @@ TEST_F(CurlPrefetchTest, hostMayLowerTheNumberOfConnections)
     EXPECT_EQ(server.connectionCount(), 5);
 }
 
+TEST_F(CurlPrefetchTest, hostMayLowerThatNumberForTheDefaultService)
+{
+    std::thread([this] { // whose connections end with it
+        answerAfter(15ms);
+        Curl& service = Curl::get();
+        std::int64_t answer = 0;
+        for (int i = 0; i < 3; ++i)
+            service.getURLHeader(server.url("/first"), {}, headerText, answer);
+        const int before = server.connectionCount();
+        Curl::setConnectionLimit(4);
+        const Headers headers = list(40);
+        service.prefetchHeaders(headers);
+        for (const auto& request : headers)
+            EXPECT_TRUE(service.getURLHeader(request.url, request.headerLines, headerText, answer));
+        EXPECT_EQ(server.connectionCount(), before - 1 + 4);
+        Curl::setConnectionLimit(96);
+    })
+        .join();
+}
+
 TEST_F(CurlPrefetchTest, serverWithOneWorkerIsAskedInTurn)
 {
     server.limitWorkers(1);

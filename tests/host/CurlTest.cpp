@@ -2,6 +2,7 @@
 #include <thread>
 
 #include "tests/host/CurlFixture.h"
+#include "tests/support/StubServices.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -301,6 +302,43 @@ TEST_F(CurlTest, diskFailuresGiveTheSystemsText)
     EXPECT_FALSE(curl.download_to_location(server.url("/a"), fileString(), reason));
     EXPECT_THAT(reason, StartsWith("write error: "));
     EXPECT_THAT(files(), ElementsAre("b/", "b/c"));
+}
+
+TEST_F(CurlTest, targetThatCannotBeReplacedAtTheEndStays)
+{
+    server.otherwise([this](const test::FaultRequest&) {
+        folder.write("a.orvlib/kept", "x"); // a folder now
+        return FaultReply::ok("new");
+    });
+    EXPECT_FALSE(fetch(server.url("/a")));
+    EXPECT_EQ(reason, "write error: Is a directory");
+    EXPECT_THAT(files(), ElementsAre("a.orvlib/", "a.orvlib/kept"));
+}
+
+TEST_F(CurlTest, proxyIsAskedForEveryAddressUntilItIsTakenAway)
+{
+    server.otherwise([](const test::FaultRequest& request) { return FaultReply::ok(request.target); });
+    curl.setProxy(server.url(""));
+    const std::string url = "http://catalogs.invalid/a.orvlib?key=1";
+    EXPECT_TRUE(fetch(url));
+    EXPECT_EQ(test::readFile(target()), url);
+    EXPECT_TRUE(browse(url));
+    EXPECT_EQ(body, url);
+    EXPECT_TRUE(header(url));
+    EXPECT_EQ(curl.urlAfterRedirects(url), url);
+    curl.setProxy("");
+    EXPECT_FALSE(browse(url)) << "there is no such host";
+    EXPECT_TRUE(browse(server.url("/a")));
+    EXPECT_EQ(body, "/a");
+}
+
+TEST_F(CurlTest, serviceOfTheHostsNeedsNeitherToSendAheadNorToFollow)
+{
+    server.on("/redirect", FaultReply::redirect("/to?"));
+    test::DeadCurl dead;
+    dead.prefetchHeaders({{server.url("/a"), {}}, {server.url("/b"), {}}});
+    EXPECT_EQ(dead.urlAfterRedirects(server.url("/redirect")), server.url("/to?"));
+    EXPECT_THAT(server.requestsFor("/a"), testing::IsEmpty());
 }
 
 TEST_F(CurlTest, requestFromWithinAProgressFunctionIsServed)

@@ -147,6 +147,18 @@ TEST_F(FilePrefSetTest, anUnreadableFileIsCopiedAsideOnce)
     }
 }
 
+TEST_F(FilePrefSetTest, anUnreadableFileWithoutACopyIsNotWrittenOver)
+{
+    write("what only its user understands");
+    mFolder.write("preferences.json.bad/in the way", "x");
+    std::string reason;
+    EXPECT_FALSE(PrefFile(file()).update({{239, PrefValue(1)}}, reason));
+    EXPECT_EQ(reason, file().toNativeString() + ".bad: Is a directory");
+    EXPECT_EQ(content(), "what only its user understands");
+    EXPECT_THAT(test::listTree(mFolder.path()),
+                ElementsAre("preferences.json", "preferences.json.bad/", "preferences.json.bad/in the way"));
+}
+
 TEST_F(FilePrefSetTest, aFileThatCannotBeReadNowIsNotWrittenOver)
 {
     ASSERT_EQ(chmod(mFolder.path().c_str(), 0777), 0);

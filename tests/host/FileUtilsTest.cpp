@@ -298,6 +298,16 @@ TEST_F(FileUtilsTest, aLinkToAFolderIsRemovedItselfWithSeparatorToo)
     EXPECT_EQ(list(), (std::vector<std::string>{"outside/", "outside/file"}));
 }
 
+TEST_F(FileUtilsTest, foldersInOneOfAnotherUserAreNotMade)
+{
+    if (geteuid() != 0)
+        GTEST_SKIP() << "needs the superuser, who can become somebody else";
+    const auto end = test::runWithoutRights(
+        [&] { return FileUtils::createDirectoriesWithPerm(mFolder.file("a/b/c"), false) ? 1 : 0; });
+    EXPECT_EQ(end.status, 0);
+    EXPECT_TRUE(list().empty());
+}
+
 TEST_F(FileUtilsTest, emptyRelativeAndRootPathsAreNotRemoved)
 {
     // In a child whose root and current folder are the test's, so that a mistake does no harm.

@@ -138,6 +138,12 @@ TEST_F(ZipUtilsBadArchiveTest, structureThatLiesIsUnsound)
         {"a size of more than 1,100 times the compressed one and 1 MiB",
          [](auto& b) { b.add("a", "x").size = 1100 * 3 + (1U << 20U) + 1; }},
         {"a zip64 size that is missing", [](auto& b) { b.add("a", "x").size = 0xFFFFFFFF; }},
+        {"a zip64 size that is cut",
+         [](auto& b) {
+             ArchiveMember& member = b.add("a", "x");
+             member.size = 0xFFFFFFFF;
+             member.extra = std::string("\x01\0\x04\0abcd", 8);
+         }},
         {"a masked directory", [](auto& b) { b.add("a", "x").flags = 0x2000; }},
         {"too many members",
          [](auto& b) {
@@ -181,6 +187,35 @@ TEST_F(ZipUtilsBadArchiveTest, structureThatLiesIsUnsound)
         lie.tell(builder);
         expectUnsound(builder.write(mFolder, "a.zip"), lie.what);
     }
+}
+
+TEST_F(ZipUtilsBadArchiveTest, wideEndThatLiesIsUnsound)
+{
+    ArchiveBuilder builder;
+    builder.add("a", "x");
+    builder.zip64End = true;
+    const std::string sound = builder.bytes();
+    const std::size_t end = sound.size() - 22;
+    const std::size_t locator = end - 20;
+    const std::size_t wide = locator - 56;
+    const auto with = [&](std::size_t at, const std::string& bytes) {
+        return std::string(sound).replace(at, bytes.size(), bytes);
+    };
+    const std::string beyond("\xFF\xFF\xFF\xFF\0\0\0\0", 8);
+    const std::pair<const char*, std::string> lies[] = {
+        {"its own number is another disk's", with(wide + 16, "\1")},
+        {"the directory is on another disk", with(wide + 20, "\1")},
+        {"members on other disks", with(wide + 24, "\2")},
+        {"another number of members in the short record", with(end + 8, std::string("\2\0\2\0", 4))},
+        {"another size of the directory there", with(end + 12, std::string("\1\0\0\0", 4))},
+        {"another place of the directory there", with(end + 16, std::string("\1\0\0\0", 4))},
+        {"no record where the locator says", with(wide, "X")},
+        {"a locator of what lies beyond", std::string(with(wide, "X")).replace(locator + 8, 8, beyond)},
+        {"a record of another length", with(wide + 4, "\1")},
+    };
+    ASSERT_EQ(ZipUtils::getFilenamesInArchive(mFolder.write("a.zip", sound)).size(), 1U);
+    for (const auto& [what, bytes] : lies)
+        expectUnsound(mFolder.write("a.zip", bytes), what);
 }
 
 TEST_F(ZipUtilsBadArchiveTest, dataThatLiesIsUnsound)

@@ -83,6 +83,25 @@ TEST_F(ZipUtilsRawCopyTest, zip64FieldIsMadeAnewAndGoesWhereItIsNotNeeded)
     EXPECT_EQ(copies[0].extra, std::string("UT\x05\x00\x01\x10\x20\x30\x40", 9));
 }
 
+TEST_F(ZipUtilsRawCopyTest, memberOfMoreThanFourGigabytesKeepsItsSize)
+{
+    constexpr std::uint64_t kHuge = 5'000'000'000;
+    ArchiveMember& member = mSource.add("huge.bz", "");
+    member.method = 12; // whose data is nobody's concern
+    member.rawData = test::sampleBytes(5'000'000, 1);
+    member.size = kHuge;
+    member.zip64 = true;
+    EXPECT_EQ(copyAll(writeSource(), target()), std::vector<bool>{true});
+    EXPECT_EQ(ZipUtils::getSizeOfArchive(target()), kHuge);
+    const std::string bytes = test::readFile(target());
+    const std::string size("\x00\xF2\x05\x2A\x01\x00\x00\x00", 8);
+    const std::string compressedSize("\x40\x4B\x4C\x00\x00\x00\x00\x00", 8);
+    // Behind the local header and its name: both sizes; at the end of the directory: what has no room there.
+    EXPECT_EQ(bytes.substr(30 + 7, 20), std::string("\x01\x00\x10\x00", 4) + size + compressedSize);
+    EXPECT_EQ(bytes.substr(bytes.size() - 22 - 12, 12), std::string("\x01\x00\x08\x00", 4) + size);
+    EXPECT_TRUE(bytes.compare(30 + 7 + 20, member.rawData->size(), *member.rawData) == 0);
+}
+
 TEST_F(ZipUtilsRawCopyTest, copiesForeignMethodsAsTheyAre)
 {
     ArchiveMember& member = mSource.add("a.bz", "");

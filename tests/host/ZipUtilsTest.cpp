@@ -131,6 +131,8 @@ TEST_F(ZipUtilsTest, exceptionOfTheCallbackPassesThrough)
 TEST_F(ZipUtilsTest, wholeMemberAndPiecesGiveTheSameBytes)
 {
     const std::string big = test::sampleBytes(1500000, 1);
+    const std::string bigger = test::sampleBytes(9000000, 2); // in large pages, where there are some
+    mBuilder.add("bigger", bigger);
     mBuilder.add("deflated", big);
     mBuilder.add("stored", big).method = ArchiveMember::kStored;
     mBuilder.add("described", big).flags = 8;
@@ -138,6 +140,8 @@ TEST_F(ZipUtilsTest, wholeMemberAndPiecesGiveTheSameBytes)
     mBuilder.add("emptyStored", "").method = ArchiveMember::kStored;
     mBuilder.add("wide", big).zip64 = true;
     const fileString archive = mBuilder.write(mFolder, "a.zip");
+    EXPECT_TRUE(readWhole(address(archive, "bigger")) == bigger);
+    EXPECT_TRUE(readInPieces(address(archive, "bigger"), 700001) == bigger);
     for (const char* name : {"deflated", "stored", "described", "wide"}) {
         EXPECT_TRUE(readWhole(address(archive, name)) == big) << name;
         EXPECT_TRUE(readInPieces(address(archive, name), 700001) == big) << name;

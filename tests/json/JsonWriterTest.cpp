@@ -16,6 +16,7 @@
 
 #include "OrvLibrary/json/json_file.h"
 #include "OrvLibrary/json/json_reader.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -224,6 +225,23 @@ TEST(JsonWriter, addedContainersAreCopies)
     EXPECT_EQ(compact(copy), R"({"array":["one"],"inner":{"a":["one"]}})");
 }
 
+TEST(JsonWriter, assignedContainersAreCopies)
+{
+    Array array;
+    array.add_element(std::string("one"));
+    Array otherArray;
+    otherArray.add_element(std::string("former"));
+    otherArray = array;
+    array.add_element(std::string("two"));
+    Object object;
+    object.add_element<Array>("array", otherArray);
+    Object otherObject;
+    otherObject.add_element<long>("former", 1);
+    otherObject = object;
+    object.add_element("b", array);
+    EXPECT_EQ(compact(otherObject), R"({"array":["one"]})");
+}
+
 TEST(JsonWriter, addingAnObjectToItselfAddsWhatItWas)
 {
     Object object;
@@ -410,6 +428,23 @@ TEST(JsonFile, whatIsNoRegularFileThrows)
     for (const std::string& name : {folder.path(), folder.path() + "/missing", std::string("/dev/zero"),
                                     std::string(), folder.path() + std::string("/a\0b", 4)})
         EXPECT_THROW(json::readFile(fileString(name)), std::runtime_error) << name;
+}
+
+TEST(JsonFile, whatMayNotBeReadThrows)
+{
+    const test::TempFolder folder;
+    const fileString path = folder.write("a.json", "{}");
+    ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
+    ASSERT_EQ(chmod(path.toNativeString().c_str(), 0), 0);
+    const auto end = test::runWithoutRights([&] {
+        try {
+            json::readFile(path);
+        } catch (const std::runtime_error& error) {
+            return error.what() == "cannot open " + path.toNativeString() ? 0 : 1;
+        }
+        return 2;
+    });
+    EXPECT_EQ(end.status, 0);
 }
 
 TEST(JsonFile, filesOverTheLimitAreNotRead)
