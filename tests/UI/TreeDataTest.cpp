@@ -152,6 +152,33 @@ TEST(TreeData, orderFollowsANameThatChangesAfterTheFirstComparison)
     EXPECT_FALSE(moving < fixed);
 }
 
+TEST(TreeData, orderFollowsATextThatTheModelChangesPastTheNode)
+{
+    QStandardItemModel model;
+    for (const char* name : {"a", "m"})
+        model.appendRow(new TreeItemData(1, kPath, name));
+    ASSERT_EQ(sortedNames(model), QStringList({"a", "m"}));
+    // Neither of them calls the node's own setData.
+    ASSERT_TRUE(model.setItemData(model.index(0, 0), {{Qt::DisplayRole, "z"}}));
+    EXPECT_EQ(sortedNames(model), QStringList({"m", "z"}));
+    ASSERT_TRUE(model.clearItemData(model.index(1, 0)));
+    EXPECT_EQ(sortedNames(model), QStringList({"", "m"}));
+}
+
+TEST(TreeData, copyKeepsItsPlaceUntilItIsRenamed)
+{
+    const TreeItemData fixed = item("m");
+    TreeItemData original = item("a");
+    EXPECT_TRUE(original < fixed);
+    TreeItemData copy = original;
+    original.setItemName("z");
+    EXPECT_TRUE(copy < fixed);
+    EXPECT_FALSE(original < fixed);
+    copy.setItemName("y");
+    EXPECT_FALSE(copy < fixed);
+    EXPECT_TRUE(copy < original);
+}
+
 TEST(TreeData, classThatOverridesDataIsAskedAtEveryComparison)
 {
     ShoutingItem changing("m");
