@@ -306,11 +306,12 @@ TEST_F(CurlTest, diskFailuresGiveTheSystemsText)
 
 TEST_F(CurlTest, targetThatCannotBeReplacedAtTheEndStays)
 {
-    server.otherwise([this](const test::FaultRequest&) {
-        folder.write("a.orvlib/kept", "x"); // a folder now
-        return FaultReply::ok("new");
-    });
-    EXPECT_FALSE(fetch(server.url("/a")));
+    server.on("/a", FaultReply::ok(std::string(8192, 'a')));
+    const auto putFolderThere = [](void* self, double, double, double, double) {
+        static_cast<CurlTest*>(self)->folder.write("a.orvlib/kept", "x");
+        return 0;
+    };
+    EXPECT_FALSE(fetch(server.url("/a"), {}, putFolderThere, this));
     EXPECT_EQ(reason, "write error: Is a directory");
     EXPECT_THAT(files(), ElementsAre("a.orvlib/", "a.orvlib/kept"));
 }
