@@ -74,6 +74,30 @@ public:
     /// former one, and an empty one drops what was not asked for. The one of this class does nothing.
     virtual void prefetchHeaders(const std::vector<HeaderRequest>& requests);
 
+    /// A download that is going to be made.
+    struct DownloadRequest
+    {
+        std::string url;
+        std::vector<std::string> headerLines;
+        fileString target;
+        /// Of the body, in bytes, as a header request told it; 0 when it is not known.
+        std::int64_t size = 0;
+    };
+    /// Tells which calls of `download_to_location` the calling thread is about to make, in their order, so
+    /// that a service may fetch the bodies ahead, into files of its own beside the targets. The call for a
+    /// target then gives that file its name, waiting for it to grow if need be, and tells the progress
+    /// function of the bytes as they are there and as they come; no progress function hears of a transfer
+    /// whose call has not been made. A body that could not be fetched ahead is asked for anew by its call,
+    /// and only that one's failure counts. Nothing is in the way of other calls. A further list takes the
+    /// place of the former one, and an empty one discards what was not asked for: transfers end, files are
+    /// removed.
+    ///
+    /// The default service does so where it pays: for four downloads or more, from an address that took 5 ms
+    /// or longer to answer this thread's last requests. A nearer one sees the requests in turn. Ahead of
+    /// their turn stand at most 64 MB, with at most two transfers of files over 8 MB at a time. The one of
+    /// this class does nothing.
+    virtual void prefetchDownloads(const std::vector<DownloadRequest>& requests);
+
     /// The address that redirects lead to, each `Location` read as sent (a lone trailing "?" survives);
     /// whatever its status is. Empty when there was no answer, a loop or too many redirects. The one of this
     /// class asks the default service.
@@ -83,8 +107,8 @@ public:
     /// environment says (`http_proxy`, `https_proxy`, `no_proxy`), which is what it does at first.
     static void setProxy(const std::string& proxy);
 
-    /// How many connections the default service opens at once for header requests that it sends ahead: 96 at
-    /// most, which is what it does at first, 1 at least. Counts from the next list on.
+    /// How many connections the default service opens at once for what it asks for ahead: 96 at most, which
+    /// is what it does at first, 1 at least. Counts from the next list on.
     static void setConnectionLimit(int connections);
 
     static Curl& get();

@@ -39,6 +39,10 @@ public:
     {
         mNext.prefetchHeaders(requests);
     }
+    void prefetchDownloads(const std::vector<DownloadRequest>& requests) override
+    {
+        mNext.prefetchDownloads(requests);
+    }
     std::string urlAfterRedirects(const std::string& url) override { return mNext.urlAfterRedirects(url); }
 
 private:

@@ -1,5 +1,8 @@
 // The download service, and the refresh of the manufacturers, without memory.
+#include <chrono>
+#include <string>
 #include <thread>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -60,6 +63,44 @@ public:
     }
     /// A failed download removes its target: the service's contract.
     bool isExcepted(const std::string& name) const override { return name == "user/file"; }
+};
+
+/// From a service that is far.
+class DownloadsAhead : public ServiceScenario
+{
+public:
+    using ServiceScenario::ServiceScenario;
+
+    void prepare() override
+    {
+        for (int i = 0; i < kFiles; ++i)
+            host().folder().write(nameOf(i), "old");
+    }
+    void act() override
+    {
+        std::vector<Curl::DownloadRequest> requests;
+        for (int i = 0; i < kFiles; ++i)
+            requests.push_back(
+                {server().url("/far?" + std::to_string(i)), {}, host().folder().file(nameOf(i)), 20'000});
+        std::string text;
+        std::int64_t status = 0;
+        const CountedAllocations counted;
+        Curl::get().getURLHeader(server().url("/far"), {}, text, status);
+        Curl::get().prefetchDownloads(requests);
+        for (const auto& request : requests) {
+            std::string reason;
+            int error = 0;
+            Curl::get().download_to_location(request.url, request.target, request.headerLines, nullptr, goOn,
+                                             reason, error);
+        }
+        Curl::get().prefetchDownloads({});
+    }
+    /// A failed download removes its target: the service's contract.
+    bool isExcepted(const std::string& name) const override { return name.rfind("user/far", 0) == 0; }
+
+private:
+    static constexpr int kFiles = 4;
+    static std::string nameOf(int number) { return "user/far" + std::to_string(number); }
 };
 
 class Requests : public ServiceScenario
@@ -124,6 +165,8 @@ protected:
     ServiceAllocations()
     {
         mServer.on("/file", FaultReply::ok(test::sampleBytes(20'000, 1), {"ETag: \"a tag of some length\""}));
+        mServer.on("/far",
+                   FaultReply::ok(test::sampleBytes(20'000, 2)).pauseAt(0, std::chrono::milliseconds(7)));
         mServer.on("/redirect", FaultReply::redirect("/file?with=a&query="));
         mServer.on("/makers", FaultReply::ok(kRecords));
         Curl::install(&mService);
@@ -150,6 +193,11 @@ protected:
 TEST_F(ServiceAllocations, aDownloadIsWholeOrNotThere)
 {
     sweep<Download>();
+}
+
+TEST_F(ServiceAllocations, downloadsAheadAreWholeOrNotThere)
+{
+    sweep<DownloadsAhead>();
 }
 
 TEST_F(ServiceAllocations, requestsGoOnAfterAFailure)

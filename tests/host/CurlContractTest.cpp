@@ -1,3 +1,4 @@
+#include <chrono>
 #include <thread>
 #include <vector>
 
@@ -50,6 +51,33 @@ TEST_P(CurlContract, aDownloadReplacesTheTarget)
     EXPECT_TRUE(Curl::get().download_to_location(mServer.url("/a"), target(), mReason));
     EXPECT_THAT(downloads(), testing::ElementsAre("target"));
     expectCalls(test::Service::Curl);
+}
+
+TEST_P(CurlContract, announcedDownloadsAreMadeAsOthers)
+{
+    std::vector<Curl::DownloadRequest> requests;
+    for (const char* name : {"/1", "/2", "/3", "/4", "/5"}) {
+        mServer.on(name, FaultReply::ok(name).pauseAt(0, std::chrono::milliseconds(7)));
+        requests.push_back({mServer.url(name), {}, mFolder.file(std::string("download") + name), 2});
+    }
+    mServer.on("/3", FaultReply::status(503, "busy"));
+    std::string text;
+    std::int64_t status = 0;
+    EXPECT_TRUE(Curl::get().getURLHeader(mServer.url("/1"), {}, text, status));
+    Curl::get().prefetchDownloads(requests);
+    for (const auto& request : requests) {
+        const bool isBusy = request.url == mServer.url("/3");
+        EXPECT_EQ(Curl::get().download_to_location(request.url, request.target, {}, nullptr, nullptr, mReason,
+                                                   mErrorNumber),
+                  !isBusy);
+        EXPECT_EQ(request.target.pathExists(), !isBusy);
+    }
+    EXPECT_EQ(mReason, "HTTP 503");
+    EXPECT_EQ(test::readFile(requests[4].target), "/5");
+    Curl::get().prefetchDownloads(requests);
+    Curl::get().prefetchDownloads({});
+    EXPECT_THAT(downloads(), testing::ElementsAre("1", "2", "4", "5", "target"));
+    EXPECT_TRUE(Curl::get().download_to_location(requests[4].url, requests[4].target, mReason));
 }
 
 TEST_P(CurlContract, aFailureSaysWhyAndLeavesTheTarget)

@@ -101,8 +101,9 @@ TEST_F(ForwardingServicesTest, downloadsFailWithAReasonAndWithoutARequest)
     EXPECT_FALSE(curl.browseURL(server.url(), {}, text, true, 0));
     EXPECT_EQ(curl.urlAfterRedirects(server.url()), "");
     curl.prefetchHeaders({{server.url(), {}}});
+    curl.prefetchDownloads({{server.url(), {}, target, 1}});
     EXPECT_TRUE(server.requests().empty());
-    EXPECT_EQ(calls().faults(), 8u);
+    EXPECT_EQ(calls().faults(), 9u);
 }
 
 TEST_F(ForwardingServicesTest, announcedRequestsReachTheServiceBehind)
@@ -115,13 +116,20 @@ TEST_F(ForwardingServicesTest, announcedRequestsReachTheServiceBehind)
             for (const HeaderRequest& request : requests)
                 urls.push_back(request.url);
         }
+        void prefetchDownloads(const std::vector<DownloadRequest>& requests) override
+        {
+            for (const DownloadRequest& request : requests)
+                urls.push_back(request.url);
+        }
         std::vector<std::string> urls;
     };
     Announced behind(Curl::get());
     test::ForwardingCurl curl(behind, calls());
     curl.prefetchHeaders({{"http://a.test/1", {}}, {"http://a.test/2", {}}});
-    EXPECT_THAT(behind.urls, testing::ElementsAre("http://a.test/1", "http://a.test/2"));
-    EXPECT_THAT(calls().operations(), testing::ElementsAre("Curl::prefetchHeaders"));
+    curl.prefetchDownloads({{"http://a.test/3", {}, fileString("/x"), 1}});
+    EXPECT_THAT(behind.urls, testing::ElementsAre("http://a.test/1", "http://a.test/2", "http://a.test/3"));
+    EXPECT_THAT(calls().operations(),
+                testing::ElementsAre("Curl::prefetchHeaders", "Curl::prefetchDownloads"));
 }
 
 TEST_F(ForwardingServicesTest, textsFailByBeingUnknownAndOthersGoThrough)

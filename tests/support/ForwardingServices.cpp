@@ -162,6 +162,12 @@ void ForwardingCurl::prefetchHeaders(const std::vector<HeaderRequest>& requests)
         ::ForwardingCurl::prefetchHeaders(requests);
 }
 
+void ForwardingCurl::prefetchDownloads(const std::vector<DownloadRequest>& requests)
+{
+    if (!mCalls.enter(Service::Curl, "prefetchDownloads"))
+        ::ForwardingCurl::prefetchDownloads(requests);
+}
+
 std::string ForwardingCurl::urlAfterRedirects(const std::string& url)
 {
     return mCalls.enter(Service::Curl, "urlAfterRedirects") ? std::string()

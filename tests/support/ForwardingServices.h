@@ -123,6 +123,7 @@ public:
     bool browseURL(const std::string& url, const std::vector<std::string>& headerLines, std::string& body,
                    bool followRedirects, int timeoutSeconds) override;
     void prefetchHeaders(const std::vector<HeaderRequest>& requests) override;
+    void prefetchDownloads(const std::vector<DownloadRequest>& requests) override;
     std::string urlAfterRedirects(const std::string& url) override;
 
 private:

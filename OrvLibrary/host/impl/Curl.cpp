@@ -27,6 +27,8 @@ std::string Curl::urlAfterRedirects(const std::string& url)
 
 void Curl::prefetchHeaders(const std::vector<HeaderRequest>&) {}
 
+void Curl::prefetchDownloads(const std::vector<DownloadRequest>&) {}
+
 void Curl::setProxy(const std::string& proxy)
 {
     defaultCurlService().setProxy(proxy);

@@ -5,6 +5,7 @@
 #include <new>
 #include <optional>
 
+#include "OrvLibrary/host/impl/DownloadPrefetch_p.h"
 #include "OrvLibrary/host/impl/HeaderPrefetch_p.h"
 #include "OrvLibrary/host/impl/HttpAddress_p.h"
 
@@ -50,6 +51,40 @@ public:
 private:
     TimePoint mAnswered;
 };
+
+/// Gives the file its name when all went well; otherwise tells why not.
+bool conclude(HttpConnections& connections, const HttpAnswer& answer, FileBody& body,
+              const ProgressPacer& pacer, std::string& reason, int& errorNumber)
+{
+    const HttpConnections::Work work(connections); // the progress function may be called once more
+    const bool arrived = answer.error == CURLE_OK && answer.status == kOk;
+    if (arrived && body.finish())
+        return true;
+    if (pacer.aborted()) {
+        reason = "Callback aborted";
+        errorNumber = Curl::kAbortedByCallback;
+    } else if (!body.reason().empty()) {
+        reason = body.reason();
+        errorNumber = body.diskFailed() ? CURLE_WRITE_ERROR : CURLE_WEIRD_SERVER_REPLY;
+    } else if (answer.status != 0 && answer.status != kOk) {
+        reason = "HTTP " + std::to_string(answer.status);
+        errorNumber = CURLE_HTTP_RETURNED_ERROR;
+    } else {
+        reason = answer.errorText;
+        errorNumber = answer.error;
+    }
+    return false;
+}
+
+std::unique_ptr<DownloadAhead> takeAhead(HttpConnections& connections, const HttpRequest& request,
+                                         const fileString& target, Curl::ProgressFunction progress,
+                                         void* context)
+{
+    if (!connections.downloads())
+        return nullptr;
+    const BrokenPipeBlock block;
+    return connections.downloads()->take(request, target, progress, context);
+}
 
 } // namespace
 
@@ -108,10 +143,18 @@ bool CurlService::download_to_location(const std::string& url, const fileString&
 {
     try {
         Connections connections;
+        const HttpRequest asked = request(url, headerLines);
+        if (const auto ahead = takeAhead(connections.get(), asked, target, progress, context)) {
+            if (ahead->answer.answered)
+                mGuard.answered(HttpAddress::hostAndPort(url));
+            return conclude(connections.get(), ahead->answer, ahead->body, ahead->pacer, reason, errorNumber);
+        }
         const TimePoint start = HttpLimits::Clock::now();
         ProgressPacer pacer(mLimits, progress, context, start);
         FileBody body(mLimits, target, pacer, start);
-        return downloadFile(connections.get(), request(url, headerLines), body, pacer, reason, errorNumber);
+        HttpChain chain(connections.get(), mGuard, mLimits, TimePoint::max());
+        const HttpAnswer answer = chain.run(asked, body, true);
+        return conclude(connections.get(), answer, body, pacer, reason, errorNumber);
     } catch (const std::bad_alloc& error) {
         reason = error.what();
         errorNumber = CURLE_OUT_OF_MEMORY;
@@ -122,30 +165,6 @@ bool CurlService::download_to_location(const std::string& url, const fileString&
     } catch (...) {
         reason = "Callback aborted";
         errorNumber = kAbortedByCallback;
-    }
-    return false;
-}
-
-bool CurlService::downloadFile(HttpConnections& connections, const HttpRequest& request, FileBody& body,
-                               ProgressPacer& pacer, std::string& reason, int& errorNumber)
-{
-    HttpChain chain(connections, mGuard, mLimits, TimePoint::max());
-    const HttpAnswer answer = chain.run(request, body, true);
-    const bool arrived = answer.error == CURLE_OK && answer.status == kOk;
-    if (arrived && body.finish())
-        return true;
-    if (pacer.aborted()) {
-        reason = "Callback aborted";
-        errorNumber = kAbortedByCallback;
-    } else if (!body.reason().empty()) {
-        reason = body.reason();
-        errorNumber = body.diskFailed() ? CURLE_WRITE_ERROR : CURLE_WEIRD_SERVER_REPLY;
-    } else if (answer.status != 0 && answer.status != kOk) {
-        reason = "HTTP " + std::to_string(answer.status);
-        errorNumber = CURLE_HTTP_RETURNED_ERROR;
-    } else {
-        reason = answer.errorText;
-        errorNumber = answer.error;
     }
     return false;
 }
@@ -190,6 +209,41 @@ void CurlService::prefetchHeaders(const std::vector<HeaderRequest>& requests)
             return;
         connections.setPrefetch(
             std::make_unique<HeaderPrefetch>(connections, mLimits, list, connectionLimit()));
+        connections.step(); // on their way at once
+    } catch (const std::exception&) {
+        // Then each is asked for when its turn comes.
+    }
+}
+
+/// Whether fetching the body before its turn is likely to gain anything.
+bool CurlService::paysAhead(const HttpConnections& connections, const DownloadRequest& request)
+{
+    if (!HttpAddress::isWebAddress(request.url))
+        return false;
+    const std::string address = HttpAddress::hostAndPort(request.url);
+    return connections.latency(address) >= kFarAddress && mGuard.isOpen(address);
+}
+
+void CurlService::prefetchDownloads(const std::vector<DownloadRequest>& requests)
+{
+    try {
+        HttpConnections& connections = HttpConnections::ofThisThread();
+        // From within a progress function: the connections that would be needed are at work.
+        if (connections.busy())
+            return;
+        const BrokenPipeBlock block;
+        connections.setDownloads(nullptr);
+        if (requests.size() < kFewestAhead)
+            return;
+        std::vector<DownloadAnnouncement> list;
+        for (const DownloadRequest& download : requests) {
+            if (paysAhead(connections, download))
+                list.push_back({request(download.url, download.headerLines), download.target, download.size});
+        }
+        if (list.empty())
+            return;
+        connections.setDownloads(
+            std::make_unique<DownloadPrefetch>(connections, mLimits, list, connectionLimit()));
         connections.step(); // on their way at once
     } catch (const std::exception&) {
         // Then each is asked for when its turn comes.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <mutex>
 
 #include "OrvLibrary/host/Curl.h"
@@ -25,6 +26,7 @@ public:
     bool browseURL(const std::string& url, const std::vector<std::string>& headerLines, std::string& body,
                    bool followRedirects, int timeoutSeconds) override;
     void prefetchHeaders(const std::vector<HeaderRequest>& requests) override;
+    void prefetchDownloads(const std::vector<DownloadRequest>& requests) override;
     std::string urlAfterRedirects(const std::string& url) override;
 
     void setProxy(const std::string& proxy);
@@ -35,11 +37,13 @@ public:
 
 private:
     static constexpr int kMostConnections = 96;
+    /// Bodies are fetched ahead for so many downloads, and from an address that takes so long to answer.
+    static constexpr std::size_t kFewestAhead = 4;
+    static constexpr std::chrono::milliseconds kFarAddress{5};
 
     int connectionLimit();
     HttpRequest request(const std::string& url, const std::vector<std::string>& headerLines);
-    bool downloadFile(HttpConnections& connections, const HttpRequest& request, FileBody& body,
-                      ProgressPacer& pacer, std::string& reason, int& errorNumber);
+    bool paysAhead(const HttpConnections& connections, const DownloadRequest& request);
 
     const HttpLimits mLimits;
     AddressGuard mGuard;

@@ -59,7 +59,13 @@ bool DownloadFile::write(const char* data, std::size_t size, std::string& reason
 /// Lets the disk work while the network does, so that the sync at the end has little left to wait for.
 void DownloadFile::writeBackEarly()
 {
-    if (mSize - mWrittenBack < kWriteBackStep)
+    if (mSize - mWrittenBack >= kWriteBackStep)
+        startWriteBack();
+}
+
+void DownloadFile::startWriteBack()
+{
+    if (!mFile || mSize == mWrittenBack)
         return;
     sync_file_range(mFile->descriptor(), mWrittenBack, mSize - mWrittenBack, SYNC_FILE_RANGE_WRITE);
     mWrittenBack = mSize;

@@ -18,7 +18,10 @@ public:
     explicit DownloadFile(const fileString& target) : mTarget(target) {}
 
     bool open(std::string& reason);
+    bool isOpen() const { return mFile != nullptr; }
     bool write(const char* data, std::size_t size, std::string& reason);
+    /// Lets the disk begin with what was written and not written back yet.
+    void startWriteBack();
     /// Syncs the file and gives it the target's name.
     bool commit(std::string& reason);
 

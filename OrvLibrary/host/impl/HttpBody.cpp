@@ -96,10 +96,23 @@ bool FileBody::begin(std::int64_t status, const std::string& headerText)
     std::string reason;
     if (!mFile.open(reason))
         return failOnDisk(reason);
-    const std::int64_t free = mFile.freeBytes();
-    mCapIsDisk = free >= 0 && free - mLimits.spareBytes < mLimits.fileBytes;
-    mCap = mCapIsDisk ? std::max<std::int64_t>(free - mLimits.spareBytes, 0) : mLimits.fileBytes;
+    measureRoom();
     return checkRoom(mLength);
+}
+
+/// How large the file may become, with what is already written.
+void FileBody::measureRoom()
+{
+    const std::int64_t free = mFile.freeBytes();
+    const std::int64_t room = mFile.size() + free - mLimits.spareBytes;
+    mCapIsDisk = free >= 0 && room < mLimits.fileBytes;
+    mCap = mCapIsDisk ? std::max<std::int64_t>(room, 0) : mLimits.fileBytes;
+}
+
+void FileBody::limitsChanged()
+{
+    if (mFile.isOpen())
+        measureRoom();
 }
 
 void FileBody::headerReceived(std::size_t size)
@@ -130,12 +143,21 @@ HttpBody::Verdict FileBody::watch(TimePoint now)
     return !mPacer.wanted() && mSpeed.tooSlow(now) ? Verdict::TooSlow : Verdict::GoOn;
 }
 
+bool FileBody::isSound()
+{
+    if (!mIsSound) {
+        if (mLength >= 0 && mFile.size() != mLength)
+            mIsSound = fail("length differs from Content-Length");
+        else
+            mIsSound = mDigest->matches() || fail("digest mismatch");
+    }
+    return *mIsSound;
+}
+
 bool FileBody::finish()
 {
-    if (mLength >= 0 && mFile.size() != mLength)
-        return fail("length differs from Content-Length");
-    if (!mDigest->matches())
-        return fail("digest mismatch");
+    if (!isSound())
+        return false;
     if (!mPacer.finish(HttpLimits::Clock::now()))
         return false;
     std::string reason;

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "OrvLibrary/host/fileString.h"
@@ -75,8 +76,16 @@ public:
     Verdict watch(TimePoint now) override;
     void headerReceived(std::size_t size) override;
 
-    /// The transfer ended without an error: checks what arrived and gives the file its name.
+    /// The transfer ended without an error: whether length and digest are as announced.
+    bool isSound();
+    /// The same, and gives the file its name.
     bool finish();
+    /// To be called when the limits have changed while the body came.
+    void limitsChanged();
+    /// Lets the disk begin with what was written.
+    void startWriteBack() { mFile.startWriteBack(); }
+    /// Bytes written.
+    std::int64_t size() const { return mFile.size(); }
     /// Why the file could not be written; empty when it could.
     const std::string& reason() const { return mReason; }
     /// Whether the reason is of the disk, not of what the server sent.
@@ -85,6 +94,7 @@ public:
 private:
     bool fail(const std::string& reason);
     bool failOnDisk(const std::string& reason);
+    void measureRoom();
     bool checkRoom(std::int64_t size);
 
     DownloadFile mFile;
@@ -97,5 +107,6 @@ private:
     std::int64_t mCap = 0;
     bool mCapIsDisk = false;
     bool mDiskFailed = false;
+    std::optional<bool> mIsSound;
     std::string mReason;
 };

@@ -6,6 +6,7 @@
 #include <mutex>
 #include <new>
 
+#include "OrvLibrary/host/impl/DownloadPrefetch_p.h"
 #include "OrvLibrary/host/impl/HeaderPrefetch_p.h"
 #include "OrvLibrary/host/impl/HttpAddress_p.h"
 
@@ -68,6 +69,7 @@ HttpConnections::~HttpConnections()
 {
     const BrokenPipeBlock block; // closing a TLS connection writes to it
     mPrefetch.reset();
+    mDownloads.reset();
     for (CURL* handle : mIdle)
         curl_easy_cleanup(handle);
     curl_multi_cleanup(mMulti);
@@ -114,6 +116,14 @@ void HttpConnections::setPrefetch(std::unique_ptr<HeaderPrefetch> prefetch)
         mPrefetch->advance();
 }
 
+void HttpConnections::setDownloads(std::unique_ptr<DownloadPrefetch> downloads)
+{
+    const BrokenPipeBlock block;
+    mDownloads = std::move(downloads);
+    if (mDownloads)
+        mDownloads->advance();
+}
+
 std::chrono::microseconds HttpConnections::latency(const std::string& address) const
 {
     const auto found = mExperiences.find(address);
@@ -157,11 +167,8 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, 
 {
     const BrokenPipeBlock block;
     CURL* const handle = acquire();
-    mBusy = true;
-    const AtEnd giveBack{[&] {
-        mBusy = false;
-        release(handle);
-    }};
+    const Work work(*this);
+    const AtEnd giveBack{[&] { release(handle); }};
     HttpTransfer transfer(handle, request, body, limits, deadline);
     run(transfer);
     if (transfer.isAnswered())
@@ -200,6 +207,8 @@ bool HttpConnections::step()
     collectResults();
     if (mPrefetch)
         mPrefetch->advance();
+    if (mDownloads)
+        mDownloads->advance();
     return isWell;
 }
 

@@ -12,6 +12,7 @@
 
 #include "OrvLibrary/host/impl/HttpTransfer_p.h"
 
+class DownloadPrefetch;
 class HeaderPrefetch;
 
 /// The connections of one thread, kept open between requests, and the handles that are used over and over.
@@ -32,6 +33,18 @@ public:
     /// Whether a transfer is running, so that this one is asked from within its progress function. Another
     /// object must serve then.
     bool busy() const { return mBusy; }
+    /// Makes the connections busy for the life of a block.
+    class Work
+    {
+    public:
+        explicit Work(HttpConnections& connections) : mBusy(connections.mBusy) { mBusy = true; }
+        ~Work() { mBusy = false; }
+        Work(const Work&) = delete;
+        Work& operator=(const Work&) = delete;
+
+    private:
+        bool& mBusy;
+    };
 
     /// Sends a request and waits for the end of its answer.
     /// @throws what the body throws
@@ -41,6 +54,9 @@ public:
     /// The header requests sent ahead; null when there are none.
     HeaderPrefetch* prefetch() const { return mPrefetch.get(); }
     void setPrefetch(std::unique_ptr<HeaderPrefetch> prefetch);
+    /// The bodies fetched ahead; null when there are none.
+    DownloadPrefetch* downloads() const { return mDownloads.get(); }
+    void setDownloads(std::unique_ptr<DownloadPrefetch> downloads);
 
     /// How long an address takes to answer when nothing else is asked of it: the shortest of the last few
     /// times. Negative when it is not known.
@@ -69,6 +85,7 @@ private:
     std::vector<CURL*> mIdle;
     bool mBusy = false;
     std::unique_ptr<HeaderPrefetch> mPrefetch;
+    std::unique_ptr<DownloadPrefetch> mDownloads;
     struct Experience
     {
         std::deque<std::chrono::microseconds> latencies;

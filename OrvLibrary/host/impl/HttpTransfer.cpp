@@ -8,6 +8,7 @@
 namespace {
 
 constexpr long kReceiveBuffer = 256 * 1024;
+constexpr long kSmallReceiveBuffer = 64 * 1024;
 constexpr long kHeaderReceiveBuffer = 16 * 1024;
 constexpr std::int64_t kFirstFinalStatus = 200;
 
@@ -42,7 +43,8 @@ void HttpTransfer::setOptions(const HttpRequest& request)
     curl_easy_setopt(mHandle, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(mHandle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(mLimits.connectTimeout.count()));
     curl_easy_setopt(mHandle, CURLOPT_USERAGENT, "libOrvLibrary");
-    curl_easy_setopt(mHandle, CURLOPT_BUFFERSIZE, request.headerOnly ? kHeaderReceiveBuffer : kReceiveBuffer);
+    const long buffer = request.isOneOfMany ? kSmallReceiveBuffer : kReceiveBuffer;
+    curl_easy_setopt(mHandle, CURLOPT_BUFFERSIZE, request.headerOnly ? kHeaderReceiveBuffer : buffer);
     if (!request.proxy.empty())
         curl_easy_setopt(mHandle, CURLOPT_PROXY, request.proxy.c_str());
     // Requests at the same time share a connection that can carry them.

@@ -19,6 +19,8 @@ struct HttpRequest
     std::string url;
     std::vector<std::string> headerLines;
     bool headerOnly = false;
+    /// One of many that run at once: takes less memory.
+    bool isOneOfMany = false;
     /// Opens a connection of its own, whether or not there is one that could carry it.
     bool onNewConnection = false;
     /// Proxy address; empty for what the environment says.

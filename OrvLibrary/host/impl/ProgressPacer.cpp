@@ -29,10 +29,25 @@ bool ProgressPacer::received(std::int64_t bytes, TimePoint now)
     mReceived += bytes;
     mLastByte = now;
     mNextCall = now + mLimits.progressSilence;
+    return callForSteps(before, now);
+}
+
+bool ProgressPacer::callForSteps(std::int64_t from, TimePoint now)
+{
     const std::int64_t step = mLimits.progressStep;
-    for (std::int64_t mark = (before / step + 1) * step; mark <= mReceived && !mAborted; mark += step)
+    for (std::int64_t mark = (from / step + 1) * step; mark <= mReceived && !mAborted; mark += step)
         call(mark, now);
     return !mAborted;
+}
+
+bool ProgressPacer::attach(Curl::ProgressFunction progress, void* context, TimePoint now)
+{
+    mProgress = progress;
+    mContext = context;
+    mLastByte = now;
+    mLastCall = now;
+    mNextCall = now + mLimits.progressSilence;
+    return callForSteps(0, now);
 }
 
 bool ProgressPacer::tick(TimePoint now)

@@ -16,6 +16,9 @@ public:
     /// @param progress may be null: then nothing is called and nothing aborts
     ProgressPacer(const HttpLimits& limits, Curl::ProgressFunction progress, void* context, TimePoint start);
 
+    /// Gives a function to a transfer that went on without one: calls it for the steps that have come, and
+    /// counts a silence from `now` on. False once the function aborted.
+    bool attach(Curl::ProgressFunction progress, void* context, TimePoint now);
     /// The body's length as announced, in bytes; 0 when it is not known.
     void setTotal(std::int64_t bytes) { mTotal = bytes; }
     /// Takes note of body bytes. False once the function aborted.
@@ -28,9 +31,12 @@ public:
 
     bool wanted() const { return mProgress != nullptr; }
     bool aborted() const { return mAborted; }
+    /// Whether the function was told of any byte.
+    bool toldOfBytes() const { return mTold > 0; }
 
 private:
     bool call(std::int64_t count, TimePoint now);
+    bool callForSteps(std::int64_t from, TimePoint now);
 
     const HttpLimits& mLimits;
     Curl::ProgressFunction mProgress;
