@@ -1,8 +1,14 @@
 // Download and installation of the catalogs that changed.
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
+#include <algorithm>
+#include <cstdint>
+#include <limits>
+#include <map>
 #include <memory>
 #include <stdexcept>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "OrvLibrary/CatalogDownload_p.h"
@@ -50,6 +56,53 @@ void removeTemporaryFile(const fileString& file)
         FileUtils::removePath(file, kRemoveReadOnly);
 }
 
+/// Where a catalog is downloaded to, in the download folder of its category.
+fileString temporaryFileOf(const fileString& catalogFile, const fileString& folder)
+{
+    return folder / catalogFile.stem() + fileString(".download");
+}
+
+/// The downloads of a run in their order, exactly as they will be made. Their folders are created.
+std::vector<Curl::DownloadRequest> downloadsOf(const CatalogMap& catalogs, const std::string& product,
+                                               const std::string& version)
+{
+    std::vector<Curl::DownloadRequest> requests;
+    // Asking for the endpoint here would log its failure once more.
+    if (kApiEndpoint.empty())
+        return requests;
+    std::map<Library::LibraryCategory, fileString> folders;
+    for (const auto& [catalogFile, record] : catalogs) {
+        if (!record.needsUpdate())
+            continue;
+        fileString& folder = folders[record.category];
+        if (folder.empty()) {
+            folder = getTempDirectoryPathFromCategory(record.category);
+            FileUtils::createDirectoriesWithPerm(folder, false);
+        }
+        Curl::DownloadRequest request;
+        generate_url_and_headers(request.url, request.headerLines, catalogFile, record, product, version);
+        request.target = temporaryFileOf(catalogFile, folder);
+        request.size = static_cast<std::int64_t>(
+            std::min<std::uint64_t>(record.contentLength, std::numeric_limits<std::int64_t>::max()));
+        requests.push_back(std::move(request));
+    }
+    return requests;
+}
+
+/// Tells the download service which downloads are about to be made, so that it may fetch them ahead. One that
+/// throws is asked record by record.
+void announce(const std::vector<Curl::DownloadRequest>& requests)
+try {
+    Curl::get().prefetchDownloads(requests);
+} catch (...) {
+}
+
+/// At the end of the loop, however it ends, what was fetched ahead and not used is discarded.
+struct EndOfAnnouncement
+{
+    ~EndOfAnnouncement() { announce({}); }
+};
+
 } // namespace
 
 void LibraryCatalogUpdater::updateCatalogs()
@@ -69,6 +122,12 @@ void LibraryCatalogUpdater::updateCatalogs()
         return;
     const std::string prefix = hostText(kTextDownloading);
     Library::ErrorLog log;
+    try {
+        announce(downloadsOf(mCatalogs, mProduct, mVersion));
+    } catch (...) {
+        noteException("Unable to list the downloads");
+    }
+    const EndOfAnnouncement end;
     for (auto& [catalogFile, record] : mCatalogs) {
         if (record.needsUpdate() && !updateCatalog(catalogFile, record, prefix, log))
             break;
@@ -100,13 +159,12 @@ bool LibraryCatalogUpdater::updateCatalog(const fileString& catalogFile, Catalog
 fileString LibraryCatalogUpdater::prepareDownload(const fileString& catalogFile,
                                                   const CatalogUpdateData& record, const std::string& prefix)
 {
-    const fileString stem = catalogFile.stem();
     const fileString folder = getTempDirectoryPathFromCategory(record.category);
     FileUtils::createDirectoriesWithPerm(folder, false);
-    mHostObject->setText(prefix + StringUtils::toWin1252(stem.unicodeString()));
+    mHostObject->setText(prefix + StringUtils::toWin1252(catalogFile.stem().unicodeString()));
     total_kbytes_read = addSaturating(total_kbytes_read, file_kbytes_read);
     file_kbytes_read = 0;
-    return folder / stem + fileString(".download");
+    return temporaryFileOf(catalogFile, folder);
 }
 
 bool LibraryCatalogUpdater::downloadCatalog(const fileString& catalogFile, const CatalogUpdateData& record,
@@ -127,6 +185,8 @@ bool LibraryCatalogUpdater::downloadCatalog(const fileString& catalogFile, const
         return true;
     if (errorNumber == Curl::kAbortedByCallback)
         mMessageCode = kMessageDownloadCancelled;
+    if (isDownloadKilled())
+        announce({}); // what was fetched ahead is not wanted any more
     return false;
 }
 

@@ -42,6 +42,13 @@ void ScriptedCurl::prefetchHeaders(const std::vector<HeaderRequest>& announced)
         onAnnouncement();
 }
 
+void ScriptedCurl::prefetchDownloads(const std::vector<DownloadRequest>& announced)
+{
+    downloadAnnouncements.emplace_back(requests.size(), announced);
+    if (onAnnouncement)
+        onAnnouncement();
+}
+
 std::vector<std::string> ScriptedCurl::asked(const std::string& kind) const
 {
     std::vector<std::string> values;

@@ -47,6 +47,7 @@ public:
                    bool followRedirects, int timeoutSeconds) override;
     std::string urlAfterRedirects(const std::string& url) override;
     void prefetchHeaders(const std::vector<HeaderRequest>& announced) override;
+    void prefetchDownloads(const std::vector<DownloadRequest>& announced) override;
 
     /// The files, by the value of "library" in the request.
     std::map<std::string, ScriptedFile> files;
@@ -55,8 +56,10 @@ public:
     std::vector<std::string> requests;
     /// The lists of header requests that were announced, each with the number of requests made before it.
     std::vector<std::pair<std::size_t, std::vector<HeaderRequest>>> announcements;
-    /// Called when a list is announced.
+    /// Called when a list of either kind is announced.
     std::function<void()> onAnnouncement;
+    /// The same for the lists of downloads.
+    std::vector<std::pair<std::size_t, std::vector<DownloadRequest>>> downloadAnnouncements;
     /// The header lines of each request but the redirects, in order.
     std::vector<std::vector<std::string>> requestHeaders;
     /// Called at the start of each request, with its line.
