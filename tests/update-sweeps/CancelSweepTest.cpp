@@ -8,8 +8,7 @@
 
 #include "OrvLibrary/CatalogEvents_p.h"
 #include "tests/support/ForwardingServices.h"
-#include "tests/update-sweeps/ResourceGuard.h"
-#include "tests/update-sweeps/UpdateWorld.h"
+#include "tests/update-sweeps/DistanceSweep.h"
 
 using LibraryCatalogUpdate::LibraryCatalogUpdater;
 
@@ -99,7 +98,7 @@ public Q_SLOTS:
     void onUpdateInGauge() {}
 };
 
-class CancelSweep : public testing::Test
+class CancelSweep : public test::DistanceSweep
 {
 protected:
     /// The promise after a cancelled run.
@@ -109,50 +108,52 @@ protected:
         EXPECT_EQ(mWorld.recorder()->count("onClose"), 1u);
         mWorld.expectConverges();
     }
-
-    test::ResourceGuard mGuard;
-    test::UpdateWorld mWorld;
 };
 
-using HostSweep = CancelSweep;
+class HostSweep : public test::DistanceSweep
+{
+};
+
+INSTANTIATE_TEST_SUITE_P(Service, CancelSweep, testing::Values(test::kNear, test::kFar), test::distanceName);
+INSTANTIATE_TEST_SUITE_P(Service, HostSweep, testing::Values(test::kNear, test::kFar), test::distanceName);
 
 } // namespace
 
-TEST_F(CancelSweep, atEveryCallOfAHostService)
+TEST_P(CancelSweep, atEveryCallOfAHostService)
 {
-    mWorld.reset();
+    reset();
     const std::size_t calls = countServiceCalls(mWorld);
     for (const std::size_t cell : test::sweepCells(calls, 50)) {
         SCOPED_TRACE("service call " + std::to_string(cell + 1));
-        mWorld.reset();
+        reset();
         runCancelledAtServiceCall(mWorld, cell + 1);
         expectCancelled();
     }
 }
 
-TEST_F(CancelSweep, atEveryProgressCall)
+TEST_P(CancelSweep, atEveryProgressCall)
 {
-    mWorld.reset();
+    reset();
     const std::size_t calls = runCancelledAtProgress(mWorld, 0);
     EXPECT_GE(calls, 4u) << "one for each download at least";
     for (std::size_t call = 1; call <= calls; ++call) {
         SCOPED_TRACE("progress call " + std::to_string(call));
-        mWorld.reset();
+        reset();
         runCancelledAtProgress(mWorld, call);
         expectCancelled();
     }
 }
 
-TEST_F(CancelSweep, atEveryRequest)
+TEST_P(CancelSweep, atEveryRequest)
 {
-    mWorld.reset();
+    reset();
     mWorld.onRequest(nullptr);
     mWorld.run();
     const std::size_t requests = mWorld.requestCount();
     EXPECT_GE(requests, 12u);
     for (std::size_t request = 1; request <= requests; ++request) {
         SCOPED_TRACE("request " + std::to_string(request));
-        mWorld.reset();
+        reset();
         mWorld.onRequest([request](std::size_t number) {
             if (number == request)
                 LibraryCatalogUpdater::killDownload();
@@ -162,14 +163,14 @@ TEST_F(CancelSweep, atEveryRequest)
     }
 }
 
-TEST_F(CancelSweep, atEveryInvocation)
+TEST_P(CancelSweep, atEveryInvocation)
 {
-    mWorld.reset();
+    reset();
     mWorld.run();
     const std::size_t invocations = mWorld.recorder()->events().size();
     for (std::size_t invocation = 1; invocation <= invocations; ++invocation) {
         SCOPED_TRACE("invocation " + std::to_string(invocation));
-        mWorld.reset();
+        reset();
         mWorld.recorder()->onEvent = [invocation](std::size_t number) {
             if (number == invocation)
                 LibraryCatalogUpdater::killDownload();
@@ -181,14 +182,14 @@ TEST_F(CancelSweep, atEveryInvocation)
     }
 }
 
-TEST_F(HostSweep, isDestroyedAtEveryInvocation)
+TEST_P(HostSweep, isDestroyedAtEveryInvocation)
 {
-    mWorld.reset();
+    reset();
     mWorld.run();
     const std::size_t invocations = mWorld.recorder()->events().size();
     for (std::size_t invocation = 1; invocation <= invocations; ++invocation) {
         SCOPED_TRACE("invocation " + std::to_string(invocation));
-        mWorld.reset();
+        reset();
         mWorld.recorder()->onEvent = [this, invocation](std::size_t number) {
             if (number == invocation)
                 mWorld.recorder().reset();
@@ -201,15 +202,15 @@ TEST_F(HostSweep, isDestroyedAtEveryInvocation)
     }
 }
 
-TEST_F(HostSweep, isDestroyedWhileAnyRequestGoesOn)
+TEST_P(HostSweep, isDestroyedWhileAnyRequestGoesOn)
 {
-    mWorld.reset();
+    reset();
     mWorld.onRequest(nullptr);
     mWorld.run();
     const std::size_t requests = mWorld.requestCount();
     for (std::size_t request = 1; request <= requests; ++request) {
         SCOPED_TRACE("request " + std::to_string(request));
-        mWorld.reset();
+        reset();
         mWorld.onRequest([this, request](std::size_t number) {
             if (number == request)
                 QMetaObject::invokeMethod(

@@ -1,8 +1,7 @@
 // Everything that a broken or hostile web service can do to each kind of request of an update.
 #include <QByteArray>
 
-#include "tests/update-sweeps/ResourceGuard.h"
-#include "tests/update-sweeps/UpdateWorld.h"
+#include "tests/update-sweeps/DistanceSweep.h"
 
 using test::FaultReply;
 using test::FaultRequest;
@@ -249,7 +248,6 @@ std::vector<Behaviour> allBehaviours()
 void expectSurvives(test::UpdateWorld& world, RequestKind kind, const Behaviour& behaviour)
 {
     SCOPED_TRACE(std::string(kindName(kind)) + ": " + behaviour.name);
-    world.reset();
     world.spoil(kind, behaviour.spoiler);
     world.run();
     const bool isFile = kind == RequestKind::Body || kind == RequestKind::Archive;
@@ -259,47 +257,47 @@ void expectSurvives(test::UpdateWorld& world, RequestKind kind, const Behaviour&
         world.expectConverges();
 }
 
+using NetworkSweep = test::DistanceSweep;
+INSTANTIATE_TEST_SUITE_P(Service, NetworkSweep, testing::Values(test::kNear, test::kFar), test::distanceName);
+
 } // namespace
 
-TEST(NetworkSweep, everyBehaviourOnEveryKindOfRequest)
+TEST_P(NetworkSweep, everyBehaviourOnEveryKindOfRequest)
 {
-    const test::ResourceGuard guard;
-    test::UpdateWorld world;
     const std::vector<Behaviour> behaviours = allBehaviours();
     const std::vector<RequestKind>& kinds = test::spoiltKinds();
     EXPECT_GE(behaviours.size(), 60u);
     for (const std::size_t cell : test::sweepCells(behaviours.size() * kinds.size(), 100)) {
-        expectSurvives(world, kinds[cell % kinds.size()], behaviours[cell / kinds.size()]);
+        reset();
+        expectSurvives(mWorld, kinds[cell % kinds.size()], behaviours[cell / kinds.size()]);
         if (HasFatalFailure())
             return;
     }
 }
 
-TEST(NetworkSweep, everyReplyCutAtEveryByte)
+TEST_P(NetworkSweep, everyReplyCutAtEveryByte)
 {
-    const test::ResourceGuard guard;
-    test::UpdateWorld world;
     for (const RequestKind kind : test::spoiltKinds()) {
         const char* const method = kind == RequestKind::Header ? "HEAD" : "GET";
-        const std::size_t size = world.soundAnswer(kind).bytes(method).size();
+        const std::size_t size = mWorld.soundAnswer(kind).bytes(method).size();
         for (const std::size_t cut : test::sweepCells(size, 8)) {
             const std::string name = "cut at byte " + std::to_string(cut);
-            expectSurvives(world, kind, {name.c_str(), [cut](const SoundAnswer& sound, const FaultRequest&) {
-                                             return sound.reply().cutAt(cut);
-                                         }});
+            reset();
+            expectSurvives(mWorld, kind, {name.c_str(), [cut](const SoundAnswer& sound, const FaultRequest&) {
+                                              return sound.reply().cutAt(cut);
+                                          }});
         }
     }
 }
 
-TEST(NetworkSweep, everyStatusOnEveryKindOfRequest)
+TEST_P(NetworkSweep, everyStatusOnEveryKindOfRequest)
 {
-    const test::ResourceGuard guard;
-    test::UpdateWorld world;
     for (const RequestKind kind : test::spoiltKinds()) {
         for (const std::size_t cell : test::sweepCells(500, 10)) {
             const int status = 100 + static_cast<int>(cell);
             const std::string name = "status " + std::to_string(status);
-            expectSurvives(world, kind,
+            reset();
+            expectSurvives(mWorld, kind,
                            {name.c_str(), [status](const SoundAnswer& sound, const FaultRequest&) {
                                 return FaultReply::status(status, sound.body, sound.headerLines).close();
                             }});

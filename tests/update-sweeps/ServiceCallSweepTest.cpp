@@ -1,7 +1,6 @@
 // Every call of a host service during an update fails or throws, once or from then on.
 #include "tests/support/ForwardingServices.h"
-#include "tests/update-sweeps/ResourceGuard.h"
-#include "tests/update-sweeps/UpdateWorld.h"
+#include "tests/update-sweeps/DistanceSweep.h"
 
 using test::Fault;
 using test::ServiceCalls;
@@ -39,7 +38,6 @@ std::string runWithFault(test::UpdateWorld& world, const Way& way, std::size_t c
 std::size_t countCalls(test::UpdateWorld& world)
 {
     std::size_t calls = 0;
-    world.reset();
     world.run([&] {
         test::ForwardingServices services;
         test::runUpdate(world.updater());
@@ -52,28 +50,32 @@ std::size_t countCalls(test::UpdateWorld& world)
 /// made in turn.
 bool countsAsError(const std::string& operation)
 {
-    return operation != "PathUtils::getUserLibraryDatabasePath" && operation != "Curl::prefetchHeaders";
+    return operation != "PathUtils::getUserLibraryDatabasePath" && operation != "Curl::prefetchHeaders" &&
+           operation != "Curl::prefetchDownloads";
 }
+
+using ServiceCallSweep = test::DistanceSweep;
+INSTANTIATE_TEST_SUITE_P(Service, ServiceCallSweep, testing::Values(test::kNear, test::kFar),
+                         test::distanceName);
 
 } // namespace
 
-TEST(ServiceCallSweep, everyCallOfAHostServiceThrowsOrFails)
+TEST_P(ServiceCallSweep, everyCallOfAHostServiceThrowsOrFails)
 {
-    const test::ResourceGuard guard;
-    test::UpdateWorld world;
-    const std::size_t calls = countCalls(world);
+    reset();
+    const std::size_t calls = countCalls(mWorld);
     EXPECT_GT(calls, 60u);
     constexpr std::size_t kWayCount = sizeof kWays / sizeof *kWays;
     for (const std::size_t cell : test::sweepCells(calls * kWayCount, 104)) {
         const Way& way = kWays[cell % kWayCount];
         const std::size_t call = 1 + cell / kWayCount;
-        world.reset();
-        const std::string operation = runWithFault(world, way, call);
+        reset();
+        const std::string operation = runWithFault(mWorld, way, call);
         SCOPED_TRACE(operation + ", call " + std::to_string(call) + " " + way.name);
-        world.expectNothingLost();
-        ASSERT_TRUE(world.recorder()->closingData());
+        mWorld.expectNothingLost();
+        ASSERT_TRUE(mWorld.recorder()->closingData());
         const bool isError = way.fault == Fault::Throw && countsAsError(operation);
-        EXPECT_TRUE(!isError || world.recorder()->closingData()->result == 0);
-        world.expectConverges();
+        EXPECT_TRUE(!isError || mWorld.recorder()->closingData()->result == 0);
+        mWorld.expectConverges();
     }
 }

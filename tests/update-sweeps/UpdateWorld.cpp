@@ -220,6 +220,12 @@ void UpdateWorld::spoil(RequestKind kind, Spoiler spoiler)
     mSpoiler = std::move(spoiler);
 }
 
+void UpdateWorld::setDelay(std::chrono::milliseconds delay)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mDelay = delay;
+}
+
 void UpdateWorld::onRequest(std::function<void(std::size_t)> hook)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
@@ -292,12 +298,14 @@ FaultReply UpdateWorld::answer(const FaultRequest& request)
     Spoiler spoiler;
     std::function<void(std::size_t)> hook;
     std::size_t number;
+    std::chrono::milliseconds delay;
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         spoiltKind = mSpoiltKind;
         spoiler = mSpoiler;
         hook = mOnRequest;
         number = ++mRequests;
+        delay = mDelay;
     }
     if (hook)
         hook(number);
@@ -305,7 +313,7 @@ FaultReply UpdateWorld::answer(const FaultRequest& request)
     const SoundAnswer sound = kind == RequestKind::Redirect
                                   ? soundAnswer(kind)
                                   : soundAnswer(libraryOf(request.target), request.header("If-None-Match"));
-    return spoiler && kind == spoiltKind ? spoiler(sound, request) : sound.reply();
+    return spoiler && kind == spoiltKind ? spoiler(sound, request) : sound.reply().pauseAt(0, delay);
 }
 
 UpdateWorld::Tree UpdateWorld::snapshot() const
@@ -359,6 +367,8 @@ void UpdateWorld::expectNothingLost(bool anyContent) const
             expectTagsFit(hashFile, tree);
     }
     EXPECT_TRUE(!mRecorder || mRecorder->closings() == 1u) << "not closed once";
+    for (const std::string& name : listTree(mHost.folder().path() + "/temp"))
+        EXPECT_NE(fs::path(name).extension(), ".orv-new") << name << " was fetched and not discarded";
 }
 
 void UpdateWorld::recoverLeftOvers()
@@ -379,10 +389,16 @@ void UpdateWorld::expectConverges()
 {
     spoil(RequestKind::Other, nullptr);
     onRequest(nullptr);
+    setDelay(std::chrono::milliseconds(0));
     mRecorder = std::make_unique<SlotRecorder>();
     run();
     ASSERT_TRUE(mRecorder->closingData());
     EXPECT_GE(mRecorder->closingData()->result, 2) << "the clean run failed";
+    expectNew();
+}
+
+void UpdateWorld::expectNew() const
+{
     const Tree tree = snapshot();
     for (const auto& [name, content] : mNew) {
         ASSERT_TRUE(tree.count(name)) << name;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <functional>
 #include <map>
@@ -59,6 +60,9 @@ public:
     UpdateWorld();
     ~UpdateWorld();
 
+    /// Lets every answer that is not spoilt take so long until the next `expectConverges`.
+    void setDelay(std::chrono::milliseconds delay);
+
     /// The library as it was before any run, and a service that answers well.
     void reset();
     /// Answers the requests of one kind so; of headers and bodies, those of the catalog "Doors" alone.
@@ -84,7 +88,10 @@ public:
     void expectNothingLost(bool anyContent = false) const;
     /// What a host does before its next run: puts whole catalogs that were left over into their places.
     void recoverLeftOvers();
-    /// A run that nobody disturbs leads to the state that an undisturbed first run leads to.
+    /// Every file is as an undisturbed first run, in turn, leaves it.
+    void expectNew() const;
+    /// A run that nobody disturbs, by a near service, leads to the state that an undisturbed first run leads
+    /// to.
     void expectConverges();
 
 private:
@@ -112,6 +119,7 @@ private:
     Spoiler mSpoiler;
     std::function<void(std::size_t)> mOnRequest;
     std::size_t mRequests = 0;
+    std::chrono::milliseconds mDelay{0};
 };
 
 } // namespace test
