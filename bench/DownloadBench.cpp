@@ -5,26 +5,17 @@
 //     bench_download checks URL COUNT      COUNT header requests "URL&library=catalogN.orvlib", in turn
 //     bench_download ahead URL COUNT       the same, announced first
 //     bench_download bare URL COUNT        the same, by one reused handle of the transfer library
-//     bench_download bodies URL FOLDER     the files "URL&library=bodyN.orvlib", announced first, into a
-//     folder bench_download bodiesInTurn URL FOLDER    the same, not announced bench_download bodiesPiped URL
-//     FOLDER     the same by bare sockets: all requests sent at once on one
-//                                               connection, the answers written to files as they come
-#include <algorithm>
+//     bench_download bodies URL FOLDER     the 1,000 files "URL&library=bodyN.orvlib", announced first
+//     bench_download turns URL FOLDER      the same, not announced
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <fstream>
 #include <string>
-#include <thread>
 #include <vector>
 
-#include <arpa/inet.h>
 #include <curl/curl.h>
-#include <netinet/in.h>
 #include <sys/resource.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include "OrvLibrary/host/Curl.h"
 
@@ -128,95 +119,6 @@ void downloadBodies(const std::string& redirect, const std::string& folder, bool
     }
 }
 
-/// A socket that is connected to the address's host, which is 127.0.0.1.
-int connectTo(const std::string& url)
-{
-    const std::size_t port = url.find(':', url.find("//")) + 1;
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(static_cast<std::uint16_t>(std::atoi(url.c_str() + port)));
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    const int connection = socket(AF_INET, SOCK_STREAM, 0);
-    if (connect(connection, reinterpret_cast<sockaddr*>(&address), sizeof address) != 0)
-        fail("no connection to " + url);
-    return connection;
-}
-
-void sendRequests(int connection, const std::string& path)
-{
-    std::string text;
-    for (int i = 0; i < kBodies; ++i)
-        text += "GET " + path + "&library=" + bodyName(i) + " HTTP/1.1\r\nHost: 127.0.0.1\r\n\r\n";
-    for (std::size_t sent = 0; sent < text.size();) {
-        const ssize_t size = send(connection, text.data() + sent, text.size() - sent, MSG_NOSIGNAL);
-        if (size <= 0)
-            fail("cannot send");
-        sent += static_cast<std::size_t>(size);
-    }
-}
-
-/// What comes on a connection, piece by piece.
-class Incoming
-{
-public:
-    explicit Incoming(int connection) : mConnection(connection), mBuffer(256 * 1024) {}
-
-    std::size_t readHead()
-    {
-        std::string head;
-        while (head.size() < 4 || head.compare(head.size() - 4, 4, "\r\n\r\n") != 0) {
-            if (mAt == mEnd)
-                receive();
-            head += mBuffer[mAt++];
-        }
-        const std::string key = "Content-Length: ";
-        const std::size_t length = head.find(key);
-        if (head.find(" 200 ") == std::string::npos || length == std::string::npos)
-            fail("unexpected answer " + head);
-        return static_cast<std::size_t>(std::atoll(head.c_str() + length + key.size()));
-    }
-    void copyBody(std::size_t size, std::ofstream& file)
-    {
-        while (size > 0) {
-            if (mAt == mEnd)
-                receive();
-            const std::size_t piece = std::min(size, mEnd - mAt);
-            file.write(mBuffer.data() + mAt, static_cast<std::streamsize>(piece));
-            mAt += piece;
-            size -= piece;
-        }
-    }
-
-private:
-    void receive()
-    {
-        const ssize_t size = recv(mConnection, mBuffer.data(), mBuffer.size(), 0);
-        if (size <= 0)
-            fail("connection closed");
-        mAt = 0;
-        mEnd = static_cast<std::size_t>(size);
-    }
-
-    const int mConnection;
-    std::vector<char> mBuffer;
-    std::size_t mAt = 0;
-    std::size_t mEnd = 0;
-};
-
-void downloadBodiesPiped(const std::string& redirect, const std::string& folder)
-{
-    const std::string url = Curl::get().urlAfterRedirects(redirect);
-    const int connection = connectTo(url);
-    std::thread sender(sendRequests, connection, url.substr(url.find('/', url.find("//") + 2)));
-    Incoming incoming(connection);
-    for (int i = 0; i < kBodies; ++i) {
-        std::ofstream file(folder + "/" + bodyName(i), std::ios::binary);
-        incoming.copyBody(incoming.readHead(), file);
-    }
-    sender.join();
-    close(connection);
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -227,9 +129,7 @@ int main(int argc, char** argv)
     const auto start = std::chrono::steady_clock::now();
     if (work == "file")
         downloadFile(argv[2], argv[3]);
-    else if (work == "bodiesPiped")
-        downloadBodiesPiped(argv[2], argv[3]);
-    else if (work == "bodies" || work == "bodiesInTurn")
+    else if (work == "bodies" || work == "turns")
         downloadBodies(argv[2], argv[3], work == "bodies");
     else if (work == "bare")
         checkHeadersBare(argv[2], std::atoi(argv[3]));
