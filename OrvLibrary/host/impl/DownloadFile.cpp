@@ -10,6 +10,8 @@
 
 namespace {
 
+/// The transfer library hands out 16 KB at a time. The system takes larger pieces much sooner.
+constexpr std::size_t kPiece = 256 * 1024;
 constexpr std::int64_t kWriteBackStep = 8 * 1024 * 1024;
 
 std::string writeError(int number)
@@ -40,39 +42,55 @@ bool DownloadFile::open(std::string& reason)
 
 bool DownloadFile::write(const char* data, std::size_t size, std::string& reason)
 {
-    while (size > 0) {
-        const ssize_t written = ::write(mFile->descriptor(), data, size);
+    if (mGathered.size() + size > kPiece && !flush(reason))
+        return false;
+    mGathered.append(data, size);
+    mSize += static_cast<std::int64_t>(size);
+    return true;
+}
+
+/// Writes what was gathered. What was not written stays gathered.
+bool DownloadFile::flush(std::string& reason)
+{
+    std::size_t done = 0;
+    while (done < mGathered.size()) {
+        const ssize_t written =
+            ::write(mFile->descriptor(), mGathered.data() + done, mGathered.size() - done);
         if (written < 0 && errno == EINTR)
             continue;
         if (written < 0) {
             reason = writeError(errno);
-            return false;
+            break;
         }
-        data += written;
-        size -= static_cast<std::size_t>(written);
-        mSize += written;
+        done += static_cast<std::size_t>(written);
     }
-    writeBackEarly();
-    return true;
+    mWritten += static_cast<std::int64_t>(done);
+    mGathered.erase(0, done);
+    if (mWritten - mWrittenBack >= kWriteBackStep)
+        startWriteBack();
+    return mGathered.empty();
 }
 
 /// Lets the disk work while the network does, so that the sync at the end has little left to wait for.
-void DownloadFile::writeBackEarly()
-{
-    if (mSize - mWrittenBack >= kWriteBackStep)
-        startWriteBack();
-}
-
 void DownloadFile::startWriteBack()
 {
-    if (!mFile || mSize == mWrittenBack)
-        return;
-    sync_file_range(mFile->descriptor(), mWrittenBack, mSize - mWrittenBack, SYNC_FILE_RANGE_WRITE);
-    mWrittenBack = mSize;
+    sync_file_range(mFile->descriptor(), mWrittenBack, mWritten - mWrittenBack, SYNC_FILE_RANGE_WRITE);
+    mWrittenBack = mWritten;
+}
+
+void DownloadFile::restAtEnd()
+{
+    std::string reason;
+    if (!mFile || !flush(reason))
+        return; // `commit` tries once more, and tells
+    mGathered.shrink_to_fit();
+    startWriteBack();
 }
 
 bool DownloadFile::commit(std::string& reason)
 {
+    if (!flush(reason))
+        return false;
     if (mFile->commit())
         return true;
     reason = writeError(errno);

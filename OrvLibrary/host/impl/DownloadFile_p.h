@@ -19,23 +19,29 @@ public:
 
     bool open(std::string& reason);
     bool isOpen() const { return mFile != nullptr; }
+    /// Takes bytes, which reach the file in larger pieces; so a failure may be of those taken before.
     bool write(const char* data, std::size_t size, std::string& reason);
-    /// Lets the disk begin with what was written and not written back yet.
-    void startWriteBack();
-    /// Syncs the file and gives it the target's name.
+    /// No more will be written for now: lets go of memory, and lets the disk begin with what it has not got.
+    void restAtEnd();
+    /// Syncs the file and gives it the target's name. A loss of power soon after may bring back the old
+    /// target, never a part of the file.
     bool commit(std::string& reason);
 
     /// Bytes free on the target's disk; -1 when that cannot be told.
     std::int64_t freeBytes() const;
+    /// Bytes taken.
     std::int64_t size() const { return mSize; }
 
 private:
-    void writeBackEarly();
+    bool flush(std::string& reason);
+    void startWriteBack();
 
     const fileString mTarget;
     /// Null before it is opened. Abandoned, and so removed, when it was not committed.
     std::unique_ptr<host::ReplacementFile> mFile;
     std::int64_t mSize = 0;
+    std::string mGathered;
+    std::int64_t mWritten = 0;
     /// How much the system was already asked to write back.
     std::int64_t mWrittenBack = 0;
 };

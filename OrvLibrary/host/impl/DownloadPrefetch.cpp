@@ -231,7 +231,7 @@ void DownloadPrefetch::finish(Entry& entry)
     mGivenUp = mGivenUp || mFailuresInRow >= mLimits.unansweredRequests;
     if (isWhole) {
         entry.state = State::Arrived;
-        download.body.startWriteBack();
+        download.body.restAtEnd();
     } else if (!isTurn) {
         discard(entry);
     }

@@ -82,9 +82,9 @@ public:
     bool finish();
     /// To be called when the limits have changed while the body came.
     void limitsChanged();
-    /// Lets the disk begin with what was written.
-    void startWriteBack() { mFile.startWriteBack(); }
-    /// Bytes written.
+    /// The body has arrived, and its turn has not come: lets go of memory and lets the disk begin.
+    void restAtEnd() { mFile.restAtEnd(); }
+    /// Bytes taken.
     std::int64_t size() const { return mFile.size(); }
     /// Why the file could not be written; empty when it could.
     const std::string& reason() const { return mReason; }

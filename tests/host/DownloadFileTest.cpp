@@ -1,0 +1,134 @@
+#include <csignal>
+#include <filesystem>
+#include <string>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+
+#include "OrvLibrary/host/impl/DownloadFile_p.h"
+#include "tests/support/TempFolder.h"
+
+namespace test {
+
+namespace {
+
+using testing::ElementsAre;
+
+/// Lets no file of this process grow beyond a size, as a full disk would.
+class FileSizeLimit
+{
+public:
+    explicit FileSizeLimit(rlim_t bytes) : mSignal(std::signal(SIGXFSZ, SIG_IGN))
+    {
+        getrlimit(RLIMIT_FSIZE, &mFormer);
+        const rlimit limit{bytes, mFormer.rlim_max};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit()
+    {
+        setrlimit(RLIMIT_FSIZE, &mFormer);
+        std::signal(SIGXFSZ, mSignal);
+    }
+    FileSizeLimit(const FileSizeLimit&) = delete;
+    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
+
+private:
+    rlimit mFormer{};
+    void (*const mSignal)(int);
+};
+
+} // namespace
+
+class DownloadFileTest : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        folder.write("a.orvlib", "old");
+        ASSERT_TRUE(file.open(reason)) << reason;
+    }
+
+    /// What is written to the disk so far.
+    std::uintmax_t written() const
+    {
+        const std::string target = folder.file("a.orvlib").toNativeString();
+        return std::filesystem::file_size(host::ReplacementFile::besideName(target));
+    }
+
+    TempFolder folder;
+    DownloadFile file{folder.file("a.orvlib")};
+    std::string reason;
+    const std::string piece = std::string(16 * 1024, 'x');
+};
+
+TEST_F(DownloadFileTest, piecesReachTheDiskTogether)
+{
+    std::string content;
+    for (int i = 0; i < 16; ++i, content += piece)
+        ASSERT_TRUE(file.write(piece.data(), piece.size(), reason));
+    EXPECT_EQ(written(), 0u);
+    EXPECT_EQ(file.size(), 256 * 1024);
+    ASSERT_TRUE(file.write("end", 3, reason));
+    EXPECT_EQ(written(), 256u * 1024);
+    EXPECT_EQ(readFile(folder.file("a.orvlib")), "old");
+    ASSERT_TRUE(file.commit(reason));
+    EXPECT_EQ(readFile(folder.file("a.orvlib")), content + "end");
+}
+
+TEST_F(DownloadFileTest, onePieceMayBeLargerThanWhatIsGathered)
+{
+    const std::string large(3'000'000, 'y');
+    ASSERT_TRUE(file.write("begin ", 6, reason));
+    ASSERT_TRUE(file.write(large.data(), large.size(), reason));
+    ASSERT_TRUE(file.commit(reason));
+    EXPECT_EQ(readFile(folder.file("a.orvlib")), "begin " + large);
+}
+
+TEST_F(DownloadFileTest, whatRestsIsOnItsWayToTheDisk)
+{
+    ASSERT_TRUE(file.write("new", 3, reason));
+    file.restAtEnd();
+    EXPECT_EQ(written(), 3u);
+    ASSERT_TRUE(file.commit(reason));
+    EXPECT_EQ(readFile(folder.file("a.orvlib")), "new");
+}
+
+TEST_F(DownloadFileTest, emptyOneTakesTheTargetsName)
+{
+    file.restAtEnd();
+    ASSERT_TRUE(file.commit(reason));
+    EXPECT_EQ(readFile(folder.file("a.orvlib")), "");
+}
+
+TEST_F(DownloadFileTest, whatTheDiskRefusesIsToldByALaterWrite)
+{
+    const FileSizeLimit limit(100'000);
+    int taken = 0;
+    while (taken < 100 && file.write(piece.data(), piece.size(), reason))
+        ++taken;
+    EXPECT_EQ(taken, 16);
+    EXPECT_EQ(reason, "write error: File too large");
+}
+
+TEST(DownloadFile, whatTheDiskRefusesAtLastFailsTheCommitAndKeepsTheOldFile)
+{
+    TempFolder folder;
+    folder.write("a.orvlib", "old");
+    {
+        const FileSizeLimit limit(100'000);
+        DownloadFile file(folder.file("a.orvlib"));
+        std::string reason;
+        const std::string content(200'000, 'x');
+        ASSERT_TRUE(file.open(reason)) << reason;
+        ASSERT_TRUE(file.write(content.data(), content.size(), reason));
+        file.restAtEnd();
+        EXPECT_FALSE(file.commit(reason));
+        EXPECT_EQ(reason, "write error: File too large");
+    }
+    EXPECT_EQ(readFile(folder.file("a.orvlib")), "old");
+    EXPECT_THAT(listTree(folder.path()), ElementsAre("a.orvlib"));
+}
+
+} // namespace test
