@@ -91,7 +91,7 @@ bool DownloadFile::commit(std::string& reason)
 {
     if (!flush(reason))
         return false;
-    if (mFile->commit())
+    if (mFile->commit(host::ReplacementFile::Durability::ContentSynced))
         return true;
     reason = writeError(errno);
     return false;

@@ -153,11 +153,11 @@ bool ReplacementFile::targetIsUnchanged() const
 
 bool ReplacementFile::commit(Durability durability)
 {
-    const bool isSynced = durability == Durability::Synced;
+    const bool isSynced = durability != Durability::Unsynced;
     if (!mPending || (isSynced && fsync(mFile.get()) != 0) || rename(mBeside.c_str(), mTarget.c_str()) != 0)
         return false;
     mPending = false;
-    return !isSynced || syncFolderOf(mTarget);
+    return durability != Durability::Synced || syncFolderOf(mTarget);
 }
 
 void ReplacementFile::abandon()

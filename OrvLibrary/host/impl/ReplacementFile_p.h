@@ -36,10 +36,11 @@ public:
     /// How sure the new content is to survive a loss of power.
     enum class Durability
     {
-        Synced,  ///< on the disk before the target has it
-        Unsynced ///< as after an ordinary copy
+        Synced,        ///< on the disk when `commit` returns, with its name
+        ContentSynced, ///< on the disk before the target has it; the target may still be the old one
+        Unsynced       ///< as after an ordinary copy
     };
-    /// Syncs the file, renames it over the target and syncs the folder.
+    /// Syncs the file, renames it over the target and syncs the folder, as far as `durability` asks for it.
     /// @return false, with the reason in `errno`, leaves the target as it was; when nothing but the sync of
     /// the folder failed, it has the new content
     bool commit(Durability durability = Durability::Synced);
