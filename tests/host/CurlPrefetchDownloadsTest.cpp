@@ -1,9 +1,7 @@
 #include <thread>
 
-#include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/impl/DownloadPrefetch_p.h"
-#include "OrvLibrary/host/impl/ReplacementFile_p.h"
-#include "tests/host/CurlFixture.h"
+#include "tests/host/CurlDownloadsFixture.h"
 
 using testing::AllOf;
 using testing::Each;
@@ -20,94 +18,8 @@ namespace test {
 
 namespace {
 
-using Downloads = std::vector<Curl::DownloadRequest>;
-
-/// What one progress function hears, and when it aborts.
-struct Listener
+class CurlPrefetchDownloadsTest : public CurlDownloadsFixture
 {
-    std::vector<double> counts;
-    double abortAt = -1;
-    std::function<void()> onCall;
-
-    static int listen(void* self, double, double downloaded, double, double)
-    {
-        auto& listener = *static_cast<Listener*>(self);
-        listener.counts.push_back(downloaded);
-        if (listener.onCall)
-            listener.onCall();
-        return listener.abortAt >= 0 && downloaded >= listener.abortAt ? 1 : 0;
-    }
-};
-
-class CurlPrefetchDownloadsTest : public CurlFixture
-{
-protected:
-    explicit CurlPrefetchDownloadsTest(const HttpLimits& limits = HttpLimits()) : CurlFixture(limits)
-    {
-        server.on("/first", FaultReply::ok("").pauseAt(0, 15ms));
-    }
-    ~CurlPrefetchDownloadsTest() override { curl.prefetchDownloads({}); }
-
-    static std::string bodyOf(int number, std::size_t size = 10'000)
-    {
-        return std::string(size, static_cast<char>('a' + number % 26)) + std::to_string(number);
-    }
-    static std::string nameOf(int number) { return "/" + std::to_string(number); }
-    /// The server's files "/0", "/1" and so on, and the list that announces them.
-    Downloads serve(int count, std::size_t size = 10'000)
-    {
-        Downloads downloads;
-        for (int i = 0; i < count; ++i) {
-            const std::string content = bodyOf(i, size);
-            server.on(nameOf(i), FaultReply::ok(content).pauseAt(0, delay));
-            downloads.push_back({server.url(nameOf(i)),
-                                 {"X-Number: " + std::to_string(i)},
-                                 folder.file(std::to_string(i) + ".download"),
-                                 static_cast<std::int64_t>(content.size())});
-        }
-        return downloads;
-    }
-    /// Makes the service know how long the server takes to answer.
-    void getAcquainted(const std::string& path = "/first")
-    {
-        for (int i = 0; i < 3; ++i)
-            header(server.url(path));
-        requestsBefore = server.requests().size();
-    }
-    void announce(const Downloads& downloads)
-    {
-        getAcquainted();
-        curl.prefetchDownloads(downloads);
-    }
-    bool get(const Curl::DownloadRequest& request, Listener* listener = nullptr)
-    {
-        reason.clear();
-        errorNumber = 0;
-        return curl.download_to_location(request.url, request.target, request.headerLines, listener,
-                                         listener ? Listener::listen : nullptr, reason, errorNumber);
-    }
-    /// Lets transfers move on until so many requests have come.
-    void moveOnUntil(std::size_t requests)
-    {
-        const auto end = std::chrono::steady_clock::now() + 10s;
-        while (server.requests().size() < requestsBefore + requests && std::chrono::steady_clock::now() < end)
-            header(server.url("/step"));
-        EXPECT_GE(server.requests().size(), requestsBefore + requests);
-    }
-    /// Lets transfers move on until the body of `/number` is whole.
-    void waitForBody(const Curl::DownloadRequest& request)
-    {
-        const std::string ahead = host::ReplacementFile::besideName(request.target.toNativeString());
-        const auto end = std::chrono::steady_clock::now() + 10s;
-        while (FileUtils::fileSize(fileString(ahead)) < request.size &&
-               std::chrono::steady_clock::now() < end)
-            header(server.url("/step"));
-        EXPECT_EQ(FileUtils::fileSize(fileString(ahead)), request.size);
-        header(server.url("/step"));
-    }
-
-    std::chrono::milliseconds delay = 15ms;
-    std::size_t requestsBefore = 0;
 };
 
 } // namespace
@@ -548,10 +460,10 @@ TEST_F(CurlPrefetchDownloadsTest, addressesOutsideOfTheWebArePassedOver)
 
 namespace {
 
-class CurlPrefetchDownloadsLimitsTest : public CurlPrefetchDownloadsTest
+class CurlPrefetchDownloadsLimitsTest : public CurlDownloadsFixture
 {
 protected:
-    CurlPrefetchDownloadsLimitsTest() : CurlPrefetchDownloadsTest(limits()) {}
+    CurlPrefetchDownloadsLimitsTest() : CurlDownloadsFixture(limits()) {}
 
     static HttpLimits limits()
     {
@@ -562,10 +474,10 @@ protected:
     }
 };
 
-class CurlPrefetchDownloadsFullDiskTest : public CurlPrefetchDownloadsTest
+class CurlPrefetchDownloadsFullDiskTest : public CurlDownloadsFixture
 {
 protected:
-    CurlPrefetchDownloadsFullDiskTest() : CurlPrefetchDownloadsTest(limits()) {}
+    CurlPrefetchDownloadsFullDiskTest() : CurlDownloadsFixture(limits()) {}
 
     static HttpLimits limits()
     {
