@@ -15,6 +15,7 @@ namespace fault {
 namespace {
 
 constexpr std::size_t kPathSize = 4096;
+constexpr useconds_t kLateness = 8000; // in microseconds
 
 /// Read once, before the program starts. Plain arrays: a shim must not depend on what it disturbs.
 struct Plan
@@ -26,6 +27,7 @@ struct Plan
     bool kill = false;
     bool torn = false;
     bool half = false;
+    bool late = false;
     int error = 0;
     int log = -1;
 };
@@ -61,6 +63,7 @@ __attribute__((constructor)) void readPlan()
     plan.kill = std::strcmp(what, "kill") == 0;
     plan.torn = std::strcmp(what, "torn") == 0;
     plan.half = std::strcmp(what, "short") == 0;
+    plan.late = std::strcmp(what, "late") == 0;
     plan.error = std::atoi(what);
     if (*setting("ORV_FAULT_LOG"))
         plan.log = rawOpen(setting("ORV_FAULT_LOG"));
@@ -131,6 +134,10 @@ Outcome count(const char* kind, const char* path)
         return Outcome::Torn;
     if (plan.half)
         return canBeHalf ? Outcome::Half : Outcome::Proceed;
+    if (plan.late) {
+        usleep(kLateness);
+        return Outcome::Proceed;
+    }
     errno = plan.error;
     return Outcome::Fail;
 }

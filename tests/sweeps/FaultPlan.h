@@ -10,9 +10,8 @@
 /// - ORV_FAULT_CALLS  kinds of call that count, separated by commas: "open,write,rename"
 /// - ORV_FAULT_LOG    file to which every call that counts is appended as a line "kind path"
 /// - ORV_FAULT_AT     the call that goes wrong, counted from 1
-/// - ORV_FAULT_DO     "kill", "torn" (a kill in the middle of a write), "short" (half of a read or write), or
-/// the
-///                    number of an error
+/// - ORV_FAULT_DO     "kill", "torn" (a kill in the middle of a write), "short" (half of a read or write),
+///                    "late" (done after a while), or the number of an error
 /// - ORV_FAULT_EVER   set: every call from that one on goes wrong
 namespace fault {
 

@@ -361,4 +361,10 @@ int connect(int socket, const struct sockaddr* address, socklen_t size)
     return isNetwork && fails(fault::onAny("connect")) ? -1 : sNext(socket, address, size);
 }
 
+ssize_t recv(int socket, void* data, size_t size, int flags)
+{
+    ORV_NEXT(recv);
+    return fails(fault::onAny("recv")) ? -1 : sNext(socket, data, size, flags);
+}
+
 } // extern "C"

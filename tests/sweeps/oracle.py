@@ -15,6 +15,8 @@ STAMP = re.compile(rb"\d{8}T\d{6}(\.\d+)?")
 HISTORY = "root/update-history.json"
 # Where a disturbed run may leave files that the next one removes: never under a name that a host takes for data.
 LEFTOVER = re.compile(r"^root/temp/|(^|/)\.[^/]+$")
+# What a run writes to until a file is whole.
+UNFINISHED = re.compile(r"(^|/)\.[^/]+\.orv-new$")
 
 
 def digest(path, relative):
@@ -88,6 +90,11 @@ def judge_disturbed(now, states, may_be_missing=(), may_be_parts=(), may_be_left
         if not LEFTOVER.search(path) and path not in may_be_left:
             complaints.append(f"{path} should not be there")
     return complaints
+
+
+def judge_ended(now):
+    """Complaints about a run that came to its end, if not to a good one: what it could not finish is gone."""
+    return [f"{path} was not removed" for path in sorted(now) if UNFINISHED.search(path)]
 
 
 def judge_done(now, new, may_differ=()):

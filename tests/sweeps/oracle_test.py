@@ -37,6 +37,10 @@ class DisturbedTest(unittest.TestCase):
 
 
 class OtherJudgementsTest(unittest.TestCase):
+    def test_a_run_that_ended_leaves_nothing_unfinished(self):
+        self.assertEqual(oracle.judge_ended({"root/temp/x": "x", "root/core/.hidden": "x", "a.orv-new": "x"}), [])
+        self.assertEqual(oracle.judge_ended({"root/temp/.c.0a.orv-new": "x"}), ["root/temp/.c.0a.orv-new was not removed"])
+
     def test_a_run_that_says_it_is_done_has_done_it(self):
         self.assertEqual(oracle.judge_done({"a": "new"}, {"a": "new"}), [])
         self.assertEqual(len(oracle.judge_done({"a": "old"}, {"a": "new", "b": "new"})), 2)

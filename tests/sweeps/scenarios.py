@@ -45,6 +45,9 @@ class Scenario:
     may_stay_out = ()
     # Whether the run tells a host object of its end, once.
     has_closing = False
+    # How many downloads an undisturbed run has under way at once, at least, because the web service is far: it takes
+    # a while over each answer. None where it answers at once.
+    far_bodies = None
 
     def prepare(self, sandbox):
         for folder in ("root", "input", "work"):
@@ -221,12 +224,16 @@ class Update(Scenario):
     may_stay_old = ("root/core/catalog_hash.txt", "root/bonus/catalog_hash.txt", "root/manufacturer/catalog_hash.txt",
                     "root/update-history.json")
 
+    @staticmethod
+    def core(version):
+        """The core catalogs that the service has: name -> (seed, size) of what they hold."""
+        core = {"Doors.orvlib": (version, 30000), "T\u00fcren 2.orvlib": (version, 30000), "Same.orvlib": (1, 30000)}
+        return {**core, **({"Stairs.orvlib": (1, 30000)} if version == 2 else {})}
+
     def content(self, folder, version):
-        core = {"Doors.orvlib": version, "T\u00fcren 2.orvlib": version, "Same.orvlib": 1}
-        if version == 2:
-            core["Stairs.orvlib"] = 1
-        for name, seed in core.items():
-            write(os.path.join(folder, "content", name), noise(10 * len(name) + seed, 30000))
+        core = self.core(version)
+        for name, (seed, size) in core.items():
+            write(os.path.join(folder, "content", name), noise(10 * len(name) + seed, size))
         archive(os.path.join(folder, "content/Textures.zip"), {"a.jpg": noise(version, 5000), "b.jpg": b"same"})
         for name in ("Party", "Maker"):
             archive(os.path.join(folder, f"content/{name}.orvlibz"),
@@ -254,5 +261,19 @@ class UpdateFirst(Update):
         return []
 
 
+class UpdateFar(Update):
+    """The same from a service that is far, so that the bodies are fetched ahead of their turn: into files that lie
+    beside each other until then. One of them is written in several pieces; and one catalog is gone from the service,
+    whose page is fetched."""
+
+    name = "update-far"
+    far_bodies = 3
+
+    @staticmethod
+    def core(version):
+        core = {**Update.core(version), "Windows.orvlib": (version, 600000)}
+        return {**core, **({"Gone.orvlib": (1, 30000)} if version == 1 else {})}
+
+
 ALL = [UnpackBeside(), UnpackOut(), ImportOverOld(), ImportNew(), FilterAdd(), FilterRemoveLast(), FilterMerge(),
-       ManufacturerRefresh(), Update(), UpdateFirst()]
+       ManufacturerRefresh(), Update(), UpdateFirst(), UpdateFar()]

@@ -7,17 +7,19 @@
                                                                        every pair of calls
     sweep.py errors  --program ORV_LIBRARY --shim SHIM [--points N]    a call fails, once or from then on
 
-After each disturbed run every file is old or new; a run that says it is done has done it; the next run, undisturbed,
-ends as if nothing had happened and leaves nothing over. After every tenth kill of the first sweep the recovery is
-killed too. After every tenth point the commands that tell of the library's health are asked: they find no more than
-catalogs beside old tags, repair that, and find nothing at the end. Without --points every point is swept; with it, so
-many, evenly spread. Where the environment variable ORV_SWEEP is "full", --full says how many instead.
+After each disturbed run every file is old or new; one that was not killed has removed what it could not finish, and one
+that says it is done has done it; the next run, undisturbed, ends as if nothing had happened and leaves nothing over.
+After every tenth kill of the first sweep the recovery is killed too. After every tenth point the commands that tell of
+the library's health are asked: they find no more than catalogs beside old tags, repair that, and find nothing at the
+end. Without --points every point is swept; with it, so many, evenly spread. Where the environment variable ORV_SWEEP is
+"full", --full says how many instead.
 """
 import argparse
 import concurrent.futures
 import errno
 import json
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -47,13 +49,27 @@ ERRORS = {
     "mmap": ["ENOMEM", "EACCES"],
     "connect": ["EACCES", "ECONNREFUSED", "EINTR"],
 }
+# A service that is far takes a while over every request that it receives.
+LATE = {"ORV_FAULT_CALLS": "recv", "ORV_FAULT_AT": "1", "ORV_FAULT_DO": "late", "ORV_FAULT_EVER": "1"}
 DEADLOCK_SECONDS = 120
+# A body that is not whole yet, or whose turn has not come.
+DOWNLOAD = re.compile(r"\.downloads\.\w+/\.[^/]+\.orv-new$")
 ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8", "TZ": "UTC", "QT_QPA_PLATFORM": "offscreen"}
 
 
 def remove(path):
     if os.path.exists(path):
         os.remove(path)
+
+
+def most_at_once(calls):
+    """Of the files that downloads are written to, how many there were at the same time."""
+    under_way, most = set(), 0
+    for kind, path in calls:
+        if DOWNLOAD.search(path):
+            (under_way.add if kind == "open" else under_way.discard)(path)
+            most = max(most, len(under_way))
+    return most
 
 
 class Cell:
@@ -109,7 +125,8 @@ class Sweep:
         folder = os.path.join(self.folder, f"{scenario.name}.content{version}")
         if not scenario.content(folder, version):
             return None
-        server = subprocess.Popen([self.program, "serve", folder], env=ENVIRONMENT, stdout=subprocess.PIPE)
+        late = {"LD_PRELOAD": self.shim, **LATE} if scenario.far_bodies else {}
+        server = subprocess.Popen([self.program, "serve", folder], env={**ENVIRONMENT, **late}, stdout=subprocess.PIPE)
         self.servers.append(server)
         return json.loads(server.stdout.readline())
 
@@ -135,6 +152,8 @@ class Sweep:
         sandbox = self.copy(scenario, "clean")
         self.finals[scenario] = [self.run_undisturbed(scenario, sandbox) for _ in range(3)]
         shutil.rmtree(sandbox)
+        if scenario.far_bodies:
+            self.expect_far(scenario)
         if scenario.consumed_by_failure:
             sandbox = self.copy(scenario, "consumed")
             for path in scenario.consumed_by_failure:
@@ -154,7 +173,7 @@ class Sweep:
         return sandbox
 
     def calls(self, scenario, kinds):
-        """The kinds of the calls of an undisturbed run, in their order."""
+        """The calls of an undisturbed run, in their order: (kind, path)."""
         sandbox = self.copy(scenario, "count")
         log = sandbox + ".log"
         self.run(scenario, sandbox, {"ORV_FAULT_CALLS": kinds, "ORV_FAULT_LOG": log})
@@ -162,13 +181,23 @@ class Sweep:
         if not os.path.exists(log):
             return []
         with open(log, errors="surrogateescape") as file:
-            calls = [line.split(" ", 1)[0] for line in file]
+            calls = [tuple(line.rstrip("\n").split(" ", 1)) for line in file]
         os.remove(log)
         return calls
 
+    def kinds_of_calls(self, scenario, kinds):
+        return [kind for kind, _ in self.calls(scenario, kinds)]
+
+    def expect_far(self, scenario):
+        """The undisturbed run fetches bodies ahead; it may have been held up once."""
+        found = [most_at_once(self.calls(scenario, "open,rename")) for _ in range(3)]
+        print(f"{scenario.name}: up to {max(found)} downloads at once")
+        if max(found) < scenario.far_bodies:
+            sys.exit(f"{scenario.name}: no more than {found} downloads at once")
+
     def kill_cells(self, scenario):
         cells = []
-        for at, kind in enumerate(self.calls(scenario, CHANGING), 1):
+        for at, kind in enumerate(self.kinds_of_calls(scenario, CHANGING), 1):
             for what in ("kill", "torn") if kind == "write" else ("kill",):
                 again = 1 + at * 7 % (at + 20) if len(cells) % 10 == 9 else 0
                 cells.append(Cell(scenario, len(cells), CHANGING, at, what, again=again))
@@ -176,7 +205,7 @@ class Sweep:
 
     def double_kill_cells(self, scenario):
         cells = []
-        kinds = self.calls(scenario, CHANGING)
+        kinds = self.kinds_of_calls(scenario, CHANGING)
         for at, kind in enumerate(kinds, 1):
             for again in range(1, len(kinds) + 1):
                 what = "torn" if kind == "write" and again % 2 else "kill"
@@ -217,6 +246,8 @@ class Sweep:
         complaints += oracle.judge_disturbed(now, [old, new], missing, parts, left)
         if scenario.has_closing and not is_kill:
             complaints += self.judge_closing(status, sandbox + ".trace")
+        if not is_kill and cell.kinds != "unlink":
+            complaints += oracle.judge_ended(now)
         if status == 0:
             complaints += oracle.judge_done(now, new, scenario.may_lack_members + scenario.may_stay_old)
         if cell.again:
