@@ -79,23 +79,20 @@ protected:
         return curl.download_to_location(request.url, request.target, request.headerLines, listener,
                                          listener ? Listener::listen : nullptr, reason, errorNumber);
     }
-    /// Lets transfers move on until so many requests have come.
-    void moveOnUntil(std::size_t requests)
+    /// Lets transfers move on until that holds no more, 10 s at most.
+    template <class Condition>
+    void moveOnWhile(Condition condition)
     {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (server.requests().size() < requestsBefore + requests && std::chrono::steady_clock::now() < end)
+        while (condition() && std::chrono::steady_clock::now() < end)
             header(server.url("/step"));
-        EXPECT_GE(server.requests().size(), requestsBefore + requests);
     }
     /// Lets transfers move on until the body of `/number` is whole.
     void waitForBody(const Curl::DownloadRequest& request)
     {
-        const std::string ahead = host::ReplacementFile::besideName(request.target.toNativeString());
-        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-        while (FileUtils::fileSize(fileString(ahead)) < request.size &&
-               std::chrono::steady_clock::now() < end)
-            header(server.url("/step"));
-        EXPECT_EQ(FileUtils::fileSize(fileString(ahead)), request.size);
+        const fileString ahead(host::ReplacementFile::besideName(request.target.toNativeString()));
+        moveOnWhile([&] { return FileUtils::fileSize(ahead) < request.size; });
+        EXPECT_EQ(FileUtils::fileSize(ahead), request.size);
         header(server.url("/step"));
     }
 

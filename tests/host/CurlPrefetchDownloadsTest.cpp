@@ -1,6 +1,5 @@
 #include <thread>
 
-#include "OrvLibrary/host/impl/DownloadPrefetch_p.h"
 #include "tests/host/CurlDownloadsFixture.h"
 
 using testing::AllOf;
@@ -255,42 +254,6 @@ TEST_F(CurlPrefetchDownloadsTest, threadMayEndBeforeItsBodiesWereAskedFor)
     });
     EXPECT_LT(time, 5s);
     EXPECT_THAT(files(), IsEmpty());
-}
-
-TEST_F(CurlPrefetchDownloadsTest, whatStandsAheadIsBounded)
-{
-    Downloads downloads = serve(10);
-    for (auto& download : downloads)
-        download.size = 7'500'000;
-    announce(downloads);
-    moveOnUntil(8); // of 7.5 MB each
-    for (int i = 0; i < 20; ++i)
-        header(server.url("/first"));
-    EXPECT_THAT(server.requestsFor(nameOf(7)), SizeIs(1));
-    EXPECT_THAT(server.requestsFor(nameOf(8)), IsEmpty());
-    EXPECT_TRUE(get(downloads[0]));
-    for (int i = 0; i < 5; ++i)
-        header(server.url("/first"));
-    EXPECT_THAT(server.requestsFor(nameOf(8)), SizeIs(1));
-    EXPECT_THAT(server.requestsFor(nameOf(9)), IsEmpty());
-}
-
-TEST_F(CurlPrefetchDownloadsTest, largeOnesAreFetchedTwoAtATimeAndTheLargestInTurn)
-{
-    Downloads downloads = serve(6);
-    for (int i = 0; i < 6; ++i) {
-        server.on(nameOf(i), FaultReply::ok(bodyOf(i)).silentAt(5'000));
-        downloads[static_cast<std::size_t>(i)].size = 9'000'000;
-    }
-    downloads[0].size = DownloadPrefetch::kMostBytes + 1;
-    announce(downloads);
-    moveOnUntil(2);
-    for (int i = 0; i < 20; ++i)
-        header(server.url("/first"));
-    EXPECT_THAT(server.requestsFor(nameOf(0)), IsEmpty());
-    EXPECT_THAT(server.requestsFor(nameOf(1)), SizeIs(1));
-    EXPECT_THAT(server.requestsFor(nameOf(2)), SizeIs(1));
-    EXPECT_THAT(server.requestsFor(nameOf(3)), IsEmpty());
 }
 
 TEST_F(CurlPrefetchDownloadsTest, hostMayLowerTheNumberOfConnections)
