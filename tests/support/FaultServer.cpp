@@ -196,7 +196,7 @@ std::vector<FaultRequest> FaultServer::requestsFor(const std::string& path) cons
 int FaultServer::connectionCount() const
 {
     const std::lock_guard<std::mutex> lock(mMutex);
-    return static_cast<int>(mConnections.size());
+    return mConnectionCount;
 }
 
 bool FaultServer::waitForRequests(std::size_t count) const
@@ -223,12 +223,23 @@ void FaultServer::acceptLoop()
         const int socket = accept4(mListener, nullptr, nullptr, SOCK_CLOEXEC);
         if (socket < 0)
             continue;
+        joinEnded();
         mConnections.emplace_back();
         Connection& connection = mConnections.back();
         connection.socket = socket;
-        connection.number = static_cast<int>(mConnections.size()) - 1;
+        connection.number = mConnectionCount++;
         connection.thread = std::thread([this, &connection] { serve(connection); });
     }
+}
+
+void FaultServer::joinEnded()
+{
+    mConnections.remove_if([](Connection& connection) {
+        if (connection.socket >= 0)
+            return false;
+        connection.thread.join(); // A thread that is not joined keeps its stack.
+        return true;
+    });
 }
 
 void FaultServer::serve(Connection& connection)

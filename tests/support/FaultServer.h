@@ -156,6 +156,8 @@ private:
     bool wait(int socket, std::chrono::milliseconds time);
     void waitForever(int socket);
     void endConnection(Connection& connection, bool withReset);
+    /// Forgets the connections that have ended. Called with the lock held, which their threads need no more.
+    void joinEnded();
 
     int mListener = -1;
     int mPort = 0;
@@ -173,7 +175,9 @@ private:
     std::map<int, FaultReply> mNumbered;
     Handler mOtherwise;
     std::vector<FaultRequest> mRequests;
+    /// Open ones, and a few that have ended.
     std::list<Connection> mConnections;
+    int mConnectionCount = 0;
 };
 
 } // namespace test
