@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::int64_t kOk = 200;
 /// Connections that are opened for bodies, of the 96 that header requests may have.
-constexpr std::size_t kConnections = 32;
+constexpr std::size_t kConnections = 64;
 /// Of requests that one connection carries at once; servers allow a hundred or more.
 constexpr std::size_t kStreams = 100;
 /// Each keeps a descriptor open until its turn.
