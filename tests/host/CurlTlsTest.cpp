@@ -2,6 +2,7 @@
 #include <QRegularExpression>
 
 #include "tests/host/CurlFixture.h"
+#include "tests/host/TlsCertificate.h"
 
 using testing::HasSubstr;
 
@@ -9,33 +10,17 @@ namespace test {
 
 namespace {
 
-/// A server with a certificate that nobody vouches for.
+/// A server whose certificate nobody vouches for.
 class CurlTlsTest : public CurlFixture
 {
 protected:
     void SetUp() override
     {
-        const QString certificate = QString::fromStdString(folder.path() + "/certificate.pem");
-        const QString key = QString::fromStdString(folder.path() + "/key.pem");
-        const QStringList request{"req",
-                                  "-x509",
-                                  "-newkey",
-                                  "rsa:2048",
-                                  "-nodes",
-                                  "-days",
-                                  "2",
-                                  "-subj",
-                                  "/CN=127.0.0.1",
-                                  "-addext",
-                                  "subjectAltName=IP:127.0.0.1",
-                                  "-keyout",
-                                  key,
-                                  "-out",
-                                  certificate};
-        ASSERT_EQ(QProcess::execute("openssl", request), 0);
+        const TlsCertificate tls(folder.path());
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.start("openssl",
-                      {"s_server", "-www", "-accept", "127.0.0.1:0", "-cert", certificate, "-key", key});
+                      {"s_server", "-www", "-accept", "127.0.0.1:0", "-cert",
+                       QString::fromStdString(tls.certificate), "-key", QString::fromStdString(tls.key)});
         const QRegularExpression accepting("ACCEPT 127\\.0\\.0\\.1:(\\d+)");
         QString said;
         while (!accepting.match(said).hasMatch()) {

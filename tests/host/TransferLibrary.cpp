@@ -14,6 +14,7 @@ struct Plan
     std::size_t failing = 0;
     std::size_t count = 0;
     int handles = 0;
+    std::string certificate;
 };
 
 thread_local Plan tPlan;
@@ -59,6 +60,8 @@ curl_slist* curl_slist_append(curl_slist* list, const char* line)
 CURLMcode curl_multi_add_handle(CURLM* multi, CURL* handle)
 {
     static auto* const own = next(&curl_multi_add_handle, "curl_multi_add_handle");
+    if (!tPlan.certificate.empty())
+        curl_easy_setopt(handle, CURLOPT_CAINFO, tPlan.certificate.c_str());
     return fails(Call::AddTransfer) ? CURLM_OUT_OF_MEMORY : own(multi, handle);
 }
 
@@ -92,6 +95,16 @@ bool TransferLibraryFault::hasFailed() const
 int TransferLibraryFault::handles()
 {
     return tPlan.handles;
+}
+
+TrustedCertificate::TrustedCertificate(const std::string& path)
+{
+    tPlan.certificate = path;
+}
+
+TrustedCertificate::~TrustedCertificate()
+{
+    tPlan.certificate.clear();
 }
 
 } // namespace test

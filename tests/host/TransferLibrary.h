@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <string>
 
 namespace test {
 
@@ -29,6 +30,17 @@ public:
 
     /// How many handles this thread has taken from the library and not given back.
     static int handles();
+};
+
+/// Lets the transfers of this thread trust a certificate, and no others, from construction to the end of the
+/// block.
+class TrustedCertificate
+{
+public:
+    explicit TrustedCertificate(const std::string& path);
+    ~TrustedCertificate();
+    TrustedCertificate(const TrustedCertificate&) = delete;
+    TrustedCertificate& operator=(const TrustedCertificate&) = delete;
 };
 
 } // namespace test
