@@ -59,6 +59,7 @@ BrokenPipeBlock::~BrokenPipeBlock()
 HttpConnections::HttpConnections()
 {
     initialiseLibrary();
+    mIdle.reserve(kIdleHandles); // so that giving back a handle needs no memory
     mMulti = curl_multi_init();
     if (!mMulti)
         throw std::bad_alloc();
@@ -97,15 +98,10 @@ CURL* HttpConnections::acquire()
 void HttpConnections::release(CURL* handle) noexcept
 {
     curl_easy_reset(handle);
-    try {
-        if (mIdle.size() < kIdleHandles) {
-            mIdle.push_back(handle);
-            return;
-        }
-    } catch (const std::bad_alloc&) {
-        // Not kept, then.
-    }
-    curl_easy_cleanup(handle);
+    if (mIdle.size() < kIdleHandles)
+        mIdle.push_back(handle);
+    else
+        curl_easy_cleanup(handle);
 }
 
 void HttpConnections::setPrefetch(std::unique_ptr<HeaderPrefetch> prefetch)
