@@ -1,3 +1,4 @@
+#include <atomic>
 #include <thread>
 
 #include "tests/host/CurlDownloadsFixture.h"
@@ -301,6 +302,48 @@ TEST_F(CurlPrefetchDownloadsTest, serverThatRefusesMoreThanOneConnectionIsAskedO
     for (const auto& download : refused)
         EXPECT_TRUE(get(download)) << reason;
     EXPECT_GT(picky.connectionCount(), 1);
+}
+
+TEST_F(CurlPrefetchDownloadsTest, whoAsksInTurnIsNotRefusedBecauseOfOneAhead)
+{
+    Downloads downloads = serve(6);
+    FaultServer picky;
+    picky.otherwise([](const FaultRequest& request) {
+        return request.connection == 0 ? FaultReply::ok("body").pauseAt(0, 80ms)
+                                       : FaultReply::raw("").reset();
+    });
+    for (int i = 0; i < 6; ++i)
+        downloads[static_cast<std::size_t>(i)].url = picky.url(nameOf(i));
+    for (int i = 0; i < 3; ++i)
+        header(picky.url("/first"));
+    curl.prefetchDownloads(downloads);
+    // The first of the list has the one connection meanwhile.
+    for (const std::size_t i : {3, 0, 1, 2, 4, 5})
+        EXPECT_TRUE(get(downloads[i])) << i << reason;
+    EXPECT_GT(picky.connectionCount(), 1);
+    EXPECT_THAT(picky.requestsFor(nameOf(0)), SizeIs(1));
+}
+
+TEST_F(CurlPrefetchDownloadsTest, slowOneAheadMakesRoomWithinASecond)
+{
+    Downloads downloads = serve(6);
+    std::atomic<int> toRefuse{5};
+    FaultServer picky;
+    picky.otherwise([&toRefuse](const FaultRequest& request) {
+        if (request.path() == "/first")
+            return FaultReply::ok("").pauseAt(0, 20ms);
+        if (request.connection == 0)
+            return FaultReply::ok("body").pauseAt(0, 10s);
+        return toRefuse-- > 0 ? FaultReply::raw("").reset() : FaultReply::ok("body");
+    });
+    for (int i = 0; i < 6; ++i)
+        downloads[static_cast<std::size_t>(i)].url = picky.url(nameOf(i));
+    for (int i = 0; i < 3; ++i)
+        header(picky.url("/first"));
+    curl.prefetchDownloads(downloads);
+    EXPECT_LT(timeOf([&] { EXPECT_TRUE(get(downloads[3])) << reason; }), 8s);
+    EXPECT_TRUE(get(downloads[0])) << reason;
+    EXPECT_THAT(picky.requestsFor(nameOf(0)), SizeIs(2));
 }
 
 TEST_F(CurlPrefetchDownloadsTest, bodyLongerThanAnnouncedIsAskedForInTurn)

@@ -19,6 +19,7 @@ constexpr std::size_t kStreams = 100;
 constexpr std::size_t kMostAhead = 128;
 constexpr std::chrono::microseconds kShortestStall = 1s;
 constexpr int kStallLatencies = 8;
+constexpr std::chrono::seconds kLongestHold = 1s;
 
 /// An ahead download takes no more than announced, and leaves the room that all of them together may take.
 HttpLimits limitsAhead(const HttpLimits& limits, std::int64_t size)
@@ -152,6 +153,22 @@ void DownloadPrefetch::advance()
     }
 }
 
+void DownloadPrefetch::makeRoom()
+{
+    if (!mRefused)
+        return;
+    mHeld = true;
+    const AtEnd goOn{[&] { mHeld = false; }};
+    const TimePoint latest = HttpLimits::Clock::now() + kLongestHold;
+    while (!mRunning.empty() && HttpLimits::Clock::now() < latest && mConnections.step()) {
+        if (!mRunning.empty())
+            mConnections.wait();
+    }
+    mGivenUp = mGivenUp || !mRunning.empty();
+    while (!mRunning.empty())
+        discard(mEntries[mRunning.back()]);
+}
+
 void DownloadPrefetch::noteArrivals(TimePoint now)
 {
     std::int64_t bytes = 0;
@@ -177,7 +194,7 @@ void DownloadPrefetch::startWaiting(TimePoint now)
 bool DownloadPrefetch::mayStart(const Entry& entry) const
 {
     const std::int64_t size = entry.announcement.size;
-    return !mGivenUp && mAhead < kMostAhead && mBytesAhead + size <= kMostBytes &&
+    return !mGivenUp && !mHeld && mAhead < kMostAhead && mBytesAhead + size <= kMostBytes &&
            (size <= kLarge || mLargeRunning < kMostLarge) && mRunning.size() < width(entry);
 }
 
@@ -227,6 +244,7 @@ void DownloadPrefetch::finish(Entry& entry)
         download.exception = std::current_exception();
     }
     end(entry);
+    mRefused = mRefused || !download.answer.answered;
     mFailuresInRow = isWhole ? 0 : mFailuresInRow + 1;
     mGivenUp = mGivenUp || mFailuresInRow >= mLimits.unansweredRequests;
     if (isWhole) {

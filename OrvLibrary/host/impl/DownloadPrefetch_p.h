@@ -72,6 +72,10 @@ public:
                                         Curl::ProgressFunction progress, void* context);
     /// Starts and ends what is due. Called at each step of the connections.
     void advance();
+    /// Called before a request is sent in turn. A server that has refused a request may serve only so many at
+    /// a time, and must not refuse this one because of those sent ahead: they end first, within a second, or
+    /// are discarded, and nothing more is fetched ahead.
+    void makeRoom();
 
 private:
     enum class State
@@ -122,4 +126,8 @@ private:
     TimePoint mLastArrival{};
     int mFailuresInRow = 0;
     bool mGivenUp = false;
+    /// A request sent ahead was not answered.
+    bool mRefused = false;
+    /// Nothing is started, for now.
+    bool mHeld = false;
 };

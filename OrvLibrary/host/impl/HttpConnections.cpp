@@ -162,8 +162,10 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, 
                                     TimePoint deadline)
 {
     const BrokenPipeBlock block;
-    CURL* const handle = acquire();
     const Work work(*this);
+    if (mDownloads)
+        mDownloads->makeRoom();
+    CURL* const handle = acquire();
     const AtEnd giveBack{[&] { release(handle); }};
     HttpTransfer transfer(handle, request, body, limits, deadline);
     run(transfer);
