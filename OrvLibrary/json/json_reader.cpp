@@ -227,6 +227,8 @@ const char* runRules(const char* first, const char* last, TreeBuilder& builder)
     using spirit::str_p;
 
     const String string(builder.text());
+    // Deliberate: an integer beyond 32 bits is no number at all, so a text that holds one is not read. Who
+    // reads the tree tests for exactly `int`.
     const auto number = DigitRun()[TellNumber<int, &B::addInt>{builder}] |
                         spirit::strict_real_p[TellNumber<double, &B::addDouble>{builder}] |
                         spirit::int_p[TellNumber<int, &B::addInt>{builder}];
