@@ -56,15 +56,15 @@ fileString placeDatabase(const LibraryImport::FoundFile& database, const fileStr
 
 namespace ArchiveImport {
 
-Result run(const std::string& source, bool isProprietary, const std::shared_ptr<ProgressSubject>& progress)
+void run(const std::string& source, bool isProprietary, const std::shared_ptr<ProgressSubject>& progress,
+         Result& result)
 {
+    result = {};
     const LibrarySource archive(source);
     const fileString library = libraryPath(archive, isProprietary);
     const std::unique_ptr<UnpackedFiles> files = archive.unpack(progress);
-    Result result;
     result.textures = placeTextures(files->found.second, library, isProprietary, progress);
     result.library = placeDatabase(files->found.first, library);
-    return result;
 }
 
 } // namespace ArchiveImport

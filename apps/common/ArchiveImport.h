@@ -11,7 +11,8 @@
 /// texture archive.
 namespace ArchiveImport {
 
-/// Where the parts of the library are now; empty for what the archive did not hold, and after a cancel.
+/// Where the parts of the library are now; empty for what the archive did not hold, what could not be put
+/// there, and after a cancel.
 struct Result
 {
     fileString library;
@@ -22,7 +23,9 @@ struct Result
 /// already is replaced in one step, and its former file stays as "NAME.orvlib.bak".
 /// @param source a path, or an http or https address
 /// @param progress must not be null
+/// @param result filled in as the parts come to their places, also when the function throws
 /// @throws std::runtime_error with what failed and why; the library is then as it was
-Result run(const std::string& source, bool isProprietary, const std::shared_ptr<ProgressSubject>& progress);
+void run(const std::string& source, bool isProprietary, const std::shared_ptr<ProgressSubject>& progress,
+         Result& result);
 
 } // namespace ArchiveImport

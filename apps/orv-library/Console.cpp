@@ -23,6 +23,16 @@ void Console::result(const QJsonObject& document, const std::string& text)
         print(stdout, text);
 }
 
+void Console::failure(const std::string& reason)
+{
+    complain(reason);
+    if (!mJson || mHasResult)
+        return;
+    QJsonObject document = mSoFar;
+    document["error"] = jsonText(reason);
+    result(document, {});
+}
+
 void Console::note(const std::string& line)
 {
     print(mJson ? stderr : stdout, line + "\n");

@@ -11,24 +11,27 @@ class Console
 public:
     explicit Console(bool json) : mJson(json) {}
 
-    bool isJson() const { return mJson; }
-
     /// The result of the command, given once: the document with --json, otherwise the text.
     /// @param text whole lines; nothing is printed when it is empty
     void result(const QJsonObject& document, const std::string& text);
+    /// What the command has done until now, as its document says it: all of it, should the command fail.
+    void resultSoFar(const QJsonObject& document) { mSoFar = document; }
+    /// The command failed: one clear line on standard error and, with --json, the document of what it has
+    /// done until then with the reason as "error", so that a script can always read one. No second document
+    /// after a result.
+    void failure(const std::string& reason);
     /// One line beside the result, for people: standard output, or standard error with --json.
     void note(const std::string& line);
     /// One clear line on standard error, after the program's name.
     static void complain(const std::string& line);
 
-    /// Whether `result` was called.
-    bool hasResult() const { return mHasResult; }
     /// Whether all that was printed so far arrived.
     static bool flush();
 
 private:
     bool mJson;
     bool mHasResult = false;
+    QJsonObject mSoFar;
 };
 
 /// A text for a document; bytes that are not UTF-8 become replacement characters.

@@ -12,22 +12,29 @@ QJsonValue document(const fileString& path)
     return path.empty() ? QJsonValue() : QJsonValue(jsonText(path.toNativeString()));
 }
 
+QJsonObject document(const ArchiveImport::Result& result)
+{
+    return {{"library", document(result.library)}, {"textures", document(result.textures)}};
+}
+
 std::string text(const std::string& label, const fileString& path)
 {
     return path.empty() ? std::string() : label + path.toNativeString() + "\n";
 }
 
-/// What fails because of a signal is no failure, and gives nothing.
-ArchiveImport::Result importUninterrupted(const std::string& source, bool isProprietary, ProgressMode mode)
+/// What fails because of a signal before anything is in place is no failure, and gives nothing.
+ArchiveImport::Result importUninterrupted(Session& session, const std::string& source, bool isProprietary)
 {
-    ProgressReporter reporter(mode);
+    ProgressReporter reporter(session.options().progress);
+    ArchiveImport::Result result;
     try {
-        return ArchiveImport::run(source, isProprietary, std::make_shared<ConsoleProgress>(reporter));
+        ArchiveImport::run(source, isProprietary, std::make_shared<ConsoleProgress>(reporter), result);
     } catch (const std::runtime_error&) {
-        if (!Interrupt::requested())
+        session.console().resultSoFar(document(result));
+        if (!Interrupt::requested() || !result.textures.empty())
             throw;
-        return {};
     }
+    return result;
 }
 
 } // namespace
@@ -41,11 +48,11 @@ void ImportCommand::declare(CommandSyntax& syntax)
 
 ExitStatus ImportCommand::run(Session& session) const
 {
+    session.console().resultSoFar(document(ArchiveImport::Result()));
     session.host();
     const Interrupt interrupt;
-    const ArchiveImport::Result result =
-        importUninterrupted(mSource, mProprietary, session.options().progress);
-    session.console().result({{"library", document(result.library)}, {"textures", document(result.textures)}},
+    const ArchiveImport::Result result = importUninterrupted(session, mSource, mProprietary);
+    session.console().result(document(result),
                              text("Library: ", result.library) + text("Textures: ", result.textures));
     if (!result.library.empty() || !result.textures.empty())
         return ExitStatus::Done;

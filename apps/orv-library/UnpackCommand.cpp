@@ -12,13 +12,19 @@ namespace {
 QJsonObject document(const LibraryImport::FoundFile& file)
 {
     const bool found = file.first;
-    return {{"found", found},
-            {"path", found ? QJsonValue(jsonText(file.second.toNativeString())) : QJsonValue()}};
+    return {
+        {"found", found},
+        {"path", found ? QJsonValue(jsonText(absolutePath(file.second).toNativeString())) : QJsonValue()}};
+}
+
+QJsonObject document(const LibraryImport::UnpackResult& result)
+{
+    return {{"library", document(result.first)}, {"referenced", document(result.second)}};
 }
 
 std::string text(const std::string& label, const LibraryImport::FoundFile& file)
 {
-    return file.first ? label + file.second.toNativeString() + "\n" : std::string();
+    return file.first ? label + absolutePath(file.second).toNativeString() + "\n" : std::string();
 }
 
 void requireFolder(const std::string& folder)
@@ -41,6 +47,7 @@ void UnpackCommand::declare(CommandSyntax& syntax)
 
 ExitStatus UnpackCommand::run(Session& session) const
 {
+    session.console().resultSoFar(document(LibraryImport::UnpackResult()));
     session.host();
     if (mBeside && LibrarySource(mSource).isAddress())
         throw UsageError("--beside needs a local archive");
@@ -50,10 +57,8 @@ ExitStatus UnpackCommand::run(Session& session) const
         throw UsageError("--beside cannot unpack an archive whose name ends in " + extension);
 
     const Interrupt interrupt;
-    LibraryImport::UnpackResult result = unpackUninterrupted(session);
-    result.first.second = absolutePath(result.first.second);
-    result.second.second = absolutePath(result.second.second);
-    session.console().result({{"library", document(result.first)}, {"referenced", document(result.second)}},
+    const LibraryImport::UnpackResult result = unpackUninterrupted(session);
+    session.console().result(document(result),
                              text("Library: ", result.first) + text("Referenced files: ", result.second));
     if (Interrupt::requested() && !result.first.first && !result.second.first)
         return ExitStatus::Interrupted;
@@ -69,7 +74,7 @@ LibraryImport::UnpackResult UnpackCommand::unpackUninterrupted(Session& session)
     ProgressReporter reporter(session.options().progress);
     const auto progress = std::make_shared<ConsoleProgress>(reporter);
     try {
-        return mBeside ? LibrarySource(mSource).unpackBeside(progress) : unpackInto(mOutputFolder, progress);
+        return mBeside ? LibrarySource(mSource).unpackBeside(progress) : unpackInto(session, progress);
     } catch (const std::runtime_error&) {
         if (!Interrupt::requested())
             throw;
@@ -77,21 +82,23 @@ LibraryImport::UnpackResult UnpackCommand::unpackUninterrupted(Session& session)
     }
 }
 
-LibraryImport::UnpackResult UnpackCommand::unpackInto(const std::string& folder,
+LibraryImport::UnpackResult UnpackCommand::unpackInto(Session& session,
                                                       const std::shared_ptr<ProgressSubject>& progress) const
 {
-    requireFolder(folder);
+    requireFolder(mOutputFolder);
     const LibrarySource source(mSource);
-    const fileString target = fileString(folder) / source.stem();
+    const fileString target = fileString(mOutputFolder) / source.stem();
     const std::unique_ptr<UnpackedFiles> files = source.unpack(progress);
-    LibraryImport::UnpackResult result = files->found;
-    if (result.second.first) {
-        moveOver(result.second.second, target + fileString(".zip"));
-        result.second.second = target + fileString(".zip");
-    }
-    if (result.first.first) {
-        moveOver(result.first.second, target + fileString(".orvlib"));
-        result.first.second = target + fileString(".orvlib");
-    }
+    LibraryImport::UnpackResult result;
+    const auto place = [&](const LibraryImport::FoundFile& from, const char* extension,
+                           LibraryImport::FoundFile& to) {
+        if (!from.first)
+            return;
+        moveOver(from.second, target + fileString(extension));
+        to = {true, target + fileString(extension)};
+        session.console().resultSoFar(document(result));
+    };
+    place(files->found.second, ".zip", result.second);
+    place(files->found.first, ".orvlib", result.first);
     return result;
 }

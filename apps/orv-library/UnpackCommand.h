@@ -16,7 +16,7 @@ public:
 private:
     ExitStatus run(Session& session) const;
     LibraryImport::UnpackResult unpackUninterrupted(Session& session) const;
-    LibraryImport::UnpackResult unpackInto(const std::string& folder,
+    LibraryImport::UnpackResult unpackInto(Session& session,
                                            const std::shared_ptr<ProgressSubject>& progress) const;
 
     std::string mSource;

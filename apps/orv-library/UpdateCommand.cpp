@@ -70,6 +70,16 @@ QJsonObject document(const UpdateHost& host, const CatalogSwapper& swapper)
             {"swappedIn", swappedIn}};
 }
 
+/// Of a run that could not begin.
+QJsonObject failureDocument()
+{
+    return {{"outcome", "failed"},
+            {"result", QJsonValue()},
+            {"messageCode", QJsonValue()},
+            {"updatedCatalogs", QJsonArray()},
+            {"swappedIn", QJsonArray()}};
+}
+
 /// Runs the event loop until the worker has ended and all its invocations were delivered.
 void waitForEnd(CatalogUpdateRun& update, UpdateHost& host)
 {
@@ -137,6 +147,7 @@ CatalogUpdateRun::Request UpdateCommand::request() const
 ExitStatus UpdateCommand::run(Session& session)
 {
     checkNames();
+    session.console().resultSoFar(failureDocument());
     AppHost& appHost = session.host();
     if (!mIndex.empty())
         appHost.setContentIndexName(mIndex);

@@ -11,10 +11,7 @@ namespace {
 
 int fail(Session& session, const std::string& reason)
 {
-    Console::complain(reason);
-    // Standard output holds one document whatever happens, so that a script can always read it.
-    if (session.console().isJson() && !session.console().hasResult())
-        session.console().result({{"error", jsonText(reason)}}, {});
+    session.console().failure(reason);
     return static_cast<int>(ExitStatus::Failed);
 }
 

@@ -104,6 +104,20 @@ TEST_F(ImportCommand, formerLibraryThatCannotBeKeptStays)
     EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
 }
 
+TEST_F(ImportCommand, failureStillSaysWhatWasPutInPlace)
+{
+    QJsonObject expected = document("", "");
+    expected["error"] = QString::fromStdString(path("none.orvlibz: no such file"));
+    EXPECT_EQ(mProgram.run({"--json", "import", path("none.orvlibz")}).json(), expected);
+
+    fs::create_directory(rootPath("user/Kitchen.orvlib.bak"));
+    mProgram.folder().write("root/user/Kitchen.orvlib", "former");
+    expected = document("", rootPath("textures/Kitchen.zip"));
+    expected["error"] = QString::fromStdString(rootPath("user/Kitchen.orvlib.bak: is a folder"));
+    EXPECT_EQ(mProgram.run({"--json", "import", writeKitchen()}).json(), expected);
+    EXPECT_TRUE(fs::exists(rootPath("textures/Kitchen.zip")));
+}
+
 TEST_F(ImportCommand, badSourcesChangeNothing)
 {
     mProgram.run({"import", writeKitchen()});

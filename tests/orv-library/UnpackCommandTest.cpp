@@ -76,6 +76,25 @@ TEST_F(UnpackCommand, archiveWithoutEitherIsAFailureThatSaysSo)
     EXPECT_THAT(result.err, testing::HasSubstr("Empty.orvlibz: holds neither"));
 }
 
+TEST_F(UnpackCommand, failureStillSaysWhatWasFound)
+{
+    const QJsonObject none{{"found", false}, {"path", QJsonValue()}};
+    for (const std::vector<std::string>& more :
+         {std::vector<std::string>{"--output-dir", path("out")}, std::vector<std::string>{"--beside"}}) {
+        const ProgramResult result = unpack(path("none.orvlibz"), more);
+        EXPECT_EQ(result.status, 1);
+        EXPECT_EQ(result.json(),
+                  (QJsonObject{{"library", none},
+                               {"referenced", none},
+                               {"error", QString::fromStdString(path("none.orvlibz: no such file"))}}));
+    }
+    fs::create_directory(path("out/Kitchen.orvlib"));
+    const QJsonObject half = unpack(writeKitchen(), {"--output-dir", path("out")}).json();
+    EXPECT_EQ(half["library"], none);
+    EXPECT_EQ(half["referenced"], found(path("out/Kitchen.zip")));
+    EXPECT_TRUE(fs::exists(path("out/Kitchen.zip")));
+}
+
 TEST_F(UnpackCommand, wrongUsageChangesNothing)
 {
     const std::string archive = writeKitchen();

@@ -259,7 +259,14 @@ TEST_F(Update, secondUpdateOnARootFailsAtOnceAndInterruptCancelsTheFirst)
     const test::ProgramResult second = update();
     EXPECT_EQ(1, second.status);
     EXPECT_THAT(second.err, HasSubstr("another update is running on"));
-    EXPECT_THAT(second.json()["error"].toString().toStdString(), HasSubstr(program.root()));
+    QJsonObject failed = second.json();
+    EXPECT_THAT(failed.take("error").toString().toStdString(), HasSubstr(program.root()));
+    EXPECT_EQ((QJsonObject{{"outcome", "failed"},
+                           {"result", QJsonValue()},
+                           {"messageCode", QJsonValue()},
+                           {"updatedCatalogs", QJsonArray()},
+                           {"swappedIn", QJsonArray()}}),
+              failed);
 
     ::kill(static_cast<pid_t>(first->processId()), SIGINT);
     const test::ProgramResult cancelled = test::Program::finish(*first);
