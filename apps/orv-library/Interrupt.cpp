@@ -8,6 +8,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "apps/orv-library/Command.h"
+
 namespace {
 
 constexpr int kSignals[] = {SIGINT, SIGTERM};
@@ -27,7 +29,25 @@ void noteSignal(int)
     errno = savedError;
 }
 
+[[noreturn]] void endProgram(int)
+{
+    _exit(static_cast<int>(ExitStatus::Interrupted));
+}
+
 } // namespace
+
+void Interrupt::endsProgram()
+{
+    struct sigaction action
+    {
+    };
+    action.sa_handler = endProgram;
+    for (const int signal : kSignals) {
+        struct sigaction former;
+        if (sigaction(signal, nullptr, &former) == 0 && former.sa_handler == SIG_DFL)
+            sigaction(signal, &action, nullptr);
+    }
+}
 
 Interrupt::Interrupt()
 {

@@ -5,6 +5,10 @@
 class Interrupt
 {
 public:
+    /// From here on a signal that no object takes over ends the program at once with status 130. A signal
+    /// that the program was started to ignore stays ignored.
+    static void endsProgram();
+
     /// Takes over SIGINT and SIGTERM. A second signal while the first is being handled ends the program the
     /// hard way.
     Interrupt();

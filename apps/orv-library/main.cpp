@@ -5,6 +5,7 @@
 #include <QCoreApplication>
 
 #include "apps/orv-library/CommandLine.h"
+#include "apps/orv-library/Interrupt.h"
 #include "apps/orv-library/Session.h"
 
 namespace {
@@ -39,6 +40,7 @@ int run(const CommandLine& commandLine)
 
 int main(int argc, char** argv)
 {
+    Interrupt::endsProgram();
     QCoreApplication application(argc, argv);
     const CommandList commands = allCommands();
     CommandLine commandLine(commands);

@@ -1,3 +1,5 @@
+#include <csignal>
+
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -182,6 +184,21 @@ TEST_F(ManufacturersCommand, refreshFailsWhenTheDataCannotBeHad)
               1);
     EXPECT_EQ(program.run({"manufacturers", "refresh", "--data-url", url}).status, 2);
     EXPECT_EQ(test::readFile(file), kOurs);
+}
+
+TEST_F(ManufacturersCommand, signalEndsARefreshWithStatus130)
+{
+    write(kOurs);
+    server.on("/data?", FaultReply::ok(kTheirs).silentAt(100));
+    std::size_t asked = 0;
+    for (const int signal : {SIGINT, SIGTERM}) {
+        const auto process = program.start(
+            {"manufacturers", "refresh", "--data-url", server.url("/data?"), "--logo-url", "x"});
+        ASSERT_TRUE(server.waitForRequests(++asked));
+        ::kill(static_cast<pid_t>(process->processId()), signal);
+        EXPECT_EQ(test::Program::finish(*process).status, 130);
+        EXPECT_EQ(test::readFile(file), kOurs);
+    }
 }
 
 TEST_F(ManufacturersCommand, refreshFailsWhenTheFileCannotBeWritten)
