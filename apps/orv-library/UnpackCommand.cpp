@@ -45,17 +45,21 @@ void UnpackCommand::declare(CommandSyntax& syntax)
     syntax.runs([this](Session& session) { return run(session); });
 }
 
-ExitStatus UnpackCommand::run(Session& session) const
+void UnpackCommand::checkUsage() const
 {
-    session.console().resultSoFar(document(LibraryImport::UnpackResult()));
-    session.host();
     if (mBeside && LibrarySource(mSource).isAddress())
         throw UsageError("--beside needs a local archive");
     // Beside itself, such an archive would be one of its own results.
     const std::string extension = fileString(mSource).extension().toNativeString();
     if (mBeside && (extension == ".zip" || extension == ".orvlib"))
         throw UsageError("--beside cannot unpack an archive whose name ends in " + extension);
+}
 
+ExitStatus UnpackCommand::run(Session& session) const
+{
+    checkUsage();
+    session.console().resultSoFar(document(LibraryImport::UnpackResult()));
+    session.host();
     const Interrupt interrupt;
     const LibraryImport::UnpackResult result = unpackUninterrupted(session);
     session.console().result(document(result),

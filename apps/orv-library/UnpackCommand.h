@@ -14,6 +14,7 @@ public:
     void declare(CommandSyntax& syntax) override;
 
 private:
+    void checkUsage() const;
     ExitStatus run(Session& session) const;
     LibraryImport::UnpackResult unpackUninterrupted(Session& session) const;
     LibraryImport::UnpackResult unpackInto(Session& session,

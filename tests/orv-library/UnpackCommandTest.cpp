@@ -108,6 +108,14 @@ TEST_F(UnpackCommand, wrongUsageChangesNothing)
     }
 }
 
+TEST_F(UnpackCommand, wrongUsageMakesNoFolders)
+{
+    const std::string archive = writeKitchen("a.zip");
+    for (const std::string& source : {std::string("http://127.0.0.1:1/a.orvlibz"), archive})
+        EXPECT_EQ(unpack(source, {"--beside"}).status, 2);
+    EXPECT_FALSE(fs::exists(mProgram.root()));
+}
+
 TEST_F(UnpackCommand, sourcesThatAreNoArchiveFailWithAClearLine)
 {
     fs::create_symlink("loop.orvlibz", path("loop.orvlibz"));
