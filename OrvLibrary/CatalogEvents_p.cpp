@@ -52,19 +52,11 @@ std::size_t gaugeNumber(std::uint64_t value)
 std::shared_ptr<CatalogEvents> CatalogEvents::watch(QObject& host)
 {
     registerTypes();
-    const std::shared_ptr<CatalogEvents> events(new CatalogEvents(host));
-    // A functor without a receiver runs directly, on the thread that destroys the object.
-    const auto forget = [weak = std::weak_ptr<CatalogEvents>(events)] {
-        if (const auto strong = weak.lock())
-            strong->clearHost();
-    };
-    events->mDestroyed = QObject::connect(&host, &QObject::destroyed, forget);
-    return events;
+    return std::shared_ptr<CatalogEvents>(new CatalogEvents(host));
 }
 
 CatalogEvents::CatalogEvents(QObject& host)
-    : mHost(&host),
-      mSlots{slotOf(host, "onSetText(std::string)"),
+    : mSlots{slotOf(host, "onSetText(std::string)"),
              slotOf(host, "onSetUnits(std::string)"),
              slotOf(host, "onSetRangeInGauge(size_t)"),
              slotOf(host, "onSetValueInGauge(size_t)"),
@@ -73,24 +65,27 @@ CatalogEvents::CatalogEvents(QObject& host)
              slotOf(host, "closeCatalogUpdateEvent(LibraryCatalogUpdate::UpdateData)"),
              slotOf(host, "onClose()")}
 {
+    mHost->object = &host;
+    // A functor without a receiver runs directly, on the thread that destroys the object.
+    mDestroyed = QObject::connect(&host, &QObject::destroyed, [watched = mHost] {
+        const ThreadLockGuard<ThreadMutex> lock(watched->mutex);
+        watched->object = nullptr;
+    });
 }
 
 CatalogEvents::~CatalogEvents()
 {
-    QObject::disconnect(mDestroyed);
-}
-
-void CatalogEvents::clearHost()
-{
-    const ThreadLockGuard<ThreadMutex> lock(mMutex);
-    mHost = nullptr;
+    // The object cannot go on dying meanwhile. One that is past this point lets go of its connections itself.
+    const ThreadLockGuard<ThreadMutex> lock(mHost->mutex);
+    if (mHost->object)
+        QObject::disconnect(mDestroyed);
 }
 
 void CatalogEvents::post(Slot slot, QGenericArgument argument)
 {
-    const ThreadLockGuard<ThreadMutex> lock(mMutex);
-    if (mHost && mSlots[slot].isValid())
-        mSlots[slot].invoke(mHost, Qt::QueuedConnection, argument);
+    const ThreadLockGuard<ThreadMutex> lock(mHost->mutex);
+    if (mHost->object && mSlots[slot].isValid())
+        mSlots[slot].invoke(mHost->object, Qt::QueuedConnection, argument);
 }
 
 void CatalogEvents::setText(const std::string& text)

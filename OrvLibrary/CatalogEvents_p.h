@@ -18,8 +18,8 @@ namespace LibraryCatalogUpdate {
 ///
 /// Asking a weak pointer and then using it is not enough, since the object may die in between on its own
 /// thread. So the pointer is cleared by the object's destruction, under the mutex that is held while
-/// something is posted. The slots are looked up once, while the object is certainly whole; one that the
-/// object lacks is passed over in silence, as is everything once the object is gone.
+/// something is posted, or the watch ended. The slots are looked up once, while the object is certainly
+/// whole; one that the object lacks is passed over in silence, as is everything once the object is gone.
 class CatalogEvents
 {
 public:
@@ -61,13 +61,18 @@ private:
         SlotCount
     };
 
+    /// Shared with the connection that clears it.
+    struct Host
+    {
+        ThreadMutex mutex;
+        /// Null once the object is on its way out; guarded by `mutex`.
+        QObject* object = nullptr;
+    };
+
     explicit CatalogEvents(QObject& host);
-    void clearHost();
     void post(Slot slot, QGenericArgument argument = {});
 
-    ThreadMutex mMutex;
-    /// Null once the object is gone; guarded by `mMutex`.
-    QObject* mHost;
+    const std::shared_ptr<Host> mHost = std::make_shared<Host>();
     /// Of the host object's class, in the order of `Slot`; invalid where it has none.
     std::array<QMetaMethod, SlotCount> mSlots;
     QMetaObject::Connection mDestroyed;
