@@ -55,13 +55,18 @@ std::vector<CatalogFolder> CatalogFolders::all()
 
 std::set<fileString> CatalogFolders::catalogsIn(const fileString& folder)
 {
+    return filesIn(folder, kExtension);
+}
+
+std::set<fileString> CatalogFolders::filesIn(const fileString& folder, const fileString& extension)
+{
     std::set<fileString> files;
     std::error_code error;
     fs::directory_iterator entry(folder.toNativeString(), error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         std::error_code unreadable;
         const fileString path(entry->path().native());
-        if (path.extension() == kExtension && entry->is_regular_file(unreadable))
+        if (path.extension() == extension && entry->is_regular_file(unreadable))
             files.insert(path);
     }
     return files;

@@ -28,7 +28,9 @@ CatalogFolder manufacturer();
 /// In the order in which an update empties their download folders: core, bonus, manufacturer.
 std::vector<CatalogFolder> all();
 
-/// The regular files with the extension ".orvlib", letter case included, directly in `folder`.
+/// The regular files with the extension ".orvlib" directly in `folder`.
 std::set<fileString> catalogsIn(const fileString& folder);
+/// The same for any extension, letter case included; names may be of any bytes.
+std::set<fileString> filesIn(const fileString& folder, const fileString& extension);
 
 } // namespace CatalogFolders

@@ -3,9 +3,6 @@
 #include <ctime>
 #include <exception>
 
-#include <QDir>
-#include <QFile>
-
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/SHA1.h"
@@ -20,13 +17,9 @@ namespace {
 constexpr std::size_t kPiece = 1 << 20;
 const char* const kFuture = "its time stamp lies in the future";
 
-std::vector<std::string> filesIn(const fileString& folder, const char* ending)
+std::string nameOf(const fileString& file)
 {
-    const QDir dir(QFile::decodeName(folder.toNativeString().c_str()));
-    std::vector<std::string> names;
-    for (const QString& name : dir.entryList({QString("*") + ending}, QDir::Files, QDir::Name))
-        names.push_back(QFile::encodeName(name).toStdString());
-    return names;
+    return file.stemWithExtension().toNativeString();
 }
 
 void readWholeArchive(const fileString& archive)
@@ -62,11 +55,12 @@ void LibraryHealth::checkArchives()
 void LibraryHealth::checkArchivesIn(const fileString& folder, bool isListed)
 {
     const auto hashes = HashFile::read(CatalogFolders::core().folder);
-    for (const std::string& name : filesIn(folder, ".zip")) {
+    for (const fileString& archive : CatalogFolders::filesIn(folder, ZipUtils::getExtension())) {
         ++mChecked;
         try {
-            readWholeArchive(folder + fileString(name));
+            readWholeArchive(archive);
         } catch (const std::exception& error) {
+            const std::string name = nameOf(archive);
             mDamages.push_back({name, error.what(), isListed && hashes.count(name) != 0});
         }
     }
@@ -83,9 +77,9 @@ std::vector<LibraryHealth::Damage> LibraryHealth::futureStamps()
     std::vector<Damage> stamps;
     for (const fileString& folder : {paths.getCoreLibraryDatabasePath(), paths.getBonusLibraryDatabasePath(),
                                      paths.getManufacturerLibraryPath()})
-        for (const std::string& name : filesIn(folder, ".orvlib"))
-            if ((folder + fileString(name)).modificationTime() > std::time(nullptr))
-                stamps.push_back({name, kFuture, false});
+        for (const fileString& catalog : CatalogFolders::catalogsIn(folder))
+            if (catalog.modificationTime() > std::time(nullptr))
+                stamps.push_back({nameOf(catalog), kFuture, false});
 
     std::map<long, Manufacturer> records;
     boost::posix_time::ptime fileStamp;

@@ -160,6 +160,32 @@ TEST_F(HealthCommands, verifyFindsDamagedCatalogsAndArchives)
     EXPECT_EQ(hashes, test::readFile(path("core/catalog_hash.txt")));
 }
 
+TEST_F(HealthCommands, filesOfAnyNameAreLookedAt)
+{
+    const std::vector<std::string> names{".Hidden.zip",
+                                         "K\xFC"
+                                         "che.zip",
+                                         "M\xC3\xB6"
+                                         "bel.zip"};
+    for (const std::string& name : names) {
+        writeArchive("textures/Sound.zip");
+        damage("textures/Sound.zip");
+        fs::rename(path("textures/Sound.zip"), path("textures/" + name));
+    }
+    write("textures/Other.ZIP", "an archive has the extension in lower case");
+    const test::ProgramResult result = mProgram.run({"--json", "verify"});
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ(3, result.json()["checked"].toInt());
+    EXPECT_EQ(3, result.json()["damaged"].toArray().size());
+    EXPECT_THAT(result.err, HasSubstr(names[1] + ": "));
+
+    write("core/Doors.orvlib", "doors");
+    fs::rename(path("core/Doors.orvlib"), path("core/T\xFCren.orvlib"));
+    fs::last_write_time(path("core/T\xFCren.orvlib"),
+                        fs::file_time_type::clock::now() + std::chrono::hours(24));
+    expectOneWarning("T\xEF\xBF\xBDren.orvlib", "future");
+}
+
 TEST_F(HealthCommands, repairRemovesTheHashLinesOfDamagedFiles)
 {
     write("core/Doors.orvlib", "doors");
