@@ -9,8 +9,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-/// Below this time to an answer, more connections cost more than they bring.
-constexpr std::chrono::microseconds kNear = 1ms;
+/// Below this time to an answer there is little to gain, and the server sees the requests in turn.
+constexpr std::chrono::microseconds kNear = 5ms;
 /// Below this one the address is in the same house.
 constexpr std::chrono::microseconds kNotFar = 8ms;
 constexpr std::size_t kNotFarConnections = 8;
@@ -22,6 +22,15 @@ constexpr std::chrono::microseconds kSpreadLatency = 50ms;
 constexpr std::size_t kSpreadConnections = 8;
 constexpr std::chrono::microseconds kShortestStall = 500ms;
 constexpr int kStallLatencies = 8;
+constexpr std::int64_t kOk = 200;
+constexpr std::int64_t kNotModified = 304;
+
+/// Whether the answer is unlikely to make the caller ask for something else before its next header request,
+/// as a redirect, an error page or a lost answer may.
+bool isLastWord(const HttpAnswer& answer)
+{
+    return answer.answered && (answer.status == kOk || answer.status == kNotModified);
+}
 
 std::string keyOf(const HttpRequest& request)
 {
@@ -58,6 +67,8 @@ bool HeaderPrefetch::take(const HttpRequest& request, HttpAnswer& answer)
     if (found == mByKey.end())
         return false;
     Entry& entry = mEntries[found->second];
+    if (entry.state != State::Done)
+        mLastWord = true; // what the former answer led to is over
     // Also when the answer is there: the others must move on.
     mConnections.step();
     while (entry.state != State::Done) {
@@ -142,6 +153,7 @@ void HeaderPrefetch::finish(Entry& entry)
     } else {
         ++mUnansweredInRow;
     }
+    mLastWord = isLastWord(entry.answer);
     mRunning.erase(std::find(mRunning.begin(), mRunning.end(), &entry - mEntries.data()));
     end(entry);
     entry.state = State::Done;
@@ -179,7 +191,7 @@ std::size_t HeaderPrefetch::width(const Entry& next) const
         return mReady * kStreams + mOpening;
     const auto latency = mConnections.latency(address);
     if (latency < kNear)
-        return 1;
+        return mLastWord && !mConnections.busy() ? 1 : 0;
     return latency < kNotFar ? std::min(kNotFarConnections, mConnectionLimit) : mConnectionLimit;
 }
 

@@ -13,10 +13,11 @@
 /// account of addresses that do not answer too, so that all of it happens in the order of the calls.
 ///
 /// How many are sent at once depends on how long the address takes to answer. To one that answers at once it
-/// does not pay to open more than one connection, and one that carries many requests at once (HTTP/2) is
-/// enough for a short list or a server that is not far; else up to eight are opened together. A server that
-/// answers no more while connections wait for it has fewer workers than it has connections: then they are
-/// asked again, one after the other.
+/// does not pay to open more than one connection: it sees one request at a time, in the order of the calls
+/// and of what they lead to. One that carries many requests at once (HTTP/2) is enough for a short list or a
+/// server that is not far; else up to eight are opened together. A server that answers no more while
+/// connections wait for it has fewer workers than it has connections: then they are asked again, one after
+/// the other.
 class HeaderPrefetch
 {
 public:
@@ -88,4 +89,6 @@ private:
     std::size_t mUnansweredInRow = 0;
     TimePoint mLastAnswer{};
     bool mOneByOne = false;
+    /// The answer that came last is unlikely to make the caller ask for anything but the next header.
+    bool mLastWord = true;
 };
