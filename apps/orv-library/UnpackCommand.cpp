@@ -45,6 +45,14 @@ void UnpackCommand::declare(CommandSyntax& syntax)
     syntax.runs([this](Session& session) { return run(session); });
 }
 
+/// An archive of another name than usual may be just what one of the results would replace.
+void UnpackCommand::requireOtherFile(const fileString& target) const
+{
+    std::error_code error;
+    if (std::filesystem::equivalent(mSource, target.toNativeString(), error))
+        throw CommandFailure(mSource + ": is the archive itself, which a result would replace");
+}
+
 void UnpackCommand::checkUsage() const
 {
     if (mBeside && LibrarySource(mSource).isAddress())
@@ -92,6 +100,8 @@ LibraryImport::UnpackResult UnpackCommand::unpackInto(Session& session,
     requireFolder(mOutputFolder);
     const LibrarySource source(mSource);
     const fileString target = fileString(mOutputFolder) / source.stem();
+    for (const char* extension : {".zip", ".orvlib"})
+        requireOtherFile(target + fileString(extension));
     const std::unique_ptr<UnpackedFiles> files = source.unpack(progress);
     LibraryImport::UnpackResult result;
     const auto place = [&](const LibraryImport::FoundFile& from, const char* extension,

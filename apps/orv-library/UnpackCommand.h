@@ -15,6 +15,7 @@ public:
 
 private:
     void checkUsage() const;
+    void requireOtherFile(const fileString& target) const;
     ExitStatus run(Session& session) const;
     LibraryImport::UnpackResult unpackUninterrupted(Session& session) const;
     LibraryImport::UnpackResult unpackInto(Session& session,

@@ -142,6 +142,15 @@ TEST_F(UnpackCommand, folderInTheWayIsNamed)
                   path("out/Kitchen.zip") + ": is a folder");
 }
 
+TEST_F(UnpackCommand, archiveIsNeverReplacedByItsOwnResult)
+{
+    for (const char* name : {"out/Kitchen.zip", "out/Kitchen.orvlib"}) {
+        const std::string archive = writeKitchen(name);
+        expectFailure({"unpack", archive, "--output-dir", path("out")}, archive + ": is the archive itself");
+        EXPECT_EQ(mProgram.run({"unpack", archive, "--output-dir", mProgram.folder().path()}).status, 0);
+    }
+}
+
 TEST_F(UnpackCommand, addressIsDownloadedAndNamedAfterWhatItAsksFor)
 {
     FaultServer server;
