@@ -1,9 +1,9 @@
 #include "apps/common/ServicePublisher.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 
-#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QString>
@@ -11,6 +11,8 @@
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/SHA1.h"
 #include "apps/common/ServiceMap.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -36,6 +38,11 @@ QByteArray contentOf(const std::string& path)
     if (!file.open(QIODevice::ReadOnly))
         throw std::runtime_error(path + ": " + file.errorString().toStdString());
     return file.readAll();
+}
+
+bool isUtf8(const std::string& name)
+{
+    return QString::fromUtf8(name.c_str()).toUtf8().toStdString() == name;
 }
 
 /// A character of the name that no client can ask for: it would end the parameter, or the name in a hash
@@ -124,13 +131,19 @@ bool ServicePublisher::publish(std::string& reason)
 
 ServicePublisher::Files ServicePublisher::filesIn(const std::string& folder) const
 {
-    const QDir dir(QFile::decodeName(folder.c_str()));
-    if (!dir.exists())
+    std::error_code failure;
+    if (!fs::is_directory(folder, failure))
         throw std::runtime_error(folder + ": no such folder");
     Files files;
-    for (const QFileInfo& info : dir.entryInfoList(QDir::Files, QDir::Name))
-        files[QFile::encodeName(info.fileName()).toStdString()] =
-            QFile::encodeName(info.filePath()).toStdString();
+    fs::directory_iterator entry(folder, failure);
+    for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
+        const std::string name = entry->path().filename().native();
+        std::error_code unreadable;
+        if (name.front() != '.' && entry->is_regular_file(unreadable))
+            files[name] = entry->path().native();
+    }
+    if (failure)
+        throw std::runtime_error(folder + ": " + failure.message());
     return files;
 }
 
@@ -143,6 +156,10 @@ void ServicePublisher::refuse(Files& files, const std::string& name, const std::
 void ServicePublisher::refuseNames(Files& files)
 {
     for (const auto& [name, path] : Files(files)) {
+        if (!isUtf8(name)) {
+            refuse(files, name, "the name is not UTF-8");
+            continue;
+        }
         const std::string character = unusableCharacter(name);
         if (!character.empty())
             refuse(files, name, "the name holds " + character + ", which a client's request cannot carry");

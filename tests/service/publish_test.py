@@ -102,6 +102,13 @@ class Publish(ServiceCase):
                 self.assertIn("request cannot carry", self.refusal(name))
                 os.remove(os.path.join(self.source, "content", name))
 
+    def test_names_that_are_not_utf8_are_refused_and_hidden_files_passed_over(self):
+        with open(os.fsencode(self.source) + b"/content/T\xfcren.orvlib", "wb") as stream:
+            stream.write(CATALOG)
+        self.write("content/.hidden.orvlib", CATALOG)
+        self.assertIn("not UTF-8", self.refusal("T\ufffdren.orvlib"))
+        self.assertEqual(set(self.map_of("names.map")), {b"Doors.orvlib"})
+
     def test_logos_that_no_client_can_ask_for_are_refused(self):
         self.write("manufacturers/a&b.png", b"picture")
         self.assertIn('"&"', self.refusal("a&b.png"))

@@ -30,7 +30,8 @@ class ServiceCase(unittest.TestCase):
             stream.write(content)
 
     def run_program(self, *arguments, status=0):
-        result = subprocess.run([self.program, "--json", *arguments], text=True, capture_output=True, timeout=120)
+        result = subprocess.run([self.program, "--json", *arguments], text=True, errors="replace",
+                                capture_output=True, timeout=120)
         self.assertEqual(result.returncode, status, result.stdout + result.stderr)
         return json.loads(result.stdout)
 
