@@ -96,7 +96,7 @@ TreeBuilder::Node TreeBuilder::takeTree()
     if (isOpen())
         return nullptr;
     boost::any* const root = mTree->root().get();
-    return mTree->isDeep() ? Node(std::move(mTree), root) : std::move(mTree->root());
+    return mTree->isDeep() ? Node(mTree, root) : std::move(mTree->root());
 }
 
 } // namespace json

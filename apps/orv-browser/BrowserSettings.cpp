@@ -17,7 +17,7 @@ fileString fileIn(const fileString& root)
 QStringList textsIn(const QJsonValue& value)
 {
     QStringList texts;
-    for (const QJsonValue& text : value.toArray())
+    for (const auto& text : value.toArray())
         texts << text.toString();
     return texts;
 }

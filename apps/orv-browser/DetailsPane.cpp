@@ -156,7 +156,7 @@ void DetailsPane::showChosen()
     clear(text(item.getItemName()));
     setRow(mCatalog, text(item.getDatabasePath().stem().toNativeString()));
     setRow(mPaneName, text(item.getSelectionPaneName()));
-    const fileString database = item.getDatabasePath();
+    const fileString& database = item.getDatabasePath();
     const long long id = item.getId();
     Background::run(
         mPool, this,

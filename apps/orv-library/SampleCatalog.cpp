@@ -19,14 +19,17 @@ constexpr int kPictureSide = 48;
 constexpr int kFirstStyle = 10000;
 constexpr int kStyles = 15;
 
+constexpr const char* kItemTable =
+    "CREATE TABLE item (id INTEGER PRIMARY KEY, folder INTEGER NOT NULL REFERENCES folder, name TEXT NOT "
+    "NULL,"
+    " pane_name TEXT NOT NULL, style INTEGER, manufacturer INTEGER, picture BLOB, geometry BLOB)";
+
 const char* const kSchema[] = {
     "PRAGMA page_size = 4096",
     "PRAGMA journal_mode = OFF",
     "CREATE TABLE catalog (key TEXT PRIMARY KEY, value TEXT NOT NULL)",
     "CREATE TABLE folder (id INTEGER PRIMARY KEY, parent INTEGER REFERENCES folder, name TEXT NOT NULL)",
-    "CREATE TABLE item (id INTEGER PRIMARY KEY, folder INTEGER NOT NULL REFERENCES folder, name TEXT NOT "
-    "NULL,"
-    " pane_name TEXT NOT NULL, style INTEGER, manufacturer INTEGER, picture BLOB, geometry BLOB)",
+    kItemTable,
     "CREATE INDEX folder_parent ON folder (parent)",
     "CREATE INDEX item_folder ON item (folder)",
     "BEGIN",
