@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <limits>
+#include <set>
 #include <thread>
 
 #include "tests/host/CurlFixture.h"
@@ -212,6 +213,34 @@ TEST_F(CurlPrefetchTest, serverWithOneWorkerIsAskedInTurn)
             EXPECT_TRUE(ask(request));
     });
     EXPECT_LT(time, 6s);
+}
+
+TEST_F(CurlPrefetchTest, serverWithFewWorkersIsAskedOnTheirConnections)
+{
+    server.limitWorkers(4);
+    answerAfter(20ms);
+    const Headers headers = list(60);
+    curl.prefetchHeaders(headers);
+    for (const auto& request : headers)
+        EXPECT_TRUE(ask(request));
+    std::set<int> connections;
+    const auto asked = server.requests();
+    for (std::size_t i = asked.size() - 20; i < asked.size(); ++i)
+        connections.insert(asked[i].connection);
+    EXPECT_THAT(connections.size(), AllOf(Ge(2u), Le(4u)));
+}
+
+TEST_F(CurlPrefetchTest, serverThatTakesNoMoreConnectionsIsAskedOnThoseItHas)
+{
+    answerAfter(20ms);
+    server.stopAccepting();
+    server.limitBacklog(0);
+    const std::size_t before = server.requests().size();
+    const Headers headers = list(20);
+    curl.prefetchHeaders(headers);
+    for (const auto& request : headers)
+        EXPECT_TRUE(ask(request)) << request.url;
+    EXPECT_EQ(server.requests().size(), before + 20);
 }
 
 TEST_F(CurlPrefetchTest, lateAnswerOnAServedConnectionIsWaitedFor)

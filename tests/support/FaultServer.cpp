@@ -152,6 +152,13 @@ bool FaultServer::takeWorker()
     return !mStopping;
 }
 
+void FaultServer::limitBacklog(int count)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    if (listen(mListener, count) != 0)
+        raise("listen");
+}
+
 void FaultServer::stopAccepting()
 {
     const std::lock_guard<std::mutex> lock(mMutex);

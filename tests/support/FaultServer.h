@@ -120,6 +120,8 @@ public:
     void delayConnections(std::chrono::milliseconds time);
     /// Serves only so many connections at a time, each until the client closes it; the others wait.
     void limitWorkers(int count);
+    /// Lets the system hold only so many connections, and one more, that nobody has accepted.
+    void limitBacklog(int count);
     /// Accepts no further connections: the system takes them, nobody reads.
     void stopAccepting();
     /// Closes the listening socket, so that connecting is refused. Open connections stay.

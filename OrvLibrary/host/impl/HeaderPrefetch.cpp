@@ -146,6 +146,7 @@ void HeaderPrefetch::finish(Entry& entry)
     }
     if (entry.answer.answered) {
         noteOpened(entry);
+        noteServed(*entry.transfer);
         mUnansweredInRow = 0;
         mLastAnswer = HttpLimits::Clock::now();
         if (mRunning.size() == 1)
@@ -184,8 +185,8 @@ std::size_t HeaderPrefetch::width(const Entry& next) const
     // Nobody there: nothing is sent ahead any more, only when its turn has come.
     if (mUnansweredInRow >= static_cast<std::size_t>(mLimits.unansweredRequests))
         return 0;
-    if (mOneByOne)
-        return 1;
+    if (mHasStalled)
+        return mKeepsConnections ? std::max<std::size_t>(mServed.size(), 1) : 1;
     const std::string address = HttpAddress::hostAndPort(next.request.url);
     if (mConnections.isMultiplexing(address))
         return mReady * kStreams + mOpening;
@@ -201,7 +202,7 @@ bool HeaderPrefetch::mayOpen(const Entry& next) const
     const std::string address = HttpAddress::hostAndPort(next.request.url);
     const bool isFarAndLong = mEntries.size() >= kSpreadRequests && mConnections.isMultiplexing(address) &&
                               mConnections.latency(address) >= kSpreadLatency;
-    return isFarAndLong && !mOneByOne && mUnansweredInRow == 0 &&
+    return isFarAndLong && !mHasStalled && mUnansweredInRow == 0 &&
            mOpened + 1 < std::min(kSpreadConnections, mConnectionLimit);
 }
 
@@ -213,6 +214,13 @@ void HeaderPrefetch::noteOpened(Entry& entry)
     entry.isOpening = false;
     --mOpening;
     ++mReady;
+}
+
+void HeaderPrefetch::noteServed(const HttpTransfer& transfer) noexcept
+try {
+    mKeepsConnections = mKeepsConnections || !transfer.hasNewConnection();
+    mServed.insert(transfer.localPort());
+} catch (const std::bad_alloc&) {
 }
 
 void HeaderPrefetch::countConnections()
@@ -230,6 +238,13 @@ std::chrono::microseconds HeaderPrefetch::stallTime(const Entry& entry) const
     return std::max<std::chrono::microseconds>(kShortestStall, latency * kStallLatencies);
 }
 
+/// Whether the entry has waited too long for a server that may not have taken its connection.
+bool HeaderPrefetch::isStalled(const Entry& entry, TimePoint now) const
+{
+    return !entry.repeated && now - std::max(entry.started, mLastAnswer) >= stallTime(entry) &&
+           mConnections.mayBeUntaken(*entry.transfer, HttpAddress::hostAndPort(entry.request.url));
+}
+
 /// A server with few workers keeps each at a connection that has nothing more to ask, while the others wait.
 void HeaderPrefetch::repeatStalled(TimePoint now)
 {
@@ -238,12 +253,9 @@ void HeaderPrefetch::repeatStalled(TimePoint now)
     const std::vector<std::size_t> running = mRunning;
     for (const std::size_t index : running) {
         Entry& entry = mEntries[index];
-        const auto silence = now - std::max(entry.started, mLastAnswer);
-        // On a connection that was served before, the answer is only late.
-        if (entry.repeated || entry.transfer->isAnswered() || silence < stallTime(entry) ||
-            !entry.transfer->hasNewConnection())
+        if (!isStalled(entry, now))
             continue;
-        mOneByOne = true;
+        mHasStalled = true;
         mRunning.erase(std::find(mRunning.begin(), mRunning.end(), index));
         end(entry);
         entry.repeated = true;

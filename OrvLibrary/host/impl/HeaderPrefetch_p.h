@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,8 +17,8 @@
 /// does not pay to open more than one connection: it sees one request at a time, in the order of the calls
 /// and of what they lead to. One that carries many requests at once (HTTP/2) is enough for a short list or a
 /// server that is not far; else up to eight are opened together. A server that answers no more while
-/// connections wait for it has fewer workers than it has connections: then they are asked again, one after
-/// the other.
+/// connections wait for it has fewer workers than it has connections, or takes no more of them: then what
+/// waits is asked again, on the connections that were answered.
 class HeaderPrefetch
 {
 public:
@@ -66,9 +67,11 @@ private:
     void end(Entry& entry);
     void startWaiting();
     void repeatStalled(TimePoint now);
+    bool isStalled(const Entry& entry, TimePoint now) const;
     std::size_t width(const Entry& next) const;
     bool mayOpen(const Entry& next) const;
     void noteOpened(Entry& entry);
+    void noteServed(const HttpTransfer& transfer) noexcept;
     void countConnections();
     std::chrono::microseconds stallTime(const Entry& entry) const;
 
@@ -88,7 +91,11 @@ private:
     std::size_t mOpened = 0;
     std::size_t mUnansweredInRow = 0;
     TimePoint mLastAnswer{};
-    bool mOneByOne = false;
+    /// The server answered no more while connections waited for it.
+    bool mHasStalled = false;
+    /// Connections that were answered, by our port, and whether one was answered again.
+    std::set<long> mServed;
+    bool mKeepsConnections = false;
     /// The answer that came last is unlikely to make the caller ask for anything but the next header.
     bool mLastWord = true;
 };

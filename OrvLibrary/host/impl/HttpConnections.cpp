@@ -135,6 +135,13 @@ bool HttpConnections::isMultiplexing(const std::string& address) const
     return found != mExperiences.end() && found->second.isMultiplexing;
 }
 
+bool HttpConnections::mayBeUntaken(const HttpTransfer& transfer, const std::string& address) const
+{
+    // One that is to share a connection may have to wait for its turn.
+    return !transfer.isAnswered() &&
+           (transfer.hasNewConnection() || (!transfer.isConnected() && !isMultiplexing(address)));
+}
+
 void HttpConnections::noteAnswer(const HttpTransfer& transfer) noexcept
 try {
     curl_off_t connected = 0;

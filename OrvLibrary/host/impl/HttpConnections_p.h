@@ -63,6 +63,9 @@ public:
     std::chrono::microseconds latency(const std::string& address) const;
     /// Whether one connection to the address carries many requests at once; false when it is not known.
     bool isMultiplexing(const std::string& address) const;
+    /// Whether a running transfer without an answer may be one whose connection the server has not taken. On
+    /// a connection that was served before, the answer is only late.
+    bool mayBeUntaken(const HttpTransfer& transfer, const std::string& address) const;
     /// Notes the time, and the kind of connection, of a transfer that has just been answered; not where
     /// memory runs out.
     void noteAnswer(const HttpTransfer& transfer) noexcept;

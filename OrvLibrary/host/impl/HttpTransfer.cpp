@@ -157,6 +157,18 @@ bool HttpTransfer::hasNewConnection() const
     return curl_easy_getinfo(mHandle, CURLINFO_NUM_CONNECTS, &count) == CURLE_OK && count > 0;
 }
 
+long HttpTransfer::localPort() const
+{
+    long port = 0;
+    return curl_easy_getinfo(mHandle, CURLINFO_LOCAL_PORT, &port) == CURLE_OK ? port : 0;
+}
+
+bool HttpTransfer::isConnected() const
+{
+    curl_off_t time = 0;
+    return curl_easy_getinfo(mHandle, CURLINFO_PRETRANSFER_TIME_T, &time) == CURLE_OK && time > 0;
+}
+
 bool HttpTransfer::isConnectedSecurely() const
 {
     curl_off_t time = 0;

@@ -66,6 +66,10 @@ public:
     bool isAnswered() const { return mHeaderBytes > 0; }
     /// Whether a connection was opened for it; otherwise it has one that carried requests before.
     bool hasNewConnection() const;
+    /// The port of ours that its connection has; 0 without one. It tells connections apart.
+    long localPort() const;
+    /// Whether it has a connection that stands.
+    bool isConnected() const;
     /// Whether its protected connection stands.
     bool isConnectedSecurely() const;
 
