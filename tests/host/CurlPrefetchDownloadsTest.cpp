@@ -285,6 +285,20 @@ TEST_F(CurlPrefetchDownloadsTest, serverWithOneWorkerIsAskedInTurn)
     EXPECT_LT(time, 6s);
 }
 
+TEST_F(CurlPrefetchDownloadsTest, serverThatTakesNoMoreConnectionsIsAskedOnThoseItHas)
+{
+    const Downloads downloads = serve(10);
+    getAcquainted();
+    server.stopAccepting();
+    server.limitBacklog(0);
+    const auto time = timeOf([&] {
+        curl.prefetchDownloads(downloads);
+        for (const auto& download : downloads)
+            EXPECT_TRUE(get(download)) << reason;
+    });
+    EXPECT_LT(time, 10s);
+}
+
 TEST_F(CurlPrefetchDownloadsTest, serverThatRefusesMoreThanOneConnectionIsAskedOnThatOne)
 {
     const Downloads downloads = serve(40);

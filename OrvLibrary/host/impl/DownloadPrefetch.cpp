@@ -284,9 +284,7 @@ bool DownloadPrefetch::isStuck(const Entry& entry, TimePoint turn) const
     const std::string address = HttpAddress::hostAndPort(entry.announcement.request.url);
     const auto stall = std::max(kShortestStall, mConnections.latency(address) * kStallLatencies);
     const TimePoint since = std::max(turn, mLastArrival);
-    // On a connection that was served before, the answer is only late.
-    return !entry.transfer->isAnswered() && entry.transfer->hasNewConnection() &&
-           HttpLimits::Clock::now() - since >= stall;
+    return HttpLimits::Clock::now() - since >= stall && mConnections.mayBeUntaken(*entry.transfer, address);
 }
 
 /// Lets go of the connections that wait for a worker of the server.
@@ -296,7 +294,8 @@ void DownloadPrefetch::giveUp()
     const std::vector<std::size_t> running = mRunning;
     for (const std::size_t index : running) {
         Entry& entry = mEntries[index];
-        if (!entry.transfer->isAnswered() && entry.transfer->hasNewConnection() && &entry != mTurn)
+        const std::string address = HttpAddress::hostAndPort(entry.announcement.request.url);
+        if (mConnections.mayBeUntaken(*entry.transfer, address) && &entry != mTurn)
             discard(entry);
     }
 }
