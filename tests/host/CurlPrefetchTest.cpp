@@ -254,6 +254,20 @@ TEST_F(CurlPrefetchTest, lateAnswerOnAServedConnectionIsWaitedFor)
     EXPECT_EQ(server.requestsFor("/3").size(), 1u);
 }
 
+TEST_F(CurlPrefetchTest, lateAnswerOfAServerThatClosesConnectionsIsWaitedFor)
+{
+    server.otherwise([](const FaultRequest& request) {
+        FaultReply reply = FaultReply::ok("");
+        return reply.pauseAt(0, request.path() == "/3" ? 800ms : 0ms).close();
+    });
+    getAcquainted();
+    const Headers headers = list(6);
+    curl.prefetchHeaders(headers);
+    for (const auto& request : headers)
+        EXPECT_TRUE(ask(request));
+    EXPECT_EQ(server.requestsFor("/3").size(), 1u);
+}
+
 TEST_F(CurlPrefetchTest, redirectOfOneIsFollowedWhenItIsAsked)
 {
     answerAfter(15ms);

@@ -121,6 +121,9 @@ void HeaderPrefetch::start(Entry& entry)
         throw;
     }
     entry.state = State::Running;
+    entry.isAlone = mRunning.empty();
+    for (const std::size_t index : mRunning)
+        mEntries[index].isAlone = false;
     mRunning.push_back(static_cast<std::size_t>(&entry - mEntries.data()));
     mConnections.start(*entry.transfer);
 }
@@ -241,7 +244,8 @@ std::chrono::microseconds HeaderPrefetch::stallTime(const Entry& entry) const
 /// Whether the entry has waited too long for a server that may not have taken its connection.
 bool HeaderPrefetch::isStalled(const Entry& entry, TimePoint now) const
 {
-    return !entry.repeated && now - std::max(entry.started, mLastAnswer) >= stallTime(entry) &&
+    return !entry.repeated && !entry.isAlone &&
+           now - std::max(entry.started, mLastAnswer) >= stallTime(entry) &&
            mConnections.mayBeUntaken(*entry.transfer, HttpAddress::hostAndPort(entry.request.url));
 }
 

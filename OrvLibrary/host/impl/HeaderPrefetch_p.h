@@ -55,6 +55,8 @@ private:
         /// When it was sent first; the time for an answer counts from here.
         TimePoint startedFirst{};
         bool repeated = false;
+        /// No other was under way at the same time: nothing of ours can keep the server from it.
+        bool isAlone = false;
         /// Sent on a connection of its own that does not stand yet.
         bool isOpening = false;
         HttpAnswer answer;
