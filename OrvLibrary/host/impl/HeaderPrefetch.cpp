@@ -14,6 +14,8 @@ constexpr std::chrono::microseconds kNear = 5ms;
 /// Below this one the address is in the same house.
 constexpr std::chrono::microseconds kNotFar = 8ms;
 constexpr std::size_t kNotFarConnections = 8;
+/// So many are sent while the next ones are made, so that their answers are on the way.
+constexpr std::size_t kBurst = 8;
 /// Of requests that one connection carries at once; servers allow a hundred or more.
 constexpr std::size_t kStreams = 100;
 /// More connections that carry many requests pay from this many requests and this time to an answer on.
@@ -179,6 +181,8 @@ void HeaderPrefetch::startWaiting()
             ++mOpening;
         }
         start(entry);
+        if (mRunning.size() % kBurst == 0)
+            mConnections.send();
     }
 }
 

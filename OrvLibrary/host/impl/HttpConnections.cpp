@@ -205,10 +205,15 @@ void HttpConnections::stop(HttpTransfer& transfer)
     curl_multi_remove_handle(mMulti, transfer.handle());
 }
 
-bool HttpConnections::step()
+bool HttpConnections::send()
 {
     int running = 0;
-    const bool isWell = curl_multi_perform(mMulti, &running) == CURLM_OK;
+    return curl_multi_perform(mMulti, &running) == CURLM_OK;
+}
+
+bool HttpConnections::step()
+{
+    const bool isWell = send();
     collectResults();
     if (mPrefetch)
         mPrefetch->advance();

@@ -75,6 +75,8 @@ public:
     void release(CURL* handle) noexcept;
     void start(HttpTransfer& transfer);
     void stop(HttpTransfer& transfer);
+    /// Moves what goes on by itself. Ends and failures are left to the next step.
+    bool send();
     /// Moves every transfer on. False when the transfer library cannot, for lack of memory.
     bool step();
     /// Sleeps until there may be more to do.
