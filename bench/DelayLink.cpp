@@ -119,12 +119,14 @@ public:
     void run()
     {
         for (;;) {
+            // Both looks at what is due must be of one moment, or a piece may be passed over by either.
+            const auto now = Clock::now();
             std::vector<pollfd> polled{{0, POLLIN, 0}, {mListener, POLLIN, 0}};
             for (Connection& connection : mConnections) {
-                polled.push_back(watch(connection.up, connection.down));
-                polled.push_back(watch(connection.down, connection.up));
+                polled.push_back(watch(connection.up, connection.down, now));
+                polled.push_back(watch(connection.down, connection.up, now));
             }
-            const auto time = std::chrono::duration_cast<std::chrono::nanoseconds>(untilDue());
+            const auto time = std::chrono::duration_cast<std::chrono::nanoseconds>(untilDue(now));
             const timespec wait{time.count() / 1'000'000'000, time.count() % 1'000'000'000};
             ppoll(polled.data(), polled.size(), &wait, nullptr);
             if (polled[0].revents != 0)
@@ -136,22 +138,22 @@ public:
     }
 
 private:
-    static pollfd watch(const Lane& lane, const Lane& back)
+    static pollfd watch(const Lane& lane, const Lane& back, Clock::time_point now)
     {
         short events = 0;
         if (!lane.readEnded && lane.pieces.size() < kPiecesAtOnce)
             events |= POLLIN;
-        if (!back.pieces.empty() && back.pieces.front().due <= Clock::now() && !back.writeEnded)
+        if (!back.pieces.empty() && back.pieces.front().due <= now && !back.writeEnded)
             events |= POLLOUT;
         return {events == 0 ? -1 : lane.from, events, 0};
     }
 
-    Clock::duration untilDue() const
+    Clock::duration untilDue(Clock::time_point now) const
     {
-        Clock::time_point first = Clock::now() + std::chrono::seconds(1);
+        Clock::time_point first = now + std::chrono::seconds(1);
         for (const Connection& connection : mConnections) {
             for (const Lane* lane : {&connection.up, &connection.down}) {
-                const bool isLater = !lane->pieces.empty() && lane->pieces.front().due > Clock::now();
+                const bool isLater = !lane->pieces.empty() && lane->pieces.front().due > now;
                 if (isLater && lane->pieces.front().due < first)
                     first = lane->pieces.front().due;
             }
