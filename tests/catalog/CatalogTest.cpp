@@ -12,6 +12,9 @@ const char kIndex[] = "Orv_Core_Content_Index.txt";
 
 } // namespace
 
+const std::string CatalogTest::kOld = "old content";
+const std::string CatalogTest::kNew(5000, 'n');
+
 CatalogTest::CatalogTest()
     : mFormerStrings(StringTable::install(&mStrings)), mFormerCurl(Curl::install(&mCurl))
 {
@@ -56,6 +59,15 @@ ScriptedFile& CatalogTest::serve(const std::string& name, const std::string& bod
 void CatalogTest::serveIndex(const std::string& lines)
 {
     mCurl.files[kIndex].page = lines;
+}
+
+ScriptedFile& CatalogTest::changed(const std::string& name)
+{
+    const bool isArchive = name.size() > 4 && name.substr(name.size() - 4) == ".zip";
+    mArguments.core.insert(installed((isArchive ? "referenced/" : "core/") + name, kOld));
+    mHashLines += name + ":old\n";
+    installed("core/catalog_hash.txt", mHashLines);
+    return serve(name, kNew, "new");
 }
 
 std::int32_t CatalogTest::result() const

@@ -43,6 +43,9 @@ protected:
     /// Puts a file of `body` with `tag` on the service, and on its index when it is a core file.
     ScriptedFile& serve(const std::string& name, const std::string& body, const std::string& tag);
     void serveIndex(const std::string& lines);
+    /// A core catalog, or with ".zip" a referenced archive, that is installed as `kOld` with the tag "old",
+    /// and is `kNew` with the tag "new" on the service.
+    ScriptedFile& changed(const std::string& name);
 
     void run() { runUpdate(*mRecorder, mArguments); }
     std::int32_t result() const;
@@ -58,6 +61,11 @@ protected:
     ScriptedCurl mCurl;
     std::unique_ptr<SlotRecorder> mRecorder = std::make_unique<SlotRecorder>();
     UpdateArguments mArguments;
+
+    static const std::string kOld;
+    static const std::string kNew;
+    /// The core hash file as `changed` wrote it last.
+    std::string mHashLines;
 
 private:
     StringTable* mFormerStrings;

@@ -1,7 +1,6 @@
 #include "tests/catalog/CatalogTest.h"
 
 #include <filesystem>
-#include <stdexcept>
 
 #include <sys/stat.h>
 
@@ -14,30 +13,16 @@ using testing::IsEmpty;
 
 namespace {
 
-const std::string kOld = "old content";
-const std::string kNew(5000, 'n');
-
-/// Core-only runs; `changed` adds a core catalog that is installed with tag "old" and new at the service.
+/// Core-only runs.
 class LibraryCatalogUpdaterInstall : public test::CatalogTest
 {
 protected:
     LibraryCatalogUpdaterInstall() { mArguments.coreOnly = true; }
 
-    test::ScriptedFile& changed(const std::string& name)
-    {
-        const bool isArchive = name.size() > 4 && name.substr(name.size() - 4) == ".zip";
-        mArguments.core.insert(installed((isArchive ? "referenced/" : "core/") + name, kOld));
-        mHashLines += name + ":old\n";
-        installed("core/catalog_hash.txt", mHashLines);
-        return serve(name, kNew, "new");
-    }
-
     std::string urlOf(const std::string& name) const
     {
         return "http://service.test/content?key=1&library=" + name + "&product=Orv&version=7";
     }
-
-    std::string mHashLines;
 };
 
 /// Folders that lose a file when the core folder is asked for.
@@ -394,70 +379,4 @@ TEST_F(LibraryCatalogUpdaterInstall, permissionsThatCannotBeSetAreLoggedWithTheF
     EXPECT_THAT(logMessages(), ElementsAre("Error setting file permissions: Unknown error\n"));
     EXPECT_THAT(mCurl.asked("GET"), ElementsAre("a.orvlib", "b.orvlib")) << "the run goes on";
     EXPECT_EQ(mRecorder->texts().back(), "closeCatalogUpdateEvent(1, 0x10369189, [a, b])");
-}
-
-TEST_F(LibraryCatalogUpdaterInstall, downloadsAreAnnouncedExactlyAsTheyAreMade)
-{
-    changed("a.orvlib");
-    changed("b.orvlib").body = std::string(1, 'x');
-    changed("Tex.zip");
-    serve("current.orvlib", kNew, "old");
-    std::vector<fileString> targets;
-    for (const char* name : {"Tex.zip", "a.orvlib", "b.orvlib"})
-        mCurl.files[name].afterDownload = [&](const fileString& target) { targets.push_back(target); };
-    run();
-    ASSERT_EQ(mCurl.downloadAnnouncements.size(), 2u);
-    const auto& [before, announced] = mCurl.downloadAnnouncements[0];
-    ASSERT_EQ(announced.size(), 3u);
-    EXPECT_EQ(mCurl.asked("GET"), (std::vector<std::string>{"Tex.zip", "a.orvlib", "b.orvlib"}));
-    ASSERT_EQ(targets.size(), 3u);
-    const std::size_t first = mCurl.requestHeaders.size() - 3;
-    for (std::size_t i = 0; i < 3; ++i) {
-        EXPECT_EQ("GET " + announced[i].url, mCurl.requests[before + i]);
-        EXPECT_EQ(announced[i].headerLines, mCurl.requestHeaders[first + i]);
-        EXPECT_EQ(announced[i].target, targets[i]);
-    }
-    EXPECT_EQ(announced[0].size, 5000);
-    EXPECT_EQ(announced[2].size, 1);
-    EXPECT_EQ(mCurl.downloadAnnouncements[1].first, before + 3);
-    EXPECT_THAT(mCurl.downloadAnnouncements[1].second, IsEmpty());
-}
-
-TEST_F(LibraryCatalogUpdaterInstall, announcementEndsWithACancelAndWithAFailedInstallation)
-{
-    changed("a.orvlib").body.clear();
-    mCurl.files["a.orvlib"].headerLines = "ETag: \"new\"\r\nContent-Length: 5000\r\n";
-    changed("b.orvlib");
-    run();
-    EXPECT_EQ(mCurl.asked("GET"), std::vector<std::string>{"a.orvlib"});
-    ASSERT_EQ(mCurl.downloadAnnouncements.size(), 2u);
-    EXPECT_THAT(mCurl.downloadAnnouncements[1].second, IsEmpty());
-    mCurl.downloadAnnouncements.clear();
-    mCurl.requests.clear();
-    mCurl.onRequest = [](const std::string& request) {
-        if (request.rfind("GET ", 0) == 0)
-            LibraryCatalogUpdater::killDownload();
-    };
-    run();
-    EXPECT_EQ(mCurl.asked("GET"), (std::vector<std::string>{"a.orvlib", "b.orvlib"}));
-    ASSERT_GE(mCurl.downloadAnnouncements.size(), 3u);
-    const std::size_t made = mCurl.downloadAnnouncements[0].first;
-    EXPECT_EQ(mCurl.downloadAnnouncements[1].first, made + 1) << "discarded before the next one is tried";
-    EXPECT_THAT(mCurl.downloadAnnouncements[1].second, IsEmpty());
-}
-
-TEST_F(LibraryCatalogUpdaterInstall, nothingIsAnnouncedWhenNothingIsToBeFetched)
-{
-    mArguments.core.insert(installed("core/a.orvlib", kOld));
-    serve("a.orvlib", kNew, test::sha1Of(kOld));
-    run();
-    EXPECT_THAT(mCurl.downloadAnnouncements, IsEmpty());
-}
-
-TEST_F(LibraryCatalogUpdaterInstall, serviceThatCannotBeToldOfDownloadsIsAskedInTurn)
-{
-    changed("a.orvlib");
-    mCurl.onAnnouncement = [] { throw std::runtime_error("not this one"); };
-    run();
-    EXPECT_EQ(result(), 2);
 }

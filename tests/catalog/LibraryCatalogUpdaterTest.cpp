@@ -18,8 +18,6 @@ namespace {
 
 using LibraryCatalogUpdaterRun = test::CatalogTest;
 
-const std::string kNew(5000, 'n');
-
 struct ResultRow
 {
     bool hadError;
