@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "OrvLibrary/host/impl/ZipArchive_p.h"
+#include "OrvLibrary/host/impl/zip/ZipArchive_p.h"
 
 namespace fuzz {
 

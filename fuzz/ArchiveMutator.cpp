@@ -6,7 +6,7 @@
 
 #include <zlib.h>
 
-#include "OrvLibrary/host/impl/ZipFormat_p.h"
+#include "OrvLibrary/host/impl/zip/ZipFormat_p.h"
 
 using namespace ZipUtils;
 

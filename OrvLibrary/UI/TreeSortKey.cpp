@@ -1,7 +1,7 @@
 #include "OrvLibrary/UI/TreeSortKey_p.h"
 
 #include "OrvLibrary/host/StringUtils.h"
-#include "OrvLibrary/host/impl/UserLocale_p.h"
+#include "OrvLibrary/host/impl/text/UserLocale_p.h"
 
 namespace Library {
 

@@ -10,7 +10,7 @@
 #include "OrvLibrary/IO/LibraryImport_p.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
-#include "OrvLibrary/host/impl/ZipMember_p.h"
+#include "OrvLibrary/host/impl/zip/ZipMember_p.h"
 #include "tests/support/ArchiveBuilder.h"
 #include "tests/support/ArchiveReader.h"
 #include "tests/support/RecordingProgress.h"

@@ -8,7 +8,7 @@
 
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/host/WebUtils.h"
-#include "OrvLibrary/host/impl/CurlService_p.h"
+#include "OrvLibrary/host/impl/http/CurlService_p.h"
 #include "tests/allocation-sweeps/AllocationPlan.h"
 #include "tests/allocation-sweeps/AllocationScenario.h"
 #include "tests/support/ArchiveBuilder.h"

@@ -1,4 +1,4 @@
-#include "OrvLibrary/host/impl/AddressGuard_p.h"
+#include "OrvLibrary/host/impl/http/AddressGuard_p.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "OrvLibrary/host/impl/BodyDigest_p.h"
+#include "OrvLibrary/host/impl/http/BodyDigest_p.h"
 
 #include <gtest/gtest.h>
 

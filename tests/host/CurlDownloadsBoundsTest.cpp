@@ -1,7 +1,7 @@
 // How much is fetched ahead, and what makes room for more.
 #include <numeric>
 
-#include "OrvLibrary/host/impl/DownloadPrefetch_p.h"
+#include "OrvLibrary/host/impl/http/DownloadPrefetch_p.h"
 #include "tests/host/CurlDownloadsFixture.h"
 
 using namespace std::chrono_literals;

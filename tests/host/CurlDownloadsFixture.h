@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "OrvLibrary/host/FileUtils.h"
-#include "OrvLibrary/host/impl/ReplacementFile_p.h"
+#include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
 #include "tests/host/CurlFixture.h"
 
 namespace test {

@@ -7,7 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/host/impl/CurlService_p.h"
+#include "OrvLibrary/host/impl/http/CurlService_p.h"
 #include "tests/support/FaultServer.h"
 #include "tests/support/ScopedHost.h"
 

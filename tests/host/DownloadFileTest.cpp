@@ -7,7 +7,7 @@
 
 #include <sys/resource.h>
 
-#include "OrvLibrary/host/impl/DownloadFile_p.h"
+#include "OrvLibrary/host/impl/http/DownloadFile_p.h"
 #include "tests/support/TempFolder.h"
 
 namespace test {

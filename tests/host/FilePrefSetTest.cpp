@@ -14,7 +14,7 @@
 #include <gmock/gmock.h>
 
 #include "OrvLibrary/host/PreferenceEngine.h"
-#include "OrvLibrary/host/impl/PrefFile_p.h"
+#include "OrvLibrary/host/impl/services/PrefFile_p.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TempFolder.h"
 

@@ -9,8 +9,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "OrvLibrary/host/impl/FileUtilsMove_p.h"
-#include "OrvLibrary/host/impl/ReplacementFile_p.h"
+#include "OrvLibrary/host/impl/files/FileUtilsMove_p.h"
+#include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TempFolder.h"
 

@@ -4,7 +4,7 @@
 #include <thread>
 
 #include "OrvLibrary/host/FileUtils.h"
-#include "OrvLibrary/host/impl/FileHandle_p.h"
+#include "OrvLibrary/host/impl/files/FileHandle_p.h"
 #include "tests/host/LockingFStreamFixture.h"
 #include "tests/support/ChildProcess.h"
 

@@ -8,7 +8,7 @@
 
 #include <gmock/gmock.h>
 
-#include "OrvLibrary/host/impl/DefaultMessagingSystem_p.h"
+#include "OrvLibrary/host/impl/services/DefaultMessagingSystem_p.h"
 #include "tests/support/RecordingServices.h"
 #include "tests/support/StubServices.h"
 

@@ -1,4 +1,4 @@
-#include "OrvLibrary/host/impl/ProgressPacer_p.h"
+#include "OrvLibrary/host/impl/http/ProgressPacer_p.h"
 
 #include <chrono>
 #include <vector>
@@ -6,7 +6,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/host/impl/SpeedGuard_p.h"
+#include "OrvLibrary/host/impl/http/SpeedGuard_p.h"
 
 using testing::ElementsAre;
 using namespace std::chrono_literals;

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/host/fileString.h"
-#include "OrvLibrary/host/impl/ReplacementFile_p.h"
+#include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
 
 TEST(ReplacementFile, theNameBesideFitsAndBelongsToItsTargetAlone)
 {

@@ -8,8 +8,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "OrvLibrary/host/impl/FileHandle_p.h"
-#include "OrvLibrary/host/impl/SHA1_p.h"
+#include "OrvLibrary/host/impl/files/FileHandle_p.h"
+#include "OrvLibrary/host/impl/files/SHA1_p.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TempFolder.h"
 

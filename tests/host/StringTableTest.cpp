@@ -10,7 +10,7 @@
 #include <gmock/gmock.h>
 
 #include "OrvLibrary/host/StringUtils.h"
-#include "OrvLibrary/host/impl/DefaultStringTable_p.h"
+#include "OrvLibrary/host/impl/services/DefaultStringTable_p.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "OrvLibrary/host/impl/TempNames_p.h"
+#include "OrvLibrary/host/impl/files/TempNames_p.h"
 
 #include <filesystem>
 

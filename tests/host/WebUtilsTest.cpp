@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/host/impl/HttpHeaderBlock_p.h"
+#include "OrvLibrary/host/impl/http/HttpHeaderBlock_p.h"
 #include "tests/support/StubServices.h"
 
 using testing::ElementsAre;

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/host/impl/ZipMember_p.h"
+#include "OrvLibrary/host/impl/zip/ZipMember_p.h"
 #include "tests/support/ArchiveBuilder.h"
 
 using test::ArchiveBuilder;

@@ -11,7 +11,7 @@
 #include <malloc.h>
 #include <unistd.h>
 
-#include "OrvLibrary/host/impl/CurlService_p.h"
+#include "OrvLibrary/host/impl/http/CurlService_p.h"
 #include "tests/catalog/UpdateRun.h"
 #include "tests/soak/SoakService.h"
 #include "tests/support/ScopedHost.h"

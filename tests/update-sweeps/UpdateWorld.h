@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/host/impl/CurlService_p.h"
+#include "OrvLibrary/host/impl/http/CurlService_p.h"
 #include "tests/catalog/UpdateRun.h"
 #include "tests/support/FaultServer.h"
 #include "tests/support/ScopedHost.h"

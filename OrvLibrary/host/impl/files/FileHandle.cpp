@@ -1,0 +1,188 @@
+#include "OrvLibrary/host/impl/files/FileHandle_p.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include "OrvLibrary/host/fileString.h"
+
+namespace host {
+
+namespace {
+
+constexpr std::size_t kCopyPiece = 1024 * 1024;
+constexpr std::chrono::milliseconds kFirstLockPause{1};
+constexpr std::chrono::milliseconds kLongestLockPause{20};
+
+bool writeAll(int descriptor, const char* data, std::size_t size)
+{
+    while (size > 0) {
+        const ssize_t written = write(descriptor, data, size);
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written < 0)
+            return false;
+        data += written;
+        size -= static_cast<std::size_t>(written);
+    }
+    return true;
+}
+
+/// Lets the kernel copy, as far as it will.
+/// @return false for a failure that another way of copying would meet too
+bool copyInKernel(int from, int to)
+{
+    ssize_t copied = 0;
+    do {
+        copied = copy_file_range(from, nullptr, to, nullptr, SIZE_MAX / 4, 0);
+    } while (copied > 0 || (copied < 0 && errno == EINTR));
+    return copied == 0 || errno == EXDEV || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP ||
+           errno == EPERM;
+}
+
+bool copyByPieces(int from, int to)
+{
+    std::vector<char> piece(kCopyPiece);
+    for (;;) {
+        const ssize_t count = read(from, piece.data(), piece.size());
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            return count == 0;
+        if (!writeAll(to, piece.data(), static_cast<std::size_t>(count)))
+            return false;
+    }
+}
+
+} // namespace
+
+FileHandle& FileHandle::operator=(FileHandle&& other) noexcept
+{
+    std::swap(mDescriptor, other.mDescriptor);
+    return *this;
+}
+
+int FileHandle::release()
+{
+    return std::exchange(mDescriptor, -1);
+}
+
+void FileHandle::reset()
+{
+    const int reason = errno;
+    if (mDescriptor >= 0)
+        close(std::exchange(mDescriptor, -1));
+    errno = reason;
+}
+
+bool isUsable(const std::string& path)
+{
+    if (path.find('\0') == std::string::npos)
+        return true;
+    errno = ENOENT;
+    return false;
+}
+
+std::optional<struct stat> fileStatus(const std::string& path)
+{
+    struct stat status = {};
+    if (!isUsable(path) || stat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    return status;
+}
+
+std::optional<struct stat> linkStatus(const std::string& path)
+{
+    struct stat status = {};
+    if (!isUsable(path) || lstat(path.c_str(), &status) != 0)
+        return std::nullopt;
+    return status;
+}
+
+bool nameIsTaken(const std::string& path)
+{
+    return linkStatus(path).has_value();
+}
+
+bool mayWrite(const std::string& path, const struct stat& status)
+{
+    const mode_t bits = status.st_uid == geteuid() ? S_IWUSR : S_IWUSR | S_IWGRP | S_IWOTH;
+    if ((status.st_mode & bits) == 0)
+        return false;
+    // What another process has removed since then is in nobody's way.
+    return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0 || errno == ENOENT;
+}
+
+FileHandle openFile(const std::string& path, int flags, mode_t mode)
+{
+    if (!isUsable(path))
+        return {};
+    int descriptor = -1;
+    do {
+        descriptor = open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, mode);
+    } while (descriptor < 0 && errno == EINTR);
+    return FileHandle(descriptor);
+}
+
+FileHandle openRegularFile(const std::string& path)
+{
+    FileHandle file = openFile(path, O_RDONLY);
+    struct stat status = {};
+    if (!file || fstat(file.get(), &status) != 0)
+        return {};
+    if (S_ISREG(status.st_mode))
+        return file;
+    errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+    return {};
+}
+
+FileHandle openForLock(const std::string& path, int extraFlags)
+{
+    FileHandle file = openFile(path, O_RDONLY | extraFlags);
+    if (!file && errno == EACCES)
+        file = openFile(path, O_WRONLY | extraFlags);
+    return file;
+}
+
+bool waitForLock(int descriptor, int lock, Deadline deadline)
+{
+    auto pause = kFirstLockPause;
+    while (flock(descriptor, lock | LOCK_NB) != 0) {
+        if (errno == EINTR)
+            continue;
+        if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= deadline)
+            return false;
+        std::this_thread::sleep_for(pause);
+        pause = std::min(pause * 2, kLongestLockPause);
+    }
+    return true;
+}
+
+bool namesFile(const std::string& path, int descriptor)
+{
+    const auto named = fileStatus(path);
+    struct stat opened = {};
+    return named && fstat(descriptor, &opened) == 0 && named->st_dev == opened.st_dev &&
+           named->st_ino == opened.st_ino;
+}
+
+bool copyContent(int from, int to)
+{
+    // The second way also ends the first: some file systems end an in-kernel copy early.
+    return copyInKernel(from, to) && copyByPieces(from, to);
+}
+
+bool syncFolderOf(const std::string& path)
+{
+    const std::string folder = fileString(path).parentPathWithSeparator().toNativeString();
+    const FileHandle handle = openFile(folder.empty() ? "." : folder, O_RDONLY | O_DIRECTORY);
+    return handle && (fsync(handle.get()) == 0 || errno == EINVAL || errno == ENOTSUP);
+}
+
+} // namespace host

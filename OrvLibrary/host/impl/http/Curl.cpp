@@ -1,0 +1,51 @@
+#include "OrvLibrary/host/Curl.h"
+
+#include <atomic>
+
+#include "OrvLibrary/host/impl/http/CurlService_p.h"
+
+namespace {
+
+std::atomic<Curl*> installed{nullptr};
+
+} // namespace
+
+CurlService& defaultCurlService()
+{
+    // Never destroyed: a worker thread may still be on its way when the process ends.
+    static CurlService* const service = new CurlService;
+    return *service;
+}
+
+Curl::Curl() = default;
+Curl::~Curl() = default;
+
+std::string Curl::urlAfterRedirects(const std::string& url)
+{
+    return defaultCurlService().urlAfterRedirects(url);
+}
+
+void Curl::prefetchHeaders(const std::vector<HeaderRequest>&) {}
+
+void Curl::prefetchDownloads(const std::vector<DownloadRequest>&) {}
+
+void Curl::setProxy(const std::string& proxy)
+{
+    defaultCurlService().setProxy(proxy);
+}
+
+void Curl::setConnectionLimit(int connections)
+{
+    defaultCurlService().setConnectionLimit(connections);
+}
+
+Curl& Curl::get()
+{
+    Curl* const service = installed;
+    return service ? *service : defaultCurlService();
+}
+
+Curl* Curl::install(Curl* service)
+{
+    return installed.exchange(service);
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <chrono>
+#include <mutex>
+
+#include "OrvLibrary/host/Curl.h"
+#include "OrvLibrary/host/impl/http/AddressGuard_p.h"
+#include "OrvLibrary/host/impl/http/HttpChain_p.h"
+#include "OrvLibrary/host/impl/http/HttpLimits_p.h"
+
+/// The default download service, on libcurl. May be used from any thread: what threads share is the guard of
+/// addresses that do not answer, and the settings.
+class CurlService : public Curl
+{
+public:
+    explicit CurlService(const HttpLimits& limits = HttpLimits());
+
+    bool downloadable(const std::string& url) override;
+    fileString download(const std::string& url) override;
+    bool download_to_location(const std::string& url, const fileString& target, std::string& reason) override;
+    bool download_to_location(const std::string& url, const fileString& target,
+                              const std::vector<std::string>& headerLines, void* context,
+                              ProgressFunction progress, std::string& reason, int& errorNumber) override;
+    bool getURLHeader(const std::string& url, const std::vector<std::string>& headerLines,
+                      std::string& headerText, std::int64_t& status) override;
+    bool browseURL(const std::string& url, const std::vector<std::string>& headerLines, std::string& body,
+                   bool followRedirects, int timeoutSeconds) override;
+    void prefetchHeaders(const std::vector<HeaderRequest>& requests) override;
+    void prefetchDownloads(const std::vector<DownloadRequest>& requests) override;
+    std::string urlAfterRedirects(const std::string& url) override;
+
+    void setProxy(const std::string& proxy);
+    /// Clamped to what is possible: from 1 to 96.
+    void setConnectionLimit(int connections);
+    /// Opens every address that was closed for lack of answers.
+    void forgetUnanswered() { mGuard.reset(); }
+
+private:
+    static constexpr int kMostConnections = 96;
+    /// Bodies are fetched ahead for so many downloads, and from an address that takes so long to answer.
+    static constexpr std::size_t kFewestAhead = 4;
+    static constexpr std::chrono::milliseconds kFarAddress{5};
+
+    int connectionLimit();
+    HttpRequest request(const std::string& url, const std::vector<std::string>& headerLines);
+    bool paysAhead(const HttpConnections& connections, const DownloadRequest& request);
+
+    const HttpLimits mLimits;
+    AddressGuard mGuard;
+    std::mutex mSettingsMutex;
+    std::string mProxy;
+    int mConnectionLimit = kMostConnections;
+};
+
+/// The one behind `Curl::get` when the host has installed none.
+CurlService& defaultCurlService();

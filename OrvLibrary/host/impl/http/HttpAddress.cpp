@@ -1,0 +1,184 @@
+#include "OrvLibrary/host/impl/http/HttpAddress_p.h"
+
+#include <algorithm>
+#include <cctype>
+#include <iterator>
+
+namespace {
+
+char lower(char c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+std::string lowered(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(), lower);
+    return text;
+}
+
+bool isHexDigit(char c)
+{
+    return std::isxdigit(static_cast<unsigned char>(c)) != 0;
+}
+
+bool isSchemeCharacter(char c)
+{
+    return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '+' || c == '-' || c == '.';
+}
+
+/// An address cut into its parts; each keeps the characters that introduce it, so that joining them gives the
+/// address again.
+struct Parts
+{
+    std::string scheme;    // "http:"
+    std::string authority; // "//host:port"
+    std::string path;
+    std::string query;    // "?" and what follows, perhaps nothing
+    std::string fragment; // "#" and what follows
+};
+
+std::string takeUntil(std::string& rest, const char* ends, std::size_t from = 0)
+{
+    const std::size_t end = std::min(rest.find_first_of(ends, from), rest.size());
+    std::string part = rest.substr(0, end);
+    rest.erase(0, end);
+    return part;
+}
+
+Parts split(std::string rest)
+{
+    Parts parts;
+    const std::string name = HttpAddress::scheme(rest);
+    if (!name.empty()) {
+        parts.scheme = rest.substr(0, name.size() + 1);
+        rest.erase(0, parts.scheme.size());
+    }
+    if (rest.compare(0, 2, "//") == 0)
+        parts.authority = takeUntil(rest, "/?#", 2);
+    parts.path = takeUntil(rest, "?#");
+    parts.query = takeUntil(rest, "#");
+    parts.fragment = rest;
+    return parts;
+}
+
+/// Takes "." and ".." segments out of a path.
+std::string withoutDotSegments(const std::string& path)
+{
+    std::string result;
+    std::size_t at = 0;
+    while (at < path.size()) {
+        const std::size_t next = std::min(path.find('/', at + 1), path.size());
+        const std::string segment = path.substr(at, next - at);
+        const bool isLast = next == path.size();
+        if (segment == "/.." || segment == "..") {
+            const std::size_t slash = result.rfind('/');
+            result.erase(slash == std::string::npos ? 0 : slash);
+        } else if (segment != "/." && segment != ".") {
+            result += segment;
+        }
+        const bool isDots = segment == "/.." || segment == "/." || segment == ".." || segment == ".";
+        if (isLast && isDots)
+            result += '/';
+        at = next;
+    }
+    return result;
+}
+
+/// The path of a relative reference, put in the place of what follows the base path's last "/".
+std::string mergedPath(const Parts& base, const std::string& path)
+{
+    const std::size_t slash = base.path.rfind('/');
+    return withoutDotSegments((slash == std::string::npos ? "/" : base.path.substr(0, slash + 1)) + path);
+}
+
+/// A "//host:port" without user names.
+std::string hostText(const std::string& authority)
+{
+    const std::size_t at = authority.rfind('@');
+    return authority.substr(at == std::string::npos ? std::min<std::size_t>(2, authority.size()) : at + 1);
+}
+
+} // namespace
+
+namespace HttpAddress {
+
+std::string scheme(const std::string& url)
+{
+    const auto end = std::find_if_not(url.begin(), url.end(), isSchemeCharacter);
+    const bool startsWell = !url.empty() && std::isalpha(static_cast<unsigned char>(url.front())) != 0;
+    return startsWell && end != url.end() && *end == ':' ? lowered({url.begin(), end}) : std::string();
+}
+
+bool isWebAddress(const std::string& url)
+{
+    return !hostAndPort(url).empty();
+}
+
+std::string hostAndPort(const std::string& url)
+{
+    const std::string name = scheme(url);
+    if (name != "http" && name != "https")
+        return {};
+    const std::string text = lowered(hostText(split(url).authority));
+    // A colon inside the brackets of an IPv6 host starts no port.
+    const std::size_t bracket = text.rfind(']');
+    const std::size_t colon = text.find(':', bracket == std::string::npos ? 0 : bracket);
+    const std::string host = text.substr(0, colon);
+    if (host.empty())
+        return {};
+    const std::string port = colon == std::string::npos ? std::string() : text.substr(colon + 1);
+    return host + ":" + (port.empty() ? (name == "https" ? "443" : "80") : port);
+}
+
+std::string wireText(const std::string& url)
+{
+    static const char digits[] = "0123456789ABCDEF";
+    std::string result;
+    result.reserve(url.size());
+    for (std::size_t i = 0; i < url.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(url[i]);
+        const bool isBarePercent =
+            byte == '%' && !(i + 2 < url.size() && isHexDigit(url[i + 1]) && isHexDigit(url[i + 2]));
+        if (byte > 0x20 && byte < 0x7F && !isBarePercent) {
+            result += url[i];
+            continue;
+        }
+        result += '%';
+        result += digits[byte >> 4];
+        result += digits[byte & 15];
+    }
+    return result;
+}
+
+std::string wireHeaderLine(const std::string& line)
+{
+    std::string result;
+    std::copy_if(line.begin(), line.end(), std::back_inserter(result), [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte >= 0x20 && byte != 0x7F;
+    });
+    return result;
+}
+
+std::string resolve(const std::string& base, const std::string& reference)
+{
+    const Parts from = split(base);
+    const Parts to = split(reference);
+    if (!to.scheme.empty())
+        return reference;
+    if (!to.authority.empty())
+        return from.scheme + reference;
+    const std::string place = from.scheme + from.authority;
+    if (to.path.empty())
+        return place + from.path + (to.query.empty() ? from.query : to.query) + to.fragment;
+    const std::string path = to.path.front() == '/' ? withoutDotSegments(to.path) : mergedPath(from, to.path);
+    return place + path + to.query + to.fragment;
+}
+
+bool mayLead(const std::string& from, const std::string& to)
+{
+    return isWebAddress(to) && (scheme(from) != "https" || scheme(to) == "https");
+}
+
+} // namespace HttpAddress

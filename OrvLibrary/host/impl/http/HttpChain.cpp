@@ -1,0 +1,112 @@
+#include "OrvLibrary/host/impl/http/HttpChain_p.h"
+
+#include <algorithm>
+#include <set>
+
+#include "OrvLibrary/host/WebUtils.h"
+#include "OrvLibrary/host/impl/http/HeaderPrefetch_p.h"
+#include "OrvLibrary/host/impl/http/HttpAddress_p.h"
+
+namespace {
+
+HttpAnswer failure(int error, const std::string& text)
+{
+    HttpAnswer answer;
+    answer.error = error;
+    answer.errorText = text;
+    return answer;
+}
+
+bool isRedirect(std::int64_t status)
+{
+    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+}
+
+/// Where an answer leads; empty when it leads nowhere.
+std::string redirectTarget(const std::string& url, const HttpAnswer& answer)
+{
+    const bool wasEnded =
+        answer.error == CURLE_ABORTED_BY_CALLBACK || answer.error == CURLE_OPERATION_TIMEDOUT;
+    if (wasEnded || !isRedirect(answer.status))
+        return {};
+    WebUtils::HeaderMap headers;
+    WebUtils::parseReturnHeader(answer.headerText, headers);
+    const auto location = headers.find("Location");
+    if (location == headers.end() || location->second.front().empty())
+        return {};
+    return HttpAddress::resolve(url, location->second.front());
+}
+
+/// Header lines that are meant for one server only.
+bool isSecret(const std::string& line)
+{
+    const WebUtils::HeaderNameCompare less;
+    const std::string name = line.substr(0, line.find(':'));
+    const auto equals = [&](const char* secret) { return !less(name, secret) && !less(secret, name); };
+    return equals("Authorization") || equals("Cookie");
+}
+
+void removeSecrets(std::vector<std::string>& lines)
+{
+    lines.erase(std::remove_if(lines.begin(), lines.end(), isSecret), lines.end());
+}
+
+/// Whether the answer to a request that was sent ahead is none, for a reason that need not hold when it is
+/// sent alone: a server may refuse several connections at once.
+bool isWorthAnotherTry(const HttpAnswer& answer)
+{
+    return !answer.answered && answer.error != CURLE_OPERATION_TIMEDOUT;
+}
+
+} // namespace
+
+HttpChain::HttpChain(HttpConnections& connections, AddressGuard& guard, const HttpLimits& limits,
+                     HttpLimits::Clock::time_point deadline)
+    : mConnections(connections), mGuard(guard), mLimits(limits), mDeadline(deadline)
+{
+}
+
+HttpAnswer HttpChain::run(HttpRequest request, HttpBody& body, bool follow)
+{
+    if (!HttpAddress::isWebAddress(request.url))
+        return failure(CURLE_UNSUPPORTED_PROTOCOL, "not a web address: " + request.url);
+    std::set<std::string> visited;
+    for (int redirects = 0;; ++redirects) {
+        mUrl = request.url;
+        visited.insert(mUrl);
+        HttpAnswer answer = send(request, body);
+        const std::string target = follow ? redirectTarget(mUrl, answer) : std::string();
+        if (target.empty())
+            return answer;
+        if (redirects == mLimits.redirects)
+            return failure(CURLE_TOO_MANY_REDIRECTS, "too many redirects");
+        if (!HttpAddress::mayLead(mUrl, target))
+            return failure(CURLE_UNSUPPORTED_PROTOCOL, "redirect to a forbidden address: " + target);
+        if (visited.count(target) != 0)
+            return failure(CURLE_TOO_MANY_REDIRECTS, "redirects in a circle");
+        if (HttpAddress::hostAndPort(target) != HttpAddress::hostAndPort(mUrl))
+            removeSecrets(request.headerLines);
+        request.url = target;
+    }
+}
+
+bool HttpChain::takePrefetched(const HttpRequest& request, HttpAnswer& answer)
+{
+    const BrokenPipeBlock block;
+    return request.headerOnly && mConnections.prefetch() && mConnections.prefetch()->take(request, answer);
+}
+
+HttpAnswer HttpChain::send(const HttpRequest& request, HttpBody& body)
+{
+    const std::string address = HttpAddress::hostAndPort(request.url);
+    if (!mGuard.isOpen(address))
+        return failure(CURLE_COULDNT_CONNECT, "no answer from " + address + " a moment ago");
+    HttpAnswer answer;
+    if (!takePrefetched(request, answer) || isWorthAnotherTry(answer))
+        answer = mConnections.perform(request, body, mLimits, mDeadline);
+    if (answer.answered)
+        mGuard.answered(address);
+    else if (answer.error != CURLE_ABORTED_BY_CALLBACK)
+        mGuard.unanswered(address);
+    return answer;
+}

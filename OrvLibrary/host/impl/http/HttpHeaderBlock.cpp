@@ -1,0 +1,46 @@
+#include "OrvLibrary/host/impl/http/HttpHeaderBlock_p.h"
+
+namespace {
+
+bool isBlank(char c)
+{
+    return c == ' ' || c == '\t';
+}
+
+std::string withoutLineEnd(std::string line)
+{
+    while (!line.empty() && (line.back() == '\n' || line.back() == '\r'))
+        line.pop_back();
+    return line;
+}
+
+/// Joins a folded line to the one before it, with one blank in place of the fold.
+void unfold(std::string& text, const std::string& line)
+{
+    std::size_t start = 0;
+    while (start < line.size() && isBlank(line[start]))
+        ++start;
+    text.erase(text.size() - 2);
+    text += ' ' + line.substr(start) + "\r\n";
+}
+
+} // namespace
+
+void HttpHeaderBlock::addLine(const std::string& line)
+{
+    const std::string content = withoutLineEnd(line);
+    if (mComplete) {
+        if (content.compare(0, 5, "HTTP/") != 0)
+            return;
+        mText.clear();
+        mComplete = false;
+    }
+    if (content.empty()) {
+        mText += "\r\n";
+        mComplete = true;
+    } else if (isBlank(content.front()) && !mText.empty()) {
+        unfold(mText, content);
+    } else {
+        mText += content + "\r\n";
+    }
+}

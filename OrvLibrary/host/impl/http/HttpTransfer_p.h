@@ -1,0 +1,110 @@
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <curl/curl.h>
+
+#include "OrvLibrary/host/impl/http/HttpBody_p.h"
+#include "OrvLibrary/host/impl/http/HttpHeaderBlock_p.h"
+#include "OrvLibrary/host/impl/http/HttpLimits_p.h"
+
+/// What is asked of a server.
+struct HttpRequest
+{
+    /// As built; it is made fit for the wire when it is sent.
+    std::string url;
+    std::vector<std::string> headerLines;
+    bool headerOnly = false;
+    /// One of many that run at once: takes less memory.
+    bool isOneOfMany = false;
+    /// Opens a connection of its own, whether or not there is one that could carry it.
+    bool onNewConnection = false;
+    /// Proxy address; empty for what the environment says.
+    std::string proxy;
+};
+
+/// What became of a request.
+struct HttpAnswer
+{
+    /// The transfer library's number; 0 when the answer is whole.
+    int error = 0;
+    /// Its text, or one of ours.
+    std::string errorText;
+    /// Status and header block of the final answer; 0 when no whole block came.
+    std::int64_t status = 0;
+    std::string headerText;
+    /// Whether the server said anything in HTTP at all.
+    bool answered = false;
+};
+
+/// One request on one handle of the transfer library, redirects not followed. Filled in before it runs, read
+/// afterwards; what runs it is `HttpConnections`. Belongs to one thread.
+class HttpTransfer
+{
+public:
+    using TimePoint = HttpLimits::Clock::time_point;
+
+    /// @param handle a fresh or reset handle, borrowed
+    /// @param deadline when the transfer fails for lack of time; `TimePoint::max()` for never
+    HttpTransfer(CURL* handle, const HttpRequest& request, HttpBody& body, const HttpLimits& limits,
+                 TimePoint deadline);
+    ~HttpTransfer();
+    HttpTransfer(const HttpTransfer&) = delete;
+    HttpTransfer& operator=(const HttpTransfer&) = delete;
+
+    CURL* handle() const { return mHandle; }
+    /// Asked all the time while the transfer runs. False when it must end; the reason is kept.
+    bool watch(TimePoint now);
+    /// The transfer library is done with the transfer.
+    void finish(CURLcode result);
+    bool finished() const { return mFinished; }
+    /// Whether the server said anything in HTTP yet.
+    bool isAnswered() const { return mHeaderBytes > 0; }
+    /// Whether a connection was opened for it; otherwise it has one that carried requests before.
+    bool hasNewConnection() const;
+    /// The port of ours that its connection has; 0 without one. It tells connections apart.
+    long localPort() const;
+    /// Whether it has a connection that stands.
+    bool isConnected() const;
+    /// Whether its protected connection stands.
+    bool isConnectedSecurely() const;
+
+    /// @throws what the body threw while the transfer ran
+    HttpAnswer answer() const;
+
+private:
+    struct ListEnd
+    {
+        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+    };
+
+    static std::size_t onHeader(char* data, std::size_t size, std::size_t count, void* self);
+    static std::size_t onBody(char* data, std::size_t size, std::size_t count, void* self);
+
+    void setOptions(const HttpRequest& request);
+    void setHeaderLines(const std::vector<std::string>& lines);
+    bool takeHeader(const std::string& line);
+    bool heed(HttpBody::Verdict verdict);
+    /// @param text a literal: a failure needs no memory
+    bool fail(CURLcode error, const char* text);
+
+    CURL* mHandle;
+    HttpBody& mBody;
+    const HttpLimits& mLimits;
+    const TimePoint mDeadline;
+    std::unique_ptr<curl_slist, ListEnd> mHeaderList;
+    char mErrorText[CURL_ERROR_SIZE] = "";
+
+    HttpHeaderBlock mHeader;
+    std::int64_t mHeaderBytes = 0;
+    std::int64_t mStatus = 0;
+    bool mFinished = false;
+    CURLcode mError = CURLE_OK;
+    /// Our own failure, which goes before the transfer library's.
+    const char* mFailure = nullptr;
+    std::exception_ptr mException;
+};

@@ -1,0 +1,3 @@
+#include "OrvLibrary/host/impl/services/Logging_p.h"
+
+Q_LOGGING_CATEGORY(orvLibraryLog, "orv.library")

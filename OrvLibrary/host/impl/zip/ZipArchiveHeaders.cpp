@@ -1,0 +1,83 @@
+// The local headers of an archive, held against its directory, and the places of its members.
+#include <algorithm>
+#include <numeric>
+
+#include "OrvLibrary/host/impl/zip/ZipArchive_p.h"
+
+namespace ZipUtils {
+
+namespace {
+
+/// Whether the fields from the version to the checksum and the sizes are just those of the directory.
+bool sameFields(const ZipEntry& entry, const char* header)
+{
+    return get16(header + 4) == entry.versionNeeded && get16(header + 6) == entry.flags &&
+           get16(header + 10) == entry.time && get16(header + 12) == entry.date &&
+           get32(header + 14) == entry.checksum && get32(header + 18) == entry.compressedSize &&
+           get32(header + 22) == entry.size;
+}
+
+} // namespace
+
+void ZipArchive::checkLocalHeader(ZipEntry& entry) const
+{
+    entry.headerOffset += mBase;
+    constexpr std::size_t kReadAhead = 128; // most extra blocks come with the header
+    const std::uint64_t room = mDirectoryStart - entry.headerOffset;
+    const std::size_t fixed = kLocalHeaderSize + entry.name.size();
+    if (room < fixed)
+        fail(entry, "lies outside the archive");
+    std::string header(std::min<std::uint64_t>(room, fixed + kReadAhead), '\0');
+    readAt(entry.headerOffset, header.data(), header.size());
+    if (get32(header.data()) != kLocalHeaderSignature)
+        fail(entry, "has no local header");
+
+    const std::uint16_t flags = get16(header.data() + 6);
+    const std::size_t extraSize = get16(header.data() + 28);
+    const std::string_view name(header.data() + kLocalHeaderSize, entry.name.size());
+    if (get16(header.data() + 26) != entry.name.size() || name != entry.name ||
+        get16(header.data() + 8) != entry.method || ((flags ^ entry.flags) & kFlagEncrypted) != 0)
+        fail(entry, "differs between local header and directory");
+    if (extraSize > room - fixed || entry.compressedSize > room - fixed - extraSize)
+        fail(entry, "lies outside the archive");
+    entry.dataOffset = entry.headerOffset + fixed + extraSize;
+    entry.hasDescriptor = ((flags | entry.flags) & kFlagDescriptor) != 0;
+
+    const bool whole = fixed + extraSize <= header.size();
+    const std::string extra = whole ? header.substr(fixed, extraSize) : localExtra(entry);
+    if (!entry.hasDescriptor)
+        checkLocalSizes(entry, header.data(), extra);
+    entry.headerAgrees = !entry.hasDescriptor && sameFields(entry, header.data()) &&
+                         findExtraField(extra, kExtraZip64).data() == nullptr;
+}
+
+void ZipArchive::checkLocalSizes(const ZipEntry& entry, const char* header, std::string_view extra) const
+{
+    std::uint64_t compressedSize = get32(header + 18);
+    std::uint64_t size = get32(header + 22);
+    std::string_view field = findExtraField(extra, kExtraZip64);
+    for (std::uint64_t* value : {&size, &compressedSize}) {
+        if (*value == kSee64In32 && field.size() >= 8) {
+            *value = get64(field.data());
+            field.remove_prefix(8);
+        }
+    }
+    if (get32(header + 14) != entry.checksum || compressedSize != entry.compressedSize || size != entry.size)
+        fail(entry, "differs between local header and directory");
+}
+
+void ZipArchive::checkOverlaps() const
+{
+    const auto earlier = [this](std::size_t a, std::size_t b) {
+        return mEntries[a].headerOffset < mEntries[b].headerOffset;
+    };
+    std::vector<std::size_t> order(mEntries.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::sort(order.begin(), order.end(), earlier);
+    for (std::size_t i = 1; i < order.size(); ++i) {
+        if (mEntries[order[i - 1]].dataEnd() > mEntries[order[i]].headerOffset)
+            fail(mEntries[order[i]], "overlaps another member");
+    }
+}
+
+} // namespace ZipUtils
