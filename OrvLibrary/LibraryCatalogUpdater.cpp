@@ -2,11 +2,11 @@
 
 #include <new>
 
-#include "OrvLibrary/CatalogEvents_p.h"
-#include "OrvLibrary/CatalogHashFile_p.h"
-#include "OrvLibrary/CatalogSources_p.h"
-#include "OrvLibrary/CatalogUpdaterState_p.h"
 #include "OrvLibrary/IO/ErrorLog.h"
+#include "OrvLibrary/catalog/CatalogEvents_p.h"
+#include "OrvLibrary/catalog/CatalogHashFile_p.h"
+#include "OrvLibrary/catalog/CatalogSources_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "OrvLibrary/host/PathUtils.h"

@@ -3,10 +3,10 @@
 
 #include <vector>
 
-#include "OrvLibrary/CatalogAnswer_p.h"
-#include "OrvLibrary/CatalogEvents_p.h"
-#include "OrvLibrary/CatalogSources_p.h"
-#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/catalog/CatalogAnswer_p.h"
+#include "OrvLibrary/catalog/CatalogEvents_p.h"
+#include "OrvLibrary/catalog/CatalogSources_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/StringUtils.h"
 

@@ -4,13 +4,13 @@
 #include <new>
 #include <vector>
 
-#include "OrvLibrary/CatalogEvents_p.h"
-#include "OrvLibrary/CatalogHashFile_p.h"
-#include "OrvLibrary/CatalogHashesAhead_p.h"
-#include "OrvLibrary/CatalogIndex_p.h"
-#include "OrvLibrary/CatalogSources_p.h"
-#include "OrvLibrary/CatalogUpdaterState_p.h"
 #include "OrvLibrary/IO/ErrorLog.h"
+#include "OrvLibrary/catalog/CatalogEvents_p.h"
+#include "OrvLibrary/catalog/CatalogHashFile_p.h"
+#include "OrvLibrary/catalog/CatalogHashesAhead_p.h"
+#include "OrvLibrary/catalog/CatalogIndex_p.h"
+#include "OrvLibrary/catalog/CatalogSources_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/PreferenceEngine.h"

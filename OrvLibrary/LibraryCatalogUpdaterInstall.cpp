@@ -11,12 +11,12 @@
 #include <utility>
 #include <vector>
 
-#include "OrvLibrary/CatalogDownload_p.h"
-#include "OrvLibrary/CatalogEvents_p.h"
-#include "OrvLibrary/CatalogSources_p.h"
-#include "OrvLibrary/CatalogUpdaterState_p.h"
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/IO/LibraryImport.h"
+#include "OrvLibrary/catalog/CatalogDownload_p.h"
+#include "OrvLibrary/catalog/CatalogEvents_p.h"
+#include "OrvLibrary/catalog/CatalogSources_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/FileSearch.h"
 #include "OrvLibrary/host/FileUtils.h"

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "OrvLibrary/CatalogHashesAhead_p.h"
+#include "OrvLibrary/catalog/CatalogHashesAhead_p.h"
 
 int main(int argc, char** argv)
 {

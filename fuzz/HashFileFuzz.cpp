@@ -5,7 +5,7 @@
 
 #include <unistd.h>
 
-#include "OrvLibrary/CatalogHashFile_p.h"
+#include "OrvLibrary/catalog/CatalogHashFile_p.h"
 #include "fuzz/FuzzSandbox.h"
 
 using namespace LibraryCatalogUpdate;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "OrvLibrary/CatalogAnswer_p.h"
+#include "OrvLibrary/catalog/CatalogAnswer_p.h"
 #include "OrvLibrary/host/WebUtils.h"
 #include "fuzz/FuzzSandbox.h"
 

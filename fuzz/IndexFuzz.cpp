@@ -1,6 +1,6 @@
 // Any text as a core content index: each line that names a catalog gives the path that the rules say, and
 // whatever the name is, the catalog's destination lies directly in its folder.
-#include "OrvLibrary/CatalogIndex_p.h"
+#include "OrvLibrary/catalog/CatalogIndex_p.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "fuzz/FuzzSandbox.h"
 

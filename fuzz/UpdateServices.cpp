@@ -4,8 +4,8 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "OrvLibrary/CatalogAnswer_p.h"
 #include "OrvLibrary/LibraryCatalogUpdater.h"
+#include "OrvLibrary/catalog/CatalogAnswer_p.h"
 #include "fuzz/ArchiveScript.h"
 #include "fuzz/FuzzSandbox.h"
 

@@ -5,10 +5,10 @@
 #include <QCoreApplication>
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/CatalogDownload_p.h"
-#include "OrvLibrary/CatalogEvents_p.h"
-#include "OrvLibrary/CatalogHashesAhead_p.h"
-#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/catalog/CatalogDownload_p.h"
+#include "OrvLibrary/catalog/CatalogEvents_p.h"
+#include "OrvLibrary/catalog/CatalogHashesAhead_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/SHA1.h"
 #include "tests/allocation-sweeps/AllocationPlan.h"
 #include "tests/catalog/CatalogTest.h"

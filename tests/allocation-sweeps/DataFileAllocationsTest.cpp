@@ -4,11 +4,11 @@
 #include <boost/date_time/posix_time/posix_time.hpp>
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/CatalogHashFile_p.h"
-#include "OrvLibrary/CatalogHashesAhead_p.h"
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "OrvLibrary/catalog/CatalogHashFile_p.h"
+#include "OrvLibrary/catalog/CatalogHashesAhead_p.h"
 #include "OrvLibrary/host/SHA1.h"
 #include "OrvLibrary/host/TimeUtils.h"
 #include "OrvLibrary/json/json_file.h"

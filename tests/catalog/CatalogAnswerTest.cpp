@@ -1,4 +1,4 @@
-#include "OrvLibrary/CatalogAnswer_p.h"
+#include "OrvLibrary/catalog/CatalogAnswer_p.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
-#include "OrvLibrary/CatalogDownload_p.h"
+#include "OrvLibrary/catalog/CatalogDownload_p.h"
 
 #include <limits>
 
 #include <QCoreApplication>
 
-#include "OrvLibrary/CatalogEvents_p.h"
-#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/catalog/CatalogEvents_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "tests/catalog/CatalogTest.h"
 
 using namespace LibraryCatalogUpdate;

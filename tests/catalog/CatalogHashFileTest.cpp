@@ -1,4 +1,4 @@
-#include "OrvLibrary/CatalogHashFile_p.h"
+#include "OrvLibrary/catalog/CatalogHashFile_p.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

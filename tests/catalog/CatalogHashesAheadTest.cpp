@@ -1,4 +1,4 @@
-#include "OrvLibrary/CatalogHashesAhead_p.h"
+#include "OrvLibrary/catalog/CatalogHashesAhead_p.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "OrvLibrary/CatalogIndex_p.h"
+#include "OrvLibrary/catalog/CatalogIndex_p.h"
 
 #include "tests/catalog/CatalogTest.h"
 

@@ -1,6 +1,6 @@
-#include "OrvLibrary/CatalogSources_p.h"
+#include "OrvLibrary/catalog/CatalogSources_p.h"
 
-#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "tests/catalog/CatalogTest.h"
 

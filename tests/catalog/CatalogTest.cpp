@@ -2,7 +2,7 @@
 
 #include <QCryptographicHash>
 
-#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 
 namespace test {
 

@@ -1,4 +1,4 @@
-#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 
 #include <limits>
 

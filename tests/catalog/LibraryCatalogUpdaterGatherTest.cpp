@@ -1,6 +1,6 @@
 #include "tests/catalog/CatalogTest.h"
 
-#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;

@@ -4,7 +4,7 @@
 
 #include <sys/stat.h>
 
-#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/LockingFStream.h"
 
 using LibraryCatalogUpdate::LibraryCatalogUpdater;

@@ -5,7 +5,7 @@
 
 #include <QCoreApplication>
 
-#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "tests/catalog/CatalogTest.h"
 #include "tests/support/ForwardingServices.h"

@@ -6,7 +6,7 @@
 
 #include <QCoreApplication>
 
-#include "OrvLibrary/CatalogEvents_p.h"
+#include "OrvLibrary/catalog/CatalogEvents_p.h"
 #include "tests/support/ForwardingServices.h"
 #include "tests/update-sweeps/DistanceSweep.h"
 

@@ -5,7 +5,7 @@
 
 #include <gmock/gmock.h>
 
-#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "tests/update-sweeps/DistanceSweep.h"
 
 using test::FaultReply;

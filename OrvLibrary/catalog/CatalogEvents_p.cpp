@@ -1,4 +1,4 @@
-#include "OrvLibrary/CatalogEvents_p.h"
+#include "OrvLibrary/catalog/CatalogEvents_p.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,9 +1,9 @@
-#include "OrvLibrary/CatalogDownload_p.h"
+#include "OrvLibrary/catalog/CatalogDownload_p.h"
 
 #include <algorithm>
 
-#include "OrvLibrary/CatalogEvents_p.h"
-#include "OrvLibrary/CatalogUpdaterState_p.h"
+#include "OrvLibrary/catalog/CatalogEvents_p.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/StringUtils.h"
 
 namespace LibraryCatalogUpdate {

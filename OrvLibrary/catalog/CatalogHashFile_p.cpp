@@ -1,11 +1,11 @@
-#include "OrvLibrary/CatalogHashFile_p.h"
+#include "OrvLibrary/catalog/CatalogHashFile_p.h"
 
 #include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "OrvLibrary/CatalogSources_p.h"
+#include "OrvLibrary/catalog/CatalogSources_p.h"
 #include "OrvLibrary/host/LockingFStream.h"
 #include "OrvLibrary/host/StringUtils.h"
 

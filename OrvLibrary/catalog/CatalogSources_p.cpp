@@ -1,9 +1,9 @@
-#include "OrvLibrary/CatalogSources_p.h"
+#include "OrvLibrary/catalog/CatalogSources_p.h"
 
 #include <filesystem>
 
-#include "OrvLibrary/CatalogUpdaterState_p.h"
 #include "OrvLibrary/IO/ErrorLog.h"
+#include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/StringUtils.h"

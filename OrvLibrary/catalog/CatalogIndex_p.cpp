@@ -1,8 +1,8 @@
-#include "OrvLibrary/CatalogIndex_p.h"
+#include "OrvLibrary/catalog/CatalogIndex_p.h"
 
 #include <sstream>
 
-#include "OrvLibrary/CatalogSources_p.h"
+#include "OrvLibrary/catalog/CatalogSources_p.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/StringUtils.h"
 
