@@ -11,8 +11,8 @@
 #include <QTest>
 #include <QTreeView>
 
+#include "OrvHost/AppHost.h"
 #include "OrvLibrary/Utility/Chooser.h"
-#include "apps/common/AppHost.h"
 #include "apps/orv-browser/LibraryModel.h"
 #include "apps/orv-browser/MainWindow.h"
 #include "apps/orv-browser/WindowMessages.h"

@@ -5,7 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "apps/common/TextFile.h"
+#include "OrvHost/TextFile.h"
 
 namespace {
 

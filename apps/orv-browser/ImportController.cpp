@@ -3,7 +3,7 @@
 #include <QFile>
 #include <QProgressDialog>
 
-#include "apps/common/ArchiveImport.h"
+#include "OrvHost/imports/ArchiveImport.h"
 #include "apps/orv-browser/Background.h"
 
 /// What became of one source.

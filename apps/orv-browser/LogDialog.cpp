@@ -4,7 +4,7 @@
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
-#include "apps/common/ErrorLogReader.h"
+#include "OrvHost/health/ErrorLogReader.h"
 
 namespace {
 

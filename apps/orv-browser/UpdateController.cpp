@@ -7,11 +7,11 @@
 #include <QLocale>
 #include <QStringList>
 
+#include "OrvHost/LegacyText.h"
+#include "OrvHost/health/ErrorLogReader.h"
+#include "OrvHost/update/CatalogUpdateRun.h"
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/UI/qtLibraryProgressPanel.h"
-#include "apps/common/CatalogUpdateRun.h"
-#include "apps/common/ErrorLogReader.h"
-#include "apps/common/LegacyText.h"
 #include "apps/orv-browser/UpdateReceiver.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "apps/common/LegacyText.h"
+#include "OrvHost/LegacyText.h"
 
 namespace {
 

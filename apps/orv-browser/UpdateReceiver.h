@@ -6,9 +6,9 @@
 #include <QObject>
 #include <QPointer>
 
+#include "OrvHost/update/CatalogSwapper.h"
 #include "OrvLibrary/CatalogUpdateData.h"
 #include "OrvLibrary/UI/qtLibraryProgressPanel.h"
-#include "apps/common/CatalogSwapper.h"
 
 /// The host object of a catalog update in a window: hands the progress on to the panel, puts new catalogs in
 /// place, and keeps the outcome. Lives on the interface thread.

@@ -4,10 +4,10 @@
 #include <QCommandLineParser>
 #include <QFile>
 
+#include "OrvHost/AppHost.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/OrvLibraryVersion.h"
 #include "OrvLibrary/Utility/Chooser.h"
-#include "apps/common/AppHost.h"
 #include "apps/orv-browser/MainWindow.h"
 #include "apps/orv-browser/Translations.h"
 #include "apps/orv-browser/WindowMessages.h"

@@ -3,8 +3,8 @@
 #include <memory>
 #include <vector>
 
+#include "OrvHost/update/ChangeLock.h"
 #include "OrvLibrary/LibraryFilterManager.h"
-#include "apps/common/ChangeLock.h"
 #include "apps/orv-library/Session.h"
 
 /// One change of the filters, from their reading to their writing; other programs wait meanwhile.

@@ -1,6 +1,6 @@
 #include "apps/orv-library/ImportCommand.h"
 
-#include "apps/common/ArchiveImport.h"
+#include "OrvHost/imports/ArchiveImport.h"
 #include "apps/orv-library/ConsoleProgress.h"
 #include "apps/orv-library/Interrupt.h"
 #include "apps/orv-library/Session.h"

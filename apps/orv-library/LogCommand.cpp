@@ -2,9 +2,9 @@
 
 #include <QJsonArray>
 
+#include "OrvHost/health/ErrorLogReader.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
-#include "apps/common/ErrorLogReader.h"
 #include "apps/orv-library/Session.h"
 
 namespace {

@@ -2,10 +2,10 @@
 
 #include <QJsonArray>
 
+#include "OrvHost/records/ManufacturerRefresh.h"
+#include "OrvHost/update/ChangeLock.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/host/TimeUtils.h"
-#include "apps/common/ChangeLock.h"
-#include "apps/common/ManufacturerRefresh.h"
 #include "apps/orv-library/Session.h"
 
 namespace {

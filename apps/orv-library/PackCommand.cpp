@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <set>
 
+#include "OrvHost/imports/LibrarySource.h"
 #include "OrvLibrary/host/FileUtils.h"
-#include "apps/common/LibrarySource.h"
-#include "apps/common/ZipWriter.h"
+#include "apps/catalog-service/ZipWriter.h"
 #include "apps/orv-library/Session.h"
 
 namespace {

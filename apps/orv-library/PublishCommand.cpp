@@ -2,7 +2,7 @@
 
 #include <QJsonArray>
 
-#include "apps/common/ServicePublisher.h"
+#include "apps/catalog-service/ServicePublisher.h"
 #include "apps/orv-library/Session.h"
 
 void PublishCommand::declare(CommandSyntax& syntax)

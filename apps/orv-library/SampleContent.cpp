@@ -2,10 +2,10 @@
 
 #include <stdexcept>
 
+#include "OrvHost/TextFile.h"
 #include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/FileUtils.h"
-#include "apps/common/TextFile.h"
-#include "apps/common/ZipWriter.h"
+#include "apps/catalog-service/ZipWriter.h"
 #include "apps/orv-library/SampleCatalog.h"
 #include "apps/orv-library/SamplePicture.h"
 

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "apps/common/AppHost.h"
+#include "OrvHost/AppHost.h"
 #include "apps/orv-library/Console.h"
 #include "apps/orv-library/GlobalOptions.h"
 

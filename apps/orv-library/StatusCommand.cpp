@@ -5,8 +5,8 @@
 
 #include <QJsonArray>
 
-#include "apps/common/CheckHistory.h"
-#include "apps/common/LibraryHealth.h"
+#include "OrvHost/health/LibraryHealth.h"
+#include "OrvHost/update/CheckHistory.h"
 #include "apps/orv-library/Session.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "apps/common/LibrarySource.h"
+#include "OrvHost/imports/LibrarySource.h"
 #include "apps/orv-library/ConsoleProgress.h"
 #include "apps/orv-library/Interrupt.h"
 #include "apps/orv-library/Session.h"

@@ -4,9 +4,9 @@
 #include <QJsonArray>
 #include <QSocketNotifier>
 
+#include "OrvHost/health/ErrorLogReader.h"
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/host/SQL.h"
-#include "apps/common/ErrorLogReader.h"
 #include "apps/orv-library/Interrupt.h"
 #include "apps/orv-library/Session.h"
 #include "apps/orv-library/UpdateHost.h"

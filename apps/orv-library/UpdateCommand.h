@@ -1,6 +1,6 @@
 #pragma once
 
-#include "apps/common/CatalogUpdateRun.h"
+#include "OrvHost/update/CatalogUpdateRun.h"
 #include "apps/orv-library/Command.h"
 
 class UpdateHost;

@@ -4,8 +4,8 @@
 
 #include <QJsonObject>
 
+#include "OrvHost/LegacyText.h"
 #include "OrvLibrary/host/SQL.h"
-#include "apps/common/LegacyText.h"
 #include "apps/orv-library/Console.h"
 
 using LibraryCatalogUpdate::UpdateData;

@@ -6,8 +6,8 @@
 
 #include <QObject>
 
+#include "OrvHost/update/CatalogSwapper.h"
 #include "OrvLibrary/CatalogUpdateData.h"
-#include "apps/common/CatalogSwapper.h"
 #include "apps/orv-library/InvocationTrace.h"
 #include "apps/orv-library/ProgressReporter.h"
 

@@ -2,7 +2,7 @@
 
 #include <QJsonArray>
 
-#include "apps/common/LibraryHealth.h"
+#include "OrvHost/health/LibraryHealth.h"
 #include "apps/orv-library/Session.h"
 
 void VerifyCommand::declare(CommandSyntax& syntax)

@@ -11,7 +11,7 @@
 
 #include <gtest/gtest.h>
 
-#include "apps/common/AppHost.h"
+#include "OrvHost/AppHost.h"
 #include "apps/orv-browser/LibraryModel.h"
 #include "apps/orv-browser/MainWindow.h"
 #include "apps/orv-browser/WindowMessages.h"

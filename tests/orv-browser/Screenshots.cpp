@@ -14,10 +14,10 @@
 #include <QTimer>
 #include <QTreeView>
 
+#include "OrvHost/AppHost.h"
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "OrvLibrary/Utility/Chooser.h"
 #include "OrvLibrary/host/MessagingSystem.h"
-#include "apps/common/AppHost.h"
 #include "apps/orv-browser/Appearance.h"
 #include "apps/orv-browser/LibraryModel.h"
 #include "apps/orv-browser/MainWindow.h"

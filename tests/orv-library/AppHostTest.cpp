@@ -1,4 +1,4 @@
-#include "apps/common/AppHost.h"
+#include "OrvHost/AppHost.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "apps/common/CatalogFolders.h"
+#include "OrvHost/update/CatalogFolders.h"
 
 #include <filesystem>
 

@@ -1,4 +1,4 @@
-#include "apps/common/CatalogSwapper.h"
+#include "OrvHost/update/CatalogSwapper.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "apps/common/CatalogUpdateRun.h"
+#include "OrvHost/update/CatalogUpdateRun.h"
 
 #include <memory>
 #include <stdexcept>
@@ -7,9 +7,9 @@
 
 #include <gmock/gmock.h>
 
+#include "OrvHost/update/CheckHistory.h"
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
-#include "apps/common/CheckHistory.h"
 #include "tests/orv-library/ContentService.h"
 #include "tests/orv-library/HostedTest.h"
 

@@ -1,4 +1,4 @@
-#include "apps/common/HashFile.h"
+#include "OrvHost/update/HashFile.h"
 
 #include <gmock/gmock.h>
 

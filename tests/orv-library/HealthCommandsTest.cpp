@@ -5,8 +5,8 @@
 #include <QJsonArray>
 #include <gmock/gmock.h>
 
-#include "apps/common/CheckHistory.h"
-#include "apps/common/ZipWriter.h"
+#include "OrvHost/update/CheckHistory.h"
+#include "apps/catalog-service/ZipWriter.h"
 #include "tests/orv-library/Program.h"
 
 using testing::ElementsAre;

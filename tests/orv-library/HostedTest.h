@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "apps/common/AppHost.h"
+#include "OrvHost/AppHost.h"
 #include "tests/support/TempFolder.h"
 
 namespace test {

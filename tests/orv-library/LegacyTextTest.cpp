@@ -1,4 +1,4 @@
-#include "apps/common/LegacyText.h"
+#include "OrvHost/LegacyText.h"
 
 #include <utility>
 

@@ -4,7 +4,7 @@
 
 #include <gmock/gmock.h>
 
-#include "apps/common/ErrorLogReader.h"
+#include "OrvHost/health/ErrorLogReader.h"
 #include "tests/orv-library/Program.h"
 
 using testing::HasSubstr;

@@ -1,4 +1,4 @@
-#include "apps/common/Sha1Tag.h"
+#include "OrvHost/update/Sha1Tag.h"
 
 #include <gmock/gmock.h>
 

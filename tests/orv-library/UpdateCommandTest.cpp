@@ -6,7 +6,7 @@
 
 #include <gmock/gmock.h>
 
-#include "apps/common/HashFile.h"
+#include "OrvHost/update/HashFile.h"
 #include "tests/orv-library/ContentService.h"
 #include "tests/orv-library/Program.h"
 #include "tests/support/ArchiveBuilder.h"

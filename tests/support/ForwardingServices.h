@@ -4,13 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "OrvHost/update/ForwardingCurl.h"
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/FileSearch.h"
 #include "OrvLibrary/host/MessagingSystem.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/PreferenceEngine.h"
 #include "OrvLibrary/host/StringTable.h"
-#include "apps/common/ForwardingCurl.h"
 #include "tests/support/ServiceCalls.h"
 
 /// One implementation of every installable service that forwards to another one, counts the calls, and fails

@@ -1,4 +1,4 @@
-#include "apps/common/LibrarySource.h"
+#include "OrvHost/imports/LibrarySource.h"
 
 #include <filesystem>
 #include <stdexcept>

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "apps/common/ForwardingCurl.h"
+#include "OrvHost/update/ForwardingCurl.h"
 
 /// Remembers what each catalog was answered. Install it for the length of one run. May be used from any
 /// thread.

@@ -8,10 +8,10 @@
 
 #include <QObject>
 
+#include "OrvHost/update/AnswerRecorder.h"
+#include "OrvHost/update/CatalogSwapper.h"
+#include "OrvHost/update/UpdateLock.h"
 #include "OrvLibrary/LibraryCatalogUpdater.h"
-#include "apps/common/AnswerRecorder.h"
-#include "apps/common/CatalogSwapper.h"
-#include "apps/common/UpdateLock.h"
 
 /// One catalog update as a host runs it: the lock against a second one, the catalogs that an update which
 /// died had left, the updater on a worker thread, and afterwards the hash lines of what could not be swapped

@@ -1,4 +1,4 @@
-#include "apps/common/UpdateLock.h"
+#include "OrvHost/update/UpdateLock.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,4 +1,4 @@
-#include "apps/common/ManufacturerRefresh.h"
+#include "OrvHost/records/ManufacturerRefresh.h"
 
 #include <stdexcept>
 #include <utility>

@@ -1,11 +1,11 @@
-#include "apps/common/ServiceMap.h"
+#include "apps/catalog-service/ServiceMap.h"
 
 #include <algorithm>
 
 #include <QFile>
 
+#include "OrvHost/TextFile.h"
 #include "OrvLibrary/host/StringUtils.h"
-#include "apps/common/TextFile.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "apps/common/AppHost.h"
+#include "OrvHost/AppHost.h"
 
 #include <filesystem>
 #include <stdexcept>
@@ -7,10 +7,10 @@
 #include <QLocale>
 #include <QTranslator>
 
+#include "OrvHost/ConsoleMessages.h"
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/PreferenceEngine.h"
-#include "apps/common/ConsoleMessages.h"
 
 namespace fs = std::filesystem;
 

@@ -2,8 +2,8 @@
 
 #include <vector>
 
+#include "OrvHost/update/CatalogFolders.h"
 #include "OrvLibrary/host/fileString.h"
-#include "apps/common/CatalogFolders.h"
 
 /// Puts new catalogs in their places for a host: what an update hands over with "onCatalogUpdatedEvent", and
 /// what an update that died had left. The destination is replaced by one rename, so at every moment it is

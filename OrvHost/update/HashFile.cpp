@@ -1,11 +1,11 @@
-#include "apps/common/HashFile.h"
+#include "OrvHost/update/HashFile.h"
 
 #include <exception>
 #include <sstream>
 #include <vector>
 
+#include "OrvHost/TextFile.h"
 #include "OrvLibrary/host/StringUtils.h"
-#include "apps/common/TextFile.h"
 
 namespace {
 

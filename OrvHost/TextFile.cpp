@@ -1,4 +1,4 @@
-#include "apps/common/TextFile.h"
+#include "OrvHost/TextFile.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,16 +1,16 @@
-#include "apps/common/LibraryHealth.h"
+#include "OrvHost/health/LibraryHealth.h"
 
 #include <ctime>
 #include <exception>
 
+#include "OrvHost/update/CatalogFolders.h"
+#include "OrvHost/update/HashFile.h"
+#include "OrvHost/update/Sha1Tag.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/SHA1.h"
 #include "OrvLibrary/host/TimeUtils.h"
 #include "OrvLibrary/host/ZipUtils.h"
-#include "apps/common/CatalogFolders.h"
-#include "apps/common/HashFile.h"
-#include "apps/common/Sha1Tag.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "apps/common/ServicePublisher.h"
+#include "apps/catalog-service/ServicePublisher.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -10,7 +10,7 @@
 
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/SHA1.h"
-#include "apps/common/ServiceMap.h"
+#include "apps/catalog-service/ServiceMap.h"
 
 namespace fs = std::filesystem;
 

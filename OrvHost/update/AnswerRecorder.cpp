@@ -1,4 +1,4 @@
-#include "apps/common/AnswerRecorder.h"
+#include "OrvHost/update/AnswerRecorder.h"
 
 namespace {
 

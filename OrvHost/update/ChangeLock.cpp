@@ -1,4 +1,4 @@
-#include "apps/common/ChangeLock.h"
+#include "OrvHost/update/ChangeLock.h"
 
 #include <stdexcept>
 

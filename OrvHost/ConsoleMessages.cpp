@@ -1,8 +1,8 @@
-#include "apps/common/ConsoleMessages.h"
+#include "OrvHost/ConsoleMessages.h"
 
 #include <iostream>
 
-#include "apps/common/AppHost.h"
+#include "OrvHost/AppHost.h"
 
 void ConsoleMessages::notify(const char* /*sourceFile*/, int /*line*/, const error::Trait& trait,
                              int messageNumber, const marl::unicode::String& text1,

@@ -1,4 +1,4 @@
-#include "apps/common/ZipWriter.h"
+#include "apps/catalog-service/ZipWriter.h"
 
 #include <cstdio>
 #include <fstream>

@@ -1,11 +1,11 @@
-#include "apps/common/ArchiveImport.h"
+#include "OrvHost/imports/ArchiveImport.h"
 
 #include <stdexcept>
 
+#include "OrvHost/imports/LibrarySource.h"
 #include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
-#include "apps/common/LibrarySource.h"
 
 namespace {
 

@@ -1,10 +1,10 @@
-#include "apps/common/CheckHistory.h"
+#include "OrvHost/update/CheckHistory.h"
 
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "apps/common/TextFile.h"
+#include "OrvHost/TextFile.h"
 
 namespace {
 

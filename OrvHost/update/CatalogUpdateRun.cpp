@@ -1,9 +1,9 @@
-#include "apps/common/CatalogUpdateRun.h"
+#include "OrvHost/update/CatalogUpdateRun.h"
 
 #include <stdexcept>
 
-#include "apps/common/CatalogFolders.h"
-#include "apps/common/CheckHistory.h"
+#include "OrvHost/update/CatalogFolders.h"
+#include "OrvHost/update/CheckHistory.h"
 
 using LibraryCatalogUpdate::LibraryCatalogUpdater;
 

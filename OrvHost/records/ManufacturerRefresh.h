@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
+#include "OrvHost/update/ForwardingCurl.h"
 #include "OrvLibrary/Manufacturer/Manufacturer.h"
 #include "OrvLibrary/host/fileString.h"
-#include "apps/common/ForwardingCurl.h"
 
 /// A refresh of the manufacturer records that says what became of it, which the library itself does not: a
 /// download service that watches the library at it. Used on the main thread.

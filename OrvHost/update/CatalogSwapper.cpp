@@ -1,9 +1,9 @@
-#include "apps/common/CatalogSwapper.h"
+#include "OrvHost/update/CatalogSwapper.h"
 
+#include "OrvHost/update/HashFile.h"
+#include "OrvHost/update/Sha1Tag.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/SHA1.h"
-#include "apps/common/HashFile.h"
-#include "apps/common/Sha1Tag.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "apps/common/ErrorLogReader.h"
+#include "OrvHost/health/ErrorLogReader.h"
 
-#include "apps/common/TextFile.h"
+#include "OrvHost/TextFile.h"
 
 namespace {
 
