@@ -12,6 +12,8 @@
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/PreferenceEngine.h"
 
+namespace OrvHost {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -118,3 +120,5 @@ void AppHost::setContentIndexName(const std::string& name)
 {
     mServices->application().setContentIndexName(name);
 }
+
+} // namespace OrvHost

@@ -3,13 +3,16 @@
 #include <memory>
 #include <string>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/fileString.h"
+
+namespace OrvHost {
 
 /// The one host implementation of our programs: the well-known folders below a root, the preferences in
 /// "preferences.json" there, the application's name and content index, messages on standard error, the
 /// texts in the user's language. The services are installed for the life of the object, and the former ones
 /// put back at its end; one object lives at a time, on the main thread.
-class AppHost
+class ORVHOST_EXPORT AppHost
 {
 public:
     /// The application's own name: the same for all our programs, because it is part of the names of the
@@ -40,3 +43,5 @@ private:
     class Services;
     std::unique_ptr<Services> mServices;
 };
+
+} // namespace OrvHost

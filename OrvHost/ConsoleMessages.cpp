@@ -4,6 +4,8 @@
 
 #include "OrvHost/AppHost.h"
 
+namespace OrvHost {
+
 void ConsoleMessages::notify(const char* /*sourceFile*/, int /*line*/, const error::Trait& trait,
                              int messageNumber, const marl::unicode::String& text1,
                              const marl::unicode::String& text2, const marl::unicode::String& text3)
@@ -22,3 +24,5 @@ std::vector<std::string> ConsoleMessages::shown() const
     ThreadLockGuard<ThreadMutex> lock(mMutex);
     return mShown;
 }
+
+} // namespace OrvHost

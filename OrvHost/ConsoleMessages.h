@@ -4,12 +4,15 @@
 #include <string>
 #include <vector>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/MessagingSystem.h"
 #include "OrvLibrary/host/ThreadMutex.h"
 
+namespace OrvHost {
+
 /// Numbered messages of the library for a program without a window: one line each on standard error, after
 /// the program's name. May be called from any thread.
-class ConsoleMessages : public error::MessagingSystem
+class ORVHOST_EXPORT ConsoleMessages : public error::MessagingSystem
 {
 public:
     void notify(const char* sourceFile, int line, const error::Trait& trait, int messageNumber,
@@ -24,3 +27,5 @@ private:
     std::set<int> mShownOnce;
     std::vector<std::string> mShown;
 };
+
+} // namespace OrvHost

@@ -2,6 +2,8 @@
 
 #include "OrvLibrary/host/SQL.h"
 
+namespace OrvHost {
+
 namespace {
 
 unsigned char byteAt(const std::string& text, std::size_t position)
@@ -43,3 +45,5 @@ std::string LegacyText::toUtf8(const std::string& text)
     }
     return result;
 }
+
+} // namespace OrvHost

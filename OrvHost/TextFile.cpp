@@ -8,6 +8,8 @@
 
 #include "OrvLibrary/host/LockingFStream.h"
 
+namespace OrvHost {
+
 namespace {
 
 [[noreturn]] void failToRead(const fileString& path, const QFileDevice& file)
@@ -39,3 +41,5 @@ void TextFile::write(const fileString& path, const std::string& content)
     if (stream.fail())
         throw std::runtime_error("cannot write " + path.toNativeString() + ": " + std::strerror(errno));
 }
+
+} // namespace OrvHost

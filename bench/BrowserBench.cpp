@@ -108,7 +108,7 @@ int main(int argc, char** argv)
     const int rounds = std::max(1, QApplication::arguments().value(1, "5").toInt());
     const test::TempFolder folder;
     {
-        const AppHost host({folder.file("root")});
+        const OrvHost::AppHost host({folder.file("root")});
         makeContent(folder.path() + "/root");
         for (int i = 0; i < rounds; ++i)
             round(host.root());

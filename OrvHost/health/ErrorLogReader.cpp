@@ -2,6 +2,8 @@
 
 #include "OrvHost/TextFile.h"
 
+namespace OrvHost {
+
 namespace {
 
 constexpr const char* kStart = "---\nTime: ";
@@ -76,3 +78,5 @@ std::vector<ErrorLogEntry> ErrorLogReader::read(const fileString& path)
         return {};
     return parse(TextFile::read(path));
 }
+
+} // namespace OrvHost

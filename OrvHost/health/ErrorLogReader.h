@@ -3,7 +3,10 @@
 #include <string>
 #include <vector>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/fileString.h"
+
+namespace OrvHost {
 
 /// One entry of the error log.
 struct ErrorLogEntry
@@ -15,7 +18,7 @@ struct ErrorLogEntry
 
 /// Reads "errors.log" for people: the library itself never does. An entry that a killed process left
 /// unfinished is an entry with what there is of it.
-class ErrorLogReader
+class ORVHOST_EXPORT ErrorLogReader
 {
 public:
     /// The entries of a log's text, oldest first.
@@ -24,3 +27,5 @@ public:
     /// @throws std::runtime_error when it exists but cannot be read, with its path and the system's text
     static std::vector<ErrorLogEntry> read(const fileString& path);
 };
+
+} // namespace OrvHost

@@ -12,6 +12,8 @@
 #include "OrvLibrary/host/TimeUtils.h"
 #include "OrvLibrary/host/ZipUtils.h"
 
+namespace OrvHost {
+
 namespace {
 
 constexpr std::size_t kPiece = 1 << 20;
@@ -97,3 +99,5 @@ std::vector<LibraryHealth::Damage> LibraryHealth::futureStamps()
                               false});
     return stamps;
 }
+
+} // namespace OrvHost

@@ -4,12 +4,15 @@
 #include <string>
 #include <vector>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/fileString.h"
+
+namespace OrvHost {
 
 /// Looks at what is installed: do catalogs match their tags, are archives sound, does a clock lie ahead. It
 /// reads the well-known folders of the installed path service and changes nothing but hash lines, and those
 /// only in `forget`. One object belongs to one thread.
-class LibraryHealth
+class ORVHOST_EXPORT LibraryHealth
 {
 public:
     /// A catalog or archive that is not what it should be.
@@ -44,3 +47,5 @@ private:
     std::size_t mChecked = 0;
     std::vector<Damage> mDamages;
 };
+
+} // namespace OrvHost

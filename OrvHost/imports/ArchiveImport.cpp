@@ -7,6 +7,8 @@
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
 
+namespace OrvHost {
+
 namespace {
 
 fileString libraryPath(const LibrarySource& source, bool isProprietary)
@@ -68,3 +70,5 @@ void run(const std::string& source, bool isProprietary, const std::shared_ptr<Pr
 }
 
 } // namespace ArchiveImport
+
+} // namespace OrvHost

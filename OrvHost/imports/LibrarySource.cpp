@@ -8,6 +8,8 @@
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/FileUtils.h"
 
+namespace OrvHost {
+
 namespace {
 
 int stopOnCancel(void* context, double, double, double, double)
@@ -141,3 +143,5 @@ fileString absolutePath(const fileString& path)
     const std::filesystem::path absolute = std::filesystem::absolute(path.toNativeString(), error);
     return error ? path : fileString(absolute.lexically_normal().string());
 }
+
+} // namespace OrvHost

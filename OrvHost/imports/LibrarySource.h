@@ -3,9 +3,12 @@
 #include <memory>
 #include <string>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/IO/LibraryImport.h"
 #include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/fileString.h"
+
+namespace OrvHost {
 
 /// Files that an operation made in the temporary folder; those that were not moved away by the end of the
 /// object are removed.
@@ -21,7 +24,7 @@ private:
 };
 
 /// A packed library as the user names it: a local path or an address. Used by one thread.
-class LibrarySource
+class ORVHOST_EXPORT LibrarySource
 {
 public:
     explicit LibrarySource(const std::string& text);
@@ -53,7 +56,9 @@ private:
 
 /// Moves a file over whatever file has that name.
 /// @throws std::runtime_error
-void moveOver(const fileString& from, const fileString& to);
+ORVHOST_EXPORT void moveOver(const fileString& from, const fileString& to);
 
 /// The path from the root of the file system, without "." and "..".
-fileString absolutePath(const fileString& path);
+ORVHOST_EXPORT fileString absolutePath(const fileString& path);
+
+} // namespace OrvHost

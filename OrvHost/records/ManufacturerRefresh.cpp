@@ -7,6 +7,8 @@
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
 
+namespace OrvHost {
+
 using boost::posix_time::ptime;
 
 namespace {
@@ -153,3 +155,5 @@ void ManufacturerRefresh::demandWritten()
     if (!dataFile().pathExists() || dateOf(manager.getLastModified()) < applied)
         throw std::runtime_error("cannot write " + dataFile().toNativeString());
 }
+
+} // namespace OrvHost

@@ -4,13 +4,16 @@
 #include <string>
 #include <vector>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvHost/update/ForwardingCurl.h"
 #include "OrvLibrary/Manufacturer/Manufacturer.h"
 #include "OrvLibrary/host/fileString.h"
 
+namespace OrvHost {
+
 /// A refresh of the manufacturer records that says what became of it, which the library itself does not: a
 /// download service that watches the library at it. Used on the main thread.
-class ManufacturerRefresh : public ForwardingCurl
+class ORVHOST_EXPORT ManufacturerRefresh : public ForwardingCurl
 {
 public:
     using Table = std::map<long, Manufacturer>;
@@ -55,3 +58,5 @@ private:
     std::vector<std::string> mFailedLogos;
     Changes mChanges;
 };
+
+} // namespace OrvHost

@@ -1,5 +1,7 @@
 #include "OrvHost/update/AnswerRecorder.h"
 
+namespace OrvHost {
+
 namespace {
 
 /// The value of "&library=" in a catalog's address; it stands there as it is, between two parameters.
@@ -29,3 +31,5 @@ std::map<std::string, std::int64_t> AnswerRecorder::answers() const
     const std::lock_guard<std::mutex> lock(mMutex);
     return mAnswers;
 }
+
+} // namespace OrvHost

@@ -6,11 +6,14 @@
 #include <string>
 #include <vector>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvHost/update/ForwardingCurl.h"
+
+namespace OrvHost {
 
 /// Remembers what each catalog was answered. Install it for the length of one run. May be used from any
 /// thread.
-class AnswerRecorder : public ForwardingCurl
+class ORVHOST_EXPORT AnswerRecorder : public ForwardingCurl
 {
 public:
     using ForwardingCurl::ForwardingCurl;
@@ -25,3 +28,5 @@ private:
     mutable std::mutex mMutex;
     std::map<std::string, std::int64_t> mAnswers; ///< guarded by mMutex
 };
+
+} // namespace OrvHost

@@ -6,6 +6,8 @@
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/StringUtils.h"
 
+namespace OrvHost {
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -71,3 +73,5 @@ std::set<fileString> CatalogFolders::filesIn(const fileString& folder, const fil
     }
     return files;
 }
+
+} // namespace OrvHost

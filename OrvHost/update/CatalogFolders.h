@@ -3,10 +3,13 @@
 #include <set>
 #include <vector>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/fileString.h"
 
+namespace OrvHost {
+
 /// Where the catalogs of one kind live, as the library computes it from the installed host services.
-struct CatalogFolder
+struct ORVHOST_EXPORT CatalogFolder
 {
     fileString folder;         ///< with its final separator
     fileString downloadFolder; ///< where new files wait; the library empties it when an update starts
@@ -22,15 +25,17 @@ struct CatalogFolder
 /// The folders of the three kinds. Needs the host's services; may be used from any thread.
 namespace CatalogFolders {
 
-CatalogFolder core();
-CatalogFolder bonus();
-CatalogFolder manufacturer();
+ORVHOST_EXPORT CatalogFolder core();
+ORVHOST_EXPORT CatalogFolder bonus();
+ORVHOST_EXPORT CatalogFolder manufacturer();
 /// In the order in which an update empties their download folders: core, bonus, manufacturer.
-std::vector<CatalogFolder> all();
+ORVHOST_EXPORT std::vector<CatalogFolder> all();
 
 /// The regular files with the extension ".orvlib" directly in `folder`.
-std::set<fileString> catalogsIn(const fileString& folder);
+ORVHOST_EXPORT std::set<fileString> catalogsIn(const fileString& folder);
 /// The same for any extension, letter case included; names may be of any bytes.
-std::set<fileString> filesIn(const fileString& folder, const fileString& extension);
+ORVHOST_EXPORT std::set<fileString> filesIn(const fileString& folder, const fileString& extension);
 
 } // namespace CatalogFolders
+
+} // namespace OrvHost

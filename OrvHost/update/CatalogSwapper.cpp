@@ -5,6 +5,8 @@
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/SHA1.h"
 
+namespace OrvHost {
+
 namespace {
 
 fileString folderOf(const fileString& catalog)
@@ -69,3 +71,5 @@ std::vector<fileString> CatalogSwapper::forgetFailed() const
     }
     return remaining;
 }
+
+} // namespace OrvHost

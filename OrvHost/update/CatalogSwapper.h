@@ -2,13 +2,16 @@
 
 #include <vector>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvHost/update/CatalogFolders.h"
 #include "OrvLibrary/host/fileString.h"
+
+namespace OrvHost {
 
 /// Puts new catalogs in their places for a host: what an update hands over with "onCatalogUpdatedEvent", and
 /// what an update that died had left. The destination is replaced by one rename, so at every moment it is
 /// whole, the old catalog or the new one. One object serves one update, on the thread of the host object.
-class CatalogSwapper
+class ORVHOST_EXPORT CatalogSwapper
 {
 public:
     /// To be called before an update starts, which empties the download folders: swaps in every whole
@@ -33,3 +36,5 @@ private:
     std::vector<fileString> mSwappedIn;
     std::vector<fileString> mFailed;
 };
+
+} // namespace OrvHost

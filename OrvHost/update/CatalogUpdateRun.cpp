@@ -5,6 +5,8 @@
 #include "OrvHost/update/CatalogFolders.h"
 #include "OrvHost/update/CheckHistory.h"
 
+namespace OrvHost {
+
 using LibraryCatalogUpdate::LibraryCatalogUpdater;
 
 namespace {
@@ -86,3 +88,5 @@ void CatalogUpdateRun::saveHistory(bool good, const fileString& root) const
         history.noteGoodCheck(now);
     history.save();
 }
+
+} // namespace OrvHost

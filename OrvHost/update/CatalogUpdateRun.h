@@ -8,10 +8,13 @@
 
 #include <QObject>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvHost/update/AnswerRecorder.h"
 #include "OrvHost/update/CatalogSwapper.h"
 #include "OrvHost/update/UpdateLock.h"
 #include "OrvLibrary/LibraryCatalogUpdater.h"
+
+namespace OrvHost {
 
 /// One catalog update as a host runs it: the lock against a second one, the catalogs that an update which
 /// died had left, the updater on a worker thread, and afterwards the hash lines of what could not be swapped
@@ -20,7 +23,7 @@
 /// The host object that is handed to `start` has the updater's slots, applies "onCatalogUpdatedEvent" through
 /// `swapper`, and lives at least as long as the run. The run lives on the host object's thread, whose event
 /// loop goes on until `finished`; then the host calls `finish`.
-class CatalogUpdateRun : public QObject
+class ORVHOST_EXPORT CatalogUpdateRun : public QObject
 {
     Q_OBJECT
 
@@ -75,3 +78,5 @@ private:
     std::exception_ptr mException;             ///< written by the worker before it ends, read after
     std::thread mWorker;
 };
+
+} // namespace OrvHost

@@ -5,6 +5,8 @@
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
 
+namespace OrvHost {
+
 ChangeLock::ChangeLock(const std::string& subject)
     : mPath(PathUtils::getObject().getTempPath() / fileString(subject + ".lock"))
 {
@@ -30,3 +32,5 @@ ChangeLock::~ChangeLock()
     // Removed while it is still locked, so that it can only be our own.
     FileUtils::removePath(mPath);
 }
+
+} // namespace OrvHost

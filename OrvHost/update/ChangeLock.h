@@ -3,12 +3,15 @@
 #include <memory>
 #include <string>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/LockingFStream.h"
 #include "OrvLibrary/host/fileString.h"
 
+namespace OrvHost {
+
 /// Keeps other programs of ours from changing the same thing while one reads it, changes it and writes it
 /// back. The lock ends with the process, however it dies; a lock file that is left over does no harm.
-class ChangeLock
+class ORVHOST_EXPORT ChangeLock
 {
 public:
     /// Waits a few seconds for the lock.
@@ -29,3 +32,5 @@ private:
     fileString mPath;
     std::unique_ptr<LockingFStream> mStream;
 };
+
+} // namespace OrvHost

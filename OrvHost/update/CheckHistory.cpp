@@ -6,6 +6,8 @@
 
 #include "OrvHost/TextFile.h"
 
+namespace OrvHost {
+
 namespace {
 
 const char* const kFileName = "update-history.json";
@@ -49,3 +51,5 @@ void CheckHistory::save() const
         document["lastGoodCheck"] = mLastGoodCheck.toString(Qt::ISODateWithMs);
     TextFile::write(mPath, QJsonDocument(document).toJson().toStdString());
 }
+
+} // namespace OrvHost

@@ -6,12 +6,15 @@
 
 #include <QDateTime>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/fileString.h"
+
+namespace OrvHost {
 
 /// What became of the last catalog checks: when one last went through without an error, and what the service
 /// last answered for each catalog. Kept in "update-history.json" below the root, for `status`. One object
 /// belongs to one thread.
-class CheckHistory
+class ORVHOST_EXPORT CheckHistory
 {
 public:
     struct Answer
@@ -41,3 +44,5 @@ private:
     QDateTime mLastGoodCheck;
     std::map<std::string, Answer> mAnswers;
 };
+
+} // namespace OrvHost

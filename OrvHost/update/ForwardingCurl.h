@@ -4,10 +4,13 @@
 #include <string>
 #include <vector>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/Curl.h"
 
+namespace OrvHost {
+
 /// A download service that hands everything on to another one; the base of those that watch.
-class ForwardingCurl : public Curl
+class ORVHOST_EXPORT ForwardingCurl : public Curl
 {
 public:
     /// @param next not owned
@@ -48,3 +51,5 @@ public:
 private:
     Curl& mNext;
 };
+
+} // namespace OrvHost

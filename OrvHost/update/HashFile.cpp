@@ -7,6 +7,8 @@
 #include "OrvHost/TextFile.h"
 #include "OrvLibrary/host/StringUtils.h"
 
+namespace OrvHost {
+
 namespace {
 
 fileString hashFileIn(const fileString& folder)
@@ -70,3 +72,5 @@ bool remove(const fileString& folder, const std::string& name)
 }
 
 } // namespace HashFile
+
+} // namespace OrvHost

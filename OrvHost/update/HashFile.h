@@ -3,19 +3,20 @@
 #include <map>
 #include <string>
 
+#include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/fileString.h"
 
 /// The hash file of a catalog folder, "catalog_hash.txt", as a host sees it: one line "name:hash" for each
 /// file. docs/formats/catalog_hash.md describes it. Functions may be called from any thread, but not while an
 /// update runs on the same folder.
-namespace HashFile {
+namespace OrvHost::HashFile {
 
 /// File name to hash, read as the library reads it: a blank line ends the file, and lines that do not hold
 /// exactly two texts are passed over (colons at either end of a line separate nothing). Empty when the file
 /// cannot be read.
-std::map<std::string, std::string> read(const fileString& folder);
+ORVHOST_EXPORT std::map<std::string, std::string> read(const fileString& folder);
 /// Removes the lines of a name; all others stay as they are.
 /// @return false when there is no such line, or the file cannot be written and is as it was
-bool remove(const fileString& folder, const std::string& name);
+ORVHOST_EXPORT bool remove(const fileString& folder, const std::string& name);
 
-} // namespace HashFile
+} // namespace OrvHost::HashFile

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+namespace OrvHost {
+
 namespace {
 
 constexpr std::size_t kDigits = 40;
@@ -29,3 +31,5 @@ bool Sha1Tag::equal(const std::string& left, const std::string& right)
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                       [](char a, char b) { return lower(a) == lower(b); });
 }
+
+} // namespace OrvHost

@@ -11,6 +11,8 @@
 
 #include "OrvLibrary/host/PathUtils.h"
 
+namespace OrvHost {
+
 namespace {
 
 constexpr mode_t kMode = 0600;
@@ -60,3 +62,5 @@ UpdateLock::~UpdateLock()
     unlink(mPath.c_str());
     close(mDescriptor);
 }
+
+} // namespace OrvHost

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "OrvHost/OrvHostExport.h"
 #include <string>
+
+namespace OrvHost {
 
 /// Keeps a second update off a root while one runs there, also from another program of ours. The lock ends
 /// with the process, however it dies; a lock file that is left over does no harm.
-class UpdateLock
+class ORVHOST_EXPORT UpdateLock
 {
 public:
     /// Locks "update.lock" in the installed path service's temporary folder.
@@ -19,3 +22,5 @@ private:
     std::string mPath;
     int mDescriptor = -1;
 };
+
+} // namespace OrvHost

@@ -83,7 +83,7 @@ void write(const std::string& path, const Map& map, bool alsoWindows1252)
         if (alsoWindows1252 && !isAscii(name) && map.count(legacy) == 0)
             text += quoted(legacy) + ' ' + hash + ";\n";
     }
-    TextFile::write(fileString(path), text);
+    OrvHost::TextFile::write(fileString(path), text);
 }
 
 } // namespace ServiceMap

@@ -66,7 +66,7 @@ bool BrowserSettings::save(const fileString& root, QString& reason) const
         {"colours", colours},
     };
     try {
-        TextFile::write(fileIn(root), QJsonDocument(document).toJson().toStdString());
+        OrvHost::TextFile::write(fileIn(root), QJsonDocument(document).toJson().toStdString());
         return true;
     } catch (const std::exception& error) {
         reason = QString::fromUtf8(error.what());

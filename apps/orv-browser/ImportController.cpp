@@ -107,8 +107,8 @@ ImportController::Outcome ImportController::importOne(const std::string& source,
                                                       const std::shared_ptr<ProgressSubject>& progress)
 {
     try {
-        ArchiveImport::Result result;
-        ArchiveImport::run(source, false, progress, result);
+        OrvHost::ArchiveImport::Result result;
+        OrvHost::ArchiveImport::run(source, false, progress, result);
         if (progress->checkCancel(false))
             return {{}, tr("cancelled")};
         const bool isEmpty = result.library.empty() && result.textures.empty();

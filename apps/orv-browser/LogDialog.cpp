@@ -12,7 +12,7 @@ QString entriesText(const fileString& log)
 {
     QString text;
     try {
-        const auto entries = ErrorLogReader::read(log);
+        const auto entries = OrvHost::ErrorLogReader::read(log);
         for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
             text += QString::fromStdString(entry->time) + QLatin1Char('\n') +
                     QString::fromStdString(entry->message) + QLatin1String("\n\n");

@@ -36,9 +36,9 @@ std::vector<std::string> catalogNames(const QStringList& entered)
     return names;
 }
 
-CatalogUpdateRun::Request requestOf(const BrowserSettings& settings)
+OrvHost::CatalogUpdateRun::Request requestOf(const BrowserSettings& settings)
 {
-    CatalogUpdateRun::Request request;
+    OrvHost::CatalogUpdateRun::Request request;
     request.url = settings.serviceUrl.toStdString();
     request.product = settings.product.toStdString();
     request.productVersion = settings.productVersion.toStdString();
@@ -47,10 +47,10 @@ CatalogUpdateRun::Request requestOf(const BrowserSettings& settings)
     return request;
 }
 
-std::vector<ErrorLogEntry> logEntries()
+std::vector<OrvHost::ErrorLogEntry> logEntries()
 {
     try {
-        return ErrorLogReader::read(Library::ErrorLog::file());
+        return OrvHost::ErrorLogReader::read(Library::ErrorLog::file());
     } catch (const std::exception&) {
         return {}; // a log that cannot be read has nothing to say
     }
@@ -61,7 +61,7 @@ QString listed(const std::set<std::string>& names)
     QStringList list;
     for (const std::string& name : names)
         if (list.size() < kMostNames)
-            list << QString::fromStdString(LegacyText::toUtf8(name));
+            list << QString::fromStdString(OrvHost::LegacyText::toUtf8(name));
     const int rest = static_cast<int>(names.size()) - static_cast<int>(list.size());
     const QString text = list.join(QStringLiteral(", "));
     return rest > 0 ? UpdateController::tr("%1 and %n more", nullptr, rest).arg(text) : text;
@@ -106,7 +106,7 @@ void UpdateController::start(const BrowserSettings& settings)
         return;
     mLogEntriesBefore = logEntries().size();
     try {
-        mRun = std::make_unique<CatalogUpdateRun>(requestOf(settings));
+        mRun = std::make_unique<OrvHost::CatalogUpdateRun>(requestOf(settings));
     } catch (const std::exception& error) {
         Q_EMIT ended(QString::fromUtf8(error.what()), false);
         return;
@@ -125,13 +125,13 @@ void UpdateController::connectReceiver()
             [this](double bytesPerSecond, double secondsLeft) {
                 Q_EMIT speedChanged(speedText(bytesPerSecond, secondsLeft));
             });
-    connect(mRun.get(), &CatalogUpdateRun::finished, this, &UpdateController::runEnded);
+    connect(mRun.get(), &OrvHost::CatalogUpdateRun::finished, this, &UpdateController::runEnded);
 }
 
 void UpdateController::cancel()
 {
     if (mRun)
-        CatalogUpdateRun::cancel();
+        OrvHost::CatalogUpdateRun::cancel();
 }
 
 void UpdateController::runEnded()
@@ -139,7 +139,7 @@ void UpdateController::runEnded()
     conclude().release()->deleteLater(); // it is the sender
 }
 
-std::unique_ptr<CatalogUpdateRun> UpdateController::conclude()
+std::unique_ptr<OrvHost::CatalogUpdateRun> UpdateController::conclude()
 {
     const auto& outcome = mReceiver->outcome();
     QStringList notes;
@@ -151,7 +151,7 @@ std::unique_ptr<CatalogUpdateRun> UpdateController::conclude()
     }
     bool hasProblems = false;
     const QString summary = summaryOf(notes, hasProblems);
-    std::unique_ptr<CatalogUpdateRun> run = std::move(mRun);
+    std::unique_ptr<OrvHost::CatalogUpdateRun> run = std::move(mRun);
     mReceiver.reset();
     closePanel();
     Q_EMIT ended(summary, hasProblems);
@@ -190,7 +190,8 @@ QString UpdateController::problemText() const
     const auto entries = logEntries();
     if (entries.size() <= mLogEntriesBefore)
         return tr("Some catalogs could not be checked.");
-    const QString reason = QString::fromStdString(LegacyText::toUtf8(entries[mLogEntriesBefore].message));
+    const QString reason =
+        QString::fromStdString(OrvHost::LegacyText::toUtf8(entries[mLogEntriesBefore].message));
     return tr("Some catalogs could not be updated: %1")
         .arg(reason.section(QLatin1Char('\n'), 0, 0).simplified() + QLatin1Char('.'));
 }

@@ -11,7 +11,9 @@
 #include "OrvLibrary/host/fileString.h"
 #include "apps/orv-browser/BrowserSettings.h"
 
+namespace OrvHost {
 class CatalogUpdateRun;
+}
 class LibraryProgressPanel;
 class UpdateReceiver;
 
@@ -46,7 +48,7 @@ private:
     void connectReceiver();
     void runEnded();
     /// Sees to what comes after a run, and tells how it ended. The receiver must outlive the run's worker.
-    std::unique_ptr<CatalogUpdateRun> conclude();
+    std::unique_ptr<OrvHost::CatalogUpdateRun> conclude();
     QString summaryOf(const QStringList& notes, bool& hasProblems) const;
     QString problemText() const;
     void closePanel();
@@ -55,6 +57,6 @@ private:
     fileString mRoot;
     QPointer<LibraryProgressPanel> mPanel;
     std::unique_ptr<UpdateReceiver> mReceiver;
-    std::unique_ptr<CatalogUpdateRun> mRun;
+    std::unique_ptr<OrvHost::CatalogUpdateRun> mRun;
     std::size_t mLogEntriesBefore = 0;
 };

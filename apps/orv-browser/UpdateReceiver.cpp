@@ -18,7 +18,7 @@ size_t shown(size_t value)
 
 } // namespace
 
-UpdateReceiver::UpdateReceiver(CatalogSwapper& swapper, LibraryProgressPanel* panel)
+UpdateReceiver::UpdateReceiver(OrvHost::CatalogSwapper& swapper, LibraryProgressPanel* panel)
     : mSwapper(swapper), mPanel(panel)
 {
 }
@@ -26,7 +26,7 @@ UpdateReceiver::UpdateReceiver(CatalogSwapper& swapper, LibraryProgressPanel* pa
 void UpdateReceiver::onSetText(std::string text)
 {
     if (mPanel)
-        mPanel->onSetText(LegacyText::toUtf8(text));
+        mPanel->onSetText(OrvHost::LegacyText::toUtf8(text));
 }
 
 void UpdateReceiver::onSetUnits(std::string units)

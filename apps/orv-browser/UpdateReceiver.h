@@ -19,7 +19,7 @@ class UpdateReceiver : public QObject
 public:
     /// @param swapper outlives the object
     /// @param panel may go at any time
-    UpdateReceiver(CatalogSwapper& swapper, LibraryProgressPanel* panel);
+    UpdateReceiver(OrvHost::CatalogSwapper& swapper, LibraryProgressPanel* panel);
 
     /// What the updater reported; empty after a cancel.
     const std::optional<LibraryCatalogUpdate::UpdateData>& outcome() const { return mOutcome; }
@@ -40,7 +40,7 @@ public Q_SLOTS:
     void onClose();
 
 private:
-    CatalogSwapper& mSwapper;
+    OrvHost::CatalogSwapper& mSwapper;
     QPointer<LibraryProgressPanel> mPanel;
     std::optional<LibraryCatalogUpdate::UpdateData> mOutcome;
     QElapsedTimer mDownloadTime; ///< since the unit of the download was told

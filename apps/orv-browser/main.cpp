@@ -56,9 +56,9 @@ int main(int argc, char** argv)
     parser.process(application);
 
     try {
-        AppHost::Settings settings;
+        OrvHost::AppHost::Settings settings;
         settings.root = fileString(value(parser, QStringLiteral("root")));
-        AppHost host(settings);
+        OrvHost::AppHost host(settings);
         int status = 0;
         {
             WindowMessages messages;

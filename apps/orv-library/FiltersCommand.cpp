@@ -6,8 +6,8 @@
 
 #include <QJsonArray>
 
+#include "OrvHost/records/FilterChange.h"
 #include "OrvLibrary/LibraryFilterManager.h"
-#include "apps/orv-library/FilterChange.h"
 #include "apps/orv-library/Session.h"
 
 namespace {
@@ -93,9 +93,17 @@ void demandId(const LibraryFilterManager& filters, long id)
                              filters.getFilterFullname().toNativeString());
 }
 
-ExitStatus saveAndPrint(Session& session, FilterChange& change)
+/// Tells of the copy that keeps what could not be read of a filter file, where there is one.
+void tellKept(const fileString& path, const fileString& copy)
 {
-    change.save();
+    if (!copy.empty())
+        Console::complain(path.toNativeString() + " cannot be read as a whole; it is kept as " +
+                          copy.toNativeString());
+}
+
+ExitStatus saveAndPrint(Session& session, OrvHost::FilterChange& change)
+{
+    tellKept(change.filters().getFilterFullname(), change.save());
     print(session, change.filters());
     return ExitStatus::Done;
 }
@@ -150,7 +158,8 @@ ExitStatus FiltersCommand::add(Session& session) const
         throw UsageError("the name of a filter must not be empty");
     if (mId != kNoId)
         usableId(mId);
-    FilterChange change(session);
+    session.host();
+    OrvHost::FilterChange change;
     Filters filters = change.filters().getLibraryFilters();
     filters.push_back(LibraryFilter(mName, newId(filters), mDatabases));
     change.filters().setLibraryFilters(filters);
@@ -170,7 +179,8 @@ long FiltersCommand::newId(const Filters& filters) const
 ExitStatus FiltersCommand::remove(Session& session) const
 {
     const long id = usableId(mId);
-    FilterChange change(session);
+    session.host();
+    OrvHost::FilterChange change;
     demandId(change.filters(), id);
     Filters filters = change.filters().getLibraryFilters();
     filters.erase(std::find_if(filters.begin(), filters.end(),
@@ -184,7 +194,8 @@ ExitStatus FiltersCommand::remove(Session& session) const
 ExitStatus FiltersCommand::use(Session& session) const
 {
     const long id = mIdOrNone == "none" ? kNone : idFrom(mIdOrNone);
-    FilterChange change(session);
+    session.host();
+    OrvHost::FilterChange change;
     if (id != kNone)
         demandId(change.filters(), id);
     change.filters().setCurrentFilterId(id);
@@ -193,7 +204,8 @@ ExitStatus FiltersCommand::use(Session& session) const
 
 ExitStatus FiltersCommand::dropDatabase(Session& session) const
 {
-    FilterChange change(session);
+    session.host();
+    OrvHost::FilterChange change;
     change.filters().removeIdFromLibraryFilters(mDatabase);
     return saveAndPrint(session, change);
 }
@@ -203,9 +215,10 @@ ExitStatus FiltersCommand::merge(Session& session) const
     const fileString file{mFile};
     if (file.empty())
         throw UsageError("the name of the other filter file must not be empty");
-    FilterChange change(session, file);
-    FilterChange::prepareToOverwrite(change.filters().getFilterFullname());
-    FilterChange::prepareToOverwrite(file);
+    session.host();
+    OrvHost::FilterChange change(file);
+    for (const fileString& path : {change.filters().getFilterFullname(), file})
+        tellKept(path, OrvHost::FilterChange::prepareToOverwrite(path));
     if (!change.filters().mergeFilters(file))
         throw CommandFailure("cannot write " + mFile);
     return saveAndPrint(session, change);

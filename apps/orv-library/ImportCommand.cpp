@@ -12,7 +12,7 @@ QJsonValue document(const fileString& path)
     return path.empty() ? QJsonValue() : QJsonValue(jsonText(path.toNativeString()));
 }
 
-QJsonObject document(const ArchiveImport::Result& result)
+QJsonObject document(const OrvHost::ArchiveImport::Result& result)
 {
     return {{"library", document(result.library)}, {"textures", document(result.textures)}};
 }
@@ -23,12 +23,14 @@ std::string text(const std::string& label, const fileString& path)
 }
 
 /// What fails because of a signal before anything is in place is no failure, and gives nothing.
-ArchiveImport::Result importUninterrupted(Session& session, const std::string& source, bool isProprietary)
+OrvHost::ArchiveImport::Result importUninterrupted(Session& session, const std::string& source,
+                                                   bool isProprietary)
 {
     ProgressReporter reporter(session.options().progress);
-    ArchiveImport::Result result;
+    OrvHost::ArchiveImport::Result result;
     try {
-        ArchiveImport::run(source, isProprietary, std::make_shared<ConsoleProgress>(reporter), result);
+        OrvHost::ArchiveImport::run(source, isProprietary, std::make_shared<ConsoleProgress>(reporter),
+                                    result);
     } catch (const std::runtime_error&) {
         session.console().resultSoFar(document(result));
         if (!Interrupt::requested() || !result.textures.empty())
@@ -48,10 +50,10 @@ void ImportCommand::declare(CommandSyntax& syntax)
 
 ExitStatus ImportCommand::run(Session& session) const
 {
-    session.console().resultSoFar(document(ArchiveImport::Result()));
+    session.console().resultSoFar(document(OrvHost::ArchiveImport::Result()));
     session.host();
     const Interrupt interrupt;
-    const ArchiveImport::Result result = importUninterrupted(session, mSource, mProprietary);
+    const OrvHost::ArchiveImport::Result result = importUninterrupted(session, mSource, mProprietary);
     session.console().result(document(result),
                              text("Library: ", result.library) + text("Textures: ", result.textures));
     if (!result.library.empty() || !result.textures.empty())

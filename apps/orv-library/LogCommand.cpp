@@ -15,10 +15,10 @@ fileString logFile(Session& session)
     return PathUtils::getObject().getUserLibraryDatabasePath() + fileString("errors.log");
 }
 
-QJsonObject document(const fileString& path, const std::vector<ErrorLogEntry>& entries)
+QJsonObject document(const fileString& path, const std::vector<OrvHost::ErrorLogEntry>& entries)
 {
     QJsonArray array;
-    for (const ErrorLogEntry& entry : entries) {
+    for (const OrvHost::ErrorLogEntry& entry : entries) {
         array.append(QJsonObject{{"time", jsonText(entry.time)},
                                  {"thread", jsonText(entry.thread)},
                                  {"message", jsonText(entry.message)}});
@@ -34,12 +34,12 @@ std::string indented(const std::string& text)
     return result;
 }
 
-std::string readable(const fileString& path, const std::vector<ErrorLogEntry>& entries)
+std::string readable(const fileString& path, const std::vector<OrvHost::ErrorLogEntry>& entries)
 {
     if (entries.empty())
         return "The error log is empty: " + path.toNativeString() + "\n";
     std::string text;
-    for (const ErrorLogEntry& entry : entries)
+    for (const OrvHost::ErrorLogEntry& entry : entries)
         text += entry.time + "  thread " + entry.thread + "\n" + indented(entry.message) + "\n";
     return text;
 }
@@ -56,7 +56,7 @@ void LogCommand::declare(CommandSyntax& syntax)
 ExitStatus LogCommand::show(Session& session)
 {
     const fileString file = logFile(session);
-    const std::vector<ErrorLogEntry> entries = ErrorLogReader::read(file);
+    const std::vector<OrvHost::ErrorLogEntry> entries = OrvHost::ErrorLogReader::read(file);
     session.console().result(document(file, entries), readable(file, entries));
     return ExitStatus::Done;
 }
@@ -64,7 +64,8 @@ ExitStatus LogCommand::show(Session& session)
 ExitStatus LogCommand::path(Session& session)
 {
     const fileString file = logFile(session);
-    session.console().result(document(file, ErrorLogReader::read(file)), file.toNativeString() + "\n");
+    session.console().result(document(file, OrvHost::ErrorLogReader::read(file)),
+                             file.toNativeString() + "\n");
     return ExitStatus::Done;
 }
 

@@ -10,7 +10,7 @@
 
 namespace {
 
-using Table = ManufacturerRefresh::Table;
+using Table = OrvHost::ManufacturerRefresh::Table;
 
 /// The manager, on the host's folders.
 const ManufacturerManager& manager(Session& session)
@@ -61,7 +61,7 @@ std::string details(long id, const Manufacturer& record)
 
 /// The kinds of change, each with its ids.
 std::vector<std::pair<const char*, const std::vector<long>*>>
-kinds(const ManufacturerRefresh::Changes& changes)
+kinds(const OrvHost::ManufacturerRefresh::Changes& changes)
 {
     return {{"added", &changes.added},
             {"removed", &changes.removed},
@@ -70,7 +70,7 @@ kinds(const ManufacturerRefresh::Changes& changes)
             {"changed", &changes.changed}};
 }
 
-QJsonObject document(const ManufacturerRefresh::Changes& changes)
+QJsonObject document(const OrvHost::ManufacturerRefresh::Changes& changes)
 {
     QJsonObject object;
     for (const auto& [kind, ids] : kinds(changes)) {
@@ -82,7 +82,7 @@ QJsonObject document(const ManufacturerRefresh::Changes& changes)
     return object;
 }
 
-std::string text(const ManufacturerRefresh::Changes& changes)
+std::string text(const OrvHost::ManufacturerRefresh::Changes& changes)
 {
     std::string lines;
     for (const auto& [kind, ids] : kinds(changes)) {
@@ -116,7 +116,7 @@ void ManufacturersCommand::declare(CommandSyntax& syntax)
 ExitStatus ManufacturersCommand::list(Session& session)
 {
     const ManufacturerManager& records = manager(session);
-    const Table table = ManufacturerRefresh::currentTable();
+    const Table table = OrvHost::ManufacturerRefresh::currentTable();
     std::string lines;
     for (const auto& [id, record] : table)
         lines += line(id, record);
@@ -137,12 +137,12 @@ ExitStatus ManufacturersCommand::show(Session& session) const
 ExitStatus ManufacturersCommand::refresh(Session& session) const
 {
     session.host();
-    const ChangeLock lock("manufacturers");
-    ManufacturerRefresh refresh(Curl::get());
+    const OrvHost::ChangeLock lock("manufacturers");
+    OrvHost::ManufacturerRefresh refresh(Curl::get());
     refresh.run(mDataUrl, mLogoUrl);
     for (const std::string& failure : refresh.failedLogos())
         Console::complain(failure);
-    QJsonObject result = document(manager(session), ManufacturerRefresh::currentTable());
+    QJsonObject result = document(manager(session), OrvHost::ManufacturerRefresh::currentTable());
     result["changes"] = document(refresh.changes());
     session.console().result(result, text(refresh.changes()));
     return ExitStatus::Done;

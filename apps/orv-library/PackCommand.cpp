@@ -81,7 +81,7 @@ ExitStatus PackCommand::run(Session& session) const
         writer.addFile(memberName(path), path);
     writer.close();
 
-    const fileString archive = absolutePath(fileString(mOutput));
+    const fileString archive = OrvHost::absolutePath(fileString(mOutput));
     const auto members = static_cast<qint64>(inputs().size());
     const auto bytes = static_cast<qint64>(FileUtils::fileSize(archive));
     session.console().result(
@@ -113,7 +113,7 @@ std::vector<std::string> PackCommand::refusals() const
         refuse(path, refusal(path));
         if (!names.insert(memberName(path)).second)
             refuse(path, "another file has the same name");
-        if (absolutePath(fileString(path)) == absolutePath(fileString(mOutput)))
+        if (OrvHost::absolutePath(fileString(path)) == OrvHost::absolutePath(fileString(mOutput)))
             refuse(path, "is the archive itself");
     }
     for (const std::string& path : mFiles) {

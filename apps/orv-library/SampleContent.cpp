@@ -126,7 +126,7 @@ std::string SampleContent::place(const std::string& name)
 void SampleContent::writeText(const std::string& name, const std::string& text)
 {
     const std::string path = place(name);
-    TextFile::write(fileString(path), text);
+    OrvHost::TextFile::write(fileString(path), text);
 }
 
 void SampleContent::writeCoreCatalogs()

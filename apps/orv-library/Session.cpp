@@ -4,12 +4,12 @@ Session::Session(const GlobalOptions& options) : mOptions(options), mConsole(opt
 
 Session::~Session() = default;
 
-AppHost& Session::host()
+OrvHost::AppHost& Session::host()
 {
     if (!mHost) {
-        AppHost::Settings settings;
+        OrvHost::AppHost::Settings settings;
         settings.root = fileString(mOptions.root);
-        mHost = std::make_unique<AppHost>(settings);
+        mHost = std::make_unique<OrvHost::AppHost>(settings);
     }
     return *mHost;
 }

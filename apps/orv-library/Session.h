@@ -22,10 +22,10 @@ public:
 
     /// The host on the chosen root; made at the first call, with the folders that are missing.
     /// @throws std::runtime_error when a folder cannot be made
-    AppHost& host();
+    OrvHost::AppHost& host();
 
 private:
     GlobalOptions mOptions;
     Console mConsole;
-    std::unique_ptr<AppHost> mHost;
+    std::unique_ptr<OrvHost::AppHost> mHost;
 };

@@ -17,7 +17,7 @@ using Warning = std::pair<std::string, std::string>;
 constexpr std::int64_t kNew = 200;
 constexpr std::int64_t kCurrent = 304;
 
-void addAnswers(std::vector<Warning>& warnings, const CheckHistory& history)
+void addAnswers(std::vector<Warning>& warnings, const OrvHost::CheckHistory& history)
 {
     for (const auto& [catalog, answer] : history.answers())
         if (answer.status == 0)
@@ -26,15 +26,15 @@ void addAnswers(std::vector<Warning>& warnings, const CheckHistory& history)
             warnings.emplace_back(catalog, "the service last answered HTTP " + std::to_string(answer.status));
 }
 
-std::vector<Warning> collectWarnings(const CheckHistory& history)
+std::vector<Warning> collectWarnings(const OrvHost::CheckHistory& history)
 {
     std::vector<Warning> warnings;
     addAnswers(warnings, history);
-    for (const auto& stamp : LibraryHealth::futureStamps())
+    for (const auto& stamp : OrvHost::LibraryHealth::futureStamps())
         warnings.emplace_back(stamp.name, stamp.text);
     if (history.lastGoodCheck() > QDateTime::currentDateTimeUtc())
         warnings.emplace_back("", "the last good check lies in the future");
-    LibraryHealth health;
+    OrvHost::LibraryHealth health;
     health.checkCoreCatalogs();
     for (const auto& damage : health.damages())
         warnings.emplace_back(damage.name, damage.text);
@@ -63,7 +63,7 @@ void StatusCommand::declare(CommandSyntax& syntax)
 
 ExitStatus StatusCommand::run(Session& session)
 {
-    const CheckHistory history(session.host().root());
+    const OrvHost::CheckHistory history(session.host().root());
     const QDateTime& good = history.lastGoodCheck();
     std::string text = "Last good check: " + ageText(good) + "\n";
     QJsonArray list;

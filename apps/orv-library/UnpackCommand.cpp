@@ -12,9 +12,9 @@ namespace {
 QJsonObject document(const LibraryImport::FoundFile& file)
 {
     const bool found = file.first;
-    return {
-        {"found", found},
-        {"path", found ? QJsonValue(jsonText(absolutePath(file.second).toNativeString())) : QJsonValue()}};
+    return {{"found", found},
+            {"path", found ? QJsonValue(jsonText(OrvHost::absolutePath(file.second).toNativeString()))
+                           : QJsonValue()}};
 }
 
 QJsonObject document(const LibraryImport::UnpackResult& result)
@@ -24,7 +24,7 @@ QJsonObject document(const LibraryImport::UnpackResult& result)
 
 std::string text(const std::string& label, const LibraryImport::FoundFile& file)
 {
-    return file.first ? label + absolutePath(file.second).toNativeString() + "\n" : std::string();
+    return file.first ? label + OrvHost::absolutePath(file.second).toNativeString() + "\n" : std::string();
 }
 
 void requireFolder(const std::string& folder)
@@ -55,7 +55,7 @@ void UnpackCommand::requireOtherFile(const fileString& target) const
 
 void UnpackCommand::checkUsage() const
 {
-    if (mBeside && LibrarySource(mSource).isAddress())
+    if (mBeside && OrvHost::LibrarySource(mSource).isAddress())
         throw UsageError("--beside needs a local archive");
     // Beside itself, such an archive would be one of its own results.
     const std::string extension = fileString(mSource).extension().toNativeString();
@@ -86,7 +86,8 @@ LibraryImport::UnpackResult UnpackCommand::unpackUninterrupted(Session& session)
     ProgressReporter reporter(session.options().progress);
     const auto progress = std::make_shared<ConsoleProgress>(reporter);
     try {
-        return mBeside ? LibrarySource(mSource).unpackBeside(progress) : unpackInto(session, progress);
+        return mBeside ? OrvHost::LibrarySource(mSource).unpackBeside(progress)
+                       : unpackInto(session, progress);
     } catch (const std::runtime_error&) {
         if (!Interrupt::requested())
             throw;
@@ -98,17 +99,17 @@ LibraryImport::UnpackResult UnpackCommand::unpackInto(Session& session,
                                                       const std::shared_ptr<ProgressSubject>& progress) const
 {
     requireFolder(mOutputFolder);
-    const LibrarySource source(mSource);
+    const OrvHost::LibrarySource source(mSource);
     const fileString target = fileString(mOutputFolder) / source.stem();
     for (const char* extension : {".zip", ".orvlib"})
         requireOtherFile(target + fileString(extension));
-    const std::unique_ptr<UnpackedFiles> files = source.unpack(progress);
+    const std::unique_ptr<OrvHost::UnpackedFiles> files = source.unpack(progress);
     LibraryImport::UnpackResult result;
     const auto place = [&](const LibraryImport::FoundFile& from, const char* extension,
                            LibraryImport::FoundFile& to) {
         if (!from.first)
             return;
-        moveOver(from.second, target + fileString(extension));
+        OrvHost::moveOver(from.second, target + fileString(extension));
         to = {true, target + fileString(extension)};
         session.console().resultSoFar(document(result));
     };

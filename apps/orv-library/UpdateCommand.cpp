@@ -41,7 +41,7 @@ std::string firstLine(const std::string& text)
     return text.substr(0, text.find('\n'));
 }
 
-const char* outcomeName(const UpdateHost& host, const CatalogSwapper& swapper)
+const char* outcomeName(const UpdateHost& host, const OrvHost::CatalogSwapper& swapper)
 {
     if (!host.outcome())
         return "cancelled";
@@ -51,7 +51,7 @@ const char* outcomeName(const UpdateHost& host, const CatalogSwapper& swapper)
     return result == kResultUpdated ? "updated" : "current";
 }
 
-QJsonObject document(const UpdateHost& host, const CatalogSwapper& swapper)
+QJsonObject document(const UpdateHost& host, const OrvHost::CatalogSwapper& swapper)
 {
     QJsonArray updated;
     if (host.outcome()) {
@@ -81,17 +81,17 @@ QJsonObject failureDocument()
 }
 
 /// Runs the event loop until the worker has ended and all its invocations were delivered.
-void waitForEnd(CatalogUpdateRun& update, UpdateHost& host)
+void waitForEnd(OrvHost::CatalogUpdateRun& update, UpdateHost& host)
 {
     const Interrupt interrupt;
     QEventLoop loop;
-    QObject::connect(&update, &CatalogUpdateRun::finished, &loop, &QEventLoop::quit);
+    QObject::connect(&update, &OrvHost::CatalogUpdateRun::finished, &loop, &QEventLoop::quit);
     update.start(host);
     // From here on, because a cancel before the updater was made has no effect on it.
     QSocketNotifier notifier(interrupt.descriptor(), QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [&notifier] {
         notifier.setEnabled(false);
-        CatalogUpdateRun::cancel();
+        OrvHost::CatalogUpdateRun::cancel();
     });
     loop.exec();
 }
@@ -122,7 +122,7 @@ void UpdateCommand::declare(CommandSyntax& syntax)
                   Presence::Required);
     syntax.flag("--core-only", mCoreOnly, "Leave bonus and manufacturer catalogs alone");
     syntax.option("--index", mIndex, "NAME",
-                  std::string("Core content index; otherwise ") + AppHost::kDefaultContentIndex);
+                  std::string("Core content index; otherwise ") + OrvHost::AppHost::kDefaultContentIndex);
     syntax.list("--bonus", mBonus, "NAME", "One more bonus catalog, NAME.orvlib; may be repeated");
     syntax.list("--manufacturer", mManufacturer, "NAME",
                 "One more manufacturer catalog, NAME.orvlib; may be repeated");
@@ -139,7 +139,7 @@ void UpdateCommand::checkNames() const
     }
 }
 
-CatalogUpdateRun::Request UpdateCommand::request() const
+OrvHost::CatalogUpdateRun::Request UpdateCommand::request() const
 {
     return {mUrl, mProduct, mProductVersion, mCoreOnly, mBonus, mManufacturer};
 }
@@ -148,14 +148,14 @@ ExitStatus UpdateCommand::run(Session& session)
 {
     checkNames();
     session.console().resultSoFar(failureDocument());
-    AppHost& appHost = session.host();
+    OrvHost::AppHost& appHost = session.host();
     if (!mIndex.empty())
         appHost.setContentIndexName(mIndex);
-    CatalogUpdateRun update(request());
+    OrvHost::CatalogUpdateRun update(request());
     InvocationTrace trace(session.options().traceFile);
     ProgressReporter progress(session.options().progress);
     UpdateHost host(progress, trace, update.swapper());
-    const std::size_t formerLogEntries = ErrorLogReader::read(Library::ErrorLog::file()).size();
+    const std::size_t formerLogEntries = OrvHost::ErrorLogReader::read(Library::ErrorLog::file()).size();
     waitForEnd(update, host);
     const std::string outcome = outcomeName(host, update.swapper());
     for (const std::string& problem :
@@ -164,8 +164,8 @@ ExitStatus UpdateCommand::run(Session& session)
     return report(session, host, update.swapper(), formerLogEntries);
 }
 
-ExitStatus UpdateCommand::report(Session& session, const UpdateHost& host, const CatalogSwapper& swapper,
-                                 std::size_t formerLogEntries) const
+ExitStatus UpdateCommand::report(Session& session, const UpdateHost& host,
+                                 const OrvHost::CatalogSwapper& swapper, std::size_t formerLogEntries) const
 {
     session.console().result(document(host, swapper), readable(host));
     const std::string outcome = outcomeName(host, swapper);
@@ -178,14 +178,14 @@ ExitStatus UpdateCommand::report(Session& session, const UpdateHost& host, const
     return ExitStatus::Failed;
 }
 
-std::string UpdateCommand::failureReason(const UpdateHost& host, const CatalogSwapper& swapper,
+std::string UpdateCommand::failureReason(const UpdateHost& host, const OrvHost::CatalogSwapper& swapper,
                                          std::size_t formerLogEntries) const
 {
     if (!swapper.failed().empty())
         return "cannot replace " + swapper.failed().front().toNativeString();
     std::string reason = messageText(host.outcome()->messageCode);
     const fileString logFile = Library::ErrorLog::file();
-    const std::vector<ErrorLogEntry> entries = ErrorLogReader::read(logFile);
+    const std::vector<OrvHost::ErrorLogEntry> entries = OrvHost::ErrorLogReader::read(logFile);
     // A log that has gone a week without being written starts anew when something is written to it.
     const std::size_t first = formerLogEntries < entries.size() ? formerLogEntries : 0;
     if (first < entries.size())

@@ -16,10 +16,10 @@ public:
 private:
     ExitStatus run(Session& session);
     void checkNames() const;
-    CatalogUpdateRun::Request request() const;
-    ExitStatus report(Session& session, const UpdateHost& host, const CatalogSwapper& swapper,
+    OrvHost::CatalogUpdateRun::Request request() const;
+    ExitStatus report(Session& session, const UpdateHost& host, const OrvHost::CatalogSwapper& swapper,
                       std::size_t formerLogEntries) const;
-    std::string failureReason(const UpdateHost& host, const CatalogSwapper& swapper,
+    std::string failureReason(const UpdateHost& host, const OrvHost::CatalogSwapper& swapper,
                               std::size_t formerLogEntries) const;
 
     std::string mUrl;

@@ -36,22 +36,22 @@ std::string messageCodeText(std::int32_t code)
     return text;
 }
 
-UpdateHost::UpdateHost(ProgressReporter& progress, InvocationTrace& trace, CatalogSwapper& swapper)
+UpdateHost::UpdateHost(ProgressReporter& progress, InvocationTrace& trace, OrvHost::CatalogSwapper& swapper)
     : mProgress(progress), mTrace(trace), mSwapper(swapper)
 {
 }
 
 void UpdateHost::onSetText(const std::string& text)
 {
-    const std::string utf8 = LegacyText::toUtf8(text);
+    const std::string utf8 = OrvHost::LegacyText::toUtf8(text);
     mTrace.write("onSetText", {jsonText(utf8)});
     mProgress.setText(utf8);
 }
 
 void UpdateHost::onSetUnits(const std::string& units)
 {
-    mTrace.write("onSetUnits", {jsonText(LegacyText::toUtf8(units))});
-    mProgress.setUnits(LegacyText::toUtf8(units));
+    mTrace.write("onSetUnits", {jsonText(OrvHost::LegacyText::toUtf8(units))});
+    mProgress.setUnits(OrvHost::LegacyText::toUtf8(units));
 }
 
 void UpdateHost::onSetRangeInGauge(size_t range)

@@ -21,7 +21,7 @@ class UpdateHost : public QObject
 
 public:
     /// All three outlive the object.
-    UpdateHost(ProgressReporter& progress, InvocationTrace& trace, CatalogSwapper& swapper);
+    UpdateHost(ProgressReporter& progress, InvocationTrace& trace, OrvHost::CatalogSwapper& swapper);
 
     /// How the run ended; empty when it was cancelled or has not ended.
     const std::optional<LibraryCatalogUpdate::UpdateData>& outcome() const { return mOutcome; }
@@ -47,7 +47,7 @@ private:
 
     ProgressReporter& mProgress;
     InvocationTrace& mTrace;
-    CatalogSwapper& mSwapper;
+    OrvHost::CatalogSwapper& mSwapper;
     std::optional<LibraryCatalogUpdate::UpdateData> mOutcome;
     bool mClosed = false;
 };

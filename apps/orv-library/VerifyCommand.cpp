@@ -14,7 +14,7 @@ void VerifyCommand::declare(CommandSyntax& syntax)
 ExitStatus VerifyCommand::run(Session& session) const
 {
     session.host();
-    LibraryHealth health;
+    OrvHost::LibraryHealth health;
     health.checkCoreCatalogs();
     health.checkArchives();
 
@@ -22,7 +22,7 @@ ExitStatus VerifyCommand::run(Session& session) const
     for (const auto& damage : health.damages()) {
         damaged.append(jsonText(damage.name));
         Console::complain(damage.name + ": " + damage.text);
-        if (mRepair && damage.isListed && LibraryHealth::forget(damage.name)) {
+        if (mRepair && damage.isListed && OrvHost::LibraryHealth::forget(damage.name)) {
             repaired.append(jsonText(damage.name));
             session.console().note(damage.name + ": the next update fetches it again");
         }

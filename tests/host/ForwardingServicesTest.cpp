@@ -108,9 +108,9 @@ TEST_F(ForwardingServicesTest, downloadsFailWithAReasonAndWithoutARequest)
 
 TEST_F(ForwardingServicesTest, announcedRequestsReachTheServiceBehind)
 {
-    struct Announced : ForwardingCurl
+    struct Announced : OrvHost::ForwardingCurl
     {
-        using ForwardingCurl::ForwardingCurl;
+        using OrvHost::ForwardingCurl::ForwardingCurl;
         void prefetchHeaders(const std::vector<HeaderRequest>& requests) override
         {
             for (const HeaderRequest& request : requests)

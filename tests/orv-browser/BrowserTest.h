@@ -67,7 +67,7 @@ protected:
 
 private:
     TempFolder mFolder;
-    AppHost mHost;
+    OrvHost::AppHost mHost;
     WindowMessages mMessages;
     std::unique_ptr<MainWindow> mWindow;
 };

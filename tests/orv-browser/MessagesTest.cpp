@@ -120,7 +120,7 @@ TEST_F(BrowserMessagesTest, countsBeyondAnIntFillTheGauge)
 {
     open();
     LibraryProgressPanel* panel = LibraryProgressPanel::create(&window());
-    CatalogSwapper swapper;
+    OrvHost::CatalogSwapper swapper;
     UpdateReceiver receiver(swapper, panel);
     receiver.onSetRangeInGauge(std::numeric_limits<size_t>::max());
     receiver.onSetValueInGauge(std::numeric_limits<size_t>::max());

@@ -115,7 +115,7 @@ void show(MainWindow& window, const QString& service)
     window.show();
 }
 
-void saveUpdate(const AppHost& host, const QString& service)
+void saveUpdate(const OrvHost::AppHost& host, const QString& service)
 {
     WindowMessages messages;
     MainWindow window(host.root(), messages);
@@ -150,7 +150,7 @@ int main(int argc, char** argv)
     gSuffix = arguments.size() > 5 ? "-" + arguments.mid(5).join('-') : QString();
     try {
         {
-            const AppHost host({fileString(arguments[1].toStdString())});
+            const OrvHost::AppHost host({fileString(arguments[1].toStdString())});
             WindowMessages messages;
             MainWindow window(host.root(), messages);
             show(window, arguments[2]);
@@ -158,7 +158,7 @@ int main(int argc, char** argv)
             saveDialogs(window);
         }
         Library::Chooser::cleanup();
-        const AppHost host({fileString(arguments[3].toStdString())});
+        const OrvHost::AppHost host({fileString(arguments[3].toStdString())});
         saveUpdate(host, arguments[2]);
     } catch (const std::exception& error) {
         std::fprintf(stderr, "orv_browser_screenshots: %s\n", error.what());

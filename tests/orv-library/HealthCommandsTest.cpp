@@ -86,7 +86,7 @@ TEST_F(HealthCommands, freshRootWasNeverCheckedAndHasNoWarnings)
 
 TEST_F(HealthCommands, statusTellsTheLastGoodCheckAndBadAnswers)
 {
-    CheckHistory history{fileString(mProgram.root())};
+    OrvHost::CheckHistory history{fileString(mProgram.root())};
     const QDateTime good = QDateTime::fromString("2026-01-02T03:04:05Z", Qt::ISODate);
     history.noteGoodCheck(good);
     history.noteAnswer("Current.orvlib", 304, good);

@@ -7,9 +7,9 @@
 #include <gmock/gmock.h>
 
 #include "OrvHost/update/HashFile.h"
-#include "tests/orv-library/ContentService.h"
 #include "tests/orv-library/Program.h"
 #include "tests/support/ArchiveBuilder.h"
+#include "tests/support/ContentService.h"
 
 namespace fs = std::filesystem;
 
@@ -61,7 +61,7 @@ protected:
     std::string content(const std::string& name) const { return test::readFile(path(name)); }
     std::map<std::string, std::string> hashes(const std::string& folder) const
     {
-        return HashFile::read(fileString(path(folder)));
+        return OrvHost::HashFile::read(fileString(path(folder)));
     }
 
     test::Program program;

@@ -113,19 +113,19 @@ void ForwardingFileSearch::resetFileSearch(const fileString& folder)
 
 bool ForwardingCurl::downloadable(const std::string& url)
 {
-    return !mCalls.enter(Service::Curl, "downloadable") && ::ForwardingCurl::downloadable(url);
+    return !mCalls.enter(Service::Curl, "downloadable") && OrvHost::ForwardingCurl::downloadable(url);
 }
 
 fileString ForwardingCurl::download(const std::string& url)
 {
-    return mCalls.enter(Service::Curl, "download") ? fileString() : ::ForwardingCurl::download(url);
+    return mCalls.enter(Service::Curl, "download") ? fileString() : OrvHost::ForwardingCurl::download(url);
 }
 
 bool ForwardingCurl::download_to_location(const std::string& url, const fileString& target,
                                           std::string& reason)
 {
     if (!mCalls.enter(Service::Curl, "download_to_location"))
-        return ::ForwardingCurl::download_to_location(url, target, reason);
+        return OrvHost::ForwardingCurl::download_to_location(url, target, reason);
     reason = kReason;
     return false;
 }
@@ -135,8 +135,8 @@ bool ForwardingCurl::download_to_location(const std::string& url, const fileStri
                                           ProgressFunction progress, std::string& reason, int& errorNumber)
 {
     if (!mCalls.enter(Service::Curl, "download_to_location with progress"))
-        return ::ForwardingCurl::download_to_location(url, target, headerLines, context, progress, reason,
-                                                      errorNumber);
+        return OrvHost::ForwardingCurl::download_to_location(url, target, headerLines, context, progress,
+                                                             reason, errorNumber);
     reason = kReason;
     errorNumber = kErrorNumber;
     return false;
@@ -146,32 +146,32 @@ bool ForwardingCurl::getURLHeader(const std::string& url, const std::vector<std:
                                   std::string& headerText, std::int64_t& status)
 {
     return !mCalls.enter(Service::Curl, "getURLHeader") &&
-           ::ForwardingCurl::getURLHeader(url, headerLines, headerText, status);
+           OrvHost::ForwardingCurl::getURLHeader(url, headerLines, headerText, status);
 }
 
 bool ForwardingCurl::browseURL(const std::string& url, const std::vector<std::string>& headerLines,
                                std::string& body, bool followRedirects, int timeoutSeconds)
 {
     return !mCalls.enter(Service::Curl, "browseURL") &&
-           ::ForwardingCurl::browseURL(url, headerLines, body, followRedirects, timeoutSeconds);
+           OrvHost::ForwardingCurl::browseURL(url, headerLines, body, followRedirects, timeoutSeconds);
 }
 
 void ForwardingCurl::prefetchHeaders(const std::vector<HeaderRequest>& requests)
 {
     if (!mCalls.enter(Service::Curl, "prefetchHeaders"))
-        ::ForwardingCurl::prefetchHeaders(requests);
+        OrvHost::ForwardingCurl::prefetchHeaders(requests);
 }
 
 void ForwardingCurl::prefetchDownloads(const std::vector<DownloadRequest>& requests)
 {
     if (!mCalls.enter(Service::Curl, "prefetchDownloads"))
-        ::ForwardingCurl::prefetchDownloads(requests);
+        OrvHost::ForwardingCurl::prefetchDownloads(requests);
 }
 
 std::string ForwardingCurl::urlAfterRedirects(const std::string& url)
 {
     return mCalls.enter(Service::Curl, "urlAfterRedirects") ? std::string()
-                                                            : ::ForwardingCurl::urlAfterRedirects(url);
+                                                            : OrvHost::ForwardingCurl::urlAfterRedirects(url);
 }
 
 ForwardingServices::ForwardingServices()

@@ -107,10 +107,10 @@ private:
 };
 
 /// Fails with the reason "injected failure" and the error number 7 (no connection).
-class ForwardingCurl : public ::ForwardingCurl
+class ForwardingCurl : public OrvHost::ForwardingCurl
 {
 public:
-    ForwardingCurl(Curl& behind, ServiceCalls& calls) : ::ForwardingCurl(behind), mCalls(calls) {}
+    ForwardingCurl(Curl& behind, ServiceCalls& calls) : OrvHost::ForwardingCurl(behind), mCalls(calls) {}
 
     bool downloadable(const std::string& url) override;
     fileString download(const std::string& url) override;

@@ -1,0 +1,139 @@
+#include <atomic>
+
+#include "tests/host/http/CurlDownloadsFixture.h"
+
+using testing::IsEmpty;
+using testing::SizeIs;
+using namespace std::chrono_literals;
+
+namespace test {
+
+namespace {
+
+/// Bodies ahead from servers that take few connections, refuse them, or are not there.
+class CurlPrefetchDownloadsServersTest : public CurlDownloadsFixture
+{
+};
+
+} // namespace
+
+TEST_F(CurlPrefetchDownloadsServersTest, hostMayLowerTheNumberOfConnections)
+{
+    for (const int limit : {1, 4}) {
+        curl.setConnectionLimit(limit);
+        const Downloads downloads = serve(30);
+        const int before = server.connectionCount();
+        announce(downloads);
+        for (const auto& download : downloads) {
+            EXPECT_TRUE(get(download));
+            EXPECT_TRUE(header(server.url("/first")));
+        }
+        EXPECT_LE(server.connectionCount() - before, limit);
+    }
+    EXPECT_GE(server.connectionCount(), 3);
+}
+
+TEST_F(CurlPrefetchDownloadsServersTest, serverWithOneWorkerIsAskedInTurn)
+{
+    server.limitWorkers(1);
+    const Downloads downloads = serve(20);
+    const auto time = timeOf([&] {
+        announce(downloads);
+        for (const auto& download : downloads)
+            EXPECT_TRUE(get(download)) << reason;
+    });
+    EXPECT_LT(time, 6s);
+}
+
+TEST_F(CurlPrefetchDownloadsServersTest, serverThatTakesNoMoreConnectionsIsAskedOnThoseItHas)
+{
+    const Downloads downloads = serve(10);
+    getAcquainted();
+    server.stopAccepting();
+    server.limitBacklog(0);
+    const auto time = timeOf([&] {
+        curl.prefetchDownloads(downloads);
+        for (const auto& download : downloads)
+            EXPECT_TRUE(get(download)) << reason;
+    });
+    EXPECT_LT(time, 10s);
+}
+
+TEST_F(CurlPrefetchDownloadsServersTest, serverThatRefusesMoreThanOneConnectionIsAskedOnThatOne)
+{
+    const Downloads downloads = serve(40);
+    FaultServer picky;
+    picky.otherwise([](const FaultRequest& request) {
+        return request.connection == 0 ? FaultReply::ok("body").pauseAt(0, 15ms)
+                                       : FaultReply::raw("").reset();
+    });
+    Downloads refused = downloads;
+    for (int i = 0; i < 40; ++i)
+        refused[static_cast<std::size_t>(i)].url = picky.url(nameOf(i));
+    for (int i = 0; i < 3; ++i)
+        header(picky.url("/first"));
+    curl.prefetchDownloads(refused);
+    for (const auto& download : refused)
+        EXPECT_TRUE(get(download)) << reason;
+    EXPECT_GT(picky.connectionCount(), 1);
+}
+
+TEST_F(CurlPrefetchDownloadsServersTest, whoAsksInTurnIsNotRefusedBecauseOfOneAhead)
+{
+    Downloads downloads = serve(6);
+    FaultServer picky;
+    picky.otherwise([](const FaultRequest& request) {
+        return request.connection == 0 ? FaultReply::ok("body").pauseAt(0, 80ms)
+                                       : FaultReply::raw("").reset();
+    });
+    for (int i = 0; i < 6; ++i)
+        downloads[static_cast<std::size_t>(i)].url = picky.url(nameOf(i));
+    for (int i = 0; i < 3; ++i)
+        header(picky.url("/first"));
+    curl.prefetchDownloads(downloads);
+    // The first of the list has the one connection meanwhile.
+    for (const std::size_t i : {3, 0, 1, 2, 4, 5})
+        EXPECT_TRUE(get(downloads[i])) << i << reason;
+    EXPECT_GT(picky.connectionCount(), 1);
+    EXPECT_THAT(picky.requestsFor(nameOf(0)), SizeIs(1));
+}
+
+TEST_F(CurlPrefetchDownloadsServersTest, slowOneAheadMakesRoomWithinASecond)
+{
+    Downloads downloads = serve(6);
+    std::atomic<int> toRefuse{5};
+    FaultServer picky;
+    picky.otherwise([&toRefuse](const FaultRequest& request) {
+        if (request.path() == "/first")
+            return FaultReply::ok("").pauseAt(0, 20ms);
+        if (request.connection == 0)
+            return FaultReply::ok("body").pauseAt(0, 10s);
+        return toRefuse-- > 0 ? FaultReply::raw("").reset() : FaultReply::ok("body");
+    });
+    for (int i = 0; i < 6; ++i)
+        downloads[static_cast<std::size_t>(i)].url = picky.url(nameOf(i));
+    for (int i = 0; i < 3; ++i)
+        header(picky.url("/first"));
+    curl.prefetchDownloads(downloads);
+    EXPECT_LT(timeOf([&] { EXPECT_TRUE(get(downloads[3])) << reason; }), 8s);
+    EXPECT_TRUE(get(downloads[0])) << reason;
+    EXPECT_THAT(picky.requestsFor(nameOf(0)), SizeIs(2));
+}
+
+TEST_F(CurlPrefetchDownloadsServersTest, deadServerIsGivenUpInTheOrderOfTheCalls)
+{
+    const Downloads downloads = serve(100);
+    announce(downloads);
+    for (int i = 0; i < 100; ++i)
+        server.on(nameOf(i), FaultReply::raw("").close());
+    Downloads dead = downloads;
+    announce(dead);
+    for (std::size_t i = 0; i < dead.size(); ++i) {
+        EXPECT_FALSE(get(dead[i]));
+        EXPECT_EQ(reason.find("no answer from") != std::string::npos, i >= 3) << i << reason;
+    }
+    EXPECT_LT(server.requests().size(), requestsBefore + 80);
+    EXPECT_THAT(files(), IsEmpty());
+}
+
+} // namespace test

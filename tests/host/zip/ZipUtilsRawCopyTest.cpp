@@ -1,0 +1,184 @@
+// The raw copy of a member: what it keeps, and what it refuses.
+#include "tests/host/zip/RawCopyTest.h"
+
+using test::ArchiveBuilder;
+using test::ArchiveMember;
+using test::copyAll;
+using test::copyFirstAs;
+using test::readArchive;
+using test::ReadMember;
+
+namespace {
+
+class ZipUtilsRawCopyTest : public test::RawCopyTest
+{
+};
+
+ArchiveMember& addOddMember(ArchiveBuilder& builder, const std::string& name)
+{
+    ArchiveMember& member = builder.add(name, test::sampleBytes(3000, 7));
+    member.versionMadeBy = 0x0A3F;
+    member.internalAttributes = 1;
+    member.externalAttributes = 0xA1FF0021;
+    member.comment = "a comment \xC3\xBC";
+    member.extra = std::string("UT\x05\x00\x01\x10\x20\x30\x40", 9);
+    member.localExtra = std::string("UT\x09\x00\x03\x10\x20\x30\x40\x50\x60\x70\x80", 13);
+    return member;
+}
+
+void expectSameMember(const ReadMember& copy, const ReadMember& original)
+{
+    EXPECT_EQ(copy.name, original.name);
+    EXPECT_EQ(copy.content, original.content);
+    EXPECT_EQ(copy.versionMadeBy, original.versionMadeBy);
+    EXPECT_EQ(copy.flags, original.flags & ~8U);
+    EXPECT_EQ(copy.method, original.method);
+    EXPECT_EQ(copy.dosDate, original.dosDate);
+    EXPECT_EQ(copy.checksum, original.checksum);
+    EXPECT_EQ(copy.compressedSize, original.compressedSize);
+    EXPECT_EQ(copy.internalAttributes, original.internalAttributes);
+    EXPECT_EQ(copy.externalAttributes, original.externalAttributes);
+    EXPECT_EQ(copy.comment, original.comment);
+}
+
+} // namespace
+
+TEST_F(ZipUtilsRawCopyTest, keepsAllThatTheDirectorySays)
+{
+    addOddMember(mSource, "plain");
+    addOddMember(mSource, "described").flags = 8;
+    addOddMember(mSource, "\xC3\xBC.png").flags = 0x0800;
+    addOddMember(mSource, "stored").method = ArchiveMember::kStored;
+    const fileString source = writeSource();
+    EXPECT_EQ(copyAll(source, target()), std::vector<bool>(4, true));
+    const std::vector<ReadMember> originals = readArchive(source);
+    const std::vector<ReadMember> copies = readArchive(target());
+    ASSERT_EQ(copies.size(), originals.size());
+    for (std::size_t i = 0; i < copies.size(); ++i) {
+        expectSameMember(copies[i], originals[i]);
+        EXPECT_EQ(copies[i].extra, std::string("UT\x05\x00\x01\x10\x20\x30\x40", 9));
+    }
+}
+
+TEST_F(ZipUtilsRawCopyTest, keepsTheExtraFieldsOfBothHeaders)
+{
+    for (const bool described : {false, true}) {
+        ArchiveBuilder builder;
+        addOddMember(builder, "a").flags = described ? 8 : 0;
+        copyAll(builder.write(mFolder, "extra.zip"), mFolder.file(described ? "1.zip" : "0.zip"));
+        const std::string bytes = test::readFile(mFolder.file(described ? "1.zip" : "0.zip"));
+        EXPECT_NE(bytes.find(std::string("UT\x09\x00\x03\x10\x20\x30\x40\x50\x60\x70\x80", 13)),
+                  std::string::npos);
+    }
+}
+
+TEST_F(ZipUtilsRawCopyTest, zip64FieldIsMadeAnewAndGoesWhereItIsNotNeeded)
+{
+    addOddMember(mSource, "wide").zip64 = true;
+    mSource.zip64End = true;
+    EXPECT_EQ(copyAll(writeSource(), target()), std::vector<bool>{true});
+    const std::vector<ReadMember> copies = readArchive(target());
+    ASSERT_EQ(copies.size(), 1U);
+    EXPECT_EQ(copies[0].content, test::sampleBytes(3000, 7));
+    EXPECT_EQ(copies[0].extra, std::string("UT\x05\x00\x01\x10\x20\x30\x40", 9));
+}
+
+TEST_F(ZipUtilsRawCopyTest, memberOfMoreThanFourGigabytesKeepsItsSize)
+{
+    constexpr std::uint64_t kHuge = 5'000'000'000;
+    ArchiveMember& member = mSource.add("huge.bz", "");
+    member.method = 12; // whose data is nobody's concern
+    member.rawData = test::sampleBytes(5'000'000, 1);
+    member.size = kHuge;
+    member.zip64 = true;
+    EXPECT_EQ(copyAll(writeSource(), target()), std::vector<bool>{true});
+    EXPECT_EQ(ZipUtils::getSizeOfArchive(target()), kHuge);
+    const std::string bytes = test::readFile(target());
+    const std::string size("\x00\xF2\x05\x2A\x01\x00\x00\x00", 8);
+    const std::string compressedSize("\x40\x4B\x4C\x00\x00\x00\x00\x00", 8);
+    // Behind the local header and its name: both sizes; at the end of the directory: what has no room there.
+    EXPECT_EQ(bytes.substr(30 + 7, 20), std::string("\x01\x00\x10\x00", 4) + size + compressedSize);
+    EXPECT_EQ(bytes.substr(bytes.size() - 22 - 12, 12), std::string("\x01\x00\x08\x00", 4) + size);
+    EXPECT_TRUE(bytes.compare(30 + 7 + 20, member.rawData->size(), *member.rawData) == 0);
+}
+
+TEST_F(ZipUtilsRawCopyTest, copiesForeignMethodsAsTheyAre)
+{
+    ArchiveMember& member = mSource.add("a.bz", "");
+    member.method = 12;
+    member.rawData = "what only its method understands";
+    member.size = 100;
+    member.checksum = 0x12345678;
+    EXPECT_EQ(copyAll(writeSource(), target()), std::vector<bool>{true});
+    EXPECT_NE(test::readFile(target()).find("what only its method understands"), std::string::npos);
+}
+
+TEST_F(ZipUtilsRawCopyTest, encryptedMemberIsCopiedUnlessItHasADescriptor)
+{
+    ArchiveMember& plain = mSource.add("a", "");
+    plain.flags = 1;
+    plain.method = ArchiveMember::kStored;
+    plain.rawData = "twelve bytesdata";
+    plain.size = 4;
+    ArchiveMember described = plain;
+    mSource.add("b", "") = described;
+    EXPECT_EQ(copyAll(writeSource(), target()), (std::vector<bool>{true, true}));
+
+    ArchiveBuilder builder;
+    described.flags = 9;
+    builder.add("b", "") = described;
+    EXPECT_EQ(copyAll(builder.write(mFolder, "b.zip"), mFolder.file("none.zip")), std::vector<bool>{false});
+    EXPECT_FALSE(mFolder.file("none.zip").pathExists());
+}
+
+TEST_F(ZipUtilsRawCopyTest, refusesUnsafeNamesAndLeavesTheTargetAlone)
+{
+    mSource.add("a", "content");
+    const fileString source = writeSource();
+    const std::vector<std::string> names{"",
+                                         "/etc/x",
+                                         "\\x",
+                                         "../x",
+                                         "a/../x",
+                                         "a/..",
+                                         "..",
+                                         "a\\..\\b",
+                                         "C:x",
+                                         "c:/x",
+                                         std::string("a\0b", 3),
+                                         std::string(4097, 'n')};
+    for (const bool exists : {false, true}) {
+        if (exists)
+            mFolder.write("target.zip", "not an archive");
+        for (const std::string& name : names) {
+            EXPECT_FALSE(copyFirstAs(source, target(), name)) << name;
+            EXPECT_FALSE(copyFirstAs(source, target(), name, false)) << name;
+        }
+        EXPECT_EQ(target().pathExists(), exists);
+    }
+    EXPECT_EQ(test::readFile(target()), "not an archive");
+    EXPECT_EQ(test::listTree(mFolder.path()), (std::vector<std::string>{"source.zip", "target.zip"}));
+}
+
+TEST_F(ZipUtilsRawCopyTest, acceptsNamesThatOnlyLookUnsafe)
+{
+    mSource.add("a", "content");
+    const fileString source = writeSource();
+    for (const std::string& name : {std::string("..a"), std::string("a.."), std::string("a/...b"),
+                                    std::string("ab:c"), std::string(4096, 'n'), std::string("a/")})
+        EXPECT_TRUE(copyFirstAs(source, target(), name)) << name;
+    EXPECT_EQ(readArchive(target()).size(), 6U);
+}
+
+TEST_F(ZipUtilsRawCopyTest, newNameIsMarkedAsUtf8WhenItIs)
+{
+    mSource.add("a", "content").extra = std::string("\x75\x70\x06\x00\x01\x00\x00\x00\x00x", 10);
+    const fileString source = writeSource();
+    EXPECT_TRUE(copyFirstAs(source, target(), "\xC3\xBC"));
+    EXPECT_TRUE(copyFirstAs(source, target(), "\xFC"));
+    const std::vector<ReadMember> copies = readArchive(target());
+    ASSERT_EQ(copies.size(), 2U);
+    EXPECT_EQ(copies[0].flags, 0x0800U);
+    EXPECT_EQ(copies[0].extra, "");
+    EXPECT_EQ(copies[1].flags, 0U);
+}

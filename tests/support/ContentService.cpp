@@ -1,0 +1,80 @@
+#include "tests/support/ContentService.h"
+
+#include <algorithm>
+#include <chrono>
+#include <utility>
+
+#include <QCryptographicHash>
+#include <QUrl>
+#include <QUrlQuery>
+
+namespace test {
+
+ContentService::ContentService()
+{
+    mServer.on("/redirect", FaultReply::redirect("/content?"));
+    mServer.otherwise([this](const FaultRequest& request) { return reply(request); });
+}
+
+std::string ContentService::sha1(const std::string& content)
+{
+    return QCryptographicHash::hash(QByteArray::fromStdString(content), QCryptographicHash::Sha1)
+        .toHex()
+        .toStdString();
+}
+
+void ContentService::offer(const std::string& name, const std::string& content)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mContents[name] = content;
+}
+
+void ContentService::spoil(const std::string& name, const FaultReply& reply)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mSpoilt.insert_or_assign(name, reply);
+}
+
+std::vector<std::string> ContentService::takeFetched()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return std::exchange(mFetched, {});
+}
+
+bool ContentService::waitUntilFetched(const std::string& name)
+{
+    std::unique_lock<std::mutex> lock(mMutex);
+    return mChanged.wait_for(lock, std::chrono::seconds(10), [&] {
+        return std::find(mFetched.begin(), mFetched.end(), name) != mFetched.end();
+    });
+}
+
+std::vector<std::string> ContentService::takeAsked()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return std::exchange(mAsked, {});
+}
+
+FaultReply ContentService::reply(const FaultRequest& request)
+{
+    const QUrlQuery query(QString::fromStdString(request.target.substr(request.path().size() + 1)));
+    const std::string name = query.queryItemValue("library", QUrl::FullyDecoded).toStdString();
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mAsked.push_back(name);
+    const auto content = mContents.find(name);
+    if (content == mContents.end())
+        return FaultReply::status(404, "Not here.\n");
+    const std::string tag = "\"" + sha1(content->second) + "\"";
+    if (request.header("If-None-Match") == tag)
+        return FaultReply::status(304, {}, {"ETag: " + tag});
+    if (request.method == "GET") {
+        mFetched.push_back(name);
+        mChanged.notify_all();
+        const auto spoilt = mSpoilt.find(name);
+        if (spoilt != mSpoilt.end())
+            return spoilt->second;
+    }
+    return FaultReply::ok(content->second, {"ETag: " + tag});
+}
+
+} // namespace test
