@@ -5,7 +5,16 @@ include(CMakePackageConfigHelpers)
 
 set(ORV_CMAKE_DIR "${CMAKE_INSTALL_LIBDIR}/cmake/OrvLibrary")
 
-install(TARGETS OrvLibrary EXPORT OrvLibraryTargets
+set(libraries OrvLibrary)
+if(ORV_BUILD_APPS)
+    list(APPEND libraries OrvHost)
+    set_target_properties(OrvHost PROPERTIES EXPORT_NAME Host INSTALL_RPATH "$ORIGIN")
+    install(DIRECTORY "${PROJECT_SOURCE_DIR}/OrvHost"
+        DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development
+        FILES_MATCHING PATTERN "*.h"
+        PATTERN "*_p.h" EXCLUDE)
+endif()
+install(TARGETS ${libraries} EXPORT OrvLibraryTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development)
 
 # Every header that a host may include: internal ones end in _p.h, and the JSON room is the library's own.
@@ -65,6 +74,6 @@ if(ORV_BUILD_APPS)
     # What no symbol shows: the library of the same build, and the driver that catalog databases are read with.
     set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS
         "liborvlibrary${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION}), libqt5sql5-sqlite")
-    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/OrvLibrary")
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/OrvLibrary;${PROJECT_BINARY_DIR}/OrvHost")
 endif()
 include(CPack)
