@@ -46,6 +46,12 @@ public:
     {
         mNext.prefetchDownloads(requests);
     }
+    Answer lastAnswer() override { return mNext.lastAnswer(); }
+    bool downloadResumable(const ResumableDownload& request, void* context, ProgressFunction progress,
+                           std::string& reason, int& errorNumber) override
+    {
+        return mNext.downloadResumable(request, context, progress, reason, errorNumber);
+    }
     std::string urlAfterRedirects(const std::string& url) override { return mNext.urlAfterRedirects(url); }
 
 private:

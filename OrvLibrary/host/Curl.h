@@ -103,6 +103,51 @@ public:
     /// class asks the default service.
     virtual std::string urlAfterRedirects(const std::string& url);
 
+    /// What a request was answered.
+    struct Answer
+    {
+        std::int64_t status = 0; ///< HTTP status of the final answer; 0 when there was none
+        std::string headerText;  ///< header block of the final answer; empty when there was none
+        std::string reason;      ///< why there was no answer, or why its body did not arrive; else empty
+        std::string url;         ///< the address that gave the final answer, after redirects
+    };
+    /// The answer to the calling thread's last request, of whatever kind; a request that was sent ahead
+    /// counts when its own call takes the answer. The one of this class knows none.
+    virtual Answer lastAnswer();
+
+    /// A download whose partial file is kept, so that a later call can go on where it broke off.
+    struct ResumableDownload
+    {
+        std::string url;
+        std::vector<std::string> headerLines;
+        fileString target;
+        /// Where the body grows. It is kept when the download fails, and becomes `target` when it is whole.
+        fileString partial;
+        /// The strong entity tag, in its quotes, or the `Last-Modified` date of the version that the bytes in
+        /// `partial` belong to. Empty: the download starts at the first byte.
+        std::string validator;
+    };
+    /// Downloads like `download_to_location`, but asks only for what `partial` lacks (`Range` with
+    /// `If-Range`). A service that has another version, or no ranges, sends the whole body, which then
+    /// replaces what was there. The counts of the progress function start at what was there. The one of this
+    /// class downloads everything anew.
+    virtual bool downloadResumable(const ResumableDownload& request, void* context, ProgressFunction progress,
+                                   std::string& reason, int& errorNumber);
+
+    /// Asked by the default service at least every 100 ms of every wait of a request; true ends the request.
+    using CancelQuestion = bool (*)();
+    /// Sets the question for the requests of the calling thread; null for none.
+    /// @return the former one
+    static CancelQuestion setCancelQuestion(CancelQuestion question);
+
+    /// Makes the default service trust the authorities in a PEM file, or in a folder of hashed certificates,
+    /// beside nothing else; empty for what the environment says (`SSL_CERT_FILE`, `SSL_CERT_DIR`) or else
+    /// the system's own, which is what it does at first.
+    static void setCertificates(const std::string& fileOrFolder);
+
+    /// Bounds the bytes a second that all transfers of the default service together receive; 0 for no bound.
+    static void setRateLimit(std::int64_t bytesPerSecond);
+
     /// Makes the default service use a proxy, such as "http://proxy.example:3128"; empty for what the
     /// environment says (`http_proxy`, `https_proxy`, `no_proxy`), which is what it does at first.
     static void setProxy(const std::string& proxy);

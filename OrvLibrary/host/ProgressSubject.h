@@ -27,4 +27,7 @@ public:
     virtual void increment(const marl::unicode::String& label1, const marl::unicode::String& label2) = 0;
     /// Sets both labels and advances nothing.
     virtual void updateLabels(const marl::unicode::String& label1, const marl::unicode::String& label2) = 0;
+    /// Tells how many bytes of content were done since the last call, at most 8 MB at a time. Over a run that
+    /// ends well they add up to the total of the sub-progress. The one of this class ignores them.
+    virtual void advanceBytes(std::uint64_t bytes);
 };

@@ -280,7 +280,7 @@ class Formats(unittest.TestCase):
         self.assertEqual(len(document["updatedCatalogs"]), 3)
         for name in ("core/Bath_Fixtures.orvlib", "core/Türen und Tore.orvlib", "referenced/Core_Textures.zip"):
             self.assertTrue(os.path.exists(os.path.join(self.root, name)), name)
-        template = read(os.path.join(SOURCE, "OrvLibrary", "CatalogSources_p.cpp"))
+        template = read(os.path.join(SOURCE, "OrvLibrary", "catalog", "CatalogSources_p.cpp"))
         for part in re.findall(r"&\w+=", request):
             self.assertIn(part, template)
 

@@ -29,6 +29,18 @@ void Curl::prefetchHeaders(const std::vector<HeaderRequest>&) {}
 
 void Curl::prefetchDownloads(const std::vector<DownloadRequest>&) {}
 
+Curl::Answer Curl::lastAnswer()
+{
+    return {};
+}
+
+bool Curl::downloadResumable(const ResumableDownload& request, void* context, ProgressFunction progress,
+                             std::string& reason, int& errorNumber)
+{
+    return download_to_location(request.url, request.target, request.headerLines, context, progress, reason,
+                                errorNumber);
+}
+
 void Curl::setProxy(const std::string& proxy)
 {
     defaultCurlService().setProxy(proxy);

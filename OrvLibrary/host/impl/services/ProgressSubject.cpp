@@ -2,3 +2,5 @@
 
 ProgressSubject::ProgressSubject() = default;
 ProgressSubject::~ProgressSubject() = default;
+
+void ProgressSubject::advanceBytes(std::uint64_t) {}
