@@ -13,9 +13,9 @@
 
 #include "OrvHost/AppHost.h"
 #include "OrvLibrary/Utility/Chooser.h"
-#include "apps/orv-browser/LibraryModel.h"
 #include "apps/orv-browser/MainWindow.h"
-#include "apps/orv-browser/WindowMessages.h"
+#include "apps/orv-browser/activities/WindowMessages.h"
+#include "apps/orv-browser/models/LibraryModel.h"
 #include "tests/orv-browser/CatalogMaker.h"
 #include "tests/orv-browser/WatchedApplication.h"
 #include "tests/support/TempFolder.h"

@@ -10,7 +10,7 @@
 #include "OrvLibrary/Utility/Chooser.h"
 #include "apps/orv-browser/MainWindow.h"
 #include "apps/orv-browser/Translations.h"
-#include "apps/orv-browser/WindowMessages.h"
+#include "apps/orv-browser/activities/WindowMessages.h"
 
 namespace {
 

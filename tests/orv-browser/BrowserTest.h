@@ -12,9 +12,9 @@
 #include <gtest/gtest.h>
 
 #include "OrvHost/AppHost.h"
-#include "apps/orv-browser/LibraryModel.h"
 #include "apps/orv-browser/MainWindow.h"
-#include "apps/orv-browser/WindowMessages.h"
+#include "apps/orv-browser/activities/WindowMessages.h"
+#include "apps/orv-browser/models/LibraryModel.h"
 #include "tests/support/TempFolder.h"
 
 class QTreeView;

@@ -16,7 +16,7 @@
 #include "OrvLibrary/UI/qtLibraryProgressPanel.h"
 #include "OrvLibrary/host/MessagingSystem.h"
 #include "OrvLibrary/host/PreferenceEngine.h"
-#include "apps/orv-browser/UpdateReceiver.h"
+#include "apps/orv-browser/activities/UpdateReceiver.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
 

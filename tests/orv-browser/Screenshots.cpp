@@ -19,10 +19,10 @@
 #include "OrvLibrary/Utility/Chooser.h"
 #include "OrvLibrary/host/MessagingSystem.h"
 #include "apps/orv-browser/Appearance.h"
-#include "apps/orv-browser/LibraryModel.h"
 #include "apps/orv-browser/MainWindow.h"
 #include "apps/orv-browser/Translations.h"
-#include "apps/orv-browser/WindowMessages.h"
+#include "apps/orv-browser/activities/WindowMessages.h"
+#include "apps/orv-browser/models/LibraryModel.h"
 
 namespace {
 

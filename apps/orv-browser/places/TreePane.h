@@ -4,8 +4,8 @@
 
 #include <QStackedWidget>
 
-#include "apps/orv-browser/FilterEditor.h"
-#include "apps/orv-browser/SearchPane.h"
+#include "apps/orv-browser/dialogs/FilterEditor.h"
+#include "apps/orv-browser/gallery/SearchPane.h"
 
 class CatalogIds;
 class LibraryModel;

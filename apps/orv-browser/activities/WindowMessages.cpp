@@ -1,4 +1,4 @@
-#include "apps/orv-browser/WindowMessages.h"
+#include "apps/orv-browser/activities/WindowMessages.h"
 
 #include <utility>
 

@@ -1,10 +1,10 @@
 // Dragging items out of the tree, and dropping them on folders of the user's own libraries.
 #include <QMimeData>
 
-#include "apps/orv-browser/Background.h"
-#include "apps/orv-browser/CatalogDatabase.h"
-#include "apps/orv-browser/ItemDrag.h"
-#include "apps/orv-browser/LibraryModel.h"
+#include "apps/orv-browser/models/Background.h"
+#include "apps/orv-browser/models/CatalogDatabase.h"
+#include "apps/orv-browser/models/ItemDrag.h"
+#include "apps/orv-browser/models/LibraryModel.h"
 
 namespace {
 

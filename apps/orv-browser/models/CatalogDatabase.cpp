@@ -1,4 +1,4 @@
-#include "apps/orv-browser/CatalogDatabase.h"
+#include "apps/orv-browser/models/CatalogDatabase.h"
 
 #include <algorithm>
 #include <atomic>

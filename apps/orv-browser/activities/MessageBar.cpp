@@ -1,4 +1,4 @@
-#include "apps/orv-browser/MessageBar.h"
+#include "apps/orv-browser/activities/MessageBar.h"
 
 #include <algorithm>
 
@@ -7,7 +7,7 @@
 #include <QStyle>
 #include <QToolButton>
 
-#include "apps/orv-browser/WindowMessages.h"
+#include "apps/orv-browser/activities/WindowMessages.h"
 
 namespace {
 

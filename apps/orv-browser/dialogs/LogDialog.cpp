@@ -1,4 +1,4 @@
-#include "apps/orv-browser/LogDialog.h"
+#include "apps/orv-browser/dialogs/LogDialog.h"
 
 #include <QDialogButtonBox>
 #include <QPlainTextEdit>

@@ -1,7 +1,7 @@
-#include "apps/orv-browser/CatalogIds.h"
+#include "apps/orv-browser/models/CatalogIds.h"
 
-#include "apps/orv-browser/Background.h"
-#include "apps/orv-browser/CatalogDatabase.h"
+#include "apps/orv-browser/models/Background.h"
+#include "apps/orv-browser/models/CatalogDatabase.h"
 
 CatalogIds::CatalogIds(QObject* parent) : QObject(parent)
 {

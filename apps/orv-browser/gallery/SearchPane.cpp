@@ -1,4 +1,4 @@
-#include "apps/orv-browser/SearchPane.h"
+#include "apps/orv-browser/gallery/SearchPane.h"
 
 #include <algorithm>
 
@@ -11,8 +11,8 @@
 
 #include "OrvLibrary/UI/TreeItemData.h"
 #include "OrvLibrary/Utility/Chooser.h"
-#include "apps/orv-browser/Background.h"
-#include "apps/orv-browser/CatalogDatabase.h"
+#include "apps/orv-browser/models/Background.h"
+#include "apps/orv-browser/models/CatalogDatabase.h"
 
 namespace {
 

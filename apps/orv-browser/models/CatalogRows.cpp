@@ -1,11 +1,11 @@
-#include "apps/orv-browser/CatalogRows.h"
+#include "apps/orv-browser/models/CatalogRows.h"
 
 #include <algorithm>
 #include <optional>
 
 #include "OrvLibrary/UI/TreeFolderData.h"
 #include "OrvLibrary/UI/TreeItemData.h"
-#include "apps/orv-browser/CatalogDatabase.h"
+#include "apps/orv-browser/models/CatalogDatabase.h"
 
 namespace {
 

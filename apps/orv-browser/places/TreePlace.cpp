@@ -1,9 +1,9 @@
-#include "apps/orv-browser/TreePlace.h"
+#include "apps/orv-browser/places/TreePlace.h"
 
 #include <QScrollBar>
 #include <QTreeView>
 
-#include "apps/orv-browser/LibraryModel.h"
+#include "apps/orv-browser/models/LibraryModel.h"
 
 TreePlace::TreePlace(QTreeView& view, LibraryModel& model) : QObject(&view), mView(view), mModel(model)
 {

@@ -1,4 +1,4 @@
-#include "apps/orv-browser/DetailsPane.h"
+#include "apps/orv-browser/details/DetailsPane.h"
 
 #include <QFile>
 #include <QFormLayout>
@@ -11,8 +11,8 @@
 #include "OrvLibrary/Utility/Chooser.h"
 #include "OrvLibrary/Utility/ObjectStyleManager.h"
 #include "OrvLibrary/host/PathUtils.h"
-#include "apps/orv-browser/Background.h"
-#include "apps/orv-browser/CatalogDatabase.h"
+#include "apps/orv-browser/models/Background.h"
+#include "apps/orv-browser/models/CatalogDatabase.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "apps/orv-browser/FilterEditor.h"
+#include "apps/orv-browser/dialogs/FilterEditor.h"
 
 #include <algorithm>
 

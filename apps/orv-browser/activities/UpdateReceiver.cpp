@@ -1,4 +1,4 @@
-#include "apps/orv-browser/UpdateReceiver.h"
+#include "apps/orv-browser/activities/UpdateReceiver.h"
 
 #include <algorithm>
 #include <limits>

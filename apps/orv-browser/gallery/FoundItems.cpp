@@ -1,8 +1,8 @@
-#include "apps/orv-browser/FoundItems.h"
+#include "apps/orv-browser/gallery/FoundItems.h"
 
 #include "OrvLibrary/UI/TreeItemData.h"
-#include "apps/orv-browser/ItemDrag.h"
-#include "apps/orv-browser/PictureStore.h"
+#include "apps/orv-browser/gallery/PictureStore.h"
+#include "apps/orv-browser/models/ItemDrag.h"
 
 FoundItems::FoundItems(QObject* parent) : QStandardItemModel(parent), mPictures(new PictureStore(this))
 {

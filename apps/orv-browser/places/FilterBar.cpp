@@ -1,4 +1,4 @@
-#include "apps/orv-browser/FilterBar.h"
+#include "apps/orv-browser/places/FilterBar.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>

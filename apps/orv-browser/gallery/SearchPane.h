@@ -10,7 +10,7 @@
 
 #include "OrvLibrary/Search/Info.h"
 #include "OrvLibrary/host/fileString.h"
-#include "apps/orv-browser/FoundItems.h"
+#include "apps/orv-browser/gallery/FoundItems.h"
 
 class QComboBox;
 class QLabel;

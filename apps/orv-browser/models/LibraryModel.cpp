@@ -1,4 +1,4 @@
-#include "apps/orv-browser/LibraryModel.h"
+#include "apps/orv-browser/models/LibraryModel.h"
 
 #include <algorithm>
 #include <map>
@@ -12,9 +12,9 @@
 #include "OrvLibrary/UI/TreeCatalogData.h"
 #include "OrvLibrary/UI/TreeFolderData.h"
 #include "OrvLibrary/host/PathUtils.h"
-#include "apps/orv-browser/Background.h"
-#include "apps/orv-browser/CatalogRows.h"
-#include "apps/orv-browser/PictureStore.h"
+#include "apps/orv-browser/gallery/PictureStore.h"
+#include "apps/orv-browser/models/Background.h"
+#include "apps/orv-browser/models/CatalogRows.h"
 
 using Library::LibraryCategoryData;
 using Library::TreeData;

@@ -1,4 +1,4 @@
-#include "apps/orv-browser/ManufacturerPreview.h"
+#include "apps/orv-browser/dialogs/ManufacturerPreview.h"
 
 #include <QDialogButtonBox>
 #include <QGuiApplication>
@@ -11,7 +11,7 @@
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/PathUtils.h"
-#include "apps/orv-browser/Background.h"
+#include "apps/orv-browser/models/Background.h"
 
 namespace {
 

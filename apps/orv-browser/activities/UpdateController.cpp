@@ -1,4 +1,4 @@
-#include "apps/orv-browser/UpdateController.h"
+#include "apps/orv-browser/activities/UpdateController.h"
 
 #include <algorithm>
 
@@ -12,7 +12,7 @@
 #include "OrvHost/update/CatalogUpdateRun.h"
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/UI/qtLibraryProgressPanel.h"
-#include "apps/orv-browser/UpdateReceiver.h"
+#include "apps/orv-browser/activities/UpdateReceiver.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "apps/orv-browser/StatusLine.h"
+#include "apps/orv-browser/activities/StatusLine.h"
 
 #include <QAction>
 #include <QLabel>

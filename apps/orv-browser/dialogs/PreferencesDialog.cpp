@@ -1,4 +1,4 @@
-#include "apps/orv-browser/PreferencesDialog.h"
+#include "apps/orv-browser/dialogs/PreferencesDialog.h"
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -1,10 +1,10 @@
-#include "apps/orv-browser/ImportController.h"
+#include "apps/orv-browser/activities/ImportController.h"
 
 #include <QFile>
 #include <QProgressDialog>
 
 #include "OrvHost/imports/ArchiveImport.h"
-#include "apps/orv-browser/Background.h"
+#include "apps/orv-browser/models/Background.h"
 
 /// What became of one source.
 struct ImportController::Outcome

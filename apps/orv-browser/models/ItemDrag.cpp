@@ -1,4 +1,4 @@
-#include "apps/orv-browser/ItemDrag.h"
+#include "apps/orv-browser/models/ItemDrag.h"
 
 #include <QDataStream>
 #include <QMimeData>

@@ -1,4 +1,4 @@
-#include "apps/orv-browser/PictureStore.h"
+#include "apps/orv-browser/gallery/PictureStore.h"
 
 #include <QCoreApplication>
 #include <QImage>
@@ -6,8 +6,8 @@
 #include <QPixmap>
 #include <QPointer>
 
-#include "apps/orv-browser/Background.h"
-#include "apps/orv-browser/CatalogDatabase.h"
+#include "apps/orv-browser/models/Background.h"
+#include "apps/orv-browser/models/CatalogDatabase.h"
 
 namespace {
 

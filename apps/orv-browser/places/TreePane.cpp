@@ -1,4 +1,4 @@
-#include "apps/orv-browser/TreePane.h"
+#include "apps/orv-browser/places/TreePane.h"
 
 #include <QEventLoop>
 #include <QLabel>
@@ -9,9 +9,9 @@
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "OrvLibrary/UI/TreeItemData.h"
 #include "OrvLibrary/Utility/Chooser.h"
-#include "apps/orv-browser/CatalogIds.h"
-#include "apps/orv-browser/LibraryModel.h"
-#include "apps/orv-browser/TreePlace.h"
+#include "apps/orv-browser/models/CatalogIds.h"
+#include "apps/orv-browser/models/LibraryModel.h"
+#include "apps/orv-browser/places/TreePlace.h"
 
 namespace {
 
