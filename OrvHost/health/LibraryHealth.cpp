@@ -43,8 +43,26 @@ void LibraryHealth::checkCoreCatalogs()
         if (!Sha1Tag::isSha1(tag) || file.extension() != fileString(".orvlib") || !file.pathExists())
             continue;
         ++mChecked;
-        if (!Sha1Tag::equal(tag, SHA1::fileContentsToSHA1Hex(file)))
-            mDamages.push_back({name, "its content does not match its SHA-1 tag", true});
+        const std::string text = catalogDamage(file, tag);
+        if (!text.empty())
+            mDamages.push_back({name, text, true});
+    }
+}
+
+std::string LibraryHealth::catalogDamage(const fileString& catalog, const std::string& tag)
+{
+    if (!Sha1Tag::isSha1(tag) || Sha1Tag::equal(tag, SHA1::fileContentsToSHA1Hex(catalog)))
+        return {};
+    return "its content does not match its SHA-1 tag";
+}
+
+std::string LibraryHealth::archiveDamage(const fileString& archive)
+{
+    try {
+        readWholeArchive(archive);
+        return {};
+    } catch (const std::exception& error) {
+        return error.what();
     }
 }
 
@@ -59,12 +77,10 @@ void LibraryHealth::checkArchivesIn(const fileString& folder, bool isListed)
     const auto hashes = HashFile::read(CatalogFolders::core().folder);
     for (const fileString& archive : CatalogFolders::filesIn(folder, ZipUtils::getExtension())) {
         ++mChecked;
-        try {
-            readWholeArchive(archive);
-        } catch (const std::exception& error) {
-            const std::string name = nameOf(archive);
-            mDamages.push_back({name, error.what(), isListed && hashes.count(name) != 0});
-        }
+        const std::string text = archiveDamage(archive);
+        const std::string name = nameOf(archive);
+        if (!text.empty())
+            mDamages.push_back({name, text, isListed && hashes.count(name) != 0});
     }
 }
 

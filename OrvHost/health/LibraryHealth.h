@@ -29,6 +29,12 @@ public:
     /// Reads every member of the archives in the referenced files and the texture folder.
     void checkArchives();
 
+    /// What is wrong with one core catalog whose hash line has this tag; empty when nothing is, and when the
+    /// tag is no SHA-1.
+    static std::string catalogDamage(const fileString& catalog, const std::string& tag);
+    /// Why an archive cannot be read to its end; empty when it can.
+    static std::string archiveDamage(const fileString& archive);
+
     /// Catalogs and archives that were compared.
     std::size_t checkedCount() const { return mChecked; }
     const std::vector<Damage>& damages() const { return mDamages; }

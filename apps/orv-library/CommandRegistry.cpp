@@ -1,6 +1,8 @@
 #include "apps/orv-library/Command.h"
 #include "apps/orv-library/FiltersCommand.h"
 #include "apps/orv-library/ImportCommand.h"
+#include "apps/orv-library/InfoCommand.h"
+#include "apps/orv-library/ListCommand.h"
 #include "apps/orv-library/LogCommand.h"
 #include "apps/orv-library/ManufacturersCommand.h"
 #include "apps/orv-library/PackCommand.h"
@@ -19,6 +21,8 @@ CommandList allCommands()
     CommandList commands;
     commands.push_back(std::make_unique<PathsCommand>());
     commands.push_back(std::make_unique<UpdateCommand>());
+    commands.push_back(std::make_unique<ListCommand>());
+    commands.push_back(std::make_unique<InfoCommand>());
     commands.push_back(std::make_unique<UnpackCommand>());
     commands.push_back(std::make_unique<ImportCommand>());
     commands.push_back(std::make_unique<PackCommand>());

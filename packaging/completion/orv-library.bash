@@ -1,7 +1,7 @@
 # bash completion for orv-library
 _orv_library() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands="paths update unpack import pack filters manufacturers styles log status verify publish serve sample"
+    local commands="paths update list info unpack import pack filters manufacturers styles log status verify publish serve sample"
     local common="--root --json --progress --trace --help --version"
     local command="" word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do

@@ -1,0 +1,17 @@
+#include "apps/orv-library/InfoCommand.h"
+
+#include "apps/orv-library/InstalledDocument.h"
+#include "apps/orv-library/Session.h"
+
+void InfoCommand::declare(CommandSyntax& syntax)
+{
+    syntax.argument("NAME", mName, "File name of a catalog, or its name without extension");
+    syntax.runs([this](Session& session) { return run(session); });
+}
+
+ExitStatus InfoCommand::run(Session& session) const
+{
+    const OrvHost::InstalledCatalog catalog = OrvHost::InstalledCatalogs::info(session.host().root(), mName);
+    session.console().result(InstalledDocument::object(catalog), InstalledDocument::fields(catalog));
+    return ExitStatus::Done;
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+#include "apps/orv-library/Command.h"
+
+/// `info NAME`: one installed catalog.
+class InfoCommand : public Command
+{
+public:
+    std::string name() const override { return "info"; }
+    std::string summary() const override { return "Tell what is known of one installed catalog"; }
+    void declare(CommandSyntax& syntax) override;
+
+private:
+    ExitStatus run(Session& session) const;
+
+    std::string mName;
+};

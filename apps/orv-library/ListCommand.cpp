@@ -1,0 +1,23 @@
+#include "apps/orv-library/ListCommand.h"
+
+#include <QJsonArray>
+
+#include "apps/orv-library/InstalledDocument.h"
+#include "apps/orv-library/Session.h"
+
+void ListCommand::declare(CommandSyntax& syntax)
+{
+    syntax.runs([](Session& session) { return run(session); });
+}
+
+ExitStatus ListCommand::run(Session& session)
+{
+    QJsonArray array;
+    std::string text;
+    for (const OrvHost::InstalledCatalog& catalog : OrvHost::InstalledCatalogs::list(session.host().root())) {
+        array.append(InstalledDocument::object(catalog));
+        text += InstalledDocument::line(catalog);
+    }
+    session.console().result({{"catalogs", array}}, array.isEmpty() ? "No catalog is installed.\n" : text);
+    return ExitStatus::Done;
+}
