@@ -48,7 +48,8 @@ UpdateLock::UpdateLock()
         mDescriptor = open(mPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, kMode);
         if (mDescriptor < 0)
             fail(mPath, errno);
-        if (flock(mDescriptor, LOCK_EX | LOCK_NB) != 0) {
+        // A file system without locks is used without them.
+        if (flock(mDescriptor, LOCK_EX | LOCK_NB) != 0 && errno != ENOLCK && errno != EOPNOTSUPP) {
             const int error = errno;
             close(mDescriptor);
             fail(mPath, error);

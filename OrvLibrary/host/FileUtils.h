@@ -36,7 +36,7 @@ ORVLIBRARY_EXPORT bool removePath(const fileString& path, int flags = 0);
 ORVLIBRARY_EXPORT bool removeDirectoryAndFiles(const fileString& path, int flags);
 /// Copies a file: written beside the target, synced and renamed over it, so that the target is whole or as it
 /// was. An existing target keeps its permissions; one that cannot be written or locked is refused.
-/// @param overwrite false refuses a target that exists
+/// @param overwrite false refuses a target that exists, also one that another process makes during the copy
 ORVLIBRARY_EXPORT bool copyFile(const fileString& from, const fileString& to, bool overwrite);
 /// Moves a file by one rename, replacing a target that exists; across devices it is copied beside the target,
 /// synced and renamed.

@@ -58,6 +58,21 @@ TEST_F(FileUtilsMoveTest, copyKeepsTheSourceAndRefusesAnExistingTargetUnlessTold
     EXPECT_EQ(list(), (Names{"from", "to"}));
 }
 
+TEST_F(FileUtilsMoveTest, ofTwoCopiesAtOnceThatMayNotReplaceOnlyOneSucceeds)
+{
+    const std::string contents[] = {std::string(50000, 'a'), std::string(50000, 'b')};
+    const fileString sources[] = {mFolder.write("a", contents[0]), mFolder.write("b", contents[1])};
+    for (int round = 0; round < 100; ++round) {
+        const fileString to = mFolder.file("to" + std::to_string(round));
+        bool copied[2] = {};
+        std::thread other([&] { copied[1] = FileUtils::copyFile(sources[1], to, false); });
+        copied[0] = FileUtils::copyFile(sources[0], to, false);
+        other.join();
+        ASSERT_NE(copied[0], copied[1]);
+        ASSERT_TRUE(test::readFile(to) == contents[copied[0] ? 0 : 1]);
+    }
+}
+
 TEST_F(FileUtilsMoveTest, copyOfALargeAndOfAnEmptyFileIsWhole)
 {
     std::string content(3 * 1024 * 1024 + 17, '\0');

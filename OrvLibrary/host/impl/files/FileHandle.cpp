@@ -144,24 +144,38 @@ FileHandle openRegularFile(const std::string& path)
 
 FileHandle openForLock(const std::string& path, int extraFlags)
 {
-    FileHandle file = openFile(path, O_RDONLY | extraFlags);
+    // A network file system gives an exclusive lock only on a descriptor that is open for writing.
+    FileHandle file = openFile(path, O_RDWR | extraFlags);
+    if (!file && (errno == EACCES || errno == EPERM || errno == EROFS || errno == ETXTBSY))
+        file = openFile(path, O_RDONLY | extraFlags);
     if (!file && errno == EACCES)
         file = openFile(path, O_WRONLY | extraFlags);
     return file;
 }
 
-bool waitForLock(int descriptor, int lock, Deadline deadline)
+Lock tryLock(int descriptor, int lock)
+{
+    int result = 0;
+    do {
+        result = flock(descriptor, lock | LOCK_NB);
+    } while (result != 0 && errno == EINTR);
+    if (result == 0)
+        return Lock::Held;
+    if (errno == EWOULDBLOCK)
+        return Lock::Busy;
+    return errno == ENOLCK || errno == EOPNOTSUPP || errno == ENOSYS ? Lock::Unknown : Lock::Failed;
+}
+
+Lock waitForLock(int descriptor, int lock, Deadline deadline)
 {
     auto pause = kFirstLockPause;
-    while (flock(descriptor, lock | LOCK_NB) != 0) {
-        if (errno == EINTR)
-            continue;
-        if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() >= deadline)
-            return false;
+    for (;;) {
+        const Lock result = tryLock(descriptor, lock);
+        if (result != Lock::Busy || std::chrono::steady_clock::now() >= deadline)
+            return result;
         std::this_thread::sleep_for(pause);
         pause = std::min(pause * 2, kLongestLockPause);
     }
-    return true;
 }
 
 bool namesFile(const std::string& path, int descriptor)

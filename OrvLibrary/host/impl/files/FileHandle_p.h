@@ -54,11 +54,28 @@ bool mayWrite(const std::string& path, const struct stat& status);
 FileHandle openFile(const std::string& path, int flags, mode_t mode = 0);
 /// Opens a regular file for reading; anything else is refused.
 FileHandle openRegularFile(const std::string& path);
-/// Opens an existing file only to lock it, readable or not.
+/// Opens an existing file only to lock it: for reading and writing where the permissions allow both, else for
+/// one of them.
 FileHandle openForLock(const std::string& path, int extraFlags = 0);
 
-/// Takes a lock of `flock`: LOCK_SH or LOCK_EX.
-bool waitForLock(int descriptor, int lock, Deadline deadline);
+/// How an attempt to lock a file ended.
+enum class Lock
+{
+    Held,    ///< the lock is ours
+    Unknown, ///< the file system has no locks; its files are used without them
+    Busy,    ///< somebody else holds the lock; `errno` is EWOULDBLOCK
+    Failed   ///< the system gave another reason, in `errno`
+};
+
+/// Tries once to take a lock of `flock`: LOCK_SH or LOCK_EX.
+Lock tryLock(int descriptor, int lock);
+/// Takes such a lock, and tries again until `deadline` while somebody else holds it.
+Lock waitForLock(int descriptor, int lock, Deadline deadline);
+/// Whether the file may be used after an attempt that ended so.
+inline bool mayUse(Lock lock)
+{
+    return lock == Lock::Held || lock == Lock::Unknown;
+}
 /// Whether `path` still names the open file; links are followed.
 bool namesFile(const std::string& path, int descriptor);
 

@@ -39,7 +39,7 @@ bool isMissing(const fileString& path)
 bool isLocked(const std::string& path)
 {
     const host::FileHandle file = host::openForLock(path);
-    return file && flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+    return file && host::tryLock(file.get(), LOCK_EX) == host::Lock::Busy;
 }
 
 /// The folder without separators at its end, with which a link would be followed; empty when it is none that

@@ -49,11 +49,11 @@ namespace FileUtils {
 
 bool copyFile(const fileString& from, const fileString& to, bool overwrite)
 {
-    if (!overwrite && host::nameIsTaken(to.toNativeString()))
-        return false;
+    using Mode = host::ReplacementFile::Mode;
     const host::FileHandle source = host::openRegularFile(from.toNativeString());
     const auto copy =
-        source ? copyBeside(source.get(), to.toNativeString(), host::ReplacementFile::Mode::Locked) : nullptr;
+        source ? copyBeside(source.get(), to.toNativeString(), overwrite ? Mode::Locked : Mode::Fresh)
+               : nullptr;
     return copy && copy->commit();
 }
 

@@ -71,7 +71,7 @@ host::FileHandle openLocked(const std::string& path, bool append)
         }
         host::FileHandle file =
             append ? host::openFile(path, O_WRONLY | O_APPEND | O_CREAT, 0666) : host::openRegularFile(path);
-        if (!file || !host::waitForLock(file.get(), append ? LOCK_EX : LOCK_SH, deadline))
+        if (!file || !host::mayUse(host::waitForLock(file.get(), append ? LOCK_EX : LOCK_SH, deadline)))
             return {};
         if (host::namesFile(path, file.get()))
             return file;

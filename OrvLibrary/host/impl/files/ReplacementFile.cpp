@@ -1,9 +1,11 @@
 #include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <thread>
 #include <utility>
 
 #include <fcntl.h>
@@ -17,6 +19,7 @@ namespace host {
 namespace {
 
 constexpr int kMostLinks = 40;
+constexpr std::chrono::milliseconds kLeftoverAge{1000};
 constexpr std::size_t kNameBytesKept = 180; // leaves room in the 255 bytes of a name
 
 /// Where a chain of links ends, be there a file or not; empty for a circle.
@@ -47,6 +50,47 @@ std::string hashText(const std::string& text)
     char digits[17];
     std::snprintf(digits, sizeof digits, "%016llx", static_cast<unsigned long long>(hash));
     return digits;
+}
+
+/// Whether nobody writes to the file for a while, which tells a leftover where files have no locks.
+bool staysUnchanged(int file, Deadline deadline)
+{
+    struct stat before = {};
+    struct stat after = {};
+    const bool isSeen = fstat(file, &before) == 0;
+    std::this_thread::sleep_until(std::min(deadline, std::chrono::steady_clock::now() + kLeftoverAge));
+    const auto& old = before.st_mtim;
+    const auto& now = after.st_mtim;
+    if (isSeen && fstat(file, &after) == 0 && before.st_size == after.st_size && old.tv_sec == now.tv_sec &&
+        old.tv_nsec == now.tv_nsec)
+        return true;
+    errno = EWOULDBLOCK;
+    return false;
+}
+
+/// Renames a file to a name that nothing has, also where another process takes that name at the same moment.
+bool renameWithoutReplacing(const std::string& from, const std::string& to)
+{
+    if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL && errno != ENOSYS)
+        return false;
+    // Network file systems know no such rename, but links, which never replace anything either.
+    if (link(from.c_str(), to.c_str()) == 0) {
+        unlink(from.c_str()); // a second name that stays is a leftover, which the next writer removes
+        return true;
+    }
+    if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS)
+        return false;
+    // Without links the name is taken by an empty file of ours, which the rename then replaces.
+    if (!openFile(to, O_WRONLY | O_CREAT | O_EXCL, 0600))
+        return false;
+    if (rename(from.c_str(), to.c_str()) == 0)
+        return true;
+    const int reason = errno;
+    unlink(to.c_str());
+    errno = reason;
+    return false;
 }
 
 } // namespace
@@ -94,6 +138,8 @@ ReplacementFile::Attempt ReplacementFile::lockTarget(Deadline deadline)
 {
     if (mMode == Mode::Replaced)
         return Attempt::Done;
+    if (mMode == Mode::Fresh)
+        return targetIsUnchanged() ? Attempt::Done : Attempt::Failed;
     const auto status = fileStatus(mTarget);
     if (!status)
         return errno == ENOENT && isUsable(mTarget) ? Attempt::Done : Attempt::Failed;
@@ -104,7 +150,7 @@ ReplacementFile::Attempt ReplacementFile::lockTarget(Deadline deadline)
     mTargetLock = openForLock(mTarget);
     if (!mTargetLock)
         return errno == ENOENT ? Attempt::Again : Attempt::Failed;
-    if (!waitForLock(mTargetLock.get(), LOCK_EX, deadline))
+    if (!mayUse(waitForLock(mTargetLock.get(), LOCK_EX, deadline)))
         return Attempt::Failed;
     return namesFile(mTarget, mTargetLock.get()) ? Attempt::Done : Attempt::Again;
 }
@@ -117,7 +163,7 @@ ReplacementFile::Attempt ReplacementFile::createBeside(mode_t newMode, Deadline 
         openFile(mBeside, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW, keepsMode ? old.st_mode & 0777 : newMode);
     if (!mFile)
         return errno == EEXIST ? removeOld(deadline) : Attempt::Failed;
-    const bool isLocked = waitForLock(mFile.get(), LOCK_EX, deadline);
+    const bool isLocked = mayUse(waitForLock(mFile.get(), LOCK_EX, deadline));
     if (!namesFile(mBeside, mFile.get()))
         return Attempt::Again; // taken for a leftover before it was locked
     mPending = true;
@@ -136,7 +182,8 @@ ReplacementFile::Attempt ReplacementFile::removeOld(Deadline deadline)
     if (!old)
         return errno == ENOENT ? Attempt::Again : Attempt::Failed;
     // Who gets the lock knows that the writer is gone, or has renamed its file.
-    if (!waitForLock(old.get(), LOCK_EX, deadline))
+    const Lock lock = waitForLock(old.get(), LOCK_EX, deadline);
+    if (!mayUse(lock) || (lock == Lock::Unknown && !staysUnchanged(old.get(), deadline)))
         return Attempt::Failed;
     const bool isLeftover = namesFile(mBeside, old.get());
     if (isLeftover && unlink(mBeside.c_str()) != 0 && errno != ENOENT)
@@ -148,13 +195,28 @@ bool ReplacementFile::targetIsUnchanged() const
 {
     if (mMode == Mode::Replaced)
         return true;
-    return mTargetLock ? namesFile(mTarget, mTargetLock.get()) : !nameIsTaken(mTarget);
+    if (mTargetLock)
+        return namesFile(mTarget, mTargetLock.get());
+    const bool isTaken = nameIsTaken(mTarget);
+    errno = isTaken ? EEXIST : errno;
+    return !isTaken;
+}
+
+bool ReplacementFile::putInPlace() const
+{
+    // Where files have no locks, another writer may have taken this one for a leftover.
+    if (!namesFile(mBeside, mFile.get())) {
+        errno = nameIsTaken(mBeside) ? EBUSY : ENOENT;
+        return false;
+    }
+    return mMode == Mode::Fresh ? renameWithoutReplacing(mBeside, mTarget)
+                                : rename(mBeside.c_str(), mTarget.c_str()) == 0;
 }
 
 bool ReplacementFile::commit(Durability durability)
 {
     const bool isSynced = durability != Durability::Unsynced;
-    if (!mPending || (isSynced && fsync(mFile.get()) != 0) || rename(mBeside.c_str(), mTarget.c_str()) != 0)
+    if (!mPending || (isSynced && fsync(mFile.get()) != 0) || !putInPlace())
         return false;
     mPending = false;
     return durability != Durability::Synced || syncFolderOf(mTarget);
@@ -182,7 +244,7 @@ void ReplacementFile::removeLeftover(const std::string& target)
 {
     const std::string beside = besideName(target);
     const FileHandle old = openForLock(beside, O_NOFOLLOW);
-    if (old && flock(old.get(), LOCK_EX | LOCK_NB) == 0 && namesFile(beside, old.get()))
+    if (old && tryLock(old.get(), LOCK_EX) == Lock::Held && namesFile(beside, old.get()))
         unlink(beside.c_str());
 }
 

@@ -12,14 +12,16 @@ namespace host {
 ///
 /// The file beside has a name of its own per target (`besideName`) and is locked as long as it is written. So
 /// two writers of one target exclude each other even when the target does not exist yet, and what a killed
-/// process left is recognised, because nobody holds its lock, and removed by the next writer.
+/// process left is recognised, because nobody holds its lock, and removed by the next writer. On a file
+/// system without locks the next writer removes a file beside that nobody has written to for a second.
 class ReplacementFile
 {
 public:
     enum class Mode
     {
-        Locked,  ///< what links lead to; locked against readers and writers, must be writable, keeps its mode
-        Replaced ///< the name itself, whatever stands there, as by a rename
+        Locked, ///< what links lead to; locked against readers and writers, must be writable, keeps its mode
+        Replaced, ///< the name itself, whatever stands there, as by a rename
+        Fresh     ///< a name that nothing has; EEXIST when something has it, also at `commit`
     };
 
     /// Opens a file beside `target`. Where no permissions are kept, it has `newMode` less the process's mask.
@@ -64,6 +66,7 @@ private:
     Attempt createBeside(mode_t newMode, Deadline deadline);
     Attempt removeOld(Deadline deadline);
     bool targetIsUnchanged() const;
+    bool putInPlace() const;
     void abandon();
 
     std::string mTarget; ///< not a link

@@ -75,7 +75,7 @@ void claimTempFolder(const std::string& folder)
     current.folder = openFile(folder, O_RDONLY | O_DIRECTORY);
     if (!current.folder)
         return;
-    if (flock(current.folder.get(), LOCK_EX | LOCK_NB) == 0)
+    if (tryLock(current.folder.get(), LOCK_EX) == Lock::Held)
         removeLeftovers(folder);
     waitForLock(current.folder.get(), LOCK_SH, std::chrono::steady_clock::now() + kLockWait);
 }
