@@ -23,6 +23,14 @@ if(ORV_WARNINGS_AS_ERRORS)
     target_compile_options(orv_warnings INTERFACE -Werror)
 endif()
 
+# Source files are named from the top of the tree, so that no build path stands in what is installed.
+add_compile_options("-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
+
+# Tests run with the standard library's own checks: an index out of range ends them.
+if(ORV_BUILD_TESTS)
+    add_compile_definitions(_GLIBCXX_ASSERTIONS)
+endif()
+
 if(ORV_SANITIZE)
     add_compile_options(-fsanitize=${ORV_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
     add_link_options(-fsanitize=${ORV_SANITIZE})
