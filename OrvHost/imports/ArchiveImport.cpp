@@ -1,74 +1,261 @@
+// An import has two halves. The first one unpacks to the temporary folder and checks what came out; it needs
+// no lock, and `plan` ends there. The second one holds the lock of the former imports and replaces files: the
+// texture archive, the ".bak" file, then the database.
 #include "OrvHost/imports/ArchiveImport.h"
 
+#include <filesystem>
+#include <set>
 #include <stdexcept>
 
+#include "OrvHost/imports/FormerImports_p.h"
+#include "OrvHost/imports/ImportSteps_p.h"
 #include "OrvHost/imports/LibrarySource.h"
+#include "OrvHost/imports/TextureArchive.h"
 #include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/FileUtils.h"
-#include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/ZipUtils.h"
 
 namespace OrvHost {
 
 namespace {
 
-fileString libraryPath(const LibrarySource& source, bool isProprietary)
+using Options = ArchiveImport::Options;
+using Result = ArchiveImport::Result;
+
+std::set<fileString> memberNames(const fileString& archive)
 {
-    const PathUtils& paths = PathUtils::getObject();
-    const fileString folder =
-        isProprietary ? paths.getManufacturerLibraryPath() : paths.getUserLibraryDatabasePath();
-    return folder + source.stem() + fileString(".orvlib");
+    const std::vector<fileString> names = ZipUtils::getFilenamesInArchive(archive);
+    return {names.begin(), names.end()};
 }
 
-fileString placeTextures(const LibraryImport::FoundFile& referenced, const fileString& library,
-                         bool isProprietary, const std::shared_ptr<ProgressSubject>& progress)
+/// One import of one source.
+class Importing
 {
-    if (!referenced.first)
-        return {};
-    const fileString textures = LibraryImport::getArchivedTexturePath(library, isProprietary);
-    if (!LibraryImport::moveArchivedTextures(referenced.second, textures, progress))
-        throw std::runtime_error(textures.toNativeString() + ": the textures cannot be put there");
-    return textures;
-}
+public:
+    Importing(const fileString& root, const Options& options, Result& result,
+              const std::shared_ptr<ProgressSubject>& progress)
+        : mRoot(root),
+          mOptions(options),
+          mResult(result),
+          mSource(result.source),
+          mSteps(std::make_shared<ImportSteps>(progress))
+    {
+    }
 
-/// A copy of the library, in place of whatever former one was kept, be it read-only as its original was.
-void keepFormer(const fileString& library)
-{
-    const fileString backup = library + fileString(".bak");
-    fileString copy;
-    copy.generateAsTempName(".bak");
-    const FileReaper guard(copy);
-    if (!FileUtils::copyFile(library, copy, true))
-        throw std::runtime_error(backup.toNativeString() + ": the former library cannot be kept there");
-    moveOver(copy, backup);
-}
+    void plan()
+    {
+        unpack();
+        foresee();
+        if (mHasTextures && mTextures.pathExists())
+            foreseeMerge();
+        mSteps->throwIfCancelled();
+    }
 
-/// The former library is copied aside first, so that the name always stands for a whole library.
-fileString placeDatabase(const LibraryImport::FoundFile& database, const fileString& library)
+    void run()
+    {
+        unpack();
+        mSteps->begin("putting in place");
+        FormerImports former(mRoot, mSteps);
+        foresee();
+        former.begin(mSource.stem().toNativeString(), mOptions.isProprietary, roles());
+        try {
+            placeTextures(former);
+            mSteps->throwIfCancelled();
+            placeDatabase(former);
+        } catch (...) {
+            former.rollBack();
+            throw;
+        }
+        complete(former);
+    }
+
+private:
+    /// Unpacks the source to the temporary folder and checks what came out.
+    void unpack()
+    {
+        const fileString stem = mSource.stem();
+        mLibrary = ImportFiles::library(stem, mOptions.isProprietary);
+        mTextures = ImportFiles::textures(stem, mOptions.isProprietary);
+        mSteps->begin(mSource.isAddress() ? "downloading" : "reading");
+        mFiles = mSource.unpack(mSteps);
+        mSteps->begin("checking");
+        mHasDatabase = mFiles->found.first.first;
+        mHasTextures = mFiles->found.second.first;
+        if (!mHasDatabase && !mHasTextures)
+            throw std::runtime_error(mResult.source + ": holds neither a library nor referenced files");
+        mNames = mHasTextures ? memberNames(newTextures()) : std::set<fileString>();
+    }
+
+    const fileString& newTextures() const { return mFiles->found.second.second; }
+    const fileString& newDatabase() const { return mFiles->found.first.second; }
+
+    /// Fills the result with what the import is going to do.
+    void foresee()
+    {
+        if (mHasDatabase)
+            mResult.library = mLibrary;
+        if (mHasTextures)
+            mResult.textures = mTextures;
+        mResult.replaces = mHasDatabase && mLibrary.pathExists();
+        mResult.added = mNames.size();
+        mResult.replaced = 0;
+        try {
+            if (mHasTextures && mTextures.pathExists())
+                countReplaced();
+        } catch (const std::exception&) {
+            // The archive that is there cannot be read; the merge tells why.
+        }
+    }
+
+    void countReplaced()
+    {
+        for (const fileString& name : memberNames(mTextures))
+            mResult.replaced += mNames.count(name);
+        mResult.added -= mResult.replaced;
+    }
+
+    /// The merge reads those members of the old archive that stay.
+    void foreseeMerge()
+    {
+        const std::string damage = TextureArchive::damageOf(mTextures, mNames, mSteps);
+        if (damage.empty())
+            return;
+        if (!mOptions.setsAside)
+            failFor(damage);
+        mResult.setAside = TextureArchive::setAsideName(mTextures);
+    }
+
+    [[noreturn]] void failFor(const std::string& damage)
+    {
+        mResult.damaged = mTextures;
+        throw std::runtime_error(damage);
+    }
+
+    /// The files that this import changes.
+    std::vector<std::string> roles() const
+    {
+        std::vector<std::string> roles;
+        if (mHasTextures)
+            roles.emplace_back("textures");
+        if (mResult.replaces)
+            roles.emplace_back("library.bak");
+        if (mHasDatabase)
+            roles.emplace_back("library");
+        return roles;
+    }
+
+    void placeTextures(FormerImports& former)
+    {
+        // The library's merge consumes what it is given, also when it fails.
+        fileString offered = newTextures();
+        if (mHasTextures && mTextures.pathExists())
+            offered = copyOf(offered);
+        if (!mHasTextures || LibraryImport::moveArchivedTextures(offered, mTextures, mSteps))
+            return;
+        mSteps->throwIfCancelled();
+        const std::string damage =
+            mTextures.pathExists() ? TextureArchive::damageOf(mTextures, mNames, nullptr) : std::string();
+        if (damage.empty())
+            throw std::runtime_error(mTextures.toNativeString() + ": the textures cannot be put there");
+        if (!mOptions.setsAside)
+            failFor(damage);
+        setAside(former);
+    }
+
+    static fileString copyOf(const fileString& file)
+    {
+        fileString copy;
+        copy.generateAsTempName(file.extension());
+        std::error_code error;
+        std::filesystem::create_hard_link(file.toNativeString(), copy.toNativeString(), error);
+        if (error && !FileUtils::copyFile(file, copy, true))
+            throw std::runtime_error(copy.toNativeString() + ": cannot be written");
+        return copy;
+    }
+
+    void setAside(FormerImports& former)
+    {
+        const fileString name = TextureArchive::setAsideName(mTextures);
+        former.addNewFile("textures" + name.toNativeString().substr(mTextures.toNativeString().size()));
+        TextureArchive::setAside(mTextures, name);
+        mResult.setAside = name;
+        foresee();
+        if (!LibraryImport::moveArchivedTextures(newTextures(), mTextures, mSteps))
+            throw std::runtime_error(mTextures.toNativeString() + ": the textures cannot be put there");
+    }
+
+    /// The former library goes to its ".bak" name first, so that the library's own name always stands for a
+    /// whole library.
+    void placeDatabase(const FormerImports& former) const
+    {
+        if (mResult.replaces)
+            moveOver(former.copyKept("library"), mLibrary + fileString(".bak"));
+        if (!mHasDatabase)
+            return;
+        FileUtils::setFilePermission(newDatabase());
+        mSteps->throwIfCancelled();
+        moveOver(newDatabase(), mLibrary);
+    }
+
+    /// The library is in its place. Should the record not say so, the next import or undo sees it.
+    static void complete(FormerImports& former)
+    {
+        try {
+            former.commit();
+        } catch (const std::exception&) {
+            // Nothing to tell: the import is done.
+        }
+    }
+
+    fileString mRoot;
+    Options mOptions;
+    Result& mResult;
+    LibrarySource mSource;
+    std::shared_ptr<ImportSteps> mSteps;
+    fileString mLibrary;
+    fileString mTextures;
+    std::unique_ptr<UnpackedFiles> mFiles;
+    std::set<fileString> mNames; ///< of the new referenced files
+    bool mHasDatabase = false;
+    bool mHasTextures = false;
+};
+
+using Work = void (Importing::*)();
+
+/// The one place where the exceptions of an import end.
+Result perform(Work work, const fileString& root, const Options& options, const std::string& source,
+               const std::shared_ptr<ProgressSubject>& progress)
 {
-    if (!database.first)
-        return {};
-    if (library.pathExists())
-        keepFormer(library);
-    FileUtils::setFilePermission(database.second);
-    moveOver(database.second, library);
-    return library;
+    Result result;
+    result.source = source;
+    try {
+        (Importing(root, options, result, progress).*work)();
+        return result;
+    } catch (const std::exception& error) {
+        result.error = error.what();
+    }
+    Result failed;
+    failed.source = source;
+    failed.damaged = result.damaged;
+    failed.isCancelled = progress->checkCancel(false);
+    failed.error = failed.isCancelled ? "cancelled" : result.error;
+    return failed;
 }
 
 } // namespace
 
-namespace ArchiveImport {
-
-void run(const std::string& source, bool isProprietary, const std::shared_ptr<ProgressSubject>& progress,
-         Result& result)
+ArchiveImport::ArchiveImport(const fileString& root, const Options& options) : mRoot(root), mOptions(options)
 {
-    result = {};
-    const LibrarySource archive(source);
-    const fileString library = libraryPath(archive, isProprietary);
-    const std::unique_ptr<UnpackedFiles> files = archive.unpack(progress);
-    result.textures = placeTextures(files->found.second, library, isProprietary, progress);
-    result.library = placeDatabase(files->found.first, library);
 }
 
-} // namespace ArchiveImport
+Result ArchiveImport::plan(const std::string& source, const std::shared_ptr<ProgressSubject>& progress) const
+{
+    return perform(&Importing::plan, mRoot, mOptions, source, progress);
+}
+
+Result ArchiveImport::run(const std::string& source, const std::shared_ptr<ProgressSubject>& progress) const
+{
+    return perform(&Importing::run, mRoot, mOptions, source, progress);
+}
 
 } // namespace OrvHost

@@ -59,7 +59,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
       mDetails(new DetailsPane),
       mStatus(new StatusLine(*mUpdateAction, this)),
       mUpdates(new UpdateController(*this, root)),
-      mImports(new ImportController(this))
+      mImports(new ImportController(root, this))
 {
     Curl::setProxy(mSettings.proxy.toStdString());
     Appearance::apply(mSettings.colours);

@@ -12,6 +12,7 @@
 #include "apps/orv-library/ServeCommand.h"
 #include "apps/orv-library/StatusCommand.h"
 #include "apps/orv-library/StylesCommand.h"
+#include "apps/orv-library/UndoCommand.h"
 #include "apps/orv-library/UnpackCommand.h"
 #include "apps/orv-library/UpdateCommand.h"
 #include "apps/orv-library/VerifyCommand.h"
@@ -25,6 +26,7 @@ CommandList allCommands()
     commands.push_back(std::make_unique<InfoCommand>());
     commands.push_back(std::make_unique<UnpackCommand>());
     commands.push_back(std::make_unique<ImportCommand>());
+    commands.push_back(std::make_unique<UndoCommand>());
     commands.push_back(std::make_unique<PackCommand>());
     commands.push_back(std::make_unique<FiltersCommand>());
     commands.push_back(std::make_unique<ManufacturersCommand>());

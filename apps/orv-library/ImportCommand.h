@@ -1,20 +1,32 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
+#include "OrvHost/imports/ArchiveImport.h"
 #include "apps/orv-library/Command.h"
 
-/// `import SOURCE [--proprietary]`: a packed library becomes one of the user's.
+/// `import SOURCE… [--proprietary] [--dry-run] [--set-aside] [--no-database-check]`: packed libraries become
+/// the user's.
 class ImportCommand : public Command
 {
 public:
     std::string name() const override { return "import"; }
-    std::string summary() const override { return "Import a library archive"; }
+    std::string summary() const override { return "Import library archives"; }
     void declare(CommandSyntax& syntax) override;
 
 private:
-    ExitStatus run(Session& session) const;
+    using Result = OrvHost::ArchiveImport::Result;
 
-    std::string mSource;
-    bool mProprietary = false;
+    ExitStatus run(Session& session) const;
+    std::vector<Result> importAll(Session& session) const;
+    Result importOne(Session& session, const std::string& source) const;
+    void complain(const std::vector<Result>& results) const;
+    ExitStatus status(const std::vector<Result>& results) const;
+
+    std::vector<std::string> mSources;
+    bool mIsProprietary = false;
+    bool mIsDryRun = false;
+    bool mSetsAside = false;
+    bool mSkipsDatabaseCheck = false;
 };

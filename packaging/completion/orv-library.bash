@@ -1,7 +1,7 @@
 # bash completion for orv-library
 _orv_library() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands="paths update list info unpack import pack filters manufacturers styles log status verify publish serve sample"
+    local commands="paths update list info unpack import undo pack filters manufacturers styles log status verify publish serve sample"
     local common="--root --json --progress --trace --help --version"
     local command="" word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
@@ -29,7 +29,7 @@ _orv_library() {
     case $command in
         update) options="--url --product --product-version --core-only --index --bonus --manufacturer" ;;
         unpack) options="--beside --output-dir" ;;
-        import) options="--proprietary" ;;
+        import) options="--proprietary --dry-run --set-aside --no-database-check" ;;
         pack) options="--output" ;;
         filters) options="--id" ;;
         manufacturers) options="--data-url --logo-url" ;;

@@ -201,7 +201,7 @@ class Formats(unittest.TestCase):
         by_their_rooms = {"catalog_filters", "manufacturer_data"}
         self.assertEqual(found - by_their_rooms, {
             "browser-settings", "catalog-database", "catalog_hash", "content-index", "errors-log", "preferences",
-            "service-maps", "update-history"})
+            "former-imports", "service-maps", "update-history"})
 
     def test_every_file_has_a_page(self):
         """Whatever the programs leave behind in a root and in a service is named in the index."""
@@ -248,6 +248,22 @@ class Formats(unittest.TestCase):
         described = json.loads(text)
         self.assertEqual(set(written), set(described))
         self.assertEqual(set(written["answers"]["Doors.orvlib"]), set(described["answers"]["Doors.orvlib"]))
+
+    def test_former_imports(self):
+        [text] = self.examples("former-imports", "json")
+        content = os.path.join(self.work, "content")
+        subprocess.run([PROGRAM, "sample", content], check=True, capture_output=True)
+        self.program("import", os.path.join(content, "content", "Garden Party.orvlibz"))
+        folder = os.path.join(self.root, "former-imports")
+        with open(os.path.join(folder, "imports.json")) as stream:
+            [written] = json.load(stream)["imports"]
+        [described] = json.loads(text)["imports"]
+        self.assertEqual(set(written), set(described))
+        self.assertEqual([set(file) for file in written["files"]], [set(file) for file in described["files"]])
+        self.assertEqual(written["name"], "Garden%20Party")
+        # Read as it stands on the page: files that are gone can be taken back.
+        self.write("root/former-imports/imports.json", text)
+        self.assertTrue(self.program("undo")["library"].endswith("/user/Küche.orvlib"))
 
     def test_browser_settings(self):
         [text] = self.examples("browser-settings", "json")

@@ -1,5 +1,7 @@
 #include <filesystem>
 
+#include <QJsonArray>
+
 #include "tests/orv-library/ImportFixture.h"
 #include "tests/support/FaultServer.h"
 
@@ -14,12 +16,40 @@ class ImportCommand : public ImportFixture
 {
 };
 
-QJsonObject document(const std::string& library, const std::string& textures)
+QJsonValue value(const std::string& path)
 {
-    const auto value = [](const std::string& path) {
-        return path.empty() ? QJsonValue() : QJsonValue(QString::fromStdString(path));
-    };
-    return {{"library", value(library)}, {"textures", value(textures)}};
+    return path.empty() ? QJsonValue() : QJsonValue(QString::fromStdString(path));
+}
+
+/// What became of one source: of an import that put everything in its place, unless members are replaced.
+QJsonObject entry(const std::string& source, const std::string& library, const std::string& textures,
+                  int added)
+{
+    return {{"source", value(source)},
+            {"library", value(library)},
+            {"textures", value(textures)},
+            {"replaces", false},
+            {"added", added},
+            {"replaced", 0},
+            {"error", QJsonValue()}};
+}
+
+/// The document of a single source.
+QJsonObject document(const QJsonObject& entry)
+{
+    QJsonObject whole{
+        {"library", entry["library"]}, {"textures", entry["textures"]}, {"imports", QJsonArray{entry}}};
+    if (entry["error"].isString())
+        whole["error"] = entry["error"];
+    return whole;
+}
+
+/// The document of a single source of which nothing was imported.
+QJsonObject failure(const std::string& source, const std::string& reason)
+{
+    QJsonObject failed = entry(source, "", "", 0);
+    failed["error"] = QString::fromStdString(reason);
+    return document(failed);
 }
 
 } // namespace
@@ -28,7 +58,8 @@ TEST_F(ImportCommand, libraryAndTexturesGoToTheUsersFolders)
 {
     const ProgramResult result = mProgram.run({"--json", "import", writeKitchen()});
     EXPECT_EQ(result.status, 0) << result.err;
-    EXPECT_EQ(result.json(), document(rootPath("user/Kitchen.orvlib"), rootPath("textures/Kitchen.zip")));
+    EXPECT_EQ(result.json(), document(entry(path("Kitchen.orvlibz"), rootPath("user/Kitchen.orvlib"),
+                                            rootPath("textures/Kitchen.zip"), 2)));
     EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "the database");
     EXPECT_EQ(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))),
               (Contents{{"textures/oak.png", "oak"}, {"tile.jpg", "tile"}}));
@@ -40,8 +71,8 @@ TEST_F(ImportCommand, libraryAndTexturesGoToTheUsersFolders)
 TEST_F(ImportCommand, proprietaryLibraryGoesToTheManufacturersFolders)
 {
     const ProgramResult result = mProgram.run({"--json", "import", "--proprietary", writeKitchen()});
-    EXPECT_EQ(result.json(),
-              document(rootPath("manufacturer/Kitchen.orvlib"), rootPath("referenced/Kitchen.zip")));
+    EXPECT_EQ(result.json(), document(entry(path("Kitchen.orvlibz"), rootPath("manufacturer/Kitchen.orvlib"),
+                                            rootPath("referenced/Kitchen.zip"), 2)));
     EXPECT_EQ(test::readFile(rootPath("manufacturer/Kitchen.orvlib")), "the database");
     EXPECT_TRUE(fs::exists(rootPath("referenced/Kitchen.zip")));
 }
@@ -52,15 +83,16 @@ TEST_F(ImportCommand, whatTheArchiveLacksIsNull)
     database.add("a.orvlib", "the database");
     database.write(mProgram.folder(), "Database.orvlibz");
     EXPECT_EQ(mProgram.run({"--json", "import", path("Database.orvlibz")}).json(),
-              document(rootPath("user/Database.orvlib"), ""));
+              document(entry(path("Database.orvlibz"), rootPath("user/Database.orvlib"), "", 0)));
     test::ArchiveBuilder files;
     files.add("a.png", "picture");
     files.write(mProgram.folder(), "Files.orvlibz");
     EXPECT_EQ(mProgram.run({"--json", "import", path("Files.orvlibz")}).json(),
-              document("", rootPath("textures/Files.zip")));
-    test::ArchiveBuilder().write(mProgram.folder(), "Empty.orvlibz");
-    const ProgramResult none = mProgram.run({"--json", "import", path("Empty.orvlibz")});
-    EXPECT_EQ(none.json(), document("", ""));
+              document(entry(path("Files.orvlibz"), "", rootPath("textures/Files.zip"), 1)));
+    const std::string empty =
+        test::ArchiveBuilder().write(mProgram.folder(), "Empty.orvlibz").toNativeString();
+    const ProgramResult none = mProgram.run({"--json", "import", empty});
+    EXPECT_EQ(none.json(), failure(empty, empty + ": holds neither a library nor referenced files"));
     EXPECT_EQ(none.status, 1);
 }
 
@@ -104,18 +136,56 @@ TEST_F(ImportCommand, formerLibraryThatCannotBeKeptStays)
     EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
 }
 
-TEST_F(ImportCommand, failureStillSaysWhatWasPutInPlace)
+TEST_F(ImportCommand, failedImportChangesNothingAndSaysWhy)
 {
-    QJsonObject expected = document("", "");
-    expected["error"] = QString::fromStdString(path("none.orvlibz: no such file"));
-    EXPECT_EQ(mProgram.run({"--json", "import", path("none.orvlibz")}).json(), expected);
+    const std::string none = path("none.orvlibz");
+    EXPECT_EQ(mProgram.run({"--json", "import", none}).json(), failure(none, none + ": no such file"));
 
     fs::create_directory(rootPath("user/Kitchen.orvlib.bak"));
     mProgram.folder().write("root/user/Kitchen.orvlib", "former");
-    expected = document("", rootPath("textures/Kitchen.zip"));
-    expected["error"] = QString::fromStdString(rootPath("user/Kitchen.orvlib.bak: is a folder"));
-    EXPECT_EQ(mProgram.run({"--json", "import", writeKitchen()}).json(), expected);
-    EXPECT_TRUE(fs::exists(rootPath("textures/Kitchen.zip")));
+    EXPECT_EQ(mProgram.run({"--json", "import", writeKitchen()}).json(),
+              failure(path("Kitchen.orvlibz"), rootPath("user/Kitchen.orvlib.bak: is a folder")));
+    EXPECT_FALSE(fs::exists(rootPath("textures/Kitchen.zip")));
+}
+
+TEST_F(ImportCommand, severalSourcesAreImportedWhateverBecomesOfOne)
+{
+    const std::string kitchen = writeKitchen();
+    const std::string none = path("none.orvlibz");
+    const std::string bath = writeKitchen("Bath.orvlibz");
+    const ProgramResult result = mProgram.run({"--json", "import", kitchen, none, bath});
+    EXPECT_EQ(result.status, 1);
+    QJsonObject failed = entry(none, "", "", 0);
+    failed["error"] = QString::fromStdString(none + ": no such file");
+    EXPECT_EQ(
+        result.json(),
+        (QJsonObject{
+            {"library", QJsonValue()},
+            {"textures", QJsonValue()},
+            {"imports",
+             QJsonArray{entry(kitchen, rootPath("user/Kitchen.orvlib"), rootPath("textures/Kitchen.zip"), 2),
+                        failed,
+                        entry(bath, rootPath("user/Bath.orvlib"), rootPath("textures/Bath.zip"), 2)}}}));
+    EXPECT_EQ(test::readFile(rootPath("user/Bath.orvlib")), "the database");
+    EXPECT_THAT(result.err, testing::EndsWith("orv-library: " + none + ": no such file\n"));
+}
+
+TEST_F(ImportCommand, dryRunSaysWhatWouldComeAndChangesNothing)
+{
+    mProgram.run({"import", writeKitchen()});
+    mKitchen.add("door.png", "door");
+    const std::string archive = writeKitchen();
+    const auto before = everything();
+    const ProgramResult result = mProgram.run({"--json", "import", "--dry-run", archive});
+    EXPECT_EQ(result.status, 0) << result.err;
+    QJsonObject expected =
+        entry(archive, rootPath("user/Kitchen.orvlib"), rootPath("textures/Kitchen.zip"), 1);
+    expected["replaces"] = true;
+    expected["replaced"] = 2;
+    expected = document(expected);
+    expected["dryRun"] = true;
+    EXPECT_EQ(result.json(), expected);
+    EXPECT_EQ(everything(), before);
 }
 
 TEST_F(ImportCommand, badSourcesChangeNothing)

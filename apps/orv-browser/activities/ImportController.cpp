@@ -47,7 +47,8 @@ private:
     std::shared_ptr<std::atomic<bool>> mCancelled;
 };
 
-ImportController::ImportController(QWidget* window) : QObject(window), mWindow(window)
+ImportController::ImportController(const fileString& root, QWidget* window)
+    : QObject(window), mRoot(root), mWindow(window)
 {
     mPool.setMaxThreadCount(1);
 }
@@ -99,23 +100,19 @@ void ImportController::next()
     const auto progress = std::make_shared<Progress>(*this, show, mCancelled);
     Background::run(
         mPool, this,
-        [source, progress] { return importOne(QFile::encodeName(source).toStdString(), progress); },
+        [root = mRoot, source, progress] {
+            return importOne(root, QFile::encodeName(source).toStdString(), progress);
+        },
         [this, source](const Outcome& outcome) { ended(source, outcome); });
 }
 
-ImportController::Outcome ImportController::importOne(const std::string& source,
+ImportController::Outcome ImportController::importOne(const fileString& root, const std::string& source,
                                                       const std::shared_ptr<ProgressSubject>& progress)
 {
-    try {
-        OrvHost::ArchiveImport::Result result;
-        OrvHost::ArchiveImport::run(source, false, progress, result);
-        if (progress->checkCancel(false))
-            return {{}, tr("cancelled")};
-        const bool isEmpty = result.library.empty() && result.textures.empty();
-        return {result.library, isEmpty ? tr("it holds no library") : QString()};
-    } catch (const std::exception& error) {
-        return {{}, QString::fromUtf8(error.what())};
-    }
+    const OrvHost::ArchiveImport::Result result = OrvHost::ArchiveImport(root, {}).run(source, progress);
+    if (result.isCancelled)
+        return {{}, tr("cancelled")};
+    return {result.library, QString::fromUtf8(result.error.c_str())};
 }
 
 void ImportController::ended(const QString& source, const Outcome& outcome)

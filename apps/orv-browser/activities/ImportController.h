@@ -20,7 +20,8 @@ class ImportController : public QObject
     Q_OBJECT
 
 public:
-    explicit ImportController(QWidget* window);
+    /// @param root of the library, where former imports are kept
+    ImportController(const fileString& root, QWidget* window);
     /// Cancels what is under way and waits for it.
     ~ImportController() override;
 
@@ -40,10 +41,12 @@ private:
     class Progress;
     struct Outcome;
 
-    static Outcome importOne(const std::string& source, const std::shared_ptr<ProgressSubject>& progress);
+    static Outcome importOne(const fileString& root, const std::string& source,
+                             const std::shared_ptr<ProgressSubject>& progress);
     void next();
     void ended(const QString& source, const Outcome& outcome);
 
+    fileString mRoot;
     QThreadPool mPool;
     QStringList mQueue;
     std::shared_ptr<std::atomic<bool>> mCancelled;

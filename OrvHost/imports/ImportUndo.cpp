@@ -1,0 +1,57 @@
+#include "OrvHost/imports/ImportUndo.h"
+
+#include <stdexcept>
+
+#include "OrvHost/imports/FormerImports_p.h"
+
+namespace OrvHost {
+
+namespace {
+
+ImportUndo::Import importOf(const ImportEntry& entry)
+{
+    ImportUndo::Import import;
+    import.name = entry.name;
+    if (const ImportPart* library = entry.part("library"))
+        import.library = entry.path(*library);
+    if (const ImportPart* textures = entry.part("textures"))
+        import.textures = entry.path(*textures);
+    return import;
+}
+
+} // namespace
+
+ImportUndo::ImportUndo(const fileString& root) : mRoot(root) {}
+
+std::optional<ImportUndo::Import> ImportUndo::last() const
+{
+    try {
+        const std::vector<ImportEntry> entries = ImportRecord::read(FormerImports::folderOf(mRoot));
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+            const bool hasBegun = entry->state == ImportEntry::State::Begun;
+            if (entry->state == ImportEntry::State::Done || (hasBegun && entry->hasTakenPlace()))
+                return importOf(*entry);
+        }
+    } catch (const std::exception&) {
+        // A record that cannot be read offers nothing; `run` says why.
+    }
+    return std::nullopt;
+}
+
+ImportUndo::Import ImportUndo::run()
+{
+    const char* const kNone = "there is no import to take back";
+    // Asked first, so that no folder is made where there was never an import.
+    if (ImportRecord::read(FormerImports::folderOf(mRoot)).empty())
+        throw std::runtime_error(kNone);
+    FormerImports former(mRoot, nullptr);
+    if (former.completedUndo())
+        return importOf(*former.completedUndo());
+    if (former.entries().empty())
+        throw std::runtime_error(kNone);
+    const Import import = importOf(former.entries().back());
+    former.undoLast();
+    return import;
+}
+
+} // namespace OrvHost

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+#include <set>
+#include <string>
+
+#include "OrvHost/OrvHostExport.h"
+#include "OrvLibrary/host/ProgressSubject.h"
+#include "OrvLibrary/host/fileString.h"
+
+/// Damage in an archive of referenced files, and the way out of it. Functions may be called from any thread.
+namespace OrvHost::TextureArchive {
+
+/// Reads the members of an archive.
+/// @param skipped members that are not read
+/// @param progress may be null; told the bytes, and asked for a cancel before each member
+/// @return why the archive is not sound, with its path and the member: `/a/Kitchen.zip: member "oak.png": its
+/// checksum is wrong`; empty when it is sound, and after a cancel
+ORVHOST_EXPORT std::string damageOf(const fileString& archive, const std::set<fileString>& skipped,
+                                    const std::shared_ptr<ProgressSubject>& progress);
+
+/// The name under which a damaged archive is kept: "NAME.zip.damaged", or the first free one of
+/// "NAME.zip.damaged.2", "NAME.zip.damaged.3" and so on.
+ORVHOST_EXPORT fileString setAsideName(const fileString& archive);
+
+/// Keeps a damaged archive under another name and puts an archive of its sound members in its place. Where no
+/// member is sound, nothing is left in its place. Until then the archive's name stands for the old file.
+/// @param keptAs a name in the same folder that nothing has, see `setAsideName`
+/// @return how many members were taken over
+/// @throws std::runtime_error when a file cannot be written; the archive is then as it was
+ORVHOST_EXPORT std::size_t setAside(const fileString& archive, const fileString& keptAs);
+
+} // namespace OrvHost::TextureArchive
