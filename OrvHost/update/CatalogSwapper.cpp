@@ -1,5 +1,6 @@
 #include "OrvHost/update/CatalogSwapper.h"
 
+#include "OrvHost/health/DatabaseCheck.h"
 #include "OrvHost/update/HashFile.h"
 #include "OrvHost/update/Sha1Tag.h"
 #include "OrvLibrary/host/FileUtils.h"
@@ -8,6 +9,9 @@
 namespace OrvHost {
 
 namespace {
+
+/// `FileUtils::removePath` also removes a read-only file.
+constexpr int kRemoveReadOnly = 1;
 
 fileString folderOf(const fileString& catalog)
 {
@@ -57,17 +61,26 @@ void CatalogSwapper::recoverCatalog(const fileString& destination, const fileStr
 
 bool CatalogSwapper::swapIn(const fileString& destination, const fileString& newFile)
 {
+    const std::string problem = mChecksDatabases ? DatabaseCheck::problemOf(newFile) : std::string();
+    if (!problem.empty()) {
+        mFailed.push_back({destination, "the new file " + problem});
+        FileUtils::removePath(newFile, kRemoveReadOnly);
+        return false;
+    }
     const bool swapped = FileUtils::moveFile(newFile, destination, false);
-    (swapped ? mSwappedIn : mFailed).push_back(destination);
+    if (swapped)
+        mSwappedIn.push_back(destination);
+    else
+        mFailed.push_back({destination, "cannot replace " + destination.toNativeString()});
     return swapped;
 }
 
 std::vector<fileString> CatalogSwapper::forgetFailed() const
 {
     std::vector<fileString> remaining;
-    for (const fileString& destination : mFailed) {
-        if (!forget(destination))
-            remaining.push_back(destination);
+    for (const Failure& failure : mFailed) {
+        if (!forget(failure.destination))
+            remaining.push_back(failure.destination);
     }
     return remaining;
 }

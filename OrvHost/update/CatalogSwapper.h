@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <vector>
 
 #include "OrvHost/OrvHostExport.h"
@@ -8,16 +9,28 @@
 
 namespace OrvHost {
 
-/// Puts new catalogs in their places for a host: what an update hands over with "onCatalogUpdatedEvent", and
-/// what an update that died had left. The destination is replaced by one rename, so at every moment it is
-/// whole, the old catalog or the new one. One object serves one update, on the thread of the host object.
+/// Puts new catalogs in their places for a host: those that an update hands over with
+/// "onCatalogUpdatedEvent", and those that an update left behind when it died. The destination is replaced by
+/// one rename, so at every moment it is whole, the old catalog or the new one. A file that is no sound
+/// database is not put in place. One object serves one update, on the thread of the host object.
 class ORVHOST_EXPORT CatalogSwapper
 {
 public:
-    /// To be called before an update starts, which empties the download folders: swaps in every whole
-    /// catalog that waits there. Nobody else may be updating meanwhile.
+    /// A catalog that stayed as it was.
+    struct Failure
+    {
+        fileString destination;
+        std::string reason; ///< for people
+    };
+
+    /// Whether new catalogs have to be sound databases, which they have to at first. Catalogs of another kind
+    /// need it off.
+    void setDatabaseCheck(bool isOn) { mChecksDatabases = isOn; }
+
+    /// To be called before an update starts, because the update empties the download folders: swaps in every
+    /// whole catalog that waits there. Nobody else may be updating meanwhile.
     void recover();
-    /// Swaps one catalog in.
+    /// Swaps one catalog in. A new file that is no database is removed.
     /// @return false when that failed; the failure is remembered for `forgetFailed`
     bool swapIn(const fileString& destination, const fileString& newFile);
     /// To be called after the update's closing invocation: takes the lines of catalogs that could not be
@@ -27,14 +40,15 @@ public:
 
     /// The destinations that got their new catalogs, in order.
     const std::vector<fileString>& swappedIn() const { return mSwappedIn; }
-    /// The destinations that did not.
-    const std::vector<fileString>& failed() const { return mFailed; }
+    /// Those that did not, in order.
+    const std::vector<Failure>& failed() const { return mFailed; }
 
 private:
     void recoverCatalog(const fileString& destination, const fileString& newFile);
 
+    bool mChecksDatabases = true;
     std::vector<fileString> mSwappedIn;
-    std::vector<fileString> mFailed;
+    std::vector<Failure> mFailed;
 };
 
 } // namespace OrvHost

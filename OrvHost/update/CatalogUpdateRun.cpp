@@ -32,6 +32,7 @@ CatalogUpdateRun::~CatalogUpdateRun()
 
 void CatalogUpdateRun::start(QObject& host)
 {
+    mSwapper.setDatabaseCheck(mRequest.checksDatabases);
     mSwapper.recover();
     const LibraryCatalogUpdater updater(
         host, CatalogFolders::core().catalogs(), catalogSet(CatalogFolders::bonus(), mRequest.bonus),

@@ -37,6 +37,8 @@ public:
         /// File names that end in ".orvlib", to fetch beside the catalogs that are there.
         std::vector<std::string> bonus;
         std::vector<std::string> manufacturer;
+        /// Refuses new catalogs that are no databases.
+        bool checksDatabases = true;
     };
 
     /// Takes the lock on the installed path service's folders.

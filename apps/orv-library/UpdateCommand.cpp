@@ -120,6 +120,7 @@ void UpdateCommand::declare(CommandSyntax& syntax)
     syntax.option("--product", mProduct, "P", "Product that the service is told", Presence::Required);
     syntax.option("--product-version", mProductVersion, "V", "Version that the service is told",
                   Presence::Required);
+    syntax.flag("--no-database-check", mNoDatabaseCheck, "Take catalogs that are no databases");
     syntax.flag("--core-only", mCoreOnly, "Leave bonus and manufacturer catalogs alone");
     syntax.option("--index", mIndex, "NAME",
                   std::string("Core content index; otherwise ") + OrvHost::AppHost::kDefaultContentIndex);
@@ -141,7 +142,7 @@ void UpdateCommand::checkNames() const
 
 OrvHost::CatalogUpdateRun::Request UpdateCommand::request() const
 {
-    return {mUrl, mProduct, mProductVersion, mCoreOnly, mBonus, mManufacturer};
+    return {mUrl, mProduct, mProductVersion, mCoreOnly, mBonus, mManufacturer, !mNoDatabaseCheck};
 }
 
 ExitStatus UpdateCommand::run(Session& session)
@@ -182,7 +183,8 @@ std::string UpdateCommand::failureReason(const UpdateHost& host, const OrvHost::
                                          std::size_t formerLogEntries) const
 {
     if (!swapper.failed().empty())
-        return "cannot replace " + swapper.failed().front().toNativeString();
+        return swapper.failed().front().destination.stemWithExtension().toNativeString() + ": " +
+               swapper.failed().front().reason;
     std::string reason = messageText(host.outcome()->messageCode);
     const fileString logFile = Library::ErrorLog::file();
     const std::vector<OrvHost::ErrorLogEntry> entries = OrvHost::ErrorLogReader::read(logFile);

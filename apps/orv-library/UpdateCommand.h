@@ -29,4 +29,5 @@ private:
     std::vector<std::string> mBonus;
     std::vector<std::string> mManufacturer;
     bool mCoreOnly = false;
+    bool mNoDatabaseCheck = false;
 };

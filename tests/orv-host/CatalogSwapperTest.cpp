@@ -3,17 +3,32 @@
 #include <gmock/gmock.h>
 
 #include "tests/orv-host/HostedTest.h"
+#include "tests/support/SampleDatabase.h"
 
-using CatalogSwapperTest = test::HostedTest;
+namespace {
+
+const char* const kPage = "<html>Please sign in.</html>";
+
+/// Catalogs that are no databases go through, but for the tests of that check.
+class CatalogSwapperTest : public test::HostedTest
+{
+protected:
+    CatalogSwapperTest() { swapper.setDatabaseCheck(false); }
+
+    OrvHost::CatalogSwapper swapper;
+};
+
+} // namespace
 
 TEST_F(CatalogSwapperTest, failedSwapLosesItsHashLineAfterwards)
 {
     folder.write("root/core/Doors.orvlib/in the way", "x");
     folder.write("root/core/catalog_hash.txt", "Doors.orvlib:new\nRoofs.orvlib:same\n");
-    OrvHost::CatalogSwapper swapper;
     EXPECT_FALSE(swapper.swapIn(folder.file("root/core/Doors.orvlib"), folder.write("new", "content")));
     EXPECT_TRUE(swapper.swapIn(folder.file("root/core/Roofs.orvlib"), folder.write("roofs", "content")));
-    EXPECT_THAT(swapper.failed(), testing::ElementsAre(folder.file("root/core/Doors.orvlib")));
+    ASSERT_EQ(1U, swapper.failed().size());
+    EXPECT_EQ(folder.file("root/core/Doors.orvlib"), swapper.failed()[0].destination);
+    EXPECT_EQ("cannot replace " + folder.path() + "/root/core/Doors.orvlib", swapper.failed()[0].reason);
     EXPECT_TRUE(swapper.forgetFailed().empty());
     EXPECT_EQ("Roofs.orvlib:same\n", test::readFile(folder.file("root/core/catalog_hash.txt")));
 }
@@ -24,8 +39,44 @@ TEST_F(CatalogSwapperTest, recoveryKeepsATagThatIsNoChecksumOfTheFormerCatalog)
     folder.write("root/core/catalog_hash.txt", "Doors.orvlib:v17\nRoofs.orvlib:" + former + "\n");
     folder.write("root/temp/orv-library.downloads.core/Doors.orvlib", "new");
     folder.write("root/temp/orv-library.downloads.core/Roofs.orvlib", "new");
-    OrvHost::CatalogSwapper swapper;
     swapper.recover();
     EXPECT_EQ(2U, swapper.swappedIn().size());
     EXPECT_EQ("Doors.orvlib:v17\n", test::readFile(folder.file("root/core/catalog_hash.txt")));
+}
+
+TEST_F(CatalogSwapperTest, whatIsNoDatabaseIsRefusedAndRemoved)
+{
+    folder.write("root/core/Doors.orvlib", "former");
+    folder.write("root/core/catalog_hash.txt", "Doors.orvlib:new\n");
+    const fileString page = folder.write("page", kPage);
+    swapper.setDatabaseCheck(true);
+    EXPECT_FALSE(swapper.swapIn(folder.file("root/core/Doors.orvlib"), page));
+    ASSERT_EQ(1U, swapper.failed().size());
+    EXPECT_EQ("the new file is no database", swapper.failed()[0].reason);
+    EXPECT_FALSE(page.pathExists());
+    EXPECT_EQ("former", test::readFile(folder.file("root/core/Doors.orvlib")));
+    EXPECT_TRUE(swapper.forgetFailed().empty());
+    EXPECT_EQ("", test::readFile(folder.file("root/core/catalog_hash.txt")));
+}
+
+TEST_F(CatalogSwapperTest, databaseTakesThePlaceOfTheFormerCatalog)
+{
+    folder.write("root/core/Doors.orvlib", "former");
+    const fileString newFile = folder.write("new", test::sampleDatabase("doors"));
+    swapper.setDatabaseCheck(true);
+    EXPECT_TRUE(swapper.swapIn(folder.file("root/core/Doors.orvlib"), newFile));
+    EXPECT_EQ(test::sampleDatabase("doors"), test::readFile(folder.file("root/core/Doors.orvlib")));
+}
+
+TEST_F(CatalogSwapperTest, recoveryLeavesWhatIsNoDatabaseAside)
+{
+    folder.write("root/core/Doors.orvlib", "former");
+    folder.write("root/core/catalog_hash.txt", "Doors.orvlib:v17\n");
+    const fileString left = folder.write("root/temp/orv-library.downloads.core/Doors.orvlib", kPage);
+    swapper.setDatabaseCheck(true);
+    swapper.recover();
+    EXPECT_TRUE(swapper.swappedIn().empty());
+    EXPECT_FALSE(left.pathExists());
+    EXPECT_EQ("former", test::readFile(folder.file("root/core/Doors.orvlib")));
+    EXPECT_EQ("", test::readFile(folder.file("root/core/catalog_hash.txt")));
 }

@@ -28,7 +28,7 @@ protected:
 
     OrvHost::CatalogUpdateRun::Request request() const
     {
-        return {service.redirect(), "P", "1", false, {}, {}};
+        return {service.redirect(), "P", "1", false, {}, {}, false};
     }
 
     test::ContentService service;

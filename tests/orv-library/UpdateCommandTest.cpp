@@ -46,8 +46,15 @@ protected:
 
     std::vector<std::string> arguments(const std::vector<std::string>& more = {}) const
     {
-        std::vector<std::string> all = {
-            "--json", "update", "--url", service.redirect(), "--product", "Orv", "--product-version", "7"};
+        std::vector<std::string> all = {"--json",
+                                        "update",
+                                        "--url",
+                                        service.redirect(),
+                                        "--product",
+                                        "Orv",
+                                        "--product-version",
+                                        "7",
+                                        "--no-database-check"};
         all.insert(all.end(), more.begin(), more.end());
         return all;
     }

@@ -160,12 +160,16 @@ class Hostile:
                 if file.read() != b"sentinel":
                     self.complain(f"user/{name} was written over")
 
+    def update(self):
+        return ["update", "--url", self.service.url("/redirect"), "--product", "P", "--product-version", "1",
+                "--no-database-check"]
+
     def index(self, hostile):
         self.prepare()
         lines = [in_bytes(name + extension) for name in hostile for extension in (".orvlib", ".zip")]
         self.service.pages["index"] = b"\n".join(lines + [b"Good.orvlib", b""])
         for _ in range(2):
-            self.run("update", "--url", self.service.url("/redirect"), "--product", "P", "--product-version", "1")
+            self.run(*self.update())
             self.expect_flat("core", "bonus", "manufacturer", "referenced")
             self.expect_sentinels()
         if not os.path.exists(os.path.join(self.sandbox, "root/core/Good.orvlib")):
@@ -179,7 +183,7 @@ class Hostile:
         self.service.pages["index"] = b"Good.orvlib\n"
         scenarios.write(os.path.join(self.sandbox, "root/core/Good.orvlib"), b"good")
         for command in (["status"], ["verify"], ["verify", "--repair"],
-                        ["update", "--url", self.service.url("/redirect"), "--product", "P", "--product-version", "1"]):
+                        self.update()):
             self.run(*command)
             self.expect_flat("core", "bonus", "manufacturer", "referenced")
             self.expect_sentinels()

@@ -248,7 +248,7 @@ class Update(Scenario):
         return [self.arguments(sandbox, service)]
 
     def arguments(self, sandbox, service):
-        return ["update", "--url", service["redirect"], "--product", "P", "--product-version", "1",
+        return ["update", "--url", service["redirect"], "--product", "P", "--product-version", "1", "--no-database-check",
                 "--bonus", "Party.orvlib", "--manufacturer", "Maker.orvlib"]
 
 
