@@ -33,11 +33,23 @@ private:
     fileString mContentIndex;
 };
 
-fileString absoluteRoot(const fileString& root)
+/// The well-known folders, with another temporary folder where one was chosen.
+class HostPaths : public RootPathUtils
 {
-    const fileString chosen = root.empty() ? RootPathUtils::defaultRoot() : root;
-    return fileString(fs::absolute(chosen.toNativeString()).lexically_normal().string());
-}
+public:
+    HostPaths(const fileString& root, const fileString& temporaryFolder)
+        : RootPathUtils(root), mTemporaryFolder(temporaryFolder)
+    {
+    }
+
+    fileString getTempPath() const override
+    {
+        return mTemporaryFolder.empty() ? RootPathUtils::getTempPath() : mTemporaryFolder / fileString();
+    }
+
+private:
+    fileString mTemporaryFolder;
+};
 
 void declarePreferences(FilePrefSet& preferences)
 {
@@ -52,8 +64,8 @@ class AppHost::Services
 {
 public:
     explicit Services(const Settings& settings)
-        : mPaths(absoluteRoot(settings.root)),
-          mPreferences(preparedPreferencesFile(mPaths)),
+        : mPaths(rootOf(settings.root), settings.temporaryFolder),
+          mPreferences(preparedPreferencesFile(mPaths, settings.createsFolders)),
           mEngine(mPreferences),
           mApplication(settings.contentIndexName)
     {
@@ -82,15 +94,15 @@ public:
 
 private:
     /// The folders come first: the preferences are read from one of them.
-    static fileString preparedPreferencesFile(const RootPathUtils& paths)
+    static fileString preparedPreferencesFile(const RootPathUtils& paths, bool createsFolders)
     {
         std::string reason;
-        if (!paths.createFolders(reason))
+        if (createsFolders && !paths.createFolders(reason))
             throw std::runtime_error("cannot create " + reason);
         return paths.root() / fileString("preferences.json");
     }
 
-    RootPathUtils mPaths;
+    HostPaths mPaths;
     FilePrefSet mPreferences;
     PreferenceEngine mEngine;
     ProgramApplication mApplication;
@@ -101,6 +113,12 @@ private:
     Application* mFormerApplication = nullptr;
     error::MessagingSystem* mFormerMessages = nullptr;
 };
+
+fileString AppHost::rootOf(const fileString& chosen)
+{
+    const fileString root = chosen.empty() ? RootPathUtils::defaultRoot() : chosen;
+    return RootPathUtils(fileString(fs::absolute(root.toNativeString()).lexically_normal().string())).root();
+}
 
 AppHost::AppHost(const Settings& settings) : mServices(std::make_unique<Services>(settings)) {}
 

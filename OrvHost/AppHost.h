@@ -24,7 +24,14 @@ public:
     {
         fileString root; ///< made absolute; the default root when empty
         std::string contentIndexName = kDefaultContentIndex;
+        /// Whether folders that are missing are made; without them the services only name the paths.
+        bool createsFolders = true;
+        /// Where temporary files lie; "temp/" below the root when it is empty.
+        fileString temporaryFolder{};
     };
+
+    /// The root that `settings` means: absolute, with its final separator.
+    static fileString rootOf(const fileString& chosen);
 
     /// Creates the folders that are missing and installs the services.
     /// @throws std::runtime_error when a folder cannot be created, with the folder and the system's text

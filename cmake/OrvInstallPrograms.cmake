@@ -16,9 +16,26 @@ if(NOT ORV_SCDOC)
 endif()
 set(manual)
 foreach(page IN ITEMS
-        orv-browser orv-library orv-library-filters orv-library-import orv-library-info orv-library-list orv-library-log orv-library-manufacturers
-        orv-library-pack orv-library-paths orv-library-publish orv-library-sample orv-library-serve orv-library-status
-        orv-library-styles orv-library-undo orv-library-unpack orv-library-update orv-library-verify)
+        orv-browser
+        orv-library
+        orv-library-filters
+        orv-library-help
+        orv-library-import
+        orv-library-info
+        orv-library-list
+        orv-library-log
+        orv-library-manufacturers
+        orv-library-pack
+        orv-library-paths
+        orv-library-publish
+        orv-library-sample
+        orv-library-serve
+        orv-library-status
+        orv-library-styles
+        orv-library-undo
+        orv-library-unpack
+        orv-library-update
+        orv-library-verify)
     set(output "${PROJECT_BINARY_DIR}/man/${page}.1")
     set(source "${PROJECT_SOURCE_DIR}/docs/man/${page}.1.scd")
     add_custom_command(OUTPUT "${output}" DEPENDS "${source}"

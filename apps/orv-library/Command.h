@@ -24,7 +24,7 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/// The user asked for what makes no sense: ends the program with status 2 and the usage of the command. To be
+/// The user asked for what makes no sense: ends the program with status 2 and the place of the help. To be
 /// thrown before anything was changed.
 class UsageError : public std::runtime_error
 {

@@ -111,6 +111,13 @@ const CLI::App& chosenApp(const CLI::App& app)
     return given.empty() ? app : chosenApp(*given.front());
 }
 
+/// The parser gives some of its reasons in several lines.
+std::string oneLine(std::string text)
+{
+    std::replace(text.begin(), text.end(), '\n', ' ');
+    return text;
+}
+
 /// An empty value after "=" becomes an argument of its own: the parser would take the next word for it.
 std::vector<std::string> separateEmptyValues(const std::vector<std::string>& arguments)
 {
@@ -150,7 +157,7 @@ public:
     void addGlobalOptions(CLI::App& app)
     {
         app.set_help_flag("-h,--help", "Print this help and exit")->group(kGlobalGroup);
-        app.set_version_flag("--version", std::string(kProgram) + " " + ORVLIBRARY_VERSION_STRING,
+        app.set_version_flag("-V,--version", std::string(kProgram) + " " + ORVLIBRARY_VERSION_STRING,
                              "Print the version and exit")
             ->group(kGlobalGroup);
         addTextOption(app, "--root", "DIR", mOptions.root,
@@ -235,7 +242,9 @@ public:
 
     std::string usage(const std::string& reason) const
     {
-        return std::string(kProgram) + ": " + reason + "\n\n" + chosenApp(mApp).help(chosenPrefix());
+        const std::string prefix = chosenPrefix();
+        const std::string command = prefix + (prefix.empty() ? "" : " ") + chosenApp(mApp).get_name();
+        return std::string(kProgram) + ": " + oneLine(reason) + "\nTry '" + command + " --help'.\n";
     }
 
     CLI::App mApp;

@@ -29,7 +29,7 @@ public:
     const GlobalOptions& options() const;
     const CommandSyntax::Work& work() const;
     const std::string& text() const;
-    /// What is printed for wrong usage of the command that was given: the reason and how it is used.
+    /// The two lines for wrong usage of the command that was given: the reason, and where its help is.
     std::string usage(const std::string& reason) const;
 
 private:

@@ -1,5 +1,6 @@
 #include "apps/orv-library/Command.h"
 #include "apps/orv-library/FiltersCommand.h"
+#include "apps/orv-library/HelpCommand.h"
 #include "apps/orv-library/ImportCommand.h"
 #include "apps/orv-library/InfoCommand.h"
 #include "apps/orv-library/ListCommand.h"
@@ -37,5 +38,6 @@ CommandList allCommands()
     commands.push_back(std::make_unique<SampleCommand>());
     commands.push_back(std::make_unique<ServeCommand>());
     commands.push_back(std::make_unique<StylesCommand>());
+    commands.push_back(std::make_unique<HelpCommand>());
     return commands;
 }

@@ -4,6 +4,8 @@
 
 #include <QJsonDocument>
 
+#include "apps/orv-library/Interrupt.h"
+
 namespace {
 
 void print(std::FILE* stream, const std::string& text)
@@ -12,13 +14,37 @@ void print(std::FILE* stream, const std::string& text)
     std::fflush(stream);
 }
 
+std::string line(const QJsonObject& document)
+{
+    return QJsonDocument(document).toJson(QJsonDocument::Compact).toStdString() + "\n";
+}
+
+QJsonObject withError(QJsonObject document, const std::string& reason)
+{
+    document["error"] = jsonText(reason);
+    return document;
+}
+
 } // namespace
+
+Console::Console(bool json) : mJson(json)
+{
+    resultSoFar({});
+}
+
+void Console::resultSoFar(const QJsonObject& document)
+{
+    mSoFar = document;
+    if (mJson)
+        Interrupt::setLastWords(line(withError(document, "interrupted")));
+}
 
 void Console::result(const QJsonObject& document, const std::string& text)
 {
     mHasResult = true;
+    Interrupt::setLastWords({});
     if (mJson)
-        print(stdout, QJsonDocument(document).toJson(QJsonDocument::Compact).toStdString() + "\n");
+        print(stdout, line(document));
     else
         print(stdout, text);
 }
@@ -26,11 +52,8 @@ void Console::result(const QJsonObject& document, const std::string& text)
 void Console::failure(const std::string& reason)
 {
     complain(reason);
-    if (!mJson || mHasResult)
-        return;
-    QJsonObject document = mSoFar;
-    document["error"] = jsonText(reason);
-    result(document, {});
+    if (mJson && !mHasResult)
+        result(withError(mSoFar, reason), {});
 }
 
 void Console::note(const std::string& line)

@@ -9,13 +9,14 @@
 class Console
 {
 public:
-    explicit Console(bool json) : mJson(json) {}
+    explicit Console(bool json);
 
     /// The result of the command, given once: the document with --json, otherwise the text.
     /// @param text whole lines; nothing is printed when it is empty
     void result(const QJsonObject& document, const std::string& text);
     /// What the command has done until now, as its document says it: all of it, should the command fail.
-    void resultSoFar(const QJsonObject& document) { mSoFar = document; }
+    /// An interrupt that ends the program prints it, too.
+    void resultSoFar(const QJsonObject& document);
     /// The command failed: one clear line on standard error and, with --json, the document of what it has
     /// done until then with the reason as "error", so that a script can always read one. No second document
     /// after a result.

@@ -19,7 +19,7 @@ constexpr long kNone = -1;
 /// The manager, on the host's folders.
 LibraryFilterManager& manager(Session& session)
 {
-    session.host();
+    session.existingHost();
     return LibraryFilterManager::getLibraryFilterManager();
 }
 
@@ -158,7 +158,7 @@ ExitStatus FiltersCommand::add(Session& session) const
         throw UsageError("the name of a filter must not be empty");
     if (mId != kNoId)
         usableId(mId);
-    session.host();
+    session.existingHost();
     OrvHost::FilterChange change;
     Filters filters = change.filters().getLibraryFilters();
     filters.push_back(LibraryFilter(mName, newId(filters), mDatabases));
@@ -179,7 +179,7 @@ long FiltersCommand::newId(const Filters& filters) const
 ExitStatus FiltersCommand::remove(Session& session) const
 {
     const long id = usableId(mId);
-    session.host();
+    session.existingHost();
     OrvHost::FilterChange change;
     demandId(change.filters(), id);
     Filters filters = change.filters().getLibraryFilters();
@@ -194,7 +194,7 @@ ExitStatus FiltersCommand::remove(Session& session) const
 ExitStatus FiltersCommand::use(Session& session) const
 {
     const long id = mIdOrNone == "none" ? kNone : idFrom(mIdOrNone);
-    session.host();
+    session.existingHost();
     OrvHost::FilterChange change;
     if (id != kNone)
         demandId(change.filters(), id);
@@ -204,7 +204,7 @@ ExitStatus FiltersCommand::use(Session& session) const
 
 ExitStatus FiltersCommand::dropDatabase(Session& session) const
 {
-    session.host();
+    session.existingHost();
     OrvHost::FilterChange change;
     change.filters().removeIdFromLibraryFilters(mDatabase);
     return saveAndPrint(session, change);
@@ -215,7 +215,7 @@ ExitStatus FiltersCommand::merge(Session& session) const
     const fileString file{mFile};
     if (file.empty())
         throw UsageError("the name of the other filter file must not be empty");
-    session.host();
+    session.existingHost();
     OrvHost::FilterChange change(file);
     for (const fileString& path : {change.filters().getFilterFullname(), file})
         tellKept(path, OrvHost::FilterChange::prepareToOverwrite(path));

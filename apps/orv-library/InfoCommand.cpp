@@ -11,7 +11,8 @@ void InfoCommand::declare(CommandSyntax& syntax)
 
 ExitStatus InfoCommand::run(Session& session) const
 {
-    const OrvHost::InstalledCatalog catalog = OrvHost::InstalledCatalogs::info(session.host().root(), mName);
+    const OrvHost::InstalledCatalog catalog =
+        OrvHost::InstalledCatalogs::info(session.existingHost().root(), mName);
     session.console().result(InstalledDocument::object(catalog), InstalledDocument::fields(catalog));
     return ExitStatus::Done;
 }

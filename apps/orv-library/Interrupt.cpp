@@ -3,6 +3,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <list>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -29,8 +30,14 @@ void noteSignal(int)
     errno = savedError;
 }
 
+/// Written by a signal handler, so nothing that it points to is ever freed.
+std::atomic<const std::string*> lastWords{nullptr};
+
 [[noreturn]] void endProgram(int)
 {
+    if (const std::string* words = lastWords.load()) {
+        [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, words->data(), words->size());
+    }
     _exit(static_cast<int>(ExitStatus::Interrupted));
 }
 
@@ -49,8 +56,17 @@ void Interrupt::endsProgram()
     }
 }
 
+void Interrupt::setLastWords(const std::string& text)
+{
+    static std::list<std::string> kept;
+    if (!text.empty())
+        kept.push_back(text);
+    lastWords.store(text.empty() ? nullptr : &kept.back());
+}
+
 Interrupt::Interrupt()
 {
+    static_assert(std::atomic<const std::string*>::is_always_lock_free, "read in a signal handler");
     static_assert(std::atomic<bool>::is_always_lock_free, "the flag is set in a signal handler");
     if (pipe2(wakePipe, O_CLOEXEC | O_NONBLOCK) != 0)
         throw std::runtime_error("no pipe for signals");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 /// Interrupt and terminate signals as a question and as an event. One object lives at a time; the former
 /// signal actions come back at its end.
 class Interrupt
@@ -8,6 +10,9 @@ public:
     /// From here on a signal that no object takes over ends the program at once with status 130. A signal
     /// that the program was started to ignore stays ignored.
     static void endsProgram();
+    /// What is written to standard output when a signal ends the program so; empty for nothing. Called by
+    /// the main thread.
+    static void setLastWords(const std::string& text);
 
     /// Takes over SIGINT and SIGTERM. A second signal while the first is being handled ends the program the
     /// hard way.

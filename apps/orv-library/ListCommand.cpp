@@ -14,7 +14,8 @@ ExitStatus ListCommand::run(Session& session)
 {
     QJsonArray array;
     std::string text;
-    for (const OrvHost::InstalledCatalog& catalog : OrvHost::InstalledCatalogs::list(session.host().root())) {
+    for (const OrvHost::InstalledCatalog& catalog :
+         OrvHost::InstalledCatalogs::list(session.existingHost().root())) {
         array.append(InstalledDocument::object(catalog));
         text += InstalledDocument::line(catalog);
     }

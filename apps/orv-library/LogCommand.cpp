@@ -11,7 +11,7 @@ namespace {
 
 fileString logFile(Session& session)
 {
-    session.host();
+    session.existingHost();
     return PathUtils::getObject().getUserLibraryDatabasePath() + fileString("errors.log");
 }
 

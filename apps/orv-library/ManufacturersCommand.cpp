@@ -15,7 +15,7 @@ using Table = OrvHost::ManufacturerRefresh::Table;
 /// The manager, on the host's folders.
 const ManufacturerManager& manager(Session& session)
 {
-    session.host();
+    session.existingHost();
     return *ManufacturerManager::getManufacturerManager();
 }
 
@@ -136,7 +136,7 @@ ExitStatus ManufacturersCommand::show(Session& session) const
 
 ExitStatus ManufacturersCommand::refresh(Session& session) const
 {
-    session.host();
+    session.existingHost();
     const OrvHost::ChangeLock lock("manufacturers");
     OrvHost::ManufacturerRefresh refresh(Curl::get());
     refresh.run(mDataUrl, mLogoUrl);

@@ -12,9 +12,9 @@ using NamedPath = std::pair<const char*, fileString>;
 
 std::vector<NamedPath> wellKnownPaths(const fileString& root)
 {
-    const PathUtils& paths = PathUtils::getObject();
+    const RootPathUtils paths(root);
     return {
-        {"root", root},
+        {"root", paths.root()},
         {"user", paths.getUserLibraryDatabasePath()},
         {"core", paths.getCoreLibraryDatabasePath()},
         {"bonus", paths.getBonusLibraryDatabasePath()},
@@ -22,7 +22,7 @@ std::vector<NamedPath> wellKnownPaths(const fileString& root)
         {"manufacturerData", paths.getManufacturerDataPath()},
         {"referenced", paths.getProprietaryLibraryReferencedFilesPath()},
         {"textures", paths.getUserTexturePath()},
-        {"temp", paths.getTempPath()},
+        {"temp", paths.root() + fileString("temp/")}, // its getter would make it
         {"errorLog", paths.getUserLibraryDatabasePath() + fileString("errors.log")},
         {"filters", paths.getCoreLibraryDatabasePath() + fileString("catalog_filters.json")},
         {"manufacturerFile", paths.getManufacturerDataPath() + fileString("manufacturer_data.json")},
@@ -33,14 +33,17 @@ std::vector<NamedPath> wellKnownPaths(const fileString& root)
 
 void PathsCommand::declare(CommandSyntax& syntax)
 {
-    syntax.runs([](Session& session) { return run(session); });
+    syntax.flag("--create", mCreate, "Make the root and the folders that are missing");
+    syntax.runs([this](Session& session) { return run(session); });
 }
 
-ExitStatus PathsCommand::run(Session& session)
+ExitStatus PathsCommand::run(Session& session) const
 {
+    if (mCreate)
+        session.host();
     QJsonObject document;
     std::string text;
-    for (const auto& [name, path] : wellKnownPaths(session.host().root())) {
+    for (const auto& [name, path] : wellKnownPaths(session.root())) {
         document[name] = jsonText(path.toNativeString());
         const std::string label = std::string(name) + ":";
         text += label + std::string(18 - label.size(), ' ') + path.toNativeString() + "\n";

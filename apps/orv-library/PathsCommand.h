@@ -11,5 +11,7 @@ public:
     void declare(CommandSyntax& syntax) override;
 
 private:
-    static ExitStatus run(Session& session);
+    ExitStatus run(Session& session) const;
+
+    bool mCreate = false;
 };

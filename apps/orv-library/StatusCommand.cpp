@@ -63,7 +63,7 @@ void StatusCommand::declare(CommandSyntax& syntax)
 
 ExitStatus StatusCommand::run(Session& session)
 {
-    const OrvHost::CheckHistory history(session.host().root());
+    const OrvHost::CheckHistory history(session.existingHost().root());
     const QDateTime& good = history.lastGoodCheck();
     std::string text = "Last good check: " + ageText(good) + "\n";
     QJsonArray list;

@@ -19,7 +19,7 @@ struct Style
 /// The manager, once the host has installed the texts that it takes the names from.
 const ObjectStyleManager& styleManager(Session& session)
 {
-    session.host();
+    session.rootlessHost();
     return ObjectStyleManager::getObjectStyleManager();
 }
 

@@ -34,7 +34,7 @@ void UndoCommand::declare(CommandSyntax& syntax)
 ExitStatus UndoCommand::run(Session& session)
 {
     session.console().resultSoFar(document(ImportUndo::Import()));
-    ImportUndo undo(session.host().root());
+    ImportUndo undo(session.existingHost().root());
     const ImportUndo::Import import = undo.run();
     session.console().result(document(import), "Took back the import of " + import.name + ".\n" +
                                                    text("Library: ", import.library) +

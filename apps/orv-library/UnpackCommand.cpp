@@ -67,7 +67,7 @@ ExitStatus UnpackCommand::run(Session& session) const
 {
     checkUsage();
     session.console().resultSoFar(document(LibraryImport::UnpackResult()));
-    session.host();
+    session.rootlessHost();
     const Interrupt interrupt;
     const LibraryImport::UnpackResult result = unpackUninterrupted(session);
     session.console().result(document(result),

@@ -13,7 +13,7 @@ void VerifyCommand::declare(CommandSyntax& syntax)
 
 ExitStatus VerifyCommand::run(Session& session) const
 {
-    session.host();
+    session.existingHost();
     OrvHost::LibraryHealth health;
     health.checkCoreCatalogs();
     health.checkArchives();

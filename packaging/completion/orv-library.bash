@@ -1,7 +1,9 @@
 # bash completion for orv-library
 _orv_library() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    local commands="paths update list info unpack import undo pack filters manufacturers styles log status verify publish serve sample"
+    local commands="paths update list info unpack import undo pack filters manufacturers styles log status verify"
+    commands+=" publish serve sample"
+    commands+=" help"
     local common="--root --json --progress --trace --help --version"
     local command="" word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
@@ -17,6 +19,7 @@ _orv_library() {
         filters) COMPREPLY=($(compgen -W "list show add remove use drop-database merge" -- "$current")); return ;;
         manufacturers) COMPREPLY=($(compgen -W "list show refresh" -- "$current")); return ;;
         styles) COMPREPLY=($(compgen -W "list show" -- "$current")); return ;;
+        help) COMPREPLY=($(compgen -W "$commands" -- "$current")); return ;;
         log) COMPREPLY=($(compgen -W "show path clear" -- "$current")); return ;;
     esac
 
@@ -34,6 +37,7 @@ _orv_library() {
         filters) options="--id" ;;
         manufacturers) options="--data-url --logo-url" ;;
         verify) options="--repair" ;;
+        paths) options="--create" ;;
         serve) options="--address --port" ;;
     esac
     COMPREPLY=($(compgen -W "$options $common" -- "$current"))

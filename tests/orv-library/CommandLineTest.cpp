@@ -1,9 +1,11 @@
+#include <algorithm>
 #include <filesystem>
 
 #include <gmock/gmock.h>
 
 #include "tests/orv-library/Program.h"
 
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -22,8 +24,7 @@ TEST(CommandLine, noCommandIsWrongUsage)
     const test::ProgramResult result = program.run({});
     EXPECT_EQ(2, result.status);
     EXPECT_EQ("", result.out);
-    EXPECT_THAT(result.err, StartsWith("orv-library: "));
-    EXPECT_THAT(result.err, HasSubstr("Usage: orv-library"));
+    EXPECT_EQ("orv-library: no command given\nTry 'orv-library --help'.\n", result.err);
 }
 
 TEST(CommandLine, wrongUsageChangesNothing)
@@ -51,16 +52,64 @@ TEST(CommandLine, wrongUsageChangesNothing)
         const std::string shown = testing::PrintToString(arguments);
         EXPECT_EQ(2, result.status) << shown;
         EXPECT_EQ("", result.out) << shown;
-        EXPECT_THAT(result.err, HasSubstr("Usage: orv-library")) << shown;
+        EXPECT_EQ(2, std::count(result.err.begin(), result.err.end(), '\n')) << shown << result.err;
+        EXPECT_THAT(result.err, HasSubstr("--help")) << shown;
         EXPECT_FALSE(std::filesystem::exists(program.root())) << shown;
     }
 }
 
-TEST(CommandLine, wrongUsagePrintsTheUsageOfThatCommand)
+TEST(CommandLine, wrongUsageNamesTheHelpOfThatCommand)
 {
     const test::Program program;
-    EXPECT_THAT(program.run({"paths", "--nonsense"}).err, HasSubstr("Usage: orv-library paths"));
-    EXPECT_THAT(program.run({"log", "clear", "x"}).err, HasSubstr("Usage: orv-library log clear"));
+    EXPECT_THAT(program.run({"paths", "--nonsense"}).err, EndsWith("\nTry 'orv-library paths --help'.\n"));
+    EXPECT_THAT(program.run({"log", "clear", "x"}).err, EndsWith("\nTry 'orv-library log clear --help'.\n"));
+    EXPECT_THAT(program
+                    .run({"update", "--url", "http://127.0.0.1:9/", "--product", "P", "--product-version",
+                          "1", "--bonus", "x.zip"})
+                    .err,
+                EndsWith("\nTry 'orv-library update --help'.\n"));
+}
+
+TEST(CommandLine, commandsOnARootThatIsNotThereFailAndMakeNone)
+{
+    const test::Program program;
+    const std::vector<std::vector<std::string>> commands = {
+        {"filters", "list"},
+        {"filters", "add", "Kitchen"},
+        {"manufacturers", "list"},
+        {"log", "show"},
+        {"log", "path"},
+        {"log", "clear"},
+        {"status"},
+        {"verify"},
+    };
+    for (const auto& command : commands) {
+        std::vector<std::string> arguments = {"--json"};
+        arguments.insert(arguments.end(), command.begin(), command.end());
+        const test::ProgramResult result = program.run(arguments);
+        const std::string shown = testing::PrintToString(command);
+        EXPECT_EQ(1, result.status) << shown;
+        EXPECT_THAT(result.json()["error"].toString().toStdString(), HasSubstr(program.root())) << shown;
+        EXPECT_THAT(result.err, StartsWith("orv-library: " + program.root())) << shown;
+        EXPECT_FALSE(std::filesystem::exists(program.root())) << shown;
+    }
+    EXPECT_EQ(0, program.run({"styles", "list"}).status);
+    EXPECT_FALSE(std::filesystem::exists(program.root()));
+}
+
+TEST(CommandLine, helpShowsTheManualPageOfACommand)
+{
+    const test::Program program;
+    const test::ProgramResult update = program.run({"help", "update"});
+    EXPECT_EQ(0, update.status);
+    EXPECT_THAT(update.out, StartsWith("NAME\n\n       orv-library-update - "));
+    EXPECT_THAT(update.out,
+                HasSubstr("\n       --index NAME\n              The name of the core content index"));
+    EXPECT_THAT(program.run({"help"}).out, HasSubstr("orv-library - keep a library"));
+    EXPECT_EQ("orv-library-log", program.run({"--json", "help", "log"}).json()["page"].toString());
+    const test::ProgramResult unknown = program.run({"help", "nonsense"});
+    EXPECT_EQ(2, unknown.status);
+    EXPECT_THAT(unknown.err, StartsWith("orv-library: 'nonsense' is no command\n"));
 }
 
 TEST(CommandLine, unknownCommandIsNamed)
@@ -83,11 +132,13 @@ TEST(CommandLine, helpAndVersionWorkOnEveryCommand)
         EXPECT_THAT(helped.out, HasSubstr("Usage: orv-library")) << testing::PrintToString(command);
         EXPECT_THAT(helped.out, HasSubstr("--progress")) << testing::PrintToString(command);
 
-        std::vector<std::string> version = command;
-        version.push_back("--version");
-        const test::ProgramResult versioned = program.run(version);
-        EXPECT_EQ(0, versioned.status) << testing::PrintToString(command);
-        EXPECT_THAT(versioned.out, StartsWith("orv-library 1.")) << testing::PrintToString(command);
+        for (const char* option : {"--version", "-V"}) {
+            std::vector<std::string> version = command;
+            version.push_back(option);
+            const test::ProgramResult versioned = program.run(version);
+            EXPECT_EQ(0, versioned.status) << testing::PrintToString(version);
+            EXPECT_THAT(versioned.out, StartsWith("orv-library 1.")) << testing::PrintToString(version);
+        }
     }
     EXPECT_FALSE(std::filesystem::exists(program.root()));
 }
@@ -133,7 +184,7 @@ TEST(CommandLine, rootThatCannotBeMadeFailsWithItsName)
     const test::Program program;
     program.folder().write("file", "not a folder");
     const test::ProgramResult result =
-        program.runBare({"--json", "--root", program.folder().path() + "/file/root", "paths"});
+        program.runBare({"--json", "--root", program.folder().path() + "/file/root", "paths", "--create"});
     EXPECT_EQ(1, result.status);
     EXPECT_THAT(result.err, HasSubstr(program.folder().path() + "/file/root"));
     EXPECT_THAT(result.json()["error"].toString().toStdString(), HasSubstr("/file/root"));

@@ -24,6 +24,8 @@ constexpr char kTwo[] = R"({"Current_Filter": 1,
 class FiltersCommand : public testing::Test
 {
 protected:
+    FiltersCommand() { program.createRoot(); }
+
     test::ProgramResult run(std::vector<std::string> arguments) const
     {
         arguments.insert(arguments.begin(), {"--json", "filters"});
@@ -275,8 +277,10 @@ TEST_F(FiltersCommand, othersMergeIntoTheFileAndNothingIsLost)
     write(kTwo);
     const test::Program others[3];
     std::vector<std::unique_ptr<QProcess>> processes;
-    for (int i = 0; i < 3; ++i)
+    for (int i = 0; i < 3; ++i) {
+        others[i].createRoot();
         EXPECT_EQ(others[i].run({"filters", "add", "Other " + std::to_string(i)}).status, 0);
+    }
     for (int i = 0; i < 3; ++i) {
         processes.push_back(others[i].start({"filters", "merge", file.toNativeString()}));
         processes.push_back(program.start({"filters", "add", "Own " + std::to_string(i)}));

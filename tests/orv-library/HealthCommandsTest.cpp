@@ -37,7 +37,7 @@ std::vector<std::string> texts(const QJsonValue& array)
 class HealthCommands : public testing::Test
 {
 protected:
-    void SetUp() override { mProgram.run({"paths"}); }
+    void SetUp() override { mProgram.run({"paths", "--create"}); }
 
     std::string path(const std::string& name) const { return mProgram.root() + "/" + name; }
     void write(const std::string& name, const std::string& content) const

@@ -41,7 +41,7 @@ protected:
     /// Runs a command that must fail with one clear line that holds `reason`, and change nothing.
     void expectFailure(const std::vector<std::string>& arguments, const std::string& reason, int status = 1)
     {
-        mProgram.run({"paths"});
+        mProgram.createRoot();
         const auto before = everything();
         const test::ProgramResult result = mProgram.run(arguments);
         EXPECT_EQ(result.status, status) << result.err;

@@ -16,7 +16,7 @@ namespace {
 class List : public testing::Test
 {
 protected:
-    List() { program.run({"paths"}); }
+    List() { program.createRoot(); }
 
     std::string path(const std::string& name) const { return program.root() + "/" + name; }
     void write(const std::string& name, const std::string& content) const

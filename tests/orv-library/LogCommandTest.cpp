@@ -69,6 +69,7 @@ TEST(LogCommand, showsTheEntries)
 TEST(LogCommand, missingLogIsEmpty)
 {
     const test::Program program;
+    program.createRoot();
     const test::ProgramResult result = program.run({"log", "show", "--json"});
     EXPECT_EQ(0, result.status);
     EXPECT_TRUE(result.json()["entries"].toArray().isEmpty());
@@ -79,6 +80,7 @@ TEST(LogCommand, missingLogIsEmpty)
 TEST(LogCommand, printsThePathAlone)
 {
     const test::Program program;
+    program.createRoot();
     EXPECT_EQ(program.root() + "/user/errors.log\n", program.run({"log", "path"}).out);
 }
 

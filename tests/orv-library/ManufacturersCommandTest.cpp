@@ -37,6 +37,8 @@ constexpr char kTheirs[] = R"({"Last_Modified": "20220101T000000", "Default_Text
 class ManufacturersCommand : public testing::Test
 {
 protected:
+    ManufacturersCommand() { program.createRoot(); }
+
     test::ProgramResult run(std::vector<std::string> arguments) const
     {
         arguments.insert(arguments.begin(), {"--json", "manufacturers"});

@@ -29,10 +29,12 @@ TEST(PathsCommand, namesEveryFolderAndFile)
     EXPECT_EQ(expected, result.json());
 }
 
-TEST(PathsCommand, makesTheFoldersThatAreMissing)
+TEST(PathsCommand, createMakesTheFoldersThatAreMissing)
 {
     const test::Program program;
     ASSERT_EQ(0, program.run({"paths"}).status);
+    EXPECT_FALSE(std::filesystem::exists(program.root()));
+    ASSERT_EQ(0, program.run({"paths", "--create"}).status);
     for (const char* name :
          {"user", "core", "bonus", "manufacturer", "manufacturer-data", "referenced", "textures", "temp"})
         EXPECT_TRUE(std::filesystem::is_directory(program.root() + "/" + name)) << name;

@@ -85,6 +85,11 @@ std::unique_ptr<QProcess> Program::start(const std::vector<std::string>& argumen
     return process;
 }
 
+void Program::createRoot() const
+{
+    EXPECT_EQ(0, run({"paths", "--create"}).status);
+}
+
 ProgramResult Program::finish(QProcess& process)
 {
     EXPECT_TRUE(process.state() == QProcess::NotRunning || process.waitForFinished(kTimeoutMilliseconds));

@@ -37,6 +37,8 @@ public:
     /// Starts it with `--root` and returns at once; the caller ends it. It is killed at the end of the
     /// object.
     std::unique_ptr<QProcess> start(const std::vector<std::string>& arguments) const;
+    /// Makes the root with its folders, as most commands need it.
+    void createRoot() const;
     /// Waits for a started one and collects what it printed and was not read yet.
     static ProgramResult finish(QProcess& process);
     /// Waits for the next line of standard output; without its line break.

@@ -66,7 +66,7 @@ TEST_F(UndoCommand, threeImportsAreTakenBackTheLastOneFirst)
 
 TEST_F(UndoCommand, firstImportLeavesNothingBehind)
 {
-    mProgram.run({"paths"});
+    mProgram.createRoot();
     import("1");
     EXPECT_EQ(undo().status, 0);
     EXPECT_TRUE(library().empty());

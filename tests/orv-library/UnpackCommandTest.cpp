@@ -14,7 +14,12 @@ namespace {
 class UnpackCommand : public ImportFixture
 {
 protected:
-    UnpackCommand() { fs::create_directory(path("out")); }
+    UnpackCommand()
+    {
+        fs::create_directory(path("out"));
+        fs::create_directory(path("tmp"));
+        mProgram.setEnvironment("TMPDIR", path("tmp"));
+    }
 
     test::ProgramResult unpack(const std::string& source, std::vector<std::string> more = {})
     {
@@ -40,7 +45,8 @@ TEST_F(UnpackCommand, resultsGetTheArchivesStemInTheOutputFolder)
     EXPECT_EQ(test::readFile(path("out/Kitchen.orvlib")), "the database");
     EXPECT_EQ(test::contentsOf(fileString(path("out/Kitchen.zip"))),
               (Contents{{"textures/oak.png", "oak"}, {"tile.jpg", "tile"}}));
-    EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
+    EXPECT_TRUE(test::listTree(path("tmp")).empty());
+    EXPECT_FALSE(fs::exists(mProgram.root()));
 }
 
 TEST_F(UnpackCommand, currentFolderIsTheDefault)
@@ -164,7 +170,8 @@ TEST_F(UnpackCommand, addressIsDownloadedAndNamedAfterWhatItAsksFor)
         const ProgramResult result = unpack(server.url(target), {"--output-dir", path("out")});
         EXPECT_EQ(result.status, 0) << result.err;
         EXPECT_TRUE(fs::exists(path("out/" + stem + ".orvlib"))) << stem;
-        EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
+        EXPECT_TRUE(test::listTree(path("tmp")).empty());
+        EXPECT_FALSE(fs::exists(mProgram.root()));
     }
     EXPECT_EQ(test::listTree(path("out")).size(), 8U);
 }
@@ -216,7 +223,8 @@ TEST_F(UnpackCommand, interruptWhileDownloadingLeavesNothing)
     EXPECT_EQ(result.status, 130) << result.err;
     EXPECT_FALSE(result.json()["library"].toObject()["found"].toBool());
     EXPECT_TRUE(test::listTree(path("out")).empty());
-    EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
+    EXPECT_TRUE(test::listTree(path("tmp")).empty());
+    EXPECT_FALSE(fs::exists(mProgram.root()));
 }
 
 TEST_F(UnpackCommand, progressNamesEachMember)

@@ -212,7 +212,7 @@ TEST_F(Update, wrongUsageChangesNothing)
     for (const auto& given : wrong) {
         const test::ProgramResult result = program.run(given);
         EXPECT_EQ(2, result.status) << testing::PrintToString(given);
-        EXPECT_THAT(result.err, HasSubstr("Usage: orv-library update")) << testing::PrintToString(given);
+        EXPECT_THAT(result.err, HasSubstr("orv-library update --help")) << testing::PrintToString(given);
     }
     EXPECT_FALSE(fs::exists(program.root()));
     EXPECT_THAT(service.takeAsked(), IsEmpty());

@@ -171,6 +171,7 @@ class FilterMerge(Scenario):
     def before(self, sandbox, service):
         other = os.path.join(sandbox, "other")
         return [["filters", "add", "Kitchen", "db-1", "--id", "5"],
+                ["--root", other, "paths", "--create"],
                 ["--root", other, "filters", "add", "Office", "db-9", "--id", "3"],
                 ["--root", other, "filters", "add", "Bath", "db-2", "--id", "6"]]
 
