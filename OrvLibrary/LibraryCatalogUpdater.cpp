@@ -7,6 +7,7 @@
 #include "OrvLibrary/catalog/CatalogHashFile_p.h"
 #include "OrvLibrary/catalog/CatalogSources_p.h"
 #include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
+#include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "OrvLibrary/host/PathUtils.h"
@@ -14,6 +15,23 @@
 #include "OrvLibrary/host/StringUtils.h"
 
 namespace LibraryCatalogUpdate {
+
+namespace {
+
+/// For the length of a run, a cancel ends the requests of its thread, whatever their kind.
+class RunCancelQuestion
+{
+public:
+    RunCancelQuestion() : mFormer(Curl::setCancelQuestion(&isDownloadKilled)) {}
+    ~RunCancelQuestion() { Curl::setCancelQuestion(mFormer); }
+    RunCancelQuestion(const RunCancelQuestion&) = delete;
+    RunCancelQuestion& operator=(const RunCancelQuestion&) = delete;
+
+private:
+    const Curl::CancelQuestion mFormer;
+};
+
+} // namespace
 
 LibraryCatalogUpdater::LibraryCatalogUpdater(QObject& host, const std::set<fileString>& coreFiles,
                                              const std::set<fileString>& bonusFiles,
@@ -42,6 +60,7 @@ LibraryCatalogUpdater::~LibraryCatalogUpdater() = default;
 
 void LibraryCatalogUpdater::operator()()
 {
+    const RunCancelQuestion question;
     prepareFolders();
     attempt(&LibraryCatalogUpdater::gatherCatalogs, "Unable to gather the catalogs");
     // Also after a cancel, which these find out about themselves.

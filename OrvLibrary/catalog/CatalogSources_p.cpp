@@ -4,6 +4,7 @@
 
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
+#include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/StringUtils.h"
@@ -24,12 +25,25 @@ std::string libraryValue(const fileString& file, Library::LibraryCategory catego
     return name.unicodeString().toUTF8String();
 }
 
+/// Why the last request was not answered; empty when the download service does not know.
+std::string reasonOfLastAnswer()
+try {
+    return Curl::get().lastAnswer().reason;
+} catch (const std::exception&) {
+    return {};
+}
+
 void resolveApiEndpoint()
 {
     if (kApiEndpoint.empty())
         kApiEndpoint = WebUtils::getUrlAfterRedirects(kContentRedirect);
-    if (kApiEndpoint.empty())
-        Library::ErrorLog() << "Unable to determine api endpoint\n";
+    if (!kApiEndpoint.empty())
+        return;
+    Library::ErrorLog log;
+    log << "Unable to determine api endpoint\n";
+    const std::string reason = reasonOfLastAnswer();
+    if (!reason.empty())
+        log << "Reason:  " << reason << " (" << kContentRedirect << ")\n";
 }
 
 } // namespace

@@ -152,6 +152,11 @@ public:
     /// environment says (`http_proxy`, `https_proxy`, `no_proxy`), which is what it does at first.
     static void setProxy(const std::string& proxy);
 
+    /// Makes the default service ask every address again at once. After three requests in a row without any
+    /// answer it would leave an address alone for 60 s, also when the user has repaired the network
+    /// meanwhile.
+    static void forgetFailures();
+
     /// How many connections the default service opens at once for what it asks for ahead: 96 at most, which
     /// is what it does at first, 1 at least. Counts from the next list on.
     static void setConnectionLimit(int connections);

@@ -3,6 +3,7 @@
 #include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "tests/catalog/CatalogTest.h"
+#include "tests/support/FaultServer.h"
 
 using namespace LibraryCatalogUpdate;
 
@@ -29,7 +30,10 @@ constexpr auto kNoCategory = static_cast<Library::LibraryCategory>(3);
 
 } // namespace
 
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
+using testing::StartsWith;
 
 TEST_F(CatalogSources, eachCategoryHasItsFolder)
 {
@@ -125,6 +129,22 @@ TEST_F(CatalogSources, anUnknownEndpointIsLoggedAtEveryCall)
         EXPECT_EQ(sourceUrl(fileString("a.orvlib"), Library::kCoreLibrary, "Orv", "7"), "");
     const std::string message = "Unable to determine api endpoint\n";
     EXPECT_THAT(logMessages(), ElementsAre(message, message, message));
+}
+
+TEST_F(CatalogSources, theReasonIsTheNextLineOfTheEntry)
+{
+    test::FaultServer server;
+    server.stopListening();
+    kContentRedirect = server.url("/redirect");
+    Curl* const scripted = Curl::install(nullptr);
+    EXPECT_EQ(sourceUrl(fileString("a.orvlib"), Library::kCoreLibrary, "Orv", "7"), "");
+    kContentRedirect = "service.test/redirect";
+    EXPECT_EQ(sourceUrl(fileString("a.orvlib"), Library::kCoreLibrary, "Orv", "7"), "");
+    Curl::install(scripted);
+    const std::string first = "Unable to determine api endpoint\nReason:  ";
+    EXPECT_THAT(logMessages(), ElementsAre(AllOf(StartsWith(first + "Failed to connect to 127.0.0.1 port "),
+                                                 EndsWith(" (" + server.url("/redirect") + ")\n")),
+                                           first + "not a web address (service.test/redirect)\n"));
 }
 
 TEST_F(CatalogSources, theHeaderLineIsAppendedAndTheUrlReplaced)

@@ -62,3 +62,33 @@ TEST_F(LibraryCatalogUpdaterCancel, isHeardWithinASecondWhileATransferIsSilent)
     EXPECT_FALSE(download("core", "a.download").pathExists());
     EXPECT_TRUE(exists("core/catalog_hash.txt"));
 }
+
+TEST_F(LibraryCatalogUpdaterCancel, endsEveryKindOfRequestAndSendsNoFurtherOne)
+{
+    using test::FaultReply;
+    const std::string index = target("Orv_Core_Content_Index.txt");
+    const std::string catalog = target("a.orvlib");
+    struct Case
+    {
+        std::string silent;
+        std::size_t requests;
+    };
+    std::size_t closings = 0;
+    for (const Case& next : {Case{"/redirect", 1}, Case{"/content?", 2}, Case{index, 3}, Case{catalog, 4}}) {
+        test::FaultServer fresh;
+        mArguments.redirect = fresh.url("/redirect");
+        fresh.on("/redirect", FaultReply::redirect("/content?"));
+        fresh.on(index, FaultReply::ok("a.orvlib\nb.orvlib\n"));
+        fresh.on("/content?", FaultReply::ok(""));
+        fresh.on(next.silent, FaultReply::silence());
+        std::thread user([&] {
+            fresh.waitForRequests(next.requests);
+            LibraryCatalogUpdate::LibraryCatalogUpdater::killDownload();
+        });
+        run();
+        user.join();
+        EXPECT_EQ(fresh.requests().size(), next.requests) << next.silent;
+        EXPECT_EQ(mRecorder->count("onClose"), ++closings) << next.silent;
+        EXPECT_TRUE(exists("core/catalog_hash.txt")) << next.silent;
+    }
+}

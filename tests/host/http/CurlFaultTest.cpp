@@ -8,6 +8,7 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 using namespace std::chrono_literals;
 
 namespace test {
@@ -277,11 +278,27 @@ TEST_F(CurlFaultTest, diskKeepsItsSpareRoom)
 {
     HttpLimits limits = shortLimits();
     limits.spareBytes = std::int64_t(1) << 60;
+    limits.spareShare = 1; // all of it
     CurlService service(limits);
-    server.on("/a", FaultReply::ok("x"));
+    server.on("/a", FaultReply::ok(std::string(36500, 'x')));
     EXPECT_FALSE(service.download_to_location(server.url("/a"), target(), reason));
-    EXPECT_EQ(reason, "write error: No space left on device");
+    EXPECT_THAT(reason, MatchesRegex("disk full: 37 KB needed, [0-9]+ [MGT]B free, [0-9]+ [MGT]B kept free"));
     EXPECT_THAT(files(), IsEmpty());
+}
+
+TEST_F(CurlFaultTest, smallDiskKeepsATwentiethFree)
+{
+    TempFolder disk;
+    if (mount("none", disk.path().c_str(), "tmpfs", 0, "size=20m") != 0)
+        GTEST_SKIP() << "a small disk can only be mounted by the superuser";
+    server.on("/fits", FaultReply::ok(std::string(18'000'000, 'x')));
+    server.on("/large", FaultReply::ok(std::string(20'000'000, 'x')));
+    EXPECT_TRUE(curl.download_to_location(server.url("/fits"), disk.file("a"), reason)) << reason;
+    ASSERT_EQ(::unlink(disk.file("a").toNativeString().c_str()), 0);
+    EXPECT_FALSE(curl.download_to_location(server.url("/large"), disk.file("b"), reason));
+    EXPECT_EQ(reason, "disk full: 20 MB needed, 21 MB free, 2 MB kept free");
+    EXPECT_THAT(listTree(disk.path()), IsEmpty());
+    umount(disk.path().c_str());
 }
 
 TEST_F(CurlFaultTest, fullDiskGivesTheSystemsTextAndKeepsTheOldFile)

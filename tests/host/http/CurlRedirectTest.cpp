@@ -140,6 +140,30 @@ TEST_F(CurlRedirectTest, bodyOfARedirectIsNotTold)
     EXPECT_EQ(readFile(target()), "1234");
 }
 
+TEST_F(CurlRedirectTest, redirectLeadsOnWhateverBecomesOfItsBody)
+{
+    FaultReply silent = FaultReply::status(302, std::string(100, 'r'), {"Location: /b"});
+    silent.silentAt(silent.headSize() + 10);
+    FaultReply cut = FaultReply::status(302, std::string(100, 'r'), {"Location: /b"});
+    cut.cutAt(cut.headSize() + 10);
+    const FaultReply large = FaultReply::status(302, std::string(1'000'000, 'r'), {"Location: /b"});
+    server.on("/b", FaultReply::ok("1234"));
+    for (const FaultReply& reply : {silent, cut, large}) {
+        server.on("/a", reply);
+        EXPECT_EQ(curl.urlAfterRedirects(server.url("/a")), server.url("/b")) << curl.lastAnswer().reason;
+        EXPECT_TRUE(browse(server.url("/a")));
+        EXPECT_TRUE(fetch(server.url("/a"))) << reason;
+    }
+}
+
+TEST_F(CurlRedirectTest, fragmentIsDropped)
+{
+    server.on("/a", FaultReply::redirect("/b?x#part"));
+    server.on("/b", FaultReply::ok(""));
+    EXPECT_EQ(curl.urlAfterRedirects(server.url("/a")), server.url("/b?x"));
+    EXPECT_EQ(curl.urlAfterRedirects(server.url("/b?#part")), server.url("/b?"));
+}
+
 TEST_F(CurlRedirectTest, secretsStayWithTheirServer)
 {
     FaultServer other;

@@ -3,6 +3,7 @@
 
 #include "tests/host/http/CurlFixture.h"
 #include "tests/host/http/TlsCertificate.h"
+#include "tests/support/ScopedEnvironment.h"
 
 using testing::HasSubstr;
 
@@ -17,6 +18,7 @@ protected:
     void SetUp() override
     {
         const TlsCertificate tls(folder.path());
+        certificate = tls.certificate;
         process.setProcessChannelMode(QProcess::MergedChannels);
         process.start("openssl",
                       {"s_server", "-www", "-accept", "127.0.0.1:0", "-cert",
@@ -35,8 +37,18 @@ protected:
         process.waitForFinished();
     }
 
+    /// A folder with the certificate under the name that its hash gives it.
+    std::string hashedFolder() const
+    {
+        folder.write("authorities/a.pem", readFile(certificate));
+        const std::string path = folder.file("authorities").toNativeString();
+        EXPECT_EQ(QProcess::execute("openssl", {"rehash", QString::fromStdString(path)}), 0);
+        return path;
+    }
+
     QProcess process;
     std::string url;
+    std::string certificate;
 };
 
 } // namespace
@@ -51,6 +63,31 @@ TEST_F(CurlTlsTest, serverThatNobodyVouchesForIsRefused)
     EXPECT_FALSE(browse(url));
     server.on("/a", FaultReply::redirect(url));
     EXPECT_EQ(curl.urlAfterRedirects(server.url("/a")), "");
+    EXPECT_THAT(curl.lastAnswer().reason, HasSubstr("self-signed certificate"));
+}
+
+TEST_F(CurlTlsTest, certificatesOfTheHostAreTrusted)
+{
+    curl.setCertificates(certificate);
+    EXPECT_TRUE(fetch(url)) << reason;
+    curl.setCertificates(folder.path());
+    EXPECT_FALSE(fetch(url)) << "a folder whose names are no hashes vouches for nothing";
+    curl.setCertificates(hashedFolder());
+    EXPECT_TRUE(fetch(url)) << reason;
+    curl.setCertificates(folder.file("missing.pem").toNativeString());
+    EXPECT_FALSE(fetch(url));
+    EXPECT_THAT(reason, HasSubstr("missing.pem"));
+}
+
+TEST_F(CurlTlsTest, certificatesOfTheEnvironmentAreTrusted)
+{
+    {
+        const ScopedEnvironment file("SSL_CERT_FILE", certificate.c_str());
+        EXPECT_TRUE(fetch(url)) << reason;
+    }
+    EXPECT_FALSE(fetch(url));
+    const ScopedEnvironment path("SSL_CERT_DIR", hashedFolder().c_str());
+    EXPECT_TRUE(fetch(url)) << reason;
 }
 
 } // namespace test

@@ -16,12 +16,20 @@ void AddressGuard::answered(const std::string& address)
     mSilent.erase(address);
 }
 
-void AddressGuard::unanswered(const std::string& address)
+void AddressGuard::unanswered(const std::string& address, const std::string& reason)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     Silence& silence = mSilent[address];
     ++silence.requests;
+    silence.reason = reason;
     silence.closedUntil = mLimits.now() + mLimits.refusalTime;
+}
+
+std::string AddressGuard::lastReason(const std::string& address)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const auto found = mSilent.find(address);
+    return found == mSilent.end() ? std::string() : found->second.reason;
 }
 
 void AddressGuard::reset()

@@ -17,7 +17,10 @@ public:
     /// Whether a request may be sent to `address` now.
     bool isOpen(const std::string& address);
     void answered(const std::string& address);
-    void unanswered(const std::string& address);
+    /// @param reason why there was no answer
+    void unanswered(const std::string& address, const std::string& reason = {});
+    /// Why the last request to a closed address got no answer.
+    std::string lastReason(const std::string& address);
     /// Forgets everything.
     void reset();
 
@@ -25,6 +28,7 @@ private:
     struct Silence
     {
         int requests = 0;
+        std::string reason;
         HttpLimits::Clock::time_point closedUntil{};
     };
 

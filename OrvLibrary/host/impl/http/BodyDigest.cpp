@@ -88,8 +88,8 @@ bool parseDigestField(const std::string& text, std::vector<std::pair<std::string
 class BodyDigest::Hash
 {
 public:
-    Hash(const EVP_MD* algorithm, std::string expected)
-        : mContext(EVP_MD_CTX_new()), mExpected(std::move(expected))
+    Hash(const EVP_MD* algorithm, std::string expected, bool ofPart)
+        : isOfPart(ofPart), mContext(EVP_MD_CTX_new()), mExpected(std::move(expected))
     {
         if (!mContext || EVP_DigestInit_ex(mContext, algorithm, nullptr) != 1)
             throw std::runtime_error("no digest of that kind");
@@ -97,6 +97,8 @@ public:
     ~Hash() { EVP_MD_CTX_free(mContext); }
     Hash(const Hash&) = delete;
     Hash& operator=(const Hash&) = delete;
+
+    const bool isOfPart;
 
     void update(const char* data, std::size_t size) { EVP_DigestUpdate(mContext, data, size); }
 
@@ -115,13 +117,13 @@ private:
 
 BodyDigest::BodyDigest(const WebUtils::HeaderMap& headers)
 {
-    addField(headers, "Repr-Digest");
-    addField(headers, "Content-Digest");
+    addField(headers, "Repr-Digest", false);
+    addField(headers, "Content-Digest", true);
 }
 
 BodyDigest::~BodyDigest() = default;
 
-void BodyDigest::addField(const WebUtils::HeaderMap& headers, const char* name)
+void BodyDigest::addField(const WebUtils::HeaderMap& headers, const char* name, bool isOfPart)
 {
     const auto found = headers.find(name);
     if (found == headers.end())
@@ -139,9 +141,9 @@ void BodyDigest::addField(const WebUtils::HeaderMap& headers, const char* name)
         last[algorithm] = expected;
     for (const auto& [algorithm, expected] : last) {
         if (algorithm == "sha-256")
-            mHashes.push_back(std::make_unique<Hash>(EVP_sha256(), expected));
+            mHashes.push_back(std::make_unique<Hash>(EVP_sha256(), expected, isOfPart));
         else if (algorithm == "sha-512")
-            mHashes.push_back(std::make_unique<Hash>(EVP_sha512(), expected));
+            mHashes.push_back(std::make_unique<Hash>(EVP_sha512(), expected, isOfPart));
     }
 }
 
@@ -149,6 +151,14 @@ void BodyDigest::update(const char* data, std::size_t size)
 {
     for (const auto& hash : mHashes)
         hash->update(data, size);
+}
+
+void BodyDigest::updateEarlier(const char* data, std::size_t size)
+{
+    for (const auto& hash : mHashes) {
+        if (!hash->isOfPart)
+            hash->update(data, size);
+    }
 }
 
 bool BodyDigest::matches()

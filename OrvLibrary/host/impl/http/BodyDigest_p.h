@@ -18,14 +18,20 @@ public:
     BodyDigest(const BodyDigest&) = delete;
     BodyDigest& operator=(const BodyDigest&) = delete;
 
+    /// Whether anything was announced.
+    bool isWanted() const { return !mHashes.empty(); }
+    /// Takes the next bytes of the body.
     void update(const char* data, std::size_t size);
+    /// Takes bytes of the whole file that stand before the part that this answer brings. `Repr-Digest` is of
+    /// the whole file, `Content-Digest` of the part.
+    void updateEarlier(const char* data, std::size_t size);
     /// Whether every digest that was announced is the body's. To be called once, at the end.
     bool matches();
 
 private:
     class Hash;
 
-    void addField(const WebUtils::HeaderMap& headers, const char* name);
+    void addField(const WebUtils::HeaderMap& headers, const char* name, bool isOfPart);
     std::vector<std::unique_ptr<Hash>> mHashes;
 };
 

@@ -2,7 +2,9 @@
 
 #include <atomic>
 
+#include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/CurlService_p.h"
+#include "OrvLibrary/host/impl/http/RateLimit_p.h"
 
 namespace {
 
@@ -39,6 +41,26 @@ bool Curl::downloadResumable(const ResumableDownload& request, void* context, Pr
 {
     return download_to_location(request.url, request.target, request.headerLines, context, progress, reason,
                                 errorNumber);
+}
+
+Curl::CancelQuestion Curl::setCancelQuestion(CancelQuestion question)
+{
+    return ::CancelQuestion::set(question);
+}
+
+void Curl::setCertificates(const std::string& fileOrFolder)
+{
+    defaultCurlService().setCertificates(fileOrFolder);
+}
+
+void Curl::setRateLimit(std::int64_t bytesPerSecond)
+{
+    RateLimit::ofProcess().set(bytesPerSecond);
+}
+
+void Curl::forgetFailures()
+{
+    defaultCurlService().forgetUnanswered();
 }
 
 void Curl::setProxy(const std::string& proxy)

@@ -5,6 +5,8 @@
 #include <new>
 #include <optional>
 
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/DownloadPrefetch_p.h"
 #include "OrvLibrary/host/impl/http/HeaderPrefetch_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
@@ -13,7 +15,6 @@ namespace {
 
 using TimePoint = HttpLimits::Clock::time_point;
 
-constexpr std::int64_t kOk = 200;
 constexpr std::int64_t kFirstErrorStatus = 400;
 
 /// The thread's connections, or fresh ones for a request from within another one's progress function.
@@ -31,49 +32,68 @@ private:
     std::optional<HttpConnections> mOwn;
 };
 
-/// For an address that only matters for where it leads: its body is not waited for.
-class NoBody : public HttpBody
+/// What the calling thread's last request was answered.
+thread_local Curl::Answer lastAnswerOfThread;
+
+void noteAnswer(const HttpAnswer& answer, const std::string& url)
 {
-public:
-    using HttpBody::HttpBody;
+    lastAnswerOfThread = {answer.status, answer.headerText, answer.errorText, url};
+}
 
-    bool begin(std::int64_t status, const std::string& headerText) override
-    {
-        mAnswered = HttpLimits::Clock::now();
-        return HttpBody::begin(status, headerText);
-    }
-    Verdict watch(TimePoint now) override
-    {
-        const bool isEnough = mAnswered != TimePoint() && now - mAnswered >= mLimits.progressSilence;
-        return isEnough ? Verdict::TooSlow : Verdict::GoOn;
-    }
+/// Where there is no memory for the reason, there is none.
+void noteReason(const std::string& reason) noexcept
+try {
+    lastAnswerOfThread.reason = reason;
+} catch (const std::bad_alloc&) {
+}
 
-private:
-    TimePoint mAnswered;
-};
-
-/// Gives the file its name when all went well; otherwise tells why not.
-bool conclude(HttpConnections& connections, const HttpAnswer& answer, FileBody& body,
-              const ProgressPacer& pacer, std::string& reason, int& errorNumber)
+/// Why a download failed, and the number for it.
+void explain(const HttpAnswer& answer, const FileBody& body, const ProgressPacer& pacer, std::string& reason,
+             int& errorNumber)
 {
-    const HttpConnections::Work work(connections); // the progress function may be called once more
-    const bool arrived = answer.error == CURLE_OK && answer.status == kOk;
-    if (arrived && body.finish())
-        return true;
     if (pacer.aborted()) {
         reason = "Callback aborted";
         errorNumber = Curl::kAbortedByCallback;
     } else if (!body.reason().empty()) {
         reason = body.reason();
         errorNumber = body.diskFailed() ? CURLE_WRITE_ERROR : CURLE_WEIRD_SERVER_REPLY;
-    } else if (answer.status != 0 && answer.status != kOk) {
+    } else if (answer.status != 0 && !body.isTaken()) {
         reason = "HTTP " + std::to_string(answer.status);
         errorNumber = CURLE_HTTP_RETURNED_ERROR;
     } else {
         reason = answer.errorText;
         errorNumber = answer.error;
     }
+}
+
+/// Gives the file its name when all went well; otherwise tells why not.
+bool conclude(HttpConnections& connections, const HttpAnswer& answer, FileBody& body,
+              const ProgressPacer& pacer, std::string& reason, int& errorNumber)
+{
+    const HttpConnections::Work work(connections); // the progress function may be called once more
+    if (answer.error == CURLE_OK && body.isTaken() && body.finish())
+        return true;
+    explain(answer, body, pacer, reason, errorNumber);
     return false;
+}
+
+/// Whether a part of the file is there that a download can go on from.
+bool hasBytes(const Curl::ResumableDownload& download)
+{
+    return !download.partial.empty() && !download.validator.empty() &&
+           FileUtils::fileSize(download.partial) > 0;
+}
+
+/// The request for what the partial file of `body` lacks, as far as the validator tells that its bytes can be
+/// used.
+HttpRequest requestForRest(HttpRequest request, FileBody& body, const std::string& validator)
+{
+    const std::int64_t size = body.resume(validator);
+    if (size > 0) {
+        request.headerLines.push_back("Range: bytes=" + std::to_string(size) + "-");
+        request.headerLines.push_back("If-Range: " + validator);
+    }
+    return request;
 }
 
 std::unique_ptr<DownloadAhead> takeAhead(HttpConnections& connections, const HttpRequest& request,
@@ -96,6 +116,12 @@ void CurlService::setProxy(const std::string& proxy)
     mProxy = proxy;
 }
 
+void CurlService::setCertificates(const std::string& fileOrFolder)
+{
+    const std::lock_guard<std::mutex> lock(mSettingsMutex);
+    mCertificates = fileOrFolder;
+}
+
 void CurlService::setConnectionLimit(int connections)
 {
     const std::lock_guard<std::mutex> lock(mSettingsMutex);
@@ -115,6 +141,7 @@ HttpRequest CurlService::request(const std::string& url, const std::vector<std::
     request.headerLines = headerLines;
     const std::lock_guard<std::mutex> lock(mSettingsMutex);
     request.proxy = mProxy;
+    request.certificates = mCertificates;
     return request;
 }
 
@@ -141,20 +168,20 @@ bool CurlService::download_to_location(const std::string& url, const fileString&
                                        const std::vector<std::string>& headerLines, void* context,
                                        ProgressFunction progress, std::string& reason, int& errorNumber)
 {
+    ResumableDownload download;
+    download.url = url;
+    download.headerLines = headerLines;
+    download.target = target;
+    return downloadResumable(download, context, progress, reason, errorNumber);
+}
+
+bool CurlService::downloadResumable(const ResumableDownload& request, void* context,
+                                    ProgressFunction progress, std::string& reason, int& errorNumber)
+{
+    lastAnswerOfThread = {};
+    bool isWhole = false;
     try {
-        Connections connections;
-        const HttpRequest asked = request(url, headerLines);
-        if (const auto ahead = takeAhead(connections.get(), asked, target, progress, context)) {
-            if (ahead->answer.answered)
-                mGuard.answered(HttpAddress::hostAndPort(url));
-            return conclude(connections.get(), ahead->answer, ahead->body, ahead->pacer, reason, errorNumber);
-        }
-        const TimePoint start = HttpLimits::Clock::now();
-        ProgressPacer pacer(mLimits, progress, context, start);
-        FileBody body(mLimits, target, pacer, start);
-        HttpChain chain(connections.get(), mGuard, mLimits, TimePoint::max());
-        const HttpAnswer answer = chain.run(asked, body, true);
-        return conclude(connections.get(), answer, body, pacer, reason, errorNumber);
+        isWhole = downloadOrThrow(request, context, progress, reason, errorNumber);
     } catch (const std::bad_alloc& error) {
         reason = error.what();
         errorNumber = CURLE_OUT_OF_MEMORY;
@@ -166,12 +193,53 @@ bool CurlService::download_to_location(const std::string& url, const fileString&
         reason = "Callback aborted";
         errorNumber = kAbortedByCallback;
     }
+    noteReason(isWhole ? std::string() : reason);
+    return isWhole;
+}
+
+/// @throws what the progress function throws
+bool CurlService::downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
+                                  std::string& reason, int& errorNumber)
+{
+    if (CancelQuestion::isCancelled()) {
+        reason = "Callback aborted";
+        errorNumber = kAbortedByCallback;
+        return false;
+    }
+    Connections connections;
+    const HttpRequest asked = request(download.url, download.headerLines);
+    const auto ahead = hasBytes(download)
+                           ? nullptr
+                           : takeAhead(connections.get(), asked, download.target, progress, context);
+    if (ahead) {
+        if (ahead->answer.answered)
+            mGuard.answered(HttpAddress::hostAndPort(download.url));
+        noteAnswer(ahead->answer, download.url);
+        return conclude(connections.get(), ahead->answer, ahead->body, ahead->pacer, reason, errorNumber);
+    }
+    bool mustStartAnew = false;
+    do {
+        const TimePoint start = HttpLimits::Clock::now();
+        ProgressPacer pacer(mLimits, progress, context, start);
+        FileBody body(mLimits, download.target, pacer, start, download.partial);
+        HttpChain chain(connections.get(), mGuard, mLimits, TimePoint::max());
+        HttpAnswer answer;
+        const HttpRequest rest =
+            requestForRest(asked, body, mustStartAnew ? std::string() : download.validator);
+        if (body.reason().empty())
+            answer = chain.run(rest, body, true);
+        noteAnswer(answer, chain.finalUrl());
+        if (conclude(connections.get(), answer, body, pacer, reason, errorNumber))
+            return true;
+        mustStartAnew = body.mustStartAnew() && !pacer.aborted();
+    } while (mustStartAnew);
     return false;
 }
 
 bool CurlService::getURLHeader(const std::string& url, const std::vector<std::string>& headerLines,
                                std::string& headerText, std::int64_t& status)
 {
+    lastAnswerOfThread = {};
     try {
         Connections connections;
         HttpBody body(mLimits);
@@ -179,12 +247,14 @@ bool CurlService::getURLHeader(const std::string& url, const std::vector<std::st
         HttpRequest header = request(url, headerLines);
         header.headerOnly = true;
         HttpAnswer answer = chain.run(header, body, true);
+        noteAnswer(answer, chain.finalUrl());
         if (answer.status == 0)
             return false;
         headerText = std::move(answer.headerText);
         status = answer.status;
         return true;
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        noteReason(error.what());
         return false;
     }
 }
@@ -253,6 +323,7 @@ void CurlService::prefetchDownloads(const std::vector<DownloadRequest>& requests
 bool CurlService::browseURL(const std::string& url, const std::vector<std::string>& headerLines,
                             std::string& body, bool followRedirects, int timeoutSeconds)
 {
+    lastAnswerOfThread = {};
     try {
         Connections connections;
         body.clear();
@@ -262,21 +333,37 @@ bool CurlService::browseURL(const std::string& url, const std::vector<std::strin
             timeout = std::min<HttpLimits::Milliseconds>(timeout, std::chrono::seconds(timeoutSeconds));
         HttpChain chain(connections.get(), mGuard, mLimits, HttpLimits::Clock::now() + timeout);
         const HttpAnswer answer = chain.run(request(url, headerLines), page, followRedirects);
+        noteAnswer(answer, chain.finalUrl());
+        if (!page.reason().empty())
+            noteReason(page.reason());
         return answer.error == CURLE_OK && answer.status < kFirstErrorStatus;
-    } catch (const std::exception&) {
+    } catch (const std::exception& error) {
+        noteReason(error.what());
         return false;
     }
 }
 
 std::string CurlService::urlAfterRedirects(const std::string& url)
 {
+    lastAnswerOfThread = {};
     try {
         Connections connections;
-        NoBody body(mLimits);
+        HttpBody body(mLimits);
         HttpChain chain(connections.get(), mGuard, mLimits, HttpLimits::Clock::now() + mLimits.totalTimeout);
-        const HttpAnswer answer = chain.run(request(url, {}), body, true);
-        return answer.status == 0 ? std::string() : chain.finalUrl();
-    } catch (const std::exception&) {
+        HttpRequest walk = request(url, {});
+        walk.wantsBody = false;
+        HttpAnswer answer = chain.run(walk, body, true);
+        if (answer.status != 0)
+            answer.errorText.clear(); // what became of the body does not matter
+        noteAnswer(answer, chain.finalUrl());
+        return answer.status == 0 ? std::string() : HttpAddress::withoutFragment(chain.finalUrl());
+    } catch (const std::exception& error) {
+        noteReason(error.what());
         return {};
     }
+}
+
+Curl::Answer CurlService::lastAnswer()
+{
+    return lastAnswerOfThread;
 }

@@ -28,8 +28,12 @@ public:
     void prefetchHeaders(const std::vector<HeaderRequest>& requests) override;
     void prefetchDownloads(const std::vector<DownloadRequest>& requests) override;
     std::string urlAfterRedirects(const std::string& url) override;
+    Answer lastAnswer() override;
+    bool downloadResumable(const ResumableDownload& request, void* context, ProgressFunction progress,
+                           std::string& reason, int& errorNumber) override;
 
     void setProxy(const std::string& proxy);
+    void setCertificates(const std::string& fileOrFolder);
     /// Clamped to what is possible: from 1 to 96.
     void setConnectionLimit(int connections);
     /// Opens every address that was closed for lack of answers.
@@ -41,6 +45,8 @@ private:
     static constexpr std::size_t kFewestAhead = 4;
     static constexpr std::chrono::milliseconds kFarAddress{5};
 
+    bool downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
+                         std::string& reason, int& errorNumber);
     int connectionLimit();
     HttpRequest request(const std::string& url, const std::vector<std::string>& headerLines);
     bool paysAhead(const HttpConnections& connections, const DownloadRequest& request);
@@ -49,6 +55,7 @@ private:
     AddressGuard mGuard;
     std::mutex mSettingsMutex;
     std::string mProxy;
+    std::string mCertificates;
     int mConnectionLimit = kMostConnections;
 };
 

@@ -4,9 +4,12 @@
 #include <system_error>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <unistd.h>
+
+#include "OrvLibrary/host/FileUtils.h"
 
 namespace {
 
@@ -27,11 +30,83 @@ bool isFolder(const fileString& path)
 
 } // namespace
 
+DownloadFile::~DownloadFile()
+{
+    std::string reason;
+    if (!mGrowing)
+        return;
+    flush(reason); // the bytes are for a later attempt
+    if (mSize == 0)
+        discard();
+}
+
+bool DownloadFile::openPartial(int flags, std::string& reason)
+{
+    mGrowing = host::openFile(mPartial.toNativeString(), O_RDWR | O_NOFOLLOW | flags, 0666);
+    if (!mGrowing)
+        return false;
+    struct stat status;
+    const host::Lock lock = host::tryLock(mGrowing.get(), LOCK_EX);
+    const bool isOurs = fstat(mGrowing.get(), &status) == 0 && S_ISREG(status.st_mode) &&
+                        (lock == host::Lock::Held || lock == host::Lock::Unknown);
+    if (!isOurs) {
+        reason = "the partial file is in use";
+        mGrowing.reset();
+        return false;
+    }
+    mSize = mWritten = mWrittenBack = status.st_size;
+    return true;
+}
+
+bool DownloadFile::resume(std::string& reason)
+{
+    if (mPartial.empty() || openPartial(0, reason))
+        return true;
+    if (reason.empty() && errno != ENOENT)
+        reason = writeError(errno);
+    return reason.empty();
+}
+
+bool DownloadFile::read(const std::function<bool(const char*, std::size_t)>& take, std::string& reason)
+{
+    std::string piece(kPiece, '\0');
+    for (off_t at = 0; at < mWritten;) {
+        const ssize_t count = pread(descriptor(), piece.data(), piece.size(), at);
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0) {
+            reason = "read error: " + std::generic_category().message(errno);
+            return false;
+        }
+        if (!take(piece.data(), static_cast<std::size_t>(count)))
+            return false;
+        at += count;
+    }
+    return true;
+}
+
+void DownloadFile::discard()
+{
+    if (mGrowing)
+        unlink(mPartial.toNativeString().c_str());
+    mGrowing.reset();
+}
+
 bool DownloadFile::open(std::string& reason)
 {
     // Found out before the transfer, not by the rename after it.
     if (isFolder(mTarget)) {
         reason = writeError(EISDIR);
+        return false;
+    }
+    if (!mPartial.empty()) {
+        mGathered.clear();
+        if ((mGrowing || openPartial(O_CREAT, reason)) && ftruncate(mGrowing.get(), 0) == 0) {
+            mSize = mWritten = mWrittenBack = 0;
+            return true;
+        }
+        if (reason.empty())
+            reason = writeError(errno);
         return false;
     }
     mFile = host::ReplacementFile::open(mTarget.toNativeString(), host::ReplacementFile::Mode::Replaced);
@@ -54,8 +129,8 @@ bool DownloadFile::flush(std::string& reason)
 {
     std::size_t done = 0;
     while (done < mGathered.size()) {
-        const ssize_t written =
-            ::write(mFile->descriptor(), mGathered.data() + done, mGathered.size() - done);
+        const ssize_t written = pwrite(descriptor(), mGathered.data() + done, mGathered.size() - done,
+                                       static_cast<off_t>(mWritten + static_cast<std::int64_t>(done)));
         if (written < 0 && errno == EINTR)
             continue;
         if (written < 0) {
@@ -74,14 +149,14 @@ bool DownloadFile::flush(std::string& reason)
 /// Lets the disk work while the network does, so that the sync at the end has little left to wait for.
 void DownloadFile::startWriteBack()
 {
-    sync_file_range(mFile->descriptor(), mWrittenBack, mWritten - mWrittenBack, SYNC_FILE_RANGE_WRITE);
+    sync_file_range(descriptor(), mWrittenBack, mWritten - mWrittenBack, SYNC_FILE_RANGE_WRITE);
     mWrittenBack = mWritten;
 }
 
 void DownloadFile::restAtEnd()
 {
     std::string reason;
-    if (!mFile || !flush(reason))
+    if (!isOpen() || !flush(reason))
         return; // `commit` tries once more, and tells
     mGathered.shrink_to_fit();
     startWriteBack();
@@ -91,16 +166,35 @@ bool DownloadFile::commit(std::string& reason)
 {
     if (!flush(reason))
         return false;
-    if (mFile->commit(host::ReplacementFile::Durability::ContentSynced))
+    if (mFile ? mFile->commit(host::ReplacementFile::Durability::ContentSynced) : nameTarget())
         return true;
     reason = writeError(errno);
     return false;
 }
 
-std::int64_t DownloadFile::freeBytes() const
+/// Gives the partial file the target's name; on failure the reason is in `errno`.
+bool DownloadFile::nameTarget()
+{
+    if (fsync(mGrowing.get()) != 0)
+        return false;
+    if (rename(mPartial.toNativeString().c_str(), mTarget.toNativeString().c_str()) != 0) {
+        const int number = errno;
+        // The partial file may lie on another disk.
+        if (number != EXDEV || !FileUtils::moveFile(mPartial, mTarget, false)) {
+            errno = number;
+            return false;
+        }
+    }
+    mGrowing.reset();
+    return true;
+}
+
+DownloadFile::Room DownloadFile::room() const
 {
     struct statvfs status;
-    if (fstatvfs(mFile->descriptor(), &status) != 0)
-        return -1;
-    return static_cast<std::int64_t>(status.f_bavail) * static_cast<std::int64_t>(status.f_frsize);
+    if (fstatvfs(descriptor(), &status) != 0)
+        return {};
+    const auto block = static_cast<std::int64_t>(status.f_frsize);
+    return {static_cast<std::int64_t>(status.f_bavail) * block,
+            static_cast<std::int64_t>(status.f_blocks) * block};
 }

@@ -4,13 +4,13 @@
 #include <new>
 #include <utility>
 
+#include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 
 using namespace std::chrono_literals;
 
 namespace {
 
-constexpr std::int64_t kOk = 200;
 /// Connections that are opened for bodies, of the 96 that header requests may have.
 constexpr std::size_t kConnections = 64;
 /// Of requests that one connection carries at once; servers allow a hundred or more.
@@ -26,7 +26,7 @@ HttpLimits limitsAhead(const HttpLimits& limits, std::int64_t size)
 {
     HttpLimits ahead = limits;
     ahead.fileBytes = std::min(limits.fileBytes, size);
-    ahead.spareBytes = limits.spareBytes + DownloadPrefetch::kMostBytes;
+    ahead.spareForOthers = DownloadPrefetch::kMostBytes;
     return ahead;
 }
 
@@ -109,8 +109,9 @@ std::unique_ptr<DownloadAhead> DownloadPrefetch::take(const HttpRequest& request
         waitForEnd(entry);
     if (download.exception)
         std::rethrow_exception(download.exception);
-    // Nobody has heard of this one yet, and alone it may go well.
-    if (entry.state != State::Arrived && !download.pacer.aborted() && !download.pacer.toldOfBytes())
+    const bool isEnded = download.pacer.aborted() || download.answer.error == CURLE_ABORTED_BY_CALLBACK;
+    // The progress function has heard of no byte yet, and alone the download may go well.
+    if (entry.state != State::Arrived && !isEnded && !download.pacer.toldOfBytes())
         return nullptr;
     if (entry.state == State::Running)
         end(entry);
@@ -127,6 +128,10 @@ void DownloadPrefetch::waitForEnd(Entry& entry)
         }
         if (entry.state != State::Running)
             return;
+        if (CancelQuestion::isCancelled()) {
+            entry.download->answer = HttpAnswer::cancelled();
+            return;
+        }
         if (isStuck(entry, turn)) {
             giveUp();
             return;
@@ -160,7 +165,8 @@ void DownloadPrefetch::makeRoom()
     mHeld = true;
     const AtEnd goOn{[&] { mHeld = false; }};
     const TimePoint latest = HttpLimits::Clock::now() + kLongestHold;
-    while (!mRunning.empty() && HttpLimits::Clock::now() < latest && mConnections.step()) {
+    while (!mRunning.empty() && HttpLimits::Clock::now() < latest && mConnections.step() &&
+           !CancelQuestion::isCancelled()) {
         if (!mRunning.empty())
             mConnections.wait();
     }
@@ -237,7 +243,7 @@ void DownloadPrefetch::finish(Entry& entry)
     bool isWhole = false;
     try {
         download.answer = entry.transfer->answer();
-        isWhole = download.answer.error == CURLE_OK && download.answer.status == kOk;
+        isWhole = download.answer.error == CURLE_OK && download.body.isTaken();
         // In its turn, the caller finds out.
         isWhole = isWhole && (isTurn || download.body.isSound());
     } catch (...) {

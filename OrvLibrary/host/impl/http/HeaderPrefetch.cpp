@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 
 using namespace std::chrono_literals;
@@ -77,8 +78,13 @@ bool HeaderPrefetch::take(const HttpRequest& request, HttpAnswer& answer)
         if (entry.state == State::Waiting)
             start(entry);
         mConnections.step();
-        if (entry.state == State::Running)
-            mConnections.wait();
+        if (entry.state == State::Done)
+            break;
+        if (CancelQuestion::isCancelled()) {
+            answer = HttpAnswer::cancelled();
+            return true;
+        }
+        mConnections.wait();
     }
     mByKey.erase(found);
     answer = std::move(entry.answer);

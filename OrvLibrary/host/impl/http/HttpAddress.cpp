@@ -176,6 +176,11 @@ std::string resolve(const std::string& base, const std::string& reference)
     return place + path + to.query + to.fragment;
 }
 
+std::string withoutFragment(const std::string& url)
+{
+    return url.substr(0, url.find('#'));
+}
+
 bool mayLead(const std::string& from, const std::string& to)
 {
     return isWebAddress(to) && (scheme(from) != "https" || scheme(to) == "https");

@@ -24,6 +24,9 @@ std::string wireHeaderLine(const std::string& line);
 /// one.
 std::string resolve(const std::string& base, const std::string& reference);
 
+/// The text up to its fragment ("#" and what follows).
+std::string withoutFragment(const std::string& url);
+
 /// Whether a redirect may be followed: to the web only, and never from a protected to an open connection.
 bool mayLead(const std::string& from, const std::string& to);
 

@@ -2,23 +2,93 @@
 
 #include <algorithm>
 #include <charconv>
+#include <iterator>
+
+#include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 
 namespace {
 
 constexpr std::int64_t kOk = 200;
+constexpr std::int64_t kPartialContent = 206;
+constexpr std::int64_t kRangeNotSatisfiable = 416;
 constexpr std::int64_t kFirstErrorStatus = 400;
+
+/// The last value of a header; null when there is none.
+const std::string* lastValue(const WebUtils::HeaderMap& headers, const char* name)
+{
+    const auto found = headers.find(name);
+    return found == headers.end() ? nullptr : &found->second.back();
+}
+
+/// Takes a number off the front of a text.
+bool takeNumber(const char*& at, const char* end, std::int64_t& number)
+{
+    const auto result = std::from_chars(at, end, number);
+    at = result.ptr;
+    return result.ec == std::errc() && number >= 0;
+}
 
 /// The announced length of a body; -1 when there is none that can be read.
 std::int64_t contentLength(const WebUtils::HeaderMap& headers)
 {
-    const auto found = headers.find("Content-Length");
-    if (found == headers.end())
+    const std::string* const text = lastValue(headers, "Content-Length");
+    if (!text)
         return -1;
-    const std::string& text = found->second.back();
+    const char* at = text->data();
+    const char* const end = at + text->size();
     std::int64_t length = -1;
-    const auto result = std::from_chars(text.data(), text.data() + text.size(), length);
-    const bool isWhole = result.ec == std::errc() && result.ptr == text.data() + text.size();
-    return isWhole && length >= 0 ? length : -1;
+    return takeNumber(at, end, length) && at == end ? length : -1;
+}
+
+/// The length of the whole file when the answer brings everything from byte `from` on; -1 otherwise.
+std::int64_t lengthOfRest(const WebUtils::HeaderMap& headers, std::int64_t from)
+{
+    const std::string* const text = lastValue(headers, "Content-Range");
+    if (!text || text->compare(0, 6, "bytes ") != 0)
+        return -1;
+    const char* at = text->data() + 6;
+    const char* const end = text->data() + text->size();
+    std::int64_t first = -1;
+    std::int64_t last = -1;
+    std::int64_t length = -1;
+    const bool isWell = takeNumber(at, end, first) && at != end && *at++ == '-' &&
+                        takeNumber(at, end, last) && at != end && *at++ == '/' &&
+                        takeNumber(at, end, length) && at == end;
+    return isWell && first == from && last + 1 == length ? length : -1;
+}
+
+/// Whether nothing in the answer says that it is of another version than the validator's.
+bool isOfVersion(const WebUtils::HeaderMap& headers, const std::string& validator)
+{
+    const bool isTag = validator.front() == '"';
+    const std::string* const own = lastValue(headers, isTag ? "ETag" : "Last-Modified");
+    return !own || *own == validator;
+}
+
+/// Why a body cannot be stored: what would be stored is not what the tag belongs to. Empty when it can be.
+std::string encodingProblem(const WebUtils::HeaderMap& headers)
+{
+    const auto found = headers.find("Content-Encoding");
+    if (found == headers.end())
+        return {};
+    for (const std::string& value : found->second) {
+        std::string name = value;
+        std::transform(name.begin(), name.end(), name.begin(),
+                       [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+        if (!name.empty() && name != "identity")
+            return "the body is encoded (Content-Encoding: " + value + ")";
+    }
+    return {};
+}
+
+/// A size for a sentence, rounded up to a unit of 1000.
+std::string sizeText(std::int64_t bytes)
+{
+    const char* const units[] = {" bytes", " KB", " MB", " GB", " TB"};
+    std::size_t unit = 0;
+    for (; bytes >= 1000 && unit + 1 < std::size(units); ++unit)
+        bytes = (bytes + 999) / 1000;
+    return std::to_string(bytes) + units[unit];
 }
 
 } // namespace
@@ -48,6 +118,11 @@ bool HttpBody::discard(std::size_t size)
 bool PageBody::begin(std::int64_t status, const std::string& headerText)
 {
     mPage.clear();
+    WebUtils::HeaderMap headers;
+    WebUtils::parseReturnHeader(headerText, headers);
+    mReason = encodingProblem(headers);
+    if (!mReason.empty())
+        return false;
     mCap = status >= kFirstErrorStatus ? mLimits.errorPageBytes : mLimits.pageBytes;
     return HttpBody::begin(status, headerText);
 }
@@ -59,9 +134,21 @@ bool PageBody::take(const char* data, std::size_t size)
     return size <= room;
 }
 
-FileBody::FileBody(const HttpLimits& limits, const fileString& target, ProgressPacer& pacer, TimePoint start)
-    : HttpBody(limits), mFile(target), mPacer(pacer), mSpeed(limits, start)
+FileBody::FileBody(const HttpLimits& limits, const fileString& target, ProgressPacer& pacer, TimePoint start,
+                   const fileString& partial)
+    : HttpBody(limits), mFile(target, partial), mPacer(pacer), mSpeed(limits, start)
 {
+}
+
+std::int64_t FileBody::resume(const std::string& validator)
+{
+    if (!mFile.resume(mReason))
+        mDiskFailed = true;
+    // A weak tag does not say that the bytes are the same.
+    if (validator.empty() || validator.compare(0, 2, "W/") == 0 || mDiskFailed || mFile.size() == 0)
+        return 0;
+    mValidator = validator;
+    return mFile.size();
 }
 
 bool FileBody::fail(const std::string& reason)
@@ -80,32 +167,71 @@ bool FileBody::checkRoom(std::int64_t size)
 {
     if (size <= mCap)
         return true;
-    return mCapIsDisk ? failOnDisk("write error: No space left on device") : fail("file too large");
+    if (!mCapIsDisk)
+        return fail("file too large");
+    return failOnDisk("disk full: " + sizeText(size - mFile.size()) + " needed, " + sizeText(mFree) +
+                      " free, " + sizeText(mKept) + " kept free");
 }
 
 bool FileBody::begin(std::int64_t status, const std::string& headerText)
 {
-    mStatus = status;
-    if (status != kOk)
+    const bool isRest = !mValidator.empty() && status == kPartialContent;
+    mIsTaken = status == kOk || isRest;
+    mMustStartAnew = !mValidator.empty() && status == kRangeNotSatisfiable;
+    if (!mIsTaken)
         return HttpBody::begin(status, headerText);
     WebUtils::HeaderMap headers;
     WebUtils::parseReturnHeader(headerText, headers);
+    const std::string problem = encodingProblem(headers);
+    if (!problem.empty())
+        return fail(problem);
     mDigest = std::make_unique<BodyDigest>(headers);
-    mLength = contentLength(headers);
+    if (!(isRest ? beginRest(headers) : beginWhole(headers)))
+        return false;
     mPacer.setTotal(std::max<std::int64_t>(mLength, 0));
-    std::string reason;
-    if (!mFile.open(reason))
-        return failOnDisk(reason);
     measureRoom();
     return checkRoom(mLength);
+}
+
+/// The answer brings the whole file, which takes the place of what was there.
+bool FileBody::beginWhole(const WebUtils::HeaderMap& headers)
+{
+    mLength = contentLength(headers);
+    std::string reason;
+    return mFile.open(reason) || failOnDisk(reason);
+}
+
+/// The answer brings the bytes that follow those of the partial file.
+bool FileBody::beginRest(const WebUtils::HeaderMap& headers)
+{
+    mLength = lengthOfRest(headers, mFile.size());
+    mMustStartAnew = mLength < 0 || !isOfVersion(headers, mValidator);
+    if (mMustStartAnew)
+        return fail("the answer does not go on where the partial file ends");
+    mPacer.startAt(mFile.size());
+    return digestEarlier();
+}
+
+bool FileBody::digestEarlier()
+{
+    std::string reason;
+    const auto digest = [&](const char* data, std::size_t size) {
+        mDigest->updateEarlier(data, size);
+        return !CancelQuestion::isCancelled();
+    };
+    if (!mDigest->isWanted() || mFile.read(digest, reason))
+        return true;
+    return reason.empty() ? fail("Callback aborted") : failOnDisk(reason);
 }
 
 /// How large the file may become, with what is already written.
 void FileBody::measureRoom()
 {
-    const std::int64_t free = mFile.freeBytes();
-    const std::int64_t room = mFile.size() + free - mLimits.spareBytes;
-    mCapIsDisk = free >= 0 && room < mLimits.fileBytes;
+    const DownloadFile::Room disk = mFile.room();
+    mFree = disk.free;
+    mKept = std::min(mLimits.spareBytes, disk.whole / mLimits.spareShare) + mLimits.spareForOthers;
+    const std::int64_t room = mFile.size() + mFree - mKept;
+    mCapIsDisk = mFree >= 0 && room < mLimits.fileBytes;
     mCap = mCapIsDisk ? std::max<std::int64_t>(room, 0) : mLimits.fileBytes;
 }
 
@@ -122,7 +248,7 @@ void FileBody::headerReceived(std::size_t size)
 
 bool FileBody::take(const char* data, std::size_t size)
 {
-    if (mStatus != kOk)
+    if (!mIsTaken)
         return discard(size);
     const auto bytes = static_cast<std::int64_t>(size);
     if (!checkRoom(mFile.size() + bytes))
@@ -156,8 +282,10 @@ bool FileBody::isSound()
 
 bool FileBody::finish()
 {
-    if (!isSound())
+    if (!isSound()) {
+        mFile.discard();
         return false;
+    }
     if (!mPacer.finish(HttpLimits::Clock::now()))
         return false;
     std::string reason;

@@ -59,17 +59,30 @@ public:
 
     bool begin(std::int64_t status, const std::string& headerText) override;
     bool take(const char* data, std::size_t size) override;
+    /// Why the page was not taken; empty when it was.
+    const std::string& reason() const { return mReason; }
 
 private:
     std::string& mPage;
     std::int64_t mCap = 0;
+    std::string mReason;
 };
 
-/// Writes the body of a 200 to a file; other bodies are passed over.
+/// Writes the body of a 200 to a file, or the rest of a body that a 206 brings; other bodies are passed over.
 class FileBody : public HttpBody
 {
 public:
-    FileBody(const HttpLimits& limits, const fileString& target, ProgressPacer& pacer, TimePoint start);
+    /// @param partial where the file grows and stays after a failure; empty when it does not
+    FileBody(const HttpLimits& limits, const fileString& target, ProgressPacer& pacer, TimePoint start,
+             const fileString& partial = {});
+
+    /// Prepares for an answer that goes on where the partial file ends.
+    /// @param validator entity tag in quotes, or date, of the version that the partial file is of
+    /// @return how many bytes there are; 0 when the file must be asked for from its first byte
+    std::int64_t resume(const std::string& validator);
+    /// The answer does not go on where the partial file ends: the file is to be asked for from its first
+    /// byte.
+    bool mustStartAnew() const { return mMustStartAnew; }
 
     bool begin(std::int64_t status, const std::string& headerText) override;
     bool take(const char* data, std::size_t size) override;
@@ -84,7 +97,9 @@ public:
     void limitsChanged();
     /// The body has arrived, and its turn has not come: lets go of memory and lets the disk begin.
     void restAtEnd() { mFile.restAtEnd(); }
-    /// Bytes taken.
+    /// Whether the answer brought what was asked for, so far as its header says.
+    bool isTaken() const { return mIsTaken; }
+    /// Bytes of the file so far.
     std::int64_t size() const { return mFile.size(); }
     /// Why the file could not be written; empty when it could.
     const std::string& reason() const { return mReason; }
@@ -94,6 +109,9 @@ public:
 private:
     bool fail(const std::string& reason);
     bool failOnDisk(const std::string& reason);
+    bool beginWhole(const WebUtils::HeaderMap& headers);
+    bool beginRest(const WebUtils::HeaderMap& headers);
+    bool digestEarlier();
     void measureRoom();
     bool checkRoom(std::int64_t size);
 
@@ -101,11 +119,17 @@ private:
     ProgressPacer& mPacer;
     SpeedGuard mSpeed;
     std::unique_ptr<BodyDigest> mDigest;
-    std::int64_t mStatus = 0;
-    /// As announced; -1 when it was not.
+    /// Of the version that the partial file is of; empty when the file is asked for from its first byte.
+    std::string mValidator;
+    bool mMustStartAnew = false;
+    bool mIsTaken = false;
+    /// Of the whole file, as announced; -1 when it was not.
     std::int64_t mLength = -1;
     std::int64_t mCap = 0;
     bool mCapIsDisk = false;
+    /// Free on the disk when the body began, and to be kept free.
+    std::int64_t mFree = 0;
+    std::int64_t mKept = 0;
     bool mDiskFailed = false;
     std::optional<bool> mIsSound;
     std::string mReason;

@@ -4,37 +4,24 @@
 #include <set>
 
 #include "OrvLibrary/host/WebUtils.h"
+#include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/HeaderPrefetch_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 
 namespace {
 
-HttpAnswer failure(int error, const std::string& text)
-{
-    HttpAnswer answer;
-    answer.error = error;
-    answer.errorText = text;
-    return answer;
-}
-
-bool isRedirect(std::int64_t status)
-{
-    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
-}
-
-/// Where an answer leads; empty when it leads nowhere.
+/// Where an answer leads; empty when it leads nowhere. A whole header block is enough: whatever became of the
+/// body, it does not matter.
 std::string redirectTarget(const std::string& url, const HttpAnswer& answer)
 {
-    const bool wasEnded =
-        answer.error == CURLE_ABORTED_BY_CALLBACK || answer.error == CURLE_OPERATION_TIMEDOUT;
-    if (wasEnded || !isRedirect(answer.status))
+    if (answer.error == CURLE_ABORTED_BY_CALLBACK || !isRedirectStatus(answer.status))
         return {};
     WebUtils::HeaderMap headers;
     WebUtils::parseReturnHeader(answer.headerText, headers);
     const auto location = headers.find("Location");
     if (location == headers.end() || location->second.front().empty())
         return {};
-    return HttpAddress::resolve(url, location->second.front());
+    return HttpAddress::withoutFragment(HttpAddress::resolve(url, location->second.front()));
 }
 
 /// Header lines that are meant for one server only.
@@ -55,7 +42,8 @@ void removeSecrets(std::vector<std::string>& lines)
 /// sent alone: a server may refuse several connections at once.
 bool isWorthAnotherTry(const HttpAnswer& answer)
 {
-    return !answer.answered && answer.error != CURLE_OPERATION_TIMEDOUT;
+    return !answer.answered && answer.error != CURLE_OPERATION_TIMEDOUT &&
+           answer.error != CURLE_ABORTED_BY_CALLBACK;
 }
 
 } // namespace
@@ -69,7 +57,8 @@ HttpChain::HttpChain(HttpConnections& connections, AddressGuard& guard, const Ht
 HttpAnswer HttpChain::run(HttpRequest request, HttpBody& body, bool follow)
 {
     if (!HttpAddress::isWebAddress(request.url))
-        return failure(CURLE_UNSUPPORTED_PROTOCOL, "not a web address: " + request.url);
+        return HttpAnswer::failure(CURLE_UNSUPPORTED_PROTOCOL, "not a web address");
+    request.isFollowed = follow;
     std::set<std::string> visited;
     for (int redirects = 0;; ++redirects) {
         mUrl = request.url;
@@ -79,11 +68,12 @@ HttpAnswer HttpChain::run(HttpRequest request, HttpBody& body, bool follow)
         if (target.empty())
             return answer;
         if (redirects == mLimits.redirects)
-            return failure(CURLE_TOO_MANY_REDIRECTS, "too many redirects");
+            return HttpAnswer::failure(CURLE_TOO_MANY_REDIRECTS, "too many redirects");
         if (!HttpAddress::mayLead(mUrl, target))
-            return failure(CURLE_UNSUPPORTED_PROTOCOL, "redirect to a forbidden address: " + target);
+            return HttpAnswer::failure(CURLE_UNSUPPORTED_PROTOCOL,
+                                       "redirect to a forbidden address: " + target);
         if (visited.count(target) != 0)
-            return failure(CURLE_TOO_MANY_REDIRECTS, "redirects in a circle");
+            return HttpAnswer::failure(CURLE_TOO_MANY_REDIRECTS, "redirects in a circle");
         if (HttpAddress::hostAndPort(target) != HttpAddress::hostAndPort(mUrl))
             removeSecrets(request.headerLines);
         request.url = target;
@@ -98,15 +88,19 @@ bool HttpChain::takePrefetched(const HttpRequest& request, HttpAnswer& answer)
 
 HttpAnswer HttpChain::send(const HttpRequest& request, HttpBody& body)
 {
+    if (CancelQuestion::isCancelled())
+        return HttpAnswer::cancelled();
     const std::string address = HttpAddress::hostAndPort(request.url);
-    if (!mGuard.isOpen(address))
-        return failure(CURLE_COULDNT_CONNECT, "no answer from " + address + " a moment ago");
+    if (!mGuard.isOpen(address)) {
+        return HttpAnswer::failure(CURLE_COULDNT_CONNECT, "no answer from " + address +
+                                                              " a moment ago: " + mGuard.lastReason(address));
+    }
     HttpAnswer answer;
     if (!takePrefetched(request, answer) || isWorthAnotherTry(answer))
         answer = mConnections.perform(request, body, mLimits, mDeadline);
     if (answer.answered)
         mGuard.answered(address);
     else if (answer.error != CURLE_ABORTED_BY_CALLBACK)
-        mGuard.unanswered(address);
+        mGuard.unanswered(address, answer.errorText);
     return answer;
 }

@@ -5,16 +5,19 @@
 #include <ctime>
 #include <mutex>
 #include <new>
+#include <thread>
 
+#include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/DownloadPrefetch_p.h"
 #include "OrvLibrary/host/impl/http/HeaderPrefetch_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
+#include "OrvLibrary/host/impl/http/RateLimit_p.h"
 
 namespace {
 
-/// The longest sleep between two looks at a transfer, in milliseconds. The library sleeps up to 200 ms in
+/// The longest sleep between two looks at a transfer. The library sleeps up to 200 ms in
 /// places where data is already there; and the progress function must be called in time.
-constexpr int kLongestSleep = 10;
+constexpr std::chrono::milliseconds kLongestSleep{10};
 constexpr std::size_t kIdleHandles = 100;
 /// Idle connections that are kept.
 constexpr long kKeptConnections = 100;
@@ -189,6 +192,8 @@ void HttpConnections::run(HttpTransfer& transfer)
     while (!transfer.finished()) {
         if (!step())
             transfer.finish(CURLE_OUT_OF_MEMORY);
+        if (!transfer.finished() && CancelQuestion::isCancelled())
+            transfer.cancel();
         if (!transfer.finished() && transfer.watch(HttpLimits::Clock::now()))
             wait();
     }
@@ -207,6 +212,9 @@ void HttpConnections::stop(HttpTransfer& transfer)
 
 bool HttpConnections::send()
 {
+    // What is not read here stays with the system, which slows the server down.
+    if (RateLimit::ofProcess().pause(HttpLimits::Clock::now()).count() > 0)
+        return true;
     int running = 0;
     return curl_multi_perform(mMulti, &running) == CURLM_OK;
 }
@@ -224,7 +232,11 @@ bool HttpConnections::step()
 
 void HttpConnections::wait()
 {
-    curl_multi_poll(mMulti, nullptr, 0, kLongestSleep, nullptr);
+    const auto pause = RateLimit::ofProcess().pause(HttpLimits::Clock::now());
+    if (pause.count() > 0)
+        std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(pause, kLongestSleep));
+    else
+        curl_multi_poll(mMulti, nullptr, 0, static_cast<int>(kLongestSleep.count()), nullptr);
 }
 
 void HttpConnections::collectResults()

@@ -25,8 +25,12 @@ struct HttpLimits
     /// Also what is read of any answer whose body nobody wants, so that its connection can be kept.
     std::int64_t errorPageBytes = 64 * 1024;
     std::int64_t fileBytes = 16LL * 1024 * 1024 * 1024;
-    /// What a file leaves free on its disk.
+    /// A file leaves free on its disk the smaller of this many bytes and one part in `spareShare` of the
+    /// file system.
     std::int64_t spareBytes = 256LL * 1024 * 1024;
+    std::int64_t spareShare = 20;
+    /// Bytes that a body fetched ahead leaves free as well, for the bodies that arrive beside it.
+    std::int64_t spareForOthers = 0;
 
     std::int64_t progressStep = 4096;
     /// Without a byte for `progressSilence`, the progress function is called every `progressInterval`.

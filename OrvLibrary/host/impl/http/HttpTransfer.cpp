@@ -1,9 +1,14 @@
 #include "OrvLibrary/host/impl/http/HttpTransfer_p.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <new>
 
+#include <sys/stat.h>
+
+#include "OrvLibrary/host/WebUtils.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
+#include "OrvLibrary/host/impl/http/RateLimit_p.h"
 
 namespace {
 
@@ -22,11 +27,51 @@ std::string listForm(const std::string& line)
     return isEmptyValue ? line.substr(0, colon) + ";" : line;
 }
 
+bool isCacheControl(const std::string& line)
+{
+    const WebUtils::HeaderNameCompare less;
+    const std::string name = line.substr(0, line.find(':'));
+    return !less(name, "Cache-Control") && !less("Cache-Control", name);
+}
+
+bool isFolder(const std::string& path)
+{
+    struct stat status;
+    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// A path that the environment names; null when it names none.
+const char* pathFromEnvironment(const char* variable)
+{
+    const char* const value = std::getenv(variable);
+    return value && *value ? value : nullptr;
+}
+
+long receiveBuffer(const HttpRequest& request)
+{
+    if (request.headerOnly)
+        return kHeaderReceiveBuffer;
+    return request.isOneOfMany ? kSmallReceiveBuffer : kReceiveBuffer;
+}
+
 } // namespace
+
+HttpAnswer HttpAnswer::failure(CURLcode error, const std::string& text)
+{
+    HttpAnswer answer;
+    answer.error = error;
+    answer.errorText = text;
+    return answer;
+}
 
 HttpTransfer::HttpTransfer(CURL* handle, const HttpRequest& request, HttpBody& body, const HttpLimits& limits,
                            TimePoint deadline)
-    : mHandle(handle), mBody(body), mLimits(limits), mDeadline(deadline)
+    : mHandle(handle),
+      mBody(body),
+      mLimits(limits),
+      mDeadline(deadline),
+      mIsFollowed(request.isFollowed),
+      mWantsBody(request.wantsBody)
 {
     setOptions(request);
     setHeaderLines(request.headerLines);
@@ -43,8 +88,11 @@ void HttpTransfer::setOptions(const HttpRequest& request)
     curl_easy_setopt(mHandle, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(mHandle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(mLimits.connectTimeout.count()));
     curl_easy_setopt(mHandle, CURLOPT_USERAGENT, "libOrvLibrary");
-    const long buffer = request.isOneOfMany ? kSmallReceiveBuffer : kReceiveBuffer;
-    curl_easy_setopt(mHandle, CURLOPT_BUFFERSIZE, request.headerOnly ? kHeaderReceiveBuffer : buffer);
+    curl_easy_setopt(mHandle, CURLOPT_BUFFERSIZE, receiveBuffer(request));
+    // Otherwise one call of the transfer library may read many times as much as a second's share.
+    curl_easy_setopt(mHandle, CURLOPT_MAX_RECV_SPEED_LARGE,
+                     static_cast<curl_off_t>(RateLimit::ofProcess().bytesPerSecond()));
+    setCertificates(request.certificates);
     if (!request.proxy.empty())
         curl_easy_setopt(mHandle, CURLOPT_PROXY, request.proxy.c_str());
     // Requests at the same time share a connection that can carry them.
@@ -64,8 +112,31 @@ void HttpTransfer::setOptions(const HttpRequest& request)
     curl_easy_setopt(mHandle, CURLOPT_PRIVATE, this);
 }
 
-void HttpTransfer::setHeaderLines(const std::vector<std::string>& lines)
+/// What the caller says is trusted and nothing else. Otherwise each variable of the environment stands for
+/// the system's own file or folder.
+void HttpTransfer::setCertificates(const std::string& fileOrFolder)
 {
+    const char* file = pathFromEnvironment("SSL_CERT_FILE");
+    const char* folder = pathFromEnvironment("SSL_CERT_DIR");
+    if (!fileOrFolder.empty()) {
+        file = isFolder(fileOrFolder) ? nullptr : fileOrFolder.c_str();
+        folder = file ? nullptr : fileOrFolder.c_str();
+    }
+    for (const CURLoption option : {CURLOPT_CAINFO, CURLOPT_PROXY_CAINFO}) {
+        if (file || !fileOrFolder.empty())
+            curl_easy_setopt(mHandle, option, file);
+    }
+    for (const CURLoption option : {CURLOPT_CAPATH, CURLOPT_PROXY_CAPATH}) {
+        if (folder || !fileOrFolder.empty())
+            curl_easy_setopt(mHandle, option, folder);
+    }
+}
+
+void HttpTransfer::setHeaderLines(std::vector<std::string> lines)
+{
+    // A cache on the way must not answer with what it has kept, such as a former version.
+    if (std::none_of(lines.begin(), lines.end(), isCacheControl))
+        lines.push_back("Cache-Control: no-cache");
     for (const std::string& line : lines) {
         curl_slist* const list =
             curl_slist_append(mHeaderList.get(), listForm(HttpAddress::wireHeaderLine(line)).c_str());
@@ -80,6 +151,7 @@ void HttpTransfer::setHeaderLines(const std::vector<std::string>& lines)
 std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* self)
 {
     auto* transfer = static_cast<HttpTransfer*>(self);
+    RateLimit::ofProcess().received(static_cast<std::int64_t>(size * count), HttpLimits::Clock::now());
     // Nothing may be thrown through the transfer library.
     try {
         return transfer->takeHeader(std::string(data, size * count)) ? size * count : 0;
@@ -92,6 +164,7 @@ std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t cou
 std::size_t HttpTransfer::onBody(char* data, std::size_t size, std::size_t count, void* self)
 {
     auto* transfer = static_cast<HttpTransfer*>(self);
+    RateLimit::ofProcess().received(static_cast<std::int64_t>(size * count), HttpLimits::Clock::now());
     try {
         return transfer->mBody.take(data, size * count) ? size * count : 0;
     } catch (...) {
@@ -115,6 +188,8 @@ bool HttpTransfer::takeHeader(const std::string& line)
     if (status < kFirstFinalStatus)
         return true;
     mStatus = status;
+    if (!mWantsBody || (mIsFollowed && isRedirectStatus(mStatus)))
+        mHasEnough = HttpLimits::Clock::now();
     return mBody.begin(mStatus, mHeader.text());
 }
 
@@ -123,6 +198,8 @@ bool HttpTransfer::fail(CURLcode error, const char* text)
     mFinished = true;
     mError = error;
     mFailure = text;
+    // Taking the transfer away must not wait for the look-up of a name that nobody answers.
+    curl_easy_setopt(mHandle, CURLOPT_QUICK_EXIT, 1L);
     return false;
 }
 
@@ -130,6 +207,8 @@ bool HttpTransfer::watch(TimePoint now)
 {
     if (now >= mDeadline)
         return fail(CURLE_OPERATION_TIMEDOUT, "Operation timed out");
+    if (mHasEnough != TimePoint() && now - mHasEnough >= mLimits.progressSilence)
+        return fail(CURLE_OPERATION_TIMEDOUT, "Operation too slow");
     try {
         return heed(mBody.watch(now));
     } catch (...) {

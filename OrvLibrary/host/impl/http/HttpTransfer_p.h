@@ -23,13 +23,30 @@ struct HttpRequest
     bool isOneOfMany = false;
     /// Opens a connection of its own, whether or not there is one that could carry it.
     bool onNewConnection = false;
+    /// Whether an answer that redirects is followed.
+    bool isFollowed = false;
+    /// Whether the body matters. That of a redirect that is followed never does. A body that does not matter
+    /// is waited for a second, so that its connection can be kept.
+    bool wantsBody = true;
     /// Proxy address; empty for what the environment says.
     std::string proxy;
+    /// File or folder of the authorities to trust; empty for what the environment says.
+    std::string certificates;
 };
+
+/// Whether a status says that the answer is somewhere else.
+constexpr bool isRedirectStatus(std::int64_t status)
+{
+    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
+}
 
 /// What became of a request.
 struct HttpAnswer
 {
+    static HttpAnswer failure(CURLcode error, const std::string& text);
+    /// The caller has cancelled the request.
+    static HttpAnswer cancelled() { return failure(CURLE_ABORTED_BY_CALLBACK, "Callback aborted"); }
+
     /// The transfer library's number; 0 when the answer is whole.
     int error = 0;
     /// Its text, or one of ours.
@@ -59,6 +76,8 @@ public:
     CURL* handle() const { return mHandle; }
     /// Asked all the time while the transfer runs. False when it must end; the reason is kept.
     bool watch(TimePoint now);
+    /// Ends the transfer because the caller has cancelled it.
+    void cancel() { fail(CURLE_ABORTED_BY_CALLBACK, "Callback aborted"); }
     /// The transfer library is done with the transfer.
     void finish(CURLcode result);
     bool finished() const { return mFinished; }
@@ -86,7 +105,8 @@ private:
     static std::size_t onBody(char* data, std::size_t size, std::size_t count, void* self);
 
     void setOptions(const HttpRequest& request);
-    void setHeaderLines(const std::vector<std::string>& lines);
+    void setCertificates(const std::string& fileOrFolder);
+    void setHeaderLines(std::vector<std::string> lines);
     bool takeHeader(const std::string& line);
     bool heed(HttpBody::Verdict verdict);
     /// @param text a literal: a failure needs no memory
@@ -96,12 +116,16 @@ private:
     HttpBody& mBody;
     const HttpLimits& mLimits;
     const TimePoint mDeadline;
+    const bool mIsFollowed;
+    const bool mWantsBody;
     std::unique_ptr<curl_slist, ListEnd> mHeaderList;
     char mErrorText[CURL_ERROR_SIZE] = "";
 
     HttpHeaderBlock mHeader;
     std::int64_t mHeaderBytes = 0;
     std::int64_t mStatus = 0;
+    /// When the header block was complete of an answer whose body does not matter.
+    TimePoint mHasEnough{};
     bool mFinished = false;
     CURLcode mError = CURLE_OK;
     /// Our own failure, which goes before the transfer library's.

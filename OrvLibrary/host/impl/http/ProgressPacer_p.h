@@ -19,6 +19,8 @@ public:
     /// Gives a function to a transfer that went on without one: calls it for the steps that have come, and
     /// counts a silence from `now` on. False once the function aborted.
     bool attach(Curl::ProgressFunction progress, void* context, TimePoint now);
+    /// So many bytes of the body are there already: the counts start with them.
+    void startAt(std::int64_t bytes) { mReceived = bytes; }
     /// The body's length as announced, in bytes; 0 when it is not known.
     void setTotal(std::int64_t bytes) { mTotal = bytes; }
     /// Takes note of body bytes. False once the function aborted.

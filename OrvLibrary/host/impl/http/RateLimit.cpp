@@ -1,0 +1,37 @@
+#include "OrvLibrary/host/impl/http/RateLimit_p.h"
+
+#include <algorithm>
+
+RateLimit& RateLimit::ofProcess()
+{
+    // Never destroyed: a worker thread may still be on its way when the process ends.
+    static RateLimit* const limit = new RateLimit;
+    return *limit;
+}
+
+void RateLimit::set(std::int64_t bytesPerSecond)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mBytesPerSecond = std::max<std::int64_t>(bytesPerSecond, 0);
+    mFreeAt = TimePoint();
+}
+
+void RateLimit::received(std::int64_t bytes, TimePoint now)
+{
+    if (mBytesPerSecond == 0)
+        return;
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const std::int64_t rate = mBytesPerSecond;
+    if (rate == 0)
+        return;
+    const std::chrono::duration<double> time(static_cast<double>(bytes) / static_cast<double>(rate));
+    mFreeAt = std::max(mFreeAt, now) + std::chrono::duration_cast<TimePoint::duration>(time);
+}
+
+std::chrono::nanoseconds RateLimit::pause(TimePoint now)
+{
+    if (mBytesPerSecond == 0)
+        return std::chrono::nanoseconds(0);
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return std::max<std::chrono::nanoseconds>(mFreeAt - now, std::chrono::nanoseconds(0));
+}

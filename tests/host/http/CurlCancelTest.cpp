@@ -1,0 +1,120 @@
+// The cancel question ends a request of any kind, whatever it is waiting for.
+#include <atomic>
+
+#include "tests/host/http/CurlFixture.h"
+
+using testing::IsEmpty;
+using testing::SizeIs;
+
+namespace test {
+
+namespace {
+
+/// How often the question is answered with no before it is answered with yes.
+std::atomic<int> patience{0};
+
+bool isOutOfPatience()
+{
+    return patience-- <= 0;
+}
+
+/// The service's own times, which no test could wait for: a request that ends was ended by the question.
+class CurlCancelTest : public CurlFixture
+{
+protected:
+    void SetUp() override
+    {
+        server.otherwise([](const FaultRequest&) { return FaultReply::silence(); });
+        FaultReply reply = FaultReply::ok("0123456789");
+        server.on("/body", reply.silentAt(reply.headSize() + 4));
+        server.on("/redirect", FaultReply::redirect("/silent"));
+        EXPECT_EQ(Curl::setCancelQuestion(&isOutOfPatience), nullptr);
+        patience = 20;
+    }
+    void TearDown() override { EXPECT_EQ(Curl::setCancelQuestion(nullptr), &isOutOfPatience); }
+
+    void expectCancelled()
+    {
+        EXPECT_EQ(curl.lastAnswer().reason, "Callback aborted");
+        EXPECT_LE(patience, 0);
+    }
+};
+
+} // namespace
+
+TEST_F(CurlCancelTest, headerRequestEnds)
+{
+    EXPECT_FALSE(header(server.url("/silent")));
+    expectCancelled();
+}
+
+TEST_F(CurlCancelTest, pageEnds)
+{
+    EXPECT_FALSE(browse(server.url("/silent")));
+    expectCancelled();
+    patience = 20;
+    EXPECT_FALSE(browse(server.url("/body")));
+    expectCancelled();
+}
+
+TEST_F(CurlCancelTest, redirectWalkEnds)
+{
+    EXPECT_EQ(curl.urlAfterRedirects(server.url("/redirect")), "");
+    expectCancelled();
+}
+
+TEST_F(CurlCancelTest, downloadEndsWithTheNumberOfACancel)
+{
+    for (const char* path : {"/silent", "/body"}) {
+        patience = 20;
+        EXPECT_FALSE(fetch(server.url(path)));
+        expectCancelled();
+        EXPECT_EQ(reason, "Callback aborted");
+        EXPECT_EQ(errorNumber, Curl::kAbortedByCallback);
+    }
+    EXPECT_THAT(files(), IsEmpty());
+}
+
+TEST_F(CurlCancelTest, answerThatIsAskedForAheadEnds)
+{
+    curl.prefetchHeaders({{server.url("/silent1"), {}}, {server.url("/silent2"), {}}});
+    EXPECT_FALSE(header(server.url("/silent1")));
+    expectCancelled();
+    curl.prefetchHeaders({});
+}
+
+TEST_F(CurlCancelTest, connectionThatIsNotTakenEnds)
+{
+    server.stopAccepting();
+    EXPECT_FALSE(header(server.url("/silent")));
+    expectCancelled();
+}
+
+TEST_F(CurlCancelTest, nothingIsAskedOnceItIsCancelled)
+{
+    patience = 0;
+    EXPECT_FALSE(header(server.url("/body")));
+    expectCancelled();
+    EXPECT_FALSE(browse(server.url("/body")));
+    expectCancelled();
+    EXPECT_EQ(curl.urlAfterRedirects(server.url("/body")), "");
+    expectCancelled();
+    EXPECT_FALSE(fetch(server.url("/body")));
+    expectCancelled();
+    EXPECT_EQ(errorNumber, Curl::kAbortedByCallback);
+    EXPECT_THAT(server.requests(), IsEmpty());
+    EXPECT_EQ(server.connectionCount(), 0);
+}
+
+TEST_F(CurlCancelTest, cancelClosesNoAddress)
+{
+    for (int i = 0; i < 5; ++i) {
+        patience = 3;
+        EXPECT_FALSE(header(server.url("/silent")));
+    }
+    server.on("/a", FaultReply::ok(""));
+    patience = 1'000'000;
+    EXPECT_TRUE(header(server.url("/a")));
+}
+
+} // namespace test
