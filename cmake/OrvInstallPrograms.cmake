@@ -20,6 +20,7 @@ foreach(page IN ITEMS
         orv-library
         orv-library-filters
         orv-library-help
+        orv-library-history
         orv-library-import
         orv-library-info
         orv-library-list

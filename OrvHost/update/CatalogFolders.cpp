@@ -40,6 +40,11 @@ CatalogFolder CatalogFolders::core()
     return catalogFolder(PathUtils::getObject().getCoreLibraryDatabasePath());
 }
 
+fileString CatalogFolders::root()
+{
+    return PathUtils::getObject().getCoreLibraryDatabasePath().parentPath().parentPath();
+}
+
 CatalogFolder CatalogFolders::bonus()
 {
     return catalogFolder(PathUtils::getObject().getBonusLibraryDatabasePath());

@@ -26,6 +26,9 @@ struct ORVHOST_EXPORT CatalogFolder
 namespace CatalogFolders {
 
 ORVHOST_EXPORT CatalogFolder core();
+/// The folder that holds the folder of the core catalogs: where a host keeps files of its own beside them.
+/// Without the final separator.
+ORVHOST_EXPORT fileString root();
 ORVHOST_EXPORT CatalogFolder bonus();
 ORVHOST_EXPORT CatalogFolder manufacturer();
 /// In the order in which an update empties their download folders: core, bonus, manufacturer.

@@ -52,27 +52,47 @@ void CatalogSwapper::recoverCatalog(const fileString& destination, const fileStr
         return;
     const std::string tag = storedTag(destination);
     const std::string checksum = SHA1::fileContentsToSHA1Hex(newFile);
-    const bool swapped = swapIn(destination, newFile);
-    // The line may be of the former catalog: the update died before it wrote its hash files. A checksum
-    // proves that; and without a line the next check asks with the new file's own checksum.
+    // The line may be of the former catalog, when the update died before it wrote its hash files, or already
+    // of the new one. A checksum tells which.
+    const std::string former = destination.pathExists() ? SHA1::fileContentsToSHA1Hex(destination) : "";
+    const bool swapped = swapIn(destination, Sha1Tag::equal(tag, former) ? tag : "", newFile);
+    // Without a line the next check asks with the new file's own checksum.
     if (!swapped || (Sha1Tag::isSha1(tag) && !Sha1Tag::equal(tag, checksum)))
         forget(destination);
 }
 
 bool CatalogSwapper::swapIn(const fileString& destination, const fileString& newFile)
 {
-    const std::string problem = mChecksDatabases ? DatabaseCheck::problemOf(newFile) : std::string();
-    if (!problem.empty()) {
-        mFailed.push_back({destination, "the new file " + problem});
-        FileUtils::removePath(newFile, kRemoveReadOnly);
-        return false;
-    }
-    const bool swapped = FileUtils::moveFile(newFile, destination, false);
-    if (swapped)
+    return swapIn(destination, mHistory.tagOf(CatalogPlaces::ofPath(destination)), newFile);
+}
+
+bool CatalogSwapper::swapIn(const fileString& destination, const std::string& formerTag,
+                            const fileString& newFile)
+{
+    const std::string problem = replace(destination, formerTag, newFile);
+    if (problem.empty())
         mSwappedIn.push_back(destination);
     else
-        mFailed.push_back({destination, "cannot replace " + destination.toNativeString()});
-    return swapped;
+        mFailed.push_back({destination, problem});
+    return problem.empty();
+}
+
+/// @return what went wrong, for people; empty when nothing did
+std::string CatalogSwapper::replace(const fileString& destination, const std::string& formerTag,
+                                    const fileString& newFile)
+{
+    std::string problem = mChecksDatabases ? DatabaseCheck::problemOf(newFile) : std::string();
+    if (!problem.empty()) {
+        FileUtils::removePath(newFile, kRemoveReadOnly);
+        return "the new file " + problem;
+    }
+    // The same once more, where an update died before it wrote its hash files, is no new version.
+    if (!CatalogHistory::hasSameContents(newFile, destination) &&
+        !mHistory.keep(CatalogPlaces::ofPath(destination), formerTag, problem))
+        return problem;
+    return FileUtils::moveFile(newFile, destination, false)
+               ? std::string()
+               : "cannot replace " + destination.toNativeString();
 }
 
 std::vector<fileString> CatalogSwapper::forgetFailed() const

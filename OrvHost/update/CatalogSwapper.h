@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "OrvHost/OrvHostExport.h"
+#include "OrvHost/history/CatalogHistory.h"
 #include "OrvHost/update/CatalogFolders.h"
 #include "OrvLibrary/host/fileString.h"
 
@@ -23,6 +24,10 @@ public:
         std::string reason; ///< for people
     };
 
+    CatalogSwapper() = default;
+    /// @param bounds how much of the former catalogs is kept
+    explicit CatalogSwapper(const CatalogHistory::Bounds& bounds) : mHistory(bounds) {}
+
     /// Whether new catalogs have to be sound databases, which they have to at first. Catalogs of another kind
     /// need it off.
     void setDatabaseCheck(bool isOn) { mChecksDatabases = isOn; }
@@ -30,13 +35,17 @@ public:
     /// To be called before an update starts, because the update empties the download folders: swaps in every
     /// whole catalog that waits there. Nobody else may be updating meanwhile.
     void recover();
-    /// Swaps one catalog in. A new file that is no database is removed.
+    /// Swaps one catalog in. A new file that is no database is removed. The former catalog goes into the
+    /// history; where that fails, it stays in its place.
     /// @return false when that failed; the failure is remembered for `forgetFailed`
     bool swapIn(const fileString& destination, const fileString& newFile);
     /// To be called after the update's closing invocation: takes the lines of catalogs that could not be
     /// swapped in out of the hash files, so that the next update fetches them again.
     /// @return the destinations whose line could not be taken out
     std::vector<fileString> forgetFailed() const;
+
+    /// To be called at the end of the update: bounds the history.
+    void settleHistory() const { mHistory.settle(); }
 
     /// The destinations that got their new catalogs, in order.
     const std::vector<fileString>& swappedIn() const { return mSwappedIn; }
@@ -45,7 +54,11 @@ public:
 
 private:
     void recoverCatalog(const fileString& destination, const fileString& newFile);
+    bool swapIn(const fileString& destination, const std::string& formerTag, const fileString& newFile);
+    std::string replace(const fileString& destination, const std::string& formerTag,
+                        const fileString& newFile);
 
+    CatalogHistory mHistory;
     bool mChecksDatabases = true;
     std::vector<fileString> mSwappedIn;
     std::vector<Failure> mFailed;

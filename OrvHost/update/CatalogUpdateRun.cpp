@@ -21,7 +21,7 @@ std::set<fileString> catalogSet(const CatalogFolder& folder, const std::vector<s
 
 } // namespace
 
-CatalogUpdateRun::CatalogUpdateRun(const Request& request) : mRequest(request) {}
+CatalogUpdateRun::CatalogUpdateRun(const Request& request) : mRequest(request), mSwapper(request.history) {}
 
 CatalogUpdateRun::~CatalogUpdateRun()
 {
@@ -39,7 +39,8 @@ void CatalogUpdateRun::start(QObject& host)
         catalogSet(CatalogFolders::manufacturer(), mRequest.manufacturer), mRequest.product,
         mRequest.productVersion, mRequest.url, mRequest.coreOnly);
     mRecorder = std::make_unique<AnswerRecorder>(Curl::get());
-    mFormerService = Curl::install(mRecorder.get());
+    mKeeper = std::make_unique<VersionKeeper>(*mRecorder);
+    mFormerService = Curl::install(mKeeper.get());
     mWorker = std::thread([this, updater] { work(updater); });
 }
 
@@ -69,6 +70,7 @@ std::vector<std::string> CatalogUpdateRun::finish(bool good, const fileString& r
     std::vector<std::string> problems;
     for (const fileString& destination : mSwapper.forgetFailed())
         problems.push_back("the hash file still lists " + destination.toNativeString());
+    mSwapper.settleHistory();
     try {
         saveHistory(good, root);
     } catch (const std::runtime_error& error) {

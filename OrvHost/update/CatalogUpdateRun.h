@@ -9,6 +9,7 @@
 #include <QObject>
 
 #include "OrvHost/OrvHostExport.h"
+#include "OrvHost/history/VersionKeeper.h"
 #include "OrvHost/update/AnswerRecorder.h"
 #include "OrvHost/update/CatalogSwapper.h"
 #include "OrvHost/update/UpdateLock.h"
@@ -39,6 +40,8 @@ public:
         std::vector<std::string> manufacturer;
         /// Refuses new catalogs that are no databases.
         bool checksDatabases = true;
+        /// How much of what is replaced is kept.
+        CatalogHistory::Bounds history = {};
     };
 
     /// Takes the lock on the installed path service's folders.
@@ -76,8 +79,9 @@ private:
     Request mRequest;
     CatalogSwapper mSwapper;
     Curl* mFormerService = nullptr;
-    std::unique_ptr<AnswerRecorder> mRecorder; ///< installed while the worker runs
-    std::exception_ptr mException;             ///< written by the worker before it ends, read after
+    std::unique_ptr<AnswerRecorder> mRecorder;
+    std::unique_ptr<VersionKeeper> mKeeper; ///< over the recorder, installed while the worker runs
+    std::exception_ptr mException;          ///< written by the worker before it ends, read after
     std::thread mWorker;
 };
 

@@ -1,6 +1,7 @@
 #include "apps/orv-library/Command.h"
 #include "apps/orv-library/FiltersCommand.h"
 #include "apps/orv-library/HelpCommand.h"
+#include "apps/orv-library/HistoryCommand.h"
 #include "apps/orv-library/ImportCommand.h"
 #include "apps/orv-library/InfoCommand.h"
 #include "apps/orv-library/ListCommand.h"
@@ -25,6 +26,7 @@ CommandList allCommands()
     commands.push_back(std::make_unique<UpdateCommand>());
     commands.push_back(std::make_unique<ListCommand>());
     commands.push_back(std::make_unique<InfoCommand>());
+    commands.push_back(std::make_unique<HistoryCommand>());
     commands.push_back(std::make_unique<UnpackCommand>());
     commands.push_back(std::make_unique<ImportCommand>());
     commands.push_back(std::make_unique<UndoCommand>());

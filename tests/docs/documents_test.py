@@ -201,7 +201,7 @@ class Formats(unittest.TestCase):
         by_their_rooms = {"catalog_filters", "manufacturer_data"}
         self.assertEqual(found - by_their_rooms, {
             "browser-settings", "catalog-database", "catalog_hash", "content-index", "errors-log", "preferences",
-            "former-imports", "service-maps", "update-history"})
+            "former-imports", "history", "service-maps", "update-history"})
 
     def test_every_file_has_a_page(self):
         """Whatever the programs leave behind in a root and in a service is named in the index."""
@@ -264,6 +264,23 @@ class Formats(unittest.TestCase):
         # Read as it stands on the page: files that are gone can be taken back.
         self.write("root/former-imports/imports.json", text)
         self.assertTrue(self.program("undo")["library"].endswith("/user/Küche.orvlib"))
+
+    def test_history(self):
+        [text] = self.examples("history")
+        for line in text.strip("\n").split("\n"):
+            self.write("root/" + line, line)
+        self.write("root/core/Doors.orvlib", "d" * 2000)
+        versions = self.program("history", "Doors.orvlib")["versions"]
+        self.assertEqual([(each["version"], each["replaced"]) for each in versions],
+                         [("3f2a0c5be1d27f70b3d2a1d5a7c1b9e04c6f8d21", "2026-11-21T21:16:35Z"),
+                          ("v17:green", "2026-10-14T07:00:02Z")])
+        self.write("content/content/Doors.orvlib", "e" * 2000)
+        self.write("content/content/Orv_Core_Content_Index.txt", "Doors.orvlib\n")
+        os.mkdir(os.path.join(self.work, "content", "manufacturers"))
+        self.update_against(os.path.join(self.work, "content"))
+        written = sorted(os.listdir(os.path.join(self.root, "history", "core", "Doors.orvlib")))
+        self.assertEqual(len(written), 3)
+        self.assertRegex(written[-1], r"^\d{8}T\d{9}=\.orvlib$")
 
     def test_browser_settings(self):
         [text] = self.examples("browser-settings", "json")

@@ -1,5 +1,6 @@
 """What a folder tree holds, and whether what a disturbed run left of it is sound."""
 import ast
+import filecmp
 import hashlib
 import json
 import os
@@ -15,6 +16,8 @@ STAMP = re.compile(rb"\d{8}T\d{6}(\.\d+)?")
 HISTORY = "root/update-history.json"
 # Where a disturbed run may leave files that the next one removes: never under a name that a host takes for data.
 LEFTOVER = re.compile(r"^root/temp/|(^|/)\.[^/]+$")
+# A former version of a catalog: the time when it was replaced, and its tag.
+FORMER = re.compile(r"^\d{8}T\d{9}=[^/]*$")
 # What a run writes to until a file is whole.
 UNFINISHED = re.compile(r"(^|/)\.[^/]+\.orv-new$")
 
@@ -47,17 +50,41 @@ def is_json(content):
         return False
 
 
+def former_versions(top):
+    """The files of a history in an order that does not depend on the clock: the path that stands for each, or None for
+    what has the contents of the file in its place and so is no former version."""
+    names = {}
+    for folder, _, files in os.walk(os.path.join(top, "root/history")):
+        place = os.path.relpath(folder, os.path.join(top, "root/history"))
+        current = os.path.join(top, "root", place)
+        number = 0
+        for name in sorted(files):
+            stem, extension = os.path.splitext(name)
+            if FORMER.match(name) is None or extension != os.path.splitext(place)[1]:
+                continue
+            is_current = os.path.exists(current) and filecmp.cmp(current, os.path.join(folder, name), shallow=False)
+            for each in (extension, ".zip"):
+                path = os.path.relpath(os.path.join(folder, stem + each), top)
+                names[path] = None if is_current else f"root/history/{place}/version {number}{each}"
+            number += not is_current
+    return names
+
+
 def snapshot(top):
     """Relative path -> content of every file, link and empty or full folder."""
     found = {}
+    former = former_versions(top)
     for folder, folders, files in os.walk(top):
         for name in folders + files:
             path = os.path.join(folder, name)
             relative = os.path.relpath(path, top)
-            if VOLATILE.match(relative):
+            if VOLATILE.match(relative) or former.get(relative, relative) is None:
                 continue
+            relative = former.get(relative, relative)
             if os.path.islink(path):
                 found[relative] = "link " + os.readlink(path)
+            elif os.path.isdir(path) and relative.startswith("root/history"):
+                continue  # there while something is in it
             elif os.path.isdir(path):
                 found[relative] = "folder"
             else:

@@ -1,0 +1,282 @@
+// The history is its files: the name of each says when it was replaced and which version it is, so there is
+// no list beside them that could say something else. A version is kept by one link, put back by one rename,
+// and a companion archive is made before and removed after the file that it belongs to. Everything else is
+// swept by `settle`.
+#include "OrvHost/history/CatalogHistory.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <set>
+
+#include "OrvHost/history/HistoryEntry.h"
+#include "OrvHost/update/CatalogFolders.h"
+#include "OrvHost/update/HashFile.h"
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/SHA1.h"
+
+namespace OrvHost {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr std::streamsize kPiece = 64 * 1024;
+
+bool isSameFile(const fileString& left, const fileString& right)
+{
+    std::error_code error;
+    return fs::equivalent(left.toNativeString(), right.toNativeString(), error) && !error;
+}
+
+bool isRegularFile(const fileString& file)
+{
+    std::error_code error;
+    return fs::is_regular_file(file.toNativeString(), error);
+}
+
+/// Gives a file a second name; a copy where that cannot be.
+bool linkOrCopy(const fileString& from, const fileString& to, std::string& reason)
+{
+    std::error_code error;
+    const fs::path file = fs::canonical(from.toNativeString(), error);
+    if (!error)
+        fs::create_hard_link(file, to.toNativeString(), error);
+    if (!error || FileUtils::copyFile(from, to, false))
+        return true;
+    reason = "cannot keep " + from.toNativeString() + " as " + to.toNativeString() + ": " + error.message();
+    return false;
+}
+
+bool makeFolder(const fileString& folder, std::string& reason)
+{
+    if (FileUtils::createDirectoriesWithPerm(folder, false))
+        return true;
+    reason = "cannot create the folder " + folder.toNativeString();
+    return false;
+}
+
+/// The companion goes last, so that no version is without what came with it.
+void remove(const HistoryEntry& entry)
+{
+    FileUtils::removePath(entry.file);
+    if (entry.companion() != entry.file)
+        FileUtils::removePath(entry.companion());
+}
+
+std::int64_t sizeOf(const HistoryEntry& entry)
+{
+    std::int64_t size = std::max<std::int64_t>(FileUtils::fileSize(entry.file), 0);
+    if (entry.companion() != entry.file)
+        size += std::max<std::int64_t>(FileUtils::fileSize(entry.companion()), 0);
+    return size;
+}
+
+std::vector<fileString> namesIn(const fileString& folder)
+{
+    std::vector<fileString> names;
+    std::error_code error;
+    fs::directory_iterator entry(folder.toNativeString(), error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error))
+        names.emplace_back(entry->path().native());
+    return names;
+}
+
+/// What a dead process left: half copies, and companions whose version is gone.
+void removeStrays(const CatalogPlace& place)
+{
+    const fileString extension = fileString(place.name).extension();
+    for (const fileString& file : namesIn(CatalogHistory::folderOf(place))) {
+        const bool isEntry = HistoryEntry::ofFile(file).has_value();
+        const bool isVersion = isEntry && file.extension() == extension;
+        const bool isCompanion = isEntry && isRegularFile(file.pathAndName() + extension) &&
+                                 file.extension() == fileString(".zip");
+        if (!isVersion && !isCompanion)
+            FileUtils::removePath(file);
+    }
+}
+
+/// Removes a folder, and those in it, where nothing is in them.
+void removeEmptyFolders(const fileString& folder)
+{
+    for (const fileString& name : namesIn(folder))
+        removeEmptyFolders(name);
+    std::error_code hasFiles;
+    if (fs::is_directory(fs::symlink_status(folder.toNativeString(), hasFiles)))
+        fs::remove(folder.toNativeString(), hasFiles);
+}
+
+} // namespace
+
+bool CatalogHistory::hasSameContents(const fileString& left, const fileString& right)
+{
+    if (isSameFile(left, right))
+        return true;
+    if (FileUtils::fileSize(left) < 0 || FileUtils::fileSize(left) != FileUtils::fileSize(right))
+        return false;
+    std::ifstream first(left.toNativeString(), std::ios_base::binary);
+    std::ifstream second(right.toNativeString(), std::ios_base::binary);
+    std::vector<char> a(kPiece), b(kPiece);
+    while (first.is_open() && second.is_open()) {
+        first.read(a.data(), kPiece);
+        second.read(b.data(), kPiece);
+        const auto count = first.gcount();
+        if (count != second.gcount() || !std::equal(a.begin(), a.begin() + count, b.begin()))
+            return false;
+        if (first.eof() && second.eof())
+            return true;
+        if (!first || !second)
+            return false;
+    }
+    return false;
+}
+
+fileString CatalogHistory::folder()
+{
+    return CatalogFolders::root() / fileString("history");
+}
+
+fileString CatalogHistory::folderOf(const CatalogPlace& place)
+{
+    return folder() / fileString(place.key());
+}
+
+std::string CatalogHistory::tagOf(const CatalogPlace& place)
+{
+    const fileString folder = place.hashFolder();
+    const auto [tags, isNew] = mTags.try_emplace(folder.toNativeString());
+    if (isNew)
+        tags->second = HashFile::read(folder);
+    const auto tag = tags->second.find(place.name);
+    return tag == tags->second.end() ? std::string() : tag->second;
+}
+
+bool CatalogHistory::keep(const CatalogPlace& place, std::string& reason)
+{
+    return keep(place, tagOf(place), reason);
+}
+
+bool CatalogHistory::keep(const CatalogPlace& place, const std::string& tag, std::string& reason)
+{
+    const fileString file = place.path();
+    if (place.name.empty() || !isRegularFile(file))
+        return true;
+    const std::vector<HistoryEntry> entries = HistoryEntry::of(place);
+    if (!entries.empty() && isSameFile(entries.front().file, file))
+        remove(entries.front()); // of a run that died: its time and its companion may be of another day
+    const bool isStale = std::any_of(entries.begin(), entries.end(),
+                                     [&](const HistoryEntry& entry) { return entry.tag == tag; });
+    const HistoryEntry entry = HistoryEntry::next(place, isStale ? std::string() : tag);
+    if (!makeFolder(folderOf(place), reason))
+        return false;
+    const CatalogPlace companion = place.companion();
+    if (!companion.name.empty()) {
+        const std::vector<HistoryEntry> archives = HistoryEntry::of(companion);
+        const fileString archive = archives.empty() ? companion.path() : archives.front().file;
+        if (isRegularFile(archive) && !linkOrCopy(archive, entry.companion(), reason))
+            return false;
+    }
+    return linkOrCopy(file, entry.file, reason);
+}
+
+bool CatalogHistory::add(const CatalogPlace& place, const std::string& tag, const fileString& file,
+                         const fileString& companion, std::string& reason)
+{
+    if (!makeFolder(folderOf(place), reason))
+        return false;
+    const HistoryEntry entry = HistoryEntry::next(place, tag);
+    if (!companion.empty() && !FileUtils::moveFile(companion, entry.companion(), false)) {
+        reason = "cannot move " + companion.toNativeString() + " to " + entry.companion().toNativeString();
+        return false;
+    }
+    if (FileUtils::moveFile(file, entry.file, false))
+        return true;
+    reason = "cannot move " + file.toNativeString() + " to " + entry.file.toNativeString();
+    return false;
+}
+
+std::vector<FormerVersion> CatalogHistory::versions(const CatalogPlace& place) const
+{
+    std::vector<FormerVersion> versions;
+    for (const HistoryEntry& entry : HistoryEntry::of(place)) {
+        if (hasSameContents(entry.file, place.path()))
+            continue;
+        FormerVersion version;
+        version.version = entry.tag.empty() ? SHA1::fileContentsToSHA1Hex(entry.file) : entry.tag;
+        version.bytes = FileUtils::fileSize(entry.file);
+        version.replaced = entry.time;
+        version.file = entry.file;
+        if (entry.companion() != entry.file && isRegularFile(entry.companion()))
+            version.companion = entry.companion();
+        versions.push_back(version);
+    }
+    return versions;
+}
+
+std::vector<CatalogPlace> CatalogHistory::places() const
+{
+    std::vector<CatalogPlace> places;
+    for (const fileString& category : namesIn(folder())) {
+        for (const fileString& place : namesIn(category)) {
+            const CatalogPlace found = CatalogPlaces::ofKey(category.stemWithExtension().toNativeString() +
+                                                            "/" + place.stemWithExtension().toNativeString());
+            if (!found.name.empty())
+                places.push_back(found);
+        }
+    }
+    std::sort(places.begin(), places.end());
+    return places;
+}
+
+std::vector<CatalogPlace> CatalogHistory::knownPlaces() const
+{
+    std::set<CatalogPlace> known;
+    for (const CatalogPlace& place : CatalogPlaces::installed())
+        known.insert(place);
+    for (const CatalogPlace& place : places())
+        known.insert(place);
+    return {known.begin(), known.end()};
+}
+
+void CatalogHistory::settle() const
+{
+    for (const CatalogPlace& place : places())
+        settle(place);
+    removeOldest();
+    removeEmptyFolders(folder());
+}
+
+void CatalogHistory::settle(const CatalogPlace& place) const
+{
+    int kept = 0;
+    for (const HistoryEntry& entry : HistoryEntry::of(place)) {
+        if (kept < std::max(mBounds.versions, 1) && !hasSameContents(entry.file, place.path()))
+            ++kept;
+        else
+            remove(entry);
+    }
+    removeStrays(place);
+}
+
+void CatalogHistory::removeOldest() const
+{
+    std::int64_t total = 0;
+    std::vector<HistoryEntry> candidates;
+    for (const CatalogPlace& place : places()) {
+        const std::vector<HistoryEntry> entries = HistoryEntry::of(place);
+        for (const HistoryEntry& entry : entries)
+            total += sizeOf(entry);
+        if (!entries.empty())
+            candidates.insert(candidates.end(), entries.begin() + 1, entries.end());
+    }
+    std::sort(candidates.begin(), candidates.end(),
+              [](const HistoryEntry& left, const HistoryEntry& right) { return left.time < right.time; });
+    for (const HistoryEntry& entry : candidates) {
+        if (total <= mBounds.bytes)
+            return;
+        total -= sizeOf(entry);
+        remove(entry);
+    }
+}
+
+} // namespace OrvHost

@@ -1,0 +1,67 @@
+#include "OrvHost/history/HistoryEntry.h"
+
+#include <algorithm>
+
+#include "OrvHost/history/CatalogHistory.h"
+#include "OrvHost/update/CatalogFolders.h"
+
+namespace OrvHost {
+
+namespace {
+
+const QString kTimeFormat = QStringLiteral("yyyyMMdd'T'HHmmsszzz");
+constexpr int kTimeLength = 18;
+/// File names end at 255 bytes; the rest is for the time and the extension.
+constexpr int kLongestTag = 200;
+
+bool isNewer(const HistoryEntry& left, const HistoryEntry& right)
+{
+    return right.file < left.file; // the times stand at the beginning of the names
+}
+
+} // namespace
+
+fileString HistoryEntry::companion() const
+{
+    return file.pathAndName() + fileString(".zip");
+}
+
+std::optional<HistoryEntry> HistoryEntry::ofFile(const fileString& file)
+{
+    const QByteArray name = QByteArray::fromStdString(file.stem().toNativeString());
+    QDateTime time = QDateTime::fromString(QString::fromLatin1(name.left(kTimeLength)), kTimeFormat);
+    if (!time.isValid() || name.size() <= kTimeLength || name[kTimeLength] != '=')
+        return {};
+    time.setTimeSpec(Qt::UTC);
+    return HistoryEntry{file, time, QByteArray::fromPercentEncoding(name.mid(kTimeLength + 1)).toStdString()};
+}
+
+std::vector<HistoryEntry> HistoryEntry::of(const CatalogPlace& place)
+{
+    std::vector<HistoryEntry> entries;
+    for (const fileString& file :
+         CatalogFolders::filesIn(CatalogHistory::folderOf(place), fileString(place.name).extension())) {
+        if (const auto entry = ofFile(file))
+            entries.push_back(*entry);
+    }
+    std::sort(entries.begin(), entries.end(), isNewer);
+    return entries;
+}
+
+HistoryEntry HistoryEntry::next(const CatalogPlace& place, const std::string& tag)
+{
+    QDateTime time = QDateTime::currentDateTimeUtc();
+    const std::vector<HistoryEntry> entries = of(place);
+    if (!entries.empty() && time <= entries.front().time)
+        time = entries.front().time.addMSecs(1); // the clock was set back, or it is the same millisecond
+    QByteArray encoded = QByteArray::fromStdString(tag).toPercentEncoding({}, "~");
+    if (encoded.size() > kLongestTag)
+        encoded.clear();
+    const QByteArray name = time.toString(kTimeFormat).toLatin1() + '=' + encoded;
+    const fileString file =
+        CatalogHistory::folderOf(place) /
+        fileString(name.toStdString() + fileString(place.name).extension().toNativeString());
+    return {file, time, encoded.isEmpty() ? std::string() : tag};
+}
+
+} // namespace OrvHost
