@@ -1,5 +1,6 @@
 #include "OrvHost/health/DatabaseCheck.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <condition_variable>
@@ -86,13 +87,14 @@ struct Closer
 using Database = std::unique_ptr<sqlite3, Closer>;
 using Statement = std::unique_ptr<sqlite3_stmt, Closer>;
 
-/// Interrupts the check of a database when its time is over. The database library asks its own progress
-/// function only between tables, so that one large table would take as long as it likes.
+/// Interrupts the check of a database when its time is over, or when somebody asks for that. The database
+/// library asks its own progress function only between tables, so that one large table would take as long as
+/// it likes.
 class Watch
 {
 public:
-    Watch(sqlite3* database, std::chrono::milliseconds limit)
-        : mThread([this, database, limit] { run(database, Clock::now() + limit); })
+    Watch(sqlite3* database, std::chrono::milliseconds limit, const std::function<bool()>& isCancelled)
+        : mIsCancelled(isCancelled), mThread([this, database, limit] { run(database, Clock::now() + limit); })
     {
     }
 
@@ -113,9 +115,15 @@ private:
     void run(sqlite3* database, Clock::time_point deadline)
     {
         std::unique_lock<std::mutex> lock(mMutex);
-        if (!mChanged.wait_until(lock, deadline, [this] { return mIsEnded; }))
+        while (!mIsEnded && Clock::now() < deadline && !(mIsCancelled && mIsCancelled()))
+            mChanged.wait_until(lock, std::min(deadline, Clock::now() + kPause));
+        if (!mIsEnded)
             sqlite3_interrupt(database);
     }
+
+    static constexpr auto kPause = std::chrono::milliseconds(20);
+
+    std::function<bool()> mIsCancelled;
 
     std::mutex mMutex;
     std::condition_variable mChanged;
@@ -147,7 +155,8 @@ std::string problemOfResult(sqlite3* database, int result)
     }
 }
 
-std::string problemOfContents(const fileString& file, std::chrono::milliseconds limit)
+std::string problemOfContents(const fileString& file, std::chrono::milliseconds limit,
+                              const std::function<bool()>& isCancelled)
 {
     sqlite3* opened = nullptr;
     const int flags = SQLITE_OPEN_READONLY | SQLITE_OPEN_URI | SQLITE_OPEN_NOMUTEX;
@@ -160,7 +169,7 @@ std::string problemOfContents(const fileString& file, std::chrono::milliseconds 
     const Statement statement(prepared);
     if (result != SQLITE_OK)
         return problemOfResult(database.get(), result);
-    const Watch watch(database.get(), limit);
+    const Watch watch(database.get(), limit, isCancelled);
     result = sqlite3_step(statement.get());
     if (result != SQLITE_ROW)
         return problemOfResult(database.get(), result);
@@ -171,10 +180,11 @@ std::string problemOfContents(const fileString& file, std::chrono::milliseconds 
 
 } // namespace
 
-std::string DatabaseCheck::problemOf(const fileString& file, std::chrono::milliseconds limit)
+std::string DatabaseCheck::problemOf(const fileString& file, std::chrono::milliseconds limit,
+                                     const std::function<bool()>& isCancelled)
 {
     const std::string problem = problemOfHeader(file);
-    return problem.empty() && limit.count() > 0 ? problemOfContents(file, limit) : problem;
+    return problem.empty() && limit.count() > 0 ? problemOfContents(file, limit, isCancelled) : problem;
 }
 
 } // namespace OrvHost

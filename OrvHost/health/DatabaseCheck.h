@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 
 #include "OrvHost/OrvHostExport.h"
@@ -16,6 +17,9 @@ constexpr std::chrono::milliseconds kLimit{1000};
 
 /// Why the file is no sound database, in words that follow its name, such as "is no database" or "is a
 /// damaged database: ...". Empty when nothing is wrong with it.
-ORVHOST_EXPORT std::string problemOf(const fileString& file, std::chrono::milliseconds limit = kLimit);
+/// @param isCancelled asked every 20 ms, on a thread of its own, when it is not empty; true ends the check
+/// without a problem
+ORVHOST_EXPORT std::string problemOf(const fileString& file, std::chrono::milliseconds limit = kLimit,
+                                     const std::function<bool()>& isCancelled = {});
 
 } // namespace OrvHost::DatabaseCheck

@@ -3,10 +3,13 @@
 // texture archive, the ".bak" file, then the database.
 #include "OrvHost/imports/ArchiveImport.h"
 
+#include <atomic>
 #include <filesystem>
+#include <future>
 #include <set>
 #include <stdexcept>
 
+#include "OrvHost/health/DatabaseCheck.h"
 #include "OrvHost/imports/FormerImports_p.h"
 #include "OrvHost/imports/ImportSteps_p.h"
 #include "OrvHost/imports/LibrarySource.h"
@@ -76,7 +79,11 @@ private:
         const fileString stem = mSource.stem();
         mLibrary = ImportFiles::library(stem, mOptions.isProprietary);
         mTextures = ImportFiles::textures(stem, mOptions.isProprietary);
-        mSteps->begin(mSource.isAddress() ? "downloading" : "reading");
+        if (mSource.isAddress()) {
+            mSteps->begin("downloading");
+            mSource.fetch(mSteps);
+        }
+        mSteps->begin("reading");
         mFiles = mSource.unpack(mSteps);
         mSteps->begin("checking");
         mHasDatabase = mFiles->found.first.first;
@@ -84,6 +91,23 @@ private:
         if (!mHasDatabase && !mHasTextures)
             throw std::runtime_error(mResult.source + ": holds neither a library nor referenced files");
         mNames = mHasTextures ? memberNames(newTextures()) : std::set<fileString>();
+        if (mHasDatabase && mOptions.checksDatabase)
+            requireDatabase();
+    }
+
+    void requireDatabase() const
+    {
+        std::atomic<bool> isCancelled = false;
+        std::future<std::string> check = std::async(std::launch::async, [&] {
+            return DatabaseCheck::problemOf(newDatabase(), DatabaseCheck::kLimit,
+                                            [&isCancelled] { return isCancelled.load(); });
+        });
+        // The progress object is asked on this thread only.
+        while (check.wait_for(std::chrono::milliseconds(20)) != std::future_status::ready)
+            isCancelled = mSteps->checkCancel(false);
+        const std::string problem = check.get();
+        if (!problem.empty())
+            throw std::runtime_error(mResult.source + ": the library in it " + problem);
     }
 
     const fileString& newTextures() const { return mFiles->found.second.second; }

@@ -1,5 +1,6 @@
 #include "OrvHost/imports/LibrarySource.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 
@@ -12,10 +13,29 @@ namespace OrvHost {
 
 namespace {
 
-int stopOnCancel(void* context, double, double, double, double)
+/// The progress object of a download, and what it was told.
+struct DownloadProgress
 {
-    const auto* progress = static_cast<const std::shared_ptr<ProgressSubject>*>(context);
-    return *progress && (*progress)->checkCancel(false) ? 1 : 0;
+    std::shared_ptr<ProgressSubject> target; ///< may be null
+    double total = 0;
+    double done = 0;
+};
+
+int tellDownload(void* context, double total, double done, double, double)
+{
+    constexpr double kLargestPiece = 8e6;
+    auto& progress = *static_cast<DownloadProgress*>(context);
+    if (!progress.target)
+        return 0;
+    if (total > 0 && total != progress.total) {
+        progress.target->createSubProgress(static_cast<std::uint64_t>(total));
+        progress.total = total;
+        progress.done = 0;
+    }
+    for (; progress.done < done; progress.done += std::min(done - progress.done, kLargestPiece))
+        progress.target->advanceBytes(
+            static_cast<std::uint64_t>(std::min(done - progress.done, kLargestPiece)));
+    return progress.target->checkCancel(false) ? 1 : 0;
 }
 
 /// The value of "library=" in the query of a catalog address; empty when there is none.
@@ -78,15 +98,19 @@ std::string LibrarySource::nameInAddress() const
     return QByteArray::fromPercentEncoding(QByteArray::fromStdString(name)).toStdString();
 }
 
-fileString LibrarySource::download(std::shared_ptr<ProgressSubject> progress) const
+void LibrarySource::fetch(const std::shared_ptr<ProgressSubject>& progress)
 {
+    if (!mIsAddress || !mDownloaded.empty())
+        return;
     fileString target;
     target.generateAsTempName(".orvlibz");
+    DownloadProgress told{progress};
     std::string reason;
     int error = 0;
-    if (!Curl::get().download_to_location(mUrl, target, {}, &progress, stopOnCancel, reason, error))
+    if (!Curl::get().download_to_location(mUrl, target, {}, &told, tellDownload, reason, error))
         throw std::runtime_error(mText.toNativeString() + ": " + reason);
-    return target;
+    mDownloaded = target;
+    mDownloadGuard = std::make_unique<FileReaper>(target);
 }
 
 void LibrarySource::requireFile() const
@@ -97,13 +121,9 @@ void LibrarySource::requireFile() const
 
 std::unique_ptr<UnpackedFiles> LibrarySource::unpack(const std::shared_ptr<ProgressSubject>& progress) const
 {
-    if (!mIsAddress) {
+    if (!mIsAddress)
         requireFile();
-        return std::make_unique<UnpackedFiles>(unpackFile(mText, true, progress));
-    }
-    const fileString archive = download(progress);
-    const FileReaper guard(archive);
-    return std::make_unique<UnpackedFiles>(unpackFile(archive, true, progress));
+    return std::make_unique<UnpackedFiles>(unpackFile(mIsAddress ? mDownloaded : mText, true, progress));
 }
 
 LibraryImport::UnpackResult

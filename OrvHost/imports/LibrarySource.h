@@ -34,8 +34,11 @@ public:
     /// name that it asks for.
     /// @throws std::runtime_error when that is no name
     fileString stem() const;
-    /// Unpacks to the temporary folder. A cancel during a download is a failure, one during the unpacking
-    /// gives nothing.
+    /// Downloads what an address names, once, to the temporary folder, and tells the bytes. Does nothing for
+    /// a path. A cancel is a failure.
+    /// @throws std::runtime_error, naming the address and the reason
+    void fetch(const std::shared_ptr<ProgressSubject>& progress);
+    /// Unpacks to the temporary folder, after `fetch`. A cancel gives nothing.
     /// @throws std::runtime_error, naming the source and the reason
     std::unique_ptr<UnpackedFiles> unpack(const std::shared_ptr<ProgressSubject>& progress) const;
     /// Unpacks beside the archive, which is a local path.
@@ -44,7 +47,6 @@ public:
 
 private:
     std::string nameInAddress() const;
-    fileString download(std::shared_ptr<ProgressSubject> progress) const;
     void requireFile() const;
     LibraryImport::UnpackResult unpackFile(const fileString& archive, bool temporary,
                                            const std::shared_ptr<ProgressSubject>& progress) const;
@@ -52,6 +54,8 @@ private:
     fileString mText;
     std::string mUrl; ///< as the wire wants it
     bool mIsAddress;
+    fileString mDownloaded; ///< the temporary file; empty until `fetch`
+    std::unique_ptr<FileReaper> mDownloadGuard;
 };
 
 /// Moves a file over whatever file has that name.

@@ -99,7 +99,7 @@ void ImportCommand::declare(CommandSyntax& syntax)
 ExitStatus ImportCommand::run(Session& session) const
 {
     session.console().resultSoFar(document({ArchiveImport::Result()}, mIsDryRun));
-    session.host();
+    mIsDryRun ? session.rootlessHost() : session.host();
     const Interrupt interrupt;
     const Results results = importAll(session);
     session.console().result(document(results, mIsDryRun), text(results, mIsDryRun));
@@ -123,7 +123,7 @@ ArchiveImport::Result ImportCommand::importOne(Session& session, const std::stri
     options.isProprietary = mIsProprietary;
     options.checksDatabase = !mSkipsDatabaseCheck;
     options.setsAside = mSetsAside;
-    const ArchiveImport import(session.host().root(), options);
+    const ArchiveImport import(session.root(), options);
     return mIsDryRun ? import.plan(source, progress) : import.run(source, progress);
 }
 

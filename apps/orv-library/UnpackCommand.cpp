@@ -86,8 +86,10 @@ LibraryImport::UnpackResult UnpackCommand::unpackUninterrupted(Session& session)
     ProgressReporter reporter(session.options().progress);
     const auto progress = std::make_shared<ConsoleProgress>(reporter);
     try {
-        return mBeside ? OrvHost::LibrarySource(mSource).unpackBeside(progress)
-                       : unpackInto(session, progress);
+        if (!mBeside)
+            return unpackInto(session, progress);
+        progress->updateLabels("reading", {});
+        return OrvHost::LibrarySource(mSource).unpackBeside(progress);
     } catch (const std::runtime_error&) {
         if (!Interrupt::requested())
             throw;
@@ -99,11 +101,16 @@ LibraryImport::UnpackResult UnpackCommand::unpackInto(Session& session,
                                                       const std::shared_ptr<ProgressSubject>& progress) const
 {
     requireFolder(mOutputFolder);
-    const OrvHost::LibrarySource source(mSource);
+    OrvHost::LibrarySource source(mSource);
     const fileString target = fileString(mOutputFolder) / source.stem();
     for (const char* extension : {".zip", ".orvlib"})
         requireOtherFile(target + fileString(extension));
+    if (source.isAddress())
+        progress->updateLabels("downloading", {});
+    source.fetch(progress);
+    progress->updateLabels("reading", {});
     const std::unique_ptr<OrvHost::UnpackedFiles> files = source.unpack(progress);
+    progress->updateLabels("putting in place", {});
     LibraryImport::UnpackResult result;
     const auto place = [&](const LibraryImport::FoundFile& from, const char* extension,
                            LibraryImport::FoundFile& to) {

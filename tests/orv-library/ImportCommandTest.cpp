@@ -60,7 +60,7 @@ TEST_F(ImportCommand, libraryAndTexturesGoToTheUsersFolders)
     EXPECT_EQ(result.status, 0) << result.err;
     EXPECT_EQ(result.json(), document(entry(path("Kitchen.orvlibz"), rootPath("user/Kitchen.orvlib"),
                                             rootPath("textures/Kitchen.zip"), 2)));
-    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "the database");
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), mDatabase);
     EXPECT_EQ(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))),
               (Contents{{"textures/oak.png", "oak"}, {"tile.jpg", "tile"}}));
     EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
@@ -73,14 +73,14 @@ TEST_F(ImportCommand, proprietaryLibraryGoesToTheManufacturersFolders)
     const ProgramResult result = mProgram.run({"--json", "import", "--proprietary", writeKitchen()});
     EXPECT_EQ(result.json(), document(entry(path("Kitchen.orvlibz"), rootPath("manufacturer/Kitchen.orvlib"),
                                             rootPath("referenced/Kitchen.zip"), 2)));
-    EXPECT_EQ(test::readFile(rootPath("manufacturer/Kitchen.orvlib")), "the database");
+    EXPECT_EQ(test::readFile(rootPath("manufacturer/Kitchen.orvlib")), mDatabase);
     EXPECT_TRUE(fs::exists(rootPath("referenced/Kitchen.zip")));
 }
 
 TEST_F(ImportCommand, whatTheArchiveLacksIsNull)
 {
     test::ArchiveBuilder database;
-    database.add("a.orvlib", "the database");
+    database.add("a.orvlib", mDatabase);
     database.write(mProgram.folder(), "Database.orvlibz");
     EXPECT_EQ(mProgram.run({"--json", "import", path("Database.orvlibz")}).json(),
               document(entry(path("Database.orvlibz"), rootPath("user/Database.orvlib"), "", 0)));
@@ -102,15 +102,16 @@ TEST_F(ImportCommand, formerLibraryIsKeptAndTexturesAreMerged)
     test::ArchiveBuilder second;
     second.add("tile.jpg", "new tile");
     second.add("door.png", "door");
-    second.add("inside.orvlib", "the second database");
+    const std::string newDatabase = test::sampleDatabase("the second database");
+    second.add("inside.orvlib", newDatabase);
     second.write(mProgram.folder(), "Kitchen.orvlibz");
     EXPECT_EQ(mProgram.run({"import", path("Kitchen.orvlibz")}).status, 0);
-    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "the second database");
-    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib.bak")), "the database");
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), newDatabase);
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib.bak")), mDatabase);
     EXPECT_EQ(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))),
               (Contents{{"textures/oak.png", "oak"}, {"tile.jpg", "new tile"}, {"door.png", "door"}}));
     mProgram.run({"import", path("Kitchen.orvlibz")});
-    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib.bak")), "the second database");
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib.bak")), newDatabase);
 }
 
 TEST_F(ImportCommand, readOnlyLibraryIsKeptAndReplacedEachTime)
@@ -121,7 +122,7 @@ TEST_F(ImportCommand, readOnlyLibraryIsKeptAndReplacedEachTime)
         EXPECT_EQ(result.status, 0) << result.err;
         fs::permissions(rootPath("user/Kitchen.orvlib"), fs::perms::owner_read);
     }
-    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib.bak")), "the database");
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib.bak")), mDatabase);
     EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
 }
 
@@ -148,6 +149,21 @@ TEST_F(ImportCommand, failedImportChangesNothingAndSaysWhy)
     EXPECT_FALSE(fs::exists(rootPath("textures/Kitchen.zip")));
 }
 
+TEST_F(ImportCommand, packedWebPageNeverReplacesALibraryOrItsBackup)
+{
+    mProgram.run({"import", writeKitchen()});
+    mProgram.run({"import", writeKitchen()});
+    test::ArchiveBuilder page;
+    page.add("inside.orvlib", "<html>sign in</html>");
+    page.add("tile.jpg", "of the page");
+    const std::string archive = page.write(mProgram.folder(), "Kitchen.orvlibz").toNativeString();
+    for (int i = 0; i < 2; ++i)
+        expectFailure({"import", archive}, archive + ": the library in it is no database");
+    EXPECT_EQ(mProgram.run({"import", "--no-database-check", archive}).status, 0);
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "<html>sign in</html>");
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib.bak")), mDatabase);
+}
+
 TEST_F(ImportCommand, severalSourcesAreImportedWhateverBecomesOfOne)
 {
     const std::string kitchen = writeKitchen();
@@ -166,7 +182,7 @@ TEST_F(ImportCommand, severalSourcesAreImportedWhateverBecomesOfOne)
              QJsonArray{entry(kitchen, rootPath("user/Kitchen.orvlib"), rootPath("textures/Kitchen.zip"), 2),
                         failed,
                         entry(bath, rootPath("user/Bath.orvlib"), rootPath("textures/Bath.zip"), 2)}}}));
-    EXPECT_EQ(test::readFile(rootPath("user/Bath.orvlib")), "the database");
+    EXPECT_EQ(test::readFile(rootPath("user/Bath.orvlib")), mDatabase);
     EXPECT_THAT(result.err, testing::EndsWith("orv-library: " + none + ": no such file\n"));
 }
 
@@ -186,6 +202,34 @@ TEST_F(ImportCommand, dryRunSaysWhatWouldComeAndChangesNothing)
     expected["dryRun"] = true;
     EXPECT_EQ(result.json(), expected);
     EXPECT_EQ(everything(), before);
+}
+
+TEST_F(ImportCommand, dryRunMakesNoRoot)
+{
+    const ProgramResult result = mProgram.run({"--json", "import", "--dry-run", writeKitchen()});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(result.json()["library"].toString().toStdString(), rootPath("user/Kitchen.orvlib"));
+    EXPECT_EQ(result.json()["imports"].toArray()[0].toObject()["added"], 2);
+    EXPECT_FALSE(fs::exists(mProgram.root()));
+}
+
+TEST_F(ImportCommand, progressIsOneLineAStep)
+{
+    EXPECT_EQ(mProgram.run({"--progress", "plain", "import", writeKitchen()}).err,
+              "reading\nchecking\nputting in place\n");
+    FaultServer server;
+    server.on("/Bath.orvlibz", FaultReply::ok(mKitchen.bytes()));
+    EXPECT_EQ(mProgram.run({"--progress", "plain", "import", server.url("/Bath.orvlibz")}).err,
+              "downloading\nreading\nchecking\nputting in place\n");
+    EXPECT_EQ(mProgram.run({"--progress", "none", "import", writeKitchen()}).err, "");
+}
+
+TEST_F(ImportCommand, barNamesTheStepAndTheFile)
+{
+    const ProgramResult result = mProgram.run({"--progress", "bar", "import", writeKitchen()});
+    EXPECT_THAT(result.err, testing::HasSubstr("] reading"));
+    EXPECT_THAT(result.err, testing::HasSubstr("] putting in place"));
+    EXPECT_THAT(result.err, testing::EndsWith("\r\033[K")) << "the bar goes from the line";
 }
 
 TEST_F(ImportCommand, badSourcesChangeNothing)
@@ -229,7 +273,7 @@ TEST_F(ImportCommand, unsafeNamesNeverLeaveTheFolders)
 {
     for (const char* name : {"../../evil.png", "/evil.png", "a/../../evil.png"})
         mKitchen.add(name, "evil");
-    mKitchen.add("../../evil.orvlib", "the evil database");
+    mKitchen.add("../../evil.orvlib", test::sampleDatabase("evil"));
     const auto before = everything();
     const std::string archive = writeKitchen();
     EXPECT_EQ(mProgram.run({"import", archive}).status, 0);
@@ -238,7 +282,7 @@ TEST_F(ImportCommand, unsafeNamesNeverLeaveTheFolders)
         file = file->first.rfind("root/", 0) == 0 || file->first == "Kitchen.orvlibz" ? after.erase(file)
                                                                                       : ++file;
     EXPECT_EQ(after, before);
-    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "the evil database");
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), test::sampleDatabase("evil"));
     EXPECT_EQ(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))).size(), 2U);
 }
 
@@ -254,7 +298,7 @@ TEST_F(ImportCommand, twoProcessesImportTheSameArchiveAtOnce)
             const ProgramResult result = test::Program::finish(*process);
             EXPECT_EQ(result.status, 0) << result.err;
         }
-        EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "the database");
+        EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), mDatabase);
         EXPECT_EQ(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))).size(), 202U);
         EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
         EXPECT_EQ(test::listTree(rootPath("textures")), std::vector<std::string>{"Kitchen.zip"});

@@ -8,6 +8,7 @@
 #include "tests/orv-library/Program.h"
 #include "tests/support/ArchiveBuilder.h"
 #include "tests/support/ArchiveReader.h"
+#include "tests/support/SampleDatabase.h"
 
 /// What the tests of packed libraries share: the program, a library archive, and a look at all files.
 class ImportFixture : public testing::Test
@@ -17,7 +18,7 @@ protected:
 
     ImportFixture()
     {
-        mKitchen.add("inside.orvlib", "the database");
+        mKitchen.add("inside.orvlib", mDatabase);
         mKitchen.add("textures/oak.png", "oak");
         mKitchen.add("tile.jpg", "tile");
     }
@@ -50,5 +51,6 @@ protected:
     }
 
     test::Program mProgram;
+    const std::string mDatabase = test::sampleDatabase("the database");
     test::ArchiveBuilder mKitchen;
 };

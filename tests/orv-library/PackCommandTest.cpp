@@ -23,7 +23,7 @@ TEST_F(PackCommand, archiveHoldsTheDatabaseAndEveryFileUnderItsName)
     const ProgramResult result = mProgram.run({"--json", "pack",
                                                write("K\xC3\xBC"
                                                      "che 1.orvlib",
-                                                     "the database"),
+                                                     mDatabase),
                                                write("a/oak.png", "oak"), write("b/tile.jpg", "tile"),
                                                "--output", path("Out.orvlibz")});
     EXPECT_EQ(result.status, 0) << result.err;
@@ -33,7 +33,7 @@ TEST_F(PackCommand, archiveHoldsTheDatabaseAndEveryFileUnderItsName)
                            {"bytes", static_cast<qint64>(fs::file_size(path("Out.orvlibz")))}}));
     EXPECT_EQ(test::contentsOf(fileString(path("Out.orvlibz"))), (Contents{{"K\xC3\xBC"
                                                                             "che 1.orvlib",
-                                                                            "the database"},
+                                                                            mDatabase},
                                                                            {"oak.png", "oak"},
                                                                            {"tile.jpg", "tile"}}));
 }
@@ -41,10 +41,10 @@ TEST_F(PackCommand, archiveHoldsTheDatabaseAndEveryFileUnderItsName)
 TEST_F(PackCommand, packedLibraryIsImportedAgain)
 {
     const std::string picture = test::sampleBytes(100000, 5);
-    mProgram.run({"pack", write("Kitchen.orvlib", "the database"), write("oak.png", picture), "--output",
+    mProgram.run({"pack", write("Kitchen.orvlib", mDatabase), write("oak.png", picture), "--output",
                   path("Kitchen.orvlibz")});
     EXPECT_EQ(mProgram.run({"import", path("Kitchen.orvlibz")}).status, 0);
-    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "the database");
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), mDatabase);
     EXPECT_TRUE(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))) ==
                 (Contents{{"oak.png", picture}}));
 }

@@ -14,7 +14,7 @@ protected:
     void import(const std::string& version, const std::string& name = "Kitchen")
     {
         test::ArchiveBuilder archive;
-        archive.add("inside.orvlib", "database " + version);
+        archive.add("inside.orvlib", test::sampleDatabase(version));
         archive.add("oak.png", "oak " + version);
         archive.add("own-" + version + ".png", "own");
         const std::string file = archive.write(mProgram.folder(), name + ".orvlibz").toNativeString();
@@ -95,7 +95,7 @@ TEST_F(UndoCommand, changesMadeAfterTheImportAreNotLost)
     EXPECT_EQ(everything(), before);
     fs::remove(rootPath("user/Kitchen.orvlib"));
     EXPECT_EQ(undo().status, 0);
-    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), "database 1");
+    EXPECT_EQ(test::readFile(rootPath("user/Kitchen.orvlib")), test::sampleDatabase("1"));
 }
 
 TEST_F(UndoCommand, peopleAreToldWhatIsBackAndWhatIsGone)

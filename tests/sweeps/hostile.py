@@ -218,8 +218,8 @@ class Hostile:
                     info = zipfile.ZipInfo("placeholder")
                     info.filename = (name + extension).encode("utf-8", "replace").decode()[:60000]
                     file.writestr(info, b"hostile")
-        for command in (["unpack", "--beside", path], ["unpack", path], ["import", path],
-                        ["import", "--proprietary", path], ["import", path]):
+        for command in (["unpack", "--beside", path], ["unpack", path], ["import", "--no-database-check", path],
+                        ["import", "--no-database-check", "--proprietary", path], ["import", "--no-database-check", path]):
             self.run(*command)
             self.expect_flat("manufacturer", "textures", "referenced")
             self.expect_sentinels()

@@ -62,7 +62,7 @@ class UpdateAndImportScenario(scenarios.Update):
 
     @staticmethod
     def importing(sandbox):
-        return ["import", os.path.join(sandbox, "input/Kitchen.orvlibz")]
+        return ["import", "--no-database-check", os.path.join(sandbox, "input/Kitchen.orvlibz")]
 
 
 class UpdateAndImport(Pair):

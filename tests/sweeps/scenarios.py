@@ -118,7 +118,7 @@ class ImportOverOld(Scenario):
                 {"textures/oak.jpg": b"old", "kept.txt": b"kept"})
 
     def arguments(self, sandbox, service):
-        return ["import", os.path.join(sandbox, "input/Kitchen.orvlibz")]
+        return ["import", "--no-database-check", os.path.join(sandbox, "input/Kitchen.orvlibz")]
 
 
 class ImportNew(Scenario):
@@ -131,7 +131,7 @@ class ImportNew(Scenario):
         archive(os.path.join(sandbox, "input/Kitchen.orvlibz"), library_members(1))
 
     def arguments(self, sandbox, service):
-        return ["import", "--proprietary", os.path.join(sandbox, "input/Kitchen.orvlibz")]
+        return ["import", "--no-database-check", "--proprietary", os.path.join(sandbox, "input/Kitchen.orvlibz")]
 
 
 class FilterAdd(Scenario):
