@@ -157,8 +157,8 @@ public:
     /// meanwhile.
     static void forgetFailures();
 
-    /// How many connections the default service opens at once for what it asks for ahead: 96 at most, which
-    /// is what it does at first, 1 at least. Counts from the next list on.
+    /// How many connections to one host the default service opens at once: 16 at first, 1 at least, 96 at
+    /// most. Counts from the next list of requests on.
     static void setConnectionLimit(int connections);
 
     static Curl& get();

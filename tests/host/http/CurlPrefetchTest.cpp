@@ -168,7 +168,7 @@ TEST_F(CurlPrefetchTest, farServerIsAskedOnManyConnectionsAtOnce)
             EXPECT_TRUE(ask(request));
     });
     EXPECT_LT(time, 3s); // 6 s in turn
-    EXPECT_THAT(server.connectionCount(), AllOf(Ge(20), Le(97)));
+    EXPECT_THAT(server.connectionCount(), AllOf(Ge(10), Le(16)));
 }
 
 TEST_F(CurlPrefetchTest, hostMayLowerTheNumberOfConnections)
@@ -179,7 +179,7 @@ TEST_F(CurlPrefetchTest, hostMayLowerTheNumberOfConnections)
     curl.prefetchHeaders(headers);
     for (const auto& request : headers)
         EXPECT_TRUE(ask(request));
-    EXPECT_EQ(server.connectionCount(), 5);
+    EXPECT_EQ(server.connectionCount(), 4) << "one is left to what is asked in turn";
 }
 
 TEST_F(CurlPrefetchTest, hostMayLowerThatNumberForTheDefaultService)
@@ -196,8 +196,8 @@ TEST_F(CurlPrefetchTest, hostMayLowerThatNumberForTheDefaultService)
         service.prefetchHeaders(headers);
         for (const auto& request : headers)
             EXPECT_TRUE(service.getURLHeader(request.url, request.headerLines, headerText, answer));
-        EXPECT_EQ(server.connectionCount(), before - 1 + 4);
-        Curl::setConnectionLimit(96);
+        EXPECT_EQ(server.connectionCount(), before - 1 + 3);
+        Curl::setConnectionLimit(16);
     })
         .join();
 }
@@ -324,7 +324,7 @@ TEST_F(CurlPrefetchTest, deadServerIsGivenUpInTheOrderOfTheCalls)
     EXPECT_THAT(reason, testing::HasSubstr("no answer from"));
 }
 
-TEST_F(CurlPrefetchTest, silentServerCostsTheTotalTimeOnce)
+TEST_F(CurlPrefetchTest, silentServerIsGivenUpAfterThreeThatAreAskedAlone)
 {
     answerAfter(15ms);
     server.otherwise([](const FaultRequest&) { return FaultReply::silence(); });
@@ -334,7 +334,9 @@ TEST_F(CurlPrefetchTest, silentServerCostsTheTotalTimeOnce)
         for (const auto& request : headers)
             EXPECT_FALSE(ask(request));
     });
-    EXPECT_LT(time, 5s); // one time is 2 s
+    // One time is 2 s: all together, then three alone, after which the address is left alone.
+    EXPECT_LT(time, 10s);
+    EXPECT_LE(server.requestsFor("/3").size(), 1u);
 }
 
 TEST_F(CurlPrefetchTest, otherRequestsMayStandInBetween)

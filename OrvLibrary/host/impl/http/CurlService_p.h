@@ -41,6 +41,8 @@ public:
 
 private:
     static constexpr int kMostConnections = 96;
+    /// Unless the host says otherwise.
+    static constexpr int kConnections = 16;
     /// Bodies are fetched ahead for so many downloads, and from an address that takes so long to answer.
     static constexpr std::size_t kFewestAhead = 4;
     static constexpr std::chrono::milliseconds kFarAddress{5};
@@ -56,7 +58,7 @@ private:
     std::mutex mSettingsMutex;
     std::string mProxy;
     std::string mCertificates;
-    int mConnectionLimit = kMostConnections;
+    int mConnectionLimit = kConnections;
 };
 
 /// The one behind `Curl::get` when the host has installed none.

@@ -154,23 +154,20 @@ void DownloadPrefetch::advance()
         }
         startWaiting(now);
     } catch (const std::bad_alloc&) {
-        mGivenUp = true;
+        mIsStopped = true;
     }
 }
 
 void DownloadPrefetch::makeRoom()
 {
-    if (!mRefused)
+    if (!mIsStopped)
         return;
-    mHeld = true;
-    const AtEnd goOn{[&] { mHeld = false; }};
     const TimePoint latest = HttpLimits::Clock::now() + kLongestHold;
     while (!mRunning.empty() && HttpLimits::Clock::now() < latest && mConnections.step() &&
            !CancelQuestion::isCancelled()) {
         if (!mRunning.empty())
             mConnections.wait();
     }
-    mGivenUp = mGivenUp || !mRunning.empty();
     while (!mRunning.empty())
         discard(mEntries[mRunning.back()]);
 }
@@ -200,7 +197,7 @@ void DownloadPrefetch::startWaiting(TimePoint now)
 bool DownloadPrefetch::mayStart(const Entry& entry) const
 {
     const std::int64_t size = entry.announcement.size;
-    return !mGivenUp && !mHeld && mAhead < kMostAhead && mBytesAhead + size <= kMostBytes &&
+    return !mIsStopped && mAhead < kMostAhead && mBytesAhead + size <= kMostBytes &&
            (size <= kLarge || mLargeRunning < kMostLarge) && mRunning.size() < width(entry);
 }
 
@@ -250,9 +247,11 @@ void DownloadPrefetch::finish(Entry& entry)
         download.exception = std::current_exception();
     }
     end(entry);
-    mRefused = mRefused || !download.answer.answered;
+    const std::int64_t status = download.answer.status;
+    const bool isRefused =
+        !download.answer.answered || status == kTooManyRequests || status == kServiceUnavailable;
     mFailuresInRow = isWhole ? 0 : mFailuresInRow + 1;
-    mGivenUp = mGivenUp || mFailuresInRow >= mLimits.unansweredRequests;
+    mIsStopped = mIsStopped || isRefused || mFailuresInRow >= mLimits.unansweredRequests;
     if (isWhole) {
         entry.state = State::Arrived;
         download.body.restAtEnd();
@@ -296,7 +295,7 @@ bool DownloadPrefetch::isStuck(const Entry& entry, TimePoint turn) const
 /// Lets go of the connections that wait for a worker of the server.
 void DownloadPrefetch::giveUp()
 {
-    mGivenUp = true;
+    mIsStopped = true;
     const std::vector<std::size_t> running = mRunning;
     for (const std::size_t index : running) {
         Entry& entry = mEntries[index];

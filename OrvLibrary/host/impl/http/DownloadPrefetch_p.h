@@ -76,6 +76,9 @@ public:
     /// a time, and must not refuse this one because of those sent ahead: they end first, within a second, or
     /// are discarded, and nothing more is fetched ahead.
     void makeRoom();
+    /// Fetches nothing more ahead.
+    void stop() { mIsStopped = true; }
+    bool isRunning() const { return !mRunning.empty(); }
 
 private:
     enum class State
@@ -125,9 +128,6 @@ private:
     std::int64_t mBytesSeen = 0;
     TimePoint mLastArrival{};
     int mFailuresInRow = 0;
-    bool mGivenUp = false;
-    /// A request sent ahead was not answered.
-    bool mRefused = false;
-    /// Nothing is started, for now.
-    bool mHeld = false;
+    /// Nothing more is fetched ahead.
+    bool mIsStopped = false;
 };

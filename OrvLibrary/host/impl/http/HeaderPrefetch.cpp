@@ -25,6 +25,8 @@ constexpr std::chrono::microseconds kSpreadLatency = 50ms;
 constexpr std::size_t kSpreadConnections = 8;
 constexpr std::chrono::microseconds kShortestStall = 500ms;
 constexpr int kStallLatencies = 8;
+constexpr std::chrono::seconds kLongestHold = 1s;
+constexpr std::chrono::seconds kLongestWaitAhead = 10s;
 constexpr std::int64_t kOk = 200;
 constexpr std::int64_t kNotModified = 304;
 
@@ -74,9 +76,13 @@ bool HeaderPrefetch::take(const HttpRequest& request, HttpAnswer& answer)
         mLastWord = true; // what the former answer led to is over
     // Also when the answer is there: the others must move on.
     mConnections.step();
+    if (entry.state == State::Waiting && mIsStopped)
+        makeRoom();
     while (entry.state != State::Done) {
-        if (entry.state == State::Waiting)
+        if (entry.state == State::Waiting) {
+            entry.isInTurn = !isRunning();
             start(entry);
+        }
         mConnections.step();
         if (entry.state == State::Done)
             break;
@@ -106,7 +112,7 @@ void HeaderPrefetch::advance()
         repeatStalled(now);
         startWaiting();
     } catch (const std::bad_alloc&) {
-        mUnansweredInRow = static_cast<std::size_t>(mLimits.unansweredRequests);
+        mIsStopped = true;
     }
 }
 
@@ -123,7 +129,7 @@ void HeaderPrefetch::start(Entry& entry)
     CURL* const handle = mConnections.acquire();
     try {
         entry.transfer = std::make_unique<HttpTransfer>(handle, entry.request, *entry.body, mLimits,
-                                                        entry.startedFirst + mLimits.totalTimeout);
+                                                        entry.startedFirst + longestWait(entry));
     } catch (...) {
         mConnections.release(handle);
         throw;
@@ -158,17 +164,35 @@ void HeaderPrefetch::finish(Entry& entry)
     if (entry.answer.answered) {
         noteOpened(entry);
         noteServed(*entry.transfer);
-        mUnansweredInRow = 0;
         mLastAnswer = HttpLimits::Clock::now();
         if (mRunning.size() == 1)
             mConnections.noteAnswer(*entry.transfer);
-    } else {
-        ++mUnansweredInRow;
     }
+    entry.answer.hadCompany =
+        !entry.isAlone || (!entry.isInTurn && entry.answer.error == CURLE_OPERATION_TIMEDOUT);
+    mIsStopped = mIsStopped || !entry.answer.answered || entry.answer.isRefusedInCompany();
     mLastWord = isLastWord(entry.answer);
     mRunning.erase(std::find(mRunning.begin(), mRunning.end(), &entry - mEntries.data()));
     end(entry);
     entry.state = State::Done;
+}
+
+void HeaderPrefetch::makeRoom()
+{
+    if (!mIsStopped)
+        return;
+    const TimePoint latest = HttpLimits::Clock::now() + kLongestHold;
+    while (isRunning() && HttpLimits::Clock::now() < latest && mConnections.step() &&
+           !CancelQuestion::isCancelled()) {
+        if (isRunning())
+            mConnections.wait();
+    }
+    while (isRunning()) {
+        Entry& entry = mEntries[mRunning.back()];
+        mRunning.pop_back();
+        end(entry);
+        entry.state = State::Waiting; // its turn is still to come
+    }
 }
 
 void HeaderPrefetch::startWaiting()
@@ -195,8 +219,7 @@ void HeaderPrefetch::startWaiting()
 /// How many may be under way, as seen from the one that would be next.
 std::size_t HeaderPrefetch::width(const Entry& next) const
 {
-    // Nobody there: nothing is sent ahead any more, only when its turn has come.
-    if (mUnansweredInRow >= static_cast<std::size_t>(mLimits.unansweredRequests))
+    if (mIsStopped)
         return 0;
     if (mHasStalled)
         return mKeepsConnections ? std::max<std::size_t>(mServed.size(), 1) : 1;
@@ -204,9 +227,11 @@ std::size_t HeaderPrefetch::width(const Entry& next) const
     if (mConnections.isMultiplexing(address))
         return mReady * kStreams + mOpening;
     const auto latency = mConnections.latency(address);
-    if (latency < kNear)
+    if (latency < kNear || mConnectionLimit == 1)
         return mLastWord && !mConnections.busy() ? 1 : 0;
-    return latency < kNotFar ? std::min(kNotFarConnections, mConnectionLimit) : mConnectionLimit;
+    // One connection is left to what is asked in turn.
+    const std::size_t most = mConnectionLimit - 1;
+    return latency < kNotFar ? std::min(kNotFarConnections, most) : most;
 }
 
 /// Whether the next one opens a further connection because those that there are carry all they can.
@@ -215,7 +240,7 @@ bool HeaderPrefetch::mayOpen(const Entry& next) const
     const std::string address = HttpAddress::hostAndPort(next.request.url);
     const bool isFarAndLong = mEntries.size() >= kSpreadRequests && mConnections.isMultiplexing(address) &&
                               mConnections.latency(address) >= kSpreadLatency;
-    return isFarAndLong && !mHasStalled && mUnansweredInRow == 0 &&
+    return isFarAndLong && !mHasStalled && !mIsStopped &&
            mOpened + 1 < std::min(kSpreadConnections, mConnectionLimit);
 }
 
@@ -243,6 +268,13 @@ void HeaderPrefetch::countConnections()
         if (entry.isOpening && entry.transfer->isConnectedSecurely())
             noteOpened(entry);
     }
+}
+
+/// A request that got no answer in this time is asked again alone, and then has all the time that there is.
+HttpLimits::Milliseconds HeaderPrefetch::longestWait(const Entry& entry) const
+{
+    const HttpLimits::Milliseconds ahead = kLongestWaitAhead;
+    return entry.isInTurn ? mLimits.totalTimeout : std::min(mLimits.totalTimeout, ahead);
 }
 
 std::chrono::microseconds HeaderPrefetch::stallTime(const Entry& entry) const

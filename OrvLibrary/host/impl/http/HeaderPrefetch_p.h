@@ -37,6 +37,12 @@ public:
     bool take(const HttpRequest& request, HttpAnswer& answer);
     /// Starts and ends what is due. Called at each step of the connections.
     void advance();
+    /// Sends nothing more ahead: each request is sent when its turn has come.
+    void stop() { mIsStopped = true; }
+    /// Called before a request is sent in turn: after `stop`, what is under way ends first, within a second,
+    /// or is given up.
+    void makeRoom();
+    bool isRunning() const { return !mRunning.empty(); }
 
 private:
     enum class State
@@ -57,6 +63,8 @@ private:
         bool repeated = false;
         /// No other was under way at the same time: nothing of ours can keep the server from it.
         bool isAlone = false;
+        /// Sent when its turn had come, with no other under way.
+        bool isInTurn = false;
         /// Sent on a connection of its own that does not stand yet.
         bool isOpening = false;
         HttpAnswer answer;
@@ -75,6 +83,7 @@ private:
     void noteOpened(Entry& entry);
     void noteServed(const HttpTransfer& transfer) noexcept;
     void countConnections();
+    HttpLimits::Milliseconds longestWait(const Entry& entry) const;
     std::chrono::microseconds stallTime(const Entry& entry) const;
 
     HttpConnections& mConnections;
@@ -91,7 +100,7 @@ private:
     std::size_t mReady = 1;
     std::size_t mOpening = 0;
     std::size_t mOpened = 0;
-    std::size_t mUnansweredInRow = 0;
+    bool mIsStopped = false;
     TimePoint mLastAnswer{};
     /// The server answered no more while connections waited for it.
     bool mHasStalled = false;

@@ -38,14 +38,6 @@ void removeSecrets(std::vector<std::string>& lines)
     lines.erase(std::remove_if(lines.begin(), lines.end(), isSecret), lines.end());
 }
 
-/// Whether the answer to a request that was sent ahead is none, for a reason that need not hold when it is
-/// sent alone: a server may refuse several connections at once.
-bool isWorthAnotherTry(const HttpAnswer& answer)
-{
-    return !answer.answered && answer.error != CURLE_OPERATION_TIMEDOUT &&
-           answer.error != CURLE_ABORTED_BY_CALLBACK;
-}
-
 } // namespace
 
 HttpChain::HttpChain(HttpConnections& connections, AddressGuard& guard, const HttpLimits& limits,
@@ -96,8 +88,12 @@ HttpAnswer HttpChain::send(const HttpRequest& request, HttpBody& body)
                                                               " a moment ago: " + mGuard.lastReason(address));
     }
     HttpAnswer answer;
-    if (!takePrefetched(request, answer) || isWorthAnotherTry(answer))
+    if (!takePrefetched(request, answer))
         answer = mConnections.perform(request, body, mLimits, mDeadline);
+    if (answer.isRefusedInCompany()) {
+        mConnections.stopAhead();
+        answer = mConnections.perform(request, body, mLimits, mDeadline);
+    }
     if (answer.answered)
         mGuard.answered(address);
     else if (answer.error != CURLE_ABORTED_BY_CALLBACK)

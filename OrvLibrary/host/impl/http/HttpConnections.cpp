@@ -173,15 +173,38 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, 
 {
     const BrokenPipeBlock block;
     const Work work(*this);
-    if (mDownloads)
-        mDownloads->makeRoom();
+    makeRoom();
+    const bool hadCompany = hasCompany();
     CURL* const handle = acquire();
     const AtEnd giveBack{[&] { release(handle); }};
     HttpTransfer transfer(handle, request, body, limits, deadline);
     run(transfer);
     if (transfer.isAnswered())
         noteAnswer(transfer);
-    return transfer.answer();
+    HttpAnswer answer = transfer.answer();
+    answer.hadCompany = hadCompany || hasCompany();
+    return answer;
+}
+
+bool HttpConnections::hasCompany() const
+{
+    return (mPrefetch && mPrefetch->isRunning()) || (mDownloads && mDownloads->isRunning());
+}
+
+void HttpConnections::makeRoom()
+{
+    if (mPrefetch)
+        mPrefetch->makeRoom();
+    if (mDownloads)
+        mDownloads->makeRoom();
+}
+
+void HttpConnections::stopAhead()
+{
+    if (mPrefetch)
+        mPrefetch->stop();
+    if (mDownloads)
+        mDownloads->stop();
 }
 
 void HttpConnections::run(HttpTransfer& transfer)

@@ -70,6 +70,10 @@ public:
     /// memory runs out.
     void noteAnswer(const HttpTransfer& transfer) noexcept;
 
+    /// Ends what is asked for ahead, and asks for nothing more ahead: the server serves only so many at a
+    /// time.
+    void stopAhead();
+
     /// The pieces of `perform`, for those who run several transfers.
     CURL* acquire();
     void release(CURL* handle) noexcept;
@@ -83,6 +87,8 @@ public:
     void wait();
 
 private:
+    void makeRoom();
+    bool hasCompany() const;
     void run(HttpTransfer& transfer);
     void collectResults();
 

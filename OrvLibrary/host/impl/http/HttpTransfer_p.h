@@ -40,6 +40,9 @@ constexpr bool isRedirectStatus(std::int64_t status)
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
 }
 
+constexpr std::int64_t kTooManyRequests = 429;
+constexpr std::int64_t kServiceUnavailable = 503;
+
 /// What became of a request.
 struct HttpAnswer
 {
@@ -56,6 +59,16 @@ struct HttpAnswer
     std::string headerText;
     /// Whether the server said anything in HTTP at all.
     bool answered = false;
+    /// Whether other requests of ours were under way at the same time.
+    bool hadCompany = false;
+
+    /// Whether the server may have refused the request because of the others, so that it is to be asked again
+    /// alone.
+    bool isRefusedInCompany() const
+    {
+        const bool isRefused = !answered && error != CURLE_ABORTED_BY_CALLBACK;
+        return hadCompany && (isRefused || status == kTooManyRequests || status == kServiceUnavailable);
+    }
 };
 
 /// One request on one handle of the transfer library, redirects not followed. Filled in before it runs, read

@@ -1,0 +1,150 @@
+// A server that serves only so many requests at a time, and refuses the others: asking ahead must not be told
+// from asking in turn, except by time.
+#include <atomic>
+#include <thread>
+
+#include "tests/host/http/CurlDownloadsFixture.h"
+
+using namespace std::chrono_literals;
+
+namespace test {
+
+namespace {
+
+/// How the server refuses what it will not serve.
+enum class Refusal
+{
+    TooMany,
+    Unavailable,
+    Closed
+};
+
+class CurlCrowdTest : public CurlDownloadsFixture, public testing::WithParamInterface<Refusal>
+{
+protected:
+    static constexpr int kCount = 60;
+
+    /// Each request takes 15 ms; while `limit` are under way, a further one is refused at once.
+    void serveAtOnce(int limit)
+    {
+        server.otherwise([this, limit](const FaultRequest& request) {
+            if (++mActive > limit) {
+                --mActive;
+                ++mRefused;
+                return refusal();
+            }
+            std::this_thread::sleep_for(15ms);
+            --mActive;
+            return FaultReply::ok(bodyOf(std::atoi(request.path().c_str() + 1)));
+        });
+        getAcquainted();
+    }
+    static FaultReply refusal()
+    {
+        if (GetParam() == Refusal::Closed)
+            return FaultReply::raw("").close();
+        return FaultReply::status(GetParam() == Refusal::TooMany ? 429 : 503, "not now");
+    }
+    Downloads list() const
+    {
+        Downloads downloads;
+        for (int i = 0; i < kCount; ++i) {
+            downloads.push_back({server.url(nameOf(i)),
+                                 {},
+                                 folder.file(std::to_string(i) + ".download"),
+                                 static_cast<std::int64_t>(bodyOf(i).size())});
+        }
+        return downloads;
+    }
+
+    std::atomic<int> mActive{0};
+    std::atomic<int> mRefused{0};
+};
+
+} // namespace
+
+TEST_P(CurlCrowdTest, everyHeaderRequestIsAnsweredAtLast)
+{
+    for (const int limit : {1, 4}) {
+        serveAtOnce(limit);
+        std::vector<Curl::HeaderRequest> headers;
+        for (const auto& download : list())
+            headers.push_back({download.url, {}});
+        curl.prefetchHeaders(headers);
+        for (const auto& request : headers) {
+            ASSERT_TRUE(header(request.url)) << curl.lastAnswer().reason;
+            EXPECT_EQ(status, 200) << request.url;
+        }
+        EXPECT_GT(mRefused, 0);
+        EXPECT_LE(mRefused, 2 * 16) << "nothing is sent ahead after the first refusals";
+    }
+}
+
+TEST_P(CurlCrowdTest, everyBodyArrivesAtLast)
+{
+    for (const int limit : {1, 4}) {
+        serveAtOnce(limit);
+        const Downloads downloads = list();
+        curl.prefetchDownloads(downloads);
+        for (int i = 0; i < kCount; ++i) {
+            ASSERT_TRUE(get(downloads[static_cast<std::size_t>(i)])) << i << ": " << reason;
+            EXPECT_EQ(readFile(downloads[static_cast<std::size_t>(i)].target), bodyOf(i));
+        }
+        EXPECT_GT(mRefused, 0);
+        EXPECT_LE(mRefused, 2 * 16) << "nothing is sent ahead after the first refusals";
+    }
+}
+
+TEST_P(CurlCrowdTest, requestInTurnIsAskedAgainWithoutTheOthers)
+{
+    serveAtOnce(15);
+    curl.prefetchDownloads(list());
+    // One that nobody has announced, while the announced ones are under way.
+    ASSERT_TRUE(header(server.url("/99"))) << curl.lastAnswer().reason;
+    EXPECT_EQ(status, 200);
+}
+
+TEST_P(CurlCrowdTest, refusalOfOneThatIsAskedAloneCounts)
+{
+    serveAtOnce(0);
+    const std::size_t before = server.requests().size();
+    EXPECT_EQ(header(server.url("/1")), GetParam() != Refusal::Closed);
+    EXPECT_LE(server.requests().size(), before + 2) << "a kept connection that ended is tried once more";
+}
+
+INSTANTIATE_TEST_SUITE_P(Refusals, CurlCrowdTest,
+                         testing::Values(Refusal::TooMany, Refusal::Unavailable, Refusal::Closed));
+
+namespace {
+
+class CurlConnectionsTest : public CurlDownloadsFixture
+{
+};
+
+} // namespace
+
+TEST_F(CurlConnectionsTest, noMoreThanSixteenAreOpenedUnlessTheHostSaysSo)
+{
+    const Downloads downloads = serve(100);
+    for (const int limit : {0, 5, 40}) {
+        if (limit != 0)
+            curl.setConnectionLimit(limit);
+        server.dropConnections();
+        getAcquainted();
+        std::vector<Curl::HeaderRequest> headers;
+        for (const auto& download : downloads)
+            headers.push_back({download.url, {}});
+        const int before = server.connectionCount();
+        curl.prefetchHeaders(headers);
+        for (const auto& request : headers)
+            EXPECT_TRUE(header(request.url));
+        curl.prefetchHeaders({});
+        curl.prefetchDownloads(downloads);
+        for (const auto& download : downloads)
+            EXPECT_TRUE(get(download));
+        EXPECT_LE(server.connectionCount() - before + 1, limit == 0 ? 16 : limit);
+        EXPECT_GT(server.connectionCount() - before, 2);
+    }
+}
+
+} // namespace test
