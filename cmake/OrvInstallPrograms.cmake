@@ -31,6 +31,7 @@ foreach(page IN ITEMS
         orv-library-publish
         orv-library-sample
         orv-library-serve
+        orv-library-settings
         orv-library-status
         orv-library-styles
         orv-library-undo

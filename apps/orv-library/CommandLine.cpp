@@ -89,13 +89,22 @@ public:
     CommandSyntax& action(const std::string& name, const std::string& summary) override
     {
         mApp.require_subcommand(1);
+        return optionalAction(name, summary);
+    }
+
+    CommandSyntax& optionalAction(const std::string& name, const std::string& summary) override
+    {
         mActions.emplace_back(*mApp.add_subcommand(name, summary)->group(kCommandGroup), mChosen);
         return mActions.back();
     }
 
     void runs(Work work) override
     {
-        mApp.final_callback([this, work = std::move(work)] { mChosen = work; });
+        // An action's turn comes before that of its command.
+        mApp.final_callback([this, work = std::move(work)] {
+            if (!mChosen)
+                mChosen = work;
+        });
     }
 
 private:

@@ -12,6 +12,7 @@
 #include "apps/orv-library/PublishCommand.h"
 #include "apps/orv-library/SampleCommand.h"
 #include "apps/orv-library/ServeCommand.h"
+#include "apps/orv-library/SettingsCommand.h"
 #include "apps/orv-library/StatusCommand.h"
 #include "apps/orv-library/StylesCommand.h"
 #include "apps/orv-library/UndoCommand.h"
@@ -40,6 +41,7 @@ CommandList allCommands()
     commands.push_back(std::make_unique<SampleCommand>());
     commands.push_back(std::make_unique<ServeCommand>());
     commands.push_back(std::make_unique<StylesCommand>());
+    commands.push_back(std::make_unique<SettingsCommand>());
     commands.push_back(std::make_unique<HelpCommand>());
     return commands;
 }

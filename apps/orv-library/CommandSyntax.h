@@ -48,6 +48,8 @@ public:
     /// An action of the command, such as "show" of "log"; one of them must be given.
     /// @return the syntax of the action, owned by this one
     virtual CommandSyntax& action(const std::string& name, const std::string& summary) = 0;
+    /// The same for a command that does something without an action, too.
+    virtual CommandSyntax& optionalAction(const std::string& name, const std::string& summary) = 0;
     /// What to do when this command, or this action, was given.
     virtual void runs(Work work) = 0;
 };

@@ -2,6 +2,7 @@
 
 #include <QJsonArray>
 
+#include "OrvHost/Settings.h"
 #include "OrvHost/records/ManufacturerRefresh.h"
 #include "OrvHost/update/ChangeLock.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
@@ -96,6 +97,14 @@ std::string text(const OrvHost::ManufacturerRefresh::Changes& changes)
     return lines.empty() ? "Nothing has changed.\n" : lines;
 }
 
+/// @throws UsageError when there is neither
+std::string chosen(const std::string& given, const std::string& setting, const std::string& option)
+{
+    if (given.empty() && setting.empty())
+        throw UsageError(option + " is required, because no setting names the address");
+    return given.empty() ? setting : given;
+}
+
 } // namespace
 
 void ManufacturersCommand::declare(CommandSyntax& syntax)
@@ -106,10 +115,9 @@ void ManufacturersCommand::declare(CommandSyntax& syntax)
     one.runs([this](Session& session) { return show(session); });
     CommandSyntax& refreshing =
         syntax.action("refresh", "Fetch the records and their logos from the web service");
-    refreshing.option("--data-url", mDataUrl, "U", "Address of the manufacturer file",
-                      CommandSyntax::Presence::Required);
-    refreshing.option("--logo-url", mLogoUrl, "U", "Address to which the name of a logo is added",
-                      CommandSyntax::Presence::Required);
+    refreshing.option("--data-url", mDataUrl, "U", "Address of the manufacturer file; else as set");
+    refreshing.option("--logo-url", mLogoUrl, "U",
+                      "Address to which the name of a logo is added; else as set");
     refreshing.runs([this](Session& session) { return refresh(session); });
 }
 
@@ -136,10 +144,13 @@ ExitStatus ManufacturersCommand::show(Session& session) const
 
 ExitStatus ManufacturersCommand::refresh(Session& session) const
 {
+    const OrvHost::Settings::Values settings = OrvHost::Settings::load(session.root()).values();
+    const std::string dataUrl = chosen(mDataUrl, settings.manufacturerDataUrl, "--data-url");
+    const std::string logoUrl = chosen(mLogoUrl, settings.manufacturerLogoUrl, "--logo-url");
     session.existingHost();
     const OrvHost::ChangeLock lock("manufacturers");
     OrvHost::ManufacturerRefresh refresh(Curl::get());
-    refresh.run(mDataUrl, mLogoUrl);
+    refresh.run(dataUrl, logoUrl);
     for (const std::string& failure : refresh.failedLogos())
         Console::complain(failure);
     QJsonObject result = document(manager(session), OrvHost::ManufacturerRefresh::currentTable());

@@ -4,8 +4,10 @@ _orv_library() {
     local commands="paths update list info unpack import undo pack filters manufacturers styles log status verify"
     commands+=" history"
     commands+=" publish serve sample"
-    commands+=" help"
+    commands+=" help settings"
     local common="--root --json --progress --trace --help --version"
+    local keys="url product productVersion bonus manufacturer manufacturerDataUrl manufacturerLogoUrl proxy"
+    keys+=" certificates retries connections limitRate historyVersions historyBytes"
     local command="" word
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
         [[ " $commands " == *" $word "* ]] && command=$word && break
@@ -20,6 +22,8 @@ _orv_library() {
         filters) COMPREPLY=($(compgen -W "list show add remove use drop-database merge" -- "$current")); return ;;
         manufacturers) COMPREPLY=($(compgen -W "list show refresh" -- "$current")); return ;;
         styles) COMPREPLY=($(compgen -W "list show" -- "$current")); return ;;
+        settings) COMPREPLY=($(compgen -W "list get set unset" -- "$current")); return ;;
+        get | set | unset) [[ $command == settings ]] && COMPREPLY=($(compgen -W "$keys" -- "$current")) && return ;;
         help) COMPREPLY=($(compgen -W "$commands" -- "$current")); return ;;
         log) COMPREPLY=($(compgen -W "show path clear" -- "$current")); return ;;
     esac

@@ -201,7 +201,7 @@ class Formats(unittest.TestCase):
         by_their_rooms = {"catalog_filters", "manufacturer_data"}
         self.assertEqual(found - by_their_rooms, {
             "browser-settings", "catalog-database", "catalog_hash", "content-index", "errors-log", "preferences",
-            "former-imports", "history", "service-maps", "update-history"})
+            "former-imports", "history", "service-maps", "settings", "update-history"})
 
     def test_every_file_has_a_page(self):
         """Whatever the programs leave behind in a root and in a service is named in the index."""
@@ -281,6 +281,15 @@ class Formats(unittest.TestCase):
         written = sorted(os.listdir(os.path.join(self.root, "history", "core", "Doors.orvlib")))
         self.assertEqual(len(written), 3)
         self.assertRegex(written[-1], r"^\d{8}T\d{9}=\.orvlib$")
+
+    def test_settings(self):
+        [text] = self.examples("settings", "json")
+        self.write("root/settings.json", text)
+        document = self.program("settings")
+        self.assertEqual(document["settings"], json.loads(text))
+        self.assertEqual(set(document["settings"]), set(document["defaults"]))
+        self.program("settings", "set", "retries", "3")
+        self.assertEqual(read(os.path.join(self.root, "settings.json")), text)
 
     def test_browser_settings(self):
         [text] = self.examples("browser-settings", "json")

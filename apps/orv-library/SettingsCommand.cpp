@@ -1,0 +1,113 @@
+#include "apps/orv-library/SettingsCommand.h"
+
+#include <QJsonArray>
+
+#include "OrvHost/update/ChangeLock.h"
+#include "apps/orv-library/Session.h"
+
+using OrvHost::Settings;
+
+namespace {
+
+/// A value for people; the texts of a list on lines of their own.
+std::string readable(const QJsonValue& value)
+{
+    if (value.isDouble())
+        return std::to_string(static_cast<std::int64_t>(value.toDouble())) + "\n";
+    if (!value.isArray())
+        return value.toString().toStdString() + "\n";
+    std::string lines;
+    for (const QJsonValue text : value.toArray())
+        lines += text.toString().toStdString() + "\n";
+    return lines;
+}
+
+std::string readable(const QJsonObject& stored)
+{
+    std::string lines;
+    for (auto member = stored.begin(); member != stored.end(); ++member) {
+        std::string value = readable(member.value());
+        for (std::size_t at = value.find('\n'); at + 1 < value.size(); at = value.find('\n', at))
+            value.replace(at, 1, ", ");
+        lines += member.key().toStdString() + " = " + value;
+    }
+    return lines.empty() ? "Nothing is set.\n" : lines;
+}
+
+void print(Session& session, const Settings& settings)
+{
+    const QJsonObject stored = settings.stored();
+    session.console().result({{"settings", stored}, {"defaults", Settings::defaults()}}, readable(stored));
+}
+
+/// Turns a refusal into wrong usage: it depends on the command line alone.
+template <class Change>
+void tryOut(Change change)
+try {
+    Settings settings;
+    change(settings);
+} catch (const Settings::Refusal& refusal) {
+    throw UsageError(refusal.what());
+}
+
+template <class Change>
+ExitStatus changed(Session& session, const fileString& root, Change change)
+{
+    const OrvHost::ChangeLock lock("settings");
+    Settings settings = Settings::load(root);
+    change(settings);
+    settings.save(root);
+    print(session, settings);
+    return ExitStatus::Done;
+}
+
+} // namespace
+
+void SettingsCommand::declare(CommandSyntax& syntax)
+{
+    syntax.runs(list);
+    syntax.optionalAction("list", "Print what is set").runs(list);
+    CommandSyntax& getting = syntax.optionalAction("get", "Print one setting, or its default");
+    getting.argument("KEY", mKey, "The setting");
+    getting.runs([this](Session& session) { return get(session); });
+    CommandSyntax& setting = syntax.optionalAction("set", "Set one; makes the root when it is missing");
+    setting.argument("KEY", mKey, "The setting");
+    setting.arguments("VALUE", mValues, "Its value; lists take several", CommandSyntax::Presence::Required);
+    setting.runs([this](Session& session) { return set(session); });
+    CommandSyntax& unsetting = syntax.optionalAction("unset", "Go back to the default of one");
+    unsetting.argument("KEY", mKey, "The setting");
+    unsetting.runs([this](Session& session) { return unset(session); });
+}
+
+ExitStatus SettingsCommand::list(Session& session)
+{
+    print(session, Settings::load(session.existingHost().root()));
+    return ExitStatus::Done;
+}
+
+ExitStatus SettingsCommand::get(Session& session) const
+{
+    if (!Settings::isKey(mKey))
+        throw UsageError("'" + mKey + "' is no setting");
+    const QJsonObject stored = Settings::load(session.existingHost().root()).stored();
+    const QString key = QString::fromStdString(mKey);
+    const QJsonValue fallback = Settings::defaults()[key];
+    const QJsonObject found = stored.contains(key) ? QJsonObject{{key, stored[key]}} : QJsonObject();
+    session.console().result({{"settings", found}, {"defaults", QJsonObject{{key, fallback}}}},
+                             readable(stored.contains(key) ? stored[key] : fallback));
+    return ExitStatus::Done;
+}
+
+ExitStatus SettingsCommand::set(Session& session) const
+{
+    const auto change = [this](Settings& settings) { settings.set(mKey, mValues); };
+    tryOut(change);
+    return changed(session, session.host().root(), change);
+}
+
+ExitStatus SettingsCommand::unset(Session& session) const
+{
+    const auto change = [this](Settings& settings) { settings.unset(mKey); };
+    tryOut(change);
+    return changed(session, session.existingHost().root(), change);
+}
