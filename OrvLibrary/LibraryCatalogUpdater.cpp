@@ -71,6 +71,16 @@ void LibraryCatalogUpdater::operator()()
     sendClosingInvocation();
 }
 
+// Deliberate: the download folders are left alone. A catalog may wait there that a run which died had
+// fetched, and a host has not put in place.
+void LibraryCatalogUpdater::check()
+{
+    const RunCancelQuestion question;
+    attempt(&LibraryCatalogUpdater::gatherCatalogs, "Unable to gather the catalogs");
+    attempt(&LibraryCatalogUpdater::checkForUpdates, "Unable to check the catalogs");
+    mHostObject->close();
+}
+
 void LibraryCatalogUpdater::killDownload()
 {
     setDownloadKilled(true);

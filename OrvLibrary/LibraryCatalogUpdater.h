@@ -53,6 +53,16 @@ public:
     /// @throws NullPointerError when there is no application object (`gApp`); nothing is sent or saved then
     void operator()();
 
+    /// A run that ends after its check: it asks the web service everything that a whole run asks, and fetches
+    /// nothing. No catalog, hash file or download folder changes. The host object is told what a run that
+    /// is cancelled there tells it, "onClose" at the end. `catalogs` then says what the service answered.
+    /// @throws NullPointerError as the whole run does
+    void check();
+
+    /// The records of the run, with what the service answered for each. To be called on the thread of the
+    /// run, or after its end.
+    const CatalogMap& catalogs() const { return mCatalogs; }
+
     /// Cancels the run, from any thread. The worker notices at its next check; the hash files are still
     /// saved.
     static void killDownload();

@@ -1,5 +1,7 @@
 #include "tests/catalog/CatalogTest.h"
 
+#include <QCoreApplication>
+
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -332,4 +334,40 @@ TEST_F(LibraryCatalogUpdaterCheck, nothingIsAnnouncedWithoutAnEndpoint)
     mCurl.endpoint.clear();
     run();
     EXPECT_TRUE(mCurl.announcements.empty());
+}
+
+TEST_F(LibraryCatalogUpdaterCheck, checkAloneAsksTheSameAndChangesNothing)
+{
+    changed("b.orvlib");
+    installed("core/catalog_hash.txt", "a.orvlib:stored\nb.orvlib:old\n\nkept:as it is\n");
+    serve("a.orvlib", "x", "stored");
+    serve("c.orvlib", std::string(3000, 'c'), "first");
+    serveIndex("c.orvlib\n");
+    const fileString waiting = installed("temp/Orv Test.downloads.core/Left.orvlib", "whole");
+
+    auto updater = test::makeUpdater(*mRecorder, mArguments);
+    updater.check();
+    QCoreApplication::processEvents();
+    const std::vector<std::string> requests = mCurl.requests;
+    EXPECT_EQ(mRecorder->count("onClose"), 1u);
+    EXPECT_EQ(mRecorder->count("closeCatalogUpdateEvent"), 0u);
+    EXPECT_EQ(mRecorder->count("onSetUnits"), 0u);
+    EXPECT_EQ(mRecorder->argumentsOf("onSetRangeInGauge"), (std::vector<std::string>{"3", "3"}));
+    EXPECT_EQ(content("core/catalog_hash.txt"), "a.orvlib:stored\nb.orvlib:old\n\nkept:as it is\n");
+    EXPECT_TRUE(waiting.pathExists());
+    EXPECT_FALSE(exists("core/c.orvlib"));
+
+    const auto& records = updater.catalogs();
+    ASSERT_EQ(records.size(), 3u);
+    EXPECT_FALSE(records.at(fileString("a.orvlib")).needsUpdate());
+    EXPECT_EQ(records.at(fileString("b.orvlib")).localHash, "old");
+    EXPECT_EQ(records.at(fileString("b.orvlib")).serverETag, "new");
+    EXPECT_TRUE(records.at(fileString("c.orvlib")).needsUpdate());
+    EXPECT_EQ(records.at(fileString("c.orvlib")).contentLength, 3000u);
+
+    mCurl.requests.clear();
+    run();
+    ASSERT_GT(mCurl.requests.size(), requests.size());
+    mCurl.requests.resize(requests.size());
+    EXPECT_EQ(mCurl.requests, requests);
 }
