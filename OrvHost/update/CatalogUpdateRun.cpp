@@ -4,6 +4,8 @@
 
 #include "OrvHost/update/CatalogFolders.h"
 #include "OrvHost/update/CheckHistory.h"
+#include "OrvHost/update/PartialFiles.h"
+#include "OrvLibrary/host/Application.h"
 
 namespace OrvHost {
 
@@ -19,6 +21,15 @@ std::set<fileString> catalogSet(const CatalogFolder& folder, const std::vector<s
     return files;
 }
 
+/// Whether the cancel question of the calling thread, which the updater sets for the length of its run, is
+/// answered with yes.
+bool isThreadCancelled()
+{
+    const Curl::CancelQuestion question = Curl::setCancelQuestion(nullptr);
+    Curl::setCancelQuestion(question);
+    return question && question();
+}
+
 } // namespace
 
 CatalogUpdateRun::CatalogUpdateRun(const Request& request) : mRequest(request), mSwapper(request.history) {}
@@ -32,16 +43,33 @@ CatalogUpdateRun::~CatalogUpdateRun()
 
 void CatalogUpdateRun::start(QObject& host)
 {
+    mStart = QDateTime::currentDateTimeUtc();
     mSwapper.setDatabaseCheck(mRequest.checksDatabases);
     mSwapper.recover();
+    PartialFiles(PartialFiles::defaultFolder()).prune();
     const LibraryCatalogUpdater updater(
         host, CatalogFolders::core().catalogs(), catalogSet(CatalogFolders::bonus(), mRequest.bonus),
         catalogSet(CatalogFolders::manufacturer(), mRequest.manufacturer), mRequest.product,
         mRequest.productVersion, mRequest.url, mRequest.coreOnly);
-    mRecorder = std::make_unique<AnswerRecorder>(Curl::get());
-    mKeeper = std::make_unique<VersionKeeper>(*mRecorder);
+    mService = std::make_unique<CarefulCurl>(Curl::get(), serviceSettings());
+    mKeeper = std::make_unique<VersionKeeper>(*mService);
     mFormerService = Curl::install(mKeeper.get());
     mWorker = std::thread([this, updater] { work(updater); });
+}
+
+CarefulCurl::Settings CatalogUpdateRun::serviceSettings() const
+{
+    const Application* const application = gApp;
+    CarefulCurl::Settings settings;
+    settings.url = mRequest.url;
+    if (application)
+        settings.indexName =
+            application->contentIndexName().stemWithExtension().unicodeString().toUTF8String();
+    settings.partialFolder = PartialFiles::defaultFolder();
+    settings.retries.retries = mRequest.retries;
+    settings.retries.firstPause = mRequest.firstPause;
+    settings.retries.isCancelled = isThreadCancelled;
+    return settings;
 }
 
 void CatalogUpdateRun::work(LibraryCatalogUpdater updater)
@@ -64,31 +92,43 @@ void CatalogUpdateRun::endWorker()
     Curl::install(mFormerService);
 }
 
-std::vector<std::string> CatalogUpdateRun::finish(bool good, const fileString& root)
+UpdateOutcome CatalogUpdateRun::finish(const std::optional<LibraryCatalogUpdate::UpdateData>& closing,
+                                       const fileString& root)
 {
     endWorker();
-    std::vector<std::string> problems;
-    for (const fileString& destination : mSwapper.forgetFailed())
-        problems.push_back("the hash file still lists " + destination.toNativeString());
+    const std::vector<fileString> remaining = mSwapper.forgetFailed();
     mSwapper.settleHistory();
+    PartialFiles(PartialFiles::defaultFolder()).prune();
+    UpdateOutcome outcome = UpdateOutcome::of(mService->report(), mSwapper, closing);
+    outcome.start = mStart;
+    outcome.end = QDateTime::currentDateTimeUtc();
+    for (const fileString& destination : remaining)
+        outcome.notes.push_back("the hash file still lists " + destination.toNativeString());
     try {
-        saveHistory(good, root);
+        saveHistory(outcome, root);
     } catch (const std::runtime_error& error) {
-        problems.emplace_back(error.what());
+        outcome.notes.emplace_back(error.what());
     }
     if (mException)
         std::rethrow_exception(mException);
-    return problems;
+    return outcome;
 }
 
-void CatalogUpdateRun::saveHistory(bool good, const fileString& root) const
+void CatalogUpdateRun::saveHistory(const UpdateOutcome& outcome, const fileString& root) const
 {
     CheckHistory history(root);
-    const QDateTime now = QDateTime::currentDateTimeUtc();
-    for (const auto& [catalog, status] : mRecorder->answers())
-        history.noteAnswer(catalog, status, now);
-    if (good)
-        history.noteGoodCheck(now);
+    history.noteAttempt(outcome.end, outcome.error);
+    if (outcome.isGood())
+        history.noteGoodCheck(outcome.end);
+    const bool askedAll = outcome.isGood() || outcome.kind == UpdateOutcome::Kind::Incomplete;
+    const auto former = history.answers();
+    for (const auto& [catalog, answer] : former) {
+        const bool isPacked = installedName(catalog) != catalog;
+        if (askedAll && !(mRequest.coreOnly && isPacked))
+            history.forgetAnswer(catalog);
+    }
+    for (const CatalogReport& catalog : outcome.service.catalogs)
+        history.noteAnswer(catalog.asked, catalog.status, outcome.end, outcome.reasonOf(catalog));
     history.save();
 }
 

@@ -2,24 +2,27 @@
 
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include <QDateTime>
 #include <QObject>
 
 #include "OrvHost/OrvHostExport.h"
 #include "OrvHost/history/VersionKeeper.h"
-#include "OrvHost/update/AnswerRecorder.h"
+#include "OrvHost/update/CarefulCurl.h"
 #include "OrvHost/update/CatalogSwapper.h"
 #include "OrvHost/update/UpdateLock.h"
+#include "OrvHost/update/UpdateOutcome.h"
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
 namespace OrvHost {
 
 /// One catalog update as a host runs it: the lock against a second one, the catalogs that an update which
-/// died had left, the updater on a worker thread, and afterwards the hash lines of what could not be swapped
-/// in and the history for `status`.
+/// died had left, the updater on a worker thread, a download service that judges what it is told, and
+/// afterwards the hash lines of what could not be swapped in, the outcome, and the history for `status`.
 ///
 /// The host object that is handed to `start` has the updater's slots, applies "onCatalogUpdatedEvent" through
 /// `swapper`, and lives at least as long as the run. The run lives on the host object's thread, whose event
@@ -40,6 +43,10 @@ public:
         std::vector<std::string> manufacturer;
         /// Refuses new catalogs that are no databases.
         bool checksDatabases = true;
+        /// How often a request is made again that failed in a way that may pass.
+        int retries = 3;
+        /// Before the first of them; later ones wait longer.
+        std::chrono::milliseconds firstPause{500};
         /// How much of what is replaced is kept.
         CatalogHistory::Bounds history = {};
     };
@@ -56,13 +63,13 @@ public:
     static void cancel() { LibraryCatalogUpdate::LibraryCatalogUpdater::killDownload(); }
     /// Waits for the worker, without the event loop.
     void wait() { endWorker(); }
-    /// Takes the hash lines of failed catalogs out and writes the history. To be called once, after
-    /// `finished`.
-    /// @param good whether the closing invocation said "updated" or "current"
+    /// Takes the hash lines of failed catalogs out, puts the outcome together and writes the history. To be
+    /// called once, after `finished`.
+    /// @param closing what "closeCatalogUpdateEvent" brought; none after "onClose"
     /// @param root where the history is kept
-    /// @return lines for people: what could not be written
     /// @throws what left the updater
-    std::vector<std::string> finish(bool good, const fileString& root);
+    UpdateOutcome finish(const std::optional<LibraryCatalogUpdate::UpdateData>& closing,
+                         const fileString& root);
 
     CatalogSwapper& swapper() { return mSwapper; }
 
@@ -71,16 +78,18 @@ Q_SIGNALS:
     void finished();
 
 private:
+    CarefulCurl::Settings serviceSettings() const;
     void work(LibraryCatalogUpdate::LibraryCatalogUpdater updater);
     void endWorker();
-    void saveHistory(bool good, const fileString& root) const;
+    void saveHistory(const UpdateOutcome& outcome, const fileString& root) const;
 
     UpdateLock mLock;
     Request mRequest;
     CatalogSwapper mSwapper;
+    QDateTime mStart;
     Curl* mFormerService = nullptr;
-    std::unique_ptr<AnswerRecorder> mRecorder;
-    std::unique_ptr<VersionKeeper> mKeeper; ///< over the recorder, installed while the worker runs
+    std::unique_ptr<CarefulCurl> mService;
+    std::unique_ptr<VersionKeeper> mKeeper; ///< over the service, installed while the worker runs
     std::exception_ptr mException;          ///< written by the worker before it ends, read after
     std::thread mWorker;
 };

@@ -30,23 +30,32 @@ QJsonObject readObject(const fileString& path)
 CheckHistory::CheckHistory(const fileString& root) : mPath(root / fileString(kFileName))
 {
     const QJsonObject document = readObject(mPath);
+    mLastAttempt = timeOf(document["lastAttempt"]);
+    mLastError = document["error"].toString().toStdString();
     mLastGoodCheck = timeOf(document["lastGoodCheck"]);
     const QJsonObject answers = document["answers"].toObject();
     for (auto answer = answers.begin(); answer != answers.end(); ++answer) {
         const QJsonObject fields = answer.value().toObject();
         noteAnswer(answer.key().toStdString(), static_cast<std::int64_t>(fields["status"].toDouble()),
-                   timeOf(fields["time"]));
+                   timeOf(fields["time"]), fields["reason"].toString().toStdString());
     }
 }
 
 void CheckHistory::save() const
 {
     QJsonObject answers;
-    for (const auto& [catalog, answer] : mAnswers)
-        answers[QString::fromStdString(catalog)] =
-            QJsonObject{{"status", static_cast<qint64>(answer.status)},
-                        {"time", answer.time.toString(Qt::ISODateWithMs)}};
+    for (const auto& [catalog, answer] : mAnswers) {
+        QJsonObject fields{{"status", static_cast<qint64>(answer.status)},
+                           {"time", answer.time.toString(Qt::ISODateWithMs)}};
+        if (!answer.reason.empty())
+            fields["reason"] = QString::fromStdString(answer.reason);
+        answers[QString::fromStdString(catalog)] = fields;
+    }
     QJsonObject document{{"answers", answers}};
+    if (mLastAttempt.isValid())
+        document["lastAttempt"] = mLastAttempt.toString(Qt::ISODateWithMs);
+    if (!mLastError.empty())
+        document["error"] = QString::fromStdString(mLastError);
     if (mLastGoodCheck.isValid())
         document["lastGoodCheck"] = mLastGoodCheck.toString(Qt::ISODateWithMs);
     TextFile::write(mPath, QJsonDocument(document).toJson().toStdString());

@@ -1,19 +1,18 @@
 #include "apps/orv-library/UpdateCommand.h"
 
 #include <QEventLoop>
-#include <QJsonArray>
 #include <QSocketNotifier>
 
 #include "OrvHost/health/ErrorLogReader.h"
 #include "OrvLibrary/IO/ErrorLog.h"
-#include "OrvLibrary/host/SQL.h"
 #include "apps/orv-library/Interrupt.h"
 #include "apps/orv-library/Session.h"
+#include "apps/orv-library/UpdateDocument.h"
 #include "apps/orv-library/UpdateHost.h"
 
-using namespace LibraryCatalogUpdate;
-
 namespace {
+
+constexpr std::int64_t kMostRetries = 100;
 
 /// A name that the service is asked for and that becomes a file directly in the folder.
 bool isCatalogName(const std::string& name)
@@ -22,18 +21,12 @@ bool isCatalogName(const std::string& name)
     return name.find('/') == std::string::npos && file.extension() == fileString(".orvlib");
 }
 
-std::string messageText(std::int32_t code)
+/// The document of a run that could not begin.
+QJsonObject failureDocument()
 {
-    switch (code) {
-    case kMessageDownloadCancelled:
-        return "a download stalled or was cancelled";
-    case kMessageNoEndpoint:
-        return "the catalog web service was not found";
-    case kMessageInstallationFailed:
-        return "a new catalog could not be installed";
-    default:
-        return "not every catalog could be checked or fetched";
-    }
+    OrvHost::UpdateOutcome outcome;
+    outcome.kind = OrvHost::UpdateOutcome::Kind::Failed;
+    return UpdateDocument::document(outcome);
 }
 
 std::string firstLine(const std::string& text)
@@ -41,43 +34,16 @@ std::string firstLine(const std::string& text)
     return text.substr(0, text.find('\n'));
 }
 
-const char* outcomeName(const UpdateHost& host, const OrvHost::CatalogSwapper& swapper)
+/// The first line that the run added to the error log, and where there is more.
+std::string logText(std::size_t formerEntries)
 {
-    if (!host.outcome())
-        return "cancelled";
-    const std::int32_t result = host.outcome()->result;
-    if (result == kResultFailed || result == kResultCoreFailed || !swapper.failed().empty())
-        return "failed";
-    return result == kResultUpdated ? "updated" : "current";
-}
-
-QJsonObject document(const UpdateHost& host, const OrvHost::CatalogSwapper& swapper)
-{
-    QJsonArray updated;
-    if (host.outcome()) {
-        for (const std::string& name : host.outcome()->updatedCatalogs)
-            updated.append(jsonText(SQL::to_utf8(name)));
-    }
-    QJsonArray swappedIn;
-    for (const fileString& destination : swapper.swappedIn())
-        swappedIn.append(jsonText(destination.toNativeString()));
-    return {{"outcome", outcomeName(host, swapper)},
-            {"result", host.outcome() ? QJsonValue(host.outcome()->result) : QJsonValue()},
-            {"messageCode", host.outcome()
-                                ? QJsonValue(jsonText(messageCodeText(host.outcome()->messageCode)))
-                                : QJsonValue()},
-            {"updatedCatalogs", updated},
-            {"swappedIn", swappedIn}};
-}
-
-/// Of a run that could not begin.
-QJsonObject failureDocument()
-{
-    return {{"outcome", "failed"},
-            {"result", QJsonValue()},
-            {"messageCode", QJsonValue()},
-            {"updatedCatalogs", QJsonArray()},
-            {"swappedIn", QJsonArray()}};
+    const fileString file = Library::ErrorLog::file();
+    const std::vector<OrvHost::ErrorLogEntry> entries = OrvHost::ErrorLogReader::read(file);
+    // A log that was not written for a week starts anew when something is written to it.
+    const std::size_t first = formerEntries < entries.size() ? formerEntries : 0;
+    if (first >= entries.size())
+        return {};
+    return "; " + firstLine(entries[first].message) + " (more in " + file.toNativeString() + ")";
 }
 
 /// Runs the event loop until the worker has ended and all its invocations were delivered.
@@ -96,30 +62,17 @@ void waitForEnd(OrvHost::CatalogUpdateRun& update, UpdateHost& host)
     loop.exec();
 }
 
-std::string readable(const UpdateHost& host)
-{
-    if (!host.outcome())
-        return "Cancelled.\n";
-    const std::set<std::string>& names = host.outcome()->updatedCatalogs;
-    if (names.empty())
-        return host.outcome()->result == kResultCurrent ? "Everything is current.\n"
-                                                        : "Nothing was updated.\n";
-    std::string text =
-        "Updated " + std::to_string(names.size()) + (names.size() == 1 ? " catalog:\n" : " catalogs:\n");
-    for (const std::string& name : names)
-        text += "  " + SQL::to_utf8(name) + "\n";
-    return text;
-}
-
 } // namespace
 
 void UpdateCommand::declare(CommandSyntax& syntax)
 {
     using Presence = CommandSyntax::Presence;
     syntax.option("--url", mUrl, "REDIRECT", "Address that redirects to the web service", Presence::Required);
-    syntax.option("--product", mProduct, "P", "Product that the service is told", Presence::Required);
-    syntax.option("--product-version", mProductVersion, "V", "Version that the service is told",
-                  Presence::Required);
+    syntax.option("--product", mProduct, "P",
+                  "Product that the service is told; otherwise the program's name");
+    syntax.option("--product-version", mProductVersion, "V",
+                  "Version that the service is told; otherwise the program's own");
+    syntax.option("--retries", mRetries, "N", "Ask again up to N times where a request fails; otherwise 3");
     syntax.flag("--no-database-check", mNoDatabaseCheck, "Take catalogs that are no databases");
     syntax.flag("--core-only", mCoreOnly, "Leave bonus and manufacturer catalogs alone");
     syntax.option("--index", mIndex, "NAME",
@@ -130,7 +83,7 @@ void UpdateCommand::declare(CommandSyntax& syntax)
     syntax.runs([this](Session& session) { return run(session); });
 }
 
-void UpdateCommand::checkNames() const
+void UpdateCommand::checkValues() const
 {
     for (const std::vector<std::string>* names : {&mBonus, &mManufacturer}) {
         for (const std::string& name : *names) {
@@ -138,16 +91,27 @@ void UpdateCommand::checkNames() const
                 throw UsageError("'" + name + "' is not a file name that ends in .orvlib");
         }
     }
+    if (mRetries < 0 || mRetries > kMostRetries)
+        throw UsageError("--retries takes a number from 0 to " + std::to_string(kMostRetries));
 }
 
 OrvHost::CatalogUpdateRun::Request UpdateCommand::request() const
 {
-    return {mUrl, mProduct, mProductVersion, mCoreOnly, mBonus, mManufacturer, !mNoDatabaseCheck};
+    OrvHost::CatalogUpdateRun::Request request;
+    request.url = mUrl;
+    request.product = mProduct;
+    request.productVersion = mProductVersion;
+    request.coreOnly = mCoreOnly;
+    request.bonus = mBonus;
+    request.manufacturer = mManufacturer;
+    request.checksDatabases = !mNoDatabaseCheck;
+    request.retries = static_cast<int>(mRetries);
+    return request;
 }
 
 ExitStatus UpdateCommand::run(Session& session)
 {
-    checkNames();
+    checkValues();
     session.console().resultSoFar(failureDocument());
     OrvHost::AppHost& appHost = session.host();
     if (!mIndex.empty())
@@ -158,39 +122,29 @@ ExitStatus UpdateCommand::run(Session& session)
     UpdateHost host(progress, trace, update.swapper());
     const std::size_t formerLogEntries = OrvHost::ErrorLogReader::read(Library::ErrorLog::file()).size();
     waitForEnd(update, host);
-    const std::string outcome = outcomeName(host, update.swapper());
-    for (const std::string& problem :
-         update.finish(outcome != "cancelled" && outcome != "failed", appHost.root()))
-        Console::complain(problem);
-    return report(session, host, update.swapper(), formerLogEntries);
+    const OrvHost::UpdateOutcome outcome = update.finish(host.outcome(), appHost.root());
+    for (const std::string& note : outcome.notes)
+        Console::complain(note);
+    return report(session, outcome, formerLogEntries);
 }
 
-ExitStatus UpdateCommand::report(Session& session, const UpdateHost& host,
-                                 const OrvHost::CatalogSwapper& swapper, std::size_t formerLogEntries) const
+ExitStatus UpdateCommand::report(Session& session, const OrvHost::UpdateOutcome& outcome,
+                                 std::size_t formerLogEntries) const
 {
-    session.console().result(document(host, swapper), readable(host));
-    const std::string outcome = outcomeName(host, swapper);
-    if (outcome == "cancelled")
+    using Kind = OrvHost::UpdateOutcome::Kind;
+    const QJsonObject document = UpdateDocument::document(outcome);
+    std::string complaint = UpdateDocument::complaint(outcome, mUrl);
+    if (outcome.kind == Kind::Failed) {
+        if (outcome.failed.empty())
+            complaint += logText(formerLogEntries);
+        session.console().resultSoFar(document);
+        session.console().failure(complaint);
+        return ExitStatus::Failed;
+    }
+    session.console().result(document, UpdateDocument::text(outcome));
+    if (!complaint.empty())
+        Console::complain(complaint);
+    if (outcome.kind == Kind::Cancelled)
         return ExitStatus::Interrupted;
-    if (outcome != "failed")
-        return ExitStatus::Done;
-    Console::complain("update from " + (mUrl.empty() ? "no address" : mUrl) +
-                      " failed: " + failureReason(host, swapper, formerLogEntries));
-    return ExitStatus::Failed;
-}
-
-std::string UpdateCommand::failureReason(const UpdateHost& host, const OrvHost::CatalogSwapper& swapper,
-                                         std::size_t formerLogEntries) const
-{
-    if (!swapper.failed().empty())
-        return swapper.failed().front().destination.stemWithExtension().toNativeString() + ": " +
-               swapper.failed().front().reason;
-    std::string reason = messageText(host.outcome()->messageCode);
-    const fileString logFile = Library::ErrorLog::file();
-    const std::vector<OrvHost::ErrorLogEntry> entries = OrvHost::ErrorLogReader::read(logFile);
-    // A log that has gone a week without being written starts anew when something is written to it.
-    const std::size_t first = formerLogEntries < entries.size() ? formerLogEntries : 0;
-    if (first < entries.size())
-        reason += "; " + firstLine(entries[first].message) + " (more in " + logFile.toNativeString() + ")";
-    return reason;
+    return outcome.isGood() ? ExitStatus::Done : ExitStatus::Failed;
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "OrvHost/AppHost.h"
 #include "OrvHost/update/CatalogUpdateRun.h"
+#include "OrvLibrary/OrvLibraryVersion.h"
 #include "apps/orv-library/Command.h"
-
-class UpdateHost;
 
 /// `update`: one catalog update, on a worker thread, with the event loop in the main thread.
 class UpdateCommand : public Command
@@ -15,19 +15,18 @@ public:
 
 private:
     ExitStatus run(Session& session);
-    void checkNames() const;
+    void checkValues() const;
     OrvHost::CatalogUpdateRun::Request request() const;
-    ExitStatus report(Session& session, const UpdateHost& host, const OrvHost::CatalogSwapper& swapper,
+    ExitStatus report(Session& session, const OrvHost::UpdateOutcome& outcome,
                       std::size_t formerLogEntries) const;
-    std::string failureReason(const UpdateHost& host, const OrvHost::CatalogSwapper& swapper,
-                              std::size_t formerLogEntries) const;
 
     std::string mUrl;
-    std::string mProduct;
-    std::string mProductVersion;
+    std::string mProduct = OrvHost::AppHost::kName;
+    std::string mProductVersion = ORVLIBRARY_VERSION_STRING;
     std::string mIndex;
     std::vector<std::string> mBonus;
     std::vector<std::string> mManufacturer;
+    std::int64_t mRetries = 3;
     bool mCoreOnly = false;
     bool mNoDatabaseCheck = false;
 };

@@ -77,10 +77,7 @@ void UpdateHost::onCatalogUpdatedEvent(const FileStringPair& catalog)
     const auto& [destination, newFile] = catalog;
     mTrace.write("onCatalogUpdatedEvent",
                  {jsonText(destination.toNativeString()), jsonText(newFile.toNativeString())});
-    if (mSwapper.swapIn(destination, newFile))
-        return;
-    mProgress.clear();
-    Console::complain("cannot replace " + destination.toNativeString());
+    mSwapper.swapIn(destination, newFile); // a failure becomes part of the outcome
 }
 
 void UpdateHost::closeCatalogUpdateEvent(const UpdateData& outcome)

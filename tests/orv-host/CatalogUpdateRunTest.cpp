@@ -16,6 +16,9 @@
 namespace {
 
 constexpr int kTimeoutMilliseconds = 30000;
+/// What a host object would have been told at the end.
+const LibraryCatalogUpdate::UpdateData kGood{2, {"Doors"}, LibraryCatalogUpdate::kMessageNone};
+const LibraryCatalogUpdate::UpdateData kFailed{0, {}, LibraryCatalogUpdate::kMessageNoEndpoint};
 
 class CatalogUpdateRunTest : public test::HostedTest
 {
@@ -28,7 +31,13 @@ protected:
 
     OrvHost::CatalogUpdateRun::Request request() const
     {
-        return {service.redirect(), "P", "1", false, {}, {}, false};
+        OrvHost::CatalogUpdateRun::Request request;
+        request.url = service.redirect();
+        request.product = "P";
+        request.productVersion = "1";
+        request.checksDatabases = false;
+        request.firstPause = std::chrono::milliseconds(1);
+        return request;
     }
 
     test::ContentService service;
@@ -44,9 +53,13 @@ TEST_F(CatalogUpdateRunTest, goodRunIsRememberedWithItsAnswers)
     QSignalSpy finished(&run, &OrvHost::CatalogUpdateRun::finished);
     run.start(object);
     ASSERT_TRUE(finished.wait(kTimeoutMilliseconds));
-    EXPECT_THAT(run.finish(true, host.root()), testing::IsEmpty());
+    const OrvHost::UpdateOutcome outcome = run.finish(kGood, host.root());
+    EXPECT_EQ(OrvHost::UpdateOutcome::Kind::Updated, outcome.kind);
+    EXPECT_THAT(outcome.notes, testing::IsEmpty());
+    EXPECT_TRUE(outcome.start <= outcome.end);
     const OrvHost::CheckHistory history(host.root());
     EXPECT_TRUE(history.lastGoodCheck().isValid());
+    EXPECT_EQ(history.lastGoodCheck(), history.lastAttempt());
     EXPECT_EQ(200, history.answers().at("Doors.orvlib").status);
     EXPECT_EQ(former, &Curl::get());
 }
@@ -57,12 +70,16 @@ TEST_F(CatalogUpdateRunTest, failedRunKeepsTheDateOfTheLastGoodOne)
     OrvHost::CheckHistory history(host.root());
     history.noteGoodCheck(before);
     history.save();
+    service.server().stopListening();
     OrvHost::CatalogUpdateRun run(request());
     QSignalSpy finished(&run, &OrvHost::CatalogUpdateRun::finished);
     run.start(object);
     ASSERT_TRUE(finished.wait(kTimeoutMilliseconds));
-    run.finish(false, host.root());
-    EXPECT_EQ(before, OrvHost::CheckHistory(host.root()).lastGoodCheck());
+    EXPECT_EQ(OrvHost::UpdateOutcome::Kind::Failed, run.finish(kFailed, host.root()).kind);
+    const OrvHost::CheckHistory after(host.root());
+    EXPECT_EQ(before, after.lastGoodCheck());
+    EXPECT_TRUE(after.lastAttempt().isValid());
+    EXPECT_THAT(after.lastError(), testing::StartsWith("the catalog web service was not found: "));
 }
 
 TEST_F(CatalogUpdateRunTest, historyThatCannotBeWrittenIsToldInWords)
@@ -72,7 +89,7 @@ TEST_F(CatalogUpdateRunTest, historyThatCannotBeWrittenIsToldInWords)
     QSignalSpy finished(&run, &OrvHost::CatalogUpdateRun::finished);
     run.start(object);
     ASSERT_TRUE(finished.wait(kTimeoutMilliseconds));
-    EXPECT_THAT(run.finish(true, host.root()),
+    EXPECT_THAT(run.finish(kGood, host.root()).notes,
                 testing::ElementsAre(testing::HasSubstr(folder.path() + "/root/update-history.json")));
 }
 
@@ -97,6 +114,6 @@ TEST_F(CatalogUpdateRunTest, whatLeavesTheUpdaterReachesTheCaller)
     QSignalSpy finished(&run, &OrvHost::CatalogUpdateRun::finished);
     run.start(object);
     ASSERT_TRUE(finished.wait(kTimeoutMilliseconds));
-    EXPECT_THROW(run.finish(false, host.root()), NullPointerError);
+    EXPECT_THROW(run.finish(std::nullopt, host.root()), NullPointerError);
     Application::install(former);
 }

@@ -133,8 +133,10 @@ class HttpsService(ServiceCase):
             [*NAMESPACE, self.certificate, self.program, "--root", self.path("root"), "update", "--core-only",
              "--url", f"https://127.0.0.1:{port}/redirect", "--product", "P", "--product-version", "1"],
             text=True, capture_output=True, timeout=120)
-        self.assertEqual(result.returncode, 0, result.stderr)
-        self.assertEqual(result.stdout, "Everything is current.\n")
+        # All of the catalogs are new, and none has a kilobyte: they are asked for, and not fetched.
+        self.assertEqual(result.returncode, 1, result.stderr)
+        self.assertIn("less than a kilobyte has changed in all", result.stderr)
+        self.assertEqual(result.stdout, "Nothing was updated.\n")
         with open(self.path("service", "run", "access.log")) as log:
             requests = [line.split() for line in log.readlines()[before:]]
         self.assertEqual({request[1] for request in requests}, {"HTTP/2.0"})

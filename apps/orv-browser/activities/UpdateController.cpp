@@ -16,8 +16,6 @@
 
 namespace {
 
-constexpr int kNoEndpoint = 0x1036918b;
-constexpr int kFirstGoodResult = 2; // 2 updated, 3 current
 constexpr int kMostNames = 5;
 constexpr double kSecondsInMinutes = 100; // from here on a time is told in minutes
 constexpr double kMostSecondsLeft = 1e6;
@@ -141,16 +139,17 @@ void UpdateController::runEnded()
 
 std::unique_ptr<OrvHost::CatalogUpdateRun> UpdateController::conclude()
 {
-    const auto& outcome = mReceiver->outcome();
+    OrvHost::UpdateOutcome outcome;
     QStringList notes;
     try {
-        for (const std::string& note : mRun->finish(outcome && outcome->result >= kFirstGoodResult, mRoot))
+        outcome = mRun->finish(mReceiver->outcome(), mRoot);
+        for (const std::string& note : outcome.notes)
             notes << QString::fromStdString(note);
     } catch (const std::exception& error) {
         notes << tr("The update failed: %1").arg(QString::fromUtf8(error.what()));
     }
     bool hasProblems = false;
-    const QString summary = summaryOf(notes, hasProblems);
+    const QString summary = summaryOf(outcome, notes, hasProblems);
     std::unique_ptr<OrvHost::CatalogUpdateRun> run = std::move(mRun);
     mReceiver.reset();
     closePanel();
@@ -164,34 +163,39 @@ void UpdateController::closePanel()
         mPanel->close(); // which deletes it
 }
 
-QString UpdateController::summaryOf(const QStringList& notes, bool& hasProblems) const
+QString UpdateController::summaryOf(const OrvHost::UpdateOutcome& outcome, const QStringList& notes,
+                                    bool& hasProblems) const
 {
-    hasProblems = !notes.isEmpty();
+    using Kind = OrvHost::UpdateOutcome::Kind;
+    const bool hasFailed = outcome.kind == Kind::Failed || outcome.kind == Kind::Incomplete;
+    hasProblems = hasFailed || !notes.isEmpty();
     QStringList sentences;
-    const auto& outcome = mReceiver->outcome();
-    if (!outcome && notes.isEmpty())
+    if (outcome.kind == Kind::Cancelled && notes.isEmpty())
         sentences << tr("The update was cancelled.");
-    if (outcome && !outcome->updatedCatalogs.empty())
-        sentences << tr("Updated: %1.").arg(listed(outcome->updatedCatalogs));
-    if (outcome && outcome->result >= kFirstGoodResult && outcome->updatedCatalogs.empty())
+    if (!outcome.updatedCatalogs.empty())
+        sentences << tr("Updated: %1.").arg(listed(outcome.updatedCatalogs));
+    if (outcome.kind == Kind::Current)
         sentences << tr("All catalogs are up to date.");
-    if (outcome && outcome->result < kFirstGoodResult) {
-        hasProblems = true;
-        sentences << problemText();
-    }
+    if (hasFailed)
+        sentences << problemText(outcome);
     return (sentences + notes).join(QLatin1Char(' '));
 }
 
-/// What went wrong, with the first line that the run added to the log.
-QString UpdateController::problemText() const
+/// What went wrong; where the run itself does not know, with the first line that it added to the log.
+QString UpdateController::problemText(const OrvHost::UpdateOutcome& outcome) const
 {
-    if (mReceiver->outcome()->messageCode == kNoEndpoint)
+    const OrvHost::ServiceReport& service = outcome.service;
+    if (!service.verdict.empty())
+        return QString::fromStdString(service.verdict) + QLatin1Char('.');
+    if (service.endpoint.isAsked && !service.endpoint.isGood)
         return tr("The catalog service cannot be reached; the library stays as it is.");
+    const QString problems = tr("Some catalogs could not be updated: %1");
+    if (!outcome.failed.empty())
+        return problems.arg(QString::fromStdString(outcome.failedText()) + QLatin1Char('.'));
     const auto entries = logEntries();
     if (entries.size() <= mLogEntriesBefore)
         return tr("Some catalogs could not be checked.");
     const QString reason =
         QString::fromStdString(OrvHost::LegacyText::toUtf8(entries[mLogEntriesBefore].message));
-    return tr("Some catalogs could not be updated: %1")
-        .arg(reason.section(QLatin1Char('\n'), 0, 0).simplified() + QLatin1Char('.'));
+    return problems.arg(reason.section(QLatin1Char('\n'), 0, 0).simplified() + QLatin1Char('.'));
 }

@@ -13,7 +13,8 @@
 
 namespace OrvHost {
 class CatalogUpdateRun;
-}
+struct UpdateOutcome;
+} // namespace OrvHost
 class LibraryProgressPanel;
 class UpdateReceiver;
 
@@ -49,8 +50,9 @@ private:
     void runEnded();
     /// Sees to what comes after a run, and tells how it ended. The receiver must outlive the run's worker.
     std::unique_ptr<OrvHost::CatalogUpdateRun> conclude();
-    QString summaryOf(const QStringList& notes, bool& hasProblems) const;
-    QString problemText() const;
+    QString summaryOf(const OrvHost::UpdateOutcome& outcome, const QStringList& notes,
+                      bool& hasProblems) const;
+    QString problemText(const OrvHost::UpdateOutcome& outcome) const;
     void closePanel();
 
     QMainWindow& mWindow;

@@ -1,0 +1,118 @@
+// Downloads of bodies, judged by what their header requests were told.
+#include "OrvHost/update/CarefulCurl.h"
+
+#include <QLocale>
+
+#include "OrvHost/history/CatalogAddress.h"
+#include "OrvHost/update/ServiceAnswer.h"
+#include "OrvLibrary/host/FileUtils.h"
+
+namespace OrvHost {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+/// `FileUtils::removePath` also removes a read-only file.
+constexpr int kRemoveReadOnly = 1;
+/// The transfer library's number for an answer that makes no sense.
+constexpr int kWeirdAnswer = 8;
+
+std::chrono::milliseconds since(Clock::time_point start)
+{
+    return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
+}
+
+/// With commas between thousands, whatever the user's language: the reasons are English.
+std::string grouped(std::int64_t number)
+{
+    return QLocale(QLocale::English).toString(static_cast<qlonglong>(number)).toStdString();
+}
+
+} // namespace
+
+bool CarefulCurl::download_to_location(const std::string& url, const fileString& target,
+                                       const std::vector<std::string>& headerLines, void* context,
+                                       ProgressFunction progress, std::string& reason, int& errorNumber)
+{
+    if (isEnded()) {
+        reason = report().verdict;
+        errorNumber = kWeirdAnswer;
+        return false;
+    }
+    const Clock::time_point start = Clock::now();
+    const std::string asked = CatalogAddress::nameIn(url);
+    ResumableDownload request{url, headerLines, target, {}, mValidators[asked]};
+    if (!request.validator.empty() && !mSettings.partialFolder.empty())
+        request.partial = mPartials.fileFor(url.substr(0, url.find('?')) + "?" + asked, request.validator);
+    Answer answer;
+    bool isFetched = fetch(request, context, progress, reason, errorNumber, answer);
+    std::int64_t bytes = 0;
+    if (isFetched) {
+        bytes = FileUtils::fileSize(target);
+        reason = problemOfBody(url, answer, target);
+        isFetched = reason.empty();
+        if (!isFetched) {
+            FileUtils::removePath(target, kRemoveReadOnly);
+            errorNumber = kWeirdAnswer;
+        }
+    }
+    noteBody(url, answer, isFetched ? std::string() : reason, bytes, since(start));
+    return isFetched;
+}
+
+bool CarefulCurl::fetch(const ResumableDownload& request, void* context, ProgressFunction progress,
+                        std::string& reason, int& errorNumber, Answer& answer)
+{
+    mRetries.begin();
+    do {
+        const bool isFetched =
+            request.partial.empty()
+                ? ForwardingCurl::download_to_location(request.url, request.target, request.headerLines,
+                                                       context, progress, reason, errorNumber)
+                : ForwardingCurl::downloadResumable(request, context, progress, reason, errorNumber);
+        answer = ForwardingCurl::lastAnswer();
+        if (isFetched)
+            return true;
+    } while (ServiceAnswer::isPassing(answer, errorNumber) &&
+             mRetries.shouldTryAgain(ServiceAnswer::retryAfter(answer.headerText)));
+    return false;
+}
+
+/// Compares a body that has arrived with what its header request was told.
+/// @return why it is refused; empty when it is not
+std::string CarefulCurl::problemOfBody(const std::string& url, const Answer& answer, const fileString& target)
+{
+    if (ServiceAnswer::isWebPage(answer)) {
+        judgeWebPage(url);
+        return "a web page instead of a catalog";
+    }
+    const std::optional<std::string> tag = ServiceAnswer::tag(answer.headerText);
+    const std::int64_t bytes = FileUtils::fileSize(target);
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const CatalogReport& announced = reportOf(CatalogAddress::nameIn(url));
+    if (announced.length && *announced.length != bytes)
+        return "another version than announced: " + grouped(bytes) + " bytes instead of " +
+               grouped(*announced.length);
+    if (announced.tag && tag && *announced.tag != *tag)
+        return "another version than announced: tag " + *tag + " instead of " + *announced.tag;
+    return {};
+}
+
+void CarefulCurl::noteBody(const std::string& url, const Answer& answer, const std::string& reason,
+                           std::int64_t bytes, std::chrono::milliseconds time)
+{
+    const bool isCancelled = mRetries.isCancelled();
+    if (reason.empty())
+        mRetries.succeeded();
+    const std::lock_guard<std::mutex> lock(mMutex);
+    CatalogReport& report = reportOf(CatalogAddress::nameIn(url));
+    report.isDownloadTried = true;
+    report.isDownloaded = reason.empty();
+    report.bodyStatus = answer.status;
+    report.bytes = report.isDownloaded ? bytes : 0;
+    report.time += time;
+    report.reason = isCancelled ? std::string() : reason;
+}
+
+} // namespace OrvHost
