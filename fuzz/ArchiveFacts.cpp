@@ -22,10 +22,11 @@ bool mayBeCopiedUnder(const std::string& name)
 {
     if (name.empty() || name.size() > 4096 || name.find('\0') != std::string::npos)
         return false;
-    if (name.size() > 1 && name[1] == ':' && std::isalpha(static_cast<unsigned char>(name[0])) != 0)
-        return false;
     std::string slashes = name;
     std::replace(slashes.begin(), slashes.end(), '\\', '/');
+    const bool hasDrive = name.size() > 1 && name[1] == ':' && (name.size() == 2 || slashes[2] == '/');
+    if (hasDrive && std::isalpha(static_cast<unsigned char>(name[0])) != 0)
+        return false;
     const std::string framed = "/" + slashes + "/";
     return slashes[0] != '/' && framed.find("/../") == std::string::npos;
 }

@@ -1,7 +1,7 @@
 #include "OrvHost/health/LibraryHealth.h"
 
 #include <ctime>
-#include <exception>
+#include <vector>
 
 #include "OrvHost/update/CatalogFolders.h"
 #include "OrvHost/update/HashFile.h"
@@ -16,21 +16,11 @@ namespace OrvHost {
 
 namespace {
 
-constexpr std::size_t kPiece = 1 << 20;
 const char* const kFuture = "its time stamp lies in the future";
 
 std::string nameOf(const fileString& file)
 {
     return file.stemWithExtension().toNativeString();
-}
-
-void readWholeArchive(const fileString& archive)
-{
-    for (const fileString& member : ZipUtils::getFilenamesInArchive(archive)) {
-        ZipUtils::ZipInputStream stream(archive + ZipUtils::getDelimiter() + member);
-        while (stream.isFileOpen() && !stream.reachedEOF())
-            stream.readArchivedFile(kPiece);
-    }
 }
 
 } // namespace
@@ -58,12 +48,9 @@ std::string LibraryHealth::catalogDamage(const fileString& catalog, const std::s
 
 std::string LibraryHealth::archiveDamage(const fileString& archive)
 {
-    try {
-        readWholeArchive(archive);
-        return {};
-    } catch (const std::exception& error) {
-        return error.what();
-    }
+    std::vector<ZipUtils::DamagedMember> damaged;
+    ZipUtils::verify(archive, nullptr, &damaged);
+    return damaged.empty() ? std::string() : damaged.front().reason;
 }
 
 void LibraryHealth::checkArchives()

@@ -1,6 +1,7 @@
 #include "OrvLibrary/IO/LibraryImport.h"
 
-#include <new>
+#include <filesystem>
+#include <stdexcept>
 
 #include <boost/format.hpp>
 
@@ -8,7 +9,6 @@
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/FileUtils.h"
-#include "OrvLibrary/host/LockingFStream.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "OrvLibrary/host/StringUtils.h"
 #include "OrvLibrary/host/ZipUtils.h"
@@ -28,123 +28,108 @@ fileString outputName(const fileString& archive, bool temporary, const fileStrin
     return name;
 }
 
-/// A stream for the database that throws when something goes wrong; without `close` the target stays as it
-/// is.
-class DatabaseStream
+bool isSameFile(const fileString& a, const fileString& b)
+{
+    std::error_code error;
+    return std::filesystem::equivalent(a.toNativeString(), b.toNativeString(), error);
+}
+
+/// A file that `unpack` makes, or may replace.
+class Output
 {
 public:
-    explicit DatabaseStream(const fileString& target)
-        : mStream(target, std::ios_base::out | std::ios_base::binary | std::ios_base::trunc)
+    Output(const fileString& path, bool isTemporary) : mPath(path), mGuard(path)
     {
-        mStream.exceptions(std::ios_base::failbit | std::ios_base::badbit);
+        if (!isTemporary && path.pathExists() && FileUtils::isPathWriteLocked(path))
+            leaveAlone();
     }
 
-    void append(const std::vector<unsigned char>& data)
+    const fileString& path() const { return mPath; }
+    FoundFile found() const { return mIsFound ? FoundFile(true, mPath) : FoundFile(); }
+    void setFound() { mIsFound = true; }
+    /// The file was there before and could not be begun.
+    void leaveAlone() { mGuard.cancel(); }
+    /// The end of a run that went well.
+    void keep()
     {
-        mStream.write(reinterpret_cast<const char*>(data.data()), static_cast<std::streamsize>(data.size()));
+        if (mIsFound)
+            mGuard.cancel();
     }
-    void close() { mStream.close(); }
 
 private:
-    LockingFStream mStream;
+    fileString mPath;
+    /// Deliberate: set before anything is written, so that a file that stood beside the archive goes, too,
+    /// when the archive holds no member of its kind.
+    FileReaper mGuard;
+    bool mIsFound = false;
 };
-
-void extractWhole(const fileString& memberAddress, const fileString& target)
-{
-    DatabaseStream stream(target);
-    ZipUtils::writeFileDataFromArchive(memberAddress,
-                                       [&](const std::vector<unsigned char>& data) { stream.append(data); });
-    stream.close();
-}
-
-void extractInPieces(const fileString& memberAddress, const fileString& target)
-{
-    constexpr std::size_t kPiece = 52428800;
-    DatabaseStream stream(target);
-    ZipUtils::ZipInputStream member(memberAddress);
-    while (member.isFileOpen() && !member.reachedEOF())
-        stream.append(member.readArchivedFile(kPiece));
-    stream.close();
-}
 
 /// One run of `unpack`: the member handler and what it keeps between its calls.
 class Unpacking
 {
 public:
-    Unpacking(const fileString& archive, bool useTemporaryNames, std::shared_ptr<ProgressSubject> progress)
+    Unpacking(const fileString& archive, const fileString& database, const fileString& referenced,
+              bool isTemporary, std::shared_ptr<ProgressSubject> progress)
         : mArchive(archive),
           mProgress(std::move(progress)),
-          mDatabase(outputName(archive, useTemporaryNames, fileString(kDatabaseExtension))),
-          mReferenced(outputName(archive, useTemporaryNames, ZipUtils::getExtension())),
-          mDatabaseGuard(mDatabase),
-          mReferencedGuard(mReferenced)
+          mDatabase(database, isTemporary),
+          mReferenced(referenced, isTemporary)
     {
     }
 
     UnpackResult run()
     {
-        if (mProgress)
-            mProgress->createSubProgress(ZipUtils::getSizeOfArchive(mArchive));
-        ZipUtils::getFilesDataInArchive(
-            mArchive, [this](const fileString& member, ZipUtils::ArchiveHandle& handle,
-                             const ZipUtils::RawDataInfo& raw) { return handleMember(member, handle, raw); });
-        if (mCancelled)
+        try {
+            ZipUtils::ArchiveBatch batch(mProgress);
+            batch.walk(mArchive, [this](const fileString& member, ZipUtils::ArchiveHandle& handle,
+                                        const ZipUtils::RawDataInfo& raw) {
+                return handleMember(member, handle, raw);
+            });
+            batch.complete();
+        } catch (const ZipUtils::Cancelled&) {
             return {};
-        if (mResult.first.first)
-            mDatabaseGuard.cancel();
-        if (mResult.second.first)
-            mReferencedGuard.cancel();
-        return mResult;
+        } catch (const std::exception&) {
+            // A cancel wins over damage, also where it came in the same moment.
+            if (mProgress && mProgress->checkCancel(false))
+                return {};
+            throw;
+        }
+        mDatabase.keep();
+        mReferenced.keep();
+        return {mDatabase.found(), mReferenced.found()};
     }
 
 private:
     bool handleMember(const fileString& member, ZipUtils::ArchiveHandle& handle,
                       const ZipUtils::RawDataInfo& raw)
     {
-        if (mProgress && mProgress->checkCancel(false)) {
-            mCancelled = true;
-            return false;
-        }
+        if (mProgress && mProgress->checkCancel(false))
+            throw ZipUtils::Cancelled();
         updateProgressDialog(mProgress, member.unicodeString());
-        if (member.extension() == fileString(kDatabaseExtension)) {
-            extractDatabase(member);
-            mResult.first = {true, mDatabase};
-        } else if (copyMember(member, handle, raw)) {
-            mResult.second = {true, mReferenced};
-        }
+        // Deliberate: of several databases each replaces the one before, so that the last one wins.
+        const bool isDatabase = member.extension() == fileString(kDatabaseExtension);
+        Output& output = isDatabase ? mDatabase : mReferenced;
+        if (isDatabase ? ZipUtils::extractFileFromArchive(mDatabase.path(), handle, raw)
+                       : copyMember(member, handle, raw))
+            output.setFound();
+        else if (ZipUtils::isRefused(output.path(), handle))
+            output.leaveAlone();
         // Deliberate: a member that could not be copied is skipped, and the walk goes on.
         return true;
-    }
-
-    /// Deliberate: of several databases each replaces the one before, so that the last one wins.
-    void extractDatabase(const fileString& member)
-    {
-        const fileString address = mArchive + ZipUtils::getDelimiter() + member;
-        try {
-            extractWhole(address, mDatabase);
-        } catch (const std::bad_alloc&) {
-            extractInPieces(address, mDatabase);
-        }
     }
 
     bool copyMember(const fileString& member, ZipUtils::ArchiveHandle& handle,
                     const ZipUtils::RawDataInfo& raw)
     {
-        return (ZipUtils::canAddToArchive(mReferenced) &&
-                ZipUtils::writeFileToArchiveRaw(mReferenced, member, handle, false, raw)) ||
-               ZipUtils::writeFileToArchiveRaw(mReferenced, member, handle, true, raw);
+        return (ZipUtils::canAddToArchive(mReferenced.path(), handle) &&
+                ZipUtils::writeFileToArchiveRaw(mReferenced.path(), member, handle, false, raw)) ||
+               ZipUtils::writeFileToArchiveRaw(mReferenced.path(), member, handle, true, raw);
     }
 
     fileString mArchive;
     std::shared_ptr<ProgressSubject> mProgress; ///< may be null
-    fileString mDatabase;
-    fileString mReferenced;
-    /// Deliberate: set before anything is written, so that a file that stood beside the archive goes, too,
-    /// when the archive holds no member of its kind.
-    FileReaper mDatabaseGuard;
-    FileReaper mReferencedGuard;
-    UnpackResult mResult{};
-    bool mCancelled = false;
+    Output mDatabase;
+    Output mReferenced;
 };
 
 /// The translated text around a member's name; the text alone when the translation is no format.
@@ -166,7 +151,11 @@ UnpackResult unpack(const fileString& archive, bool useTemporaryNames,
 {
     if (!archive.pathExists())
         return {};
-    return Unpacking(archive, useTemporaryNames, std::move(progress)).run();
+    const fileString database = outputName(archive, useTemporaryNames, fileString(kDatabaseExtension));
+    const fileString referenced = outputName(archive, useTemporaryNames, ZipUtils::getExtension());
+    if (isSameFile(archive, database) || isSameFile(archive, referenced))
+        throw std::runtime_error(archive.toNativeString() + ": cannot be unpacked over itself");
+    return Unpacking(archive, database, referenced, useTemporaryNames, std::move(progress)).run();
 }
 
 UnpackResult unpackArchivedLibrary(const fileString& archive, std::shared_ptr<ProgressSubject> progress)

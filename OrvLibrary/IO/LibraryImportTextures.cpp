@@ -14,34 +14,39 @@ namespace LibraryImport {
 
 namespace {
 
-/// Builds the merged archive beside the destination, whose place it takes when it is whole. It starts empty:
-/// the members of the old archive that stay, then every new one.
-bool mergeArchives(const fileString& extracted, const fileString& destination,
-                   const std::shared_ptr<ProgressSubject>& progress)
+/// Copies the members of an archive, except those to skip.
+/// @throws std::runtime_error, also for a member that cannot be copied
+void copyAll(ZipUtils::ArchiveBatch& batch, const fileString& source, const fileString& target,
+             const std::shared_ptr<ProgressSubject>& progress, const std::set<fileString>& skippedMembers)
 {
-    try {
-        ZipUtils::ArchiveBatch batch;
-        const std::vector<fileString> names = ZipUtils::getFilenamesInArchive(extracted);
-        batch.begin(destination);
-        if (!copyArchivedFile(destination, destination, progress, {names.begin(), names.end()}) ||
-            !copyArchivedFile(extracted, destination, progress, {}))
-            return false;
-        batch.complete();
-        return true;
-    } catch (const std::runtime_error&) {
-        return false;
-    } catch (const std::bad_alloc&) {
-        return false;
-    }
+    fileString refused;
+    if (!copyArchivedFile(batch, source, target, progress, skippedMembers, &refused))
+        throw std::runtime_error(source.toNativeString() + ": member \"" + refused.toNativeString() +
+                                 "\": cannot be copied");
 }
 
-bool placeArchive(const fileString& extracted, const fileString& destination,
+/// Builds the merged archive beside the destination, whose place it takes when it is whole. It starts empty:
+/// the members of the old archive that stay, then every new one. The destination is locked before it is read,
+/// so that nothing is lost that another process merges into it.
+/// @throws std::runtime_error, std::bad_alloc
+void mergeArchives(const fileString& extracted, const fileString& destination,
+                   const std::shared_ptr<ProgressSubject>& progress)
+{
+    const std::vector<fileString> names = ZipUtils::getFilenamesInArchive(extracted);
+    ZipUtils::ArchiveBatch batch(progress);
+    batch.begin(destination);
+    copyAll(batch, destination, destination, progress, {names.begin(), names.end()});
+    copyAll(batch, extracted, destination, progress, {});
+    batch.complete();
+}
+
+/// @throws std::runtime_error, std::bad_alloc
+void placeArchive(const fileString& extracted, const fileString& destination,
                   const std::shared_ptr<ProgressSubject>& progress)
 {
-    if (!FileUtils::pathExists(destination) && FileUtils::copyFile(extracted, destination, false))
-        return true;
-    // It may be there by now: another process imports a library of the same name.
-    return FileUtils::pathExists(destination) && mergeArchives(extracted, destination, progress);
+    // The destination may appear at any moment: another process imports a library of the same name.
+    if (destination.pathExists() || !ZipUtils::moveToNewArchive(extracted, destination, progress))
+        mergeArchives(extracted, destination, progress);
 }
 
 } // namespace
@@ -57,31 +62,58 @@ fileString getArchivedTexturePath(const fileString& library, bool proprietary)
 bool moveArchivedTextures(const fileString& extracted, const fileString& destination,
                           std::shared_ptr<ProgressSubject> progress)
 {
+    std::string reason;
+    return moveArchivedTextures(extracted, destination, std::move(progress), reason);
+}
+
+bool moveArchivedTextures(const fileString& extracted, const fileString& destination,
+                          std::shared_ptr<ProgressSubject> progress, std::string& reason)
+{
     // Deliberate: there is nothing to move, and that is success.
     if (!extracted.pathExists())
         return true;
     // Consumed whatever happens.
     const FileReaper consumed(extracted);
     FileUtils::createDirectoriesWithPerm(destination.parentPath(), false);
-    const bool isPlaced = placeArchive(extracted, destination, progress);
-    if (isPlaced)
-        FileSearch::get().resetFileSearch(destination.parentPathWithSeparator());
-    return isPlaced;
+    try {
+        placeArchive(extracted, destination, progress);
+    } catch (const std::runtime_error& failure) {
+        reason = failure.what();
+        return false;
+    } catch (const std::bad_alloc&) {
+        reason = destination.toNativeString() + ": not enough memory";
+        return false;
+    }
+    FileSearch::get().resetFileSearch(destination.parentPathWithSeparator());
+    return true;
 }
 
 bool copyArchivedFile(const fileString& source, const fileString& target,
                       const std::shared_ptr<ProgressSubject>& progress,
                       const std::set<fileString>& skippedMembers)
 {
+    ZipUtils::ArchiveBatch batch(progress);
+    const bool isGood = copyArchivedFile(batch, source, target, progress, skippedMembers, nullptr);
+    batch.complete();
+    return isGood;
+}
+
+bool copyArchivedFile(ZipUtils::ArchiveBatch& batch, const fileString& source, const fileString& target,
+                      const std::shared_ptr<ProgressSubject>& progress,
+                      const std::set<fileString>& skippedMembers, fileString* refused)
+{
     if (!progress)
         NullPointerRaiser::Throw("progress", __FILE__, __LINE__);
-    progress->createSubProgress(ZipUtils::getSizeOfArchive(source));
     bool isGood = true;
-    ZipUtils::getFilesDataInArchive(source, [&](const fileString& member, ZipUtils::ArchiveHandle& handle,
-                                                const ZipUtils::RawDataInfo& raw) {
+    batch.walk(source, [&](const fileString& member, ZipUtils::ArchiveHandle& handle,
+                           const ZipUtils::RawDataInfo& raw) {
         updateProgressDialog(progress, member.unicodeString());
         if (skippedMembers.count(member) == 0)
             isGood = ZipUtils::writeFileToArchiveRaw(target, member, handle, false, raw);
+        else
+            ZipUtils::leaveOutMember(handle, raw);
+        if (!isGood && refused)
+            *refused = member;
         return isGood;
     });
     return isGood;

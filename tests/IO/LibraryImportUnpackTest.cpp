@@ -10,7 +10,6 @@
 #include "OrvLibrary/IO/LibraryImport_p.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
-#include "OrvLibrary/host/impl/zip/ZipMember_p.h"
 #include "tests/support/ArchiveBuilder.h"
 #include "tests/support/ArchiveReader.h"
 #include "tests/support/RecordingProgress.h"
@@ -21,6 +20,7 @@ namespace fs = std::filesystem;
 using LibraryImport::FoundFile;
 using LibraryImport::UnpackResult;
 using test::ArchiveBuilder;
+using test::ArchiveMember;
 using test::contentsOf;
 using testing::ElementsAre;
 
@@ -223,26 +223,35 @@ TEST_F(LibraryImportUnpackTest, cancelAtAnyMemberLeavesNothing)
     }
 }
 
-TEST_F(LibraryImportUnpackTest, shortMemoryTakesTheWayInPieces)
+TEST_F(LibraryImportUnpackTest, databasesOfEverySizeComeOutWhole)
 {
-    const std::string database = test::sampleBytes(300000, 3);
-    mKitchen.add("Kitchen.orvlib", database);
-    const fileString archive = writeKitchen();
-    const std::uint64_t former = ZipUtils::onePieceLimit.exchange(1000);
-    const UnpackResult result = LibraryImport::unpack(archive, true, nullptr);
-    ZipUtils::onePieceLimit = former;
-    ASSERT_TRUE(result.first.first);
-    EXPECT_TRUE(test::readFile(result.first.second) == database);
+    // Small ones come out through memory, large ones through the pages of the file, stored ones in pieces.
+    for (const std::size_t size : {0U, 300000U, 9U << 20U}) {
+        const std::string database = test::sampleBytes(size, 3);
+        for (const int method : {ArchiveMember::kStored, ArchiveMember::kDeflated}) {
+            ArchiveBuilder library;
+            library.add("Kitchen.orvlib", database).method = static_cast<std::uint16_t>(method);
+            const fileString archive = library.write(mFolder, "Kitchen.orvlibz");
+            const UnpackResult result = LibraryImport::unpack(archive, true, mProgress);
+            ASSERT_TRUE(result.first.first);
+            EXPECT_TRUE(test::readFile(result.first.second) == database) << size;
+        }
+    }
 }
 
-TEST_F(LibraryImportUnpackTest, damageInThePiecesIsFoundToo)
+TEST_F(LibraryImportUnpackTest, damageInDatabasesOfEverySizeIsFound)
 {
-    mKitchen.add("Kitchen.orvlib", test::sampleBytes(300000, 3)).checksum = 1;
-    const fileString archive = writeKitchen();
-    const std::uint64_t former = ZipUtils::onePieceLimit.exchange(1000);
-    EXPECT_THROW(LibraryImport::unpack(archive, true, nullptr), std::runtime_error);
-    ZipUtils::onePieceLimit = former;
-    EXPECT_TRUE(temporaryFiles().empty());
+    for (const std::size_t size : {0U, 300000U, 9U << 20U}) {
+        for (const int method : {ArchiveMember::kStored, ArchiveMember::kDeflated}) {
+            ArchiveBuilder library;
+            ArchiveMember& database = library.add("Kitchen.orvlib", test::sampleBytes(size, 3));
+            database.method = static_cast<std::uint16_t>(method);
+            database.checksum = 1;
+            const fileString archive = library.write(mFolder, "Kitchen.orvlibz");
+            EXPECT_THROW(LibraryImport::unpack(archive, true, nullptr), std::runtime_error) << size;
+            EXPECT_TRUE(temporaryFiles().empty());
+        }
+    }
 }
 
 TEST_F(LibraryImportUnpackTest, unsoundArchiveThrowsAndLeavesNothing)

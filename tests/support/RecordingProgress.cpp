@@ -1,5 +1,7 @@
 #include "tests/support/RecordingProgress.h"
 
+#include <numeric>
+
 namespace test {
 
 bool RecordingProgress::checkCancel(bool processEvents)
@@ -21,6 +23,16 @@ void RecordingProgress::increment(const marl::unicode::String& label1, const mar
 void RecordingProgress::updateLabels(const marl::unicode::String& label1, const marl::unicode::String& label2)
 {
     mCalls.push_back("labels " + label1.toUTF8String() + " | " + label2.toUTF8String());
+}
+
+void RecordingProgress::advanceBytes(std::uint64_t bytes)
+{
+    mBytes.push_back(bytes);
+}
+
+std::uint64_t RecordingProgress::sumOfBytes() const
+{
+    return std::accumulate(mBytes.begin(), mBytes.end(), std::uint64_t(0));
 }
 
 } // namespace test

@@ -22,10 +22,17 @@ public:
     void increment(const marl::unicode::String& label1, const marl::unicode::String& label2) override;
     void updateLabels(const marl::unicode::String& label1, const marl::unicode::String& label2) override;
 
+    void advanceBytes(std::uint64_t bytes) override;
+
     const std::vector<std::string>& calls() const { return mCalls; }
+    /// The bytes told by each `advanceBytes`, which is not among the calls.
+    const std::vector<std::uint64_t>& bytes() const { return mBytes; }
+    std::uint64_t sumOfBytes() const;
+    int checks() const { return mChecks; }
 
 private:
     std::vector<std::string> mCalls;
+    std::vector<std::uint64_t> mBytes;
     int mChecks = 0;
 };
 

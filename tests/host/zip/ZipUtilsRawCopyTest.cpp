@@ -143,7 +143,8 @@ TEST_F(ZipUtilsRawCopyTest, refusesUnsafeNamesAndLeavesTheTargetAlone)
                                          "a/..",
                                          "..",
                                          "a\\..\\b",
-                                         "C:x",
+                                         "C:",
+                                         "C:\\x",
                                          "c:/x",
                                          std::string("a\0b", 3),
                                          std::string(4097, 'n')};
@@ -164,10 +165,38 @@ TEST_F(ZipUtilsRawCopyTest, acceptsNamesThatOnlyLookUnsafe)
 {
     mSource.add("a", "content");
     const fileString source = writeSource();
-    for (const std::string& name : {std::string("..a"), std::string("a.."), std::string("a/...b"),
-                                    std::string("ab:c"), std::string(4096, 'n'), std::string("a/")})
+    for (const std::string& name :
+         {std::string("..a"), std::string("a.."), std::string("a/...b"), std::string("ab:c"),
+          std::string("C:x"), std::string("a::b.png"), std::string(4096, 'n'), std::string("a/")})
         EXPECT_TRUE(copyFirstAs(source, target(), name)) << name;
-    EXPECT_EQ(readArchive(target()).size(), 6U);
+    EXPECT_EQ(readArchive(target()).size(), 8U);
+}
+
+TEST_F(ZipUtilsRawCopyTest, extraBlockThatHasNoRoomForItsSizesIsRefused)
+{
+    const auto blockOf = [](std::size_t size) {
+        std::string block("XX", 2);
+        block += static_cast<char>((size - 4) & 0xFF);
+        block += static_cast<char>((size - 4) >> 8);
+        return block + std::string(size - 4, 'x');
+    };
+    // Of another method, so that nobody can look whether the size is true, and with a descriptor, so that the
+    // local header needs no zip64 field before the copy.
+    const auto addLarge = [&](const std::string& name, std::size_t blockSize) {
+        ArchiveMember& member = mSource.add(name, "");
+        member.method = 99;
+        member.flags = 8;
+        member.rawData = std::string(5U << 20U, 'x');
+        member.size = 0xFFFFFFFF;
+        member.extra = std::string("\x01\0\x08\0\0\0\0\x40\x01\0\0\0", 12); // 5 GB
+        member.localExtra = blockOf(blockSize);
+    };
+    mSource.add("small", "1").localExtra = blockOf(65535);
+    addLarge("fits", 65535 - 20);
+    addLarge("too long", 65535 - 19);
+    mSource.add("last", "2");
+    EXPECT_EQ(copyAll(writeSource(), target()), (std::vector<bool>{true, true, false, true}));
+    EXPECT_EQ(ZipUtils::getSizeOfArchive(target()), (std::uint64_t(5) << 30U) + 2);
 }
 
 TEST_F(ZipUtilsRawCopyTest, newNameIsMarkedAsUtf8WhenItIs)

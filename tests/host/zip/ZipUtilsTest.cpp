@@ -1,12 +1,14 @@
 // Reading: walks, names, sizes, and members in one piece or in several.
 #include "OrvLibrary/host/ZipUtils.h"
 
+#include <chrono>
+#include <ctime>
 #include <new>
 #include <stdexcept>
+#include <thread>
 
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/host/impl/zip/ZipMember_p.h"
 #include "tests/support/ArchiveBuilder.h"
 
 using test::ArchiveBuilder;
@@ -189,6 +191,54 @@ TEST_F(ZipUtilsTest, firstOccurrenceWithARegularFileOnItsLeftSeparates)
     EXPECT_EQ(readWhole(address(other, "x")), "of the outer one");
 }
 
+TEST_F(ZipUtilsTest, addressIsSplitWhereAnArchiveHoldsTheMember)
+{
+    mFolder.write("a", "no archive");
+    mBuilder.add("b::c.png", "content");
+    const fileString archive = mBuilder.write(mFolder, "a::b.zip");
+    EXPECT_EQ(readWhole(address(archive, "b::c.png")), "content");
+    EXPECT_EQ(readInPieces(address(archive, "b::c.png"), 3), "content");
+    const std::string reason = reasonOf([&] { readWhole(address(archive, "d")); });
+    EXPECT_NE(reason.find(mFolder.file("a").toNativeString() + ": not a zip"), std::string::npos) << reason;
+}
+
+TEST_F(ZipUtilsTest, memberNamesMayHoldTheDelimiterAtTheirStart)
+{
+    mBuilder.add("a::b.png", "1");
+    mBuilder.add("::", "2");
+    const fileString archive = mBuilder.write(mFolder, "x.zip");
+    EXPECT_EQ(readWhole(address(archive, "a::b.png")), "1");
+    EXPECT_EQ(readWhole(address(archive, "::")), "2");
+}
+
+TEST_F(ZipUtilsTest, changedArchiveIsReadAnewHoweverSoon)
+{
+    for (int i = 0; i < 20; ++i) {
+        ArchiveBuilder builder;
+        builder.add("a", std::to_string(i % 10)); // of one size, into the same file
+        EXPECT_EQ(readWhole(address(builder.write(mFolder, "a.zip"), "a")), std::to_string(i % 10));
+    }
+}
+
+TEST_F(ZipUtilsTest, directoryOfAnOldArchiveIsReadOnce)
+{
+    for (int i = 0; i < 3000; ++i)
+        mBuilder.add("m" + std::to_string(i), "x").method = ArchiveMember::kStored;
+    const fileString archive = mBuilder.write(mFolder, "a.zip");
+    const auto timeOf = [&] {
+        const auto start = std::chrono::steady_clock::now();
+        for (int i = 0; i < 200; ++i)
+            EXPECT_EQ(readWhole(address(archive, "m" + std::to_string(i))), "x");
+        return std::chrono::steady_clock::now() - start;
+    };
+    // Somebody might still write to the new file within the same step of time. Its directory is read 200
+    // times.
+    const auto whileNew = timeOf();
+    while (std::time(nullptr) - archive.modificationTime() < 5)
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    EXPECT_LT(timeOf(), whileNew / 10);
+}
+
 TEST_F(ZipUtilsTest, readInsideAWalkStaysInTheWalkedArchive)
 {
     ArchiveBuilder outer;
@@ -219,17 +269,20 @@ TEST_F(ZipUtilsTest, streamOutlivesTheWalkThatItBeganIn)
 
 TEST_F(ZipUtilsTest, pieceOverTheLimitIsAnAllocationFailure)
 {
-    EXPECT_EQ(ZipUtils::onePieceLimit.load(), 512U << 20U);
-    mBuilder.add("deflated", std::string(100, 'x'));
-    mBuilder.add("stored", std::string(100, 'x')).method = ArchiveMember::kStored;
-    const fileString archive = mBuilder.write(mFolder, "a.zip");
-    ZipUtils::onePieceLimit = 99;
-    EXPECT_THROW(readWhole(address(archive, "deflated")), std::bad_alloc);
-    EXPECT_THROW(readWhole(address(archive, "stored")), std::bad_alloc);
-    EXPECT_EQ(readInPieces(address(archive, "deflated"), 60), std::string(100, 'x'));
-    ZipUtils::onePieceLimit = 100;
-    EXPECT_EQ(readWhole(address(archive, "deflated")), std::string(100, 'x'));
-    ZipUtils::onePieceLimit = 512U << 20U;
+    constexpr std::uint64_t kLimit = 512U << 20U;
+    for (const std::uint64_t size : {kLimit, kLimit + 1}) {
+        ArchiveBuilder builder;
+        ArchiveMember& member = builder.add("large", "");
+        member.rawData = std::string(500000, '\xFF'); // no deflate stream
+        member.size = size;
+        const fileString large = address(builder.write(mFolder, "a.zip"), "large");
+        if (size > kLimit) {
+            EXPECT_THROW(readWhole(large), std::bad_alloc);
+        } else {
+            EXPECT_THROW(readWhole(large), std::runtime_error);
+        }
+        EXPECT_THROW(readInPieces(large, 1000), std::runtime_error);
+    }
 }
 
 TEST_F(ZipUtilsTest, prefixBeforeTheArchiveIsAllowed)
@@ -245,6 +298,30 @@ TEST_F(ZipUtilsTest, prefixBeforeTheArchiveIsAllowed)
         builder.zip64End = true;
         EXPECT_EQ(readWhole(address(builder.write(mFolder, "b.zip"), "a")), "content") << counts;
     }
+}
+
+TEST_F(ZipUtilsTest, commentAndNameMayEndWithAZip64Locator)
+{
+    const std::string locator("PK\x06\x07zip64 locator...", 20);
+    ASSERT_EQ(locator.size(), 20U);
+    mBuilder.add("first", "content");
+    ArchiveBuilder named = mBuilder;
+    named.add(locator, "content");
+    EXPECT_EQ(walkedNames(named.write(mFolder, "a.zip")).size(), 2U);
+    mBuilder.add("last", "content").comment = locator;
+    EXPECT_EQ(walkedNames(mBuilder.write(mFolder, "a.zip")).size(), 2U);
+}
+
+TEST_F(ZipUtilsTest, zip64RecordThatNothingRefersToIsNoPartOfTheDirectory)
+{
+    mBuilder.zip64End = true;
+    mBuilder.add("a", "content");
+    std::string bytes = mBuilder.bytes();
+    const std::size_t end = bytes.size() - 22;
+    const std::string size = bytes.substr(end - 20 - 56 + 40, 4);
+    const std::string offset = bytes.substr(end - 20 - 56 + 48, 4);
+    bytes.replace(end + 8, 12, std::string("\x01\0\x01\0", 4) + size + offset);
+    EXPECT_EQ(readWhole(address(mFolder.write("a.zip", bytes), "a")), "content");
 }
 
 TEST_F(ZipUtilsTest, commentMayHoldAnEndRecord)

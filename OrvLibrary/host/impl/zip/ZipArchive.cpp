@@ -1,52 +1,57 @@
 #include "OrvLibrary/host/impl/zip/ZipArchive_p.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
 
 #include <unistd.h>
 
+#include "OrvLibrary/host/impl/zip/ZipDirectoryCache_p.h"
+#include "OrvLibrary/host/impl/zip/ZipDirectoryReader_p.h"
+#include "OrvLibrary/host/impl/zip/ZipMemberScan_p.h"
+
 namespace ZipUtils {
+
+ZipArchive::ZipArchive(const fileString& path) : mPath(path)
+{
+    open();
+    mDirectory = DirectoryCache::find(mStatus);
+    if (mDirectory)
+        return;
+    mDirectory = ZipDirectoryReader(*this, static_cast<std::uint64_t>(mStatus.st_size), nullptr).read();
+    DirectoryCache::keep(mStatus, mDirectory);
+}
+
+ZipArchive::ZipArchive(const fileString& path, std::vector<DamagedMember>& rejected) : mPath(path)
+{
+    open();
+    const auto size = static_cast<std::uint64_t>(mStatus.st_size);
+    const std::size_t before = rejected.size();
+    try {
+        mDirectory = ZipDirectoryReader(*this, size, &rejected).read();
+    } catch (const std::runtime_error& reason) {
+        rejected.resize(before);
+        rejected.push_back({fileString(), reason.what()});
+        mDirectory = ZipMemberScan(*this, size).read();
+    }
+}
 
 void ZipArchive::open()
 {
     mFile = host::openRegularFile(mPath.toNativeString());
     if (!mFile || fstat(mFile.get(), &mStatus) != 0)
         fail(std::strerror(errno));
-    mFileSize = static_cast<std::uint64_t>(mStatus.st_size);
 }
 
-bool ZipArchive::isUnchanged() const
+bool ZipArchive::isAt(const fileString& path) const
 {
-    const auto same = [](const timespec& a, const timespec& b) {
-        return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
-    };
-    const std::optional<struct stat> now = host::fileStatus(mPath.toNativeString());
-    return now && now->st_dev == mStatus.st_dev && now->st_ino == mStatus.st_ino &&
-           now->st_size == mStatus.st_size && same(now->st_mtim, mStatus.st_mtim) &&
-           same(now->st_ctim, mStatus.st_ctim);
+    const std::optional<struct stat> other = host::fileStatus(path.toNativeString());
+    return other && other->st_dev == mStatus.st_dev && other->st_ino == mStatus.st_ino;
 }
 
-const ZipEntry* ZipArchive::find(std::string_view name) const
+std::size_t ZipArchive::indexOf(const ZipEntry& entry) const
 {
-    if (mByName.empty()) {
-        // Whole or not at all: where memory runs out in between, the next look-up must not miss a member.
-        std::unordered_map<std::string_view, std::size_t> byName;
-        for (std::size_t i = 0; i < mEntries.size(); ++i)
-            byName[mEntries[i].name] = i;
-        mByName.swap(byName);
-    }
-    const auto found = mByName.find(name);
-    return found == mByName.end() ? nullptr : &mEntries[found->second];
-}
-
-std::uint64_t ZipArchive::prefixSize() const
-{
-    std::uint64_t first = mDirectoryStart;
-    for (const ZipEntry& entry : mEntries)
-        first = std::min(first, entry.headerOffset);
-    return first;
+    return static_cast<std::size_t>(&entry - entries().data());
 }
 
 void ZipArchive::readAt(std::uint64_t offset, char* buffer, std::size_t size) const

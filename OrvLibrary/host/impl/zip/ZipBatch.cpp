@@ -1,58 +1,120 @@
 #include "OrvLibrary/host/impl/zip/ZipBatch_p.h"
 
-#include "OrvLibrary/host/ZipUtils.h"
+#include <cerrno>
+#include <filesystem>
+#include <stdexcept>
 
 namespace ZipUtils {
 
-class Q_DECL_HIDDEN ArchiveBatch::Private
-{
-public:
-    Private() { active().push_back(this); }
-    ~Private() { active().pop_back(); }
-    Private(const Private&) = delete;
-    Private& operator=(const Private&) = delete;
+namespace {
 
-    static std::vector<Private*>& active()
-    {
-        static thread_local std::vector<Private*> batches;
-        return batches;
+/// One text for all the ways to name a file; links are followed, so that what they lead to is replaced.
+std::string resolved(const fileString& path)
+{
+    std::error_code error;
+    const std::filesystem::path found = std::filesystem::weakly_canonical(path.toNativeString(), error);
+    return error ? path.toNativeString() : found.string();
+}
+
+} // namespace
+
+ZipBatch::ZipBatch(std::shared_ptr<ProgressSubject> progress)
+    : mMeter(std::move(progress)), mPatience(mMeter), mVerification(mMeter)
+{
+}
+
+bool ZipBatch::has(const fileString& path) const
+{
+    return mByText.count(path.toNativeString()) > 0 ||
+           (!mTargets.empty() && mTargets.count(resolved(path)) > 0);
+}
+
+ZipTarget* ZipBatch::find(const fileString& path, bool create)
+{
+    const auto known = mByText.find(path.toNativeString());
+    if (known != mByText.end())
+        return known->second;
+    if (mGivenUp || isRefused(path))
+        return nullptr;
+    const std::string key = resolved(path);
+    if (mTargets.count(key) == 0) {
+        std::unique_ptr<ZipTarget> begun = ZipTarget::begin(fileString(key), create, mPatience, mMeter);
+        // Where there is only nothing to add to, the next call may create it.
+        if (!begun && (create || (errno != ENOENT && errno != 0)))
+            mRefused.insert(path.toNativeString());
+        if (!begun)
+            return nullptr;
+        mTargets[key] = std::move(begun);
     }
-
-    ZipTargets targets;
-};
-
-ArchiveBatch::ArchiveBatch() : mPrivate(std::make_unique<Private>()) {}
-
-ArchiveBatch::~ArchiveBatch() = default;
-
-void ArchiveBatch::begin(const fileString& archive)
-{
-    // Merging a large archive may take another process a while.
-    constexpr std::chrono::seconds kWait(60);
-    mPrivate->targets.beginEmpty(archive, kWait);
+    return mByText[path.toNativeString()] = mTargets[key].get();
 }
 
-void ArchiveBatch::complete()
+void ZipBatch::beginEmpty(const fileString& path)
 {
-    mPrivate->targets.complete();
+    const std::string key = resolved(path);
+    mTargets[key] = ZipTarget::beginEmpty(fileString(key), mPatience, mMeter);
+    mByText[path.toNativeString()] = mTargets[key].get();
 }
 
-ZipTargets* currentBatch()
+bool ZipBatch::extract(const fileString& target, const std::shared_ptr<const ZipArchive>& source,
+                       const ZipEntry& entry)
 {
-    const auto& batches = ArchiveBatch::Private::active();
-    return batches.empty() ? nullptr : &batches.back()->targets;
+    if (isRefused(target))
+        return false;
+    // One at a time: two would only share the disk, and the memory that is promised.
+    for (const auto& other : mExtractions)
+        other.second->finish();
+    std::unique_ptr<ZipExtraction>& extraction = mExtractions[target.toNativeString()];
+    if (!extraction)
+        extraction = ZipExtraction::begin(target, mPatience, mMeter);
+    if (!extraction) {
+        mExtractions.erase(target.toNativeString());
+        mRefused.insert(target.toNativeString());
+        return false;
+    }
+    extraction->extract(source, entry);
+    return true;
 }
 
-std::shared_ptr<const ZipArchive> openArchive(const fileString& path)
+void ZipBatch::finishWalk()
 {
-    ZipTargets* batch = currentBatch();
-    std::shared_ptr<const ZipArchive> archive = batch ? batch->findSource(path) : nullptr;
-    if (archive)
-        return archive;
-    archive = std::make_shared<ZipArchive>(path);
-    if (batch)
-        batch->keep(archive);
-    return archive;
+    std::uint64_t waiting = mVerification.waiting();
+    for (const auto& extraction : mExtractions)
+        waiting += extraction.second->waiting();
+    mMeter.label("checking", waiting);
+    mVerification.finish();
+    for (const auto& extraction : mExtractions)
+        extraction.second->finish();
+    mMeter.tellAll();
+}
+
+void ZipBatch::giveUp()
+{
+    mGivenUp = true;
+    mVerification.stop();
+    mExtractions.clear();
+    mByText.clear();
+    mTargets.clear();
+}
+
+void ZipBatch::complete()
+{
+    if (mGivenUp)
+        throw std::runtime_error("a walk that wrote to these archives failed");
+    std::uint64_t bytesLeft = 0;
+    for (const auto& extraction : mExtractions)
+        bytesLeft += extraction.second->size();
+    for (const auto& target : mTargets)
+        bytesLeft += target.second->bytesLeft();
+    mMeter.label("putting in place", bytesLeft);
+    for (const auto& target : mTargets)
+        target.second->write();
+    for (const auto& extraction : mExtractions)
+        extraction.second->sync();
+    for (const auto& extraction : mExtractions)
+        extraction.second->publish();
+    for (const auto& target : mTargets)
+        target.second->publish();
 }
 
 } // namespace ZipUtils

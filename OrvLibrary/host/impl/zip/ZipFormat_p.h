@@ -31,6 +31,9 @@ constexpr std::uint16_t kFlagMaskedDirectory = 0x2000;
 constexpr std::uint16_t kMethodStored = 0;
 constexpr std::uint16_t kMethodDeflated = 8;
 
+/// No deflate stream makes more than this of a byte, by much.
+constexpr std::uint64_t kMostExpansion = 1100;
+
 constexpr std::uint16_t kExtraZip64 = 0x0001;
 constexpr std::uint16_t kExtraUnicodePath = 0x7075; ///< repeats the member's name
 constexpr std::uint16_t kVersionZip64 = 45;

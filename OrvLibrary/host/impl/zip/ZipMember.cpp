@@ -11,22 +11,25 @@
 
 namespace ZipUtils {
 
-std::atomic<std::uint64_t> onePieceLimit{512U << 20U};
-
 namespace {
 
-/// Room for the content of a large member. Large pages spare most of the time that the system takes to hand
-/// out so much memory; where there are none, nothing is lost.
-std::vector<unsigned char> makeRoom(std::size_t size)
+/// Large pages spare most of the time that the system takes to hand out much memory; where there are none,
+/// nothing is lost.
+void askForLargePages(const void* memory, std::size_t size)
 {
     constexpr std::size_t kLargePage = 2U << 20U;
-    std::vector<unsigned char> content;
-    content.reserve(size);
-    const auto start =
-        (reinterpret_cast<std::uintptr_t>(content.data()) + kLargePage - 1) & ~(kLargePage - 1);
-    const auto end = (reinterpret_cast<std::uintptr_t>(content.data()) + size) & ~(kLargePage - 1);
+    const auto start = (reinterpret_cast<std::uintptr_t>(memory) + kLargePage - 1) & ~(kLargePage - 1);
+    const auto end = (reinterpret_cast<std::uintptr_t>(memory) + size) & ~(kLargePage - 1);
     if (start < end)
         madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
+}
+
+/// Room for the content of a large member.
+std::vector<unsigned char> makeRoom(std::size_t size)
+{
+    std::vector<unsigned char> content;
+    content.reserve(size);
+    askForLargePages(content.data(), size);
     content.resize(size);
     return content;
 }
@@ -46,12 +49,16 @@ WholeInflater::~WholeInflater()
 
 void WholeInflater::read(const ZipArchive& archive, const ZipEntry& entry, unsigned char* content)
 {
-    if (mCompressed.size() < entry.compressedSize)
-        mCompressed = std::vector<char>(entry.compressedSize);
-    archive.readAt(entry.dataOffset, mCompressed.data(), entry.compressedSize);
+    if (mRoom < entry.compressedSize) {
+        mRoom = 0;
+        mCompressed.reset(new char[entry.compressedSize]); // left as it comes: the file overwrites it
+        mRoom = entry.compressedSize;
+        askForLargePages(mCompressed.get(), mRoom);
+    }
+    archive.readAt(entry.dataOffset, mCompressed.get(), entry.compressedSize);
     std::size_t used = 0;
     const libdeflate_result result = libdeflate_deflate_decompress_ex(
-        mDecompressor, mCompressed.data(), entry.compressedSize, content, entry.size, &used, nullptr);
+        mDecompressor, mCompressed.get(), entry.compressedSize, content, entry.size, &used, nullptr);
     if (result != LIBDEFLATE_SUCCESS)
         archive.fail(entry, result == LIBDEFLATE_INSUFFICIENT_SPACE ? "its stream is too long"
                                                                     : "its stream is broken");
@@ -61,9 +68,17 @@ void WholeInflater::read(const ZipArchive& archive, const ZipEntry& entry, unsig
         archive.fail(entry, "its checksum is wrong");
 }
 
+std::uint64_t sizeOfContent(const ZipArchive& archive)
+{
+    std::uint64_t total = 0;
+    for (const ZipEntry& entry : archive.entries())
+        total += std::min(entry.size, UINT64_MAX - total);
+    return total;
+}
+
 std::vector<unsigned char> readWholeMember(const ZipArchive& archive, const ZipEntry& entry)
 {
-    if (isReadable(entry) && std::max(entry.size, entry.compressedSize) > onePieceLimit)
+    if (isReadable(entry) && std::max(entry.size, entry.compressedSize) > kOnePieceLimit)
         throw std::bad_alloc();
     if (isReadable(entry) && entry.method == kMethodDeflated) {
         std::vector<unsigned char> content = makeRoom(entry.size);

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <memory>
 #include <vector>
@@ -9,14 +8,17 @@
 
 namespace ZipUtils {
 
-/// The most that is delivered in one piece, in bytes: 512 MiB. Tests lower it to provoke the way in chunks.
-extern std::atomic<std::uint64_t> onePieceLimit;
+/// The most that is delivered in one piece, in bytes.
+constexpr std::uint64_t kOnePieceLimit = 512U << 20U;
 
 /// Whether the content can be had at all, and so its checksum: neither encrypted nor of a foreign method.
 bool isReadable(const ZipEntry& entry);
 
+/// Bytes of content in all members; the largest number when there are more.
+std::uint64_t sizeOfContent(const ZipArchive& archive);
+
 /// The whole content of a member, its checksum verified.
-/// @throws std::bad_alloc over `onePieceLimit` or when memory is short; std::runtime_error for what is not
+/// @throws std::bad_alloc over 512 MiB or when memory is short; std::runtime_error for what is not
 /// sound
 std::vector<unsigned char> readWholeMember(const ZipArchive& archive, const ZipEntry& entry);
 

@@ -18,10 +18,9 @@ constexpr std::uint64_t kWriteBackStep = 32U << 20U;
 
 } // namespace
 
-ZipOutput::ZipOutput(const fileString& target, std::chrono::milliseconds wait)
-    : mTarget(target),
-      mFile(host::ReplacementFile::open(target.toNativeString(), host::ReplacementFile::Mode::Locked, 0666,
-                                        wait))
+ZipOutput::ZipOutput(const fileString& target, ZipPatience& patience, ZipMeter& meter,
+                     host::ReplacementFile::Mode mode)
+    : mTarget(target), mMeter(meter), mFile(patience.open(target, mode))
 {
     if (!mFile)
         fail();
@@ -72,7 +71,7 @@ std::uint64_t ZipOutput::copyInKernel(int file, std::uint64_t offset, std::uint6
     while (copied < size) {
         auto from = static_cast<off64_t>(offset + copied);
         auto to = static_cast<off64_t>(mPosition);
-        const std::uint64_t piece = std::min(size - copied, kWriteBackStep);
+        const std::uint64_t piece = std::min(size - copied, kPortion);
         const ssize_t got = copy_file_range(file, &from, mFile->descriptor(), &to, piece, 0);
         if (got < 0 && errno == EINTR)
             continue;
@@ -120,6 +119,7 @@ void ZipOutput::write(const char* bytes, std::size_t size)
 void ZipOutput::advance(std::uint64_t written)
 {
     mPosition += written;
+    mMeter.addWork(written);
     if (!mReplaces || mPosition - mWrittenBack < kWriteBackStep)
         return;
     sync_file_range(mFile->descriptor(), static_cast<off64_t>(mWrittenBack),

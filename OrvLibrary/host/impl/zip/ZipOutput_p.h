@@ -7,6 +7,8 @@
 
 #include "OrvLibrary/host/fileString.h"
 #include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
+#include "OrvLibrary/host/impl/zip/ZipMeter_p.h"
+#include "OrvLibrary/host/impl/zip/ZipPatience_p.h"
 
 namespace ZipUtils {
 
@@ -17,15 +19,18 @@ class ZipOutput
 {
 public:
     /// @param target need not exist; when it does, its permissions are taken over
-    /// @param wait how long another writer is waited for
-    /// @throws std::runtime_error with the path and the system's text
-    ZipOutput(const fileString& target, std::chrono::milliseconds wait);
+    /// @param patience how long another writer is waited for
+    /// @throws std::runtime_error with the path and the system's text; Cancelled
+    ZipOutput(const fileString& target, ZipPatience& patience, ZipMeter& meter,
+              host::ReplacementFile::Mode mode = host::ReplacementFile::Mode::Locked);
 
     /// Where the next byte goes.
     std::uint64_t position() const { return mPosition + mPending.size(); }
     void append(std::string_view bytes);
-    /// Appends bytes of another file, without reading them into this process where the system can.
+    /// Appends bytes of another file, without reading them into this process where the system can. The meter
+    /// is told of every 8 MB.
     /// @param source for the reason when reading fails
+    /// @throws std::runtime_error, Cancelled
     void appendRange(int file, std::uint64_t offset, std::uint64_t size, const fileString& source);
     /// Everything appended is in the file afterwards.
     void flush();
@@ -42,6 +47,7 @@ private:
     [[noreturn]] void fail() const;
 
     fileString mTarget;
+    ZipMeter& mMeter;
     std::unique_ptr<host::ReplacementFile> mFile;
     bool mReplaces = false;         ///< the target exists
     std::uint64_t mPosition = 0;    ///< bytes in the file

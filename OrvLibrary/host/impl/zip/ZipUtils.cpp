@@ -4,8 +4,8 @@
 #include <cstring>
 #include <filesystem>
 #include <stdexcept>
+#include <utility>
 
-#include "OrvLibrary/host/impl/zip/ZipBatch_p.h"
 #include "OrvLibrary/host/impl/zip/ZipMember_p.h"
 #include "OrvLibrary/host/impl/zip/ZipWalk_p.h"
 
@@ -30,28 +30,51 @@ OpenMember memberOf(std::shared_ptr<const ZipArchive> archive, const std::string
     return {std::move(archive), entry};
 }
 
-/// Opens the member that an address names. The delimiter may occur in paths and names as well: the archive of
-/// a walk on this thread comes first, then the first occurrence with a regular file on its left.
-OpenMember openMember(const std::string& address)
+/// The archive of a walk on this thread comes first, so that what is read inside a walk belongs to it.
+const ArchiveHandle* walkOf(const std::string& address)
 {
-    const auto startOf = [](const ArchiveHandle& walk) {
-        return walk.archive()->path().toNativeString() + kDelimiter;
-    };
-    const ArchiveHandle* walk = ArchiveHandle::findActive([&](const ArchiveHandle& candidate) {
-        const std::string start = startOf(candidate);
+    return ArchiveHandle::findActive([&](const ArchiveHandle& walk) {
+        const std::string start = walk.archive()->path().toNativeString() + kDelimiter;
         return address.compare(0, start.size(), start) == 0;
     });
-    if (walk)
-        return memberOf(walk->archive(), address.substr(startOf(*walk).size()));
+}
+
+/// Opens the member that an address names. The delimiter may occur in the archive's path and in the member's
+/// name as well: it counts where a file is on its left that is an archive and holds the member.
+OpenMember openMember(const std::string& address)
+{
+    const auto nameFrom = [&](std::size_t at) { return address.substr(at + std::strlen(kDelimiter)); };
+    if (const ArchiveHandle* walk = walkOf(address))
+        return memberOf(walk->archive(), nameFrom(walk->archive()->path().toNativeString().size()));
+    std::string reason = address + ": no such archive";
+    bool hasReason = false;
     for (std::size_t at = address.find(kDelimiter); at != std::string::npos;
          at = address.find(kDelimiter, at + 1)) {
         std::error_code error;
         const std::string path = address.substr(0, at);
-        if (std::filesystem::is_regular_file(path, error))
-            return memberOf(std::make_shared<ZipArchive>(fileString(path)),
-                            address.substr(at + std::strlen(kDelimiter)));
+        if (!std::filesystem::is_regular_file(path, error))
+            continue;
+        try {
+            return memberOf(std::make_shared<ZipArchive>(fileString(path)), nameFrom(at));
+        } catch (const std::runtime_error& failure) {
+            if (!std::exchange(hasReason, true))
+                reason = failure.what();
+        }
     }
-    throw std::runtime_error(address + ": no such archive");
+    throw std::runtime_error(reason);
+}
+
+bool isWritableArchive(const fileString& path)
+{
+    const std::optional<struct stat> status = host::fileStatus(path.toNativeString());
+    if (!status || !host::mayWrite(path.toNativeString(), *status))
+        return false;
+    try {
+        const ZipArchive opened(path);
+        return true;
+    } catch (const std::runtime_error&) {
+        return false;
+    }
 }
 
 } // namespace
@@ -68,26 +91,24 @@ fileString getDelimiter()
 
 std::uint64_t getSizeOfArchive(const fileString& archive)
 {
-    const std::shared_ptr<const ZipArchive> opened = openArchive(archive);
-    std::uint64_t total = 0;
-    for (const ZipEntry& entry : opened->entries())
-        total += std::min(entry.size, UINT64_MAX - total);
-    return total;
+    return sizeOfContent(ZipArchive(archive));
 }
 
 std::vector<fileString> getFilenamesInArchive(const fileString& archive)
 {
-    const std::shared_ptr<const ZipArchive> opened = openArchive(archive);
+    const ZipArchive opened(archive);
     std::vector<fileString> names;
-    names.reserve(opened->entries().size());
-    for (const ZipEntry& entry : opened->entries())
+    names.reserve(opened.entries().size());
+    for (const ZipEntry& entry : opened.entries())
         names.emplace_back(std::string(entry.name));
     return names;
 }
 
 void getFilesDataInArchive(const fileString& archive, const MemberCallback& callback)
 {
-    ArchiveHandle(archive).walk(callback);
+    ZipBatch batch(nullptr);
+    ArchiveHandle(archive, batch).walk(callback);
+    batch.complete();
 }
 
 bool writeFileToArchiveRaw(const fileString& target, const fileString& member, ArchiveHandle& handle,
@@ -96,19 +117,68 @@ bool writeFileToArchiveRaw(const fileString& target, const fileString& member, A
     return handle.writeRaw(target, member, create, rawInfo);
 }
 
+bool extractFileFromArchive(const fileString& target, ArchiveHandle& handle, const RawDataInfo& rawInfo)
+{
+    return handle.extract(target, rawInfo);
+}
+
+void leaveOutMember(ArchiveHandle& handle, const RawDataInfo& rawInfo)
+{
+    handle.leaveOut(rawInfo);
+}
+
 bool canAddToArchive(const fileString& archive)
 {
-    if (currentBatch() && currentBatch()->has(archive))
+    const ArchiveHandle* innermost = ArchiveHandle::findActive([](const ArchiveHandle&) { return true; });
+    return innermost ? canAddToArchive(archive, *innermost) : isWritableArchive(archive);
+}
+
+bool canAddToArchive(const fileString& archive, const ArchiveHandle& handle)
+{
+    if (handle.batch().has(archive))
         return true;
-    if (ArchiveHandle::findActive([&](const ArchiveHandle& walk) { return walk.hasTarget(archive); }))
-        return true;
-    try {
-        const ZipArchive opened(archive);
-        const std::optional<struct stat> status = host::fileStatus(archive.toNativeString());
-        return status && host::mayWrite(archive.toNativeString(), *status);
-    } catch (const std::runtime_error&) {
-        return false;
+    return !handle.batch().isRefused(archive) && isWritableArchive(archive);
+}
+
+bool isRefused(const fileString& target, const ArchiveHandle& handle)
+{
+    return handle.batch().isRefused(target);
+}
+
+class Q_DECL_HIDDEN ArchiveBatch::Private
+{
+public:
+    explicit Private(std::shared_ptr<ProgressSubject> subject) : progress(subject), batch(std::move(subject))
+    {
     }
+
+    std::shared_ptr<ProgressSubject> progress; ///< may be null
+    ZipBatch batch;
+};
+
+ArchiveBatch::ArchiveBatch(std::shared_ptr<ProgressSubject> progress)
+    : mPrivate(std::make_unique<Private>(std::move(progress)))
+{
+}
+
+ArchiveBatch::~ArchiveBatch() = default;
+
+void ArchiveBatch::begin(const fileString& archive)
+{
+    mPrivate->batch.beginEmpty(archive);
+}
+
+void ArchiveBatch::walk(const fileString& archive, const MemberCallback& callback)
+{
+    ArchiveHandle handle(archive, mPrivate->batch);
+    if (mPrivate->progress)
+        mPrivate->progress->createSubProgress(sizeOfContent(*handle.archive()));
+    handle.walk(callback);
+}
+
+void ArchiveBatch::complete()
+{
+    mPrivate->batch.complete();
 }
 
 void writeFileDataFromArchive(const fileString& memberAddress, const DataCallback& callback)

@@ -1,85 +1,69 @@
+// How members are verified: the walk gathers them into portions of about a megabyte of content and puts these
+// into a queue. Threads take portions from it, one more thread for each 4 MB that came in, as far as there
+// are processors. The walk's own thread takes one when more than 32 MB wait, and all that are left at the
+// end. The first failure stops everybody; the walk's thread throws it.
 #include "OrvLibrary/host/impl/zip/ZipVerification_p.h"
 
 #include <algorithm>
 #include <system_error>
 
 #include "OrvLibrary/host/impl/zip/ZipMember_p.h"
-#include "OrvLibrary/host/impl/zip/ZipWholeInflater_p.h"
+#include "OrvLibrary/host/impl/zip/ZipVerifier_p.h"
 
 namespace ZipUtils {
 
 namespace {
 
-/// How much content the threads take at a time.
-constexpr std::uint64_t kPortion = 1U << 20U;
-
-/// Verifies members one after the other, in memory that does not grow with their sizes.
-class Verifier
+/// Thrown in a thread that shall end.
+struct Stopped
 {
-public:
-    explicit Verifier(const ZipArchive& archive) : mArchive(archive) {}
-
-    void verify(const ZipEntry& entry)
-    {
-        constexpr std::uint64_t kWholeUpTo = 8U << 20U;
-        const bool isSmall = entry.size <= kWholeUpTo && entry.compressedSize <= kWholeUpTo;
-        if (entry.method != kMethodDeflated || !isSmall) {
-            verifyInPieces(entry);
-            return;
-        }
-        if (mContent.size() < entry.size)
-            mContent.resize(entry.size);
-        mInflater.read(mArchive, entry, mContent.data());
-    }
-
-private:
-    void verifyInPieces(const ZipEntry& entry)
-    {
-        constexpr std::size_t kPiece = 1U << 20U;
-        mContent.resize(std::max(mContent.size(), kPiece));
-        ZipMemberStream stream(mArchive, entry);
-        while (stream.remaining() > 0)
-            stream.read(mContent.data(), std::min<std::uint64_t>(stream.remaining(), kPiece));
-    }
-
-    const ZipArchive& mArchive;
-    WholeInflater mInflater;
-    std::vector<unsigned char> mContent;
 };
 
 } // namespace
 
-ZipVerification::ZipVerification(std::shared_ptr<const ZipArchive> archive) : mArchive(std::move(archive)) {}
+ZipVerification::ZipVerification(ZipMeter& meter) : mMeter(meter) {}
 
 ZipVerification::~ZipVerification()
 {
     stop();
 }
 
-void ZipVerification::add(std::size_t index)
+void ZipVerification::add(const std::shared_ptr<const ZipArchive>& archive, std::size_t index)
 {
-    const ZipEntry& entry = mArchive->entries()[index];
-    if (!isReadable(entry))
+    constexpr std::uint64_t kPortionSize = 1U << 20U;
+    constexpr std::uint64_t kMostWaiting = 32U << 20U;
+    const ZipEntry& entry = archive->entries()[index];
+    if (!isReadable(entry)) {
+        mMeter.addContent(entry.size);
         return;
-    mGathered.push_back(index);
-    mGatheredBytes += entry.size;
-    if (mGatheredBytes >= kPortion)
+    }
+    if (mGathered.archive != archive)
         handOver();
+    mGathered.archive = archive;
+    mGathered.members.push_back(index);
+    mGatheredBytes += entry.size;
+    mAdded += entry.size;
+    if (mGatheredBytes >= kPortionSize)
+        handOver();
+    while (waiting() > kMostWaiting && !isIdle())
+        help();
+    tell();
 }
 
 /// Member by member, the threads would spend their time with waking each other.
 void ZipVerification::handOver()
 {
     constexpr std::uint64_t kWorthAThread = 4U << 20U;
+    if (mGathered.members.empty())
+        return;
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         mPortions.push_back(std::move(mGathered));
     }
     mChanged.notify_one();
-    mGathered.clear();
-    mBytes += mGatheredBytes;
+    mGathered = {};
     mGatheredBytes = 0;
-    if (mBytes > kWorthAThread * (mThreads.size() + 1))
+    if (mAdded > kWorthAThread * (mThreads.size() + 1))
         startThread();
 }
 
@@ -92,20 +76,57 @@ void ZipVerification::startThread()
     try {
         mThreads.emplace_back([this] { work(); });
     } catch (const std::system_error&) {
-        // No thread to be had: those that run, and `finish`, do it.
+        // No thread to be had: those that run, and the walk's own, do it.
     }
+}
+
+void ZipVerification::tell()
+{
+    const std::uint64_t done = mDone;
+    mMeter.addContent(done - mTold);
+    mTold = done;
 }
 
 void ZipVerification::finish()
 {
     handOver();
-    {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        mIsComplete = true;
+    while (!isIdle())
+        help();
+    tell();
+}
+
+/// Verifies a portion, or waits a moment for the threads that have the last ones.
+void ZipVerification::help()
+{
+    constexpr std::chrono::milliseconds kMoment(20);
+    Portion portion;
+    if (!mOwnVerifier) {
+        mOwnVerifier = std::make_unique<ZipVerifier>([this](std::uint64_t bytes) {
+            mDone += bytes;
+            tell();
+        });
     }
-    mChanged.notify_all();
-    work();
-    stop();
+    if (takeNext(portion, false)) {
+        verify(*mOwnVerifier, portion);
+    } else {
+        std::unique_lock<std::mutex> lock(mMutex);
+        mChanged.wait_for(lock, kMoment, [this] { return mTaken == 0 || mFailure; });
+        lock.unlock();
+        mMeter.waited(kMoment);
+    }
+    tell();
+    throwFailure();
+}
+
+bool ZipVerification::isIdle()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mPortions.empty() && mTaken == 0 && !mFailure;
+}
+
+void ZipVerification::throwFailure()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
     if (mFailure)
         std::rethrow_exception(mFailure);
 }
@@ -113,35 +134,61 @@ void ZipVerification::finish()
 void ZipVerification::work() noexcept
 {
     try {
-        Verifier verifier(*mArchive);
-        std::vector<std::size_t> portion;
-        while (takeNext(portion)) {
-            for (const std::size_t index : portion)
-                verifier.verify(mArchive->entries()[index]);
-        }
+        ZipVerifier verifier([this](std::uint64_t bytes) {
+            mDone += bytes;
+            if (mIsStopped)
+                throw Stopped();
+        });
+        Portion portion;
+        while (takeNext(portion, true))
+            verify(verifier, portion);
     } catch (...) {
-        const std::lock_guard<std::mutex> lock(mMutex);
-        mFailure = std::current_exception();
+        // Another thread, or the walk's own, does what this one could not begin.
     }
 }
 
-/// @return false when there will be no more, or it does not matter any more
-bool ZipVerification::takeNext(std::vector<std::size_t>& portion)
+/// @return false when there is nothing to take
+bool ZipVerification::takeNext(Portion& portion, bool mayWait)
 {
     std::unique_lock<std::mutex> lock(mMutex);
-    mChanged.wait(lock, [this] { return mIsComplete || mFailure || !mPortions.empty(); });
-    if (mFailure || mPortions.empty())
+    if (mayWait)
+        mChanged.wait(lock, [this] { return mIsStopped || mFailure || !mPortions.empty(); });
+    if (mIsStopped || mFailure || mPortions.empty())
         return false;
     portion = std::move(mPortions.front());
     mPortions.pop_front();
+    ++mTaken;
     return true;
+}
+
+void ZipVerification::verify(ZipVerifier& verifier, const Portion& portion)
+{
+    try {
+        for (const std::size_t index : portion.members)
+            verifier.verify(*portion.archive, portion.archive->entries()[index]);
+        endPortion(nullptr);
+    } catch (...) {
+        endPortion(std::current_exception());
+        throw;
+    }
+}
+
+void ZipVerification::endPortion(std::exception_ptr failure)
+{
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        --mTaken;
+        if (failure && !mFailure)
+            mFailure = std::move(failure);
+    }
+    mChanged.notify_all();
 }
 
 void ZipVerification::stop()
 {
     {
         const std::lock_guard<std::mutex> lock(mMutex);
-        mIsComplete = true;
+        mIsStopped = true;
         mPortions.clear();
     }
     mChanged.notify_all();

@@ -1,14 +1,11 @@
 #include "OrvLibrary/host/impl/zip/ZipWalk_p.h"
 
-#include "OrvLibrary/host/impl/zip/ZipBatch_p.h"
-
 namespace ZipUtils {
 
-ArchiveHandle::ArchiveHandle(const fileString& archive)
-    : mArchive(openArchive(archive)),
-      mVerified(mArchive->entries().size(), 0),
-      mTargets(currentBatch() ? *currentBatch() : mOwnTargets),
-      mVerification(mTargets.verificationOf(mArchive))
+ArchiveHandle::ArchiveHandle(const fileString& archive, ZipBatch& batch)
+    : mArchive(std::make_shared<ZipArchive>(archive)),
+      mStates(mArchive->entries().size(), State::Open),
+      mBatch(batch)
 {
     active().push_back(this);
 }
@@ -28,33 +25,40 @@ void ArchiveHandle::noteVerified(const ZipArchive& archive, const ZipEntry& entr
 {
     ArchiveHandle* walk =
         findActive([&](const ArchiveHandle& candidate) { return candidate.mArchive.get() == &archive; });
-    if (walk)
-        walk->mVerified[static_cast<std::size_t>(&entry - archive.entries().data())] = 1;
+    if (walk && walk->mStates[archive.indexOf(entry)] == State::Open)
+        walk->mStates[archive.indexOf(entry)] = State::Known;
 }
 
 void ArchiveHandle::walk(const MemberCallback& callback)
 {
     try {
         handOut(callback);
+        mBatch.finishWalk();
     } catch (...) {
-        mTargets.giveUp();
+        mBatch.giveUp();
         throw;
     }
-    if (&mTargets == &mOwnTargets)
-        mTargets.complete();
 }
 
-/// What was handed out is sound to its last byte before anything that came of it takes its place. It is
-/// verified after the callback, which itself reads, and so verifies, the largest member.
+/// What was handed out is sound to its last byte before anything that came of it takes its place.
 void ArchiveHandle::handOut(const MemberCallback& callback)
 {
     bool goesOn = true;
     for (std::size_t i = 0; goesOn && i < mArchive->entries().size(); ++i) {
         const fileString name(std::string(mArchive->entries()[i].name));
         goesOn = callback(name, *this, RawDataInfo(i));
-        if (mVerified[i] == 0)
-            mVerification.add(i);
+        if (mStates[i] == State::Known)
+            mBatch.meter().addContent(mArchive->entries()[i].size);
+        verify(i);
     }
+}
+
+void ArchiveHandle::verify(std::size_t index)
+{
+    if (mStates[index] != State::Open)
+        return;
+    mStates[index] = State::Queued;
+    mBatch.verification().add(mArchive, index);
 }
 
 bool ArchiveHandle::writeRaw(const fileString& target, const fileString& member, bool create,
@@ -67,8 +71,25 @@ bool ArchiveHandle::writeRaw(const fileString& target, const fileString& member,
     // cannot keep.
     if (entry.isEncrypted() && entry.hasDescriptor)
         return false;
-    ZipTarget* begun = mTargets.find(target, create);
-    return begun != nullptr && begun->add(member.toNativeString(), *mArchive, entry);
+    ZipTarget* begun = mBatch.find(target, create);
+    if (!begun)
+        return false;
+    verify(info.index()); // by other threads, while this one copies
+    return begun->add(member.toNativeString(), mArchive, entry);
+}
+
+bool ArchiveHandle::extract(const fileString& target, const RawDataInfo& info)
+{
+    if (!mBatch.extract(target, mArchive, mArchive->entries().at(info.index())))
+        return false;
+    mStates[info.index()] = State::Queued;
+    return true;
+}
+
+void ArchiveHandle::leaveOut(const RawDataInfo& info)
+{
+    if (mStates.at(info.index()) == State::Open)
+        mStates[info.index()] = State::Known;
 }
 
 } // namespace ZipUtils

@@ -5,8 +5,7 @@
 
 #include "OrvLibrary/host/ZipUtils.h"
 #include "OrvLibrary/host/impl/zip/ZipArchive_p.h"
-#include "OrvLibrary/host/impl/zip/ZipTargets_p.h"
-#include "OrvLibrary/host/impl/zip/ZipVerification_p.h"
+#include "OrvLibrary/host/impl/zip/ZipBatch_p.h"
 
 namespace ZipUtils {
 
@@ -21,24 +20,34 @@ private:
     std::size_t mIndex;
 };
 
-/// One walk: the archive, which of its members still have to be verified, and the archives that the callback
-/// writes to. The thread knows its walks while they last, the innermost last.
+/// One walk: the archive, which of its members are still to be verified, and the batch that it writes to.
+///
+/// A thread knows the walks that it is inside of, because a member may be read by its address, and an archive
+/// be asked about by its path, without a word about the walk. The list holds nothing else.
 class ArchiveHandle
 {
 public:
+    /// @param batch outlives the walk
     /// @throws std::runtime_error for an unsound archive
-    explicit ArchiveHandle(const fileString& archive);
+    ArchiveHandle(const fileString& archive, ZipBatch& batch);
     ~ArchiveHandle();
     ArchiveHandle(const ArchiveHandle&) = delete;
     ArchiveHandle& operator=(const ArchiveHandle&) = delete;
 
+    /// Hands every member to the callback until it returns false. What was handed out is verified when the
+    /// function returns.
+    /// @throws std::runtime_error, Cancelled, and what the callback throws; the batch is given up then
     void walk(const MemberCallback& callback);
+    /// As `writeFileToArchiveRaw`.
     bool writeRaw(const fileString& target, const fileString& member, bool create, const RawDataInfo& info);
+    /// As `extractFileFromArchive`.
+    bool extract(const fileString& target, const RawDataInfo& info);
+    /// As `leaveOutMember`.
+    void leaveOut(const RawDataInfo& info);
 
     /// What reads on after the walk keeps it.
     const std::shared_ptr<const ZipArchive>& archive() const { return mArchive; }
-    /// Whether this walk, or the batch that it belongs to, began the target.
-    bool hasTarget(const fileString& target) const { return mTargets.has(target); }
+    const ZipBatch& batch() const { return mBatch; }
 
     /// Tells the walk of this archive, if there is one, that a member was read to its end and found sound.
     static void noteVerified(const ZipArchive& archive, const ZipEntry& entry);
@@ -55,15 +64,22 @@ public:
     }
 
 private:
+    /// What became of a member.
+    enum class State : char
+    {
+        Open,   ///< nobody looked at its content
+        Known,  ///< read and sound, or not wanted
+        Queued, ///< somebody verifies it, and tells its size
+    };
+
     static std::vector<ArchiveHandle*>& active();
 
     void handOut(const MemberCallback& callback);
+    void verify(std::size_t index);
 
     std::shared_ptr<const ZipArchive> mArchive;
-    std::vector<char> mVerified; ///< by place in the directory: read to its end
-    ZipTargets mOwnTargets;
-    ZipTargets& mTargets; ///< its own, or those of the batch
-    ZipVerification& mVerification;
+    std::vector<State> mStates; ///< by place in the directory
+    ZipBatch& mBatch;
 };
 
 } // namespace ZipUtils

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <vector>
+#include <memory>
 
 #include "OrvLibrary/host/impl/zip/ZipArchive_p.h"
 
@@ -24,7 +24,8 @@ public:
 
 private:
     libdeflate_decompressor* mDecompressor;
-    std::vector<char> mCompressed;
+    std::unique_ptr<char[]> mCompressed;
+    std::uint64_t mRoom = 0; ///< bytes of it
 };
 
 } // namespace ZipUtils

@@ -2,7 +2,7 @@
 #include <algorithm>
 #include <numeric>
 
-#include "OrvLibrary/host/impl/zip/ZipArchive_p.h"
+#include "OrvLibrary/host/impl/zip/ZipDirectoryReader_p.h"
 
 namespace ZipUtils {
 
@@ -19,39 +19,48 @@ bool sameFields(const ZipEntry& entry, const char* header)
 
 } // namespace
 
-void ZipArchive::checkLocalHeader(ZipEntry& entry) const
+void ZipDirectoryReader::checkLocalHeaders()
+{
+    std::vector<bool> isRejected;
+    for (ZipEntry& entry : mDirectory->entries)
+        isRejected.push_back(!passes(entry, [&] { checkLocalHeader(entry); }));
+    dropRejected(isRejected);
+}
+
+void ZipDirectoryReader::checkLocalHeader(ZipEntry& entry) const
 {
     entry.headerOffset += mBase;
     constexpr std::size_t kReadAhead = 128; // most extra blocks come with the header
-    const std::uint64_t room = mDirectoryStart - entry.headerOffset;
+    const std::uint64_t room = mDirectory->start - entry.headerOffset;
     const std::size_t fixed = kLocalHeaderSize + entry.name.size();
     if (room < fixed)
-        fail(entry, "lies outside the archive");
+        mArchive.fail(entry, "lies outside the archive");
     std::string header(std::min<std::uint64_t>(room, fixed + kReadAhead), '\0');
-    readAt(entry.headerOffset, header.data(), header.size());
+    mArchive.readAt(entry.headerOffset, header.data(), header.size());
     if (get32(header.data()) != kLocalHeaderSignature)
-        fail(entry, "has no local header");
+        mArchive.fail(entry, "has no local header");
 
     const std::uint16_t flags = get16(header.data() + 6);
     const std::size_t extraSize = get16(header.data() + 28);
     const std::string_view name(header.data() + kLocalHeaderSize, entry.name.size());
     if (get16(header.data() + 26) != entry.name.size() || name != entry.name ||
         get16(header.data() + 8) != entry.method || ((flags ^ entry.flags) & kFlagEncrypted) != 0)
-        fail(entry, "differs between local header and directory");
+        mArchive.fail(entry, "differs between local header and directory");
     if (extraSize > room - fixed || entry.compressedSize > room - fixed - extraSize)
-        fail(entry, "lies outside the archive");
+        mArchive.fail(entry, "lies outside the archive");
     entry.dataOffset = entry.headerOffset + fixed + extraSize;
     entry.hasDescriptor = ((flags | entry.flags) & kFlagDescriptor) != 0;
 
     const bool whole = fixed + extraSize <= header.size();
-    const std::string extra = whole ? header.substr(fixed, extraSize) : localExtra(entry);
+    const std::string extra = whole ? header.substr(fixed, extraSize) : mArchive.localExtra(entry);
     if (!entry.hasDescriptor)
         checkLocalSizes(entry, header.data(), extra);
     entry.headerAgrees = !entry.hasDescriptor && sameFields(entry, header.data()) &&
                          findExtraField(extra, kExtraZip64).data() == nullptr;
 }
 
-void ZipArchive::checkLocalSizes(const ZipEntry& entry, const char* header, std::string_view extra) const
+void ZipDirectoryReader::checkLocalSizes(const ZipEntry& entry, const char* header,
+                                         std::string_view extra) const
 {
     std::uint64_t compressedSize = get32(header + 18);
     std::uint64_t size = get32(header + 22);
@@ -63,21 +72,38 @@ void ZipArchive::checkLocalSizes(const ZipEntry& entry, const char* header, std:
         }
     }
     if (get32(header + 14) != entry.checksum || compressedSize != entry.compressedSize || size != entry.size)
-        fail(entry, "differs between local header and directory");
+        mArchive.fail(entry, "differs between local header and directory");
 }
 
-void ZipArchive::checkOverlaps() const
+/// Of two members that share bytes, the later one in the file is at fault.
+void ZipDirectoryReader::checkOverlaps()
 {
-    const auto earlier = [this](std::size_t a, std::size_t b) {
-        return mEntries[a].headerOffset < mEntries[b].headerOffset;
+    std::vector<ZipEntry>& entries = mDirectory->entries;
+    const auto earlier = [&](std::size_t a, std::size_t b) {
+        return entries[a].headerOffset < entries[b].headerOffset;
     };
-    std::vector<std::size_t> order(mEntries.size());
+    std::vector<std::size_t> order(entries.size());
     std::iota(order.begin(), order.end(), 0U);
     std::sort(order.begin(), order.end(), earlier);
-    for (std::size_t i = 1; i < order.size(); ++i) {
-        if (mEntries[order[i - 1]].dataEnd() > mEntries[order[i]].headerOffset)
-            fail(mEntries[order[i]], "overlaps another member");
+    std::vector<bool> isRejected(entries.size(), false);
+    std::uint64_t end = 0;
+    for (const std::size_t i : order) {
+        isRejected[i] = !passes(entries[i], [&] {
+            if (end > entries[i].headerOffset)
+                mArchive.fail(entries[i], "overlaps another member");
+        });
+        if (!isRejected[i])
+            end = entries[i].dataEnd();
     }
+    dropRejected(isRejected);
+}
+
+void ZipDirectoryReader::dropRejected(const std::vector<bool>& isRejected)
+{
+    std::size_t i = 0;
+    const auto rejected = [&](const ZipEntry&) { return isRejected[i++]; };
+    std::vector<ZipEntry>& entries = mDirectory->entries;
+    entries.erase(std::remove_if(entries.begin(), entries.end(), rejected), entries.end());
 }
 
 } // namespace ZipUtils

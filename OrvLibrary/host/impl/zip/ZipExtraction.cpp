@@ -1,0 +1,259 @@
+// How a member becomes a file: the file is written beside its target by a ReplacementFile. A small member is
+// inflated into memory and written by the walk's own thread. A large one gets a thread. It is inflated into
+// the file's own pages, for which room on the disk is taken first, so that no write can fail later; where the
+// file system cannot do that, or the member is very large, it goes through a buffer of a megabyte. The walk's
+// thread asks for the progress, and hands the pages to the disk at the end, 8 MB at a time.
+#include "OrvLibrary/host/impl/zip/ZipExtraction_p.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <ios>
+#include <new>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include "OrvLibrary/host/impl/zip/ZipMember_p.h"
+#include "OrvLibrary/host/impl/zip/ZipWholeInflater_p.h"
+
+namespace ZipUtils {
+
+namespace {
+
+/// Thrown in a thread that shall end.
+struct Stopped
+{
+};
+
+[[noreturn]] void failWith(const fileString& target, int reason)
+{
+    const std::error_code code(reason, std::generic_category());
+    throw std::ios_base::failure(target.toNativeString(), code);
+}
+
+/// Pages of a file, for which there is room on the disk.
+class MappedFile
+{
+public:
+    /// @throws std::ios_base::failure when the disk has no room
+    MappedFile(const fileString& target, int file, std::size_t size) : mSize(size)
+    {
+        if (fallocate(file, 0, 0, static_cast<off_t>(size)) != 0) {
+            if (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)
+                failWith(target, errno);
+            return;
+        }
+        void* pages = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
+        mPages = pages == MAP_FAILED ? nullptr : static_cast<unsigned char*>(pages);
+    }
+    ~MappedFile()
+    {
+        if (mPages)
+            munmap(mPages, mSize);
+    }
+    MappedFile(const MappedFile&) = delete;
+    MappedFile& operator=(const MappedFile&) = delete;
+
+    /// Null where the file system cannot do it.
+    unsigned char* pages() const { return mPages; }
+
+private:
+    std::size_t mSize;
+    unsigned char* mPages = nullptr;
+};
+
+} // namespace
+
+std::unique_ptr<ZipExtraction> ZipExtraction::begin(const fileString& target, ZipPatience& patience,
+                                                    ZipMeter& meter)
+{
+    std::unique_ptr<host::ReplacementFile> file = patience.open(target);
+    if (!file) {
+        const int reason = errno;
+        const std::optional<struct stat> existing = host::fileStatus(target.toNativeString());
+        const bool isHeld = reason == EWOULDBLOCK || reason == EACCES || reason == EPERM || reason == EROFS;
+        if (existing && S_ISREG(existing->st_mode) && isHeld)
+            return nullptr;
+        failWith(target, reason);
+    }
+    return std::unique_ptr<ZipExtraction>(new ZipExtraction(target, std::move(file), meter));
+}
+
+ZipExtraction::ZipExtraction(const fileString& target, std::unique_ptr<host::ReplacementFile> file,
+                             ZipMeter& meter)
+    : mTarget(target), mFile(std::move(file)), mMeter(meter)
+{
+}
+
+ZipExtraction::~ZipExtraction()
+{
+    mIsStopped = true;
+    join();
+}
+
+std::uint64_t ZipExtraction::size() const
+{
+    return mEntry ? mEntry->size : 0;
+}
+
+void ZipExtraction::extract(std::shared_ptr<const ZipArchive> source, const ZipEntry& entry)
+{
+    finish();
+    if (ftruncate(mFile->descriptor(), 0) != 0)
+        fail();
+    mSource = std::move(source);
+    mEntry = &entry;
+    mDone = 0;
+    mTold = 0;
+    if (entry.size > kPortion) {
+        mHasEnded = false;
+        try {
+            mThread = std::thread([this] { workOnThread(); });
+            return;
+        } catch (const std::system_error&) {
+            mHasEnded = true; // no thread to be had
+        }
+    }
+    work([this](std::uint64_t bytes) {
+        mDone += bytes;
+        tell();
+    });
+}
+
+void ZipExtraction::workOnThread() noexcept
+{
+    try {
+        work([this](std::uint64_t bytes) {
+            mDone += bytes;
+            if (mIsStopped)
+                throw Stopped();
+        });
+    } catch (...) {
+        mFailure = std::current_exception();
+    }
+    mHasEnded = true;
+}
+
+void ZipExtraction::work(const Piece& onPiece)
+{
+    constexpr std::uint64_t kWholeUpTo = 256U << 20U;
+    constexpr std::uint64_t kMostCompressed = 96U << 20U;
+    const bool isWhole = isReadable(*mEntry) && mEntry->method == kMethodDeflated &&
+                         mEntry->size <= kWholeUpTo && mEntry->compressedSize <= kMostCompressed;
+    try {
+        if (isWhole && mEntry->size <= kPortion) {
+            extractSmall(onPiece);
+            return;
+        }
+        if (isWhole && extractMapped(onPiece))
+            return;
+    } catch (const std::bad_alloc&) {
+        // There may be enough memory for the pieces.
+    }
+    extractInPieces(onPiece);
+}
+
+void ZipExtraction::extractSmall(const Piece& onPiece)
+{
+    std::vector<unsigned char> content(mEntry->size);
+    WholeInflater().read(*mSource, *mEntry, content.data());
+    write(content.data(), content.size(), 0);
+    onPiece(content.size());
+}
+
+/// @return false where the file cannot be mapped
+bool ZipExtraction::extractMapped(const Piece& onPiece)
+{
+    const MappedFile mapped(mTarget, mFile->descriptor(), mEntry->size);
+    if (!mapped.pages())
+        return false;
+    WholeInflater().read(*mSource, *mEntry, mapped.pages());
+    onPiece(mEntry->size);
+    return true;
+}
+
+void ZipExtraction::extractInPieces(const Piece& onPiece)
+{
+    constexpr std::size_t kPiece = 1U << 20U;
+    ZipMemberStream stream(*mSource, *mEntry);
+    std::vector<unsigned char> piece(std::min<std::uint64_t>(mEntry->size, kPiece));
+    while (stream.remaining() > 0) {
+        const std::uint64_t offset = mEntry->size - stream.remaining();
+        const std::uint64_t size = std::min<std::uint64_t>(stream.remaining(), piece.size());
+        stream.read(piece.data(), size);
+        write(piece.data(), size, offset);
+        onPiece(size);
+    }
+}
+
+void ZipExtraction::write(const unsigned char* bytes, std::size_t size, std::uint64_t offset)
+{
+    while (size > 0) {
+        const ssize_t put = pwrite(mFile->descriptor(), bytes, size, static_cast<off_t>(offset));
+        if (put < 0 && errno == EINTR)
+            continue;
+        if (put < 0)
+            fail();
+        bytes += put;
+        offset += static_cast<std::uint64_t>(put);
+        size -= static_cast<std::size_t>(put);
+    }
+}
+
+void ZipExtraction::tell()
+{
+    const std::uint64_t done = mDone;
+    mMeter.addContent(done - mTold);
+    mTold = done;
+}
+
+void ZipExtraction::finish()
+{
+    constexpr std::chrono::milliseconds kMoment(5);
+    while (!mHasEnded) {
+        std::this_thread::sleep_for(kMoment);
+        tell();
+        mMeter.waited(kMoment);
+    }
+    join();
+    tell();
+    if (mFailure)
+        std::rethrow_exception(mFailure);
+}
+
+void ZipExtraction::join()
+{
+    if (mThread.joinable())
+        mThread.join();
+}
+
+/// One sync of everything would not hear a cancel.
+void ZipExtraction::sync()
+{
+    constexpr unsigned kThrough =
+        SYNC_FILE_RANGE_WAIT_BEFORE | SYNC_FILE_RANGE_WRITE | SYNC_FILE_RANGE_WAIT_AFTER;
+    for (std::uint64_t offset = 0; offset < size(); offset += kPortion) {
+        const std::uint64_t bytes = std::min(size() - offset, kPortion);
+        const int result = sync_file_range(mFile->descriptor(), static_cast<off64_t>(offset),
+                                           static_cast<off64_t>(bytes), kThrough);
+        if (result != 0 && (errno == EIO || errno == ENOSPC))
+            fail();
+        mMeter.addWork(bytes);
+    }
+}
+
+void ZipExtraction::publish()
+{
+    if (!mFile->commit())
+        fail();
+}
+
+void ZipExtraction::fail() const
+{
+    failWith(mTarget, errno);
+}
+
+} // namespace ZipUtils

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+
+#include "OrvLibrary/host/impl/zip/ZipArchive_p.h"
+
+namespace ZipUtils {
+
+/// Looks for members in an archive whose directory is lost, by their local headers. What lies inside a member
+/// is not looked into, unless that member's header is lost too. The content is not verified. Used once, by
+/// one thread.
+class ZipMemberScan
+{
+public:
+    ZipMemberScan(const ZipArchive& archive, std::uint64_t fileSize);
+
+    /// @throws std::runtime_error when the file cannot be read
+    std::shared_ptr<const ZipDirectory> read();
+
+private:
+    std::optional<std::uint64_t> findHeader(std::uint64_t from) const;
+    std::optional<ZipEntry> readHeader(std::uint64_t offset, std::string& name) const;
+    bool readSizes(ZipEntry& entry, const char* header, std::string_view extra) const;
+    bool findEnd(ZipEntry& entry) const;
+
+    const ZipArchive& mArchive;
+    std::uint64_t mFileSize;
+};
+
+} // namespace ZipUtils
