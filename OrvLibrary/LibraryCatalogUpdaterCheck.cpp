@@ -8,14 +8,13 @@
 #include "OrvLibrary/catalog/CatalogSources_p.h"
 #include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/Curl.h"
+#include "OrvLibrary/host/StringTable.h"
 #include "OrvLibrary/host/StringUtils.h"
 
 namespace LibraryCatalogUpdate {
 
 namespace {
 
-constexpr int kTextChecking = 8727;
-constexpr int kTextKilobytes = 8745;
 constexpr std::int64_t kHttpForbidden = 403;
 constexpr std::int64_t kHttpNotFound = 404;
 constexpr std::uint64_t kBytesPerKilobyte = 1000;
@@ -49,7 +48,7 @@ std::vector<Curl::HeaderRequest> requestsFrom(CatalogMap::const_iterator first, 
 void LibraryCatalogUpdater::checkForUpdates()
 {
     mHostObject->setRangeInGauge(mCatalogs.size());
-    const std::string prefix = hostText(kTextChecking);
+    const std::string prefix = hostText(TextId::kCheckingForUpdates);
     bool isAnnounced = false;
     for (auto next = mCatalogs.begin(); next != mCatalogs.end(); ++next) {
         // Once the endpoint is known: asking for it here would log its failure once more.
@@ -109,7 +108,7 @@ void LibraryCatalogUpdater::updateTotalDownloadSize()
     if (kbytes_to_read == 0)
         return;
     mHostObject->setRangeInGauge(kbytes_to_read);
-    mHostObject->setUnits(hostText(kTextKilobytes));
+    mHostObject->setUnits(hostText(TextId::kKilobytes));
 }
 
 } // namespace LibraryCatalogUpdate

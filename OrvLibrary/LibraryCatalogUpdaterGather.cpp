@@ -14,14 +14,12 @@
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/PreferenceEngine.h"
+#include "OrvLibrary/host/StringTable.h"
 #include "OrvLibrary/host/StringUtils.h"
 
 namespace LibraryCatalogUpdate {
 
 namespace {
-
-constexpr int kTextGathering = 8717;
-constexpr int kTextGatheringCatalog = 8723;
 
 /// The files whose hash will be wanted, one of each name. What may lead out of its folder waits until it is
 /// looked at. None for lack of memory, since each is hashed in its turn at the latest.
@@ -72,10 +70,10 @@ void LibraryCatalogUpdater::gatherLibraryCatalogs(const std::set<fileString>& fi
 {
     if (isDownloadKilled() || files.empty())
         return;
-    mHostObject->setText(hostText(kTextGathering));
+    mHostObject->setText(hostText(TextId::kLookingForCatalogs));
     loadHashFile(category);
     mHostObject->setRangeInGauge(files.size());
-    const std::string prefix = hostText(kTextGatheringCatalog);
+    const std::string prefix = hostText(TextId::kFound);
     CatalogHashesAhead hashes(filesToHash(files, mCatalogs));
     for (const fileString& file : files) {
         if (isDownloadKilled())

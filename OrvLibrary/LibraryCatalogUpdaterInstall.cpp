@@ -21,13 +21,13 @@
 #include "OrvLibrary/host/FileSearch.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/StringTable.h"
 #include "OrvLibrary/host/StringUtils.h"
 
 namespace LibraryCatalogUpdate {
 
 namespace {
 
-constexpr int kTextDownloading = 8709;
 /// `FileUtils::removePath` also removes what is read-only.
 constexpr int kRemoveReadOnly = 1;
 
@@ -120,7 +120,7 @@ void LibraryCatalogUpdater::updateCatalogs()
     file_kbytes_read = 0;
     if (isDownloadKilled())
         return;
-    const std::string prefix = hostText(kTextDownloading);
+    const std::string prefix = hostText(TextId::kDownloading);
     Library::ErrorLog log;
     try {
         announce(downloadsOf(mCatalogs, mProduct, mVersion));

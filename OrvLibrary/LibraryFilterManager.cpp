@@ -4,13 +4,8 @@
 
 #include "OrvLibrary/LibraryFilterMerge_p.h"
 #include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/StringTable.h"
 #include "OrvLibrary/host/StringUtils.h"
-
-namespace {
-
-constexpr int kNoFilterLabel = 8930;
-
-} // namespace
 
 LibraryFilterManager& LibraryFilterManager::getLibraryFilterManager()
 {
@@ -113,12 +108,12 @@ std::string LibraryFilterManager::getCurrentFilterString() const
             return candidate.getFilterId() == mCurrentFilterId;
         });
     const bool isKnown = hasActiveFilter() && filter != mFilters.end();
-    return isKnown ? filter->getFilterName() : StringUtils::loadString(kNoFilterLabel);
+    return isKnown ? filter->getFilterName() : StringUtils::loadString(TextId::kNoFilter);
 }
 
 std::vector<std::string> LibraryFilterManager::getFilterStrings() const
 {
-    std::vector<std::string> strings{StringUtils::loadString(kNoFilterLabel)};
+    std::vector<std::string> strings{StringUtils::loadString(TextId::kNoFilter)};
     for (const LibraryFilter& filter : mFilters)
         strings.push_back(filter.getFilterName());
     return strings;

@@ -10,6 +10,7 @@
 #include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
+#include "OrvLibrary/host/StringTable.h"
 #include "OrvLibrary/host/StringUtils.h"
 #include "OrvLibrary/host/ZipUtils.h"
 
@@ -135,8 +136,7 @@ private:
 /// The translated text around a member's name; the text alone when the translation is no format.
 marl::unicode::String unpackingLabel(const marl::unicode::String& member)
 {
-    constexpr std::uint32_t kUnpackingMember = 2893;
-    const std::string text = StringUtils::loadString(kUnpackingMember);
+    const std::string text = StringUtils::loadString(TextId::kUnpacking);
     try {
         return str(boost::format(text) % member.toUTF8String());
     } catch (const boost::io::format_error&) {

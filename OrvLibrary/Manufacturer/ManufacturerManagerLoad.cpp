@@ -5,6 +5,7 @@
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/StringTable.h"
 #include "OrvLibrary/host/StringUtils.h"
 #include "OrvLibrary/host/TimeUtils.h"
 #include "OrvLibrary/json/json_file.h"
@@ -13,8 +14,6 @@ using boost::posix_time::ptime;
 using namespace ManufacturerFileKeys;
 
 namespace {
-
-constexpr int kDefaultTextString = 10108;
 
 /// What a manufacturer file holds.
 struct Content
@@ -33,11 +32,10 @@ const Type* member(const json::object& object, const char* key)
     return found == object.end() ? nullptr : &boost::any_cast<const Type&>(*found->second);
 }
 
-const std::string& text(const json::object& object, const char* key)
+std::string text(const json::object& object, const char* key)
 {
-    static const std::string empty;
     const auto* found = member<std::string>(object, key);
-    return found ? *found : empty;
+    return found ? *found : std::string();
 }
 
 bool flag(const json::object& object, const char* key)
@@ -74,7 +72,8 @@ Content readContent(const json::object& root)
     const auto* time = member<std::string>(root, kLastModified);
     content.lastModified = time ? Library::fromString(*time) : Library::getTimeNow();
     const auto* defaultText = member<std::string>(root, kDefaultText);
-    content.defaultText = defaultText ? *defaultText : StringUtils::loadString(kDefaultTextString);
+    content.defaultText =
+        defaultText ? *defaultText : StringUtils::loadString(TextId::kDefaultManufacturerText);
     content.table = readRecords(root);
     return content;
 }

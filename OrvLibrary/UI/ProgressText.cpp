@@ -8,13 +8,12 @@
 #include <boost/format.hpp>
 
 #include "OrvLibrary/host/PreferenceEngine.h"
+#include "OrvLibrary/host/StringTable.h"
 #include "OrvLibrary/host/StringUtils.h"
 
 namespace {
 
-constexpr std::uint32_t kPercentageFormat = 2749; // one argument
-constexpr std::uint32_t kCountFormat = 2750;      // done, total
-constexpr int kCountPrecision = 9;                // significant digits
+constexpr int kCountPrecision = 9; // significant digits
 
 // The translated template with its arguments filled in. A template that a translator broke is shown as it is:
 // an exception must not leave a slot.
@@ -104,16 +103,16 @@ std::string ProgressText::countText() const
     const auto number = [](std::int32_t value) {
         return formatWithThousandsSeparatorPrecision(value, kCountPrecision);
     };
-    const std::string count = filledIn(kCountFormat, number(std::min(mValue, mRange)), number(mRange));
+    const std::string count = filledIn(TextId::kCount, number(std::min(mValue, mRange)), number(mRange));
     return mUnitString.empty() ? count : count + " " + mUnitString;
 }
 
 std::string ProgressText::percentageText() const
 {
     if (mRange < 1)
-        return filledIn(kPercentageFormat, 0);
+        return filledIn(TextId::kPercentage, 0);
     // Deliberate: the product stays within 32 bits and wraps above 21,474,836, unsigned because a signed
     // overflow would be undefined.
     const auto done = static_cast<std::uint32_t>(std::min(mValue, mRange));
-    return filledIn(kPercentageFormat, static_cast<std::int32_t>(done * 100U) / mRange);
+    return filledIn(TextId::kPercentage, static_cast<std::int32_t>(done * 100U) / mRange);
 }

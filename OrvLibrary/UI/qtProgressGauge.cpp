@@ -7,14 +7,12 @@
 #include <QMouseEvent>
 
 #include "OrvLibrary/host/PreferenceEngine.h"
+#include "OrvLibrary/host/StringTable.h"
 #include "OrvLibrary/host/StringUtils.h"
 
 namespace {
 
 constexpr int kGaugeHeight = 20; // pixels
-constexpr std::uint32_t kCountToolTip = 2752;
-constexpr std::uint32_t kCaptionOnlyToolTip = 2753;
-constexpr std::uint32_t kPercentageToolTip = 2754;
 
 ProgressDisplayType nextDisplayType(ProgressDisplayType type)
 {
@@ -82,13 +80,13 @@ void ProgressGauge::updateToolTip()
 {
     switch (mDisplayType) {
     case kProgressCaptionOnly:
-        setToolTip(StringUtils::loadQString(kCaptionOnlyToolTip));
+        setToolTip(StringUtils::loadQString(TextId::kCaptionOnlyToolTip));
         break;
     case kProgressPercentage:
-        setToolTip(StringUtils::loadQString(kPercentageToolTip));
+        setToolTip(StringUtils::loadQString(TextId::kPercentageToolTip));
         break;
     case kProgressCount:
-        setToolTip(StringUtils::loadQString(kCountToolTip));
+        setToolTip(StringUtils::loadQString(TextId::kCountToolTip));
         break;
     }
 }

@@ -1,13 +1,7 @@
 #include "OrvLibrary/Utility/ObjectStyleManager.h"
 
+#include "OrvLibrary/host/StringTable.h"
 #include "OrvLibrary/host/StringUtils.h"
-
-namespace {
-
-constexpr long kFirstStyle = 10000;
-constexpr long kLastStyle = 10014;
-
-} // namespace
 
 ObjectStyleManager::ObjectStyleManager() = default;
 ObjectStyleManager::~ObjectStyleManager() = default;
@@ -23,7 +17,7 @@ void ObjectStyleManager::loadObjectStyles()
 {
     if (!mStyles.empty())
         return;
-    for (long number = kFirstStyle; number <= kLastStyle; ++number)
+    for (long number = TextId::kFirstObjectStyle; number <= TextId::kLastObjectStyle; ++number)
         addObjectStyle(number);
 }
 

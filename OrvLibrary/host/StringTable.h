@@ -5,6 +5,25 @@
 
 #include "OrvLibrary/OrvLibraryExport.h"
 
+/// The numbers of the texts that the library asks for.
+namespace TextId {
+constexpr std::uint32_t kPercentage = 2749;               ///< format: the percentage
+constexpr std::uint32_t kCount = 2750;                    ///< format: done, total
+constexpr std::uint32_t kCountToolTip = 2752;             ///< what a click on the gauge does
+constexpr std::uint32_t kCaptionOnlyToolTip = 2753;       ///< likewise
+constexpr std::uint32_t kPercentageToolTip = 2754;        ///< likewise
+constexpr std::uint32_t kUnpacking = 2893;                ///< format: the name of a file
+constexpr std::uint32_t kDownloading = 8709;              ///< stands before a name
+constexpr std::uint32_t kLookingForCatalogs = 8717;       ///< whole text
+constexpr std::uint32_t kFound = 8723;                    ///< stands before a name
+constexpr std::uint32_t kCheckingForUpdates = 8727;       ///< stands before a name
+constexpr std::uint32_t kKilobytes = 8745;                ///< unit
+constexpr std::uint32_t kNoFilter = 8930;                 ///< label
+constexpr std::uint32_t kFirstObjectStyle = 10000;        ///< name of the first style
+constexpr std::uint32_t kLastObjectStyle = 10014;         ///< name of the last style
+constexpr std::uint32_t kDefaultManufacturerText = 10108; ///< stands for a missing contact
+} // namespace TextId
+
 /// The host's translated texts, behind `StringUtils::loadString`, `StringUtils::loadQString` and `xl8`. May
 /// be called from any thread.
 ///

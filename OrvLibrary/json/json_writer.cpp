@@ -3,6 +3,7 @@
 #include <charconv>
 #include <cmath>
 #include <stdexcept>
+#include <string_view>
 
 #include "OrvLibrary/host/LockingFStream.h"
 
@@ -50,8 +51,8 @@ void TextWriter::operator()(double value)
 void TextWriter::escaped(unsigned char character)
 {
     constexpr char kHex[] = "0123456789abcdef";
-    static const std::string kCharacters = "\"\\\b\f\n\r\t";
-    static const std::string kLetters = "\"\\bfnrt";
+    constexpr std::string_view kCharacters = "\"\\\b\f\n\r\t";
+    constexpr std::string_view kLetters = "\"\\bfnrt";
     mText += '\\';
     const auto known = kCharacters.find(static_cast<char>(character));
     if (known != std::string::npos)

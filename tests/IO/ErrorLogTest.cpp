@@ -85,6 +85,7 @@ TEST_F(ErrorLogTest, entryIsWrittenToTheByte)
         after = Library::getTimeNowString();
     } while (before != after);
     std::ostringstream thread;
+    thread.imbue(std::locale::classic());
     thread << reinterpret_cast<const void*>(pthread_self());
     EXPECT_EQ(test::readFile(log()), "---\nTime: " + before + "\nThread ID: " + thread.str() +
                                          "\nMessage: |\nFailed To Download File:  Doors.orvlib   Reason:  "

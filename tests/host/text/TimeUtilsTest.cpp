@@ -9,6 +9,8 @@
 #include <boost/date_time/posix_time/posix_time.hpp>
 #include <gtest/gtest.h>
 
+#include "tests/support/GroupingLocale.h"
+
 using boost::gregorian::date;
 using boost::posix_time::microseconds;
 using boost::posix_time::ptime;
@@ -37,6 +39,16 @@ TEST(TimeUtils, readsBackWhatItWrites)
     for (const ptime& time : times)
         EXPECT_EQ(Library::fromString(Library::toString(time)), time) << time;
     EXPECT_TRUE(Library::fromString(Library::toString(ptime())).is_not_a_date_time());
+}
+
+TEST(TimeUtils, writesTheSameWhereTheProcessGroupsDigits)
+{
+    const test::ScopedGrouping grouping;
+    const ptime time(date(2026, 11, 21), time_duration(21, 16, 35) + microseconds(528207));
+    EXPECT_EQ(Library::toString(time), "20261121T211635.528207");
+    EXPECT_EQ(Library::fromString(Library::toString(time)), time);
+    EXPECT_EQ(Library::getTimeNowString().find_first_not_of("0123456789-: "), std::string::npos);
+    EXPECT_EQ(Library::getTimeNowString().size(), 19u);
 }
 
 TEST(TimeUtils, readsShorterForms)

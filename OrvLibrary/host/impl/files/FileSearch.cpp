@@ -1,6 +1,6 @@
 #include "OrvLibrary/host/FileSearch.h"
 
-#include <atomic>
+#include "OrvLibrary/host/impl/files/Installed_p.h"
 
 namespace {
 
@@ -11,7 +11,7 @@ public:
     void resetFileSearch(const fileString&) override {}
 };
 
-std::atomic<FileSearch*> installedService{nullptr};
+host::Installed<FileSearch> gInstalled(host::immortal<FileSearch, UncachedFileSearch>);
 
 } // namespace
 
@@ -20,12 +20,10 @@ FileSearch::~FileSearch() = default;
 
 FileSearch& FileSearch::get()
 {
-    static UncachedFileSearch defaultService;
-    FileSearch* service = installedService.load();
-    return service ? *service : defaultService;
+    return gInstalled.get();
 }
 
 FileSearch* FileSearch::install(FileSearch* service)
 {
-    return installedService.exchange(service);
+    return gInstalled.install(service);
 }

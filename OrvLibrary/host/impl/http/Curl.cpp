@@ -1,16 +1,9 @@
 #include "OrvLibrary/host/Curl.h"
 
-#include <atomic>
-
+#include "OrvLibrary/host/impl/files/Installed_p.h"
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/CurlService_p.h"
 #include "OrvLibrary/host/impl/http/RateLimit_p.h"
-
-namespace {
-
-std::atomic<Curl*> installed{nullptr};
-
-} // namespace
 
 CurlService& defaultCurlService()
 {
@@ -18,6 +11,17 @@ CurlService& defaultCurlService()
     static CurlService* const service = new CurlService;
     return *service;
 }
+
+namespace {
+
+Curl& fallback()
+{
+    return defaultCurlService();
+}
+
+host::Installed<Curl> gInstalled(fallback);
+
+} // namespace
 
 Curl::Curl() = default;
 Curl::~Curl() = default;
@@ -75,11 +79,10 @@ void Curl::setConnectionLimit(int connections)
 
 Curl& Curl::get()
 {
-    Curl* const service = installed;
-    return service ? *service : defaultCurlService();
+    return gInstalled.get();
 }
 
 Curl* Curl::install(Curl* service)
 {
-    return installed.exchange(service);
+    return gInstalled.install(service);
 }

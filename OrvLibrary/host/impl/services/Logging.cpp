@@ -1,3 +1,8 @@
 #include "OrvLibrary/host/impl/services/Logging_p.h"
 
-Q_LOGGING_CATEGORY(orvLibraryLog, "orv.library")
+const QLoggingCategory& orvLibraryLog()
+{
+    // Never destroyed: a thread may still log while the process ends.
+    static const QLoggingCategory& sCategory = *new QLoggingCategory("orv.library");
+    return sCategory;
+}

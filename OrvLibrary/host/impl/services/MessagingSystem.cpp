@@ -1,18 +1,18 @@
 #include "OrvLibrary/host/MessagingSystem.h"
 
-#include <atomic>
 #include <string>
 
 #include <boost/format.hpp>
 
 #include "OrvLibrary/host/StringUtils.h"
+#include "OrvLibrary/host/impl/files/Installed_p.h"
 #include "OrvLibrary/host/impl/services/DefaultMessagingSystem_p.h"
 
 namespace error {
 
 namespace {
 
-std::atomic<MessagingSystem*> gInstalled{nullptr};
+host::Installed<MessagingSystem> gInstalled(host::immortal<MessagingSystem, DefaultMessagingSystem>);
 
 using marl::unicode::String;
 
@@ -52,14 +52,12 @@ String MessagingSystem::messageText(int messageNumber, const String& text1, cons
 
 MessagingSystem& MessagingSystem::control()
 {
-    static DefaultMessagingSystem sDefault;
-    MessagingSystem* const installed = gInstalled;
-    return installed ? *installed : sDefault;
+    return gInstalled.get();
 }
 
 MessagingSystem* MessagingSystem::install(MessagingSystem* system)
 {
-    return gInstalled.exchange(system);
+    return gInstalled.install(system);
 }
 
 } // namespace error

@@ -1,6 +1,6 @@
 #include "OrvLibrary/host/PathUtils.h"
 
-#include <atomic>
+#include "OrvLibrary/host/impl/files/Installed_p.h"
 
 namespace {
 
@@ -24,7 +24,7 @@ private:
     static RootPathUtils root() { return RootPathUtils(RootPathUtils::defaultRoot()); }
 };
 
-std::atomic<PathUtils*> installedService{nullptr};
+host::Installed<PathUtils> gInstalled(host::immortal<PathUtils, DefaultPathUtils>);
 
 } // namespace
 
@@ -33,12 +33,10 @@ PathUtils::~PathUtils() = default;
 
 PathUtils& PathUtils::getObject()
 {
-    static DefaultPathUtils defaultService;
-    PathUtils* service = installedService.load();
-    return service ? *service : defaultService;
+    return gInstalled.get();
 }
 
 PathUtils* PathUtils::install(PathUtils* service)
 {
-    return installedService.exchange(service);
+    return gInstalled.install(service);
 }

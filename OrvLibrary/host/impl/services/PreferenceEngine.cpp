@@ -1,16 +1,14 @@
 #include "OrvLibrary/host/PreferenceEngine.h"
 
-#include <atomic>
 #include <map>
 #include <type_traits>
 
 #include "OrvLibrary/host/MessagingSystem.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/ThreadMutex.h"
+#include "OrvLibrary/host/impl/files/Installed_p.h"
 
 namespace {
-
-std::atomic<PreferenceEngine*> gInstalled{nullptr};
 
 template <class T>
 const char* typeName()
@@ -62,6 +60,8 @@ PreferenceEngine& defaultPrefs()
     return sStores.try_emplace(root, root).first->second.engine;
 }
 
+host::Installed<PreferenceEngine> gInstalled(defaultPrefs);
+
 } // namespace
 
 PrefSet::PrefSet() = default;
@@ -74,14 +74,13 @@ PreferenceEngine::~PreferenceEngine() = default;
 template <class T>
 T PreferenceEngine::getPrefAs(int id) const
 {
-    static const T sNone{};
     if (!mSet->hasPref(id))
-        return sNone;
+        return T{};
     const Pref pref = mSet->getPref(id);
     if (const T* const value = std::get_if<T>(&pref.value))
         return *value;
     warnOfType("Get", pref, typeName<T>());
-    return sNone;
+    return T{};
 }
 
 template <class T>
@@ -108,11 +107,10 @@ template void PreferenceEngine::setPrefAs<std::string>(int, const std::string&);
 
 PreferenceEngine& PreferenceEngine::getThePrefs()
 {
-    PreferenceEngine* const installed = gInstalled;
-    return installed ? *installed : defaultPrefs();
+    return gInstalled.get();
 }
 
 PreferenceEngine* PreferenceEngine::install(PreferenceEngine* engine)
 {
-    return gInstalled.exchange(engine);
+    return gInstalled.install(engine);
 }

@@ -1,12 +1,11 @@
 #include "OrvLibrary/host/StringTable.h"
 
-#include <atomic>
-
+#include "OrvLibrary/host/impl/files/Installed_p.h"
 #include "OrvLibrary/host/impl/services/DefaultStringTable_p.h"
 
 namespace {
 
-std::atomic<StringTable*> gInstalled{nullptr};
+host::Installed<StringTable> gInstalled(host::immortal<StringTable, DefaultStringTable>);
 
 } // namespace
 
@@ -15,12 +14,10 @@ StringTable::~StringTable() = default;
 
 StringTable& StringTable::get()
 {
-    static DefaultStringTable sDefault;
-    StringTable* const installed = gInstalled;
-    return installed ? *installed : sDefault;
+    return gInstalled.get();
 }
 
 StringTable* StringTable::install(StringTable* table)
 {
-    return gInstalled.exchange(table);
+    return gInstalled.install(table);
 }

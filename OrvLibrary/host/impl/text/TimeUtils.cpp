@@ -1,7 +1,9 @@
 #include "OrvLibrary/host/TimeUtils.h"
 
+#include <algorithm>
 #include <exception>
 #include <new>
+#include <string>
 
 #include <boost/date_time/posix_time/posix_time.hpp>
 
@@ -58,6 +60,13 @@ boost::posix_time::ptime timeFrom(const std::string& text)
                                              boost::posix_time::microseconds(fraction(text)));
 }
 
+/// The number in decimal, with zeros before it up to `width`; the same in every locale.
+std::string digits(long long number, std::size_t width)
+{
+    const std::string text = std::to_string(number);
+    return std::string(width - std::min(width, text.size()), '0') + text;
+}
+
 bool isInfinity(const std::string& text)
 {
     return text == "+infinity" || text == "-infinity";
@@ -76,7 +85,16 @@ ptime getTimeNow()
 
 std::string toString(const ptime& time)
 {
-    return boost::posix_time::to_iso_string(time);
+    if (time.is_special())
+        return boost::posix_time::to_iso_string(time);
+    // Not by the date library, which writes numbers as the process's locale does: "528,207" microseconds.
+    const auto day = time.date().year_month_day();
+    const boost::posix_time::time_duration clock = time.time_of_day();
+    std::string text = digits(day.year, 4) + digits(day.month, 2) + digits(day.day, 2) + "T" +
+                       digits(clock.hours(), 2) + digits(clock.minutes(), 2) + digits(clock.seconds(), 2);
+    if (clock.fractional_seconds() != 0)
+        text += "." + digits(clock.fractional_seconds(), 6);
+    return text;
 }
 
 ptime fromString(const std::string& text)
@@ -96,8 +114,10 @@ ptime fromString(const std::string& text)
 std::string getTimeNowString()
 {
     const ptime now = boost::posix_time::second_clock::universal_time();
-    return boost::gregorian::to_iso_extended_string(now.date()) + " " +
-           boost::posix_time::to_simple_string(now.time_of_day());
+    const auto day = now.date().year_month_day();
+    const boost::posix_time::time_duration clock = now.time_of_day();
+    return digits(day.year, 4) + "-" + digits(day.month, 2) + "-" + digits(day.day, 2) + " " +
+           digits(clock.hours(), 2) + ":" + digits(clock.minutes(), 2) + ":" + digits(clock.seconds(), 2);
 }
 
 } // namespace Library
