@@ -20,6 +20,7 @@ LibraryFilterManager::LibraryFilterManager()
 
 void LibraryFilterManager::loadFilters()
 {
+    forgetCurrentDatabases();
     mFilters.clear();
     mCurrentFilterId = -1;
     try {
@@ -50,7 +51,23 @@ fileString LibraryFilterManager::getFilterFullname() const
 
 void LibraryFilterManager::setLibraryFilters(const std::vector<LibraryFilter>& filters)
 {
+    forgetCurrentDatabases();
     mFilters = filters;
+}
+
+void LibraryFilterManager::setCurrentFilterId(long id)
+{
+    forgetCurrentDatabases();
+    mCurrentFilterId = id;
+}
+
+const LibraryFilter* LibraryFilterManager::currentFilter() const
+{
+    const auto filter =
+        std::find_if(mFilters.begin(), mFilters.end(), [this](const LibraryFilter& candidate) {
+            return candidate.getFilterId() == mCurrentFilterId;
+        });
+    return hasActiveFilter() && filter != mFilters.end() ? &*filter : nullptr;
 }
 
 LibraryFilter LibraryFilterManager::getLibraryFilterFromId(long id, const std::vector<LibraryFilter>& filters)
@@ -63,10 +80,19 @@ LibraryFilter LibraryFilterManager::getLibraryFilterFromId(long id, const std::v
 
 bool LibraryFilterManager::isFilteredDatabase(const std::string& databaseId) const
 {
-    if (!hasActiveFilter())
-        return false;
-    const std::vector<std::string> ids = getCurrentFilteredDatabases();
-    return std::find(ids.begin(), ids.end(), databaseId) != ids.end();
+    // A browser asks once for each catalog, so the ids are kept in a set until something changes.
+    if (!mCurrentDatabases) {
+        const LibraryFilter* const filter = currentFilter();
+        const std::vector<std::string> none;
+        const std::vector<std::string>& ids = filter ? filter->getDatabaseIds() : none;
+        mCurrentDatabases = std::make_unique<const std::unordered_set<std::string>>(ids.begin(), ids.end());
+    }
+    return mCurrentDatabases->count(databaseId) > 0;
+}
+
+void LibraryFilterManager::forgetCurrentDatabases()
+{
+    mCurrentDatabases.reset();
 }
 
 std::vector<std::string> LibraryFilterManager::getCurrentFilteredDatabases() const
@@ -76,6 +102,7 @@ std::vector<std::string> LibraryFilterManager::getCurrentFilteredDatabases() con
 
 void LibraryFilterManager::removeIdFromLibraryFilters(const std::string& databaseId)
 {
+    forgetCurrentDatabases();
     for (LibraryFilter& filter : mFilters)
         filter.removeDatabaseId(databaseId);
 }
@@ -84,16 +111,18 @@ bool LibraryFilterManager::mergeFilters(const fileString& path)
 try {
     std::vector<LibraryFilter> merged;
     long currentId = -1;
-    if (readFilters(path, merged, currentId) == Reading::Impossible) {
-        // What cannot be read now may be there whole: it is not written over.
-        isRefused(path);
+    const Reading reading = readFilters(path, merged, currentId);
+    // A file that cannot be read now may be whole: it is not written over.
+    if (reading == Reading::Impossible)
+        tellThatFileCannotBeWritten(path);
+    if (reading == Reading::Impossible || reading == Reading::WithoutMemory)
         return false;
-    }
     LibraryFilterMerge merge(merged);
     for (const LibraryFilter& filter : mFilters)
         merge.add(filter);
     if (!saveFiltersToFile(path, merged, currentId))
         return false;
+    forgetCurrentDatabases();
     mFilters.swap(merged);
     mCurrentFilterId = currentId;
     return true;
@@ -103,12 +132,8 @@ try {
 
 std::string LibraryFilterManager::getCurrentFilterString() const
 {
-    const auto filter =
-        std::find_if(mFilters.begin(), mFilters.end(), [this](const LibraryFilter& candidate) {
-            return candidate.getFilterId() == mCurrentFilterId;
-        });
-    const bool isKnown = hasActiveFilter() && filter != mFilters.end();
-    return isKnown ? filter->getFilterName() : StringUtils::loadString(TextId::kNoFilter);
+    const LibraryFilter* const filter = currentFilter();
+    return filter ? filter->getFilterName() : StringUtils::loadString(TextId::kNoFilter);
 }
 
 std::vector<std::string> LibraryFilterManager::getFilterStrings() const

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <memory>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "OrvLibrary/LibraryFilter.h"
@@ -12,7 +14,11 @@
 /// library folder. Nothing is saved but by an explicit call.
 ///
 /// The one instance is made at the first use, on whatever thread that is, and lives to the end of the
-/// process; it is used by one thread at a time. No operation throws or reports an error of its own.
+/// process; it is used by one thread at a time.
+///
+/// A file that is missing, malformed or cannot be written is no exception: it ends as fewer filters, or as a
+/// result of false. An operation throws only where memory runs out or where a host service, the folders or
+/// the texts, throws; loading, saving and merging do not even then.
 class ORVLIBRARY_EXPORT LibraryFilterManager
 {
 public:
@@ -39,7 +45,7 @@ public:
     void setLibraryFilters(const std::vector<LibraryFilter>& filters);
 
     /// Stores the id unchecked: it may name no filter at all.
-    void setCurrentFilterId(long id) { mCurrentFilterId = id; }
+    void setCurrentFilterId(long id);
     /// -1 when there is none.
     long getCurrentFilterId() const { return mCurrentFilterId; }
     /// Whether the current id is another than -1, also where no filter has that id.
@@ -47,7 +53,8 @@ public:
 
     /// The first filter of the list with that id; a default one when there is none.
     static LibraryFilter getLibraryFilterFromId(long id, const std::vector<LibraryFilter>& filters);
-    /// Whether the current filter names the database, byte by byte.
+    /// Whether the current filter names the database, byte by byte. The first question after a change takes
+    /// time with the number of the filter's databases, further ones do not.
     bool isFilteredDatabase(const std::string& databaseId) const;
     /// The databases of the current filter; none without one.
     std::vector<std::string> getCurrentFilteredDatabases() const;
@@ -58,8 +65,8 @@ public:
     /// current id. Filters that the file has already, by name and list, are left out; the others get the
     /// lowest free ids from 0 up and, where their name is taken, the first free "name 1", "name 2" and so on.
     /// The manager's own file is not written.
-    /// @return false when the other file could not be written, or is there but could not be read; nothing has
-    /// changed then
+    /// @return false, with nothing changed, when the other file could not be written or is there but could
+    /// not be read. The user is told of both. A file whose text is no JSON is overwritten.
     bool mergeFilters(const fileString& path);
 
     /// The name of the current filter, UTF-8; the translated label for no filter without one.
@@ -86,16 +93,24 @@ private:
     /// What a reading came to.
     enum class Reading
     {
-        Whole,     ///< also of a missing file
-        Partial,   ///< up to something malformed
-        Impossible ///< the file system failed
+        Whole,        ///< also of a missing file
+        Partial,      ///< up to something malformed
+        Impossible,   ///< the file is there but cannot be opened or read, or is too large
+        WithoutMemory ///< says nothing of the file
     };
 
     LibraryFilterManager();
+    /// Null when there is none.
+    const LibraryFilter* currentFilter() const;
+    /// To be called before anything changes the filters or the current id.
+    void forgetCurrentDatabases();
     /// Tells the user of a file that is there and cannot be written.
     static bool isRefused(const fileString& path);
+    static void tellThatFileCannotBeWritten(const fileString& path);
     static Reading readFilters(const fileString& path, std::vector<LibraryFilter>& filters, long& currentId);
 
     long mCurrentFilterId = -1;
     std::vector<LibraryFilter> mFilters;
+    /// The databases of the current filter, by which questions are answered; null until one is asked.
+    mutable std::unique_ptr<const std::unordered_set<std::string>> mCurrentDatabases;
 };

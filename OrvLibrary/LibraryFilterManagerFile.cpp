@@ -1,6 +1,8 @@
 // The filter file: writing and reading it.
 #include "OrvLibrary/LibraryFilterManager.h"
 
+#include <new>
+
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/MessagingSystem.h"
 #include "OrvLibrary/json/json_file.h"
@@ -102,10 +104,15 @@ bool LibraryFilterManager::isRefused(const fileString& path)
 {
     if (!path.pathExists() || FileUtils::canWriteFile(path))
         return false;
+    tellThatFileCannotBeWritten(path);
+    return true;
+}
+
+void LibraryFilterManager::tellThatFileCannotBeWritten(const fileString& path)
+{
     error::MessagingSystem::control().notify(__FILE__, __LINE__, error::ErrorMinimalTrait(),
                                              error::Message::kCannotWriteDataFile, path.unicodeString(), {},
                                              {});
-    return true;
 }
 
 long LibraryFilterManager::loadFiltersFromFile(const fileString& path, std::vector<LibraryFilter>& filters)
@@ -133,6 +140,8 @@ LibraryFilterManager::Reading LibraryFilterManager::readFilters(const fileString
         return Reading::Whole;
     } catch (const boost::bad_any_cast&) {
         return Reading::Partial;
+    } catch (const std::bad_alloc&) {
+        return Reading::WithoutMemory;
     } catch (...) {
         return Reading::Impossible;
     }

@@ -78,16 +78,86 @@ std::vector<std::unique_ptr<ChangeLock>> lockFolders(const fileString& other)
 FilterChange::FilterChange(const fileString& other)
     : mLocks(lockFolders(other)), mFilters(LibraryFilterManager::getLibraryFilterManager())
 {
+    // Another program may have changed the file since the manager read it.
+    mFilters.loadFilters();
     demandLoaded(mFilters);
 }
 
-fileString FilterChange::save()
+bool FilterChange::hasId(long id) const
+{
+    const Filters& filters = mFilters.getLibraryFilters();
+    return std::any_of(filters.begin(), filters.end(),
+                       [id](const LibraryFilter& filter) { return filter.getFilterId() == id; });
+}
+
+void FilterChange::demandId(long id) const
+{
+    if (!hasId(id))
+        throw std::runtime_error("no filter has the id " + std::to_string(id) + ": " +
+                                 mFilters.getFilterFullname().toNativeString());
+}
+
+void FilterChange::use(long id)
+{
+    if (id != kNoFilter)
+        demandId(id);
+    mFilters.setCurrentFilterId(id);
+}
+
+long FilterChange::add(const std::string& name, const std::vector<std::string>& databases,
+                       std::optional<long> wantedId)
+{
+    if (wantedId && hasId(*wantedId))
+        throw std::runtime_error("another filter has the id " + std::to_string(*wantedId));
+    Filters filters = mFilters.getLibraryFilters();
+    for (const LibraryFilter& filter : filters) {
+        if (filter.getFilterName() == name)
+            throw std::runtime_error("another filter has the name " + name + "; its id is " +
+                                     std::to_string(filter.getFilterId()));
+    }
+    long id = wantedId.value_or(0);
+    while (hasId(id))
+        ++id;
+    // The list is that of a load, which has the newest filter first.
+    filters.insert(filters.begin(), LibraryFilter(name, id, databases));
+    mFilters.setLibraryFilters(filters);
+    return id;
+}
+
+void FilterChange::remove(long id)
+{
+    demandId(id);
+    Filters filters = mFilters.getLibraryFilters();
+    filters.erase(std::find_if(filters.begin(), filters.end(),
+                               [id](const LibraryFilter& filter) { return filter.getFilterId() == id; }));
+    mFilters.setLibraryFilters(filters);
+    if (mFilters.getCurrentFilterId() == id && !hasId(id))
+        mFilters.setCurrentFilterId(kNoFilter);
+}
+
+std::size_t FilterChange::dropDatabase(const std::string& database)
+{
+    const auto entries = [this] {
+        std::size_t count = 0;
+        for (const LibraryFilter& filter : mFilters.getLibraryFilters())
+            count += filter.getDatabaseIds().size();
+        return count;
+    };
+    const std::size_t before = entries();
+    mFilters.removeIdFromLibraryFilters(database);
+    return before - entries();
+}
+
+fileString FilterChange::save(Order order)
 {
     const fileString path = mFilters.getFilterFullname();
     const fileString copy = prepareToOverwrite(path);
-    // Not the manager's own way of saving, which keeps an empty list back and does not say whether it worked.
-    if (!LibraryFilterManager::saveFiltersToFile(path, mFilters.getLibraryFilters(),
-                                                 mFilters.getCurrentFilterId()))
+    Filters filters = mFilters.getLibraryFilters();
+    // A load turns the list round, so a list that is to come back as it stands is written from its end.
+    if (order == Order::Kept)
+        std::reverse(filters.begin(), filters.end());
+    // The manager's own way of saving does not write an empty list and does not say whether it worked.
+    if (!LibraryFilterManager::saveFiltersToFile(path, filters, mFilters.getCurrentFilterId()))
         throw std::runtime_error("cannot write " + path.toNativeString());
     mFilters.loadFilters();
     return copy;
@@ -100,6 +170,15 @@ fileString FilterChange::prepareToOverwrite(const fileString& path)
     if (path.pathExists() && !LibraryFilterManager::isWhollyReadable(path))
         return keepUnreadable(path);
     return {};
+}
+
+bool FilterChange::isFiltering(const LibraryFilterManager& filters)
+{
+    const Filters& list = filters.getLibraryFilters();
+    return filters.hasActiveFilter() &&
+           std::any_of(list.begin(), list.end(), [&filters](const LibraryFilter& filter) {
+               return filter.getFilterId() == filters.getCurrentFilterId();
+           });
 }
 
 } // namespace OrvHost

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <limits>
+#include <optional>
 
 #include <QJsonArray>
 
@@ -70,14 +71,31 @@ long usableId(std::int64_t id)
     return static_cast<long>(id);
 }
 
-long idFrom(const std::string& text)
+/// The id that the text is; nothing when it is no number, and so may be a name.
+std::optional<long> idFrom(const std::string& text)
 {
     std::int64_t id = kNone;
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, id);
-    if (stop != end || error != std::errc())
+    if (stop != end || error == std::errc::invalid_argument)
+        return std::nullopt;
+    if (error != std::errc())
         throw UsageError("'" + text + "' is neither the id of a filter nor none");
     return usableId(id);
+}
+
+/// The id of the one filter of that name.
+long idOfName(const LibraryFilterManager& filters, const std::string& name)
+{
+    const Filters& list = filters.getLibraryFilters();
+    const auto isNamed = [&name](const LibraryFilter& filter) { return filter.getFilterName() == name; };
+    const auto count = std::count_if(list.begin(), list.end(), isNamed);
+    if (count == 0)
+        throw UsageError("'" + name + "' is neither the id nor the name of a filter, nor none");
+    if (count > 1)
+        throw CommandFailure(std::to_string(count) + " filters have the name " + name +
+                             "; give the id of one of them");
+    return std::find_if(list.begin(), list.end(), isNamed)->getFilterId();
 }
 
 bool hasId(const Filters& filters, long id)
@@ -101,9 +119,10 @@ void tellKept(const fileString& path, const fileString& copy)
                           copy.toNativeString());
 }
 
-ExitStatus saveAndPrint(Session& session, OrvHost::FilterChange& change)
+ExitStatus saveAndPrint(Session& session, OrvHost::FilterChange& change,
+                        OrvHost::FilterChange::Order order = OrvHost::FilterChange::Order::Kept)
 {
-    tellKept(change.filters().getFilterFullname(), change.save());
+    tellKept(change.filters().getFilterFullname(), change.save(order));
     print(session, change.filters());
     return ExitStatus::Done;
 }
@@ -127,7 +146,7 @@ void FiltersCommand::declare(CommandSyntax& syntax)
     adding.option("--id", mId, "N", "Id of the filter; else the lowest free one");
     action("remove", "Remove a filter", &FiltersCommand::remove).argument("ID", mId, "Id of the filter");
     action("use", "Make a filter the current one, or none", &FiltersCommand::use)
-        .argument("ID|none", mIdOrNone, "Id of the filter, or none");
+        .argument("ID|NAME|none", mIdOrName, "Id or name of the filter, or none");
     action("drop-database", "Remove a database from every filter", &FiltersCommand::dropDatabase)
         .argument("DATABASE-ID", mDatabase, "Id of the database");
     action("merge", "Merge the filters into another filter file and take over the result",
@@ -160,20 +179,8 @@ ExitStatus FiltersCommand::add(Session& session) const
         usableId(mId);
     session.existingHost();
     OrvHost::FilterChange change;
-    Filters filters = change.filters().getLibraryFilters();
-    filters.push_back(LibraryFilter(mName, newId(filters), mDatabases));
-    change.filters().setLibraryFilters(filters);
+    change.add(mName, mDatabases, mId == kNoId ? std::nullopt : std::optional<long>(mId));
     return saveAndPrint(session, change);
-}
-
-long FiltersCommand::newId(const Filters& filters) const
-{
-    if (mId != kNoId && hasId(filters, mId))
-        throw CommandFailure("another filter has the id " + std::to_string(mId));
-    long id = mId != kNoId ? mId : 0;
-    while (hasId(filters, id))
-        ++id;
-    return id;
 }
 
 ExitStatus FiltersCommand::remove(Session& session) const
@@ -181,24 +188,16 @@ ExitStatus FiltersCommand::remove(Session& session) const
     const long id = usableId(mId);
     session.existingHost();
     OrvHost::FilterChange change;
-    demandId(change.filters(), id);
-    Filters filters = change.filters().getLibraryFilters();
-    filters.erase(std::find_if(filters.begin(), filters.end(),
-                               [id](const LibraryFilter& filter) { return filter.getFilterId() == id; }));
-    if (change.filters().getCurrentFilterId() == id && !hasId(filters, id))
-        change.filters().setCurrentFilterId(kNone);
-    change.filters().setLibraryFilters(filters);
+    change.remove(id);
     return saveAndPrint(session, change);
 }
 
 ExitStatus FiltersCommand::use(Session& session) const
 {
-    const long id = mIdOrNone == "none" ? kNone : idFrom(mIdOrNone);
+    const std::optional<long> id = mIdOrName == "none" ? kNone : idFrom(mIdOrName);
     session.existingHost();
     OrvHost::FilterChange change;
-    if (id != kNone)
-        demandId(change.filters(), id);
-    change.filters().setCurrentFilterId(id);
+    change.use(id ? *id : idOfName(change.filters(), mIdOrName));
     return saveAndPrint(session, change);
 }
 
@@ -206,8 +205,11 @@ ExitStatus FiltersCommand::dropDatabase(Session& session) const
 {
     session.existingHost();
     OrvHost::FilterChange change;
-    change.filters().removeIdFromLibraryFilters(mDatabase);
-    return saveAndPrint(session, change);
+    if (change.dropDatabase(mDatabase) > 0)
+        return saveAndPrint(session, change);
+    Console::complain("no filter names the database " + mDatabase + "; nothing was dropped");
+    print(session, change.filters());
+    return ExitStatus::Done;
 }
 
 ExitStatus FiltersCommand::merge(Session& session) const
@@ -221,5 +223,6 @@ ExitStatus FiltersCommand::merge(Session& session) const
         tellKept(path, OrvHost::FilterChange::prepareToOverwrite(path));
     if (!change.filters().mergeFilters(file))
         throw CommandFailure("cannot write " + mFile);
-    return saveAndPrint(session, change);
+    // Both files hold the same then.
+    return saveAndPrint(session, change, OrvHost::FilterChange::Order::Turned);
 }

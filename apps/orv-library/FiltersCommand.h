@@ -5,10 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "OrvLibrary/LibraryFilter.h"
 #include "apps/orv-library/Command.h"
 
-/// `filters list|show|add|remove|use|drop-database|merge`: the named filters. Whatever changes something
+/// `filters list|show|add|remove|use|drop-database|merge`: the named filters. Every change
 /// prints the list as a fresh start would read it.
 class FiltersCommand : public Command
 {
@@ -28,13 +27,10 @@ private:
     ExitStatus dropDatabase(Session& session) const;
     ExitStatus merge(Session& session) const;
 
-    /// The id for a new filter: the one asked for, or the lowest that is free.
-    long newId(const std::vector<LibraryFilter>& filters) const;
-
     std::int64_t mId = kNoId;
     std::string mName;
     std::vector<std::string> mDatabases;
-    std::string mIdOrNone;
+    std::string mIdOrName;
     std::string mDatabase;
     std::string mFile;
 };

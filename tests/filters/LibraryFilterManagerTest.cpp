@@ -1,5 +1,7 @@
 #include "OrvLibrary/LibraryFilterManager.h"
 
+#include <algorithm>
+#include <chrono>
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
@@ -83,6 +85,48 @@ TEST_F(FilterManager, currentFilterSelectsItsDatabases)
     EXPECT_FALSE(mManager.isFilteredDatabase(""));
     EXPECT_EQ(mManager.getCurrentFilteredDatabases(), (Ids{"x", "y", "x"}));
     EXPECT_EQ(mManager.getCurrentFilterString(), "A");
+}
+
+TEST_F(FilterManager, everyChangeReachesTheQuestionForADatabase)
+{
+    mManager.setLibraryFilters({LibraryFilter("A", 3, {"x", "y", "x"}), LibraryFilter("B", 4, {"z"})});
+    mManager.setCurrentFilterId(3);
+    EXPECT_TRUE(mManager.isFilteredDatabase("x"));
+    mManager.removeIdFromLibraryFilters("x");
+    EXPECT_TRUE(mManager.isFilteredDatabase("x")) << "the second entry stays";
+    mManager.removeIdFromLibraryFilters("x");
+    EXPECT_FALSE(mManager.isFilteredDatabase("x"));
+    mManager.setCurrentFilterId(4);
+    EXPECT_TRUE(mManager.isFilteredDatabase("z"));
+    mManager.setLibraryFilters({LibraryFilter("B", 4, {"new"})});
+    EXPECT_FALSE(mManager.isFilteredDatabase("z"));
+    EXPECT_TRUE(mManager.isFilteredDatabase("new"));
+    writeFile(kTwoFilters);
+    mManager.loadFilters();
+    EXPECT_TRUE(mManager.isFilteredDatabase("y"));
+    EXPECT_FALSE(mManager.isFilteredDatabase("new"));
+    ASSERT_TRUE(mManager.mergeFilters(mHost.folder().write(
+        "other.json", R"({"Current_Filter": 1, "Filter": {"Filter_Name": "C", "Filter_Id": 1,
+        "Database_Ids": ["merged"]}})")));
+    EXPECT_TRUE(mManager.isFilteredDatabase("merged"));
+}
+
+TEST_F(FilterManager, fiveThousandQuestionsTakeNoTime)
+{
+    Ids ids;
+    for (int i = 0; i < 5000; ++i)
+        ids.push_back("0b8dc3c2-5b3a-4b0e-9d5b-" + std::to_string(100000000000 + i));
+    mManager.setLibraryFilters({LibraryFilter("All", 0, ids)});
+    mManager.setCurrentFilterId(0);
+    std::chrono::duration<double> best(1);
+    for (int round = 0; round < 5; ++round) {
+        mManager.setCurrentFilterId(0);
+        const auto start = std::chrono::steady_clock::now();
+        for (const std::string& id : ids)
+            ASSERT_TRUE(mManager.isFilteredDatabase(id));
+        best = std::min<std::chrono::duration<double>>(best, std::chrono::steady_clock::now() - start);
+    }
+    EXPECT_LT(best.count(), 0.010);
 }
 
 TEST_F(FilterManager, currentIdMayNameNoFilter)

@@ -224,6 +224,9 @@ TEST_F(FilterMerge, aFileThatCannotBeReadIsNotWrittenOver)
     EXPECT_FALSE(mManager.mergeFilters(file));
     EXPECT_EQ(FileUtils::fileSize(file), (std::int64_t(256) << 20) + 1);
     EXPECT_EQ(describe(mManager.getLibraryFilters()), "0:Own(a) ");
+    const std::vector<test::SentMessage> expected{
+        {272032391, error::Trait::Kind::ErrorMinimal, file.toNativeString(), "", ""}};
+    EXPECT_EQ(mHost.messages(), expected);
 }
 
 TEST_F(FilterMerge, aFileThatMayNotBeReadIsNotWrittenOver)
@@ -232,10 +235,21 @@ TEST_F(FilterMerge, aFileThatMayNotBeReadIsNotWrittenOver)
     mManager.setLibraryFilters({LibraryFilter("Own", 0, {"a"})});
     ASSERT_EQ(chmod(mHost.folder().path().c_str(), 0777), 0);
     ASSERT_EQ(chmod(file.toNativeString().c_str(), 0222), 0);
-    const test::ChildEnd end = test::runWithoutRights([&] { return mManager.mergeFilters(file) ? 1 : 0; });
+    const test::ChildEnd end = test::runWithoutRights([&] {
+        return mManager.mergeFilters(file) ? 1 : mHost.messages().size() == 1 ? 0 : 2;
+    });
     EXPECT_EQ(end.status, 0);
     ASSERT_EQ(chmod(file.toNativeString().c_str(), 0644), 0);
     EXPECT_EQ(test::readFile(file), kFileBC);
+}
+
+TEST_F(FilterMerge, aFileThatIsNoJsonIsWrittenOver)
+{
+    const fileString file = writeOther("my shopping list");
+    mManager.setLibraryFilters({LibraryFilter("Own", 7, {"a"})});
+    EXPECT_TRUE(mManager.mergeFilters(file));
+    EXPECT_EQ(describe(mManager.getLibraryFilters()), "0:Own(a) ");
+    EXPECT_TRUE(mHost.messages().empty());
 }
 
 TEST_F(FilterMerge, folderInTheFilesPlaceIsTold)

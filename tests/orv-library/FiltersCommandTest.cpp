@@ -112,15 +112,45 @@ TEST_F(FiltersCommand, changesPrintWhatAFreshStartReads)
 {
     EXPECT_EQ(printed({"add", "Küche", "a", "b"}), "-1|0:Küche(ab) |No Filter,Küche,");
     EXPECT_EQ(printed({"add", "Bath"}), "-1|1:Bath() 0:Küche(ab) |No Filter,Bath,Küche,");
-    // Every load turns the list round, so the filters that were there swap places.
+    // The newest comes first, and the others keep their places.
     EXPECT_EQ(printed({"add", "Hall", "--id", "-5", "b"}),
-              "-1|-5:Hall(b) 0:Küche(ab) 1:Bath() |No Filter,Hall,Küche,Bath,");
-    EXPECT_EQ(printed({"use", "0"}), "0|1:Bath() 0:Küche(ab) -5:Hall(b) |No Filter,Bath,Küche,Hall,");
-    EXPECT_EQ(printed({"drop-database", "b"}), "0|-5:Hall() 0:Küche(a) 1:Bath() |No Filter,Hall,Küche,Bath,");
-    EXPECT_EQ(printed({"remove", "1"}), "0|0:Küche(a) -5:Hall() |No Filter,Küche,Hall,");
+              "-1|-5:Hall(b) 1:Bath() 0:Küche(ab) |No Filter,Hall,Bath,Küche,");
+    EXPECT_EQ(printed({"use", "0"}), "0|-5:Hall(b) 1:Bath() 0:Küche(ab) |No Filter,Hall,Bath,Küche,");
+    EXPECT_EQ(printed({"drop-database", "b"}), "0|-5:Hall() 1:Bath() 0:Küche(a) |No Filter,Hall,Bath,Küche,");
+    EXPECT_EQ(printed({"remove", "1"}), "0|-5:Hall() 0:Küche(a) |No Filter,Hall,Küche,");
     EXPECT_EQ(printed({"use", "none"}), "-1|-5:Hall() 0:Küche(a) |No Filter,Hall,Küche,");
     EXPECT_EQ(printed({"list"}), "-1|-5:Hall() 0:Küche(a) |No Filter,Hall,Küche,");
     EXPECT_THAT(test::listTree(program.root() + "/temp"), IsEmpty());
+}
+
+TEST_F(FiltersCommand, aFilterIsChosenByItsNameToo)
+{
+    write(R"({"Filter": {"Filter_Name": "Bath", "Filter_Id": 4, "Database_Ids": []},
+              "Filter": {"Filter_Name": "4", "Filter_Id": 5, "Database_Ids": []},
+              "Filter": {"Filter_Name": "Hall", "Filter_Id": 6, "Database_Ids": []},
+              "Filter": {"Filter_Name": "Hall", "Filter_Id": 7, "Database_Ids": []}})");
+    EXPECT_THAT(printed({"use", "Bath"}), StartsWith("4|"));
+    EXPECT_THAT(printed({"use", "4"}), StartsWith("4|")) << "a number is an id";
+    refused(1, {"use", "Hall"});
+    EXPECT_THAT(run({"use", "Hall"}).err, HasSubstr("2 filters have the name Hall"));
+    refused(2, {"use", "bath"});
+}
+
+TEST_F(FiltersCommand, aNameThatAnotherFilterHasIsRefused)
+{
+    write(kTwo);
+    refused(1, {"add", "Bath", "x"});
+    EXPECT_EQ(run({"add", "Bath"}).err, "orv-library: another filter has the name Bath; its id is 1\n");
+}
+
+TEST_F(FiltersCommand, droppingADatabaseThatNoFilterNamesSaysSo)
+{
+    write(kTwo);
+    const test::ProgramResult result = run({"drop-database", "none"});
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "orv-library: no filter names the database none; nothing was dropped\n");
+    EXPECT_EQ(describe(result.json()), "1|1:Bath(b) 0:Kitchen(aba) |No Filter,Bath,Kitchen,");
+    EXPECT_EQ(test::readFile(file), kTwo);
 }
 
 TEST_F(FiltersCommand, newFilterGetsTheLowestFreeId)

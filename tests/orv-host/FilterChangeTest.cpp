@@ -1,0 +1,103 @@
+#include "OrvHost/records/FilterChange.h"
+
+#include <gmock/gmock.h>
+
+#include "OrvLibrary/host/PathUtils.h"
+#include "tests/orv-host/HostedTest.h"
+
+namespace {
+
+using OrvHost::FilterChange;
+using testing::ElementsAre;
+
+class FilterChangeTest : public test::HostedTest
+{
+protected:
+    FilterChangeTest() { mManager.loadFilters(); }
+
+    /// What another program leaves in the file.
+    void writeElsewhere(const std::string& content) { test::writeFile(mFile.toNativeString(), content); }
+
+    std::vector<std::string> names() const
+    {
+        std::vector<std::string> names;
+        for (const LibraryFilter& filter : mManager.getLibraryFilters())
+            names.push_back(filter.getFilterName());
+        return names;
+    }
+
+    LibraryFilterManager& mManager = LibraryFilterManager::getLibraryFilterManager();
+    const fileString mFile = mManager.getFilterFullname();
+};
+
+const char kTwo[] = R"({"Current_Filter": 1,
+    "Filter": {"Filter_Name": "Kitchen", "Filter_Id": 0, "Database_Ids": ["a", "b", "a"]},
+    "Filter": {"Filter_Name": "Bath", "Filter_Id": 1, "Database_Ids": ["b"]}})";
+
+TEST_F(FilterChangeTest, startsFromWhatAnotherProgramLeftMeanwhile)
+{
+    writeElsewhere(kTwo);
+    FilterChange change;
+    EXPECT_THAT(names(), ElementsAre("Bath", "Kitchen"));
+    change.use(0);
+    EXPECT_TRUE(change.save().empty());
+    mManager.setLibraryFilters({});
+    mManager.loadFilters();
+    EXPECT_THAT(names(), ElementsAre("Bath", "Kitchen"));
+    EXPECT_EQ(mManager.getCurrentFilterId(), 0);
+}
+
+TEST_F(FilterChangeTest, keepsTheOrderWhateverIsChanged)
+{
+    writeElsewhere(kTwo);
+    FilterChange change;
+    EXPECT_EQ(change.add("Hall", {"c"}), 2);
+    EXPECT_EQ(change.add("Attic", {}, -7), -7);
+    EXPECT_EQ(change.dropDatabase("a"), 1u);
+    EXPECT_EQ(change.dropDatabase("none"), 0u);
+    change.save();
+    EXPECT_THAT(names(), ElementsAre("Attic", "Hall", "Bath", "Kitchen"));
+    change.remove(2);
+    change.save();
+    EXPECT_THAT(names(), ElementsAre("Attic", "Bath", "Kitchen"));
+    EXPECT_EQ(mManager.getLibraryFilters().back().getDatabaseIds(), (std::vector<std::string>{"b", "a"}));
+}
+
+TEST_F(FilterChangeTest, refusesIdsThatAreUnknownAndIdsAndNamesThatAreTaken)
+{
+    writeElsewhere(kTwo);
+    FilterChange change;
+    EXPECT_THROW(change.use(7), std::runtime_error);
+    EXPECT_THROW(change.remove(7), std::runtime_error);
+    EXPECT_THROW(change.add("New", {}, 1), std::runtime_error);
+    EXPECT_THROW(change.add("Bath", {}), std::runtime_error);
+    change.use(FilterChange::kNoFilter);
+    change.save();
+    EXPECT_THAT(names(), ElementsAre("Bath", "Kitchen"));
+    EXPECT_EQ(mManager.getCurrentFilterId(), -1);
+}
+
+TEST_F(FilterChangeTest, keepsACopyOfAFileThatIsReadInPartOnly)
+{
+    const std::string halfMalformed = R"({"Filter": {"Filter_Name": "First", "Filter_Id": 0},
+        "Filter": {"Filter_Name": "B", "Filter_Id": 1, "Database_Ids": []}})";
+    writeElsewhere(halfMalformed);
+    FilterChange change;
+    change.use(1);
+    const fileString copy = change.save();
+    EXPECT_EQ(test::readFile(copy), halfMalformed);
+    EXPECT_THAT(names(), ElementsAre("B"));
+}
+
+TEST_F(FilterChangeTest, anIdThatNoFilterHasIsNoFilterInForce)
+{
+    writeElsewhere(kTwo);
+    mManager.loadFilters();
+    EXPECT_TRUE(FilterChange::isFiltering(mManager));
+    mManager.setCurrentFilterId(7);
+    EXPECT_FALSE(FilterChange::isFiltering(mManager));
+    mManager.setCurrentFilterId(-1);
+    EXPECT_FALSE(FilterChange::isFiltering(mManager));
+}
+
+} // namespace
