@@ -2,6 +2,7 @@
 #include "OrvLibrary/LibraryFilterManager.h"
 
 #include <new>
+#include <utility>
 
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/MessagingSystem.h"
@@ -24,7 +25,7 @@ json_writer::Object filterObject(const LibraryFilter& filter)
     json_writer::Object object;
     object.add_element(kFilterName, filter.getFilterName());
     object.add_element<long>(kFilterId, filter.getFilterId());
-    object.add_element<json_writer::Array>(kDatabaseIds, ids);
+    object.add_element(kDatabaseIds, std::move(ids));
     return object;
 }
 
@@ -34,7 +35,7 @@ json_writer::Object document(const std::vector<LibraryFilter>& filters, long cur
     json_writer::Object root;
     root.add_element<long>(kCurrentFilter, currentFilterId);
     for (const LibraryFilter& filter : filters)
-        root.add_element<json_writer::Object>(kFilter, filterObject(filter));
+        root.add_element(kFilter, filterObject(filter));
     return root;
 }
 

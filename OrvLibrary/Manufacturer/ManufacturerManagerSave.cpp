@@ -45,7 +45,7 @@ void ManufacturerManager::write_globals(json_writer::Object& root) const
 void ManufacturerManager::write_manufacturers(json_writer::Object& root) const
 {
     for (const auto& [id, record] : mTable)
-        root.add_element<json_writer::Object>(kManufacturer, recordObject(id, record));
+        root.add_element(kManufacturer, recordObject(id, record));
 }
 
 void ManufacturerManager::write_manufacturer_file()

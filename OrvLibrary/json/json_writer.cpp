@@ -4,6 +4,7 @@
 #include <cmath>
 #include <stdexcept>
 #include <string_view>
+#include <utility>
 
 #include "OrvLibrary/host/LockingFStream.h"
 
@@ -114,20 +115,54 @@ Object::Object() = default;
 Object::~Object() = default;
 Object::Object(const Object& other) = default;
 Object& Object::operator=(const Object& other) = default;
+Object::Object(Object&& other) noexcept = default;
+Object& Object::operator=(Object&& other) noexcept = default;
 
 void Object::add_element(const std::string& key, const std::string& value)
 {
     mMembers.emplace_back(key, Value(value));
 }
 
+// The nested document is swapped into its place, which copies nothing. It is taken first, since it may be the
+// very document that it is added to.
+void Object::add_element(const std::string& key, Object&& value)
+{
+    Object taken(std::move(value));
+    mMembers.emplace_back(key, Value(Object()));
+    std::swap(boost::get<Object>(mMembers.back().second), taken);
+}
+
+void Object::add_element(const std::string& key, Array&& value)
+{
+    Array taken(std::move(value));
+    mMembers.emplace_back(key, Value(Array()));
+    std::swap(boost::get<Array>(mMembers.back().second), taken);
+}
+
 Array::Array() = default;
 Array::~Array() = default;
 Array::Array(const Array& other) = default;
 Array& Array::operator=(const Array& other) = default;
+Array::Array(Array&& other) noexcept = default;
+Array& Array::operator=(Array&& other) noexcept = default;
 
 void Array::add_element(const std::string& value)
 {
     mElements.emplace_back(value);
+}
+
+void Array::add_element(Object&& value)
+{
+    Object taken(std::move(value));
+    mElements.emplace_back(Object());
+    std::swap(boost::get<Object>(mElements.back()), taken);
+}
+
+void Array::add_element(Array&& value)
+{
+    Array taken(std::move(value));
+    mElements.emplace_back(Array());
+    std::swap(boost::get<Array>(mElements.back()), taken);
 }
 
 std::string toText(const Object& object)

@@ -8,7 +8,8 @@
 #include <boost/variant.hpp>
 
 /// Documents that are built in memory, from the inside out, and written to a file in one call. Everything
-/// here is a plain value: adding and copying copy the whole subtree, and one object belongs to one thread.
+/// here is a plain value: adding and copying copy the whole subtree, unless it is moved in, as by
+/// `root.add_element("Filter", std::move(filter))`. One object belongs to one thread.
 namespace json_writer {
 
 class Object;
@@ -35,10 +36,15 @@ public:
     ~Object();
     Object(const Object& other);
     Object& operator=(const Object& other);
+    Object(Object&& other) noexcept;
+    Object& operator=(Object&& other) noexcept;
 
     void add_element(const std::string& key, const std::string& value);
     template <class Type, class = IfAlternative<Type>>
     void add_element(const std::string& key, const Type& value);
+    /// Take the nested document over instead of copying it; it is left empty.
+    void add_element(const std::string& key, Object&& value);
+    void add_element(const std::string& key, Array&& value);
 
     const Members& members() const { return mMembers; }
 
@@ -56,10 +62,15 @@ public:
     ~Array();
     Array(const Array& other);
     Array& operator=(const Array& other);
+    Array(Array&& other) noexcept;
+    Array& operator=(Array&& other) noexcept;
 
     void add_element(const std::string& value);
     template <class Type, class = IfAlternative<Type>>
     void add_element(const Type& value);
+    /// Take the nested document over instead of copying it; it is left empty.
+    void add_element(Object&& value);
+    void add_element(Array&& value);
 
     const Elements& elements() const { return mElements; }
 

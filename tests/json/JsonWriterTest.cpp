@@ -224,6 +224,29 @@ TEST(JsonWriter, addedContainersAreCopies)
     EXPECT_EQ(compact(copy), R"({"array":["one"],"inner":{"a":["one"]}})");
 }
 
+TEST(JsonWriter, aNestedDocumentThatIsMovedInIsTakenOver)
+{
+    Array array;
+    for (int i = 0; i < 3; ++i)
+        array.add_element(i);
+    const Value* const first = &array.elements().front();
+    Object object;
+    object.add_element("list", std::move(array));
+    const auto& taken = boost::get<Array>(object.members().front().second);
+    EXPECT_EQ(&taken.elements().front(), first) << "nothing was copied";
+    Array outer;
+    outer.add_element(std::move(object));
+    outer.add_element(Array());
+    Object root;
+    root.add_element("root", std::move(outer));
+    EXPECT_EQ(
+        json_writer::toText(root),
+        "{\n  \"root\": [\n    {\n      \"list\": [\n        0,\n        1,\n        2\n      ]\n    },\n"
+        "    []\n  ]\n}\n");
+    root.add_element("self", std::move(root));
+    EXPECT_EQ(root.members().size(), 1u);
+}
+
 TEST(JsonWriter, assignedContainersAreCopies)
 {
     Array array;

@@ -20,25 +20,39 @@ bool isAscii(const QString& text)
     return true;
 }
 
-/// Characters beyond the basic plane are two units of text, and would become two question marks.
-QString withoutSurrogatePairs(const QString& text)
+/// The characters of the bytes from 0x80 up, in the order of the bytes.
+const QString& upperHalf()
 {
-    QString plain;
-    plain.reserve(text.size());
-    for (const uint character : text.toUcs4())
-        plain += character > 0xFFFF ? QChar('?') : QChar(static_cast<ushort>(character));
-    return plain;
+    static const QString& sCharacters = *new QString([] {
+        std::string bytes;
+        for (int byte = 0x80; byte <= 0xFF; ++byte)
+            bytes += static_cast<char>(byte);
+        return windows1252ToText(bytes);
+    }());
+    return sCharacters;
+}
+
+char toByte(uint character)
+{
+    if (character < 0x80)
+        return static_cast<char>(character);
+    const bool isHeld = character <= 0xFFFF && character != QChar::ReplacementCharacter;
+    const int place = isHeld ? upperHalf().indexOf(QChar(static_cast<ushort>(character))) : -1;
+    return place < 0 ? '?' : static_cast<char>(0x80 + place);
 }
 
 } // namespace
 
+// Not by the codec, which leaves out what nobody sees, such as a zero width space: two names that differ in
+// it would become one.
 std::string textToWindows1252(const QString& text)
 {
     if (isAscii(text))
         return text.toStdString();
-    const QString plain = withoutSurrogatePairs(text);
-    QTextCodec::ConverterState state(QTextCodec::IgnoreHeader);
-    return codec().fromUnicode(plain.constData(), plain.size(), &state).toStdString();
+    std::string bytes;
+    for (const uint character : text.toUcs4())
+        bytes += toByte(character);
+    return bytes;
 }
 
 QString windows1252ToText(const std::string& bytes)
