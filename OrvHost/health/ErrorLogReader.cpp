@@ -1,5 +1,7 @@
 #include "OrvHost/health/ErrorLogReader.h"
 
+#include <stdexcept>
+
 #include "OrvHost/TextFile.h"
 
 namespace OrvHost {
@@ -77,6 +79,13 @@ std::vector<ErrorLogEntry> ErrorLogReader::read(const fileString& path)
     if (!path.pathExists())
         return {};
     return parse(TextFile::read(path));
+}
+
+std::vector<ErrorLogEntry> ErrorLogReader::readIfPossible(const fileString& path)
+try {
+    return read(path);
+} catch (const std::runtime_error&) {
+    return {};
 }
 
 } // namespace OrvHost

@@ -26,6 +26,9 @@ public:
     /// The entries of a log file; none when it does not exist.
     /// @throws std::runtime_error when it exists but cannot be read, with its path and the system's text
     static std::vector<ErrorLogEntry> read(const fileString& path);
+    /// The same for one who can do without the log: none when it cannot be read, as where a folder has its
+    /// name.
+    static std::vector<ErrorLogEntry> readIfPossible(const fileString& path);
 };
 
 } // namespace OrvHost

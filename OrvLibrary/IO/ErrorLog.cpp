@@ -19,6 +19,13 @@ namespace {
 constexpr double kLongestSilenceSeconds = 604800.0; // seven days
 constexpr char kFileName[] = "errors.log";
 
+/// Whether the log is there and was last written more than seven days ago.
+bool isStale(const fileString& log)
+{
+    return log.pathExists() &&
+           std::difftime(std::time(nullptr), log.modificationTime()) > kLongestSilenceSeconds;
+}
+
 } // namespace
 
 std::string threadText(const void* handle)
@@ -100,8 +107,12 @@ void ErrorLog::clear()
 {
     ThreadLockGuard<ThreadMutex> guard(mMutex);
     const fileString log = getLogFile();
-    if (log.pathExists() &&
-        std::difftime(std::time(nullptr), log.modificationTime()) > kLongestSilenceSeconds)
+    if (!isStale(log))
+        return;
+    // Another process may have replaced the log since that look, so it is looked at again under the lock that
+    // writers take. A log that cannot be written has no writers.
+    const LockingFStream locked(log, std::ios_base::app);
+    if ((locked.is_open() || !FileUtils::canWriteFile(log)) && isStale(log))
         FileUtils::removePath(log, 0);
 }
 

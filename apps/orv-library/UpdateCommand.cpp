@@ -38,7 +38,7 @@ std::string firstLine(const std::string& text)
 std::string logText(std::size_t formerEntries)
 {
     const fileString file = Library::ErrorLog::file();
-    const std::vector<OrvHost::ErrorLogEntry> entries = OrvHost::ErrorLogReader::read(file);
+    const std::vector<OrvHost::ErrorLogEntry> entries = OrvHost::ErrorLogReader::readIfPossible(file);
     // A log that was not written for a week starts anew when something is written to it.
     const std::size_t first = formerEntries < entries.size() ? formerEntries : 0;
     if (first >= entries.size())
@@ -120,7 +120,8 @@ ExitStatus UpdateCommand::run(Session& session)
     InvocationTrace trace(session.options().traceFile);
     ProgressReporter progress(session.options().progress);
     UpdateHost host(progress, trace, update.swapper());
-    const std::size_t formerLogEntries = OrvHost::ErrorLogReader::read(Library::ErrorLog::file()).size();
+    const std::size_t formerLogEntries =
+        OrvHost::ErrorLogReader::readIfPossible(Library::ErrorLog::file()).size();
     waitForEnd(update, host);
     const OrvHost::UpdateOutcome outcome = update.finish(host.outcome(), appHost.root());
     for (const std::string& note : outcome.notes)

@@ -14,6 +14,7 @@
 
 #include "OrvLibrary/IO/ErrorLog_p.h"
 #include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/LockingFStream.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/TimeUtils.h"
 #include "tests/support/TempFolder.h"
@@ -208,6 +209,30 @@ TEST_F(ErrorLogTest, aLogFromTheFutureIsKept)
     setAge(-604900);
     ErrorLog::clear();
     EXPECT_TRUE(log().pathExists());
+}
+
+TEST_F(ErrorLogTest, aLogThatAnotherProcessMadeMeanwhileStays)
+{
+    test::writeFile(log().toNativeString(), "old");
+    setAge(604801);
+    auto other = std::make_unique<LockingFStream>(log(), std::ios_base::app);
+    std::thread clearing([] { ErrorLog::clear(); });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_TRUE(log().pathExists()) << "the other one has the lock";
+    FileUtils::removePath(log());
+    test::writeFile(log().toNativeString(), "fresh");
+    other.reset();
+    clearing.join();
+    EXPECT_EQ(test::readFile(log()), "fresh");
+}
+
+TEST_F(ErrorLogTest, aStaleLogThatIsReadOnlyIsRemoved)
+{
+    test::writeFile(log().toNativeString(), "old");
+    setAge(604801);
+    ASSERT_EQ(chmod(log().toNativeString().c_str(), 0444), 0);
+    ErrorLog::clear();
+    EXPECT_FALSE(log().pathExists());
 }
 
 TEST_F(ErrorLogTest, clearingAMissingLogDoesNothing)

@@ -47,11 +47,7 @@ OrvHost::CatalogUpdateRun::Request requestOf(const BrowserSettings& settings)
 
 std::vector<OrvHost::ErrorLogEntry> logEntries()
 {
-    try {
-        return OrvHost::ErrorLogReader::read(Library::ErrorLog::file());
-    } catch (const std::exception&) {
-        return {}; // a log that cannot be read has nothing to say
-    }
+    return OrvHost::ErrorLogReader::readIfPossible(Library::ErrorLog::file());
 }
 
 QString listed(const std::set<std::string>& names)
