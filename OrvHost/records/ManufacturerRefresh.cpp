@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "OrvHost/update/ChangeLock.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
@@ -68,6 +69,15 @@ ManufacturerRefresh::Changes difference(const ManufacturerRefresh::Table& before
     return changes;
 }
 
+/// Refuses to overwrite a file, but makes it writable for the next attempt, as the library does.
+[[noreturn]] void refuse(const fileString& file)
+{
+    FileUtils::makeFileWritable(file);
+    const bool isWritable = file.pathExists() && FileUtils::canWriteFile(file);
+    throw std::runtime_error("cannot write " + file.toNativeString() +
+                             (isWritable ? ": it was read-only; the next refresh may write it" : ""));
+}
+
 } // namespace
 
 ManufacturerRefresh::ManufacturerRefresh(Curl& next) : ForwardingCurl(next) {}
@@ -83,6 +93,9 @@ ManufacturerRefresh::Table ManufacturerRefresh::currentTable()
 
 void ManufacturerRefresh::run(const std::string& dataUrl, const std::string& logoUrl)
 {
+    // Another program may have refreshed or edited the records since the manager read them.
+    const ChangeLock lock("manufacturers");
+    ManufacturerManager::getManufacturerManager()->loadManufacturers();
     const Table before = currentTable();
     const ptime former = ManufacturerManager::getManufacturerManager()->getLastModified();
     {
@@ -98,7 +111,7 @@ void ManufacturerRefresh::run(const std::string& dataUrl, const std::string& log
     mChanges = difference(before, currentTable());
 }
 
-/// The library asks for the data first; whatever it asks for later are logos.
+/// The library asks for the data first; all that it asks for later are logos.
 bool ManufacturerRefresh::download_to_location(const std::string& url, const fileString& target,
                                                std::string& reason)
 {
@@ -140,7 +153,7 @@ void ManufacturerRefresh::prepareToOverwrite()
 {
     const fileString file = dataFile();
     if (!FileUtils::canWriteFile(file))
-        throw std::runtime_error("cannot write " + file.toNativeString());
+        refuse(file);
     const fileString backup = file + fileString(".bak");
     if (file.pathExists() && !FileUtils::copyFile(file, backup, true))
         throw std::runtime_error("cannot keep the former file as " + backup.toNativeString());

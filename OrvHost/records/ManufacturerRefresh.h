@@ -11,8 +11,13 @@
 
 namespace OrvHost {
 
-/// A refresh of the manufacturer records that says what became of it, which the library itself does not: a
-/// download service that watches the library at it. Used on the main thread.
+/// A refresh of the manufacturer records that says how it ended and what it changed, which the library does
+/// not. It is a download service that hands every request on to another one and watches the library's
+/// requests. One object serves one refresh, on the thread of the manufacturer manager. For example:
+///
+///     ManufacturerRefresh refresh(Curl::get());
+///     refresh.run(dataUrl, logoUrl);
+///     for (const long id : refresh.changes().added) …
 class ORVHOST_EXPORT ManufacturerRefresh : public ForwardingCurl
 {
 public:
@@ -31,10 +36,12 @@ public:
     /// @param next the service that does the work; not owned
     explicit ManufacturerRefresh(Curl& next);
 
-    /// Refreshes through the manager. Before the data file is replaced, the former one is kept beside it as
-    /// "manufacturer_data.json.bak".
-    /// @throws std::runtime_error when the data could not be fetched, read or written, or the former file
-    /// could not be kept; nothing has changed then
+    /// Takes the lock that keeps other programs from changing the records meanwhile, reads the data file anew
+    /// and refreshes through the manager. Before the data file is replaced, the former one is kept beside it
+    /// as "manufacturer_data.json.bak".
+    /// @throws std::runtime_error when another program does not come to its end, when the data could not be
+    /// fetched, read or written, or when the former file could not be kept. The records are as they were
+    /// then. A file that was read-only is writable for the next refresh.
     void run(const std::string& dataUrl, const std::string& logoUrl);
 
     const Changes& changes() const { return mChanges; }

@@ -1,7 +1,9 @@
 // Bringing the records and their logos up to date from the web service.
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <set>
 
 #include "OrvLibrary/Manufacturer/ManufacturerFileKeys_p.h"
 #include "OrvLibrary/host/Curl.h"
@@ -30,15 +32,55 @@ bool isNewer(const ptime& time, const ptime& than)
     return dateOf(time) > dateOf(than);
 }
 
-/// Whether the name is that of a file of its own in the manufacturer folder. The service says what logos are
-/// called; it must not choose what is deleted or written elsewhere, or in the data file's place.
+std::string lowerCase(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+    return text;
+}
+
+bool startsWith(const std::string& text, const std::string& start)
+{
+    return text.compare(0, start.size(), start) == 0;
+}
+
+bool endsWith(const std::string& text, const std::string& end)
+{
+    return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
+}
+
+/// The name without detours, by which two names of one file are equal: "a.png" for "./b/../a.png".
+std::string plainName(const fileString& logo)
+{
+    return std::filesystem::path(logo.toNativeString()).lexically_normal().native();
+}
+
+/// Whether the name is that of one of our own files in the folder, on a file system that knows no letter
+/// case, too.
+bool isOwnFile(const std::string& name)
+{
+    const std::string lower = lowerCase(name);
+    return startsWith(lower, kFileName) || lower == kTemporaryFileName || endsWith(lower, ".orv-new");
+}
+
+/// Whether the name is that of a file in the manufacturer folder that is not one of our own. The service says
+/// how logos are called; it must not choose what is deleted or written elsewhere, or in the data file's
+/// place.
 bool isLogoName(const fileString& logo)
 {
     const std::string& name = logo.toNativeString();
-    const auto path = std::filesystem::path(name).lexically_normal();
+    const std::filesystem::path path(plainName(logo));
     if (name.empty() || name.find('\0') != std::string::npos || path.is_absolute() || !path.has_filename())
         return false;
-    return *path.begin() != ".." && path != "." && path != kFileName && path != kTemporaryFileName;
+    return *path.begin() != ".." && path != "." && !isOwnFile(path.native());
+}
+
+std::set<std::string> logoNames(const std::map<long, Manufacturer>& table)
+{
+    std::set<std::string> names;
+    for (const auto& [id, record] : table)
+        names.insert(plainName(record.getManufacturerLogoName()));
+    return names;
 }
 
 fileString logoFile(const fileString& logo)
@@ -46,12 +88,14 @@ fileString logoFile(const fileString& logo)
     return PathUtils::getObject().getManufacturerDataPath() / logo;
 }
 
-/// A failure leaves the logo missing.
+/// A failure leaves the folder as it is.
 void fetchLogo(const fileString& logo, const marl::unicode::String& logoBase)
-{
+try {
     std::string ignoredReason;
     Curl::get().download_to_location(StringUtils::toWin1252(logoBase + logo.unicodeString()), logoFile(logo),
                                      ignoredReason);
+} catch (...) {
+    // A download that throws is a logo that failed; the others are still fetched.
 }
 
 } // namespace
@@ -91,10 +135,12 @@ void ManufacturerManager::fetchUpdate(const std::string& dataUrl, const marl::un
     write_manufacturer_file();
 }
 
-/// Fetches the logos of records that are new, or newer than ours, whose old logo goes first.
+/// Fetches the logos of records that are new, or newer than ours. The old logo of a newer record goes first,
+/// unless a record of the new table names it: that one is replaced when its successor has arrived.
 void ManufacturerManager::fetchLogos(const std::map<long, Manufacturer>& table,
                                      const marl::unicode::String& logoBase) const
 {
+    const std::set<std::string> wanted = logoNames(table);
     for (const auto& [id, record] : table) {
         const fileString logo = record.getManufacturerLogoName();
         const auto current = mTable.find(id);
@@ -103,8 +149,9 @@ void ManufacturerManager::fetchLogos(const std::map<long, Manufacturer>& table,
             continue;
         if (!isLogoName(logo))
             continue;
-        if (isKnown && isLogoName(current->second.getManufacturerLogoName()))
-            FileUtils::removePath(logoFile(current->second.getManufacturerLogoName()));
+        const fileString old = isKnown ? current->second.getManufacturerLogoName() : fileString();
+        if (isLogoName(old) && wanted.count(plainName(old)) == 0)
+            FileUtils::removePath(logoFile(old));
         fetchLogo(logo, logoBase);
     }
 }

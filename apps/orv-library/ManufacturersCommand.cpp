@@ -4,7 +4,6 @@
 
 #include "OrvHost/Settings.h"
 #include "OrvHost/records/ManufacturerRefresh.h"
-#include "OrvHost/update/ChangeLock.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/host/TimeUtils.h"
 #include "apps/orv-library/Session.h"
@@ -148,7 +147,6 @@ ExitStatus ManufacturersCommand::refresh(Session& session) const
     const std::string dataUrl = chosen(mDataUrl, settings.manufacturerDataUrl, "--data-url");
     const std::string logoUrl = chosen(mLogoUrl, settings.manufacturerLogoUrl, "--logo-url");
     session.existingHost();
-    const OrvHost::ChangeLock lock("manufacturers");
     OrvHost::ManufacturerRefresh refresh(Curl::get());
     refresh.run(dataUrl, logoUrl);
     for (const std::string& failure : refresh.failedLogos())

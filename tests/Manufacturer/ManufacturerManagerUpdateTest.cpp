@@ -1,12 +1,16 @@
 // The refresh, against a real server.
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 
+#include <stdexcept>
+#include <utility>
+
 #include <sys/stat.h>
 
 #include <gmock/gmock.h>
 
 #include "tests/Manufacturer/ManufacturerFixture.h"
 #include "tests/support/FaultServer.h"
+#include "tests/support/StubServices.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -248,7 +252,7 @@ TEST_F(ManufacturerManagerUpdate, recordsWithoutATimeAreNotNewer)
     EXPECT_THAT(askedLogos(), ElementsAre("c.png"));
 }
 
-TEST_F(ManufacturerManagerUpdate, failedLogoIsLeftMissing)
+TEST_F(ManufacturerManagerUpdate, failedLogoIsLeftMissingUnlessItHasTheOldName)
 {
     have(record(1, "one", kOlder, "a.png"));
     haveFile("a.png", "old");
@@ -258,8 +262,51 @@ TEST_F(ManufacturerManagerUpdate, failedLogoIsLeftMissing)
     serveLogo("c.png", "picture");
     refresh();
     EXPECT_EQ(names(), "1:one 2:two 3:three ");
-    EXPECT_THAT(files(), UnorderedElementsAre("c.png", "manufacturer_data.json"));
+    EXPECT_THAT(files(), UnorderedElementsAre("a.png", "c.png", "manufacturer_data.json"));
+    EXPECT_EQ(test::readFile(dataPath("a.png")), "old") << "until its successor has arrived";
     EXPECT_TRUE(mHost.messages().empty());
+}
+
+TEST_F(ManufacturerManagerUpdate, anOldLogoThatAnotherRecordNamesStays)
+{
+    have(record(1, "one", kOlder, "shared.png") + record(2, "two", kOlder, "./shared.png") +
+         record(3, "three", kOlder, "own.png"));
+    haveFile("shared.png", "shared");
+    haveFile("own.png", "own");
+    serve(kNewer, record(1, "one", kNewer, "one.png") + record(2, "two", kOlder, "x/../shared.png") +
+                      record(3, "three", kNewer, "three.png"));
+    refresh();
+    EXPECT_THAT(files(), UnorderedElementsAre("manufacturer_data.json", "shared.png"));
+}
+
+/// Serves the data and every logo but one, for which it throws.
+class ThrowingCurl : public test::DeadCurl
+{
+public:
+    explicit ThrowingCurl(std::string data) : mData(std::move(data)) {}
+
+    using test::DeadCurl::download_to_location;
+    bool download_to_location(const std::string& url, const fileString& target, std::string&) override
+    {
+        if (url.find("bad.png") != std::string::npos)
+            throw std::runtime_error("no such logo");
+        const bool isData = url.find("/data") != std::string::npos;
+        test::writeFile(target.toNativeString(), isData ? mData : "picture");
+        return true;
+    }
+
+private:
+    std::string mData;
+};
+
+TEST_F(ManufacturerManagerUpdate, aLogoWhoseDownloadThrowsCountsAsThatLogosFailure)
+{
+    have(record(1, "one", kOlder));
+    const ThrowingCurl service(
+        document(kNewer, record(2, "two", kNewer, "bad.png") + record(3, "three", kNewer, "good.png")));
+    refresh();
+    EXPECT_EQ(names(), "2:two 3:three ");
+    EXPECT_THAT(files(), UnorderedElementsAre("good.png", "manufacturer_data.json"));
 }
 
 TEST_F(ManufacturerManagerUpdate, addressesAreWindows1252)
@@ -290,7 +337,10 @@ TEST_F(ManufacturerManagerUpdate, hostileLogoNamesTouchNothing)
                                  "kept.png/",
                                  "manufacturer_data.json",
                                  "./manufacturer_data.json",
+                                 "manufacturer_data.json.bak",
+                                 "Manufacturer_Data.JSON",
                                  "manufacturer_data_temp.json",
+                                 ".manufacturer_data.json.0123456789abcdef.orv-new",
                                  "kept.png\\u0000.txt"};
     mServer.otherwise([](const test::FaultRequest&) { return FaultReply::ok("hostile"); });
     for (const std::string& name : names) {

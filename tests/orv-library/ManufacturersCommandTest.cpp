@@ -210,9 +210,12 @@ TEST_F(ManufacturersCommand, refreshFailsWhenTheFileCannotBeWritten)
     server.on("/data", FaultReply::ok(kTheirs));
     const test::ProgramResult result = refresh();
     EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.err, "orv-library: cannot write " + file + "\n");
+    EXPECT_EQ(result.err,
+              "orv-library: cannot write " + file + ": it was read-only; the next refresh may write it\n");
     EXPECT_EQ(test::readFile(file), kOurs);
     EXPECT_THAT(files(), ElementsAre("manufacturer_data.json"));
+    EXPECT_EQ(refresh().status, 0) << "as it is with the library alone";
+    EXPECT_EQ(test::readFile(file + ".bak"), kOurs);
 }
 
 TEST_F(ManufacturersCommand, unreadableFileIsReplacedAndKept)
