@@ -108,8 +108,8 @@ TEST(LogCommand, aLogThatCannotBeReadKeepsNoUpdateFromBeginning)
     const test::Program program;
     program.createRoot();
     std::filesystem::create_directories(program.root() + "/user/errors.log");
-    const test::ProgramResult result = program.run({"update", "--url", "http://127.0.0.1:1/", "--product",
-                                                    "P", "--product-version", "1", "--retries", "0"});
+    const test::ProgramResult result =
+        program.run({"update", "--url", "http://127.0.0.1:1/", "--product", "P", "--product-version", "1"});
     EXPECT_EQ(result.status, 1);
     EXPECT_THAT(result.err, HasSubstr("update from http://127.0.0.1:1/"));
     EXPECT_THAT(result.err, testing::Not(HasSubstr("errors.log")));
