@@ -7,8 +7,9 @@ import os
 import re
 import zipfile
 
-# The error log is written in place and tells of the faults themselves.
-VOLATILE = re.compile(r"^root/user/errors\.log$")
+# The error log is written in place and tells of the faults themselves. The record of former imports tells of times; the
+# scenarios that take imports back show whether it is sound.
+VOLATILE = re.compile(r"^root/user/errors\.log$|^root/former-imports(/|$)")
 # Stamps that are new in every run; what else a file of them holds is compared.
 STAMPED = re.compile(r"^root/manufacturer-data/manufacturer_data(_temp)?\.json(\.bak)?$")
 STAMP = re.compile(rb"\d{8}T\d{6}(\.\d+)?")
@@ -124,9 +125,9 @@ def judge_ended(now):
     return [f"{path} was not removed" for path in sorted(now) if UNFINISHED.search(path)]
 
 
-def judge_done(now, new, may_differ=()):
-    """Complaints about a run that said it was done: everything is new."""
-    return [f"{path} is not what a run that is done leaves" for path in sorted(new)
+def judge_done(now, new, may_differ=(), said="is done"):
+    """Complaints about a run that said it was done: everything is new. Or that it failed: everything is old."""
+    return [f"{path} is not what a run that {said} leaves" for path in sorted(new)
             if now.get(path) != new[path] and path not in may_differ]
 
 

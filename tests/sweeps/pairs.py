@@ -3,8 +3,8 @@
 
     pairs.py --program ORV_LIBRARY [--rounds N]    300 rounds where the environment variable ORV_SWEEP is "full"
 
-An update beside another, which is turned away; an update beside an import; a filter that is added while the file is
-merged into another one's. Neither loses what the other writes, and the files end as if one had come after the other.
+An update beside another, which is turned away; an update beside an import, also of one name; two imports of one name; an
+import beside an undo; a filter that is added while the file is merged into another one's. Neither loses what the other writes, and the files end as if one had come after the other.
 """
 import argparse
 import os
@@ -76,6 +76,90 @@ class UpdateAndImport(Pair):
         return oracle.judge_recovered(oracle.snapshot(sandbox), pairs.one_by_one(self))
 
 
+class TwoImportsScenario(scenarios.Scenario):
+    """Two archives of one library, each with a file of its own, and no such library yet."""
+
+    name = "two-imports"
+
+    def fill(self, sandbox):
+        for version in (1, 2):
+            members = {**scenarios.library_members(10 * version), f"only-{version}.txt": b"only"}
+            scenarios.archive(self.source(sandbox, version), members)
+
+    @staticmethod
+    def source(sandbox, version):
+        return os.path.join(sandbox, f"input/{version}/Kitchen.orvlibz")
+
+    def arguments(self, sandbox, service):
+        return ["import", "--no-database-check", self.source(sandbox, 1)]
+
+
+class TwoImports(Pair):
+    """Both are first imports of one name; the later one merges with what the earlier one put in place."""
+
+    name = "import beside import"
+    scenario = TwoImportsScenario()
+
+    def second(self, sandbox, service):
+        return ["import", "--no-database-check", self.scenario.source(sandbox, 2)]
+
+    def judge(self, pairs, sandbox):
+        found = oracle.snapshot(sandbox)
+        textures = found.get("root/textures/Kitchen.zip", "")
+        lost = [f"only-{version}.txt is lost" for version in (1, 2) if f"only-{version}.txt" not in textures]
+        return lost + oracle.judge_recovered(found, pairs.one_by_one(self))
+
+
+class ImportAndUndoScenario(TwoImportsScenario):
+    name = "import-undo"
+
+    def before(self, sandbox, service):
+        return [self.arguments(sandbox, service)]
+
+
+class ImportAndUndo(Pair):
+    """An import is taken back while another one of the same name comes: the earlier one or the later one."""
+
+    name = "import beside undo"
+    scenario = ImportAndUndoScenario()
+
+    def first(self, sandbox, service):
+        return ["import", "--no-database-check", self.scenario.source(sandbox, 2)]
+
+    def second(self, sandbox, service):
+        return ["undo"]
+
+    def judge(self, pairs, sandbox):
+        return oracle.judge_recovered(oracle.snapshot(sandbox), pairs.one_by_one(self))
+
+
+class SameNameScenario(scenarios.Update):
+    """A manufacturer's catalog comes with an update, and a library of the same name is imported."""
+
+    name = "update-import-same"
+
+    def fill(self, sandbox):
+        members = {"Maker.orvlib": scenarios.noise(7, 40000), "pictures/mine.jpg": scenarios.noise(8, 9000)}
+        scenarios.archive(os.path.join(sandbox, "input/Maker.orvlibz"), members)
+
+
+class SameName(Pair):
+    """The update replaces the archive of referenced files, the import merges with it: whichever comes last, what the
+    update brought is there."""
+
+    name = "import beside update of one name"
+    scenario = SameNameScenario()
+
+    def second(self, sandbox, service):
+        return ["import", "--no-database-check", "--proprietary", os.path.join(sandbox, "input/Maker.orvlibz")]
+
+    def judge(self, pairs, sandbox):
+        found = oracle.snapshot(sandbox)
+        textures = found.get("root/referenced/Maker.zip", "")
+        return [f"{name} is lost" for name in ("pictures/one.jpg", "pictures/2.png")
+                if f"'{name}'" not in textures]
+
+
 class AddAndMerge(Pair):
     """The merge changes the root's file and its own; the filter that is added meanwhile must not be lost, nor lose
     what was merged."""
@@ -103,7 +187,7 @@ class AddAndMerge(Pair):
         return complaints + [f"{path} was left over" for path in left]
 
 
-ALL = [TwoUpdates(), UpdateAndImport(), AddAndMerge()]
+ALL = [TwoUpdates(), UpdateAndImport(), TwoImports(), ImportAndUndo(), SameName(), AddAndMerge()]
 
 
 class Pairs:
@@ -164,15 +248,17 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--program", required=True, type=os.path.abspath)
     parser.add_argument("--rounds", type=int, default=10)
+    parser.add_argument("--pair", action="append", help="only pairs whose names hold this text")
     options = parser.parse_args()
     if is_full():
         options.rounds = 300
 
+    chosen = [pair for pair in ALL if not options.pair or any(part in pair.name for part in options.pair)]
     complaints = []
     with tempfile.TemporaryDirectory(prefix="orv-pairs-") as folder:
         pairs = Pairs(options.program, os.path.realpath(folder))
         try:
-            for pair in ALL:
+            for pair in chosen:
                 pairs.prepare(pair)
                 for number in range(options.rounds):
                     found = pairs.round(pair, number)
@@ -182,8 +268,8 @@ def main():
                 print(f"{pair.name}: {options.rounds} rounds", flush=True)
         finally:
             pairs.sweep.stop()
-    print(f"pairs: {len(ALL) * options.rounds} rounds, {len(complaints)} complaints")
-    return 1 if complaints or options.rounds < 1 else 0
+    print(f"pairs: {len(chosen) * options.rounds} rounds, {len(complaints)} complaints")
+    return 1 if complaints or not chosen or options.rounds < 1 else 0
 
 
 if __name__ == "__main__":

@@ -41,6 +41,8 @@ class Scenario:
     working_files = ()
     # Copies that a run keeps of what it could not read.
     kept_copies = ()
+    # Files that a run changes all or, when it fails, not at all.
+    all_or_nothing = ()
     # Deliberate: what a failure left out stays out until the service has something newer.
     may_stay_out = ()
     # Whether the run tells a host object of its end, once.
@@ -110,6 +112,7 @@ class ImportOverOld(Scenario):
 
     name = "import"
     may_lack_members = ("root/textures/Kitchen.zip",)
+    all_or_nothing = ("root/textures/Kitchen.zip", "root/user/Kitchen.orvlib", "root/user/Kitchen.orvlib.bak")
 
     def fill(self, sandbox):
         archive(os.path.join(sandbox, "input/Kitchen.orvlibz"), library_members(1))
@@ -132,6 +135,25 @@ class ImportNew(Scenario):
 
     def arguments(self, sandbox, service):
         return ["import", "--no-database-check", "--proprietary", os.path.join(sandbox, "input/Kitchen.orvlibz")]
+
+
+class Undo(Scenario):
+    """Takes back the last of three imports."""
+
+    name = "undo"
+
+    def fill(self, sandbox):
+        for version in (1, 2, 3):
+            members = {**library_members(10 * version), f"only-{version}.txt": b"only"}
+            archive(os.path.join(sandbox, f"input/{version}/Kitchen.orvlibz"), members)
+        write(os.path.join(sandbox, "root/user/Kitchen.orvlib"), noise(9, 90000))
+
+    def before(self, sandbox, service):
+        return [["import", "--no-database-check", os.path.join(sandbox, f"input/{version}/Kitchen.orvlibz")]
+                for version in (1, 2, 3)]
+
+    def arguments(self, sandbox, service):
+        return ["undo"]
 
 
 class FilterAdd(Scenario):
@@ -276,5 +298,5 @@ class UpdateFar(Update):
         return {**core, **({"Gone.orvlib": (1, 30000)} if version == 1 else {})}
 
 
-ALL = [UnpackBeside(), UnpackOut(), ImportOverOld(), ImportNew(), FilterAdd(), FilterRemoveLast(), FilterMerge(),
+ALL = [UnpackBeside(), UnpackOut(), ImportOverOld(), ImportNew(), Undo(), FilterAdd(), FilterRemoveLast(), FilterMerge(),
        ManufacturerRefresh(), Update(), UpdateFirst(), UpdateFar()]

@@ -250,6 +250,10 @@ class Sweep:
             complaints += oracle.judge_ended(now)
         if status == 0:
             complaints += oracle.judge_done(now, new, scenario.may_lack_members + scenario.may_stay_old)
+        # What cannot be removed, nor renamed, cannot be taken back.
+        if status == 1 and not (cell.ever and cell.kinds in ("unlink", "rename")):
+            complaints += oracle.judge_done(now, {path: old.get(path) for path in scenario.all_or_nothing},
+                                            said="failed")
         if cell.again:
             self.run(scenario, sandbox, Cell(scenario, 0, CHANGING, cell.again, "kill").settings())
             complaints += oracle.judge_disturbed(oracle.snapshot(sandbox), [old] + self.finals[scenario],
