@@ -4,9 +4,12 @@
 #include <filesystem>
 #include <set>
 
+#include "OrvHost/health/DatabaseCheck.h"
 #include "OrvHost/imports/LibrarySource.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "apps/catalog-service/ZipWriter.h"
+#include "apps/orv-library/ConsoleProgress.h"
+#include "apps/orv-library/Interrupt.h"
 #include "apps/orv-library/Session.h"
 
 namespace {
@@ -26,6 +29,8 @@ std::string nameRefusal(const std::string& name)
 {
     if (name.empty() || name == "." || name == "..")
         return "has no file name";
+    if (QString::fromUtf8(name.c_str()).toUtf8().toStdString() != name)
+        return "the name is not UTF-8, which an archive cannot hold";
     const std::size_t bad = name.find_first_of(":&#+%");
     if (bad != std::string::npos)
         return std::string("the name holds \"") + name[bad] + "\", which an update cannot fetch";
@@ -63,6 +68,7 @@ void PackCommand::declare(CommandSyntax& syntax)
     syntax.arguments("FILE", mFiles, "The files that the library refers to");
     syntax.option("--output", mOutput, "OUT.orvlibz", "The archive to write",
                   CommandSyntax::Presence::Required);
+    syntax.flag("--no-database-check", mSkipsDatabaseCheck, "Pack a library whose database is none, too");
     syntax.runs([this](Session& session) { return run(session); });
 }
 
@@ -70,17 +76,17 @@ ExitStatus PackCommand::run(Session& session) const
 {
     if (fileString(mOutput).extension() != fileString(".orvlibz"))
         throw UsageError("the archive's name must end in .orvlibz");
-    const std::vector<std::string> reasons = refusals();
-    if (!reasons.empty()) {
-        for (std::size_t i = 0; i + 1 < reasons.size(); ++i)
-            Console::complain(reasons[i]);
-        throw CommandFailure(reasons.back());
+    session.console().resultSoFar({{"archive", QJsonValue()}, {"members", 0}, {"bytes", 0}});
+    const Interrupt interrupt;
+    try {
+        pack(session);
+    } catch (const std::exception&) {
+        if (!Interrupt::requested())
+            throw;
+        session.console().result({{"archive", QJsonValue()}, {"members", 0}, {"bytes", 0}}, {});
+        Console::complain(mOutput + ": interrupted, nothing was written");
+        return ExitStatus::Interrupted;
     }
-    ZipWriter writer(mOutput);
-    for (const std::string& path : inputs())
-        writer.addFile(memberName(path), path);
-    writer.close();
-
     const fileString archive = OrvHost::absolutePath(fileString(mOutput));
     const auto members = static_cast<qint64>(inputs().size());
     const auto bytes = static_cast<qint64>(FileUtils::fileSize(archive));
@@ -88,6 +94,53 @@ ExitStatus PackCommand::run(Session& session) const
         {{"archive", jsonText(archive.toNativeString())}, {"members", members}, {"bytes", bytes}},
         "Packed " + std::to_string(members) + " files into " + archive.toNativeString() + ".\n");
     return ExitStatus::Done;
+}
+
+void PackCommand::pack(Session& session) const
+{
+    ProgressReporter reporter(session.options().progress);
+    ConsoleProgress progress(reporter);
+    const std::vector<std::string> reasons = refusals();
+    if (!reasons.empty()) {
+        for (std::size_t i = 0; i + 1 < reasons.size(); ++i)
+            Console::complain(reasons[i]);
+        throw CommandFailure(reasons.back());
+    }
+    progress.updateLabels("checking", {});
+    requireDatabase();
+    progress.updateLabels("packing", {});
+    progress.createSubProgress(totalBytes());
+    ZipWriter writer(mOutput);
+    writer.setProgress([&](std::uint64_t bytes) {
+        progress.advanceBytes(bytes);
+        if (Interrupt::requested())
+            throw CommandFailure("interrupted");
+    });
+    for (const std::string& path : inputs()) {
+        progress.increment(memberName(path), {});
+        writer.addFile(memberName(path), path);
+    }
+    progress.updateLabels("putting in place", {});
+    writer.close();
+}
+
+void PackCommand::requireDatabase() const
+{
+    using namespace OrvHost;
+    if (mSkipsDatabaseCheck)
+        return;
+    const std::string problem = DatabaseCheck::problemOf(fileString(mDatabase), DatabaseCheck::kLimit,
+                                                         [] { return Interrupt::requested(); });
+    if (Interrupt::requested() || !problem.empty())
+        throw CommandFailure(mDatabase + ": " + problem);
+}
+
+std::uint64_t PackCommand::totalBytes() const
+{
+    std::uint64_t total = 0;
+    for (const std::string& path : inputs())
+        total += static_cast<std::uint64_t>(FileUtils::fileSize(fileString(path)));
+    return total;
 }
 
 std::vector<std::string> PackCommand::inputs() const

@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "apps/orv-library/Command.h"
 
-/// `pack DATABASE FILE… --output OUT.orvlibz`: the publisher's side of a packed library.
+/// `pack DATABASE FILE… --output OUT.orvlibz [--no-database-check]`: the publisher's side of a packed
+/// library.
 class PackCommand : public Command
 {
 public:
@@ -15,10 +17,14 @@ public:
 
 private:
     ExitStatus run(Session& session) const;
+    void pack(Session& session) const;
+    void requireDatabase() const;
+    std::uint64_t totalBytes() const;
     std::vector<std::string> inputs() const;
     std::vector<std::string> refusals() const;
 
     std::string mDatabase;
     std::vector<std::string> mFiles;
     std::string mOutput;
+    bool mSkipsDatabaseCheck = false;
 };

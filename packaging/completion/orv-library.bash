@@ -38,7 +38,7 @@ _orv_library() {
         update) options="--url --product --product-version --retries --no-database-check --core-only --index --bonus --manufacturer" ;;
         unpack) options="--beside --output-dir" ;;
         import) options="--proprietary --dry-run --set-aside --no-database-check" ;;
-        pack) options="--output" ;;
+        pack) options="--output --no-database-check" ;;
         filters) options="--id" ;;
         manufacturers) options="--data-url --logo-url" ;;
         verify) options="--repair" ;;

@@ -1,4 +1,6 @@
+#include <csignal>
 #include <filesystem>
+#include <thread>
 
 #include "tests/orv-library/ImportFixture.h"
 
@@ -51,7 +53,8 @@ TEST_F(PackCommand, packedLibraryIsImportedAgain)
 
 TEST_F(PackCommand, databaseAloneIsEnough)
 {
-    EXPECT_EQ(mProgram.run({"pack", write("a.orvlib"), "--output", path("Out.orvlibz")}).status, 0);
+    EXPECT_EQ(mProgram.run({"pack", write("a.orvlib", mDatabase), "--output", path("Out.orvlibz")}).status,
+              0);
     EXPECT_EQ(test::contentsOf(fileString(path("Out.orvlibz"))).size(), 1U);
 }
 
@@ -99,7 +102,7 @@ TEST_F(PackCommand, everyReasonGetsItsLine)
 
 TEST_F(PackCommand, outputThatCannotBeWrittenIsNamed)
 {
-    const std::string database = write("a.orvlib");
+    const std::string database = write("a.orvlib", mDatabase);
     expectFailure({"pack", database, "--output", path("none/Out.orvlibz")}, path("none/Out.orvlibz"));
     fs::create_directory(path("Folder.orvlibz"));
     expectFailure({"pack", database, "--output", path("Folder.orvlibz")}, path("Folder.orvlibz"));
@@ -111,4 +114,68 @@ TEST_F(PackCommand, wrongUsageChangesNothing)
     expectFailure({"pack"}, "pack", 2);
     expectFailure({"pack", database}, "--output", 2);
     expectFailure({"pack", database, "--output", path("Out.zip")}, ".orvlibz", 2);
+}
+
+TEST_F(PackCommand, libraryWhoseDatabaseIsNoneIsRefused)
+{
+    const std::string page = write("a.orvlib", "<html>sign in</html>");
+    expectFailure({"pack", page, "--output", path("Out.orvlibz")}, page + ": is no database");
+    EXPECT_EQ(mProgram.run({"pack", "--no-database-check", page, "--output", path("Out.orvlibz")}).status, 0);
+}
+
+TEST_F(PackCommand, picturesAreStoredAndTheRestIsCompressedInPieces)
+{
+    std::string text;
+    for (int line = 0; text.size() < 3500000; ++line)
+        text += "line " + std::to_string(line * 7919 % 100003) + "\n";
+    const std::string picture = test::sampleBytes(2500000, 5);
+    const ProgramResult result =
+        mProgram.run({"--json", "pack", write("a.orvlib", mDatabase), write("notes.txt", text),
+                      write("oak.JPG", picture), write("line.txt", "\n"), "--output", path("Out.orvlibz")});
+    EXPECT_EQ(result.status, 0) << result.err;
+    const Contents expected{
+        {"a.orvlib", mDatabase}, {"notes.txt", text}, {"oak.JPG", picture}, {"line.txt", "\n"}};
+    EXPECT_TRUE(test::contentsOf(fileString(path("Out.orvlibz"))) == expected);
+    EXPECT_NE(test::readFile(path("Out.orvlibz")).find(picture), std::string::npos) << "as it is";
+    EXPECT_LT(result.json()["bytes"].toDouble(), static_cast<double>(picture.size() + text.size() / 2));
+}
+
+TEST_F(PackCommand, progressIsOneLineAStep)
+{
+    EXPECT_EQ(mProgram
+                  .run({"--progress", "plain", "pack", write("a.orvlib", mDatabase), "--output",
+                        path("Out.orvlibz")})
+                  .err,
+              "checking\npacking\nputting in place\n");
+}
+
+TEST_F(PackCommand, interruptLeavesNothingAndTheFormerArchive)
+{
+    const std::string former = write("Out.orvlibz", "the former archive");
+    const std::string large = write("large.bin", test::sampleBytes(40000000, 5));
+    const auto process =
+        mProgram.start({"--json", "pack", write("a.orvlib", mDatabase), large, "--output", former});
+    // Under way as soon as something is written beside the archive's place.
+    const std::string beside = former + ".orv-new";
+    for (int i = 0; i < 5000 && (!fs::exists(beside) || fs::file_size(beside) == 0); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+    const ProgramResult result = test::Program::finish(*process);
+    EXPECT_EQ(result.status, 130) << result.err;
+    EXPECT_EQ(result.json(), (QJsonObject{{"archive", QJsonValue()}, {"members", 0}, {"bytes", 0}}));
+    EXPECT_FALSE(fs::exists(beside));
+    EXPECT_EQ(test::readFile(former), "the former archive");
+}
+
+TEST_F(PackCommand, twoProgramsNeverWriteTheSameArchive)
+{
+    const std::string database = write("a.orvlib", mDatabase);
+    const std::string large = write("large.bin", test::sampleBytes(10000000, 5));
+    const auto first = mProgram.start({"pack", database, large, "--output", path("Out.orvlibz")});
+    const auto second = mProgram.start({"pack", database, large, "--output", path("Out.orvlibz")});
+    const ProgramResult one = test::Program::finish(*first);
+    const ProgramResult two = test::Program::finish(*second);
+    EXPECT_TRUE(one.status == 0 || two.status == 0) << one.err << two.err;
+    EXPECT_EQ(test::contentsOf(fileString(path("Out.orvlibz"))).size(), 2U);
+    EXPECT_FALSE(fs::exists(path("Out.orvlibz.orv-new")));
 }
