@@ -21,6 +21,7 @@ foreach(page IN ITEMS
         orv-library-filters
         orv-library-help
         orv-library-history
+        orv-library-hold
         orv-library-import
         orv-library-info
         orv-library-list
@@ -29,6 +30,8 @@ foreach(page IN ITEMS
         orv-library-pack
         orv-library-paths
         orv-library-publish
+        orv-library-release
+        orv-library-restore
         orv-library-sample
         orv-library-serve
         orv-library-settings

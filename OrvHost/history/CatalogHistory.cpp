@@ -141,6 +141,12 @@ fileString CatalogHistory::folderOf(const CatalogPlace& place)
     return folder() / fileString(place.key());
 }
 
+void CatalogHistory::noteTags()
+{
+    for (const CatalogFolder& kind : CatalogFolders::all())
+        mTags[kind.folder.toNativeString()] = HashFile::read(kind.folder);
+}
+
 std::string CatalogHistory::tagOf(const CatalogPlace& place)
 {
     const fileString folder = place.hashFolder();
@@ -163,7 +169,7 @@ bool CatalogHistory::keep(const CatalogPlace& place, const std::string& tag, std
         return true;
     const std::vector<HistoryEntry> entries = HistoryEntry::of(place);
     if (!entries.empty() && isSameFile(entries.front().file, file))
-        remove(entries.front()); // of a run that died: its time and its companion may be of another day
+        return true; // kept already by a run that died
     const bool isStale = std::any_of(entries.begin(), entries.end(),
                                      [&](const HistoryEntry& entry) { return entry.tag == tag; });
     const HistoryEntry entry = HistoryEntry::next(place, isStale ? std::string() : tag);

@@ -60,7 +60,10 @@ public:
     bool add(const CatalogPlace& place, const std::string& tag, const fileString& file,
              const fileString& companion, std::string& reason);
 
-    /// The tag of a place as the hash file had it when this object first read that file; empty for none.
+    /// Reads the hash files: `keep` goes by their tags from then on, because an update writes these files
+    /// before the host hears of every new catalog. Otherwise each is read when it is first needed.
+    void noteTags();
+    /// The tag of a place as the hash file had it then; empty for none.
     std::string tagOf(const CatalogPlace& place);
 
     /// The former versions of a place, newest first. Reads those without a tag to their end.

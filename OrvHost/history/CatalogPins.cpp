@@ -1,9 +1,17 @@
 #include "OrvHost/history/CatalogPins.h"
 
-#include <QFile>
+#include <algorithm>
+#include <stdexcept>
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+
+#include "OrvHost/TextFile.h"
+#include "OrvHost/update/ChangeLock.h"
+#include "OrvHost/update/HashFile.h"
+#include "OrvHost/update/UpdateLock.h"
+#include "OrvLibrary/host/SHA1.h"
 
 namespace OrvHost {
 
@@ -11,18 +19,48 @@ namespace {
 
 const char* const kFileName = "catalog-pins.json";
 
-/// Names of any bytes fit into a text: what is no plain ASCII letter stands as "%xx".
-CatalogPlace placeOf(const QJsonValue& key)
+/// Names and tags of any bytes fit into a text: what is no ASCII letter, digit or "/-._~:" stands as "%xx".
+QString encoded(const std::string& bytes)
 {
-    return CatalogPlaces::ofKey(QByteArray::fromPercentEncoding(key.toString().toUtf8()).toStdString());
+    return QString::fromLatin1(QByteArray::fromStdString(bytes).toPercentEncoding("/:"));
 }
 
+std::string decoded(const QJsonValue& text)
+{
+    return QByteArray::fromPercentEncoding(text.toString().toUtf8()).toStdString();
+}
+
+/// @throws std::runtime_error
 QJsonObject readObject(const fileString& path)
 {
-    QFile file(QFile::decodeName(path.toNativeString().c_str()));
-    if (!file.open(QIODevice::ReadOnly))
+    if (!path.pathExists())
         return {};
-    return QJsonDocument::fromJson(file.readAll()).object();
+    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(TextFile::read(path)));
+    if (!document.isObject())
+        throw std::runtime_error("cannot understand " + path.toNativeString() +
+                                 ": repair or remove it, which releases all catalogs");
+    return document.object();
+}
+
+CatalogPins::Restored restoredOf(const QJsonObject& object)
+{
+    CatalogPins::Restored restored;
+    restored.version = decoded(object["version"]);
+    restored.contents = decoded(object["contents"]);
+    for (const QJsonValue& version : object["leaves"].toArray())
+        restored.leaves.insert(decoded(version));
+    return restored;
+}
+
+QJsonObject objectOf(const CatalogPlace& place, const CatalogPins::Restored& restored)
+{
+    QJsonArray leaves;
+    for (const std::string& version : restored.leaves)
+        leaves.append(encoded(version));
+    return {{"catalog", encoded(place.key())},
+            {"version", encoded(restored.version)},
+            {"contents", encoded(restored.contents)},
+            {"leaves", leaves}};
 }
 
 } // namespace
@@ -30,8 +68,68 @@ QJsonObject readObject(const fileString& path)
 CatalogPins::CatalogPins(const fileString& root) : mPath(root / fileString(kFileName))
 {
     const QJsonObject document = readObject(mPath);
-    for (const QJsonValue& key : document["held"].toArray())
-        mHeld.insert(placeOf(key));
+    for (const QJsonValue& value : document["held"].toArray()) {
+        const QJsonObject object = value.toObject();
+        hold(CatalogPlaces::ofKey(decoded(object["catalog"])),
+             {decoded(object["version"]), decoded(object["newer"])});
+    }
+    for (const QJsonValue& value : document["restored"].toArray()) {
+        const QJsonObject object = value.toObject();
+        setRestored(CatalogPlaces::ofKey(decoded(object["catalog"])), restoredOf(object));
+    }
+}
+
+std::vector<std::string> CatalogPins::heldNames() const
+{
+    const std::vector<CatalogPlace> installed = CatalogPlaces::installed();
+    std::vector<std::string> names;
+    for (const auto& [place, unused] : mHeld) {
+        const std::string& name = place.name;
+        const auto namesakes = std::count_if(installed.begin(), installed.end(),
+                                             [&](const CatalogPlace& other) { return other.name == name; });
+        names.push_back(namesakes > 1 ? place.key() : name);
+    }
+    return names;
+}
+
+bool CatalogPins::reconcile()
+{
+    const std::size_t before = mRestored.size();
+    for (auto record = mRestored.begin(); record != mRestored.end();) {
+        const auto& [place, restored] = *record;
+        if (SHA1::fileContentsToSHA1Hex(place.path()) != restored.contents) {
+            record = mRestored.erase(record);
+            continue;
+        }
+        // An archive that a bonus catalog brought has no line, and the service is not asked for it.
+        if (place.tag().empty() && place.category != CatalogCategory::Referenced)
+            HashFile::set(place.hashFolder(), place.name, restored.version);
+        ++record;
+    }
+    return mRestored.size() != before;
+}
+
+void CatalogPins::save() const
+{
+    QJsonArray held, restored;
+    for (const auto& [place, record] : mHeld)
+        held.append(QJsonObject{{"catalog", encoded(place.key())},
+                                {"version", encoded(record.version)},
+                                {"newer", encoded(record.newer)}});
+    for (const auto& [place, record] : mRestored)
+        restored.append(objectOf(place, record));
+    const QJsonObject document{{"held", held}, {"restored", restored}};
+    TextFile::write(mPath, QJsonDocument(document).toJson().toStdString());
+}
+
+void CatalogPins::change(const fileString& root, const std::function<void(CatalogPins&)>& changeIt)
+{
+    // The first lock makes changes wait for each other; the second one turns them away while an update runs.
+    const ChangeLock changes(root, "catalog-pins");
+    const UpdateLock update;
+    CatalogPins pins(root);
+    changeIt(pins);
+    pins.save();
 }
 
 } // namespace OrvHost

@@ -37,13 +37,17 @@ bool forget(const fileString& catalog)
 
 } // namespace
 
-void CatalogSwapper::recover()
+void CatalogSwapper::recover(const std::set<CatalogPlace>& held)
 {
     for (const CatalogFolder& folder : CatalogFolders::all()) {
         // The library gives a file this extension when it is complete; until then it is a ".download".
-        for (const fileString& newFile : CatalogFolders::catalogsIn(folder.downloadFolder))
-            recoverCatalog(folder.path(newFile.stemWithExtension()), newFile);
+        for (const fileString& newFile : CatalogFolders::catalogsIn(folder.downloadFolder)) {
+            const fileString destination = folder.path(newFile.stemWithExtension());
+            if (held.count(CatalogPlaces::ofPath(destination)) == 0)
+                recoverCatalog(destination, newFile);
+        }
     }
+    mHistory.noteTags();
 }
 
 void CatalogSwapper::recoverCatalog(const fileString& destination, const fileString& newFile)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <vector>
 
@@ -33,8 +34,10 @@ public:
     void setDatabaseCheck(bool isOn) { mChecksDatabases = isOn; }
 
     /// To be called before an update starts, because the update empties the download folders: swaps in every
-    /// whole catalog that waits there. Nobody else may be updating meanwhile.
-    void recover();
+    /// whole catalog that waits there, and notes the versions that the update may replace. Nobody else may be
+    /// updating meanwhile.
+    /// @param held is left as it is
+    void recover(const std::set<CatalogPlace>& held = {});
     /// Swaps one catalog in. A new file that is no database is removed. The former catalog goes into the
     /// history; where that fails, it stays in its place.
     /// @return false when that failed; the failure is remembered for `forgetFailed`

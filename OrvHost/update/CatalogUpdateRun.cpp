@@ -1,5 +1,7 @@
 #include "OrvHost/update/CatalogUpdateRun.h"
 
+#include <algorithm>
+#include <atomic>
 #include <stdexcept>
 
 #include "OrvHost/update/CatalogFolders.h"
@@ -30,6 +32,10 @@ bool isThreadCancelled()
     return question && question();
 }
 
+/// Also for what the run does after the updater, which knows of a cancel by itself. One run goes on at a
+/// time.
+std::atomic<bool> isCancelled{false};
+
 } // namespace
 
 CatalogUpdateRun::CatalogUpdateRun(const Request& request) : mRequest(request), mSwapper(request.history) {}
@@ -45,15 +51,16 @@ void CatalogUpdateRun::start(QObject& host)
 {
     mStart = QDateTime::currentDateTimeUtc();
     mSwapper.setDatabaseCheck(mRequest.checksDatabases);
-    mSwapper.recover();
+    readPins();
+    isCancelled = false;
     PartialFiles(PartialFiles::defaultFolder()).prune();
     const LibraryCatalogUpdater updater(
         host, CatalogFolders::core().catalogs(), catalogSet(CatalogFolders::bonus(), mRequest.bonus),
         catalogSet(CatalogFolders::manufacturer(), mRequest.manufacturer), mRequest.product,
         mRequest.productVersion, mRequest.url, mRequest.coreOnly);
-    mService = std::make_unique<CarefulCurl>(Curl::get(), serviceSettings());
-    mKeeper = std::make_unique<VersionKeeper>(*mService);
-    mFormerService = Curl::install(mKeeper.get());
+    mKeeper = std::make_unique<VersionKeeper>(Curl::get(), *mPins);
+    mService = std::make_unique<CarefulCurl>(*mKeeper, serviceSettings());
+    mFormerService = Curl::install(mService.get());
     mWorker = std::thread([this, updater] { work(updater); });
 }
 
@@ -72,10 +79,29 @@ CarefulCurl::Settings CatalogUpdateRun::serviceSettings() const
     return settings;
 }
 
+void CatalogUpdateRun::readPins()
+{
+    mPins.emplace(CatalogFolders::root());
+    std::set<CatalogPlace> held;
+    for (const auto& [place, version] : mPins->held())
+        held.insert(place);
+    if (mPins->reconcile())
+        mPins->save();
+    mSwapper.recover(held);
+}
+
+void CatalogUpdateRun::cancel()
+{
+    isCancelled = true;
+    LibraryCatalogUpdater::killDownload();
+}
+
 void CatalogUpdateRun::work(LibraryCatalogUpdater updater)
 {
     try {
         updater();
+        mHeldFailures = HeldVersions::fetch(*mService, mKeeper->offers(), mRequest.checksDatabases,
+                                            [] { return isCancelled.load(); });
     } catch (...) {
         mException = std::current_exception();
     }
@@ -102,6 +128,7 @@ UpdateOutcome CatalogUpdateRun::finish(const std::optional<LibraryCatalogUpdate:
     UpdateOutcome outcome = UpdateOutcome::of(mService->report(), mSwapper, closing);
     outcome.start = mStart;
     outcome.end = QDateTime::currentDateTimeUtc();
+    noteHeld(outcome);
     for (const fileString& destination : remaining)
         outcome.notes.push_back("the hash file still lists " + destination.toNativeString());
     try {
@@ -112,6 +139,26 @@ UpdateOutcome CatalogUpdateRun::finish(const std::optional<LibraryCatalogUpdate:
     if (mException)
         std::rethrow_exception(mException);
     return outcome;
+}
+
+void CatalogUpdateRun::noteHeld(UpdateOutcome& outcome)
+{
+    for (const HeldVersions::Failure& failure : mHeldFailures) {
+        const std::string& name = failure.place.name;
+        const bool isNoted =
+            std::any_of(outcome.failed.begin(), outcome.failed.end(),
+                        [&](const UpdateOutcome::Failure& other) { return other.catalog == name; });
+        if (!isNoted)
+            outcome.failed.push_back({name, {}, "its newer version was not fetched: " + failure.reason});
+        if (outcome.isGood())
+            outcome.kind = UpdateOutcome::Kind::Incomplete;
+    }
+    try {
+        if (mPins && HeldVersions::note(*mPins, mKeeper->offers()))
+            mPins->save();
+    } catch (const std::runtime_error& error) {
+        outcome.notes.emplace_back(error.what());
+    }
 }
 
 void CatalogUpdateRun::saveHistory(const UpdateOutcome& outcome, const fileString& root) const

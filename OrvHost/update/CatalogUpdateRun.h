@@ -11,6 +11,8 @@
 #include <QObject>
 
 #include "OrvHost/OrvHostExport.h"
+#include "OrvHost/history/CatalogPins.h"
+#include "OrvHost/history/HeldVersions.h"
 #include "OrvHost/history/VersionKeeper.h"
 #include "OrvHost/update/CarefulCurl.h"
 #include "OrvHost/update/CatalogSwapper.h"
@@ -58,9 +60,10 @@ public:
     ~CatalogUpdateRun() override;
 
     /// Swaps in what an update that died had left, and starts the worker. To be called once.
+    /// @throws std::runtime_error when it cannot be read which catalogs are held
     void start(QObject& host);
     /// Cancels the update; `finished` comes all the same.
-    static void cancel() { LibraryCatalogUpdate::LibraryCatalogUpdater::killDownload(); }
+    static void cancel();
     /// Waits for the worker, without the event loop.
     void wait() { endWorker(); }
     /// Takes the hash lines of failed catalogs out, puts the outcome together and writes the history. To be
@@ -79,8 +82,10 @@ Q_SIGNALS:
 
 private:
     CarefulCurl::Settings serviceSettings() const;
+    void readPins();
     void work(LibraryCatalogUpdate::LibraryCatalogUpdater updater);
     void endWorker();
+    void noteHeld(UpdateOutcome& outcome);
     void saveHistory(const UpdateOutcome& outcome, const fileString& root) const;
 
     UpdateLock mLock;
@@ -88,9 +93,11 @@ private:
     CatalogSwapper mSwapper;
     QDateTime mStart;
     Curl* mFormerService = nullptr;
-    std::unique_ptr<CarefulCurl> mService;
-    std::unique_ptr<VersionKeeper> mKeeper; ///< over the service, installed while the worker runs
-    std::exception_ptr mException;          ///< written by the worker before it ends, read after
+    std::optional<CatalogPins> mPins;                 ///< as they are when the run starts
+    std::unique_ptr<VersionKeeper> mKeeper;           ///< below the service
+    std::unique_ptr<CarefulCurl> mService;            ///< installed while the worker runs
+    std::vector<HeldVersions::Failure> mHeldFailures; ///< this and the next one written by the worker
+    std::exception_ptr mException;                    ///< before it ends, read after
     std::thread mWorker;
 };
 

@@ -1,5 +1,6 @@
 #include "OrvHost/update/HashFile.h"
 
+#include <algorithm>
 #include <exception>
 #include <sstream>
 #include <vector>
@@ -69,6 +70,27 @@ bool remove(const fileString& folder, const std::string& name)
     } catch (const std::exception&) {
         return false;
     }
+}
+
+void set(const fileString& folder, const std::string& name, const std::string& hash)
+{
+    std::vector<std::string> lines;
+    if (hashFileIn(folder).pathExists()) {
+        std::istringstream text(TextFile::read(hashFileIn(folder)));
+        for (std::string line; std::getline(text, line) && !line.empty();) {
+            if (!isOf(name, line))
+                lines.push_back(line);
+        }
+    }
+    const auto next = std::find_if(lines.begin(), lines.end(), [&](const std::string& line) {
+        const std::vector<std::string> entry = entryOf(line);
+        return !entry.empty() && name < entry[0];
+    });
+    lines.insert(next, name + ":" + hash);
+    std::string content;
+    for (const std::string& line : lines)
+        content += line + "\n";
+    TextFile::write(hashFileIn(folder), content);
 }
 
 } // namespace HashFile

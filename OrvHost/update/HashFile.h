@@ -19,4 +19,9 @@ ORVHOST_EXPORT std::map<std::string, std::string> read(const fileString& folder)
 /// @return false when there is no such line, or the file cannot be written and is as it was
 ORVHOST_EXPORT bool remove(const fileString& folder, const std::string& name);
 
+/// Gives a name this hash, in the place of its former lines; all other lines stay as they are. Lines behind a
+/// blank one, which nobody reads, go.
+/// @throws std::runtime_error with the path and the system's text; the file is then as it was
+ORVHOST_EXPORT void set(const fileString& folder, const std::string& name, const std::string& hash);
+
 } // namespace OrvHost::HashFile

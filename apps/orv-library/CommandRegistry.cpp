@@ -2,6 +2,7 @@
 #include "apps/orv-library/FiltersCommand.h"
 #include "apps/orv-library/HelpCommand.h"
 #include "apps/orv-library/HistoryCommand.h"
+#include "apps/orv-library/HoldCommand.h"
 #include "apps/orv-library/ImportCommand.h"
 #include "apps/orv-library/InfoCommand.h"
 #include "apps/orv-library/ListCommand.h"
@@ -10,6 +11,7 @@
 #include "apps/orv-library/PackCommand.h"
 #include "apps/orv-library/PathsCommand.h"
 #include "apps/orv-library/PublishCommand.h"
+#include "apps/orv-library/RestoreCommand.h"
 #include "apps/orv-library/SampleCommand.h"
 #include "apps/orv-library/ServeCommand.h"
 #include "apps/orv-library/SettingsCommand.h"
@@ -28,6 +30,9 @@ CommandList allCommands()
     commands.push_back(std::make_unique<ListCommand>());
     commands.push_back(std::make_unique<InfoCommand>());
     commands.push_back(std::make_unique<HistoryCommand>());
+    commands.push_back(std::make_unique<RestoreCommand>());
+    commands.push_back(std::make_unique<HoldCommand>());
+    commands.push_back(std::make_unique<ReleaseCommand>());
     commands.push_back(std::make_unique<UnpackCommand>());
     commands.push_back(std::make_unique<ImportCommand>());
     commands.push_back(std::make_unique<UndoCommand>());

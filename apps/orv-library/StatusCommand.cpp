@@ -6,6 +6,7 @@
 #include <QJsonArray>
 
 #include "OrvHost/health/LibraryHealth.h"
+#include "OrvHost/history/CatalogPins.h"
 #include "OrvHost/update/CheckHistory.h"
 #include "apps/orv-library/Session.h"
 
@@ -41,6 +42,15 @@ std::vector<Warning> collectWarnings(const OrvHost::CheckHistory& history)
     return warnings;
 }
 
+std::string heldText(const OrvHost::CatalogPins& pins)
+{
+    std::string text;
+    for (const auto& [place, held] : pins.held())
+        text += place.key() + ": held" +
+                (held.newer.empty() ? "" : "; " + held.newer + " waits in the history") + "\n";
+    return text;
+}
+
 std::string ageText(const QDateTime& time)
 {
     if (!time.isValid())
@@ -73,7 +83,12 @@ ExitStatus StatusCommand::run(Session& session)
     }
     if (list.isEmpty())
         text += "No warnings.\n";
+    const OrvHost::CatalogPins pins(session.existingHost().root());
+    text += heldText(pins);
+    QJsonArray held;
+    for (const std::string& name : pins.heldNames())
+        held.append(jsonText(name));
     const QJsonValue lastGoodCheck = good.isValid() ? QJsonValue(good.toString(Qt::ISODate)) : QJsonValue();
-    session.console().result({{"lastGoodCheck", lastGoodCheck}, {"warnings", list}}, text);
+    session.console().result({{"lastGoodCheck", lastGoodCheck}, {"warnings", list}, {"held", held}}, text);
     return ExitStatus::Done;
 }

@@ -200,8 +200,8 @@ class Formats(unittest.TestCase):
                  if any(kind != "sh" for kind, _ in Page(SOURCE, f"docs/formats/{name}.md").blocks())}
         by_their_rooms = {"catalog_filters", "manufacturer_data"}
         self.assertEqual(found - by_their_rooms, {
-            "browser-settings", "catalog-database", "catalog_hash", "content-index", "errors-log", "preferences",
-            "former-imports", "history", "service-maps", "settings", "update-history"})
+            "browser-settings", "catalog-database", "catalog-pins", "catalog_hash", "content-index", "errors-log",
+            "preferences", "former-imports", "history", "service-maps", "settings", "update-history"})
 
     def test_every_file_has_a_page(self):
         """Whatever the programs leave behind in a root and in a service is named in the index."""
@@ -266,6 +266,17 @@ class Formats(unittest.TestCase):
         # Read as it stands on the page: files that are gone can be taken back.
         self.write("root/former-imports/imports.json", text)
         self.assertTrue(self.program("undo")["library"].endswith("/user/Küche.orvlib"))
+
+    def test_catalog_pins(self):
+        [text] = self.examples("catalog-pins", "json")
+        self.write("root/catalog-pins.json", text)
+        self.write("root/core/Doors.orvlib", "d" * 2000)
+        self.assertEqual(self.program("hold", "Doors.orvlib")["held"], ["Doors.orvlib", "Türen.orvlib"])
+        with open(os.path.join(self.root, "catalog-pins.json")) as stream:
+            written = json.load(stream)
+        described = json.loads(text)
+        self.assertIn(described["held"][0], written["held"])
+        self.assertEqual(written["restored"], described["restored"])
 
     def test_history(self):
         [text] = self.examples("history")

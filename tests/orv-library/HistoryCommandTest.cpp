@@ -1,10 +1,7 @@
 // `history`: what an update keeps of what it replaces.
-#include <QJsonArray>
 #include <gmock/gmock.h>
 
-#include "tests/orv-library/Program.h"
-#include "tests/support/ArchiveBuilder.h"
-#include "tests/support/ContentService.h"
+#include "tests/orv-library/HistoryFixture.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -13,58 +10,7 @@ using testing::MatchesRegex;
 
 namespace {
 
-std::string zip(const std::string& name, const std::string& content)
-{
-    test::ArchiveBuilder builder;
-    builder.add(name, content);
-    return builder.bytes();
-}
-
-std::string packed(const std::string& catalog, const std::string& picture)
-{
-    test::ArchiveBuilder builder;
-    builder.add("Garden.orvlib", catalog).method = test::ArchiveMember::kStored;
-    builder.add("oak.png", picture).method = test::ArchiveMember::kStored;
-    return builder.bytes();
-}
-
-class History : public testing::Test
-{
-protected:
-    History() { service.offer("Orv_Core_Content_Index.txt", "Doors.orvlib\nTextures.zip\n"); }
-
-    void update(const std::vector<std::string>& more = {}) const
-    {
-        std::vector<std::string> arguments = {"--json",
-                                              "update",
-                                              "--url",
-                                              service.redirect(),
-                                              "--product",
-                                              "Orv",
-                                              "--product-version",
-                                              "7",
-                                              "--no-database-check"};
-        arguments.insert(arguments.end(), more.begin(), more.end());
-        const test::ProgramResult result = program.run(arguments);
-        EXPECT_EQ(0, result.status) << result.err;
-    }
-    QJsonObject history(const std::string& name) const
-    {
-        const test::ProgramResult result = program.run({"--json", "history", name});
-        EXPECT_EQ(0, result.status) << result.err;
-        return result.json();
-    }
-    std::vector<std::string> versions(const std::string& name) const
-    {
-        std::vector<std::string> list;
-        for (const QJsonValue& value : history(name)["versions"].toArray())
-            list.push_back(value.toObject()["version"].toString().toStdString());
-        return list;
-    }
-
-    test::Program program;
-    test::ContentService service;
-};
+using History = test::HistoryFixture;
 
 } // namespace
 
@@ -121,11 +67,11 @@ TEST_F(History, aFailedDownloadOfAnArchiveKeepsNothing)
 TEST_F(History, aBonusCatalogIsKeptWithTheArchiveThatCameWithIt)
 {
     service.offer("Doors.orvlib", std::string(3000, 'a'));
-    service.offer("Textures.zip", zip("a.png", "a"));
-    service.offer("Garden.orvlibz", packed(std::string(3000, '1'), std::string(2000, 'x')));
+    service.offer("Textures.zip", test::zip("a.png", "a"));
+    service.offer("Garden.orvlibz", test::packed(std::string(3000, '1'), std::string(2000, 'x')));
     update({"--bonus", "Garden.orvlib"});
     const std::string files = test::readFile(program.root() + "/referenced/Garden.zip");
-    service.offer("Garden.orvlibz", packed(std::string(3000, '2'), std::string(2000, 'y')));
+    service.offer("Garden.orvlibz", test::packed(std::string(3000, '2'), std::string(2000, 'y')));
     update();
     EXPECT_THAT(versions("Garden.orvlib"), testing::SizeIs(1));
     EXPECT_THAT(versions("Garden.zip"), ElementsAre(test::ContentService::sha1(files)));

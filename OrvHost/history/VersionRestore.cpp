@@ -1,0 +1,130 @@
+// The order of the steps makes every moment a good one to die at. The file in place gets its second name in
+// the history first. The record that keeps the next update from undoing the change counts only while the
+// restored contents are in place, so it is written before them. The hash line goes before the files change
+// and comes back after: without a line, an update asks with the SHA-1 of what it finds.
+#include "OrvHost/history/VersionRestore.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "OrvHost/history/CatalogPins.h"
+#include "OrvHost/update/CatalogFolders.h"
+#include "OrvHost/update/HashFile.h"
+#include "OrvLibrary/host/FileSearch.h"
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/SHA1.h"
+
+namespace OrvHost {
+
+namespace {
+
+FormerVersion chosenVersion(const CatalogHistory& history, const CatalogPlace& place,
+                            const std::string& version)
+{
+    const std::vector<FormerVersion> versions = history.versions(place);
+    if (versions.empty())
+        throw std::runtime_error(place.name + " has no former versions");
+    const auto chosen =
+        version.empty() ? versions.begin()
+                        : std::find_if(versions.begin(), versions.end(), [&](const FormerVersion& former) {
+                              return former.version == version;
+                          });
+    if (chosen == versions.end())
+        throw std::runtime_error(place.name + " has no former version '" + version + "'");
+    return *chosen;
+}
+
+void keep(CatalogHistory& history, const CatalogPlace& place)
+{
+    std::string reason;
+    if (!history.keep(place, reason))
+        throw std::runtime_error(reason);
+}
+
+/// What an update that died had left would replace the restored version when the next one starts.
+void removeWaiting(const CatalogPlace& place)
+{
+    for (const CatalogFolder& folder : CatalogFolders::all()) {
+        if (folder.folder == place.folder())
+            FileUtils::removePath(folder.downloadFolder / fileString(place.name));
+    }
+}
+
+void forgetTag(const CatalogPlace& place)
+{
+    if (!place.tag().empty() && !HashFile::remove(place.hashFolder(), place.name))
+        throw std::runtime_error("cannot write the hash file in " + place.hashFolder().toNativeString());
+}
+
+void put(const fileString& file, const CatalogPlace& place)
+{
+    if (!FileUtils::renameFile(file, place.path()))
+        throw std::runtime_error("cannot replace " + place.path().toNativeString());
+}
+
+void putCompanion(const fileString& file, const CatalogPlace& companion)
+{
+    if (file.empty())
+        return;
+    forgetTag(companion);
+    put(file, companion);
+    FileSearch::get().resetFileSearch(companion.folder());
+}
+
+void record(CatalogPins& pins, const CatalogPlace& place, const FormerVersion& chosen,
+            const std::string& former)
+{
+    const auto before = pins.restored().find(place);
+    CatalogPins::Restored restored;
+    if (before != pins.restored().end())
+        restored = before->second;
+    restored.version = chosen.version;
+    restored.contents = SHA1::fileContentsToSHA1Hex(chosen.file);
+    restored.leaves.insert(former);
+    restored.leaves.erase(chosen.version);
+    restored.leaves.erase("");
+    pins.setRestored(place, restored);
+    const auto held = pins.held().find(place);
+    if (held != pins.held().end())
+        pins.hold(place, {chosen.version, held->second.newer == chosen.version ? "" : held->second.newer});
+    pins.save();
+}
+
+} // namespace
+
+std::string VersionRestore::versionInPlace(const CatalogPlace& place)
+{
+    const std::string tag = place.path().pathExists() ? place.tag() : std::string();
+    return tag.empty() ? SHA1::fileContentsToSHA1Hex(place.path()) : tag;
+}
+
+VersionRestore::Result VersionRestore::restore(const fileString& root, const std::string& name,
+                                               const std::string& version,
+                                               const CatalogHistory::Bounds& bounds)
+{
+    Result result;
+    CatalogPins::change(root, [&](CatalogPins& pins) {
+        CatalogHistory history(bounds);
+        const CatalogPlace place = CatalogPlaces::find(name, history.knownPlaces());
+        const FormerVersion chosen = chosenVersion(history, place, version);
+        result = {place, chosen.version, versionInPlace(place)};
+        removeWaiting(place);
+        keep(history, place.companion());
+        keep(history, place);
+        pins.reconcile();
+        record(pins, place, chosen, result.former);
+        // An archive that a bonus catalog brought has no line, and the service must not be asked for it.
+        const bool isListed = place.category != CatalogCategory::Referenced || !place.tag().empty();
+        forgetTag(place);
+        putCompanion(chosen.companion, place.companion());
+        put(chosen.file, place);
+        if (isListed)
+            HashFile::set(place.hashFolder(), place.name, chosen.version);
+        history.settle();
+    });
+    if (result.place.category == CatalogCategory::Referenced)
+        FileSearch::get().resetFileSearch(result.place.folder());
+    return result;
+}
+
+} // namespace OrvHost

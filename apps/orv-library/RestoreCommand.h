@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+#include "apps/orv-library/Command.h"
+
+/// `restore NAME [VERSION]`: a former version back into its place.
+class RestoreCommand : public Command
+{
+public:
+    std::string name() const override { return "restore"; }
+    std::string summary() const override { return "Put a former version of a catalog back"; }
+    void declare(CommandSyntax& syntax) override;
+
+private:
+    ExitStatus run(Session& session) const;
+
+    std::string mName;
+    std::string mVersion;
+};
