@@ -18,8 +18,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr int kProgressPercentage = 2;
-
 class ProgramApplication : public Application
 {
 public:
@@ -51,13 +49,6 @@ private:
     fileString mTemporaryFolder;
 };
 
-void declarePreferences(FilePrefSet& preferences)
-{
-    preferences.declare(PrefId::kProgressDisplayType, "Progress display", kProgressPercentage);
-    preferences.declare(PrefId::kLastCoreUpdateHadError, "Last core update had an error", false);
-    preferences.declare(PrefId::kExcludeCoreContent, "Full update leaves core content alone", false);
-}
-
 } // namespace
 
 class AppHost::Services
@@ -69,7 +60,7 @@ public:
           mEngine(mPreferences),
           mApplication(settings.contentIndexName)
     {
-        declarePreferences(mPreferences);
+        mPreferences.declareLibraryPrefs();
         mFormerPaths = PathUtils::install(&mPaths);
         mFormerEngine = PreferenceEngine::install(&mEngine);
         mFormerApplication = Application::install(&mApplication);
