@@ -45,6 +45,9 @@ install(FILES "${PROJECT_BINARY_DIR}/orvlibrary.pc"
     DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
 
 if(ORV_BUILD_APPS)
+    configure_file(packaging/orvhost.pc.in "${PROJECT_BINARY_DIR}/orvhost.pc" @ONLY)
+    install(FILES "${PROJECT_BINARY_DIR}/orvhost.pc"
+        DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig" COMPONENT development)
     include(OrvInstallPrograms)
 endif()
 

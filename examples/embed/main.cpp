@@ -1,61 +1,50 @@
-// The smallest host that does something: it brings the core catalogs up to date and says how that went.
+// The smallest careful host: it brings the core catalogs up to date and says how that went.
 #include <iostream>
-#include <thread>
+#include <optional>
 
 #include <QCoreApplication>
 
-#include "OrvLibrary/LibraryCatalogUpdater.h"
-#include "OrvLibrary/host/Application.h"
-#include "OrvLibrary/host/FileUtils.h"
-#include "OrvLibrary/host/PathUtils.h"
-
-class App : public Application
-{
-public:
-    std::string name() const override { return "Consumer"; }
-    fileString contentIndexName() const override { return fileString("Orv_Core_Content_Index.txt"); }
-};
+#include "OrvHost/AppHost.h"
+#include "OrvHost/update/CatalogUpdateRun.h"
 
 class Host : public QObject
 {
     Q_OBJECT
 
 public:
+    explicit Host(OrvHost::CatalogUpdateRun& run) : mRun(run) {}
     Q_INVOKABLE void onCatalogUpdatedEvent(FileStringPair files)
     {
-        if (!FileUtils::moveFile(files.second, files.first, false))
-            std::cerr << files.first << " could not be put in place" << std::endl;
+        mRun.swapper().swapIn(files.first, files.second);
     }
-    Q_INVOKABLE void closeCatalogUpdateEvent(const LibraryCatalogUpdate::UpdateData& outcome)
-    {
-        std::cout << "result " << outcome.result << ", " << outcome.updatedCatalogs.size() << " updated"
-                  << std::endl;
-        QCoreApplication::quit();
-    }
-    Q_INVOKABLE void onClose() { QCoreApplication::quit(); }
+    Q_INVOKABLE void closeCatalogUpdateEvent(const LibraryCatalogUpdate::UpdateData& data) { closing = data; }
+
+    std::optional<LibraryCatalogUpdate::UpdateData> closing; ///< none after a cancel
+
+private:
+    OrvHost::CatalogUpdateRun& mRun;
 };
 
 int main(int argc, char** argv)
 {
     QCoreApplication qt(argc, argv);
-    App app;
-    Application::install(&app);
-    RootPathUtils folders(RootPathUtils::defaultRoot());
-    PathUtils::install(&folders);
-    std::string reason;
-    if (!folders.createFolders(reason)) {
-        std::cerr << reason << std::endl;
-        return 1;
-    }
+    const OrvHost::AppHost appHost({});
+    OrvHost::CatalogUpdateRun::Request request;
+    request.url = argc > 1 ? argv[1] : "";
+    request.product = "Consumer";
+    request.productVersion = "1.0";
+    request.coreOnly = true;
 
-    Host host;
-    LibraryCatalogUpdate::LibraryCatalogUpdater updater(host, {}, {}, {}, "Consumer", "1.0",
-                                                        argc > 1 ? argv[1] : "", true);
-    std::thread worker(updater);
+    OrvHost::CatalogUpdateRun run(request);
+    Host host(run);
+    QObject::connect(&run, &OrvHost::CatalogUpdateRun::finished, &qt, &QCoreApplication::quit);
+    run.start(host);
     qt.exec();
-    worker.join();
-    PathUtils::install(nullptr);
-    Application::install(nullptr);
+    const OrvHost::UpdateOutcome outcome = run.finish(host.closing, appHost.root());
+    std::cout << outcome.name() << ", " << outcome.updatedCatalogs.size() << " new" << std::endl;
+    if (!outcome.error.empty())
+        std::cerr << outcome.error << std::endl;
+    return outcome.isGood() ? 0 : 1;
 }
 
 #include "main.moc"

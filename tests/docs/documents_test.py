@@ -130,7 +130,7 @@ class Commands(unittest.TestCase):
 
     def test_integrating(self):
         output = self.run_page("docs/integrating.md")
-        self.assertIn("\nresult 2, 15 updated\nresult 3, 0 updated\n", output)
+        self.assertIn("\nupdated, 15 new\ncurrent, 0 new\n", output)
         self.assertIn("Türen und Fenster.orvlib", output)
 
     def test_service(self):

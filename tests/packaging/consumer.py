@@ -30,7 +30,7 @@ class InstalledLibrary(unittest.TestCase):
 
     def updates(self, program):
         self.assertEqual(self.consumer.output(program, self.redirect), everything(self.content))
-        self.assertEqual(self.consumer.output(program, self.redirect), "result 3, 0 updated")
+        self.assertEqual(self.consumer.output(program, self.redirect), "current, 0 new")
 
     def test_the_install_tree_is_found(self):
         self.updates(self.installed)
@@ -50,7 +50,7 @@ class InstalledLibrary(unittest.TestCase):
     def test_pkg_config_knows_it(self):
         sources = os.path.join(self.folder.name, "by-pkg-config")
         os.mkdir(sources)
-        flags = shlex.split(run("pkg-config", "--cflags", "--libs", "orvlibrary", env=dict(
+        flags = shlex.split(run("pkg-config", "--cflags", "--libs", "orvhost", env=dict(
             os.environ, PKG_CONFIG_PATH=os.path.join(self.library_folder, "pkgconfig"))))
         moc = subprocess.run(["moc", *[flag for flag in flags if flag.startswith("-I")],
                               os.path.join(PROJECT, "main.cpp"), "-o", os.path.join(sources, "main.moc")],
@@ -68,7 +68,9 @@ class InstalledLibrary(unittest.TestCase):
             self.assertIn("1.0.0", stream.read())
 
     def test_an_update_that_finds_no_service_says_so(self):
-        self.assertEqual(self.consumer.output(self.installed, "http://127.0.0.1:1/redirect"), "result 1, 0 updated")
+        output = self.consumer.failure(self.installed, "http://127.0.0.1:1/redirect")
+        self.assertIn("failed, 0 new", output)
+        self.assertIn("127.0.0.1 port 1", output)
 
 
 if __name__ == "__main__":

@@ -31,7 +31,7 @@ def service(program, folder):
 def everything(folder):
     """What the consumer prints once it has fetched every core catalog and referenced archive of the content."""
     count = sum(len(glob.glob(os.path.join(folder, "content", "*" + ending))) for ending in (".orvlib", ".zip"))
-    return f"result 2, {count} updated"
+    return f"updated, {count} new"
 
 
 class Consumer:
@@ -47,5 +47,15 @@ class Consumer:
         return os.path.join(folder, "consumer")
 
     def output(self, program, address, **environment):
-        root = program + "-root"
-        return run(program, address, env=dict(os.environ, ORV_LIBRARY_ROOT=root, **environment)).strip()
+        return run(program, address, env=self.environment(program, environment)).strip()
+
+    def failure(self, program, address):
+        """What the program prints when it ends with status 1."""
+        result = subprocess.run([program, address], text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
+                                env=self.environment(program, {}))
+        assert result.returncode == 1, result
+        return result.stdout
+
+    @staticmethod
+    def environment(program, more):
+        return dict(os.environ, ORV_LIBRARY_ROOT=program + "-root", **more)
