@@ -37,7 +37,7 @@ protected:
             --mActive;
             return FaultReply::ok(bodyOf(std::atoi(request.path().c_str() + 1)));
         });
-        getAcquainted();
+        learnLatency();
     }
     static FaultReply refusal()
     {
@@ -130,7 +130,7 @@ TEST_F(CurlConnectionsTest, noMoreThanSixteenAreOpenedUnlessTheHostSaysSo)
         if (limit != 0)
             curl.setConnectionLimit(limit);
         server.dropConnections();
-        getAcquainted();
+        learnLatency();
         std::vector<Curl::HeaderRequest> headers;
         for (const auto& download : downloads)
             headers.push_back({download.url, {}});

@@ -1,7 +1,7 @@
 // How much is fetched ahead, and what makes room for more.
 #include <numeric>
 
-#include "OrvLibrary/host/impl/http/DownloadPrefetch_p.h"
+#include "OrvLibrary/host/impl/http/AheadPolicy_p.h"
 #include "tests/host/http/CurlDownloadsFixture.h"
 
 using namespace std::chrono_literals;
@@ -10,8 +10,8 @@ namespace test {
 
 namespace {
 
-constexpr std::int64_t kMost = DownloadPrefetch::kMostBytes;
-constexpr std::int64_t kLarge = DownloadPrefetch::kLarge;
+constexpr std::int64_t kMost = AheadPolicy::kMostBytes;
+constexpr std::int64_t kLarge = AheadPolicy::kLarge;
 
 class CurlDownloadsBoundsTest : public CurlDownloadsFixture
 {

@@ -61,7 +61,7 @@ protected:
         return downloads;
     }
     /// Makes the service know how long the server takes to answer.
-    void getAcquainted(const std::string& path = "/first")
+    void learnLatency(const std::string& path = "/first")
     {
         for (int i = 0; i < 3; ++i)
             header(server.url(path));
@@ -69,7 +69,7 @@ protected:
     }
     void announce(const Downloads& downloads)
     {
-        getAcquainted();
+        learnLatency();
         curl.prefetchDownloads(downloads);
     }
     bool get(const Curl::DownloadRequest& request, Listener* listener = nullptr)

@@ -44,7 +44,7 @@ protected:
         const int handles = handlesOfARun(downloads);
         for (std::size_t number = 1; number <= kFiles; ++number) {
             SCOPED_TRACE(number);
-            getAcquainted();
+            learnLatency();
             {
                 const TransferLibraryFault fault(call, number);
                 curl.prefetchDownloads(downloads);
@@ -77,7 +77,7 @@ TEST_F(CurlMemoryTest, downloadWithoutAHandleAheadIsMadeInItsTurn)
     const Downloads downloads = serve(kFiles);
     // A thread that has no handles yet.
     std::thread([&] {
-        getAcquainted();
+        learnLatency();
         const int handles = TransferLibraryFault::handles();
         {
             const TransferLibraryFault fault(Call::NewHandle, 2);

@@ -48,7 +48,7 @@ TEST_F(CurlPrefetchDownloadsServersTest, serverWithOneWorkerIsAskedInTurn)
 TEST_F(CurlPrefetchDownloadsServersTest, serverThatTakesNoMoreConnectionsIsAskedOnThoseItHas)
 {
     const Downloads downloads = serve(10);
-    getAcquainted();
+    learnLatency();
     server.stopAccepting();
     server.limitBacklog(0);
     const auto time = timeOf([&] {

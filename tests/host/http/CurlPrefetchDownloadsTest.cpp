@@ -58,7 +58,7 @@ TEST_F(CurlPrefetchDownloadsTest, nearServerIsAskedInTurnOnOneConnection)
     delay = 0ms;
     const Downloads downloads = serve(20);
     server.on("/near", FaultReply::ok(""));
-    getAcquainted("/near");
+    learnLatency("/near");
     curl.prefetchDownloads(downloads);
     for (std::size_t i = 0; i < downloads.size(); ++i) {
         EXPECT_EQ(server.requests().size(), requestsBefore + i);

@@ -7,9 +7,23 @@
 
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
-#include "OrvLibrary/host/impl/http/DownloadPrefetch_p.h"
-#include "OrvLibrary/host/impl/http/HeaderPrefetch_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
+
+/// What a thread keeps between its requests.
+struct ThreadState
+{
+    ~ThreadState()
+    {
+        const BrokenPipeBlock block; // closing a TLS connection writes to it
+        headers.reset();
+        downloads.reset();
+    }
+
+    HttpConnections connections;
+    /// What was announced; null when nothing was.
+    std::unique_ptr<AheadList> headers;
+    std::unique_ptr<AheadList> downloads;
+};
 
 namespace {
 
@@ -17,16 +31,24 @@ using TimePoint = HttpLimits::Clock::time_point;
 
 constexpr std::int64_t kFirstErrorStatus = 400;
 
+ThreadState& stateOfThread()
+{
+    static thread_local ThreadState state;
+    return state;
+}
+
 /// The thread's connections, or fresh ones for a request from within another one's progress function.
 class Connections
 {
 public:
     Connections()
     {
-        if (HttpConnections::ofThisThread().busy())
+        if (stateOfThread().connections.busy())
             mOwn.emplace();
     }
-    HttpConnections& get() { return mOwn ? *mOwn : HttpConnections::ofThisThread(); }
+    HttpConnections& get() { return mOwn ? *mOwn : stateOfThread().connections; }
+    AheadList* headers() { return mOwn ? nullptr : stateOfThread().headers.get(); }
+    AheadList* downloads() { return mOwn ? nullptr : stateOfThread().downloads.get(); }
 
 private:
     std::optional<HttpConnections> mOwn;
@@ -96,19 +118,20 @@ HttpRequest requestForRest(HttpRequest request, FileBody& body, const std::strin
     return request;
 }
 
-std::unique_ptr<DownloadAhead> takeAhead(HttpConnections& connections, const HttpRequest& request,
+std::unique_ptr<DownloadAhead> takeAhead(AheadList* downloads, const HttpRequest& request,
                                          const fileString& target, Curl::ProgressFunction progress,
                                          void* context)
 {
-    if (!connections.downloads())
-        return nullptr;
     const BrokenPipeBlock block;
-    return connections.downloads()->take(request, target, progress, context);
+    return downloads ? downloads->takeDownload(request, target, progress, context) : nullptr;
 }
 
 } // namespace
 
-CurlService::CurlService(const HttpLimits& limits) : mLimits(limits), mGuard(limits) {}
+CurlService::CurlService(const HttpLimits& limits)
+    : mLimits(limits), mMemory(std::make_shared<AddressMemory>(limits))
+{
+}
 
 void CurlService::setProxy(const std::string& proxy)
 {
@@ -210,10 +233,9 @@ bool CurlService::downloadOrThrow(const ResumableDownload& download, void* conte
     const HttpRequest asked = request(download.url, download.headerLines);
     const auto ahead = hasBytes(download)
                            ? nullptr
-                           : takeAhead(connections.get(), asked, download.target, progress, context);
+                           : takeAhead(connections.downloads(), asked, download.target, progress, context);
     if (ahead) {
-        if (ahead->answer.answered)
-            mGuard.answered(HttpAddress::hostAndPort(download.url));
+        mMemory->note(HttpAddress::hostAndPort(download.url), ahead->answer);
         noteAnswer(ahead->answer, download.url);
         return conclude(connections.get(), ahead->answer, ahead->body, ahead->pacer, reason, errorNumber);
     }
@@ -222,7 +244,7 @@ bool CurlService::downloadOrThrow(const ResumableDownload& download, void* conte
         const TimePoint start = HttpLimits::Clock::now();
         ProgressPacer pacer(mLimits, progress, context, start);
         FileBody body(mLimits, download.target, pacer, start, download.partial);
-        HttpChain chain(connections.get(), mGuard, mLimits, TimePoint::max());
+        HttpChain chain(connections.get(), connections.headers(), *mMemory, mLimits, TimePoint::max());
         HttpAnswer answer;
         const HttpRequest rest =
             requestForRest(asked, body, mustStartAnew ? std::string() : download.validator);
@@ -243,7 +265,8 @@ bool CurlService::getURLHeader(const std::string& url, const std::vector<std::st
     try {
         Connections connections;
         HttpBody body(mLimits);
-        HttpChain chain(connections.get(), mGuard, mLimits, HttpLimits::Clock::now() + mLimits.totalTimeout);
+        HttpChain chain(connections.get(), connections.headers(), *mMemory, mLimits,
+                        HttpLimits::Clock::now() + mLimits.totalTimeout);
         HttpRequest header = request(url, headerLines);
         header.headerOnly = true;
         HttpAnswer answer = chain.run(header, body, true);
@@ -261,60 +284,59 @@ bool CurlService::getURLHeader(const std::string& url, const std::vector<std::st
 
 void CurlService::prefetchHeaders(const std::vector<HeaderRequest>& requests)
 {
+    std::vector<AheadRequest> list;
     try {
-        HttpConnections& connections = HttpConnections::ofThisThread();
-        // From within a progress function: the connections that would be needed are at work.
-        if (connections.busy())
-            return;
-        const BrokenPipeBlock block;
-        connections.setPrefetch(nullptr);
-        std::vector<HttpRequest> list;
         for (const HeaderRequest& header : requests) {
             if (!HttpAddress::isWebAddress(header.url))
                 continue;
-            list.push_back(request(header.url, header.headerLines));
-            list.back().headerOnly = true;
+            list.push_back({request(header.url, header.headerLines), {}, 0});
+            list.back().request.headerOnly = true;
         }
-        if (list.empty())
-            return;
-        connections.setPrefetch(
-            std::make_unique<HeaderPrefetch>(connections, mLimits, list, connectionLimit()));
-        connections.step(); // on their way at once
     } catch (const std::exception&) {
-        // Then each is asked for when its turn comes.
+        list.clear(); // each is asked for when its turn comes
     }
-}
-
-/// Whether fetching the body before its turn is likely to gain anything.
-bool CurlService::paysAhead(const HttpConnections& connections, const DownloadRequest& request)
-{
-    if (!HttpAddress::isWebAddress(request.url))
-        return false;
-    const std::string address = HttpAddress::hostAndPort(request.url);
-    return connections.latency(address) >= kFarAddress && mGuard.isOpen(address);
+    announce(&ThreadState::headers, std::move(list));
 }
 
 void CurlService::prefetchDownloads(const std::vector<DownloadRequest>& requests)
 {
+    std::vector<AheadRequest> list;
     try {
-        HttpConnections& connections = HttpConnections::ofThisThread();
+        for (const DownloadRequest& download : requests) {
+            if (requests.size() < AheadPolicy::kFewestBodies || !isFar(download.url))
+                continue;
+            list.push_back({request(download.url, download.headerLines), download.target, download.size});
+            list.back().request.isOneOfMany = true;
+        }
+    } catch (const std::exception&) {
+        list.clear();
+    }
+    announce(&ThreadState::downloads, std::move(list));
+}
+
+/// Whether fetching a body before its turn is likely to gain anything.
+bool CurlService::isFar(const std::string& url)
+{
+    const std::string address = HttpAddress::hostAndPort(url);
+    return !address.empty() && !AheadPolicy::isNear(mMemory->latency(address)) && mMemory->isOpen(address);
+}
+
+/// Puts a list in the place of the former one and sends the first requests.
+void CurlService::announce(std::unique_ptr<AheadList> ThreadState::*place, std::vector<AheadRequest> requests)
+{
+    try {
+        ThreadState& state = stateOfThread();
         // From within a progress function: the connections that would be needed are at work.
-        if (connections.busy())
+        if (state.connections.busy())
             return;
         const BrokenPipeBlock block;
-        connections.setDownloads(nullptr);
-        if (requests.size() < kFewestAhead)
+        (state.*place).reset();
+        if (requests.empty())
             return;
-        std::vector<DownloadAnnouncement> list;
-        for (const DownloadRequest& download : requests) {
-            if (paysAhead(connections, download))
-                list.push_back({request(download.url, download.headerLines), download.target, download.size});
-        }
-        if (list.empty())
-            return;
-        connections.setDownloads(
-            std::make_unique<DownloadPrefetch>(connections, mLimits, list, connectionLimit()));
-        connections.step(); // on their way at once
+        state.*place = std::make_unique<AheadList>(state.connections, mMemory, mLimits, std::move(requests),
+                                                   connectionLimit());
+        (state.*place)->advance();
+        state.connections.step();
     } catch (const std::exception&) {
         // Then each is asked for when its turn comes.
     }
@@ -331,7 +353,8 @@ bool CurlService::browseURL(const std::string& url, const std::vector<std::strin
         HttpLimits::Milliseconds timeout = mLimits.totalTimeout;
         if (timeoutSeconds > 0)
             timeout = std::min<HttpLimits::Milliseconds>(timeout, std::chrono::seconds(timeoutSeconds));
-        HttpChain chain(connections.get(), mGuard, mLimits, HttpLimits::Clock::now() + timeout);
+        HttpChain chain(connections.get(), connections.headers(), *mMemory, mLimits,
+                        HttpLimits::Clock::now() + timeout);
         const HttpAnswer answer = chain.run(request(url, headerLines), page, followRedirects);
         noteAnswer(answer, chain.finalUrl());
         if (!page.reason().empty())
@@ -349,7 +372,8 @@ std::string CurlService::urlAfterRedirects(const std::string& url)
     try {
         Connections connections;
         HttpBody body(mLimits);
-        HttpChain chain(connections.get(), mGuard, mLimits, HttpLimits::Clock::now() + mLimits.totalTimeout);
+        HttpChain chain(connections.get(), connections.headers(), *mMemory, mLimits,
+                        HttpLimits::Clock::now() + mLimits.totalTimeout);
         HttpRequest walk = request(url, {});
         walk.wantsBody = false;
         HttpAnswer answer = chain.run(walk, body, true);

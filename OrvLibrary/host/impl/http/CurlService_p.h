@@ -4,12 +4,13 @@
 #include <mutex>
 
 #include "OrvLibrary/host/Curl.h"
-#include "OrvLibrary/host/impl/http/AddressGuard_p.h"
 #include "OrvLibrary/host/impl/http/HttpChain_p.h"
 #include "OrvLibrary/host/impl/http/HttpLimits_p.h"
 
-/// The default download service, on libcurl. May be used from any thread: what threads share is the guard of
-/// addresses that do not answer, and the settings.
+struct ThreadState;
+
+/// The default download service, on libcurl. May be used from any thread. Threads share the memory of
+/// addresses and the settings.
 class CurlService : public Curl
 {
 public:
@@ -37,24 +38,23 @@ public:
     /// Clamped to what is possible: from 1 to 96.
     void setConnectionLimit(int connections);
     /// Opens every address that was closed for lack of answers.
-    void forgetUnanswered() { mGuard.reset(); }
+    void forgetUnanswered() { mMemory->openAll(); }
 
 private:
     static constexpr int kMostConnections = 96;
     /// Unless the host says otherwise.
     static constexpr int kConnections = 16;
-    /// Bodies are fetched ahead for so many downloads, and from an address that takes so long to answer.
-    static constexpr std::size_t kFewestAhead = 4;
-    static constexpr std::chrono::milliseconds kFarAddress{5};
 
     bool downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
                          std::string& reason, int& errorNumber);
     int connectionLimit();
     HttpRequest request(const std::string& url, const std::vector<std::string>& headerLines);
-    bool paysAhead(const HttpConnections& connections, const DownloadRequest& request);
+    bool isFar(const std::string& url);
+    void announce(std::unique_ptr<AheadList> ThreadState::*place, std::vector<AheadRequest> requests);
 
     const HttpLimits mLimits;
-    AddressGuard mGuard;
+    /// Shared with what was announced, which may outlive the service.
+    const std::shared_ptr<AddressMemory> mMemory;
     std::mutex mSettingsMutex;
     std::string mProxy;
     std::string mCertificates;

@@ -5,7 +5,6 @@
 
 #include "OrvLibrary/host/WebUtils.h"
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
-#include "OrvLibrary/host/impl/http/HeaderPrefetch_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 
 namespace {
@@ -40,9 +39,9 @@ void removeSecrets(std::vector<std::string>& lines)
 
 } // namespace
 
-HttpChain::HttpChain(HttpConnections& connections, AddressGuard& guard, const HttpLimits& limits,
-                     HttpLimits::Clock::time_point deadline)
-    : mConnections(connections), mGuard(guard), mLimits(limits), mDeadline(deadline)
+HttpChain::HttpChain(HttpConnections& connections, AheadList* ahead, AddressMemory& memory,
+                     const HttpLimits& limits, HttpLimits::Clock::time_point deadline)
+    : mConnections(connections), mAhead(ahead), mMemory(memory), mLimits(limits), mDeadline(deadline)
 {
 }
 
@@ -72,10 +71,10 @@ HttpAnswer HttpChain::run(HttpRequest request, HttpBody& body, bool follow)
     }
 }
 
-bool HttpChain::takePrefetched(const HttpRequest& request, HttpAnswer& answer)
+bool HttpChain::takeAhead(const HttpRequest& request, HttpAnswer& answer)
 {
     const BrokenPipeBlock block;
-    return request.headerOnly && mConnections.prefetch() && mConnections.prefetch()->take(request, answer);
+    return request.headerOnly && mAhead && mAhead->takeAnswer(request, answer);
 }
 
 HttpAnswer HttpChain::send(const HttpRequest& request, HttpBody& body)
@@ -83,20 +82,20 @@ HttpAnswer HttpChain::send(const HttpRequest& request, HttpBody& body)
     if (CancelQuestion::isCancelled())
         return HttpAnswer::cancelled();
     const std::string address = HttpAddress::hostAndPort(request.url);
-    if (!mGuard.isOpen(address)) {
-        return HttpAnswer::failure(CURLE_COULDNT_CONNECT, "no answer from " + address +
-                                                              " a moment ago: " + mGuard.lastReason(address));
+    if (!mMemory.isOpen(address)) {
+        return HttpAnswer::failure(CURLE_COULDNT_CONNECT, "no answer from " + address + " a moment ago: " +
+                                                              mMemory.lastReason(address));
     }
     HttpAnswer answer;
-    if (!takePrefetched(request, answer))
+    if (!takeAhead(request, answer)) {
+        if (CancelQuestion::isCancelled())
+            return HttpAnswer::cancelled();
         answer = mConnections.perform(request, body, mLimits, mDeadline);
+    }
     if (answer.isRefusedInCompany()) {
         mConnections.stopAhead();
         answer = mConnections.perform(request, body, mLimits, mDeadline);
     }
-    if (answer.answered)
-        mGuard.answered(address);
-    else if (answer.error != CURLE_ABORTED_BY_CALLBACK)
-        mGuard.unanswered(address, answer.errorText);
+    mMemory.note(address, answer);
     return answer;
 }

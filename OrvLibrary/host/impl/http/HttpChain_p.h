@@ -2,14 +2,14 @@
 
 #include <string>
 
-#include "OrvLibrary/host/impl/http/AddressGuard_p.h"
-#include "OrvLibrary/host/impl/http/HttpConnections_p.h"
+#include "OrvLibrary/host/impl/http/AheadList_p.h"
 
 /// Follows redirects step by step, each `Location` read as it was sent.
 class HttpChain
 {
 public:
-    HttpChain(HttpConnections& connections, AddressGuard& guard, const HttpLimits& limits,
+    /// @param ahead header requests that were sent ahead; may be null
+    HttpChain(HttpConnections& connections, AheadList* ahead, AddressMemory& memory, const HttpLimits& limits,
               HttpLimits::Clock::time_point deadline);
 
     /// Sends `request`, and again to where the answers lead.
@@ -21,11 +21,12 @@ public:
     const std::string& finalUrl() const { return mUrl; }
 
 private:
-    bool takePrefetched(const HttpRequest& request, HttpAnswer& answer);
+    bool takeAhead(const HttpRequest& request, HttpAnswer& answer);
     HttpAnswer send(const HttpRequest& request, HttpBody& body);
 
     HttpConnections& mConnections;
-    AddressGuard& mGuard;
+    AheadList* const mAhead;
+    AddressMemory& mMemory;
     const HttpLimits& mLimits;
     const HttpLimits::Clock::time_point mDeadline;
     std::string mUrl;

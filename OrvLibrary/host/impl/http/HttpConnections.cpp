@@ -8,9 +8,6 @@
 #include <thread>
 
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
-#include "OrvLibrary/host/impl/http/DownloadPrefetch_p.h"
-#include "OrvLibrary/host/impl/http/HeaderPrefetch_p.h"
-#include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 #include "OrvLibrary/host/impl/http/RateLimit_p.h"
 
 namespace {
@@ -21,7 +18,6 @@ constexpr std::chrono::milliseconds kLongestSleep{10};
 constexpr std::size_t kIdleHandles = 100;
 /// Idle connections that are kept.
 constexpr long kKeptConnections = 100;
-constexpr std::size_t kLatencies = 3;
 
 void initialiseLibrary()
 {
@@ -72,17 +68,9 @@ HttpConnections::HttpConnections()
 HttpConnections::~HttpConnections()
 {
     const BrokenPipeBlock block; // closing a TLS connection writes to it
-    mPrefetch.reset();
-    mDownloads.reset();
     for (CURL* handle : mIdle)
         curl_easy_cleanup(handle);
     curl_multi_cleanup(mMulti);
-}
-
-HttpConnections& HttpConnections::ofThisThread()
-{
-    static thread_local HttpConnections connections;
-    return connections;
 }
 
 CURL* HttpConnections::acquire()
@@ -107,104 +95,37 @@ void HttpConnections::release(CURL* handle) noexcept
         curl_easy_cleanup(handle);
 }
 
-void HttpConnections::setPrefetch(std::unique_ptr<HeaderPrefetch> prefetch)
-{
-    const BrokenPipeBlock block;
-    mPrefetch = std::move(prefetch);
-    if (mPrefetch)
-        mPrefetch->advance();
-}
-
-void HttpConnections::setDownloads(std::unique_ptr<DownloadPrefetch> downloads)
-{
-    const BrokenPipeBlock block;
-    mDownloads = std::move(downloads);
-    if (mDownloads)
-        mDownloads->advance();
-}
-
-std::chrono::microseconds HttpConnections::latency(const std::string& address) const
-{
-    const auto found = mExperiences.find(address);
-    if (found == mExperiences.end() || found->second.latencies.empty())
-        return std::chrono::microseconds(-1);
-    const auto& times = found->second.latencies;
-    return *std::min_element(times.begin(), times.end());
-}
-
-bool HttpConnections::isMultiplexing(const std::string& address) const
-{
-    const auto found = mExperiences.find(address);
-    return found != mExperiences.end() && found->second.isMultiplexing;
-}
-
-bool HttpConnections::mayBeUntaken(const HttpTransfer& transfer, const std::string& address) const
-{
-    // One that is to share a connection may have to wait for its turn.
-    return !transfer.isAnswered() &&
-           (transfer.hasNewConnection() || (!transfer.isConnected() && !isMultiplexing(address)));
-}
-
-void HttpConnections::noteAnswer(const HttpTransfer& transfer) noexcept
-try {
-    curl_off_t connected = 0;
-    curl_off_t sent = 0;
-    curl_off_t answered = 0;
-    long version = 0;
-    char* url = nullptr;
-    curl_easy_getinfo(transfer.handle(), CURLINFO_CONNECT_TIME_T, &connected);
-    curl_easy_getinfo(transfer.handle(), CURLINFO_PRETRANSFER_TIME_T, &sent);
-    curl_easy_getinfo(transfer.handle(), CURLINFO_STARTTRANSFER_TIME_T, &answered);
-    if (curl_easy_getinfo(transfer.handle(), CURLINFO_EFFECTIVE_URL, &url) != CURLE_OK || !url)
-        return;
-    curl_easy_getinfo(transfer.handle(), CURLINFO_HTTP_VERSION, &version);
-    Experience& experience = mExperiences[HttpAddress::hostAndPort(url)];
-    experience.isMultiplexing = version == CURL_HTTP_VERSION_2_0;
-    auto& times = experience.latencies;
-    // Over a link that delays what passes, connecting can be quick and the answer late.
-    times.emplace_back(std::max(connected, answered - sent));
-    if (times.size() > kLatencies)
-        times.pop_front();
-} catch (const std::bad_alloc&) {
-}
-
 HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, const HttpLimits& limits,
                                     TimePoint deadline)
 {
     const BrokenPipeBlock block;
-    const Work work(*this);
-    makeRoom();
+    const Work busy(*this);
+    for (AheadWork* const work : mAhead)
+        work->makeRoom();
     const bool hadCompany = hasCompany();
     CURL* const handle = acquire();
     const AtEnd giveBack{[&] { release(handle); }};
     HttpTransfer transfer(handle, request, body, limits, deadline);
     run(transfer);
-    if (transfer.isAnswered())
-        noteAnswer(transfer);
     HttpAnswer answer = transfer.answer();
     answer.hadCompany = hadCompany || hasCompany();
     return answer;
 }
 
-bool HttpConnections::hasCompany() const
+void HttpConnections::removeAhead(AheadWork& work)
 {
-    return (mPrefetch && mPrefetch->isRunning()) || (mDownloads && mDownloads->isRunning());
+    mAhead.erase(std::remove(mAhead.begin(), mAhead.end(), &work), mAhead.end());
 }
 
-void HttpConnections::makeRoom()
+bool HttpConnections::hasCompany() const
 {
-    if (mPrefetch)
-        mPrefetch->makeRoom();
-    if (mDownloads)
-        mDownloads->makeRoom();
+    return std::any_of(mAhead.begin(), mAhead.end(), [](const AheadWork* work) { return work->isRunning(); });
 }
 
 void HttpConnections::stopAhead()
 {
-    if (mPrefetch)
-        mPrefetch->stop();
-    if (mDownloads)
-        mDownloads->stop();
+    for (AheadWork* const work : mAhead)
+        work->stop();
 }
 
 void HttpConnections::run(HttpTransfer& transfer)
@@ -246,10 +167,8 @@ bool HttpConnections::step()
 {
     const bool isWell = send();
     collectResults();
-    if (mPrefetch)
-        mPrefetch->advance();
-    if (mDownloads)
-        mDownloads->advance();
+    for (AheadWork* const work : mAhead)
+        work->advance();
     return isWell;
 }
 

@@ -151,7 +151,7 @@ void HttpTransfer::setHeaderLines(std::vector<std::string> lines)
 std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* self)
 {
     auto* transfer = static_cast<HttpTransfer*>(self);
-    RateLimit::ofProcess().received(static_cast<std::int64_t>(size * count), HttpLimits::Clock::now());
+    transfer->countReceived(size * count);
     // Nothing may be thrown through the transfer library.
     try {
         return transfer->takeHeader(std::string(data, size * count)) ? size * count : 0;
@@ -164,13 +164,19 @@ std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t cou
 std::size_t HttpTransfer::onBody(char* data, std::size_t size, std::size_t count, void* self)
 {
     auto* transfer = static_cast<HttpTransfer*>(self);
-    RateLimit::ofProcess().received(static_cast<std::int64_t>(size * count), HttpLimits::Clock::now());
+    transfer->countReceived(size * count);
     try {
         return transfer->mBody.take(data, size * count) ? size * count : 0;
     } catch (...) {
         transfer->mException = std::current_exception();
         return 0;
     }
+}
+
+void HttpTransfer::countReceived(std::size_t bytes)
+{
+    mReceived += static_cast<std::int64_t>(bytes);
+    RateLimit::ofProcess().received(static_cast<std::int64_t>(bytes), HttpLimits::Clock::now());
 }
 
 bool HttpTransfer::takeHeader(const std::string& line)
@@ -210,14 +216,14 @@ bool HttpTransfer::watch(TimePoint now)
     if (mHasEnough != TimePoint() && now - mHasEnough >= mLimits.progressSilence)
         return fail(CURLE_OPERATION_TIMEDOUT, "Operation too slow");
     try {
-        return heed(mBody.watch(now));
+        return follow(mBody.watch(now));
     } catch (...) {
         mException = std::current_exception();
         return fail(CURLE_ABORTED_BY_CALLBACK, "Callback aborted");
     }
 }
 
-bool HttpTransfer::heed(HttpBody::Verdict verdict)
+bool HttpTransfer::follow(HttpBody::Verdict verdict)
 {
     switch (verdict) {
     case HttpBody::Verdict::Aborted:
@@ -234,12 +240,6 @@ bool HttpTransfer::hasNewConnection() const
 {
     long count = 0;
     return curl_easy_getinfo(mHandle, CURLINFO_NUM_CONNECTS, &count) == CURLE_OK && count > 0;
-}
-
-long HttpTransfer::localPort() const
-{
-    long port = 0;
-    return curl_easy_getinfo(mHandle, CURLINFO_LOCAL_PORT, &port) == CURLE_OK ? port : 0;
 }
 
 bool HttpTransfer::isConnected() const
@@ -278,5 +278,22 @@ HttpAnswer HttpTransfer::answer() const
     answer.status = mStatus;
     answer.headerText = mHeader.text();
     answer.answered = isAnswered();
+    if (answer.answered)
+        readTimes(answer);
     return answer;
+}
+
+void HttpTransfer::readTimes(HttpAnswer& answer) const
+{
+    curl_off_t connected = 0;
+    curl_off_t sent = 0;
+    curl_off_t answered = 0;
+    long version = 0;
+    curl_easy_getinfo(mHandle, CURLINFO_CONNECT_TIME_T, &connected);
+    curl_easy_getinfo(mHandle, CURLINFO_PRETRANSFER_TIME_T, &sent);
+    curl_easy_getinfo(mHandle, CURLINFO_STARTTRANSFER_TIME_T, &answered);
+    curl_easy_getinfo(mHandle, CURLINFO_HTTP_VERSION, &version);
+    // Over a link that delays what passes, connecting can be quick and the answer late.
+    answer.latency = std::chrono::microseconds(std::max(connected, answered - sent));
+    answer.isMultiplexed = version == CURL_HTTP_VERSION_2_0;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <exception>
 #include <memory>
@@ -59,6 +60,10 @@ struct HttpAnswer
     std::string headerText;
     /// Whether the server said anything in HTTP at all.
     bool answered = false;
+    /// How long the answer took, counted from the sent request, or the connection if that took longer.
+    std::chrono::microseconds latency{0};
+    /// Whether its connection carries many requests at once.
+    bool isMultiplexed = false;
     /// Whether other requests of ours were under way at the same time.
     bool hadCompany = false;
 
@@ -96,10 +101,10 @@ public:
     bool finished() const { return mFinished; }
     /// Whether the server said anything in HTTP yet.
     bool isAnswered() const { return mHeaderBytes > 0; }
+    /// Bytes of header and body so far.
+    std::int64_t received() const { return mReceived; }
     /// Whether a connection was opened for it; otherwise it has one that carried requests before.
     bool hasNewConnection() const;
-    /// The port of ours that its connection has; 0 without one. It tells connections apart.
-    long localPort() const;
     /// Whether it has a connection that stands.
     bool isConnected() const;
     /// Whether its protected connection stands.
@@ -121,7 +126,9 @@ private:
     void setCertificates(const std::string& fileOrFolder);
     void setHeaderLines(std::vector<std::string> lines);
     bool takeHeader(const std::string& line);
-    bool heed(HttpBody::Verdict verdict);
+    void countReceived(std::size_t bytes);
+    bool follow(HttpBody::Verdict verdict);
+    void readTimes(HttpAnswer& answer) const;
     /// @param text a literal: a failure needs no memory
     bool fail(CURLcode error, const char* text);
 
@@ -136,6 +143,7 @@ private:
 
     HttpHeaderBlock mHeader;
     std::int64_t mHeaderBytes = 0;
+    std::int64_t mReceived = 0;
     std::int64_t mStatus = 0;
     /// When the header block was complete of an answer whose body does not matter.
     TimePoint mHasEnough{};

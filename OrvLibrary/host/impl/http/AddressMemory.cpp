@@ -1,0 +1,66 @@
+#include "OrvLibrary/host/impl/http/AddressMemory_p.h"
+
+#include <algorithm>
+
+namespace {
+
+/// How many times to an answer are kept.
+constexpr std::size_t kLatencies = 3;
+
+} // namespace
+
+AddressMemory::AddressMemory(const HttpLimits& limits) : mLimits(limits) {}
+
+bool AddressMemory::isOpen(const std::string& address)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const Record& record = mRecords[address];
+    return record.unanswered < mLimits.unansweredRequests || mLimits.now() >= record.closedUntil;
+}
+
+std::string AddressMemory::lastReason(const std::string& address)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mRecords[address].reason;
+}
+
+std::chrono::microseconds AddressMemory::latency(const std::string& address)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const auto& times = mRecords[address].latencies;
+    return times.empty() ? std::chrono::microseconds(-1) : *std::min_element(times.begin(), times.end());
+}
+
+bool AddressMemory::isMultiplexing(const std::string& address)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mRecords[address].isMultiplexing;
+}
+
+void AddressMemory::note(const std::string& address, const HttpAnswer& answer)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    Record& record = mRecords[address];
+    if (!answer.answered && answer.error == CURLE_ABORTED_BY_CALLBACK)
+        return;
+    if (!answer.answered) {
+        ++record.unanswered;
+        record.reason = answer.errorText;
+        record.closedUntil = mLimits.now() + mLimits.refusalTime;
+        return;
+    }
+    record.unanswered = 0;
+    record.isMultiplexing = answer.isMultiplexed;
+    if (answer.hadCompany)
+        return;
+    record.latencies.push_back(answer.latency);
+    if (record.latencies.size() > kLatencies)
+        record.latencies.pop_front();
+}
+
+void AddressMemory::openAll()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    for (auto& [address, record] : mRecords)
+        record.unanswered = 0;
+}

@@ -1,0 +1,32 @@
+#include "OrvLibrary/host/impl/http/AheadPolicy_p.h"
+
+#include <algorithm>
+
+std::size_t AheadPolicy::connections(const Situation& situation)
+{
+    const bool pays = situation.isMultiplexing && situation.requests >= kSpreadRequests &&
+                      situation.latency >= kSpreadLatency;
+    return pays ? std::min(kSpreadConnections, situation.connectionLimit) : 1;
+}
+
+std::size_t AheadPolicy::width(const Situation& situation, std::size_t open, std::size_t opening)
+{
+    if (isNear(situation.latency))
+        return 0;
+    if (situation.isMultiplexing)
+        return open * kStreams + opening;
+    return situation.connectionLimit - 1;
+}
+
+bool AheadPolicy::hasRoom(const Load& load, std::int64_t size)
+{
+    return load.bodies < kMostBodies && load.bytes + size <= kMostBytes &&
+           (size <= kLarge || load.largeRunning < kMostLarge);
+}
+
+AheadPolicy::Microseconds AheadPolicy::stallTime(Microseconds latency)
+{
+    constexpr Microseconds kShortest{1'000'000};
+    constexpr int kLatencies = 8;
+    return std::max(kShortest, latency * kLatencies);
+}
