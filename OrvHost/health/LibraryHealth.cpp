@@ -35,7 +35,7 @@ void LibraryHealth::checkCoreCatalogs()
         ++mChecked;
         const std::string text = catalogDamage(file, tag);
         if (!text.empty())
-            mDamages.push_back({name, text, true});
+            mDamages.push_back({name, text, true, {}});
     }
 }
 
@@ -67,7 +67,7 @@ void LibraryHealth::checkArchivesIn(const fileString& folder, bool isListed)
         const std::string text = archiveDamage(archive);
         const std::string name = nameOf(archive);
         if (!text.empty())
-            mDamages.push_back({name, text, isListed && hashes.count(name) != 0});
+            mDamages.push_back({name, text, isListed && hashes.count(name) != 0, archive});
     }
 }
 
@@ -84,7 +84,7 @@ std::vector<LibraryHealth::Damage> LibraryHealth::futureStamps()
                                      paths.getManufacturerLibraryPath()})
         for (const fileString& catalog : CatalogFolders::catalogsIn(folder))
             if (catalog.modificationTime() > std::time(nullptr))
-                stamps.push_back({nameOf(catalog), kFuture, false});
+                stamps.push_back({nameOf(catalog), kFuture, false, {}});
 
     std::map<long, Manufacturer> records;
     boost::posix_time::ptime fileStamp;
@@ -94,12 +94,13 @@ std::vector<LibraryHealth::Damage> LibraryHealth::futureStamps()
                                                 records, &fileStamp, &defaultText);
     const auto now = Library::getTimeNow();
     if (!fileStamp.is_special() && fileStamp > now)
-        stamps.push_back({"manufacturer_data.json", kFuture, false});
+        stamps.push_back({"manufacturer_data.json", kFuture, false, {}});
     for (const auto& [id, record] : records)
         if (!record.getLastModified().is_special() && record.getLastModified() > now)
             stamps.push_back({"manufacturer_data.json",
                               "the time stamp of manufacturer " + std::to_string(id) + " lies in the future",
-                              false});
+                              false,
+                              {}});
     return stamps;
 }
 

@@ -18,9 +18,10 @@ public:
     /// A catalog or archive that is not what it should be.
     struct Damage
     {
-        std::string name; ///< file name
-        std::string text; ///< what is wrong, for people
-        bool isListed;    ///< it has a hash line, so that an update can bring it back
+        std::string name;   ///< file name
+        std::string text;   ///< what is wrong, for people
+        bool isListed;      ///< it has a hash line, so that an update can bring it back
+        fileString archive; ///< the path of a damaged archive; empty for anything else
     };
 
     /// Compares core catalogs with their tags where the tag is a SHA-1. The tags of bonus and manufacturer

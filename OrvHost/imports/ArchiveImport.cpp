@@ -170,20 +170,26 @@ private:
 
     void placeTextures(FormerImports& former)
     {
+        if (!mHasTextures)
+            return;
         // The library's merge consumes what it is given, also when it fails.
-        fileString offered = newTextures();
-        if (mHasTextures && mTextures.pathExists())
-            offered = copyOf(offered);
-        if (!mHasTextures || LibraryImport::moveArchivedTextures(offered, mTextures, mSteps))
+        const bool isMerge = mTextures.pathExists();
+        std::string reason;
+        if (merge(isMerge ? copyOf(newTextures()) : newTextures(), reason))
             return;
         mSteps->throwIfCancelled();
         const std::string damage =
-            mTextures.pathExists() ? TextureArchive::damageOf(mTextures, mNames, nullptr) : std::string();
+            isMerge ? TextureArchive::damageOf(mTextures, mNames, mSteps) : std::string();
         if (damage.empty())
-            throw std::runtime_error(mTextures.toNativeString() + ": the textures cannot be put there");
+            throw std::runtime_error(reason);
         if (!mOptions.setsAside)
             failFor(damage);
         setAside(former);
+    }
+
+    bool merge(const fileString& textures, std::string& reason) const
+    {
+        return LibraryImport::moveArchivedTextures(textures, mTextures, mSteps, reason);
     }
 
     static fileString copyOf(const fileString& file)
@@ -201,11 +207,12 @@ private:
     {
         const fileString name = TextureArchive::setAsideName(mTextures);
         former.addNewFile("textures" + name.toNativeString().substr(mTextures.toNativeString().size()));
-        TextureArchive::setAside(mTextures, name);
+        TextureArchive::setAside(mTextures, name, mSteps);
         mResult.setAside = name;
         foresee();
-        if (!LibraryImport::moveArchivedTextures(newTextures(), mTextures, mSteps))
-            throw std::runtime_error(mTextures.toNativeString() + ": the textures cannot be put there");
+        std::string reason;
+        if (!merge(newTextures(), reason))
+            throw std::runtime_error(reason);
     }
 
     /// The former library goes to its ".bak" name first, so that the library's own name always stands for a

@@ -2,66 +2,13 @@
 
 #include <filesystem>
 #include <stdexcept>
-#include <vector>
 
-#include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/ZipUtils.h"
 
 namespace OrvHost {
 
 namespace {
-
-constexpr std::size_t kPiece = 1 << 20;
-
-bool isCancelled(const std::shared_ptr<ProgressSubject>& progress)
-{
-    return progress && progress->checkCancel(false);
-}
-
-/// Reads a member to its end, where its checksum is compared.
-/// @throws std::runtime_error for a damaged member
-void readMember(const fileString& archive, const fileString& member,
-                const std::shared_ptr<ProgressSubject>& progress)
-{
-    ZipUtils::ZipInputStream stream(archive + ZipUtils::getDelimiter() + member);
-    while (stream.isFileOpen() && !stream.reachedEOF() && !isCancelled(progress)) {
-        const std::size_t bytes = stream.readArchivedFile(kPiece).size();
-        if (progress)
-            progress->advanceBytes(bytes);
-    }
-}
-
-std::set<fileString> soundMembers(const fileString& archive)
-{
-    std::set<fileString> sound;
-    try {
-        for (const fileString& member : ZipUtils::getFilenamesInArchive(archive)) {
-            try {
-                readMember(archive, member, nullptr);
-                sound.insert(member);
-            } catch (const std::exception&) {
-                // This member is what is damaged.
-            }
-        }
-    } catch (const std::exception&) {
-        // The directory is damaged, so that no member can be told from another.
-    }
-    return sound;
-}
-
-std::size_t copyMembers(const fileString& archive, const fileString& target,
-                        const std::set<fileString>& members)
-{
-    std::size_t copied = 0;
-    ZipUtils::getFilesDataInArchive(archive, [&](const fileString& member, ZipUtils::ArchiveHandle& handle,
-                                                 const ZipUtils::RawDataInfo& raw) {
-        if (members.count(member) != 0)
-            copied += ZipUtils::writeFileToArchiveRaw(target, member, handle, true, raw) ? 1 : 0;
-        return true;
-    });
-    return copied;
-}
 
 void keepUnder(const fileString& archive, const fileString& name)
 {
@@ -78,19 +25,12 @@ namespace TextureArchive {
 std::string damageOf(const fileString& archive, const std::set<fileString>& skipped,
                      const std::shared_ptr<ProgressSubject>& progress)
 {
-    try {
-        if (progress)
-            progress->createSubProgress(ZipUtils::getSizeOfArchive(archive));
-        for (const fileString& member : ZipUtils::getFilenamesInArchive(archive)) {
-            if (isCancelled(progress))
-                break;
-            if (skipped.count(member) == 0)
-                readMember(archive, member, progress);
-        }
-        return {};
-    } catch (const std::exception& error) {
-        return error.what();
-    }
+    std::vector<ZipUtils::DamagedMember> damaged;
+    ZipUtils::verify(archive, progress, &damaged);
+    for (const ZipUtils::DamagedMember& member : damaged)
+        if (skipped.count(member.name) == 0)
+            return member.reason;
+    return {};
 }
 
 fileString setAsideName(const fileString& archive)
@@ -102,21 +42,22 @@ fileString setAsideName(const fileString& archive)
     return name;
 }
 
-std::size_t setAside(const fileString& archive, const fileString& keptAs)
+std::vector<std::string> setAside(const fileString& archive, const fileString& keptAs,
+                                  const std::shared_ptr<ProgressSubject>& progress)
 {
-    fileString salvaged;
-    salvaged.generateAsTempName(ZipUtils::getExtension());
-    const FileReaper guard(salvaged);
-    const std::set<fileString> members = soundMembers(archive);
-    const std::size_t copied = members.empty() ? 0 : copyMembers(archive, salvaged, members);
     keepUnder(archive, keptAs);
-    const bool isReplaced =
-        copied == 0 ? FileUtils::removePath(archive, 1) : FileUtils::moveFile(salvaged, archive, false);
-    if (!isReplaced) {
+    std::vector<ZipUtils::DamagedMember> lost;
+    try {
+        ZipUtils::salvage(keptAs, archive, progress, &lost);
+    } catch (...) {
         FileUtils::removePath(keptAs, 1);
-        throw std::runtime_error(archive.toNativeString() + ": cannot be written");
+        throw;
     }
-    return copied;
+    std::vector<std::string> names;
+    for (const ZipUtils::DamagedMember& member : lost)
+        if (!member.name.empty())
+            names.push_back(member.name.toNativeString());
+    return names;
 }
 
 } // namespace TextureArchive

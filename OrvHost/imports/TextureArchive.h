@@ -3,6 +3,7 @@
 #include <memory>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/ProgressSubject.h"
@@ -11,11 +12,12 @@
 /// Damage in an archive of referenced files, and the way out of it. Functions may be called from any thread.
 namespace OrvHost::TextureArchive {
 
-/// Reads the members of an archive.
-/// @param skipped members that are not read
-/// @param progress may be null; told the bytes, and asked for a cancel before each member
+/// Verifies an archive.
+/// @param skipped members whose damage does not matter
+/// @param progress may be null; told the bytes, and asked for a cancel
 /// @return why the archive is not sound, with its path and the member: `/a/Kitchen.zip: member "oak.png": its
-/// checksum is wrong`; empty when it is sound, and after a cancel
+/// checksum is wrong`; empty when it is sound
+/// @throws std::runtime_error after a cancel
 ORVHOST_EXPORT std::string damageOf(const fileString& archive, const std::set<fileString>& skipped,
                                     const std::shared_ptr<ProgressSubject>& progress);
 
@@ -23,11 +25,14 @@ ORVHOST_EXPORT std::string damageOf(const fileString& archive, const std::set<fi
 /// "NAME.zip.damaged.2", "NAME.zip.damaged.3" and so on.
 ORVHOST_EXPORT fileString setAsideName(const fileString& archive);
 
-/// Keeps a damaged archive under another name and puts an archive of its sound members in its place. Where no
-/// member is sound, nothing is left in its place. Until then the archive's name stands for the old file.
+/// Keeps a damaged archive under another name and puts an archive of its sound members in its place, by one
+/// rename. Where no member is sound, that archive is empty.
 /// @param keptAs a name in the same folder that nothing has, see `setAsideName`
-/// @return how many members were taken over
-/// @throws std::runtime_error when a file cannot be written; the archive is then as it was
-ORVHOST_EXPORT std::size_t setAside(const fileString& archive, const fileString& keptAs);
+/// @param progress may be null; told the bytes, and asked for a cancel
+/// @return the names of the members that are lost, as far as they are known
+/// @throws std::runtime_error when a file cannot be written, and after a cancel; the archive is then as it
+/// was
+ORVHOST_EXPORT std::vector<std::string> setAside(const fileString& archive, const fileString& keptAs,
+                                                 const std::shared_ptr<ProgressSubject>& progress);
 
 } // namespace OrvHost::TextureArchive

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "OrvHost/health/LibraryHealth.h"
 #include "apps/orv-library/Command.h"
 
 /// `verify`: core catalogs against their tags, archives against their checksums.
@@ -12,6 +13,7 @@ public:
 
 private:
     ExitStatus run(Session& session) const;
+    static bool repair(Session& session, const OrvHost::LibraryHealth::Damage& damage);
 
     bool mRepair = false;
 };

@@ -8,6 +8,7 @@
 #include "OrvHost/update/CheckHistory.h"
 #include "apps/catalog-service/ZipWriter.h"
 #include "tests/orv-library/Program.h"
+#include "tests/support/ArchiveReader.h"
 
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -201,13 +202,24 @@ TEST_F(HealthCommands, repairRemovesTheHashLinesOfDamagedFiles)
     EXPECT_EQ("Lamps.orvlib:" + sha1("lamps") + "\n", test::readFile(path("core/catalog_hash.txt")));
 }
 
-TEST_F(HealthCommands, damageThatNoUpdateBringsBackRemains)
+TEST_F(HealthCommands, repairKeepsTheSoundFilesOfAnArchiveThatNoUpdateBrings)
 {
-    writeArchive("textures/Mine.zip");
+    {
+        ZipWriter archive(path("textures/Mine.zip"));
+        archive.add("Oak.png", std::string(5000, 'o'));
+        archive.add("Elm.png", std::string(5000, 'e'));
+        archive.close();
+    }
     damage("textures/Mine.zip");
+    const std::string damaged = test::readFile(path("textures/Mine.zip"));
     const test::ProgramResult result = mProgram.run({"--json", "verify", "--repair"});
-    EXPECT_EQ(1, result.status);
+    EXPECT_EQ(0, result.status) << result.err;
     EXPECT_THAT(texts(result.json()["damaged"]), ElementsAre("Mine.zip"));
-    EXPECT_THAT(texts(result.json()["repaired"]), IsEmpty());
-    EXPECT_THAT(result.err, HasSubstr("Mine.zip"));
+    EXPECT_THAT(texts(result.json()["repaired"]), ElementsAre("Mine.zip"));
+    EXPECT_THAT(result.err, HasSubstr("Mine.zip: lost Oak.png"));
+    EXPECT_EQ(damaged, test::readFile(path("textures/Mine.zip.damaged")));
+    const auto sound = test::contentsOf(fileString(path("textures/Mine.zip")));
+    ASSERT_EQ(1U, sound.size());
+    EXPECT_EQ("Elm.png", sound[0].first);
+    EXPECT_EQ(0, mProgram.run({"verify"}).status);
 }

@@ -269,6 +269,53 @@ TEST_F(ImportCommand, texturesThatCannotBePlacedLeaveTheLibraryAsItWas)
     expectFailure({"import", path("Kitchen.orvlibz")}, rootPath("textures/Kitchen.zip"));
 }
 
+TEST_F(ImportCommand, damagedTextureArchiveIsSetAside)
+{
+    mProgram.run({"import", writeKitchen()});
+    const std::string textures = rootPath("textures/Kitchen.zip");
+    std::string damaged = test::readFile(textures);
+    damaged[damaged.find("oak.png") + 8] ^= 1; // in the data
+    mProgram.folder().write("root/textures/Kitchen.zip", damaged);
+    test::ArchiveBuilder second;
+    second.add("inside.orvlib", mDatabase);
+    second.add("door.png", "door");
+    const std::string archive = second.write(mProgram.folder(), "Kitchen.orvlibz").toNativeString();
+    expectFailure({"import", archive}, textures + ": member \"textures/oak.png\": ");
+    expectFailure({"import", "--dry-run", archive}, "--set-aside");
+
+    const ProgramResult result = mProgram.run({"--json", "import", "--set-aside", archive});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(test::readFile(textures + ".damaged"), damaged);
+    EXPECT_EQ(test::contentsOf(fileString(textures)), (Contents{{"tile.jpg", "tile"}, {"door.png", "door"}}));
+    EXPECT_EQ(mProgram.run({"undo"}).status, 0);
+    EXPECT_EQ(test::readFile(textures), damaged);
+    EXPECT_FALSE(fs::exists(textures + ".damaged"));
+}
+
+TEST_F(ImportCommand, damagedTextureArchivesAreKeptBesideEachOther)
+{
+    mProgram.run({"import", writeKitchen()});
+    for (const char* name : {"Kitchen.zip.damaged", "Kitchen.zip.damaged.2"}) {
+        mProgram.folder().write("root/textures/Kitchen.zip", "not an archive");
+        const ProgramResult result = mProgram.run({"import", "--set-aside", path("Kitchen.orvlibz")});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(test::readFile(rootPath(std::string("textures/") + name)), "not an archive");
+        EXPECT_EQ(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))).size(), 2U);
+    }
+}
+
+TEST_F(ImportCommand, damageInAFileThatIsReplacedDoesNotMatter)
+{
+    mProgram.run({"import", writeKitchen()});
+    std::string damaged = test::readFile(rootPath("textures/Kitchen.zip"));
+    damaged[damaged.find("oak.png") + 8] ^= 1; // in the data
+    mProgram.folder().write("root/textures/Kitchen.zip", damaged);
+    const ProgramResult result = mProgram.run({"import", path("Kitchen.orvlibz")});
+    EXPECT_EQ(result.status, 0) << result.err;
+    EXPECT_EQ(test::contentsOf(fileString(rootPath("textures/Kitchen.zip"))),
+              (Contents{{"textures/oak.png", "oak"}, {"tile.jpg", "tile"}}));
+}
+
 TEST_F(ImportCommand, unsafeNamesNeverLeaveTheFolders)
 {
     for (const char* name : {"../../evil.png", "/evil.png", "a/../../evil.png"})
