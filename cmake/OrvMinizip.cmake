@@ -1,5 +1,5 @@
-# Minizip, as a static library: the names that it defines must not leave libOrvLibrary.so, because a host may
-# hold another zip library that exports the same names over other structures.
+# Minizip, as a static library, for what is not in the library: the catalog service writes archives with it, and the
+# tests read every archive back with it, because it is another maker's.
 
 find_path(ORV_MINIZIP_INCLUDE_DIR minizip/unzip.h REQUIRED)
 find_library(ORV_MINIZIP_LIBRARY NAMES libminizip.a REQUIRED)
