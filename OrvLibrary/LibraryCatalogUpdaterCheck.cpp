@@ -32,12 +32,8 @@ std::vector<Curl::HeaderRequest> requestsFrom(CatalogMap::const_iterator first, 
                                               const std::string& product, const std::string& version)
 {
     std::vector<Curl::HeaderRequest> requests;
-    for (; first != catalogs.end(); ++first) {
-        Curl::HeaderRequest request;
-        generate_url_and_headers(request.url, request.headerLines, first->first, first->second, product,
-                                 version);
-        requests.push_back(std::move(request));
-    }
+    for (; first != catalogs.end(); ++first)
+        requests.push_back(requestFor(first->first, first->second, product, version));
     return requests;
 }
 
@@ -67,12 +63,11 @@ void LibraryCatalogUpdater::checkForUpdate(const fileString& name, CatalogUpdate
                                            const std::string& prefix)
 try {
     mHostObject->setText(prefix + StringUtils::toWin1252(name.unicodeString()));
-    std::string url;
-    std::vector<std::string> headers;
-    generate_url_and_headers(url, headers, name, record, mProduct, mVersion);
+    const Curl::HeaderRequest request = requestFor(name, record, mProduct, mVersion);
     std::string headerText;
     std::int64_t status = 0;
-    if (url.empty() || !Curl::get().getURLHeader(url, headers, headerText, status)) {
+    if (request.url.empty() ||
+        !Curl::get().getURLHeader(request.url, request.headerLines, headerText, status)) {
         mHadError = true;
         return;
     }
@@ -85,13 +80,11 @@ try {
 
 void LibraryCatalogUpdater::fetchErrorPage(const fileString& name, CatalogUpdateData& record)
 {
-    std::string url;
-    std::vector<std::string> headers;
-    generate_url_and_headers(url, headers, name, record, mProduct, mVersion);
+    const Curl::HeaderRequest request = requestFor(name, record, mProduct, mVersion);
     std::string page;
-    // The page of an error counts as failed, and is what is wanted here.
-    if (!url.empty())
-        Curl::get().browseURL(url, headers, page, true, 0);
+    // The page of an error counts as failed. Here it is wanted all the same.
+    if (!request.url.empty())
+        Curl::get().browseURL(request.url, request.headerLines, page, true, 0);
     record.errorText = page;
 }
 

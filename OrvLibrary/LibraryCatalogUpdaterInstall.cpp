@@ -79,12 +79,10 @@ std::vector<Curl::DownloadRequest> downloadsOf(const CatalogMap& catalogs, const
             folder = getTempDirectoryPathFromCategory(record.category);
             FileUtils::createDirectoriesWithPerm(folder, false);
         }
-        Curl::DownloadRequest request;
-        generate_url_and_headers(request.url, request.headerLines, catalogFile, record, product, version);
-        request.target = temporaryFileOf(catalogFile, folder);
-        request.size = static_cast<std::int64_t>(
+        const Curl::HeaderRequest request = requestFor(catalogFile, record, product, version);
+        const auto size = static_cast<std::int64_t>(
             std::min<std::uint64_t>(record.contentLength, std::numeric_limits<std::int64_t>::max()));
-        requests.push_back(std::move(request));
+        requests.push_back({request.url, request.headerLines, temporaryFileOf(catalogFile, folder), size});
     }
     return requests;
 }
@@ -170,18 +168,16 @@ fileString LibraryCatalogUpdater::prepareDownload(const fileString& catalogFile,
 bool LibraryCatalogUpdater::downloadCatalog(const fileString& catalogFile, const CatalogUpdateData& record,
                                             const fileString& temporaryFile, std::string& reason)
 {
-    std::string url;
-    std::vector<std::string> headers;
-    generate_url_and_headers(url, headers, catalogFile, record, mProduct, mVersion);
-    if (url.empty()) {
+    const Curl::HeaderRequest request = requestFor(catalogFile, record, mProduct, mVersion);
+    if (request.url.empty()) {
         reason = "No API endpoint found.";
         return false;
     }
     CatalogDownload context;
     context.events = mHostObject.get();
     int errorNumber = 0;
-    if (Curl::get().download_to_location(url, temporaryFile, headers, &context, download_progress_callback,
-                                         reason, errorNumber))
+    if (Curl::get().download_to_location(request.url, temporaryFile, request.headerLines, &context,
+                                         download_progress_callback, reason, errorNumber))
         return true;
     if (errorNumber == Curl::kAbortedByCallback)
         mMessageCode = kMessageDownloadCancelled;

@@ -4,7 +4,6 @@
 
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
-#include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/StringUtils.h"
@@ -128,6 +127,14 @@ void generate_url_and_headers(std::string& url, std::vector<std::string>& header
     // Deliberate: sent with an empty tag as well.
     headers.push_back("If-None-Match: \"" + record.localHash + "\"");
     url = sourceUrl(file, record.category, product, version);
+}
+
+Curl::HeaderRequest requestFor(const fileString& file, const CatalogUpdateData& record,
+                               const std::string& product, const std::string& version)
+{
+    Curl::HeaderRequest request;
+    generate_url_and_headers(request.url, request.headerLines, file, record, product, version);
+    return request;
 }
 
 } // namespace LibraryCatalogUpdate

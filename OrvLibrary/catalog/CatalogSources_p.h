@@ -5,6 +5,7 @@
 
 #include "OrvLibrary/CatalogUpdateData.h"
 #include "OrvLibrary/host/Application.h"
+#include "OrvLibrary/host/Curl.h"
 
 /// Where the catalogs of a category come from and go to. All run on the thread of the update.
 namespace LibraryCatalogUpdate {
@@ -42,5 +43,9 @@ std::string sourceUrl(const fileString& file, Library::LibraryCategory category,
 void generate_url_and_headers(std::string& url, std::vector<std::string>& headers, const fileString& file,
                               const CatalogUpdateData& record, const std::string& product,
                               const std::string& version);
+
+/// The same as a request of the download service. Its address is empty when the service cannot be found.
+Curl::HeaderRequest requestFor(const fileString& file, const CatalogUpdateData& record,
+                               const std::string& product, const std::string& version);
 
 } // namespace LibraryCatalogUpdate
