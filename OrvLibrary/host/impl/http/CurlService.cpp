@@ -224,7 +224,7 @@ bool CurlService::downloadResumable(const ResumableDownload& request, void* cont
 bool CurlService::downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
                                   std::string& reason, int& errorNumber)
 {
-    if (CancelQuestion::isCancelled()) {
+    if (::CancelQuestion::isCancelled()) {
         reason = "Callback aborted";
         errorNumber = kAbortedByCallback;
         return false;
