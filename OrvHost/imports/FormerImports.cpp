@@ -51,6 +51,17 @@ std::unique_ptr<LockingFStream> lockArchive(const fileString& path)
     return lock;
 }
 
+/// A record that is damaged stops no import: it is kept, and a new one begun.
+std::vector<ImportEntry> readOrSetAside(const fileString& folder)
+{
+    try {
+        return ImportRecord::read(folder);
+    } catch (const ImportRecord::Unreadable&) {
+        ImportRecord::setAside(folder);
+        return {};
+    }
+}
+
 /// A second name for a file, or where that cannot be a copy with the same times.
 void linkOrCopy(const fileString& from, const fileString& to, const FileStamp& stamp)
 {
@@ -72,7 +83,7 @@ fileString FormerImports::folderOf(const fileString& root)
 }
 
 FormerImports::FormerImports(const fileString& root, const std::shared_ptr<ProgressSubject>& progress)
-    : mFolder(madeFolder(root)), mLock(mFolder, progress), mEntries(ImportRecord::read(mFolder))
+    : mFolder(madeFolder(root)), mLock(mFolder, progress), mEntries(readOrSetAside(mFolder))
 {
     recover();
 }
@@ -207,7 +218,7 @@ void FormerImports::save()
 /// Removes kept files of imports that are forgotten, and of those that never began.
 void FormerImports::removeUnlisted() const
 {
-    std::set<std::string> listed{"imports.json", "imports.lock"};
+    std::set<std::string> listed{"imports.json", "imports.json.unreadable", "imports.lock"};
     for (const ImportEntry& entry : mEntries)
         for (const ImportPart& part : entry.parts)
             listed.insert(entry.keptName(part).toNativeString());

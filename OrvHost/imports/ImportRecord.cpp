@@ -11,6 +11,7 @@
 
 #include "OrvHost/TextFile.h"
 #include "OrvLibrary/IO/LibraryImport.h"
+#include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
 
 namespace OrvHost {
@@ -155,15 +156,21 @@ std::vector<ImportEntry> ImportRecord::read(const fileString& folder)
     const QByteArray text = QByteArray::fromStdString(TextFile::read(path));
     const QJsonValue imports = QJsonDocument::fromJson(text).object()["imports"];
     if (!imports.isArray())
-        throw std::runtime_error(path.toNativeString() + ": is no record of imports");
+        throw Unreadable(path.toNativeString() + ": is no record of imports");
     std::vector<ImportEntry> entries;
     for (const QJsonValue& value : imports.toArray()) {
         ImportEntry entry;
         if (!readEntry(value.toObject(), entry))
-            throw std::runtime_error(path.toNativeString() + ": is no record of imports");
+            throw Unreadable(path.toNativeString() + ": is no record of imports");
         entries.push_back(std::move(entry));
     }
     return entries;
+}
+
+void ImportRecord::setAside(const fileString& folder)
+{
+    const fileString path = recordIn(folder);
+    FileUtils::renameFile(path, path + fileString(".unreadable"));
 }
 
 void ImportRecord::write(const fileString& folder, const std::vector<ImportEntry>& entries)

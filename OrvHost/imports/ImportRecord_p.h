@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -70,9 +71,18 @@ fileString textures(const fileString& stem, bool isProprietary);
 /// docs/formats/former-imports.md describes it.
 namespace ImportRecord {
 
+/// The file is no record of imports.
+class Unreadable : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
 /// Empty when there is no such file.
-/// @throws std::runtime_error when it cannot be read or is none of ours
+/// @throws Unreadable; std::runtime_error when the file cannot be read at all
 std::vector<ImportEntry> read(const fileString& folder);
+/// Keeps a file that is no record as "imports.json.unreadable".
+void setAside(const fileString& folder);
 /// Replaces the file in one step.
 /// @throws std::runtime_error
 void write(const fileString& folder, const std::vector<ImportEntry>& entries);

@@ -30,8 +30,8 @@ public:
     explicit LibrarySource(const std::string& text);
 
     bool isAddress() const { return mIsAddress; }
-    /// What the results are named after: the archive's name without folder and extension. Of an address, the
-    /// name that it asks for.
+    /// The name that the results get: the archive's name without folder and extension. For an address it is
+    /// the name of the file that the address asks for.
     /// @throws std::runtime_error when that is no name
     fileString stem() const;
     /// Downloads what an address names, once, to the temporary folder, and tells the bytes. Does nothing for
