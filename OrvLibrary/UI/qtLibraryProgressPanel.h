@@ -30,7 +30,8 @@ public:
     ~LibraryProgressPanel() override;
 
     /// Makes a panel and docks it into the splitter named "libMainSplitter" somewhere below `parent`, with
-    /// room for two lines of text. Where there is no such splitter the panel is a mere child of `parent`.
+    /// room for two lines of text. Where there is no such splitter the panel is a dialog of `parent`, which
+    /// stays hidden until the host shows it or puts it into a layout.
     /// @return the panel, owned by its Qt parent
     static LibraryProgressPanel* create(QWidget* parent);
     /// The caption under which the host groups progress panels.

@@ -279,6 +279,33 @@ TEST_F(ManufacturerManagerUpdate, anOldLogoThatAnotherRecordNamesStays)
     EXPECT_THAT(files(), UnorderedElementsAre("manufacturer_data.json", "shared.png"));
 }
 
+/// Serves nothing, but keeps the address of the data and whether something stood in its file's place.
+class WatchingCurl : public test::DeadCurl
+{
+public:
+    using test::DeadCurl::download_to_location;
+    bool download_to_location(const std::string& url, const fileString& target, std::string&) override
+    {
+        mUrl = url;
+        mFoundFormer = target.pathExists();
+        return false;
+    }
+
+    std::string mUrl;
+    bool mFoundFormer = true;
+};
+
+TEST_F(ManufacturerManagerUpdate, theDataIsAskedForInWindows1252AfterAFormerFileWasRemoved)
+{
+    have("");
+    haveFile("manufacturer_data_temp.json", "left by a process that died");
+    const WatchingCurl service;
+    manager().checkForManufacturerUpdates("http://x/Möbel?", "http://x/logo?");
+    EXPECT_EQ(service.mUrl, "http://x/M\xF6"
+                            "bel?");
+    EXPECT_FALSE(service.mFoundFormer);
+}
+
 /// Serves the data and every logo but one, for which it throws.
 class ThrowingCurl : public test::DeadCurl
 {

@@ -97,6 +97,8 @@ TEST_F(LibraryProgressPanelTest, isLeftAloneWithoutTheSplitter)
     misnamed->setObjectName("otherSplitter");
     const LibraryProgressPanel* loose = LibraryProgressPanel::create(&other);
     EXPECT_EQ(loose->parentWidget(), &other);
+    EXPECT_TRUE(loose->isWindow());
+    EXPECT_FALSE(loose->isVisible());
     EXPECT_EQ(misnamed->count(), 0);
     EXPECT_NE(loose->sizePolicy().verticalPolicy(), QSizePolicy::Fixed);
     EXPECT_EQ(loose->findChild<QHBoxLayout*>()->itemAt(0)->widget()->property("text"), QVariant(""));
@@ -225,8 +227,10 @@ TEST_F(LibraryProgressPanelTest, sizesBeyondIntFailInTheCheckedNarrowing)
 TEST_F(LibraryProgressPanelTest, closingDestroysItOnceTheEventLoopRuns)
 {
     window.show();
+    const QSignalSpy cancelled(panel, &QProgressDialog::canceled);
     panel->close();
     ASSERT_FALSE(panel.isNull());
+    EXPECT_EQ(cancelled.count(), 1) << "as closing any progress dialog does";
     EXPECT_EQ(splitter->count(), 2);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_TRUE(panel.isNull());

@@ -102,6 +102,8 @@ TEST(StringUtils, toWin1252MapsTheCodePageAndNothingElse)
     EXPECT_EQ(StringUtils::toWin1252("a🏠b"), "a?b") << "one mark for one character";
     EXPECT_EQ(StringUtils::toWin1252("a\xFF"), "a?") << "bytes that are not UTF-8";
     EXPECT_EQ(StringUtils::toWin1252("a\u200Bb\uFEFFc\u2060\u200D\u061C"), "a?b?c???") << "invisible ones";
+    EXPECT_EQ(StringUtils::toWin1252("\u0080"), "?") << "the byte of the euro sign";
+    EXPECT_EQ(StringUtils::toWin1252("\U000100E9"), "?") << "whose low half is that of a letter";
     EXPECT_EQ(StringUtils::toWin1252("a\u00AD\u00A0"), "a\xAD\xA0");
     EXPECT_EQ(StringUtils::toWin1252(""), "");
     EXPECT_EQ(StringUtils::toWin1252(std::string("\xC3\xA9\0b", 4)), std::string("\xE9\0b", 3));
