@@ -90,7 +90,7 @@ public:
     static bool isWhollyReadable(const fileString& path);
 
 private:
-    /// What a reading came to.
+    /// How a reading ended.
     enum class Reading
     {
         Whole,        ///< also of a missing file

@@ -21,7 +21,7 @@ public:
     void add(const LibraryFilter& filter);
 
 private:
-    /// What makes two filters the same.
+    /// Two filters are the same when these are equal.
     using Content = std::pair<std::string, std::vector<std::string>>;
 
     static Content contentOf(const LibraryFilter& filter);

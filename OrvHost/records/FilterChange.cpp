@@ -38,6 +38,14 @@ bool areEqual(const LibraryFilter& left, const LibraryFilter& right)
            left.getDatabaseIds() == right.getDatabaseIds();
 }
 
+/// The first filter of that id; null when there is none.
+const LibraryFilter* withId(const std::vector<LibraryFilter>& filters, long id)
+{
+    const auto found = std::find_if(filters.begin(), filters.end(),
+                                    [id](const LibraryFilter& filter) { return filter.getFilterId() == id; });
+    return found == filters.end() ? nullptr : &*found;
+}
+
 /// The manager does not say whether it could read its file; reading the file once more does.
 void demandLoaded(const LibraryFilterManager& manager)
 {
@@ -85,9 +93,7 @@ FilterChange::FilterChange(const fileString& other)
 
 bool FilterChange::hasId(long id) const
 {
-    const Filters& filters = mFilters.getLibraryFilters();
-    return std::any_of(filters.begin(), filters.end(),
-                       [id](const LibraryFilter& filter) { return filter.getFilterId() == id; });
+    return withId(mFilters.getLibraryFilters(), id) != nullptr;
 }
 
 void FilterChange::demandId(long id) const
@@ -148,6 +154,29 @@ std::size_t FilterChange::dropDatabase(const std::string& database)
     return before - entries();
 }
 
+void FilterChange::apply(const Filters& before, const Filters& after)
+{
+    Filters filters;
+    for (const LibraryFilter& filter : mFilters.getLibraryFilters()) {
+        const LibraryFilter* const former = withId(before, filter.getFilterId());
+        const LibraryFilter* const edited = withId(after, filter.getFilterId());
+        if (!former || (edited && areEqual(*former, *edited)))
+            filters.push_back(filter);
+        else if (edited)
+            filters.push_back(*edited);
+    }
+    for (LibraryFilter filter : after) {
+        if (withId(before, filter.getFilterId()))
+            continue;
+        while (withId(filters, filter.getFilterId()))
+            filter.setFilterId(filter.getFilterId() + 1);
+        filters.push_back(filter);
+    }
+    mFilters.setLibraryFilters(filters);
+    if (!hasId(mFilters.getCurrentFilterId()))
+        mFilters.setCurrentFilterId(kNoFilter);
+}
+
 fileString FilterChange::save(Order order)
 {
     const fileString path = mFilters.getFilterFullname();
@@ -174,11 +203,7 @@ fileString FilterChange::prepareToOverwrite(const fileString& path)
 
 bool FilterChange::isFiltering(const LibraryFilterManager& filters)
 {
-    const Filters& list = filters.getLibraryFilters();
-    return filters.hasActiveFilter() &&
-           std::any_of(list.begin(), list.end(), [&filters](const LibraryFilter& filter) {
-               return filter.getFilterId() == filters.getCurrentFilterId();
-           });
+    return filters.hasActiveFilter() && withId(filters.getLibraryFilters(), filters.getCurrentFilterId());
 }
 
 } // namespace OrvHost

@@ -55,6 +55,13 @@ public:
     /// @return how many entries there were
     std::size_t dropDatabase(const std::string& database);
 
+    /// Does to the filters what an editor did to a copy of them: removes what it removed, replaces what it
+    /// changed, and adds what it added, under another id where its own is taken meanwhile. What other
+    /// programs changed since the copy was made stays. A current filter that is gone is none afterwards.
+    /// @param before the copy as it was when the editor began
+    /// @param after the copy as the editor left it
+    void apply(const Filters& before, const Filters& after);
+
     /// How the filters come back from the file, which is read from its end.
     enum class Order
     {

@@ -19,7 +19,7 @@ fileString dataFile()
     return PathUtils::getObject().getManufacturerDataPath() / fileString("manufacturer_data.json");
 }
 
-/// What is no date is older than every other.
+/// The time itself; the earliest one for a stamp that is no date.
 ptime dateOf(const ptime& time)
 {
     return time.is_not_a_date_time() ? ptime(boost::date_time::min_date_time) : time;

@@ -23,7 +23,7 @@ class ORVHOST_EXPORT ManufacturerRefresh : public ForwardingCurl
 public:
     using Table = std::map<long, Manufacturer>;
 
-    /// What changed, by id.
+    /// The records that changed, by id.
     struct Changes
     {
         std::vector<long> added;

@@ -11,7 +11,7 @@ using boost::posix_time::ptime;
 
 namespace {
 
-/// What a contact field holds that stands for the shared default text.
+/// The word in a contact field that stands for the shared default text.
 const char kDefault[] = "default";
 
 const std::string& resolve(const std::string& field, bool resolveDefault)

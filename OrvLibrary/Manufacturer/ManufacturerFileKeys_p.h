@@ -1,6 +1,6 @@
 #pragma once
 
-/// What a manufacturer file is called, and the keys in it.
+/// The name of a manufacturer file, and the keys in it.
 namespace ManufacturerFileKeys {
 
 constexpr char kFileName[] = "manufacturer_data.json";

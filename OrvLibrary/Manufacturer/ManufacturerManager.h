@@ -20,7 +20,11 @@ class Object;
 ///
 /// The one instance exists from the first `getManufacturerManager` to `cleanup`. These two, the look-ups and
 /// the edit permission may be called from any thread; loading, saving, changing the folder and the refresh
-/// only while no look-up runs and no reference that a look-up gave is in use. No operation throws.
+/// only while no look-up runs and no reference that a look-up gave is in use.
+///
+/// A file that cannot be read or written, a failed download and a host service that throws meanwhile end as
+/// the operation says, not as an exception. An operation may let out lack of memory, an exception of the
+/// host's message system from `ManufacturerMaterialAlert`, and what it names itself.
 class ORVLIBRARY_EXPORT ManufacturerManager
 {
 public:

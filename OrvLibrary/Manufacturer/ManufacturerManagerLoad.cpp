@@ -15,7 +15,7 @@ using namespace ManufacturerFileKeys;
 
 namespace {
 
-/// What a manufacturer file holds.
+/// The content of a manufacturer file.
 struct Content
 {
     std::map<long, Manufacturer> table;

@@ -21,7 +21,7 @@ namespace {
 constexpr int kAlsoReadOnly = 1;
 constexpr char kLogoPath[] = "&logo-path=";
 
-/// What is no date counts as the earliest one, so that everything is newer than it.
+/// The time itself; the earliest one for a stamp that is no date, so that everything is newer.
 ptime dateOf(const ptime& time)
 {
     return time.is_not_a_date_time() ? ptime(boost::date_time::min_date_time) : time;
@@ -136,7 +136,7 @@ void ManufacturerManager::fetchUpdate(const std::string& dataUrl, const marl::un
 }
 
 /// Fetches the logos of records that are new, or newer than ours. The old logo of a newer record goes first,
-/// unless a record of the new table names it: that one is replaced when its successor has arrived.
+/// unless a record of the new table names it: such a logo is replaced when its successor has arrived.
 void ManufacturerManager::fetchLogos(const std::map<long, Manufacturer>& table,
                                      const marl::unicode::String& logoBase) const
 {

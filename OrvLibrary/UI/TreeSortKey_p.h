@@ -6,7 +6,7 @@
 
 namespace Library {
 
-/// What a name amounts to in the browser's name order: comparing two keys gives what
+/// The place of a name in the browser's name order: comparing two keys gives what
 /// `StringUtils::compareStrings`, without regard to letter case, says of the names, and much sooner. A key
 /// holds for one text in one locale.
 class TreeSortKey

@@ -6,8 +6,8 @@
 #include "OrvLibrary/OrvLibraryExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// What the library asks of the host's application object. The host installs it before it uses the library
-/// and takes it away after the last call; the operations may be called from any thread.
+/// The questions that the library asks the host's application object. The host installs it before it uses the
+/// library and takes it away after the last call; the operations may be called from any thread.
 class ORVLIBRARY_EXPORT Application
 {
 public:

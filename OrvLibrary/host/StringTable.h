@@ -27,8 +27,8 @@ constexpr std::uint32_t kDefaultManufacturerText = 10108; ///< stands for a miss
 /// The host's translated texts, behind `StringUtils::loadString`, `StringUtils::loadQString` and `xl8`. May
 /// be called from any thread.
 ///
-/// The library carries its translations as resources; a host loads the one of the user's language before it
-/// uses the library, and may add translators of its own with texts for the same ids:
+/// The library carries its translations as resources. A host loads the translation of the user's language
+/// before it uses the library, and may add translators of its own with texts for the same ids:
 ///
 ///     QTranslator translator;
 ///     if (translator.load(QLocale(), "orvlibrary", "_", ":/orvlibrary/translations"))

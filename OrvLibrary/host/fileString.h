@@ -43,8 +43,8 @@ public:
     std::time_t modificationTime() const;
 
     /// Replaces the value with the path of a file that does not exist yet, in the host's temporary folder.
-    /// What processes that were killed left under such names there is removed when no other process uses the
-    /// folder, before this one first does.
+    /// Before this process first uses the folder, files that killed processes left there under such names are
+    /// removed, provided that no other process uses the folder.
     /// @param extension with its dot, such as ".zip"
     void generateAsTempName(const fileString& extension);
     void generateAsTempName(const char* extension);

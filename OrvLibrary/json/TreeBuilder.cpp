@@ -75,8 +75,8 @@ boost::any& TreeBuilder::add(Node node)
     return value;
 }
 
-/// Deliberate: a member goes before those of equal key, so that the last one in the text is found first. A
-/// run of equal keys is told by the hint, else a file of one repeated key would be searched for each of them.
+/// Deliberate: a member goes before the members of equal key, so that the last one in the text is found
+/// first. The hint spares the search in a run of equal keys, as a filter file has them.
 void TreeBuilder::addMember(Container& container, Node node)
 {
     object& members = *container.members;

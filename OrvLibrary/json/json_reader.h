@@ -24,7 +24,7 @@ public:
     /// or nothing at all for null.
     using variant = std::shared_ptr<boost::any>;
 
-    /// What stands on the parse stack for a container that has not been closed yet.
+    /// The entry on the parse stack for a container that has not been closed yet.
     struct object_delimiter
     {
     };

@@ -252,24 +252,25 @@ TEST_F(ErrorLogTest, failureToDeleteAStaleLogIsNotReported)
 TEST_F(ErrorLogTest, aMissingFolderLeavesNoFileAndRaisesNoError)
 {
     ASSERT_EQ(rmdir((mFolder.path() + "/user").c_str()), 0);
-    EXPECT_NO_THROW(ErrorLog() << "abc");
+    ErrorLog() << "abc";
     EXPECT_TRUE(test::listTree(mFolder.path()).empty());
 }
 
 TEST_F(ErrorLogTest, aLogThatIsNoFileIsIgnored)
 {
     mkdir(log().toNativeString().c_str(), 0755);
-    EXPECT_NO_THROW(ErrorLog() << "abc");
+    ErrorLog() << "abc";
     ASSERT_EQ(rmdir(log().toNativeString().c_str()), 0);
     ASSERT_EQ(mkfifo(log().toNativeString().c_str(), 0644), 0);
-    EXPECT_NO_THROW(ErrorLog() << "abc");
+    ErrorLog() << "abc";
+    EXPECT_EQ(FileUtils::fileSize(log()), -1) << "still no file";
 }
 
 TEST_F(ErrorLogTest, exceptionsOfTheHostDoNotLeaveTheDestructor)
 {
     ThrowingPathUtils paths(fileString(mFolder.path()));
     PathUtils::install(&paths);
-    EXPECT_NO_THROW(ErrorLog() << "abc");
+    ErrorLog() << "abc"; // an exception would end the process here
     PathUtils::install(&mPaths);
     EXPECT_FALSE(log().pathExists());
 }

@@ -99,6 +99,24 @@ TEST_F(BrowserDialogsTest, lastFilterCanBeRemovedForGood)
     EXPECT_EQ(child<QComboBox>("filterChoice").count(), 1);
 }
 
+TEST_F(BrowserDialogsTest, theFirstOfTwoFiltersCanBeRemoved)
+{
+    manager.setLibraryFilters({LibraryFilter("First", 3, {"doors"}), LibraryFilter("Second", 4, {"lamps"})});
+    manager.saveFilters();
+    manager.loadFilters(); // which turns the list round
+    open();
+    inDialog([&] { trigger("editFilters"); },
+             [](QDialog& dialog) {
+                 dialog.findChild<QListWidget*>("filterNames")->setCurrentRow(0);
+                 QTest::mouseClick(dialog.findChild<QPushButton*>("removeFilter"), Qt::LeftButton);
+                 press(dialog, QDialogButtonBox::Ok);
+             });
+    manager.loadFilters();
+    ASSERT_THAT(manager.getLibraryFilters(), SizeIs(1));
+    EXPECT_EQ(manager.getLibraryFilters()[0].getFilterName(), "First");
+    EXPECT_THAT(manager.getLibraryFilters()[0].getDatabaseIds(), ElementsAre("doors"));
+}
+
 TEST_F(BrowserDialogsTest, filterKeepsCatalogsThatAreNotInstalled)
 {
     manager.setLibraryFilters({LibraryFilter("Light", 3, {"gone", "lamps"})});

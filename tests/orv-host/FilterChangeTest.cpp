@@ -77,6 +77,28 @@ TEST_F(FilterChangeTest, refusesIdsThatAreUnknownAndIdsAndNamesThatAreTaken)
     EXPECT_EQ(mManager.getCurrentFilterId(), -1);
 }
 
+TEST_F(FilterChangeTest, anEditorsChangesMeetThoseOfAnotherProgram)
+{
+    writeElsewhere(kTwo);
+    mManager.loadFilters();
+    mManager.setCurrentFilterId(1);
+    const FilterChange::Filters before = mManager.getLibraryFilters(); // Bath 1, Kitchen 0
+    FilterChange::Filters after = before;
+    after.erase(after.begin());
+    after.front().setFilterName("Cooking");
+    after.emplace_back("Hall", 2, std::vector<std::string>{"h"});
+    writeElsewhere(R"({"Current_Filter": 1,
+        "Filter": {"Filter_Name": "Attic", "Filter_Id": 2, "Database_Ids": ["x"]},
+        "Filter": {"Filter_Name": "Kitchen", "Filter_Id": 0, "Database_Ids": ["a"]},
+        "Filter": {"Filter_Name": "Bath", "Filter_Id": 1, "Database_Ids": ["b"]}})");
+    FilterChange change;
+    change.apply(before, after);
+    change.save();
+    EXPECT_THAT(names(), ElementsAre("Cooking", "Attic", "Hall"));
+    EXPECT_EQ(mManager.getLibraryFilters().back().getFilterId(), 3) << "its own was taken meanwhile";
+    EXPECT_EQ(mManager.getCurrentFilterId(), -1);
+}
+
 TEST_F(FilterChangeTest, keepsACopyOfAFileThatIsReadInPartOnly)
 {
     const std::string halfMalformed = R"({"Filter": {"Filter_Name": "First", "Filter_Id": 0},

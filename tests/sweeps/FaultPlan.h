@@ -12,7 +12,7 @@
 /// - ORV_FAULT_AT     the call that goes wrong, counted from 1
 /// - ORV_FAULT_DO     "kill", "torn" (a kill in the middle of a write), "short" (half of a read or write),
 ///                    "late" (done after a while), or the number of an error
-/// - ORV_FAULT_EVER   set: every call from that one on goes wrong
+/// - ORV_FAULT_EVER   set: that call and every later one go wrong
 namespace fault {
 
 enum class Outcome

@@ -44,7 +44,7 @@ const char* kindOfOpen(int flags)
     return (flags & (O_WRONLY | O_RDWR | O_CREAT | O_TRUNC)) != 0 ? "open" : "openread";
 }
 
-/// What a read or write does: all, half, or half and then death.
+/// Reads or writes all, half, or half and then dies, as the plan says.
 template <class Transfer>
 ssize_t transfer(const char* kind, int file, std::size_t size, const Transfer& all)
 {

@@ -1,6 +1,7 @@
 #include "apps/orv-browser/dialogs/FilterEditor.h"
 
 #include <algorithm>
+#include <stdexcept>
 
 #include <QDialogButtonBox>
 #include <QGridLayout>
@@ -8,13 +9,16 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSignalBlocker>
 
+#include "OrvHost/records/FilterChange.h"
 #include "OrvLibrary/LibraryFilterManager.h"
 
 FilterEditor::FilterEditor(std::vector<Database> databases, QWidget* parent)
     : QDialog(parent),
       mDatabases(std::move(databases)),
-      mFilters(LibraryFilterManager::getLibraryFilterManager().getLibraryFilters()),
+      mFormer(LibraryFilterManager::getLibraryFilterManager().getLibraryFilters()),
+      mFilters(mFormer),
       mNames(new QListWidget),
       mCatalogs(new QListWidget)
 {
@@ -80,7 +84,11 @@ void FilterEditor::removeFilter()
         return;
     mShown = -1;
     mFilters.erase(mFilters.begin() + row);
-    delete mNames->takeItem(row);
+    {
+        // The list chooses another row before it lets this one go, and would show a filter by its old place.
+        const QSignalBlocker blocker(mNames);
+        delete mNames->takeItem(row);
+    }
     showFilter(mNames->currentRow());
 }
 
@@ -137,17 +145,15 @@ void FilterEditor::accept()
         QMessageBox::information(this, windowTitle(), tr("Every filter needs a name."));
         return;
     }
-    LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
-    const fileString file = manager.getFilterFullname();
-    const long current = manager.getCurrentFilterId();
-    const bool isCurrentKept =
-        LibraryFilterManager::getLibraryFilterFromId(current, mFilters).getFilterId() == current;
-    // Straight to the file: the manager on its own does not save an empty list.
-    if (!manager.saveFiltersToFile(file, mFilters, isCurrentKept ? current : -1)) {
-        QMessageBox::warning(this, windowTitle(), tr("The filters could not be saved."));
+    try {
+        OrvHost::FilterChange change;
+        change.apply(mFormer, mFilters);
+        change.save();
+    } catch (const std::runtime_error& error) {
+        QMessageBox::warning(this, windowTitle(),
+                             tr("The filters could not be saved.") + "\n" +
+                                 QString::fromStdString(error.what()));
         return;
     }
-    manager.setLibraryFilters(mFilters);
-    manager.setCurrentFilterId(isCurrentKept ? current : -1);
     QDialog::accept();
 }

@@ -37,6 +37,7 @@ private:
     long freeId() const;
 
     std::vector<Database> mDatabases;
+    const std::vector<LibraryFilter> mFormer; ///< as the editor found them
     std::vector<LibraryFilter> mFilters;
     int mShown = -1; ///< the filter whose catalogs are shown; -1 for none
     QListWidget* mNames;

@@ -1,5 +1,7 @@
 #include "apps/orv-browser/dialogs/ManufacturerPreview.h"
 
+#include <stdexcept>
+
 #include <QDialogButtonBox>
 #include <QGuiApplication>
 #include <QLabel>
@@ -7,6 +9,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "OrvHost/records/ManufacturerRefresh.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/FileReaper.h"
@@ -123,9 +126,17 @@ void ManufacturerPreview::show(const Fetched& fetched)
 void ManufacturerPreview::accept()
 {
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    ManufacturerManager::getManufacturerManager()->checkForManufacturerUpdates(mDataUrl.toStdString(),
-                                                                               mLogoUrl.toStdString());
+    try {
+        OrvHost::ManufacturerRefresh refresh(Curl::get());
+        refresh.run(mDataUrl.toStdString(), mLogoUrl.toStdString());
+        mSummary = tr("The manufacturer records were refreshed.");
+        if (!refresh.failedLogos().empty())
+            mSummary += " " + tr("%n logo(s) could not be fetched.", nullptr,
+                                 static_cast<int>(refresh.failedLogos().size()));
+    } catch (const std::runtime_error& error) {
+        mSummary =
+            tr("The manufacturer records were not refreshed: %1").arg(QString::fromStdString(error.what()));
+    }
     QGuiApplication::restoreOverrideCursor();
-    mSummary = tr("The manufacturer records were refreshed.");
     QDialog::accept();
 }

@@ -115,7 +115,7 @@ bool mayWrite(const std::string& path, const struct stat& status)
     const mode_t bits = status.st_uid == geteuid() ? S_IWUSR : S_IWUSR | S_IWGRP | S_IWOTH;
     if ((status.st_mode & bits) == 0)
         return false;
-    // What another process has removed since then is in nobody's way.
+    // A file that another process has removed since then is in nobody's way.
     return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0 || errno == ENOENT;
 }
 

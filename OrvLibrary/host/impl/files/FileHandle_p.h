@@ -6,7 +6,7 @@
 
 #include <sys/stat.h>
 
-/// What the file services have in common: handles, locks, and questions about a path that are answered
+/// The tools that the file services share: handles, locks, and questions about a path that are answered
 /// without an exception. A path with a NUL byte is answered as a missing file (ENOENT), since the system
 /// would silently take what stands before the NUL. All functions may be called from any thread; those that
 /// fail leave the reason in `errno`.
@@ -40,7 +40,7 @@ constexpr std::chrono::milliseconds kLockWait{5000};
 
 /// Whether the system can be asked for the path at all: it has no NUL byte.
 bool isUsable(const std::string& path);
-/// What `path` names, links followed; none when it names nothing.
+/// The status of the file that `path` names, links followed; none when it names nothing.
 std::optional<struct stat> fileStatus(const std::string& path);
 /// The same for the link itself.
 std::optional<struct stat> linkStatus(const std::string& path);

@@ -181,7 +181,7 @@ ReplacementFile::Attempt ReplacementFile::removeOld(Deadline deadline)
     const FileHandle old = openForLock(mBeside, O_NOFOLLOW);
     if (!old)
         return errno == ENOENT ? Attempt::Again : Attempt::Failed;
-    // Who gets the lock knows that the writer is gone, or has renamed its file.
+    // With the lock held, the writer is gone or has renamed its file.
     const Lock lock = waitForLock(old.get(), LOCK_EX, deadline);
     if (!mayUse(lock) || (lock == Lock::Unknown && !staysUnchanged(old.get(), deadline)))
         return Attempt::Failed;

@@ -6,7 +6,7 @@
 #include "OrvLibrary/host/impl/services/Logging_p.h"
 #include "OrvLibrary/host/impl/services/PrefFile_p.h"
 
-/// What the file held when it was last read or written, and the declarations of this process.
+/// The content that the file had when it was last read or written, and the declarations of this process.
 class Q_DECL_HIDDEN FilePrefSet::Private
 {
 public:

@@ -111,7 +111,7 @@ std::optional<QJsonObject> PrefFile::update(const std::map<int, PrefValue>& valu
     const auto file = ReplacementFile::open(mPath, ReplacementFile::Mode::Locked, kNewMode, mLockWait);
     if (!file)
         return failed(mPath, reason);
-    // What cannot be read now may be there whole: it is not written over.
+    // A file that cannot be read now may be whole: it is not written over.
     const auto content = readContent(mPath);
     if (!content)
         return failed(mPath, reason);
