@@ -27,6 +27,7 @@ foreach(page IN ITEMS
         orv-library-list
         orv-library-log
         orv-library-manufacturers
+        orv-library-news
         orv-library-pack
         orv-library-paths
         orv-library-publish

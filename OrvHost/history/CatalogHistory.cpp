@@ -201,6 +201,18 @@ bool CatalogHistory::add(const CatalogPlace& place, const std::string& tag, cons
     return false;
 }
 
+fileString CatalogHistory::newest(const CatalogPlace& place) const
+{
+    const std::vector<HistoryEntry> entries = HistoryEntry::of(place);
+    return entries.empty() ? fileString() : entries.front().file;
+}
+
+std::string CatalogHistory::newestTag(const CatalogPlace& place) const
+{
+    const std::vector<HistoryEntry> entries = HistoryEntry::of(place);
+    return entries.empty() ? std::string() : entries.front().tag;
+}
+
 std::vector<FormerVersion> CatalogHistory::versions(const CatalogPlace& place) const
 {
     std::vector<FormerVersion> versions;

@@ -66,6 +66,10 @@ public:
     /// The tag of a place as the hash file had it then; empty for none.
     std::string tagOf(const CatalogPlace& place);
 
+    /// The file that was kept last of a place; empty for none. Reads no contents.
+    fileString newest(const CatalogPlace& place) const;
+    /// The tag of that file; empty when it had none.
+    std::string newestTag(const CatalogPlace& place) const;
     /// The former versions of a place, newest first. Reads those without a tag to their end.
     std::vector<FormerVersion> versions(const CatalogPlace& place) const;
     /// The places that have a folder in the history, whether a file is in them or not.

@@ -3,8 +3,9 @@
 #include <atomic>
 
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
-#include <QUrl>
+#include <QStringList>
 #include <QVariant>
 
 namespace OrvHost {
@@ -48,6 +49,49 @@ private:
     bool mIsOpen = false;
 };
 
+QStringList columnsOf(const QSqlDatabase& database, const QString& schema)
+{
+    QStringList columns;
+    QSqlQuery query(database);
+    query.exec(QStringLiteral("PRAGMA %1.table_info(item)").arg(schema));
+    while (query.next())
+        columns.append(query.value(1).toString());
+    return columns;
+}
+
+/// The condition on which item "n" has changed since item "o".
+QString difference(const QSqlDatabase& database)
+{
+    const QStringList former = columnsOf(database, QStringLiteral("former"));
+    QStringList terms{QStringLiteral("0")};
+    for (QString column : columnsOf(database, QStringLiteral("main"))) {
+        if (!former.contains(column))
+            continue;
+        column.replace('"', QStringLiteral("\"\""));
+        terms.append(QStringLiteral("n.\"%1\" IS NOT o.\"%1\"").arg(column));
+    }
+    return terms.join(QStringLiteral(" OR "));
+}
+
+bool read(const QSqlDatabase& database, const QString& statement, std::vector<CatalogItems::Item>& items)
+{
+    QSqlQuery query(database);
+    query.setForwardOnly(true);
+    if (!query.exec(statement))
+        return false;
+    while (query.next())
+        items.push_back({query.value(0).toLongLong(), query.value(1).toString().toStdString()});
+    return !query.lastError().isValid();
+}
+
+bool attach(const QSqlDatabase& database, const fileString& former)
+{
+    QSqlQuery query(database);
+    query.prepare(QStringLiteral("ATTACH ? AS former"));
+    query.addBindValue(addressOf(former));
+    return query.exec();
+}
+
 } // namespace
 
 std::optional<std::int64_t> CatalogItems::count(const fileString& catalog)
@@ -59,6 +103,31 @@ std::optional<std::int64_t> CatalogItems::count(const fileString& catalog)
     if (!query.exec(QStringLiteral("SELECT count(*) FROM item")) || !query.next())
         return {};
     return query.value(0).toLongLong();
+}
+
+std::optional<CatalogItems::Changes> CatalogItems::compare(const fileString& former,
+                                                           const fileString& current)
+{
+    const Connection connection(current);
+    if (!connection.isOpen())
+        return {};
+    const QSqlDatabase database = connection.database();
+    Changes changes;
+    if (former.empty())
+        return read(database, QStringLiteral("SELECT id, name FROM item ORDER BY id"), changes.added)
+                   ? std::optional<Changes>(changes)
+                   : std::nullopt;
+    const QString missing =
+        QStringLiteral("SELECT id, name FROM %1.item WHERE id NOT IN (SELECT id FROM %2.item) ORDER BY id");
+    const QString changed =
+        QStringLiteral("SELECT n.id, n.name FROM main.item n JOIN former.item o ON o.id = n.id "
+                       "WHERE %1 ORDER BY n.id");
+    if (!attach(database, former) ||
+        !read(database, missing.arg(QStringLiteral("main"), QStringLiteral("former")), changes.added) ||
+        !read(database, missing.arg(QStringLiteral("former"), QStringLiteral("main")), changes.gone) ||
+        !read(database, changed.arg(difference(database)), changes.changed))
+        return {};
+    return changes;
 }
 
 } // namespace OrvHost

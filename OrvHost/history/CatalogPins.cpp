@@ -97,12 +97,14 @@ bool CatalogPins::reconcile()
     const std::size_t before = mRestored.size();
     for (auto record = mRestored.begin(); record != mRestored.end();) {
         const auto& [place, restored] = *record;
-        if (SHA1::fileContentsToSHA1Hex(place.path()) != restored.contents) {
+        const std::string contents = SHA1::fileContentsToSHA1Hex(place.path());
+        // A file that is there and cannot be read says nothing.
+        if (contents != restored.contents && (!contents.empty() || !place.path().pathExists())) {
             record = mRestored.erase(record);
             continue;
         }
         // An archive that a bonus catalog brought has no line, and the service is not asked for it.
-        if (place.tag().empty() && place.category != CatalogCategory::Referenced)
+        if (!contents.empty() && place.tag().empty() && place.category != CatalogCategory::Referenced)
             HashFile::set(place.hashFolder(), place.name, restored.version);
         ++record;
     }

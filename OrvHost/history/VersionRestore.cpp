@@ -50,6 +50,16 @@ void removeWaiting(const CatalogPlace& place)
     }
 }
 
+/// A restore that died after it had taken the hash line away left the version in the name of the history's
+/// link.
+void mendTag(const CatalogHistory& history, const CatalogPlace& place)
+{
+    const std::string tag = history.newestTag(place);
+    if (place.tag().empty() && !tag.empty() &&
+        CatalogHistory::hasSameContents(history.newest(place), place.path()))
+        HashFile::set(place.hashFolder(), place.name, tag);
+}
+
 void forgetTag(const CatalogPlace& place)
 {
     if (!place.tag().empty() && !HashFile::remove(place.hashFolder(), place.name))
@@ -71,6 +81,15 @@ void putCompanion(const fileString& file, const CatalogPlace& companion)
     FileSearch::get().resetFileSearch(companion.folder());
 }
 
+/// @throws std::runtime_error when the file cannot be read
+std::string contentsOf(const fileString& file)
+{
+    const std::string contents = SHA1::fileContentsToSHA1Hex(file);
+    if (contents.empty())
+        throw std::runtime_error("cannot read " + file.toNativeString());
+    return contents;
+}
+
 void record(CatalogPins& pins, const CatalogPlace& place, const FormerVersion& chosen,
             const std::string& former)
 {
@@ -79,7 +98,7 @@ void record(CatalogPins& pins, const CatalogPlace& place, const FormerVersion& c
     if (before != pins.restored().end())
         restored = before->second;
     restored.version = chosen.version;
-    restored.contents = SHA1::fileContentsToSHA1Hex(chosen.file);
+    restored.contents = contentsOf(chosen.file);
     restored.leaves.insert(former);
     restored.leaves.erase(chosen.version);
     restored.leaves.erase("");
@@ -94,8 +113,10 @@ void record(CatalogPins& pins, const CatalogPlace& place, const FormerVersion& c
 
 std::string VersionRestore::versionInPlace(const CatalogPlace& place)
 {
-    const std::string tag = place.path().pathExists() ? place.tag() : std::string();
-    return tag.empty() ? SHA1::fileContentsToSHA1Hex(place.path()) : tag;
+    if (!place.path().pathExists())
+        return {};
+    const std::string tag = place.tag();
+    return tag.empty() ? contentsOf(place.path()) : tag;
 }
 
 VersionRestore::Result VersionRestore::restore(const fileString& root, const std::string& name,
@@ -105,13 +126,14 @@ VersionRestore::Result VersionRestore::restore(const fileString& root, const std
     Result result;
     CatalogPins::change(root, [&](CatalogPins& pins) {
         CatalogHistory history(bounds);
+        pins.reconcile(); // after a restore that died, the hash line may be missing
         const CatalogPlace place = CatalogPlaces::find(name, history.knownPlaces());
         const FormerVersion chosen = chosenVersion(history, place, version);
+        mendTag(history, place);
         result = {place, chosen.version, versionInPlace(place)};
         removeWaiting(place);
         keep(history, place.companion());
         keep(history, place);
-        pins.reconcile();
         record(pins, place, chosen, result.former);
         // An archive that a bonus catalog brought has no line, and the service must not be asked for it.
         const bool isListed = place.category != CatalogCategory::Referenced || !place.tag().empty();

@@ -30,6 +30,7 @@ ORVHOST_EXPORT Result restore(const fileString& root, const std::string& name, c
                               const CatalogHistory::Bounds& bounds = {});
 /// What stands for the version of a file that is in its place: its tag, else the SHA-1 of its contents; empty
 /// when there is no file.
+/// @throws std::runtime_error when the file cannot be read
 ORVHOST_EXPORT std::string versionInPlace(const CatalogPlace& place);
 
 } // namespace VersionRestore

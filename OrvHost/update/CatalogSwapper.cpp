@@ -91,12 +91,16 @@ std::string CatalogSwapper::replace(const fileString& destination, const std::st
         return "the new file " + problem;
     }
     // The same once more, where an update died before it wrote its hash files, is no new version.
-    if (!CatalogHistory::hasSameContents(newFile, destination) &&
-        !mHistory.keep(CatalogPlaces::ofPath(destination), formerTag, problem))
+    const bool isNew = !destination.pathExists();
+    const bool isSame = CatalogHistory::hasSameContents(newFile, destination);
+    const CatalogPlace place = CatalogPlaces::ofPath(destination);
+    if (!isSame && !mHistory.keep(place, formerTag, problem))
         return problem;
-    return FileUtils::moveFile(newFile, destination, false)
-               ? std::string()
-               : "cannot replace " + destination.toNativeString();
+    if (!FileUtils::moveFile(newFile, destination, false))
+        return "cannot replace " + destination.toNativeString();
+    if (!isSame && !place.name.empty())
+        mNews.compare(place, isNew ? fileString() : mHistory.newest(place));
+    return {};
 }
 
 std::vector<fileString> CatalogSwapper::forgetFailed() const

@@ -6,6 +6,7 @@
 
 #include "OrvHost/OrvHostExport.h"
 #include "OrvHost/history/CatalogHistory.h"
+#include "OrvHost/history/CatalogNews.h"
 #include "OrvHost/update/CatalogFolders.h"
 #include "OrvLibrary/host/fileString.h"
 
@@ -49,6 +50,8 @@ public:
 
     /// To be called at the end of the update: bounds the history.
     void settleHistory() const { mHistory.settle(); }
+    /// To be called before that: what is new in the catalogs that were swapped in.
+    std::vector<CatalogChanges> takeNews() { return mNews.take(); }
 
     /// The destinations that got their new catalogs, in order.
     const std::vector<fileString>& swappedIn() const { return mSwappedIn; }
@@ -62,6 +65,7 @@ private:
                         const fileString& newFile);
 
     CatalogHistory mHistory;
+    NewsCollector mNews;
     bool mChecksDatabases = true;
     std::vector<fileString> mSwappedIn;
     std::vector<Failure> mFailed;

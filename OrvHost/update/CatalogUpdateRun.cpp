@@ -123,12 +123,14 @@ UpdateOutcome CatalogUpdateRun::finish(const std::optional<LibraryCatalogUpdate:
 {
     endWorker();
     const std::vector<fileString> remaining = mSwapper.forgetFailed();
+    const std::vector<CatalogChanges> news = mSwapper.takeNews();
     mSwapper.settleHistory();
     PartialFiles(PartialFiles::defaultFolder()).prune();
     UpdateOutcome outcome = UpdateOutcome::of(mService->report(), mSwapper, closing);
     outcome.start = mStart;
     outcome.end = QDateTime::currentDateTimeUtc();
     noteHeld(outcome);
+    noteNews(news, outcome);
     for (const fileString& destination : remaining)
         outcome.notes.push_back("the hash file still lists " + destination.toNativeString());
     try {
@@ -156,6 +158,15 @@ void CatalogUpdateRun::noteHeld(UpdateOutcome& outcome)
     try {
         if (mPins && HeldVersions::note(*mPins, mKeeper->offers()))
             mPins->save();
+    } catch (const std::runtime_error& error) {
+        outcome.notes.emplace_back(error.what());
+    }
+}
+
+void CatalogUpdateRun::noteNews(const std::vector<CatalogChanges>& news, UpdateOutcome& outcome) const
+{
+    try {
+        CatalogNews::add(CatalogFolders::root(), mStart, news);
     } catch (const std::runtime_error& error) {
         outcome.notes.emplace_back(error.what());
     }

@@ -86,6 +86,7 @@ private:
     void work(LibraryCatalogUpdate::LibraryCatalogUpdater updater);
     void endWorker();
     void noteHeld(UpdateOutcome& outcome);
+    void noteNews(const std::vector<CatalogChanges>& news, UpdateOutcome& outcome) const;
     void saveHistory(const UpdateOutcome& outcome, const fileString& root) const;
 
     UpdateLock mLock;

@@ -8,6 +8,7 @@
 #include "apps/orv-library/ListCommand.h"
 #include "apps/orv-library/LogCommand.h"
 #include "apps/orv-library/ManufacturersCommand.h"
+#include "apps/orv-library/NewsCommand.h"
 #include "apps/orv-library/PackCommand.h"
 #include "apps/orv-library/PathsCommand.h"
 #include "apps/orv-library/PublishCommand.h"
@@ -33,6 +34,7 @@ CommandList allCommands()
     commands.push_back(std::make_unique<RestoreCommand>());
     commands.push_back(std::make_unique<HoldCommand>());
     commands.push_back(std::make_unique<ReleaseCommand>());
+    commands.push_back(std::make_unique<NewsCommand>());
     commands.push_back(std::make_unique<UnpackCommand>());
     commands.push_back(std::make_unique<ImportCommand>());
     commands.push_back(std::make_unique<UndoCommand>());

@@ -2,7 +2,7 @@
 _orv_library() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local commands="paths update list info unpack import undo pack filters manufacturers styles log status verify"
-    commands+=" history restore hold release"
+    commands+=" history restore hold release news"
     commands+=" publish serve sample"
     commands+=" help settings"
     local common="--root --json --progress --trace --help --version"
@@ -42,6 +42,7 @@ _orv_library() {
         filters) options="--id" ;;
         manufacturers) options="--data-url --logo-url" ;;
         verify) options="--repair" ;;
+        news) options="--since" ;;
         paths) options="--create" ;;
         serve) options="--address --port" ;;
     esac

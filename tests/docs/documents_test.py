@@ -200,7 +200,7 @@ class Formats(unittest.TestCase):
                  if any(kind != "sh" for kind, _ in Page(SOURCE, f"docs/formats/{name}.md").blocks())}
         by_their_rooms = {"catalog_filters", "manufacturer_data"}
         self.assertEqual(found - by_their_rooms, {
-            "browser-settings", "catalog-database", "catalog-pins", "catalog_hash", "content-index", "errors-log",
+            "browser-settings", "catalog-database", "catalog-news", "catalog-pins", "catalog_hash", "content-index", "errors-log",
             "preferences", "former-imports", "history", "service-maps", "settings", "update-history"})
 
     def test_every_file_has_a_page(self):
@@ -266,6 +266,21 @@ class Formats(unittest.TestCase):
         # Read as it stands on the page: files that are gone can be taken back.
         self.write("root/former-imports/imports.json", text)
         self.assertTrue(self.program("undo")["library"].endswith("/user/Küche.orvlib"))
+
+    def test_catalog_news(self):
+        [text] = self.examples("catalog-news", "json")
+        self.write("root/catalog-news.json", text)
+        self.assertEqual(self.program("news")["catalogs"], [
+            {"name": "Türen.orvlib", "added": [{"id": 7, "name": "Ash"}], "changed": [], "gone": [{"id": 3, "name": "Oak"}]}])
+        content = os.path.join(self.work, "content")
+        subprocess.run([PROGRAM, "sample", content], check=True, capture_output=True)
+        self.update_against(content)
+        with open(os.path.join(self.root, "catalog-news.json")) as stream:
+            former, written = json.load(stream)["runs"]
+        [described] = json.loads(text)["runs"]
+        self.assertEqual(former, described)
+        self.assertEqual(set(written), set(described))
+        self.assertEqual(set(written["catalogs"][0]), set(described["catalogs"][0]))
 
     def test_catalog_pins(self):
         [text] = self.examples("catalog-pins", "json")

@@ -53,7 +53,7 @@ def is_json(content):
 
 def former_versions(top):
     """The files of a history in an order that does not depend on the clock: the path that stands for each, or None for
-    what has the contents of the file in its place and so is no former version."""
+    what is no former version, because it has the contents of the file in its place or lacks its catalog."""
     names = {}
     for folder, _, files in os.walk(os.path.join(top, "root/history")):
         place = os.path.relpath(folder, os.path.join(top, "root/history"))
@@ -61,6 +61,8 @@ def former_versions(top):
         number = 0
         for name in sorted(files):
             stem, extension = os.path.splitext(name)
+            if FORMER.match(name) and f"{stem}{os.path.splitext(place)[1]}" not in files:
+                names[os.path.relpath(os.path.join(folder, name), top)] = None  # what it came with is not there
             if FORMER.match(name) is None or extension != os.path.splitext(place)[1]:
                 continue
             is_current = os.path.exists(current) and filecmp.cmp(current, os.path.join(folder, name), shallow=False)

@@ -1,5 +1,6 @@
 """The commands that are disturbed. Each has a sandbox: `root/` for the program, `input/` for what it is given, `work/`
 as its current folder, and `sentinel/`, which nothing may touch."""
+import hashlib
 import json
 import os
 import random
@@ -298,5 +299,77 @@ class UpdateFar(Update):
         return {**core, **({"Gone.orvlib": (1, 30000)} if version == 1 else {})}
 
 
+class Restore(Scenario):
+    """Puts a former core catalog back."""
+
+    name = "restore"
+    # A line that is missing costs a request.
+    may_stay_old = ("root/core/catalog_hash.txt",)
+
+    def fill(self, sandbox):
+        versions = [noise(seed, 30000) for seed in (1, 2)]
+        tags = [hashlib.sha1(content).hexdigest() for content in versions]
+        write(os.path.join(sandbox, "root/core/Doors.orvlib"), versions[1])
+        write(os.path.join(sandbox, "root/core/catalog_hash.txt"), f"Doors.orvlib:{tags[1]}\nSame.orvlib:1\n".encode())
+        write(os.path.join(sandbox, "root/core/Same.orvlib"), b"same")
+        folder = os.path.join(sandbox, "root/history/core/Doors.orvlib")
+        write(os.path.join(folder, f"20260101T000000000={tags[0]}.orvlib"), versions[0])
+
+    def arguments(self, sandbox, service):
+        return ["restore", "Doors.orvlib"]
+
+
+class RestorePacked(Restore):
+    """Puts a former bonus catalog back with the archive of referenced files that came with it; the catalog is held."""
+
+    name = "restore-packed"
+    may_stay_old = ("root/bonus/catalog_hash.txt",)
+    # The archive goes into its place before its catalog does.
+    removed_before_replaced = ("root/history/bonus/Garden.orvlib/version 0.zip",)
+
+    def fill(self, sandbox):
+        write(os.path.join(sandbox, "root/bonus/Garden.orvlib"), noise(2, 30000))
+        write(os.path.join(sandbox, "root/bonus/catalog_hash.txt"), b"Garden.orvlib:v2\n")
+        archive(os.path.join(sandbox, "root/referenced/Garden.zip"), {"oak.jpg": noise(4, 9000)})
+        folder = os.path.join(sandbox, "root/history/bonus/Garden.orvlib")
+        write(os.path.join(folder, "20260101T000000000=v1.orvlib"), noise(1, 30000))
+        archive(os.path.join(folder, "20260101T000000000=v1.zip"), {"oak.jpg": noise(3, 9000)})
+
+    def before(self, sandbox, service):
+        return [["hold", "Garden.orvlib"]]
+
+    def arguments(self, sandbox, service):
+        return ["restore", "Garden.orvlib"]
+
+
+class Hold(Scenario):
+    """Holds a second catalog."""
+
+    name = "hold"
+
+    def fill(self, sandbox):
+        for name in ("Doors", "Roofs"):
+            write(os.path.join(sandbox, f"root/core/{name}.orvlib"), name.encode())
+
+    def before(self, sandbox, service):
+        return [["hold", "Roofs"]]
+
+    def arguments(self, sandbox, service):
+        return ["hold", "Doors"]
+
+
+class Release(Hold):
+    """Releases one of two held catalogs."""
+
+    name = "release"
+
+    def before(self, sandbox, service):
+        return [["hold", "Roofs"], ["hold", "Doors"]]
+
+    def arguments(self, sandbox, service):
+        return ["release", "Doors"]
+
+
 ALL = [UnpackBeside(), UnpackOut(), ImportOverOld(), ImportNew(), Undo(), FilterAdd(), FilterRemoveLast(), FilterMerge(),
-       ManufacturerRefresh(), Update(), UpdateFirst(), UpdateFar()]
+       ManufacturerRefresh(), Update(), UpdateFirst(), UpdateFar(), Restore(), RestorePacked(),
+       Hold(), Release()]

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+
+#include "apps/orv-library/Command.h"
+
+/// `news`: what updates changed in the catalogs.
+class NewsCommand : public Command
+{
+public:
+    std::string name() const override { return "news"; }
+    std::string summary() const override { return "Tell which items are new, changed and gone"; }
+    void declare(CommandSyntax& syntax) override;
+
+private:
+    ExitStatus run(Session& session) const;
+
+    std::int64_t mSince = 0; ///< 0: not given
+};
