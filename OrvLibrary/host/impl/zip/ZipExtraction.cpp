@@ -214,9 +214,10 @@ void ZipExtraction::finish()
 {
     constexpr std::chrono::milliseconds kMoment(5);
     while (!mHasEnded) {
+        const auto start = std::chrono::steady_clock::now();
         std::this_thread::sleep_for(kMoment);
         tell();
-        mMeter.waited(kMoment);
+        mMeter.waited(std::chrono::ceil<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start));
     }
     join();
     tell();

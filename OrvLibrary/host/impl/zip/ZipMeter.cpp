@@ -30,7 +30,7 @@ void ZipMeter::addWork(std::uint64_t bytes)
 
 void ZipMeter::waited(std::chrono::milliseconds time)
 {
-    constexpr std::chrono::milliseconds kUnasked(100);
+    constexpr std::chrono::milliseconds kUnasked(50);
     mWaited += time;
     if (mWaited >= kUnasked)
         ask();

@@ -9,7 +9,7 @@
 namespace ZipUtils {
 
 /// Tells a progress object how much content is done, and asks it whether to go on. Both happen after every
-/// 8 MB of work, or after a tenth of a second of waiting, and not before: work below that is neither told nor
+/// 8 MB of work, or after 50 ms of waiting, and not before: work below that is neither told nor
 /// asked about until its end. Used by the thread that the progress object belongs to.
 class ZipMeter
 {
