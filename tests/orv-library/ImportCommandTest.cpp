@@ -1,3 +1,4 @@
+#include <csignal>
 #include <filesystem>
 
 #include <QJsonArray>
@@ -222,6 +223,27 @@ TEST_F(ImportCommand, progressIsOneLineAStep)
     EXPECT_EQ(mProgram.run({"--progress", "plain", "import", server.url("/Bath.orvlibz")}).err,
               "downloading\nreading\nchecking\nputting in place\n");
     EXPECT_EQ(mProgram.run({"--progress", "none", "import", writeKitchen()}).err, "");
+}
+
+TEST_F(ImportCommand, interruptImportsAllOrNothing)
+{
+    mProgram.run({"import", writeKitchen()});
+    const std::string former = test::readFile(rootPath("textures/Kitchen.zip"));
+    for (int i = 0; i < 20; ++i)
+        mKitchen.add("large-" + std::to_string(i) + ".jpg",
+                     test::sampleBytes(2000000, static_cast<unsigned>(i)));
+    const std::string archive = writeKitchen();
+    const auto process = mProgram.start({"--json", "--progress", "plain", "import", archive});
+    process->setReadChannel(QProcess::StandardError);
+    ASSERT_TRUE(process->waitForReadyRead(10000)) << "it says that it reads";
+    ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+    const ProgramResult result = test::Program::finish(*process);
+    const bool isDone = result.status == 0;
+    EXPECT_EQ(result.status, isDone ? 0 : 130) << result.err;
+    EXPECT_EQ(result.json()["library"].isNull(), !isDone);
+    EXPECT_EQ(test::readFile(rootPath("textures/Kitchen.zip")) == former, !isDone);
+    EXPECT_EQ(fs::exists(rootPath("user/Kitchen.orvlib.bak")), isDone);
+    EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
 }
 
 TEST_F(ImportCommand, barNamesTheStepAndTheFile)
