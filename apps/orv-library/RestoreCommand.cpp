@@ -1,5 +1,6 @@
 #include "apps/orv-library/RestoreCommand.h"
 
+#include "OrvHost/Settings.h"
 #include "OrvHost/history/VersionRestore.h"
 #include "apps/orv-library/Session.h"
 
@@ -14,7 +15,9 @@ void RestoreCommand::declare(CommandSyntax& syntax)
 ExitStatus RestoreCommand::run(Session& session) const
 {
     const fileString root = session.existingHost().root();
-    const OrvHost::VersionRestore::Result result = OrvHost::VersionRestore::restore(root, mName, mVersion);
+    const OrvHost::Settings::Values settings = OrvHost::Settings::load(root).values();
+    const OrvHost::VersionRestore::Result result = OrvHost::VersionRestore::restore(
+        root, mName, mVersion, {settings.historyVersions, settings.historyBytes});
     const QJsonValue former = result.former.empty() ? QJsonValue() : QJsonValue(jsonText(result.former));
     session.console().result(
         {{"name", jsonText(result.place.name)}, {"restored", jsonText(result.restored)}, {"former", former}},
