@@ -5,8 +5,10 @@
 
 #include "OrvHost/update/CatalogFolders.h"
 #include "OrvHost/update/HashFile.h"
+#include "OrvHost/update/PartialFiles.h"
 #include "OrvHost/update/Sha1Tag.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/SHA1.h"
 #include "OrvLibrary/host/TimeUtils.h"
@@ -23,7 +25,69 @@ std::string nameOf(const fileString& file)
     return file.stemWithExtension().toNativeString();
 }
 
+/// Where a line of a hash file says that a file is. Archives are listed with the catalogs that they belong
+/// to, but lie in a folder of their own.
+fileString listedFile(const CatalogFolder& folder, const fileString& name)
+{
+    const bool isArchive = name.extension() == ZipUtils::getExtension();
+    return isArchive ? PathUtils::getObject().getProprietaryLibraryReferencedFilesPath() + name
+                     : folder.path(name);
+}
+
+struct Files
+{
+    std::size_t count = 0;
+    std::int64_t bytes = 0;
+
+    void add(const fileString& folder, const char* extension)
+    {
+        for (const fileString& file : CatalogFolders::filesIn(folder, fileString(extension))) {
+            ++count;
+            bytes += FileUtils::fileSize(file);
+        }
+    }
+    /// "2 unfinished downloads (1500 bytes)"
+    std::string text(const std::string& thing) const
+    {
+        return std::to_string(count) + " " + thing + (count == 1 ? "" : "s") + " (" + std::to_string(bytes) +
+               " bytes)";
+    }
+};
+
 } // namespace
+
+std::vector<LibraryHealth::Damage> LibraryHealth::missingFiles()
+{
+    std::vector<Damage> missing;
+    for (const CatalogFolder& folder : CatalogFolders::all()) {
+        for (const auto& [name, tag] : HashFile::read(folder.folder)) {
+            if (!listedFile(folder, fileString(name)).pathExists())
+                missing.push_back(
+                    {name, "it is listed, but not there; the next update fetches it", true, {}});
+        }
+    }
+    return missing;
+}
+
+std::vector<LibraryHealth::Damage> LibraryHealth::leftOvers()
+{
+    Files unfinished, waiting;
+    unfinished.add(PartialFiles::defaultFolder(), PartialFiles::kExtension);
+    for (const CatalogFolder& folder : CatalogFolders::all()) {
+        unfinished.add(folder.downloadFolder, ".download");
+        waiting.add(folder.downloadFolder, ".orvlib");
+    }
+    std::vector<Damage> found;
+    if (unfinished.count != 0)
+        found.push_back({"", unfinished.text("unfinished download") + " of an earlier update", false, {}});
+    if (waiting.count != 0)
+        found.push_back({"",
+                         waiting.text("new catalog") + " of an update that did not end; the next one" +
+                             " puts them in place",
+                         false,
+                         {}});
+    return found;
+}
 
 void LibraryHealth::checkCoreCatalogs()
 {

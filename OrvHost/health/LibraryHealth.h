@@ -48,6 +48,11 @@ public:
     /// them.
     static std::vector<Damage> futureStamps();
 
+    /// Catalogs and archives that a hash file lists, but that are not there.
+    static std::vector<Damage> missingFiles();
+    /// What former updates left in the temporary folder, with its size; no names.
+    static std::vector<Damage> leftOvers();
+
 private:
     void checkArchivesIn(const fileString& folder, bool isListed);
 

@@ -38,7 +38,10 @@ std::atomic<bool> isCancelled{false};
 
 } // namespace
 
-CatalogUpdateRun::CatalogUpdateRun(const Request& request) : mRequest(request), mSwapper(request.history) {}
+CatalogUpdateRun::CatalogUpdateRun(const Request& request) : mRequest(request), mSwapper(request.history)
+{
+    mRequest.access.apply();
+}
 
 CatalogUpdateRun::~CatalogUpdateRun()
 {

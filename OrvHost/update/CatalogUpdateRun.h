@@ -16,6 +16,7 @@
 #include "OrvHost/history/VersionKeeper.h"
 #include "OrvHost/update/CarefulCurl.h"
 #include "OrvHost/update/CatalogSwapper.h"
+#include "OrvHost/update/ServiceAccess.h"
 #include "OrvHost/update/UpdateLock.h"
 #include "OrvHost/update/UpdateOutcome.h"
 #include "OrvLibrary/LibraryCatalogUpdater.h"
@@ -45,6 +46,7 @@ public:
         std::vector<std::string> manufacturer;
         /// Refuses new catalogs that are no databases.
         bool checksDatabases = true;
+        ServiceAccess access;
         /// How often a request is made again that failed in a way that may pass.
         int retries = 3;
         /// Before the first of them; later ones wait longer.
@@ -54,7 +56,8 @@ public:
     };
 
     /// Takes the lock on the installed path service's folders.
-    /// @throws std::runtime_error at once when another update is running there
+    /// @throws std::runtime_error at once when another update is running there, and when the certificates
+    /// cannot be read
     explicit CatalogUpdateRun(const Request& request);
     /// Cancels and waits when the worker is still running.
     ~CatalogUpdateRun() override;

@@ -14,8 +14,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const char* const kExtension = ".part";
-
 /// The first half of a checksum: enough to tell addresses and versions apart.
 std::string shortHash(const std::string& text)
 {
@@ -39,7 +37,7 @@ std::vector<Part> partsIn(const std::string& folder)
     for (fs::directory_iterator entry(folder, error); !error && entry != fs::directory_iterator();
          entry.increment(error)) {
         std::error_code unreadable;
-        if (!entry->is_regular_file(unreadable) || entry->path().extension() != kExtension)
+        if (!entry->is_regular_file(unreadable) || entry->path().extension() != PartialFiles::kExtension)
             continue;
         const auto time = entry->last_write_time(unreadable);
         const auto bytes = static_cast<std::int64_t>(entry->file_size(unreadable));

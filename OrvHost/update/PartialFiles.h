@@ -15,6 +15,7 @@ namespace OrvHost {
 class ORVHOST_EXPORT PartialFiles
 {
 public:
+    static constexpr const char* kExtension = ".part";
     static constexpr std::chrono::hours kLongestAge{7 * 24};
     static constexpr std::int64_t kMostBytes = 2'000'000'000;
 

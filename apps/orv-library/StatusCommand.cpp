@@ -8,6 +8,7 @@
 #include "OrvHost/health/LibraryHealth.h"
 #include "OrvHost/history/CatalogPins.h"
 #include "OrvHost/update/CheckHistory.h"
+#include "OrvHost/update/UpdateOutcome.h"
 #include "apps/orv-library/Session.h"
 
 namespace {
@@ -18,27 +19,47 @@ using Warning = std::pair<std::string, std::string>;
 constexpr std::int64_t kNew = 200;
 constexpr std::int64_t kCurrent = 304;
 
+std::string textOf(const OrvHost::CheckHistory::Answer& answer)
+{
+    const std::string because = answer.reason.empty() ? "" : ": " + answer.reason;
+    if (answer.status == 0)
+        return "the service gave no answer when it was last asked" + because;
+    if (answer.status != kNew && answer.status != kCurrent)
+        return "the service last answered HTTP " + std::to_string(answer.status);
+    return answer.reason.empty() ? "" : "the last update could not bring it up to date" + because;
+}
+
 void addAnswers(std::vector<Warning>& warnings, const OrvHost::CheckHistory& history)
 {
-    for (const auto& [catalog, answer] : history.answers())
-        if (answer.status == 0)
-            warnings.emplace_back(catalog, "the service gave no answer when it was last asked");
-        else if (answer.status != kNew && answer.status != kCurrent)
-            warnings.emplace_back(catalog, "the service last answered HTTP " + std::to_string(answer.status));
+    for (const auto& [catalog, answer] : history.answers()) {
+        const std::string text = textOf(answer);
+        if (!text.empty())
+            warnings.emplace_back(OrvHost::installedName(catalog), text);
+    }
+}
+
+void addAll(std::vector<Warning>& warnings, const std::vector<OrvHost::LibraryHealth::Damage>& damages)
+{
+    for (const auto& damage : damages)
+        warnings.emplace_back(damage.name, damage.text);
 }
 
 std::vector<Warning> collectWarnings(const OrvHost::CheckHistory& history)
 {
+    using OrvHost::LibraryHealth;
     std::vector<Warning> warnings;
+    if (!history.lastError().empty())
+        warnings.emplace_back("", "the last update failed: " + history.lastError());
     addAnswers(warnings, history);
-    for (const auto& stamp : OrvHost::LibraryHealth::futureStamps())
-        warnings.emplace_back(stamp.name, stamp.text);
-    if (history.lastGoodCheck() > QDateTime::currentDateTimeUtc())
-        warnings.emplace_back("", "the last good check lies in the future");
-    OrvHost::LibraryHealth health;
+    addAll(warnings, LibraryHealth::futureStamps());
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    if (history.lastGoodCheck() > now || history.lastAttempt() > now)
+        warnings.emplace_back("", "the last update lies in the future");
+    LibraryHealth health;
     health.checkCoreCatalogs();
-    for (const auto& damage : health.damages())
-        warnings.emplace_back(damage.name, damage.text);
+    addAll(warnings, health.damages());
+    addAll(warnings, LibraryHealth::missingFiles());
+    addAll(warnings, LibraryHealth::leftOvers());
     return warnings;
 }
 
@@ -49,6 +70,11 @@ std::string heldText(const OrvHost::CatalogPins& pins)
         text += place.key() + ": held" +
                 (held.newer.empty() ? "" : "; " + held.newer + " waits in the history") + "\n";
     return text;
+}
+
+QJsonValue timeOrNull(const QDateTime& time)
+{
+    return time.isValid() ? QJsonValue(time.toUTC().toString(Qt::ISODate)) : QJsonValue();
 }
 
 std::string ageText(const QDateTime& time)
@@ -74,11 +100,12 @@ void StatusCommand::declare(CommandSyntax& syntax)
 ExitStatus StatusCommand::run(Session& session)
 {
     const OrvHost::CheckHistory history(session.existingHost().root());
-    const QDateTime& good = history.lastGoodCheck();
-    std::string text = "Last good check: " + ageText(good) + "\n";
+    std::string text = "Last attempt: " + ageText(history.lastAttempt()) + "\n" +
+                       "Last good check: " + ageText(history.lastGoodCheck()) + "\n";
     QJsonArray list;
     for (const auto& [catalog, warning] : collectWarnings(history)) {
-        list.append(QJsonObject{{"catalog", jsonText(catalog)}, {"text", jsonText(warning)}});
+        const QJsonValue name = catalog.empty() ? QJsonValue() : QJsonValue(jsonText(catalog));
+        list.append(QJsonObject{{"catalog", name}, {"text", jsonText(warning)}});
         text += (catalog.empty() ? "" : catalog + ": ") + warning + "\n";
     }
     if (list.isEmpty())
@@ -88,7 +115,10 @@ ExitStatus StatusCommand::run(Session& session)
     QJsonArray held;
     for (const std::string& name : pins.heldNames())
         held.append(jsonText(name));
-    const QJsonValue lastGoodCheck = good.isValid() ? QJsonValue(good.toString(Qt::ISODate)) : QJsonValue();
-    session.console().result({{"lastGoodCheck", lastGoodCheck}, {"warnings", list}, {"held", held}}, text);
-    return ExitStatus::Done;
+    session.console().result({{"lastAttempt", timeOrNull(history.lastAttempt())},
+                              {"lastGoodCheck", timeOrNull(history.lastGoodCheck())},
+                              {"warnings", list},
+                              {"held", held}},
+                             text);
+    return list.isEmpty() ? ExitStatus::Done : ExitStatus::Failed;
 }

@@ -73,6 +73,10 @@ void UpdateCommand::declare(CommandSyntax& syntax)
     syntax.option("--product-version", mProductVersion, "V",
                   "Version that the service is told; otherwise the program's own");
     syntax.option("--retries", mRetries, "N", "Ask again up to N times where a request fails; otherwise 3");
+    syntax.option("--cacert", mAccess.certificates, "FILE",
+                  "Trust the authorities in FILE (PEM); otherwise the system's");
+    syntax.option("--proxy", mAccess.proxy, "URL", "Use this proxy; otherwise what the environment says");
+    syntax.option("--limit-rate", mAccess.limitRate, "BYTES", "Receive at most so many bytes a second");
     syntax.flag("--no-database-check", mNoDatabaseCheck, "Take catalogs that are no databases");
     syntax.flag("--core-only", mCoreOnly, "Leave bonus and manufacturer catalogs alone");
     syntax.option("--index", mIndex, "NAME",
@@ -93,6 +97,8 @@ void UpdateCommand::checkValues() const
     }
     if (mRetries < 0 || mRetries > kMostRetries)
         throw UsageError("--retries takes a number from 0 to " + std::to_string(kMostRetries));
+    if (mAccess.limitRate < 0)
+        throw UsageError("--limit-rate takes a number of bytes a second, or 0 for no limit");
 }
 
 OrvHost::CatalogUpdateRun::Request UpdateCommand::request() const
@@ -106,6 +112,7 @@ OrvHost::CatalogUpdateRun::Request UpdateCommand::request() const
     request.manufacturer = mManufacturer;
     request.checksDatabases = !mNoDatabaseCheck;
     request.retries = static_cast<int>(mRetries);
+    request.access = mAccess;
     return request;
 }
 

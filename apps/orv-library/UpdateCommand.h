@@ -26,6 +26,7 @@ private:
     std::string mIndex;
     std::vector<std::string> mBonus;
     std::vector<std::string> mManufacturer;
+    OrvHost::ServiceAccess mAccess;
     std::int64_t mRetries = 3;
     bool mCoreOnly = false;
     bool mNoDatabaseCheck = false;

@@ -35,7 +35,7 @@ _orv_library() {
     fi
     local options=""
     case $command in
-        update) options="--url --product --product-version --retries --no-database-check --core-only --index --bonus --manufacturer" ;;
+        update) options="--url --product --product-version --retries --cacert --proxy --limit-rate --no-database-check --core-only --index --bonus --manufacturer" ;;
         unpack) options="--beside --output-dir" ;;
         import) options="--proprietary --dry-run --set-aside --no-database-check" ;;
         pack) options="--output --no-database-check" ;;

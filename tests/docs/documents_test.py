@@ -237,9 +237,10 @@ class Formats(unittest.TestCase):
     def test_update_history(self):
         [text] = self.examples("update-history", "json")
         self.write("root/update-history.json", text)
-        document = self.program("status")
+        document = self.program("status", status=1)
+        self.assertEqual(document["lastAttempt"], "2026-11-21T08:04:16Z")
         self.assertEqual(document["lastGoodCheck"], "2026-11-20T17:30:00Z")
-        self.assertEqual([warning["catalog"] for warning in document["warnings"]], ["Doors.orvlib"])
+        self.assertEqual([warning["catalog"] for warning in document["warnings"]], [None, "Doors.orvlib"])
         content = os.path.join(self.work, "content")
         subprocess.run([PROGRAM, "sample", content], check=True, capture_output=True)
         self.update_against(content)

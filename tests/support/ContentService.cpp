@@ -35,6 +35,24 @@ void ContentService::spoil(const std::string& name, const FaultReply& reply)
     mSpoilt.insert_or_assign(name, reply);
 }
 
+void ContentService::spoilHeader(const std::string& name, const FaultReply& reply)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mSpoiltHeaders.insert_or_assign(name, reply);
+}
+
+void ContentService::cutBodies(std::size_t bytes)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mCut = bytes;
+}
+
+void ContentService::spoilAll(const FaultReply& reply)
+{
+    mServer.on("/redirect", reply);
+    mServer.otherwise([reply](const FaultRequest&) { return reply; });
+}
+
 std::vector<std::string> ContentService::takeFetched()
 {
     const std::lock_guard<std::mutex> lock(mMutex);
@@ -73,8 +91,27 @@ FaultReply ContentService::reply(const FaultRequest& request)
         const auto spoilt = mSpoilt.find(name);
         if (spoilt != mSpoilt.end())
             return spoilt->second;
+        return bodyReply(request, content->second, tag);
     }
-    return FaultReply::ok(content->second, {"ETag: " + tag});
+    const auto spoilt = mSpoiltHeaders.find(name);
+    return spoilt != mSpoiltHeaders.end() ? spoilt->second
+                                          : FaultReply::ok(content->second, {"ETag: " + tag});
+}
+
+FaultReply ContentService::bodyReply(const FaultRequest& request, const std::string& content,
+                                     const std::string& tag) const
+{
+    const std::string range = request.header("Range");
+    const bool isRest = range.rfind("bytes=", 0) == 0 && request.header("If-Range") == tag;
+    const std::size_t from = isRest ? std::stoul(range.substr(6)) : 0;
+    const std::string size = std::to_string(content.size());
+    const std::vector<std::string> headers = {"ETag: " + tag, "Content-Range: bytes " + std::to_string(from) +
+                                                                  "-" + std::to_string(content.size() - 1) +
+                                                                  "/" + size};
+    FaultReply reply = isRest ? FaultReply::status(206, content.substr(from), headers)
+                              : FaultReply::ok(content, {"ETag: " + tag});
+    const bool isCut = mCut < content.size() - from;
+    return isCut ? reply.cutAt(reply.headSize() + mCut) : reply;
 }
 
 } // namespace test

@@ -23,6 +23,13 @@ public:
     /// Answers every download of a file, but not the question for its headers, like this.
     void spoil(const std::string& name, const FaultReply& reply);
 
+    /// Answers every question for the headers of a file like this.
+    void spoilHeader(const std::string& name, const FaultReply& reply);
+    /// Every body that is sent is cut off after so many bytes; a request for a range gets the next ones.
+    void cutBodies(std::size_t bytes);
+    /// Answers nothing soundly any more.
+    void spoilAll(const FaultReply& reply);
+
     /// Names whose bodies were fetched since the last call, in order.
     std::vector<std::string> takeFetched();
     /// Waits until a body is being fetched, at most 10 s.
@@ -35,11 +42,15 @@ public:
 
 private:
     FaultReply reply(const FaultRequest& request);
+    FaultReply bodyReply(const FaultRequest& request, const std::string& content,
+                         const std::string& tag) const;
 
     std::mutex mMutex;
     std::condition_variable mChanged;
-    std::map<std::string, std::string> mContents; ///< this and the next three guarded by mMutex
+    std::map<std::string, std::string> mContents; ///< this and what follows guarded by mMutex
     std::map<std::string, FaultReply> mSpoilt;
+    std::map<std::string, FaultReply> mSpoiltHeaders;
+    std::size_t mCut = std::string::npos;
     std::vector<std::string> mFetched;
     std::vector<std::string> mAsked;
     FaultServer mServer; ///< last: its threads end before what they write to

@@ -9,9 +9,16 @@ namespace {
 
 std::string phrase(int code)
 {
-    static const std::map<int, std::string> phrases{
-        {200, "OK"},        {206, "Partial Content"}, {301, "Moved"},     {302, "Found"},
-        {304, "Unchanged"}, {403, "Forbidden"},       {404, "Not Found"}, {503, "Unavailable"}};
+    static const std::map<int, std::string> phrases{{200, "OK"},
+                                                    {206, "Partial Content"},
+                                                    {301, "Moved"},
+                                                    {302, "Found"},
+                                                    {304, "Unchanged"},
+                                                    {403, "Forbidden"},
+                                                    {429, "Too Many Requests"},
+                                                    {500, "Broken"},
+                                                    {404, "Not Found"},
+                                                    {503, "Unavailable"}};
     const auto found = phrases.find(code);
     return found == phrases.end() ? "Status" : found->second;
 }

@@ -144,6 +144,25 @@ void FaultServer::limitWorkers(int count)
     mIdleWorkers = count;
 }
 
+void FaultServer::limitRequests(int count, const FaultReply& refusal)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mRequestLimit = count;
+    mRefusal = refusal;
+}
+
+int FaultServer::mostAtOnce() const
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mMostAtOnce;
+}
+
+void FaultServer::endRequest()
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    --mAtOnce;
+}
+
 bool FaultServer::takeWorker()
 {
     std::unique_lock<std::mutex> lock(mMutex);
@@ -265,6 +284,7 @@ void FaultServer::serve(Connection& connection)
     while (stays && readRequest(connection, buffer, request)) {
         const FaultReply reply = replyTo(request);
         stays = send(connection.socket, reply, request.method);
+        endRequest();
         withReset = reply.mEnd == FaultReply::End::Reset;
     }
     endConnection(connection, withReset);
@@ -311,6 +331,9 @@ FaultReply FaultServer::replyTo(const FaultRequest& request)
     const int number = static_cast<int>(mRequests.size());
     mRequests.push_back(request);
     mChanged.notify_all();
+    mMostAtOnce = std::max(mMostAtOnce, ++mAtOnce);
+    if (mAtOnce > mRequestLimit)
+        return mRefusal;
     const auto numbered = mNumbered.find(number);
     if (numbered != mNumbered.end())
         return numbered->second;

@@ -120,6 +120,11 @@ public:
     void delayConnections(std::chrono::milliseconds time);
     /// Serves only so many connections at a time, each until the client closes it; the others wait.
     void limitWorkers(int count);
+    /// Answers what comes while so many requests are being answered with `refusal`, such as a status of 429;
+    /// a refusal that resets before its first byte is a refused connection.
+    void limitRequests(int count, const FaultReply& refusal);
+    /// The most requests that were being answered at once.
+    int mostAtOnce() const;
     /// Lets the system hold only so many connections, and one more, that nobody has accepted.
     void limitBacklog(int count);
     /// Accepts no further connections: the system takes them, nobody reads.
@@ -151,6 +156,7 @@ private:
     bool takeWorker();
     bool readRequest(Connection& connection, std::string& buffer, FaultRequest& request);
     FaultReply replyTo(const FaultRequest& request);
+    void endRequest();
     /// Whether the connection stays.
     bool send(int socket, const FaultReply& reply, const std::string& method);
     bool sendBytes(int socket, const std::string& bytes, std::size_t from, std::size_t to);
@@ -173,6 +179,10 @@ private:
     bool mAccepting = true;
     std::chrono::milliseconds mConnectionDelay{0};
     int mIdleWorkers = 1000;
+    int mAtOnce = 0;
+    int mMostAtOnce = 0;
+    int mRequestLimit = 1000;
+    FaultReply mRefusal = FaultReply::status(429);
     std::map<std::string, std::vector<FaultReply>> mReplies;
     std::map<int, FaultReply> mNumbered;
     Handler mOtherwise;

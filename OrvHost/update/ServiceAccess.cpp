@@ -1,0 +1,20 @@
+#include "OrvHost/update/ServiceAccess.h"
+
+#include <filesystem>
+
+#include "OrvHost/TextFile.h"
+#include "OrvLibrary/host/Curl.h"
+
+namespace OrvHost {
+
+void ServiceAccess::apply() const
+{
+    std::error_code error;
+    if (!certificates.empty() && !std::filesystem::is_directory(certificates, error))
+        TextFile::read(fileString(certificates)); // throws where it cannot be read
+    Curl::setCertificates(certificates);
+    Curl::setProxy(proxy);
+    Curl::setRateLimit(limitRate);
+}
+
+} // namespace OrvHost
