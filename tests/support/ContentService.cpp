@@ -12,8 +12,7 @@ namespace test {
 
 ContentService::ContentService()
 {
-    mServer.on("/redirect", FaultReply::redirect("/content?"));
-    mServer.otherwise([this](const FaultRequest& request) { return reply(request); });
+    mServer.otherwise([this](const FaultRequest& request) { return answer(request); });
 }
 
 std::string ContentService::sha1(const std::string& content)
@@ -73,8 +72,28 @@ std::vector<std::string> ContentService::takeAsked()
     return std::exchange(mAsked, {});
 }
 
+void ContentService::spoilWith(Spoiler spoiler)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mSpoiler = std::move(spoiler);
+}
+
+FaultReply ContentService::answer(const FaultRequest& request)
+{
+    const FaultReply sound =
+        request.path() == "/redirect" ? FaultReply::redirect("/content?") : reply(request);
+    Spoiler spoiler;
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        spoiler = mSpoiler;
+    }
+    return spoiler ? spoiler(sound, request) : sound;
+}
+
 FaultReply ContentService::reply(const FaultRequest& request)
 {
+    if (request.target == request.path())
+        return FaultReply::status(404, "Not here.\n");
     const QUrlQuery query(QString::fromStdString(request.target.substr(request.path().size() + 1)));
     const std::string name = query.queryItemValue("library", QUrl::FullyDecoded).toStdString();
     const std::lock_guard<std::mutex> lock(mMutex);

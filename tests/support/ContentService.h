@@ -1,6 +1,7 @@
 #pragma once
 
 #include <condition_variable>
+#include <functional>
 #include <map>
 #include <mutex>
 #include <string>
@@ -27,6 +28,10 @@ public:
     void spoilHeader(const std::string& name, const FaultReply& reply);
     /// Every body that is sent is cut off after so many bytes; a request for a range gets the next ones.
     void cutBodies(std::size_t bytes);
+    /// Makes of each sound answer, that of the redirect too, what `spoiler` returns; null for none. Called on
+    /// the connection's thread.
+    using Spoiler = std::function<FaultReply(const FaultReply& sound, const FaultRequest& request)>;
+    void spoilWith(Spoiler spoiler);
     /// Answers nothing soundly any more.
     void spoilAll(const FaultReply& reply);
 
@@ -41,6 +46,7 @@ public:
     static std::string sha1(const std::string& content);
 
 private:
+    FaultReply answer(const FaultRequest& request);
     FaultReply reply(const FaultRequest& request);
     FaultReply bodyReply(const FaultRequest& request, const std::string& content,
                          const std::string& tag) const;
@@ -51,6 +57,7 @@ private:
     std::map<std::string, FaultReply> mSpoilt;
     std::map<std::string, FaultReply> mSpoiltHeaders;
     std::size_t mCut = std::string::npos;
+    Spoiler mSpoiler;
     std::vector<std::string> mFetched;
     std::vector<std::string> mAsked;
     FaultServer mServer; ///< last: its threads end before what they write to
