@@ -4,7 +4,7 @@ namespace LibraryCatalogUpdate {
 
 class CatalogEvents;
 
-/// What one download hands to its progress function.
+/// The context of a download's progress function.
 struct CatalogDownload
 {
     /// The bytes downloaded at the last call.

@@ -2,7 +2,7 @@
 
 #include "OrvLibrary/CatalogUpdateData.h"
 
-/// "catalog_hash.txt": what is remembered of a category's catalogs from run to run, one line "name:tag" for
+/// "catalog_hash.txt" remembers the tags of a category's catalogs from run to run, one line "name:tag" for
 /// each. docs/formats/catalog_hash.md describes the bytes.
 namespace LibraryCatalogUpdate {
 

@@ -11,21 +11,21 @@
 
 namespace LibraryCatalogUpdate {
 
-/// SHA-1 of files that are asked for one after the other. A second thread hashes ahead of the one that asks,
-/// and that one helps while it waits for a file that the other has in hand. The operations are for one
-/// thread, that of the update.
+/// Computes the SHA-1 of files that are asked for one after the other. A second thread hashes files ahead.
+/// While the asking thread waits for a file that the second thread is hashing, it hashes others. All
+/// operations are for one thread, that of the update.
 class CatalogHashesAhead
 {
 public:
     /// Starts at once.
     /// @param files ascending; nothing is started for less than two
     explicit CatalogHashesAhead(std::vector<fileString> files);
-    /// Waits for the file that the second thread has in hand; what was not asked for is not hashed any more.
+    /// Waits for the file that the second thread is hashing. Further files are not hashed.
     ~CatalogHashesAhead();
     CatalogHashesAhead(const CatalogHashesAhead&) = delete;
     CatalogHashesAhead& operator=(const CatalogHashesAhead&) = delete;
 
-    /// The hash of `file`, which need not be one of the files; empty for what cannot be read.
+    /// The hash of `file`, which need not be one of the announced files; empty when it cannot be read.
     std::string hashOf(const fileString& file);
 
 private:
@@ -34,7 +34,7 @@ private:
         Waiting,
         InHand,
         Done,
-        Failed ///< by an exception: whoever asks for it tries again, and meets that
+        Failed ///< by an exception: the call for the file hashes it again, and meets the exception
     };
     struct Entry
     {
@@ -49,10 +49,10 @@ private:
     Entry* nextWaiting();
     void hash(Entry& entry, Lock& lock);
 
-    std::mutex mMutex; ///< guards what follows
+    std::mutex mMutex; ///< guards the members below, except the thread
     std::condition_variable mChanged;
     std::vector<Entry> mEntries;
-    std::size_t mNext = 0; ///< before this one none is waiting
+    std::size_t mNext = 0; ///< no entry before this one is waiting
     bool mIsStopping = false;
 
     std::thread mThread;

@@ -14,8 +14,8 @@ namespace LibraryCatalogUpdate {
 /// @throws NullPointerError named "gApp" when there is none
 Application& hostApplication();
 
-/// To be called while an exception is handled: why it was thrown. The error of a missing application object,
-/// the one that ends a run, is thrown on instead.
+/// The reason of the exception that is being handled. The error of a missing application object is thrown
+/// again instead, because it ends a run.
 std::string reasonOfException();
 
 /// Folder of a category's installed catalogs, with its final separator; empty for no category.
@@ -30,8 +30,8 @@ fileString getTempDirectoryPathFromCategory(Library::LibraryCategory category);
 /// referenced files. With its final separator.
 fileString catalogFolder(const fileString& name, const fileString& folder);
 
-/// Whether a file of the category may lie at that path. False for a path below the file's folder that climbs
-/// out of it again: a name such as "../other.orvlib" of the content index, put behind the folder.
+/// Whether a file of the category may lie at that path. False for a path that starts with the file's folder
+/// and then leaves it, as when the content index names "../other.orvlib".
 bool isInstalledPath(const fileString& file, Library::LibraryCategory category);
 
 /// Query address of a file at the web service. Empty when the service cannot be found, which is written to

@@ -7,15 +7,16 @@
 #include "OrvLibrary/OrvLibraryExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// The download service. Addresses are 8-bit texts, passed on as built but for the bytes that HTTP cannot
-/// carry, which are percent-encoded. http and https only, at most 10 redirects, never from https to http;
-/// peers are verified. All operations may be called from any thread, and none throws in the default
-/// implementation.
+/// The download service. An address is an 8-bit text. It is passed on as it was built, except that bytes that
+/// HTTP cannot carry are percent-encoded. The service knows http and https, follows at most 10 redirects,
+/// never from https to http, and verifies its peers. All operations may be called from any thread. The
+/// default implementation throws nothing.
 class ORVLIBRARY_EXPORT Curl
 {
 public:
-    /// Told how a transfer goes on, in bytes: for every 4 KiB of body, once a second has passed without a
-    /// byte every 100 ms, and at least once before a transfer ends well. Runs on the thread of the transfer.
+    /// Hears how a transfer goes on, in bytes. It is called for every 4 KiB of body, every 100 ms once a
+    /// second has passed without a byte, and at least once before a transfer ends well, on the thread of the
+    /// transfer.
     /// @return 0 to go on, anything else to abort
     using ProgressFunction = int (*)(void* context, double downloadTotal, double downloaded,
                                      double uploadTotal, double uploaded);
@@ -55,10 +56,10 @@ public:
     virtual bool getURLHeader(const std::string& url, const std::vector<std::string>& headerLines,
                               std::string& headerText, std::int64_t& status) = 0;
 
-    /// Fetches a page. False for a transfer error or a status of 400 or more; `body` holds what came all the
-    /// same.
+    /// Fetches a page. False for a transfer error or a status of 400 or more. `body` then still holds the
+    /// bytes that came, such as the page of an error.
     /// @param followRedirects whether redirects are followed; the library passes true
-    /// @param timeoutSeconds a limit below the service's own of 60 s; 0 for that one
+    /// @param timeoutSeconds a limit below 60 s; 0 for the service's own, which is 60 s
     virtual bool browseURL(const std::string& url, const std::vector<std::string>& headerLines,
                            std::string& body, bool followRedirects, int timeoutSeconds) = 0;
 
@@ -71,7 +72,7 @@ public:
     /// Tells which calls of `getURLHeader` the calling thread is about to make, so that a service may send
     /// the requests ahead. A call with the same address and header lines then returns the answer that is
     /// already there, or waits for it; each answer serves one call. A further list takes the place of the
-    /// former one, and an empty one drops what was not asked for. The one of this class does nothing.
+    /// former one, and an empty list drops the answers that nobody took. The base class does nothing.
     virtual void prefetchHeaders(const std::vector<HeaderRequest>& requests);
 
     /// A download that is going to be made.
@@ -85,22 +86,20 @@ public:
     };
     /// Tells which calls of `download_to_location` the calling thread is about to make, in their order, so
     /// that a service may fetch the bodies ahead, into files of its own beside the targets. The call for a
-    /// target then gives that file its name, waiting for it to grow if need be, and tells the progress
-    /// function of the bytes as they are there and as they come; no progress function hears of a transfer
-    /// whose call has not been made. A body that could not be fetched ahead is asked for anew by its call,
-    /// and only that one's failure counts. Nothing is in the way of other calls. A further list takes the
-    /// place of the former one, and an empty one discards what was not asked for: transfers end, files are
-    /// removed.
+    /// target then waits for the end of its file and gives it the target's name. Meanwhile it tells the
+    /// progress function of the bytes that are there and of those that come. No progress function hears of a
+    /// transfer before its call. A call whose body could not be fetched ahead asks for it anew, and only the
+    /// failure of that request counts. Other calls can be made in between. A further list takes the place of
+    /// the former one. An empty list ends all transfers and removes the files that nobody took.
     ///
-    /// The default service does so where it pays: for four downloads or more, from an address that took 5 ms
-    /// or longer to answer this thread's last requests. A nearer one sees the requests in turn. Ahead of
-    /// their turn stand at most 64 MB, with at most two transfers of files over 8 MB at a time. The one of
-    /// this class does nothing.
+    /// The default service fetches bodies ahead where it pays: for four downloads or more, from an address
+    /// that took 5 ms or longer to answer. It asks a nearer service in turn. At most 64 MB are fetched ahead,
+    /// with at most two transfers of files over 8 MB at a time. The base class does nothing.
     virtual void prefetchDownloads(const std::vector<DownloadRequest>& requests);
 
-    /// The address that redirects lead to, each `Location` read as sent (a lone trailing "?" survives);
-    /// whatever its status is. Empty when there was no answer, a loop or too many redirects. The one of this
-    /// class asks the default service.
+    /// The address that redirects lead to, whatever its status is. Each `Location` is read as it was sent, so
+    /// that a lone trailing "?" survives. Empty when there was no answer, a loop or too many redirects. The
+    /// base class asks the default service.
     virtual std::string urlAfterRedirects(const std::string& url);
 
     /// What a request was answered.
@@ -112,7 +111,7 @@ public:
         std::string url;         ///< the address that gave the final answer, after redirects
     };
     /// The answer to the calling thread's last request, of whatever kind; a request that was sent ahead
-    /// counts when its own call takes the answer. The one of this class knows none.
+    /// counts when its own call takes the answer. The base class knows no answer.
     virtual Answer lastAnswer();
 
     /// A download whose partial file is kept, so that a later call can go on where it broke off.
@@ -129,27 +128,28 @@ public:
     };
     /// Downloads like `download_to_location`, but asks only for what `partial` lacks (`Range` with
     /// `If-Range`). A service that has another version, or no ranges, sends the whole body, which then
-    /// replaces what was there. The counts of the progress function start at what was there. The one of this
-    /// class downloads everything anew.
+    /// replaces what was there. The counts of the progress function start at what was there. A partial file
+    /// whose digest turns out wrong is removed. The base class downloads everything anew.
     virtual bool downloadResumable(const ResumableDownload& request, void* context, ProgressFunction progress,
                                    std::string& reason, int& errorNumber);
 
-    /// Asked by the default service at least every 100 ms of every wait of a request; true ends the request.
+    /// The default service asks this question at least every 100 ms while a request waits. True ends the
+    /// request, and lets no further request begin.
     using CancelQuestion = bool (*)();
     /// Sets the question for the requests of the calling thread; null for none.
-    /// @return the former one
+    /// @return the former question
     static CancelQuestion setCancelQuestion(CancelQuestion question);
 
-    /// Makes the default service trust the authorities in a PEM file, or in a folder of hashed certificates,
-    /// beside nothing else; empty for what the environment says (`SSL_CERT_FILE`, `SSL_CERT_DIR`) or else
-    /// the system's own, which is what it does at first.
+    /// Makes the default service trust only the authorities in a PEM file, or in a folder of hashed
+    /// certificates. With an empty text, and at first, it trusts those that `SSL_CERT_FILE` and
+    /// `SSL_CERT_DIR` name, or else those of the system.
     static void setCertificates(const std::string& fileOrFolder);
 
     /// Bounds the bytes a second that all transfers of the default service together receive; 0 for no bound.
     static void setRateLimit(std::int64_t bytesPerSecond);
 
-    /// Makes the default service use a proxy, such as "http://proxy.example:3128"; empty for what the
-    /// environment says (`http_proxy`, `https_proxy`, `no_proxy`), which is what it does at first.
+    /// Makes the default service use a proxy, such as "http://proxy.example:3128". With an empty text, and at
+    /// first, it uses the proxy that `http_proxy`, `https_proxy` and `no_proxy` name.
     static void setProxy(const std::string& proxy);
 
     /// Makes the default service ask every address again at once. After three requests in a row without any
@@ -163,6 +163,6 @@ public:
 
     static Curl& get();
     /// Makes `service` the one that `get` returns; null for the default. The pointer is not owned.
-    /// @return the former one, null when it was the default
+    /// @return the former service, null when it was the default
     static Curl* install(Curl* service);
 };

@@ -9,7 +9,7 @@
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 
-/// What a thread keeps between its requests.
+/// The connections and announced requests of a thread.
 struct ThreadState
 {
     ~ThreadState()
@@ -20,7 +20,7 @@ struct ThreadState
     }
 
     HttpConnections connections;
-    /// What was announced; null when nothing was.
+    /// Announced requests; null when there are none.
     std::unique_ptr<AheadList> headers;
     std::unique_ptr<AheadList> downloads;
 };
@@ -54,7 +54,7 @@ private:
     std::optional<HttpConnections> mOwn;
 };
 
-/// What the calling thread's last request was answered.
+/// The answer to the calling thread's last request.
 thread_local Curl::Answer lastAnswerOfThread;
 
 void noteAnswer(const HttpAnswer& answer, const std::string& url)
@@ -62,7 +62,7 @@ void noteAnswer(const HttpAnswer& answer, const std::string& url)
     lastAnswerOfThread = {answer.status, answer.headerText, answer.errorText, url};
 }
 
-/// Where there is no memory for the reason, there is none.
+/// Sets the reason of the last answer. Leaves it as it is when there is no memory for the text.
 void noteReason(const std::string& reason) noexcept
 try {
     lastAnswerOfThread.reason = reason;

@@ -61,5 +61,5 @@ private:
     int mConnectionLimit = kConnections;
 };
 
-/// The one behind `Curl::get` when the host has installed none.
+/// The service that `Curl::get` returns when the host has installed none.
 CurlService& defaultCurlService();

@@ -35,9 +35,9 @@ public:
     bool isOpen() const { return descriptor() >= 0; }
     /// Hands out what the file holds, in pieces, until `take` returns false.
     bool read(const std::function<bool(const char*, std::size_t)>& take, std::string& reason);
-    /// Takes bytes, which reach the file in larger pieces; so a failure may be of those taken before.
+    /// Takes bytes and writes them in larger pieces. So a failure may concern bytes that were taken before.
     bool write(const char* data, std::size_t size, std::string& reason);
-    /// No more will be written for now: lets go of memory, and lets the disk begin with what it has not got.
+    /// Releases memory and lets the disk begin to write. For a file that gets no more bytes for a while.
     void restAtEnd();
     /// Syncs the file and gives it the target's name. A loss of power soon after may bring back the old
     /// target, never a part of the file.

@@ -2,8 +2,8 @@
 
 #include <string>
 
-/// Web addresses as texts. Nothing here goes through the transfer library's own address parser, because that
-/// one drops a lone trailing "?", and catalog addresses are built by appending to such a query.
+/// Web addresses as texts. The transfer library's own address parser is not used: it drops a lone trailing
+/// "?", and catalog addresses are built by appending "&library=..." to such a query.
 namespace HttpAddress {
 
 /// Whether the text is an http or https address with a host, whatever the letter case of the scheme.
@@ -20,8 +20,8 @@ std::string wireText(const std::string& url);
 /// A header line without the bytes 0x00-0x1F and 0x7F.
 std::string wireHeaderLine(const std::string& line);
 
-/// `reference`, as a `Location` gave it, seen from `base`. A query survives as it was sent, even an empty
-/// one.
+/// The address that `reference`, the text of a `Location`, means when it comes from `base`. Its query stays
+/// as it was sent, even an empty query.
 std::string resolve(const std::string& base, const std::string& reference);
 
 /// The text up to its fragment ("#" and what follows).

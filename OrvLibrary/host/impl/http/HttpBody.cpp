@@ -265,7 +265,7 @@ HttpBody::Verdict FileBody::watch(TimePoint now)
 {
     if (!mPacer.tick(now))
         return Verdict::Aborted;
-    // With a progress function it is that one's business when a transfer has lasted too long.
+    // A progress function decides itself when a transfer has lasted too long.
     return !mPacer.wanted() && mSpeed.tooSlow(now) ? Verdict::TooSlow : Verdict::GoOn;
 }
 

@@ -14,7 +14,7 @@
 #include "OrvLibrary/host/impl/http/SpeedGuard_p.h"
 
 /// Takes the body of an answer, and watches over the transfer while it runs. One object serves all answers of
-/// a redirect chain: each begins anew. Belongs to one thread.
+/// a redirect chain, which call `begin` one after the other. Belongs to one thread.
 class HttpBody
 {
 public:
@@ -31,18 +31,18 @@ public:
     HttpBody(const HttpBody&) = delete;
     HttpBody& operator=(const HttpBody&) = delete;
 
-    /// So many bytes of an answer's header came.
+    /// Called with the number of bytes when a piece of an answer's header has come.
     virtual void headerReceived(std::size_t) {}
     /// A header block is complete and a body may follow.
     /// @return false to end the transfer here
     virtual bool begin(std::int64_t status, const std::string& headerText);
     /// @return false to end the transfer here
     virtual bool take(const char* data, std::size_t size);
-    /// Asked all the time while the transfer runs.
+    /// Called at each step of the transfer loop. Says whether the transfer may go on.
     virtual Verdict watch(TimePoint now);
 
 protected:
-    /// Counts bytes nobody wants; false once enough of them were read.
+    /// Counts bytes that are not kept. False once more came than are worth reading to keep the connection.
     bool discard(std::size_t size);
 
     const HttpLimits& mLimits;
@@ -51,7 +51,7 @@ private:
     std::int64_t mDiscarded = 0;
 };
 
-/// Keeps a page in memory. One that is too long is cut.
+/// Keeps a page in memory. A page that is too long is cut.
 class PageBody : public HttpBody
 {
 public:
@@ -80,8 +80,8 @@ public:
     /// @param validator entity tag in quotes, or date, of the version that the partial file is of
     /// @return how many bytes there are; 0 when the file must be asked for from its first byte
     std::int64_t resume(const std::string& validator);
-    /// The answer does not go on where the partial file ends: the file is to be asked for from its first
-    /// byte.
+    /// Whether the file must be asked for from its first byte, because the answer did not go on where the
+    /// partial file ends.
     bool mustStartAnew() const { return mMustStartAnew; }
 
     bool begin(std::int64_t status, const std::string& headerText) override;
@@ -89,13 +89,13 @@ public:
     Verdict watch(TimePoint now) override;
     void headerReceived(std::size_t size) override;
 
-    /// The transfer ended without an error: whether length and digest are as announced.
+    /// Whether length and digest are as announced. To be asked when the transfer has ended without an error.
     bool isSound();
-    /// The same, and gives the file its name.
+    /// Gives the file its name if it is sound.
     bool finish();
-    /// To be called when the limits have changed while the body came.
+    /// Measures the disk again. To be called when the limits have changed while the body came.
     void limitsChanged();
-    /// The body has arrived, and its turn has not come: lets go of memory and lets the disk begin.
+    /// Releases memory and lets the disk begin to write. For a body that has arrived before its turn.
     void restAtEnd() { mFile.restAtEnd(); }
     /// Whether the answer brought what was asked for, so far as its header says.
     bool isTaken() const { return mIsTaken; }
@@ -103,7 +103,7 @@ public:
     std::int64_t size() const { return mFile.size(); }
     /// Why the file could not be written; empty when it could.
     const std::string& reason() const { return mReason; }
-    /// Whether the reason is of the disk, not of what the server sent.
+    /// Whether the reason lies with the disk, not with the bytes that the server sent.
     bool diskFailed() const { return mDiskFailed; }
 
 private:

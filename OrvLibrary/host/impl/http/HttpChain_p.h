@@ -12,10 +12,10 @@ public:
     HttpChain(HttpConnections& connections, AheadList* ahead, AddressMemory& memory, const HttpLimits& limits,
               HttpLimits::Clock::time_point deadline);
 
-    /// Sends `request`, and again to where the answers lead.
-    /// @param follow false takes the first answer for the final one
-    /// @return the final answer; one with an error and without a status when there is none: a server that
-    /// does not answer, a loop, too many redirects, or one to where nobody may be led
+    /// Sends `request`, and sends it again to each address that an answer redirects to.
+    /// @param follow false: the first answer is the final one
+    /// @return the final answer. It has an error and no status when a server did not answer, and after a
+    /// loop, too many redirects, or a redirect to a forbidden address.
     HttpAnswer run(HttpRequest request, HttpBody& body, bool follow);
     /// The address of the final answer.
     const std::string& finalUrl() const { return mUrl; }

@@ -8,8 +8,8 @@
 #include "OrvLibrary/host/impl/http/AheadWork_p.h"
 #include "OrvLibrary/host/impl/http/HttpTransfer_p.h"
 
-/// The connections of one thread, kept open between requests, and the handles that are used over and over.
-/// Two threads never share one.
+/// The connections of one thread, which stay open between requests, and the handles of the transfer library,
+/// which are used again. Each thread has its own.
 class HttpConnections
 {
 public:
@@ -20,8 +20,8 @@ public:
     HttpConnections(const HttpConnections&) = delete;
     HttpConnections& operator=(const HttpConnections&) = delete;
 
-    /// Whether a transfer is running, so that this one is asked from within its progress function. Another
-    /// object must serve then.
+    /// Whether a transfer is running. A request that is made meanwhile comes from that transfer's progress
+    /// function, and needs another object.
     bool busy() const { return mBusy; }
     /// Makes the connections busy for the life of a block.
     class Work
@@ -41,19 +41,19 @@ public:
     HttpAnswer perform(const HttpRequest& request, HttpBody& body, const HttpLimits& limits,
                        TimePoint deadline);
 
-    /// What moves on beside the transfers that are waited for. Not owned.
+    /// Work that moves on beside the transfers that somebody waits for. Not owned.
     void addAhead(AheadWork& work) { mAhead.push_back(&work); }
     void removeAhead(AheadWork& work);
     /// Ends what is asked for ahead, and asks for nothing more ahead: the server serves only so many at a
     /// time.
     void stopAhead();
 
-    /// The pieces of `perform`, for those who run several transfers.
+    /// The parts of `perform`, for work that runs several transfers.
     CURL* acquire();
     void release(CURL* handle) noexcept;
     void start(HttpTransfer& transfer);
     void stop(HttpTransfer& transfer);
-    /// Moves what goes on by itself. Ends and failures are left to the next step.
+    /// Lets the transfer library send and receive. The next step handles transfers that have ended.
     bool send();
     /// Moves every transfer on. False when the transfer library cannot, for lack of memory.
     bool step();
@@ -71,8 +71,8 @@ private:
     std::vector<AheadWork*> mAhead;
 };
 
-/// Keeps a write on a closed TLS connection from ending the process, without touching the host's handlers. To
-/// stand around everything that lets connections move.
+/// Blocks SIGPIPE for the life of a block: otherwise a write on a closed TLS connection would end the
+/// process. The host's signal handlers stay as they are. Needed around all calls that let connections move.
 class BrokenPipeBlock
 {
 public:

@@ -2,9 +2,9 @@
 
 #include <string>
 
-/// Collects the header block of one request's final answer from the lines as they arrive. A status line after
-/// a finished block starts anew, so that blocks of interim answers vanish; what follows the body is no
-/// header.
+/// Collects the header block of one request's final answer, line by line. A status line after a finished
+/// block starts a new block, so that only the last one is kept: an answer of 200 after one of 100, for
+/// example. Other lines after a finished block are trailers of the body, and ignored.
 class HttpHeaderBlock
 {
 public:
@@ -13,7 +13,7 @@ public:
 
     /// The lines, folded ones unfolded, each ended by CR LF, with the blank line.
     const std::string& text() const { return mText; }
-    /// Whether the blank line has come. A block without it was cut.
+    /// Whether the blank line has come. A block without a blank line was cut.
     bool complete() const { return mComplete; }
 
 private:

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <functional>
 
-/// The bounds of the download service. The service has one set of them; tests make their own with times short
-/// enough to wait for.
+/// The bounds of the download service. The service has one set of them. Tests make other sets, with times
+/// that are short enough to wait for.
 struct HttpLimits
 {
     using Clock = std::chrono::steady_clock;
@@ -22,7 +22,7 @@ struct HttpLimits
     int redirects = 10;
     std::int64_t headerBytes = 300 * 1024;
     std::int64_t pageBytes = 16 * 1024 * 1024;
-    /// Also what is read of any answer whose body nobody wants, so that its connection can be kept.
+    /// So much is also read of a body that is not kept, so that its connection can be used again.
     std::int64_t errorPageBytes = 64 * 1024;
     std::int64_t fileBytes = 16LL * 1024 * 1024 * 1024;
     /// A file leaves free on its disk the smaller of this many bytes and one part in `spareShare` of the
@@ -41,6 +41,6 @@ struct HttpLimits
     int unansweredRequests = 3;
     Milliseconds refusalTime{60'000};
 
-    /// What the refusal of addresses goes by; transfers themselves go by the steady clock.
+    /// The clock for the refusal of addresses. Transfers use the steady clock.
     std::function<Clock::time_point()> now = Clock::now;
 };

@@ -17,8 +17,8 @@ constexpr long kSmallReceiveBuffer = 64 * 1024;
 constexpr long kHeaderReceiveBuffer = 16 * 1024;
 constexpr std::int64_t kFirstFinalStatus = 200;
 
-/// The form in which the transfer library sends a line: it takes a name without a value as an order to leave
-/// the header out, and the name with a semicolon as the empty value.
+/// The form in which the transfer library wants a line. "Name:" would tell it to leave the header out;
+/// "Name;" sends the header with an empty value.
 std::string listForm(const std::string& line)
 {
     const std::size_t colon = line.find(':');
@@ -101,7 +101,7 @@ void HttpTransfer::setOptions(const HttpRequest& request)
         curl_easy_setopt(mHandle, CURLOPT_FRESH_CONNECT, 1L);
     if (request.headerOnly) {
         curl_easy_setopt(mHandle, CURLOPT_NOBODY, 1L);
-        // A length that is no number is for the caller to read; there is no body to measure with it.
+        // There is no body to measure. The caller reads the length, even one that is no number.
         curl_easy_setopt(mHandle, CURLOPT_IGNORE_CONTENT_LENGTH, 1L);
     }
     curl_easy_setopt(mHandle, CURLOPT_ERRORBUFFER, mErrorText);
@@ -112,8 +112,8 @@ void HttpTransfer::setOptions(const HttpRequest& request)
     curl_easy_setopt(mHandle, CURLOPT_PRIVATE, this);
 }
 
-/// What the caller says is trusted and nothing else. Otherwise each variable of the environment stands for
-/// the system's own file or folder.
+/// A path from the host replaces everything else. Otherwise each variable of the environment replaces the
+/// system's file or folder.
 void HttpTransfer::setCertificates(const std::string& fileOrFolder)
 {
     const char* file = pathFromEnvironment("SSL_CERT_FILE");

@@ -13,21 +13,21 @@
 #include "OrvLibrary/host/impl/http/HttpHeaderBlock_p.h"
 #include "OrvLibrary/host/impl/http/HttpLimits_p.h"
 
-/// What is asked of a server.
+/// A request to a server.
 struct HttpRequest
 {
-    /// As built; it is made fit for the wire when it is sent.
+    /// The address as the caller built it. It is encoded for the wire when it is sent.
     std::string url;
     std::vector<std::string> headerLines;
     bool headerOnly = false;
-    /// One of many that run at once: takes less memory.
+    /// Whether many such requests run at once, so that each should take little memory.
     bool isOneOfMany = false;
-    /// Opens a connection of its own, whether or not there is one that could carry it.
+    /// Whether the request opens a connection of its own even if another connection could carry it.
     bool onNewConnection = false;
     /// Whether an answer that redirects is followed.
     bool isFollowed = false;
-    /// Whether the body matters. That of a redirect that is followed never does. A body that does not matter
-    /// is waited for a second, so that its connection can be kept.
+    /// Whether the body matters. The body of a redirect that is followed never matters. The service waits a
+    /// second for the end of such a body, so that its connection can be kept, and then gives it up.
     bool wantsBody = true;
     /// Proxy address; empty for what the environment says.
     std::string proxy;
@@ -44,7 +44,7 @@ constexpr bool isRedirectStatus(std::int64_t status)
 constexpr std::int64_t kTooManyRequests = 429;
 constexpr std::int64_t kServiceUnavailable = 503;
 
-/// What became of a request.
+/// The outcome of a request.
 struct HttpAnswer
 {
     static HttpAnswer failure(CURLcode error, const std::string& text);
@@ -76,8 +76,8 @@ struct HttpAnswer
     }
 };
 
-/// One request on one handle of the transfer library, redirects not followed. Filled in before it runs, read
-/// afterwards; what runs it is `HttpConnections`. Belongs to one thread.
+/// One request on one handle of the transfer library. Redirects are not followed. The constructor sets it up,
+/// `HttpConnections` runs it, and `answer` tells the outcome. Belongs to one thread.
 class HttpTransfer
 {
 public:
@@ -92,7 +92,7 @@ public:
     HttpTransfer& operator=(const HttpTransfer&) = delete;
 
     CURL* handle() const { return mHandle; }
-    /// Asked all the time while the transfer runs. False when it must end; the reason is kept.
+    /// Called at each step of the transfer loop. False when the transfer must end; the reason is kept.
     bool watch(TimePoint now);
     /// Ends the transfer because the caller has cancelled it.
     void cancel() { fail(CURLE_ABORTED_BY_CALLBACK, "Callback aborted"); }
@@ -103,7 +103,7 @@ public:
     bool isAnswered() const { return mHeaderBytes > 0; }
     /// Bytes of header and body so far.
     std::int64_t received() const { return mReceived; }
-    /// Whether a connection was opened for it; otherwise it has one that carried requests before.
+    /// Whether a connection was opened for it. Otherwise its connection has carried requests before.
     bool hasNewConnection() const;
     /// Whether it has a connection that stands.
     bool isConnected() const;
@@ -149,7 +149,8 @@ private:
     TimePoint mHasEnough{};
     bool mFinished = false;
     CURLcode mError = CURLE_OK;
-    /// Our own failure, which goes before the transfer library's.
+    /// The reason for which we ended the transfer; null when we did not. It counts more than the transfer
+    /// library's own.
     const char* mFailure = nullptr;
     std::exception_ptr mException;
 };

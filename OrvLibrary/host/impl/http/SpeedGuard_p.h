@@ -5,8 +5,8 @@
 
 #include "OrvLibrary/host/impl/http/HttpLimits_p.h"
 
-/// Watches a transfer that nobody else watches: tells when a whole stretch of time brought less than the
-/// lowest speed allowed.
+/// Watches the speed of a transfer that has no progress function. It says when the transfer was slower than
+/// the lowest allowed speed for a whole stretch of time.
 class SpeedGuard
 {
 public:
@@ -15,7 +15,7 @@ public:
     SpeedGuard(const HttpLimits& limits, TimePoint start);
 
     void received(std::int64_t bytes) { mReceived += bytes; }
-    /// To be called all the time. Whether the last stretch was too slow.
+    /// To be called at each step of the transfer loop. Whether the last stretch was too slow.
     bool tooSlow(TimePoint now);
 
 private:
