@@ -1,38 +1,48 @@
+// The window brings its parts together and holds nothing that a part could hold: each pane shows one thing
+// and says what the user wants; here that is handed to whoever does it.
 #include "apps/orv-browser/MainWindow.h"
+
+#include <algorithm>
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QDragEnterEvent>
-#include <QFileDialog>
-#include <QMenuBar>
-#include <QMessageBox>
+#include <QMenu>
 #include <QMimeData>
 #include <QSplitter>
 #include <QUrl>
 #include <QVBoxLayout>
 
 #include "OrvLibrary/IO/ErrorLog.h"
-#include "OrvLibrary/host/Curl.h"
-#include "apps/orv-browser/Appearance.h"
-#include "apps/orv-browser/activities/ImportController.h"
+#include "apps/orv-browser/ItemActions.h"
+#include "apps/orv-browser/LibraryActions.h"
+#include "apps/orv-browser/WindowMenus.h"
 #include "apps/orv-browser/activities/MessageBar.h"
 #include "apps/orv-browser/activities/StatusLine.h"
 #include "apps/orv-browser/activities/UpdateController.h"
-#include "apps/orv-browser/activities/WindowMessages.h"
 #include "apps/orv-browser/details/DetailsPane.h"
-#include "apps/orv-browser/dialogs/FilterEditor.h"
+#include "apps/orv-browser/details/ItemDetails.h"
+#include "apps/orv-browser/details/PlaceDetails.h"
+#include "apps/orv-browser/details/SeveralDetails.h"
 #include "apps/orv-browser/dialogs/LogDialog.h"
-#include "apps/orv-browser/dialogs/ManufacturerPreview.h"
-#include "apps/orv-browser/dialogs/PreferencesDialog.h"
-#include "apps/orv-browser/gallery/SearchPane.h"
-#include "apps/orv-browser/places/FilterBar.h"
-#include "apps/orv-browser/places/TreePane.h"
+#include "apps/orv-browser/dialogs/ShortcutSheet.h"
+#include "apps/orv-browser/gallery/EmptyPages.h"
+#include "apps/orv-browser/gallery/GalleryBar.h"
+#include "apps/orv-browser/gallery/GalleryModel.h"
+#include "apps/orv-browser/gallery/GalleryPane.h"
+#include "apps/orv-browser/gallery/GalleryViews.h"
+#include "apps/orv-browser/models/LibraryContent.h"
+#include "apps/orv-browser/models/UserLists.h"
+#include "apps/orv-browser/places/PlacesPane.h"
+#include "apps/orv-browser/search/FilterBar.h"
+#include "apps/orv-browser/search/SearchBar.h"
 
 namespace {
 
-constexpr int kTreeWidth = 540; // pixels, to begin with
-constexpr int kDetailsWidth = 400;
-constexpr int kHeight = 660;
+const QList<int> kPaneWidths{220, 680, 280}; // pixels, to begin with
+constexpr int kLeastPlaces = 170;
+constexpr int kLeastGallery = 470;
+constexpr int kNarrow = 900; // a window below this width has no room for the details
 
 QStringList droppedSources(const QMimeData& data)
 {
@@ -49,55 +59,53 @@ QStringList droppedSources(const QMimeData& data)
 
 MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
     : mRoot(root),
-      mSettings(BrowserSettings::load(root)),
-      mUpdateAction(new QAction(tr("Check for &updates"), this)),
-      mCancelAction(new QAction(tr("&Cancel the update"), this)),
+      mLists(new UserLists(root, this)),
+      mContent(new LibraryContent(this)),
       mMessages(new MessageBar(messages)),
-      mFilters(new FilterBar),
-      mSearch(new SearchPane),
-      mTree(new TreePane),
+      mPlaces(new PlacesPane(*mContent, *mLists)),
+      mGallery(new GalleryPane(*mContent, *mLists)),
       mDetails(new DetailsPane),
-      mStatus(new StatusLine(*mUpdateAction, this)),
-      mUpdates(new UpdateController(*this, root)),
-      mImports(new ImportController(root, this))
+      mPanes(new QSplitter(Qt::Horizontal)),
+      mActions(new ItemActions(mGallery->views().model(), *mLists, this)),
+      mMenus(new WindowMenus(*this, mActions->undoStack())),
+      mStatus(new StatusLine(*mMenus->checkForUpdates, this)),
+      mLibrary(new LibraryActions(*this, root)),
+      mMemory(root, *this, *mPanes, *mPlaces, *mGallery)
 {
-    Curl::setProxy(mSettings.proxy.toStdString());
-    Appearance::apply(mSettings.colours);
     setObjectName(QStringLiteral("libraryBrowser"));
     setWindowTitle(tr("Library"));
     setAcceptDrops(true);
-    resize(kTreeWidth + kDetailsWidth, kHeight);
     buildPanes();
-    buildMenus();
+    connectMenus();
     connectPanes();
-    connectControllers();
-    mFilters->fill();
-    mTree->refresh();
+    connectDetails();
+    connectLibrary();
+    mGallery->search().filters().fill();
+    mContent->refresh();
+    mMemory.restore();
+    leaveGonePlace();
+    mGallery->ask();
 }
 
 MainWindow::~MainWindow()
 {
-    mUpdates->stop(); // while there is a window to tell
+    mLibrary->stop(); // while there is a window to tell
 }
 
 void MainWindow::buildPanes()
 {
-    auto* left = new QWidget;
-    auto* leftLayout = new QVBoxLayout(left);
-    leftLayout->addWidget(mFilters);
-    leftLayout->addWidget(mSearch);
-    leftLayout->addWidget(mTree, 1);
-
-    auto* panes = new QSplitter(Qt::Horizontal);
-    panes->addWidget(left);
-    panes->addWidget(mDetails);
-    panes->setStretchFactor(0, 3);
-    panes->setStretchFactor(1, 2);
-    panes->setSizes({kTreeWidth, kDetailsWidth});
-    panes->setChildrenCollapsible(false);
+    mPanes->setObjectName(QStringLiteral("panes"));
+    mPanes->addWidget(mPlaces);
+    mPanes->addWidget(mGallery);
+    mPanes->addWidget(mDetails);
+    mPlaces->setMinimumWidth(kLeastPlaces);
+    mGallery->setMinimumWidth(kLeastGallery);
+    mPanes->setStretchFactor(1, 1);
+    mPanes->setSizes(kPaneWidths);
+    mPanes->setChildrenCollapsible(false);
     auto* main = new QSplitter(Qt::Vertical);
     main->setObjectName(QStringLiteral("libMainSplitter")); // where the progress panel docks
-    main->addWidget(panes);
+    main->addWidget(mPanes);
     main->setChildrenCollapsible(false);
 
     auto* content = new QWidget;
@@ -110,180 +118,179 @@ void MainWindow::buildPanes()
     setStatusBar(mStatus);
 }
 
-void MainWindow::buildMenus()
+void MainWindow::connectMenus()
 {
-    mUpdateAction->setObjectName(QStringLiteral("checkForUpdates"));
-    mUpdateAction->setShortcut(QKeySequence(Qt::CTRL + Qt::Key_U));
-    mCancelAction->setObjectName(QStringLiteral("cancelUpdate"));
-    mCancelAction->setShortcut(QKeySequence(Qt::CTRL + Qt::Key_Period));
-    mCancelAction->setEnabled(false);
-    buildFileMenu();
-    buildLibraryMenu();
-}
-
-void MainWindow::buildFileMenu()
-{
-    QMenu* file = menuBar()->addMenu(tr("&File"));
-    file->addAction(tr("&Import archive…"), this, &MainWindow::openArchive, QKeySequence::Open)
-        ->setObjectName(QStringLiteral("importArchive"));
-    file->addSeparator();
-    file->addAction(tr("&Preferences…"), this, &MainWindow::editPreferences,
-                    QKeySequence(Qt::CTRL + Qt::Key_Comma))
-        ->setObjectName(QStringLiteral("editPreferences"));
-    file->addSeparator();
-    file->addAction(tr("&Quit"), this, &QWidget::close, QKeySequence::Quit);
-}
-
-void MainWindow::buildLibraryMenu()
-{
-    QMenu* library = menuBar()->addMenu(tr("&Library"));
-    library->addAction(mUpdateAction);
-    library->addAction(mCancelAction);
-    library->addAction(tr("Refresh &manufacturers…"), this, &MainWindow::refreshManufacturers)
-        ->setObjectName(QStringLiteral("refreshManufacturers"));
-    library->addSeparator();
-    library->addAction(tr("&Search"), mSearch, &SearchPane::focusField, QKeySequence::Find);
-    library->addAction(tr("Edit &filters…"), this, &MainWindow::editFilters)
-        ->setObjectName(QStringLiteral("editFilters"));
-    library->addAction(tr("Show the &log"), this, &MainWindow::showLog, QKeySequence(Qt::CTRL + Qt::Key_L))
-        ->setObjectName(QStringLiteral("showLog"));
+    const auto on = [this](const QAction* action, auto&& call) {
+        connect(action, &QAction::triggered, this, std::forward<decltype(call)>(call));
+    };
+    on(mMenus->importArchive, [this] { mLibrary->openArchive(); });
+    on(mMenus->preferences, [this] { mLibrary->editPreferences(); });
+    on(mMenus->quit, [this] { close(); });
+    on(mMenus->checkForUpdates, [this] { mLibrary->checkForUpdates(); });
+    on(mMenus->cancelUpdate, [this] { mLibrary->updates().cancel(); });
+    on(mMenus->refreshManufacturers, [this] { mLibrary->refreshManufacturers(); });
+    on(mMenus->editFilters, [this] { mLibrary->editFilters(mPlaces->databases()); });
+    on(mMenus->showLog, [this] { LogDialog(Library::ErrorLog::file(), this).exec(); });
+    on(mMenus->search, [this] { mGallery->search().focusField(); });
+    on(mMenus->showGrid, [this] { mGallery->bar().setGrid(true); });
+    on(mMenus->showList, [this] { mGallery->bar().setGrid(false); });
+    on(mMenus->showDetails, [this] { mDetails->setVisible(mMenus->showDetails->isChecked()); });
+    on(mMenus->favourite, [this] { mActions->toggleFavourites(mGallery->views().selectedRows()); });
+    on(mMenus->showInFolder, [this] { showInFolder(); });
+    on(mMenus->shortcuts, [this] { ShortcutSheet(*this).exec(); });
 }
 
 void MainWindow::connectPanes()
 {
-    connect(mFilters, &FilterBar::chosen, mTree, &TreePane::applyFilter);
-    connect(mFilters, &FilterBar::editAsked, this, &MainWindow::editFilters);
-    connect(mSearch, &SearchPane::activeChanged, mTree,
-            [this](bool isActive) { mTree->setVisible(!isActive); });
-    connect(mSearch, &SearchPane::chosen, mDetails, &DetailsPane::showChosen);
-    connect(mTree, &TreePane::itemChosen, mDetails, &DetailsPane::showChosen);
-    connect(mTree, &TreePane::shownChanged, mSearch, &SearchPane::setSources);
-    connect(mTree, &TreePane::dropped, this, &MainWindow::itemsDropped);
-    connect(mTree, &TreePane::fetchAsked, this, &MainWindow::checkForUpdates);
-    connect(mTree, &TreePane::importAsked, this, &MainWindow::openArchive);
+    SearchBar& search = mGallery->search();
+    GalleryViews& views = mGallery->views();
+    connect(&search.filters(), &FilterBar::editAsked, mMenus->editFilters, &QAction::trigger);
+    connect(&search, &SearchBar::changed, mPlaces, &PlacesPane::applyFilter);
+    connect(mPlaces, &PlacesPane::chosen, mGallery, &GalleryPane::showPlace);
+    connect(mPlaces, &PlacesPane::itemsDropped, mActions, &ItemActions::copy);
+    connect(mGallery, &GalleryPane::placeChosen, this, &MainWindow::goTo);
+    connect(&views, &GalleryViews::selectionChanged, this, &MainWindow::showSelection);
+    connect(&views, &GalleryViews::menuAsked, this, &MainWindow::showItemMenu);
+    connect(&views, &GalleryViews::starClicked, this, [this](int row) { mActions->toggleFavourites({row}); });
+    connect(&views, &GalleryViews::activated, this, [this] {
+        for (const int row : mGallery->views().selectedRows())
+            mActions->noteRecent(mGallery->views().model().itemAt(row));
+    });
+    connect(&views.model(), &QAbstractItemModel::dataChanged, this, &MainWindow::showSelection);
+    connect(mContent, &LibraryContent::indexChanged, this,
+            [this] { mLists->followIndex(*mContent->index()); });
+    connect(mContent, &LibraryContent::catalogsChanged, this, &MainWindow::leaveGonePlace);
+    connect(&mGallery->offer(), &OfferPage::fetchAsked, mLibrary, &LibraryActions::checkForUpdates);
+    connect(&mGallery->offer(), &OfferPage::importAsked, mLibrary, &LibraryActions::openArchive);
 }
 
-void MainWindow::connectControllers()
+void MainWindow::connectDetails()
 {
-    connect(mUpdateAction, &QAction::triggered, this, &MainWindow::checkForUpdates);
-    connect(mCancelAction, &QAction::triggered, mUpdates, &UpdateController::cancel);
-    connect(mStatus, &StatusLine::cancelAsked, mUpdates, &UpdateController::cancel);
-    connect(mStatus, &StatusLine::logAsked, this, &MainWindow::showLog);
-    connect(mUpdates, &UpdateController::catalogReplaced, mTree, &TreePane::reload);
-    connect(mUpdates, &UpdateController::speedChanged, mStatus, &StatusLine::showSpeed);
-    connect(mUpdates, &UpdateController::ended, this, &MainWindow::updateEnded);
-    connect(mImports, &ImportController::imported, this, &MainWindow::archiveImported);
-    connect(mImports, &ImportController::finished, mTree, &TreePane::refresh);
+    connect(&mDetails->item(), &ItemDetails::folderAsked, this, &MainWindow::showInFolder);
+    connect(&mDetails->item(), &ItemDetails::styleAsked, &mGallery->search(), &SearchBar::chooseStyle);
+    connect(&mDetails->item(), &ItemDetails::makerAsked, this, [this](std::int32_t maker) {
+        goTo({});
+        mGallery->search().chooseMaker(maker);
+    });
+    connect(&mDetails->item(), &ItemDetails::favouriteClicked, mMenus->favourite, &QAction::trigger);
+    connect(&mDetails->several(), &SeveralDetails::favouritesAsked, this, [this](bool areFavourites) {
+        mActions->setFavourites(mGallery->views().selectedRows(), areFavourites);
+    });
+    connect(&mDetails->place(), &PlaceDetails::checkAsked, mLibrary, &LibraryActions::checkForUpdates);
+    connect(&mDetails->place(), &PlaceDetails::fetchAgainAsked, mLibrary, &LibraryActions::fetchAgain);
 }
 
-void MainWindow::start()
+void MainWindow::connectLibrary()
 {
-    if (mSettings.checkAtStart && !mOverrides.over(mSettings).serviceUrl.isEmpty())
-        checkForUpdates();
+    connect(mStatus, &StatusLine::cancelAsked, mLibrary, &LibraryActions::cancel);
+    connect(mStatus, &StatusLine::logAsked, mMenus->showLog, &QAction::trigger);
+    connect(&mLibrary->updates(), &UpdateController::speedChanged, mStatus, &StatusLine::showSpeed);
+    connect(mLibrary, &LibraryActions::catalogChanged, this, &MainWindow::catalogChanged);
+    connect(mLibrary, &LibraryActions::foldersChanged, mContent, &LibraryContent::refresh);
+    connect(mLibrary, &LibraryActions::runningChanged, this, &MainWindow::showRunning);
+    connect(mLibrary, &LibraryActions::said, mStatus, &StatusLine::say);
+    connect(mLibrary, &LibraryActions::filtersChanged, this, &MainWindow::filtersChanged);
+    connect(mLibrary, &LibraryActions::recordsChanged, mGallery, &GalleryPane::ask);
+    connect(mActions, &ItemActions::libraryChanged, this, &MainWindow::catalogChanged);
+    connect(mActions, &ItemActions::libraryChanged, mStatus,
+            [this](const fileString&, const QString& sentence) { mStatus->say(sentence); });
 }
 
-void MainWindow::checkForUpdates()
+/// A catalog may go while it is shown, or between two starts.
+void MainWindow::leaveGonePlace()
 {
-    if (mUpdates->isRunning())
+    const Place place = mGallery->place();
+    const auto& catalogs = mContent->catalogs();
+    const bool isGone =
+        place.isInCatalog() && std::none_of(catalogs.begin(), catalogs.end(),
+                                            [&](const auto& one) { return one.database == place.database; });
+    if (isGone)
+        goTo({});
+}
+
+void MainWindow::goTo(const Place& place)
+{
+    mGallery->showPlace(place);
+    if (mPlaces->current() != place)
+        mPlaces->setCurrent(place);
+}
+
+void MainWindow::showSelection()
+{
+    const std::vector<int> rows = mGallery->views().selectedRows();
+    mDetails->show(mGallery->views().model(), rows, mGallery->place());
+    mActions->choose(rows);
+    mMenus->favourite->setEnabled(!rows.empty());
+    mMenus->favourite->setChecked(mActions->areFavourites(rows));
+    mMenus->showInFolder->setEnabled(rows.size() == 1);
+}
+
+void MainWindow::showItemMenu(const QPoint& globalPosition)
+{
+    mMenus->itemMenu()->popup(globalPosition);
+}
+
+void MainWindow::showInFolder()
+{
+    const std::vector<int> rows = mGallery->views().selectedRows();
+    if (rows.size() != 1)
         return;
-    if (mOverrides.over(mSettings).serviceUrl.isEmpty())
-        editPreferences();
-    const BrowserSettings asked = mOverrides.over(mSettings);
-    if (asked.serviceUrl.isEmpty())
+    const GalleryModel& model = mGallery->views().model();
+    const CatalogContent& catalog = model.catalogAt(rows.front());
+    const CatalogContent::Item& item = model.contentAt(rows.front());
+    const bool hasFolder = item.folder >= 0;
+    const Place place{hasFolder ? Place::Kind::Folder : Place::Kind::Catalog, catalog.category(),
+                      catalog.database(),
+                      hasFolder ? catalog.folders()[static_cast<std::size_t>(item.folder)].id : -1};
+    const fileString database = catalog.database();
+    const long long id = item.id;
+    mGallery->search().clear();
+    mGallery->showItem(place, database, id);
+    mPlaces->setCurrent(place);
+}
+
+void MainWindow::showDetailsIfWanted()
+{
+    const bool isNarrow = width() < kNarrow;
+    const bool wasNarrow = mPanes->property("isNarrow").toBool();
+    if (isNarrow == wasNarrow)
         return;
-    showRunning(true);
-    mStatus->say(QString()); // the panel speaks now
-    mUpdates->start(asked);
+    mPanes->setProperty("isNarrow", isNarrow);
+    mMenus->showDetails->setChecked(!isNarrow);
+    mDetails->setVisible(!isNarrow);
+}
+
+void MainWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    showDetailsIfWanted();
+}
+
+void MainWindow::catalogChanged(const fileString& database)
+{
+    mGallery->views().model().pictures().forget(database);
+    mContent->reload(database);
 }
 
 void MainWindow::showRunning(bool isRunning)
 {
-    mUpdateAction->setEnabled(!isRunning);
-    mCancelAction->setEnabled(isRunning);
+    mMenus->checkForUpdates->setEnabled(!isRunning);
+    mMenus->cancelUpdate->setEnabled(isRunning);
     mStatus->showRunning(isRunning);
+    mGallery->offer().showFetching(isRunning);
 }
 
-void MainWindow::updateEnded(const QString& summary, bool hasProblems)
+void MainWindow::filtersChanged()
 {
-    showRunning(false);
-    mStatus->say(hasProblems ? summary + QLatin1Char(' ') + tr("The log has the details.") : summary);
-    mTree->refresh();
-}
-
-void MainWindow::archiveImported(const QString& source, const fileString& library, const QString& problem)
-{
-    const QString name = QFileInfo(source).fileName();
-    if (!library.empty())
-        mTree->reload(library);
-    mStatus->say(problem.isEmpty() ? tr("%1 was imported.").arg(name)
-                                   : tr("%1 was not imported: %2").arg(name, problem));
-}
-
-void MainWindow::itemsDropped(const fileString& database, const QString& problem)
-{
-    mTree->reload(database);
-    const QString name = QString::fromStdString(database.stem().toNativeString());
-    mStatus->say(problem.isEmpty() ? tr("Copied to %1.").arg(name)
-                                   : tr("Not copied to %1: %2").arg(name, problem));
-}
-
-void MainWindow::openArchive()
-{
-    importArchives(QFileDialog::getOpenFileNames(this, tr("Import archives"), QString(),
-                                                 tr("Library archives (*.orvlibz)")));
-}
-
-void MainWindow::importArchives(const QStringList& sources)
-{
-    if (!sources.isEmpty())
-        mImports->import(sources);
-}
-
-void MainWindow::refreshManufacturers()
-{
-    if (mSettings.manufacturerDataUrl.isEmpty()) {
-        editPreferences();
-        if (mSettings.manufacturerDataUrl.isEmpty())
-            return;
-    }
-    ManufacturerPreview preview(mSettings.manufacturerDataUrl, mSettings.manufacturerLogoUrl, this);
-    if (preview.exec() == QDialog::Accepted) {
-        mStatus->say(preview.summary());
-        mDetails->showChosen();
-    }
-}
-
-void MainWindow::editFilters()
-{
-    FilterEditor editor(mTree->databases(), this);
-    if (editor.exec() == QDialog::Accepted) {
-        mFilters->fill();
-        mTree->applyFilter();
-    }
-}
-
-void MainWindow::editPreferences()
-{
-    PreferencesDialog dialog(mSettings, this);
-    if (dialog.exec() != QDialog::Accepted)
-        return;
-    mSettings = dialog.settings();
-    Curl::setProxy(mSettings.proxy.toStdString());
-    Appearance::apply(mSettings.colours);
-    QString reason;
-    if (!mSettings.save(mRoot, reason))
-        QMessageBox::warning(this, windowTitle(), tr("The preferences were not saved: %1").arg(reason));
-}
-
-void MainWindow::showLog()
-{
-    LogDialog(Library::ErrorLog::file(), this).exec();
+    mGallery->search().filters().fill();
+    mPlaces->applyFilter();
+    mGallery->ask();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    mImports->cancel();
-    mUpdates->cancel();
+    mMemory.save();
+    mLibrary->cancel();
     QMainWindow::closeEvent(event);
 }
 
@@ -296,5 +303,5 @@ void MainWindow::dragEnterEvent(QDragEnterEvent* event)
 void MainWindow::dropEvent(QDropEvent* event)
 {
     event->acceptProposedAction();
-    importArchives(droppedSources(*event->mimeData()));
+    mLibrary->importArchives(droppedSources(*event->mimeData()));
 }

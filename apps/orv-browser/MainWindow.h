@@ -3,21 +3,25 @@
 #include <QMainWindow>
 
 #include "OrvLibrary/host/fileString.h"
-#include "apps/orv-browser/BrowserSettings.h"
+#include "apps/orv-browser/WindowMemory.h"
+#include "apps/orv-browser/models/Place.h"
 
 class DetailsPane;
-class FilterBar;
-class ImportController;
+class GalleryPane;
+class ItemActions;
+class LibraryActions;
+class LibraryContent;
 class MessageBar;
-class SearchPane;
+class PlacesPane;
+class QSplitter;
 class StatusLine;
-class TreePane;
-class UpdateController;
+class UserLists;
+class WindowMenus;
 class WindowMessages;
 
-/// The library browser: search, filter and tree at the left, the chosen item at the right, at the top what
-/// the library has to tell, and at the bottom, while something goes on, the progress panel. Lives on the
-/// interface thread.
+/// The library browser: places at the left, the gallery with search and choices in the middle, what is
+/// selected at the right, at the top what the library has to tell, and at the bottom, while something goes
+/// on, the progress panel. Lives on the interface thread.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
@@ -28,46 +32,43 @@ public:
     MainWindow(const fileString& root, WindowMessages& messages);
     ~MainWindow() override;
 
-    /// What goes before the preferences from now on.
-    void overrideService(const ServiceOverrides& overrides) { mOverrides = overrides; }
-    /// To be called once the window is shown: checks for updates when the preferences say so.
-    void start();
+    LibraryActions& library() { return *mLibrary; }
+    /// Shows a place, in the tree and in the gallery.
+    void goTo(const Place& place);
+    GalleryPane& gallery() { return *mGallery; }
 
 protected:
     void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
 
 private:
     void buildPanes();
-    void buildMenus();
-    void buildFileMenu();
-    void buildLibraryMenu();
+    void connectMenus();
     void connectPanes();
-    void connectControllers();
-    void checkForUpdates();
+    void connectDetails();
+    void connectLibrary();
+    void leaveGonePlace();
+    void showSelection();
+    void showItemMenu(const QPoint& globalPosition);
+    void showInFolder();
+    void showDetailsIfWanted();
+    void catalogChanged(const fileString& database);
     void showRunning(bool isRunning);
-    void updateEnded(const QString& summary, bool hasProblems);
-    void archiveImported(const QString& source, const fileString& library, const QString& problem);
-    void itemsDropped(const fileString& database, const QString& problem);
-    void openArchive();
-    void importArchives(const QStringList& sources);
-    void refreshManufacturers();
-    void editFilters();
-    void editPreferences();
-    void showLog();
+    void filtersChanged();
 
     fileString mRoot;
-    BrowserSettings mSettings; ///< the preferences
-    ServiceOverrides mOverrides;
-    QAction* mUpdateAction;
-    QAction* mCancelAction;
+    UserLists* mLists;
+    LibraryContent* mContent;
     MessageBar* mMessages;
-    FilterBar* mFilters;
-    SearchPane* mSearch;
-    TreePane* mTree;
+    PlacesPane* mPlaces;
+    GalleryPane* mGallery;
     DetailsPane* mDetails;
+    QSplitter* mPanes;
+    ItemActions* mActions;
+    WindowMenus* mMenus;
     StatusLine* mStatus;
-    UpdateController* mUpdates;
-    ImportController* mImports;
+    LibraryActions* mLibrary;
+    WindowMemory mMemory;
 };

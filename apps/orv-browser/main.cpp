@@ -8,6 +8,7 @@
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/OrvLibraryVersion.h"
 #include "OrvLibrary/Utility/Chooser.h"
+#include "apps/orv-browser/LibraryActions.h"
 #include "apps/orv-browser/MainWindow.h"
 #include "apps/orv-browser/Translations.h"
 #include "apps/orv-browser/activities/WindowMessages.h"
@@ -63,9 +64,9 @@ int main(int argc, char** argv)
         {
             WindowMessages messages;
             MainWindow window(host.root(), messages);
-            window.overrideService(overrides(parser));
+            window.library().overrideService(overrides(parser));
             window.show();
-            window.start();
+            window.library().start();
             status = QApplication::exec();
         }
         ManufacturerManager::cleanup();

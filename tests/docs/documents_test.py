@@ -200,8 +200,9 @@ class Formats(unittest.TestCase):
                  if any(kind != "sh" for kind, _ in Page(SOURCE, f"docs/formats/{name}.md").blocks())}
         by_their_rooms = {"catalog_filters", "manufacturer_data"}
         self.assertEqual(found - by_their_rooms, {
-            "browser-settings", "catalog-database", "catalog-news", "catalog-pins", "catalog_hash", "content-index", "errors-log",
-            "preferences", "former-imports", "history", "service-maps", "settings", "update-history"})
+            "browser-lists", "browser-settings", "browser-state", "catalog-database", "catalog-news", "catalog-pins",
+            "catalog_hash", "content-index", "errors-log", "preferences", "former-imports", "history", "service-maps",
+            "settings", "update-history"})
 
     def test_every_file_has_a_page(self):
         """Whatever the programs leave behind in a root and in a service is named in the index."""
@@ -319,6 +320,14 @@ class Formats(unittest.TestCase):
         self.assertEqual(set(document["settings"]), set(document["defaults"]))
         self.program("settings", "set", "retries", "3")
         self.assertEqual(read(os.path.join(self.root, "settings.json")), text)
+
+    def test_browser_lists_and_state(self):
+        for page, source in [("browser-lists", "models/UserLists.cpp"), ("browser-state", "WindowState.cpp")]:
+            [text] = self.examples(page, "json")
+            written = read(os.path.join(SOURCE, "apps", "orv-browser", source))
+            for member in json.loads(text):
+                self.assertIn(f'document["{member}"]', written)
+                self.assertIn(f'{{"{member}",', written)
 
     def test_browser_settings(self):
         [text] = self.examples("browser-settings", "json")

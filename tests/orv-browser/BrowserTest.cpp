@@ -3,6 +3,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QLabel>
+#include <QListView>
 #include <QTest>
 #include <QTimer>
 #include <QTreeView>
@@ -10,6 +11,7 @@
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/Utility/Chooser.h"
+#include "apps/orv-browser/gallery/GalleryPane.h"
 
 namespace test {
 
@@ -34,9 +36,10 @@ BrowserTest::~BrowserTest()
 void BrowserTest::open(const QString& service)
 {
     mWindow = std::make_unique<MainWindow>(mHost.root(), mMessages);
-    mWindow->overrideService({service, {}, {}, {}, {}});
+    mWindow->library().overrideService({service, {}, {}, {}, {}});
+    mWindow->resize(1180, 720); // whatever the screen of the platform is
     mWindow->show();
-    mWindow->start();
+    mWindow->library().start();
     EXPECT_TRUE(QTest::qWaitForWindowExposed(mWindow.get()));
 }
 
@@ -50,12 +53,17 @@ void BrowserTest::close()
 
 QTreeView& BrowserTest::tree()
 {
-    return child<QTreeView>("libraryTree");
+    return child<QTreeView>("places");
 }
 
-LibraryModel& BrowserTest::model()
+PlacesModel& BrowserTest::places()
 {
-    return dynamic_cast<LibraryModel&>(*tree().model());
+    return dynamic_cast<PlacesModel&>(*tree().model());
+}
+
+GalleryModel& BrowserTest::items()
+{
+    return dynamic_cast<GalleryModel&>(*child<QListView>("gallery").model());
 }
 
 QString BrowserTest::summary()
@@ -68,39 +76,69 @@ bool BrowserTest::waitFor(const std::function<bool()>& condition)
     return QTest::qWaitFor(condition, kMostMilliseconds);
 }
 
-QModelIndex BrowserTest::openPath(const QStringList& names)
+bool BrowserTest::settle()
 {
+    return waitFor([&] { return window().gallery().isSettled(); });
+}
+
+QModelIndex BrowserTest::place(const QStringList& names)
+{
+    EXPECT_TRUE(settle());
     QModelIndex index;
     for (const QString& name : names) {
-        if (index.isValid()) {
-            tree().expand(index);
-            const QPersistentModelIndex place(index);
-            EXPECT_TRUE(waitFor([&] { return model().isRead(place); }));
-            index = place;
-        }
-        index = childNamed(index, name);
-        if (!index.isValid())
+        tree().expand(index);
+        QModelIndex found;
+        for (int row = 0; row < places().rowCount(index) && !found.isValid(); ++row)
+            if (places().index(row, 0, index).data().toString() == name)
+                found = places().index(row, 0, index);
+        if (!found.isValid())
             return {};
+        index = found;
     }
     return index;
 }
 
-QModelIndex BrowserTest::childNamed(const QModelIndex& parent, const QString& name)
+bool BrowserTest::goTo(const QStringList& names)
 {
-    for (int row = 0; row < model().rowCount(parent); ++row) {
-        const QModelIndex index = model().index(row, 0, parent);
-        if (index.data().toString() == name)
-            return index;
-    }
-    return {};
+    const QModelIndex index = place(names);
+    if (!index.isValid())
+        return false;
+    tree().setCurrentIndex(index);
+    return settle();
 }
 
-QStringList BrowserTest::childNames(const QModelIndex& parent)
+QStringList BrowserTest::placesBelow(const QModelIndex& parent)
 {
     QStringList names;
-    for (int row = 0; row < model().rowCount(parent); ++row)
-        names << model().index(row, 0, parent).data().toString();
+    for (int row = 0; row < places().rowCount(parent); ++row)
+        names << places().index(row, 0, parent).data().toString();
     return names;
+}
+
+QStringList BrowserTest::names()
+{
+    EXPECT_TRUE(settle());
+    QStringList names;
+    for (int row = 0; row < items().rowCount(); ++row)
+        names << items().index(row, 0).data().toString();
+    return names;
+}
+
+void BrowserTest::select(const QString& name)
+{
+    const int row = names().indexOf(name);
+    ASSERT_GE(row, 0) << name.toStdString();
+    auto& gallery = child<QListView>("gallery");
+    gallery.scrollTo(items().index(row, 0));
+    const QRect tile = gallery.visualRect(items().index(row, 0));
+    QTest::mouseClick(gallery.viewport(), Qt::LeftButton, {}, tile.center());
+}
+
+QString BrowserTest::detail(const char* label)
+{
+    const auto& found = child<QLabel>(label);
+    const QString plain = found.property("plainText").toString();
+    return plain.isEmpty() ? found.text() : plain;
 }
 
 void BrowserTest::inDialog(const std::function<void()>& act, const std::function<void(QDialog&)>& answer)

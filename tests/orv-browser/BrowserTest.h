@@ -12,9 +12,11 @@
 #include <gtest/gtest.h>
 
 #include "OrvHost/AppHost.h"
+#include "apps/orv-browser/LibraryActions.h"
 #include "apps/orv-browser/MainWindow.h"
 #include "apps/orv-browser/activities/WindowMessages.h"
-#include "apps/orv-browser/models/LibraryModel.h"
+#include "apps/orv-browser/gallery/GalleryModel.h"
+#include "apps/orv-browser/places/PlacesModel.h"
 #include "tests/support/TempFolder.h"
 
 class QTreeView;
@@ -49,17 +51,29 @@ protected:
         return *found;
     }
     QTreeView& tree();
-    LibraryModel& model();
+    PlacesModel& places();
+    GalleryModel& items();
     QString summary();
 
     /// Runs the event loop until the condition holds, at most 30 s.
     /// @return whether it does
     static bool waitFor(const std::function<bool()>& condition);
-    /// The index of the node with these names from the top down, opening each on the way as a user does, and
-    /// waiting until it was read; invalid when there is none.
-    QModelIndex openPath(const QStringList& names);
-    QModelIndex childNamed(const QModelIndex& parent, const QString& name);
-    QStringList childNames(const QModelIndex& parent);
+    /// Waits until the library is read and the gallery shows what the place, the words and the choices say.
+    bool settle();
+    /// The row of the place with these names from the top down, opening each on the way as a user does;
+    /// invalid when there is none.
+    QModelIndex place(const QStringList& names);
+    /// Makes that place the current one, and waits until its items are shown.
+    /// @return whether there is such a place
+    bool goTo(const QStringList& names);
+    /// Names of the places right below one.
+    QStringList placesBelow(const QModelIndex& parent);
+    /// Names of the items that the gallery shows, in their order.
+    QStringList names();
+    /// Selects the item of this name by a click; fails the test when it is not shown.
+    void select(const QString& name);
+    /// The current text of a label in the details.
+    QString detail(const char* label);
     /// Runs `act`, which opens a modal dialog, and meanwhile `answer` on the dialog.
     void inDialog(const std::function<void()>& act, const std::function<void(QDialog&)>& answer);
     /// Triggers an action of the menus by its object name.

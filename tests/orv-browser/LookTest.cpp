@@ -110,8 +110,8 @@ TEST_F(BrowserLookTest, germanSpeaksGermanThroughout)
     QApplication::installTranslator(&german);
     open();
     QApplication::removeTranslator(&german);
-    EXPECT_EQ(childNames({}),
-              QStringList({"Grundkataloge", "Zusatzkataloge", "Hersteller", "Eigene Bibliotheken"}));
+    EXPECT_EQ(placesBelow({}), QStringList({"Favoriten", "Zuletzt angesehen", "Grundkataloge",
+                                            "Zusatzkataloge", "Hersteller", "Eigene Bibliotheken"}));
     EXPECT_EQ(window().windowTitle(), "Bibliothek");
 }
 

@@ -5,13 +5,13 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QComboBox>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListView>
+#include <QSlider>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeView>
 
 #include "OrvHost/AppHost.h"
@@ -19,10 +19,13 @@
 #include "OrvLibrary/Utility/Chooser.h"
 #include "OrvLibrary/host/MessagingSystem.h"
 #include "apps/orv-browser/Appearance.h"
+#include "apps/orv-browser/LibraryActions.h"
 #include "apps/orv-browser/MainWindow.h"
 #include "apps/orv-browser/Translations.h"
 #include "apps/orv-browser/activities/WindowMessages.h"
-#include "apps/orv-browser/models/LibraryModel.h"
+#include "apps/orv-browser/gallery/GalleryModel.h"
+#include "apps/orv-browser/gallery/GalleryPane.h"
+#include "apps/orv-browser/gallery/GalleryViews.h"
 
 namespace {
 
@@ -39,17 +42,26 @@ void save(QWidget& widget, const QString& name, int settle = kSettleMilliseconds
         throw std::runtime_error(path.toStdString() + " cannot be written");
 }
 
-QModelIndex openNode(QTreeView& tree, int category, const QStringList& names)
+void settle(MainWindow& window)
 {
-    auto& model = dynamic_cast<LibraryModel&>(*tree.model());
-    QModelIndex index = model.index(category, 0);
-    for (const QString& name : names) {
-        tree.expand(index);
-        if (!QTest::qWaitFor([&] { return model.isRead(index); }))
-            throw std::runtime_error("a folder was not read");
-        index = model.match(model.index(0, 0, index), Qt::DisplayRole, name, 1, Qt::MatchExactly).value(0);
-    }
-    return index;
+    if (!QTest::qWaitFor([&] { return window.gallery().isSettled(); }))
+        throw std::runtime_error("the items did not come");
+}
+
+Place catalogNamed(MainWindow& window, const QString& name)
+{
+    settle(window);
+    for (const auto& catalog : window.gallery().views().model().found().index->catalogs())
+        if (catalog->name() == name)
+            return {Place::Kind::Catalog, catalog->category(), catalog->database(), -1};
+    throw std::runtime_error("no catalog " + name.toStdString());
+}
+
+void selectRow(MainWindow& window, int row)
+{
+    settle(window);
+    const ItemDrag::Item item = window.gallery().views().model().itemAt(row);
+    window.gallery().views().select(item.database, item.id);
 }
 
 void saveDialog(QWidget& window, const char* action, const QString& name)
@@ -65,28 +77,31 @@ void saveDialog(QWidget& window, const char* action, const QString& name)
 
 void saveBrowsing(MainWindow& window)
 {
-    auto& tree = *window.findChild<QTreeView*>("libraryTree");
-    tree.setCurrentIndex(openNode(tree, 2, {"Oakline Cabinets", "Base", "Oak Base 13"}));
-    tree.setCurrentIndex(openNode(tree, 0, {"Café Möbel", "Stühle"}));
-    tree.scrollTo(tree.currentIndex(), QAbstractItemView::PositionAtTop);
-    auto& model = *tree.model();
-    tree.setCurrentIndex(model.index(3, 0, tree.currentIndex()));
-    save(window, "items");
-
-    const QModelIndex base = openNode(tree, 2, {"Oakline Cabinets", "Base"});
-    tree.expand(base);
-    QTest::qWait(kSettleMilliseconds);
-    tree.setCurrentIndex(model.index(4, 0, base));
-    tree.scrollTo(base.parent().parent(), QAbstractItemView::PositionAtTop);
+    auto& tree = *window.findChild<QTreeView*>("places");
+    window.goTo(catalogNamed(window, "Oakline Cabinets"));
+    settle(window);
+    tree.expand(tree.currentIndex());
+    save(window, "catalog");
+    selectRow(window, 4);
     save(window, "browser");
+    window.findChild<QSlider*>("pictureSize")->setValue(64);
+    window.goTo({Place::Kind::Category, 0, {}, -1});
+    settle(window);
+    save(window, "small");
+    window.findChild<QToolButton*>("showList")->click();
+    save(window, "list");
+    window.findChild<QToolButton*>("showGrid")->click();
+    window.findChild<QSlider*>("pictureSize")->setValue(128);
 
+    window.goTo({});
     auto& field = *window.findChild<QLineEdit*>("searchField");
     field.setText("oak 2");
-    QTest::keyClick(&field, Qt::Key_Return);
     QTest::qWait(kSettleMilliseconds);
-    auto& found = *window.findChild<QListView*>("searchResults");
-    found.setCurrentIndex(found.model()->index(2, 0));
+    selectRow(window, 2);
     save(window, "search");
+    field.setText("oak spaceship");
+    QTest::qWait(kSettleMilliseconds);
+    save(window, "nothing");
     field.clear();
     QTest::qWait(kSettleMilliseconds);
 }
@@ -111,7 +126,9 @@ void show(MainWindow& window, const QString& service)
     Appearance::apply(arguments.value(5, Appearance::kLight));
     if (arguments.contains("rtl"))
         QApplication::setLayoutDirection(Qt::RightToLeft);
-    window.overrideService({service, "Demo", "1", {"Garden Party", "Holiday Décor"}, {"Oakline Cabinets"}});
+    window.library().overrideService(
+        {service, "Demo", "1", {"Garden Party", "Holiday Décor"}, {"Oakline Cabinets"}});
+    window.resize(1180, 660); // whatever the screen of the platform is
     window.show();
 }
 

@@ -1,20 +1,23 @@
-#include <memory>
-
+// Words and choices that restrict the gallery.
 #include <QComboBox>
-#include <QIcon>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListView>
-#include <QMimeData>
+#include <QMenu>
+#include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTest>
+#include <QToolButton>
 #include <QTreeView>
 
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "OrvLibrary/Utility/Chooser.h"
+#include "apps/orv-browser/models/TextFolding.h"
+#include "apps/orv-browser/search/FacetChip.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
 #include "tests/orv-browser/EventWatch.h"
@@ -31,22 +34,39 @@ protected:
         {
             CatalogMaker doors(inRoot("core/Doors.orvlib"), "doors");
             const int all = doors.addFolder("All");
-            doors.addItem(all, {"Oak door"});
-            doors.addItem(all, {"Glass door", "glass"});
-            doors.addItem(all, {"Oak gate"});
+            doors.addItem(all, {"Oak door", "", 10000});
+            doors.addItem(all, {"Glass door", "vitre", 10001});
+            doors.addItem(doors.addFolder("Caf\xC3\xA9 M\xC3\xB6"
+                                          "bel"),
+                          {"Oak gate", "", 10000});
         }
         CatalogMaker oak(inRoot("manufacturer/Oakline.orvlib"), "oakline");
-        oak.addItem(oak.addFolder("All"), {"OAK DOOR of ours"});
+        oak.addItem(oak.addFolder("All"), {"OAK DOOR of ours", "", std::nullopt, 7});
     }
 
-    /// Types into the search field and waits for the answer.
-    void search(const QString& text)
+    QLineEdit& field() { return child<QLineEdit>("searchField"); }
+
+    /// Types into the search field and gives what is found.
+    QStringList search(const QString& text)
     {
-        auto& field = child<QLineEdit>("searchField");
         QTest::keyClick(&window(), Qt::Key_F, Qt::ControlModifier);
-        QTest::keyClicks(&field, text);
-        QTest::keyClick(&field, Qt::Key_Return);
-        ASSERT_TRUE(waitFor([&] { return child<QLabel>("searchSummary").text().contains("found"); }));
+        QTest::keyClicks(&field(), text);
+        return names();
+    }
+
+    /// Opens the list of a choice and takes the entry that begins like this.
+    QStringList choose(const char* chip, const QString& entry)
+    {
+        EXPECT_TRUE(settle());
+        QMenu* menu = child<FacetChip>(chip).menu();
+        Q_EMIT menu->aboutToShow();
+        for (QAction* action : menu->actions())
+            if (action->text().startsWith(entry)) {
+                action->trigger();
+                return names();
+            }
+        ADD_FAILURE() << "no entry " << entry.toStdString();
+        return {};
     }
 
     /// A catalog that another program holds locked until the connection is closed.
@@ -59,131 +79,178 @@ protected:
         EXPECT_TRUE(QSqlQuery(lock).exec("BEGIN EXCLUSIVE"));
         return lock;
     }
-
-    QStringList found()
-    {
-        const QAbstractItemModel& results = *child<QListView>("searchResults").model();
-        QStringList names;
-        for (int row = 0; row < results.rowCount(); ++row)
-            names << results.index(row, 0).data().toString();
-        return names;
-    }
 };
 
 } // namespace
 
-TEST_F(BrowserSearchTest, findsItemsThatHoldEveryTermWhateverTheLetterCase)
+TEST(BrowserTextFolding, makesLettersSmallAndTakesAccentsAway)
 {
-    open();
-    search("oak DOOR");
-    EXPECT_EQ(found(), QStringList({"Oak door", "OAK DOOR of ours"}));
-    EXPECT_FALSE(tree().isVisible());
+    EXPECT_EQ(TextFolding::folded("Caf\xC3\xA9 M\xC3\x96"
+                                  "BEL"),
+              "cafe mobel");
+    EXPECT_EQ(TextFolding::folded("Stra\xC3\x9F"
+                                  "e"),
+              "strasse");
+    EXPECT_EQ(TextFolding::folded("plain TEXT 12"), "plain text 12");
+    EXPECT_EQ(TextFolding::folded(""), "");
 }
 
-TEST_F(BrowserSearchTest, emptyFieldBringsTheTreeBack)
+TEST_F(BrowserSearchTest, findsItemsThatHoldEveryWordWhateverTheLetterCase)
 {
     open();
-    search("oak");
-    auto& field = child<QLineEdit>("searchField");
-    field.selectAll();
-    QTest::keyClick(&field, Qt::Key_Delete);
-    EXPECT_TRUE(waitFor([&] { return tree().isVisible(); }));
-    EXPECT_FALSE(child<QListView>("searchResults").isVisible());
+    EXPECT_EQ(search("oak DOOR"), QStringList({"Oak door", "OAK DOOR of ours", "Oak gate"}));
+    EXPECT_EQ(search("oak ours"), QStringList("OAK DOOR of ours"));
 }
 
-TEST_F(BrowserSearchTest, categoryNarrowsTheSearch)
+TEST_F(BrowserSearchTest, findsByFolderCatalogAndSelectionNameWithoutAccents)
 {
     open();
-    child<QComboBox>("searchCategory").setCurrentIndex(3); // manufacturers
-    search("door");
-    EXPECT_EQ(found(), QStringList({"OAK DOOR of ours"}));
-    child<QComboBox>("searchCategory").setCurrentIndex(1); // core
-    EXPECT_TRUE(waitFor([&] { return found() == QStringList({"Glass door", "Oak door"}); }));
+    EXPECT_EQ(search("cafe mobel"), QStringList("Oak gate"));
+    EXPECT_EQ(search("oakline"), QStringList("OAK DOOR of ours"));
+    EXPECT_EQ(search("vitre"), QStringList("Glass door"));
 }
 
-TEST_F(BrowserSearchTest, goingToAFoundItemChoosesIt)
+TEST_F(BrowserSearchTest, findsByTheNameOfTheStyle)
+{
+    open();
+    select("Glass door");
+    const QString style = detail("detailsStyle");
+    ASSERT_FALSE(style.isEmpty());
+    EXPECT_EQ(search(style), QStringList("Glass door"));
+}
+
+TEST_F(BrowserSearchTest, escapeForgetsTheWords)
+{
+    open();
+    EXPECT_EQ(search("glass").size(), 1);
+    QTest::keyClick(&field(), Qt::Key_Escape);
+    EXPECT_TRUE(waitFor([&] { return names().size() == 4; }));
+    EXPECT_EQ(field().text(), "");
+}
+
+TEST_F(BrowserSearchTest, detailsAgreeWithTheSelectionAfterASearchIsCleared)
 {
     open();
     search("glass");
-    auto& list = child<QListView>("searchResults");
-    list.setFocus();
-    QTest::keyClick(&list, Qt::Key_Down);
-    EXPECT_EQ(Library::Chooser::get()->getData().getItemName(), "Glass door");
-    EXPECT_EQ(child<QLabel>("detailsTitle").text(), "Glass door");
-    EXPECT_EQ(child<QLabel>("detailsPaneName").text(), "glass");
+    select("Glass door");
+    QTest::keyClick(&window(), Qt::Key_F, Qt::ControlModifier);
+    QTest::keyClick(&field(), Qt::Key_Escape);
+    ASSERT_TRUE(waitFor([&] { return names().size() == 4; }));
+    EXPECT_EQ(detail("detailsTitle"), "Glass door");
+    EXPECT_EQ(child<QListView>("gallery").selectionModel()->selectedIndexes().value(0).data().toString(),
+              "Glass door");
+    search("gate");
+    EXPECT_TRUE(child<QLabel>("placeTitle").isVisible());
+    EXPECT_LT(Library::Chooser::get()->getData().getId(), 0);
 }
 
-TEST_F(BrowserSearchTest, catalogThatCannotBeReadIsCountedNotHidden)
+TEST_F(BrowserSearchTest, downGoesFromTheFieldToTheFirstItem)
+{
+    open();
+    search("glass");
+    QTest::keyClick(&field(), Qt::Key_Down);
+    ASSERT_TRUE(waitFor([&] { return child<QListView>("gallery").hasFocus(); }));
+    EXPECT_EQ(detail("detailsTitle"), "Glass door");
+}
+
+TEST_F(BrowserSearchTest, placeNarrowsTheSearchAndEverywhereWidensIt)
+{
+    open();
+    ASSERT_TRUE(goTo({"Manufacturers", "Oakline"}));
+    EXPECT_TRUE(search("glass").isEmpty());
+    const QString text = child<QLabel>("nothingFound").text();
+    EXPECT_TRUE(text.contains("Oakline") && text.contains("glass")) << text.toStdString();
+    EXPECT_TRUE(text.contains("1 item elsewhere")) << text.toStdString();
+    QTest::mouseClick(&child<QPushButton>("searchEverywhere"), Qt::LeftButton);
+    EXPECT_TRUE(waitFor([&] { return names() == QStringList("Glass door"); }));
+}
+
+TEST_F(BrowserSearchTest, nothingFoundAnywhereOffersToClear)
+{
+    open();
+    EXPECT_TRUE(search("spaceship").isEmpty());
+    EXPECT_FALSE(child<QPushButton>("searchEverywhere").isVisible());
+    QTest::mouseClick(&child<QPushButton>("clearSearch"), Qt::LeftButton);
+    EXPECT_TRUE(waitFor([&] { return names().size() == 4; }));
+}
+
+TEST_F(BrowserSearchTest, styleIsChosenWithTheNumberOfItsItems)
+{
+    open();
+    select("Glass door");
+    const QString style = detail("detailsStyle");
+    EXPECT_EQ(choose("styleChip", style + " (1)"), QStringList("Glass door"));
+    EXPECT_TRUE(child<FacetChip>("styleChip").text().contains(style));
+    EXPECT_EQ(choose("styleChip", "All").size(), 4);
+}
+
+TEST_F(BrowserSearchTest, catalogAndMakerAreChosenTogether)
+{
+    open();
+    EXPECT_EQ(choose("catalogChip", "Doors (3)").size(), 3);
+    EXPECT_TRUE(choose("makerChip", "All").size() == 3);
+    EXPECT_EQ(choose("catalogChip", "Oakline (1)"), QStringList("OAK DOOR of ours"));
+    EXPECT_EQ(choose("makerChip", "Number 7"), QStringList("OAK DOOR of ours"));
+}
+
+TEST_F(BrowserSearchTest, onlyFavouritesMayBeShown)
+{
+    open();
+    select("Oak gate");
+    trigger("toggleFavourite");
+    ASSERT_TRUE(settle());
+    QTest::mouseClick(&child<QToolButton>("favouritesChip"), Qt::LeftButton);
+    EXPECT_EQ(names(), QStringList("Oak gate"));
+}
+
+TEST_F(BrowserSearchTest, foundItemIsShownInItsFolder)
+{
+    open();
+    search("gate");
+    select("Oak gate");
+    trigger("showInFolder");
+    ASSERT_TRUE(waitFor([&] {
+        return tree().currentIndex().data().toString() == QString::fromUtf8("Caf\xC3\xA9 M\xC3\xB6"
+                                                                            "bel");
+    }));
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(field().text(), "");
+    EXPECT_EQ(detail("detailsTitle"), "Oak gate");
+}
+
+TEST_F(BrowserSearchTest, catalogThatCannotBeReadDoesNotHideTheOthers)
 {
     test::writeFile(inRoot("core/Broken.orvlib"), "this is no database");
     open();
-    search("oak");
-    EXPECT_EQ(found().size(), 3);
-    EXPECT_TRUE(child<QLabel>("searchSummary").text().contains("1 catalog"))
-        << child<QLabel>("searchSummary").text().toStdString();
+    EXPECT_EQ(search("oak").size(), 3);
+    EXPECT_FALSE(place({"Core", "Broken"}).data(PlacesModel::kProblemRole).toString().isEmpty());
 }
 
-TEST_F(BrowserSearchTest, filterHidesCatalogsFromTreeAndSearch)
+TEST_F(BrowserSearchTest, filterOfTheLastRunHoldsFromTheStartAndCanBeDropped)
 {
     LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
     manager.setLibraryFilters({LibraryFilter("Ours", 4, {"oakline"})});
-    manager.saveFilters();
+    manager.setCurrentFilterId(4);
     open();
     auto& choice = child<QComboBox>("filterChoice");
-    ASSERT_EQ(choice.count(), 2);
+    EXPECT_EQ(choice.currentIndex(), 1);
+    EXPECT_EQ(names(), QStringList("OAK DOOR of ours"));
     choice.setFocus();
-    QTest::keyClick(&choice, Qt::Key_Down);
-    EXPECT_EQ(manager.getCurrentFilterId(), 4);
-    EXPECT_TRUE(waitFor([&] { return !tree().isRowHidden(0, model().index(2, 0)); }));
-    EXPECT_TRUE(tree().isRowHidden(0, model().index(0, 0)));
-    search("oak");
-    EXPECT_EQ(found(), QStringList({"OAK DOOR of ours"}));
+    QTest::keyClick(&choice, Qt::Key_Up);
+    EXPECT_EQ(manager.getCurrentFilterId(), -1);
+    EXPECT_EQ(names().size(), 4);
 }
 
-TEST_F(BrowserSearchTest, filterOfTheLastRunHoldsFromTheStart)
-{
-    LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
-    manager.setLibraryFilters({LibraryFilter("Ours", 4, {"oakline"})});
-    manager.setCurrentFilterId(4);
-    open();
-    EXPECT_EQ(child<QComboBox>("filterChoice").currentIndex(), 1);
-    EXPECT_TRUE(waitFor([&] { return !tree().isRowHidden(0, model().index(2, 0)); }));
-    EXPECT_TRUE(tree().isRowHidden(0, model().index(0, 0)));
-}
-
-TEST_F(BrowserSearchTest, catalogsThatAreSlowToAnswerDoNotStopTheWindowUnderAFilter)
+TEST_F(BrowserSearchTest, catalogsThatAreSlowToAnswerDoNotStopTheWindow)
 {
     constexpr int kMostMilliseconds = 100; // each of these catalogs takes 200 to say that it is locked
-    LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
-    manager.setLibraryFilters({LibraryFilter("Ours", 4, {"oakline"})});
-    manager.setCurrentFilterId(4);
     const QSqlDatabase locks[] = {locked("core/One.orvlib"), locked("core/Two.orvlib")};
     {
         const test::EventWatch watch;
         open();
-        EXPECT_TRUE(waitFor([&] { return !tree().isRowHidden(0, model().index(2, 0)); }));
+        EXPECT_EQ(names().size(), 4);
         EXPECT_LT(watch.longest(), kMostMilliseconds) << watch.longestName();
     }
     for (const QSqlDatabase& lock : locks)
         QSqlDatabase(lock).close();
-}
-
-TEST_F(BrowserSearchTest, foundItemsShowTheirPicturesAndCanBeDragged)
-{
-    {
-        CatalogMaker chairs(inRoot("core/Chairs.orvlib"), "chairs");
-        chairs.addItem(chairs.addFolder("All"),
-                       {"Green chair", "", std::nullopt, std::nullopt, CatalogMaker::picture()});
-    }
-    open();
-    search("green");
-    const QAbstractItemModel& results = *child<QListView>("searchResults").model();
-    EXPECT_TRUE(waitFor([&] {
-        const QImage image =
-            results.index(0, 0).data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage();
-        return image.pixelColor(8, 8) == QColor(Qt::darkGreen);
-    }));
-    const std::unique_ptr<QMimeData> data(results.mimeData({results.index(0, 0)}));
-    EXPECT_EQ(data->text(), "Green chair");
-    EXPECT_TRUE(data->hasFormat("application/x-orv-library-items"));
 }

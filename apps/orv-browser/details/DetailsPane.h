@@ -1,43 +1,34 @@
 #pragma once
 
 #include <QScrollArea>
-#include <QThreadPool>
 
-#include "OrvLibrary/UI/TreeItemData.h"
+#include "apps/orv-browser/models/Place.h"
 
-class QFormLayout;
-class QLabel;
+class GalleryModel;
+class ItemDetails;
+class PlaceDetails;
+class SeveralDetails;
 
-/// Shows the chosen item: its picture, where it is from, its style, and who makes it, with the maker's
-/// contact and logo.
+/// Shows what is selected: one item, several, or, where none is, the place itself. It holds nothing of its
+/// own, so that it never says anything else than the gallery does. Lives on the interface thread.
 class DetailsPane : public QScrollArea
 {
     Q_OBJECT
 
 public:
     explicit DetailsPane(QWidget* parent = nullptr);
-    ~DetailsPane() override;
 
-    /// Shows what `Library::Chooser` holds now.
-    void showChosen();
+    ItemDetails& item() { return *mItem; }
+    PlaceDetails& place() { return *mPlace; }
+    SeveralDetails& several() { return *mSeveral; }
+    /// @param rows of the selected items
+    void show(const GalleryModel& model, const std::vector<int>& rows, const Place& place);
 
 private:
-    struct Found;
+    void showPage(QWidget* page);
 
-    QLabel* addRow(QFormLayout& layout, const QString& title, const QString& objectName);
-    void showFound(long long item, const Found& found);
-    void showManufacturer(long id);
-    void clear(const QString& title);
-    void setRow(QLabel* value, const QString& text);
-
-    QThreadPool mPool;
-    QFormLayout* mRows = nullptr;
-    QLabel* mTitle;
-    QLabel* mPicture;
-    QLabel* mCatalog;
-    QLabel* mPaneName;
-    QLabel* mStyle;
-    QLabel* mMaker;
-    QLabel* mContact;
-    QLabel* mLogo;
+    QWidget* mPages;
+    ItemDetails* mItem;
+    PlaceDetails* mPlace;
+    SeveralDetails* mSeveral;
 };

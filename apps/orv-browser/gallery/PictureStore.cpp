@@ -1,48 +1,29 @@
 #include "apps/orv-browser/gallery/PictureStore.h"
 
-#include <QCoreApplication>
-#include <QImage>
-#include <QPainter>
-#include <QPixmap>
-#include <QPointer>
+#include <map>
+#include <memory>
 
 #include "apps/orv-browser/models/Background.h"
 #include "apps/orv-browser/models/CatalogDatabase.h"
 
 namespace {
 
-constexpr int kMostPictures = 4000;
-constexpr int kSide = 48;
+constexpr int kMostKilobytes = 96 * 1024; // for all pictures that are kept
+constexpr int kMostSide = 512;            // larger ones are kept in this size
+constexpr std::size_t kMostWanted = 400;  // those that were scrolled past are dropped
+constexpr std::size_t kPortion = 24;
 
-QString cacheKey(const fileString& database, long long item)
+QImage decoded(const QByteArray& bytes)
 {
-    return QString::fromLocal8Bit(database.toNativeString().c_str()) + QLatin1Char('\n') +
-           QString::number(item);
-}
-
-QIcon plainPicture()
-{
-    QPixmap pixmap(kSide, kSide);
-    pixmap.fill(Qt::transparent);
-    QPainter painter(&pixmap);
-    painter.setPen(QPen(QColor(128, 128, 128, 160), 1, Qt::DashLine));
-    painter.drawRoundedRect(4, 4, kSide - 9, kSide - 9, 6, 6);
-    return QIcon(pixmap);
-}
-
-QImage readPicture(const fileString& database, long long item)
-{
-    try {
-        return QImage::fromData(CatalogDatabase(database).details(item).picture);
-    } catch (const std::exception&) {
-        return {}; // a catalog that cannot be read has no pictures; its folder says why
-    }
+    const QImage image = QImage::fromData(bytes);
+    const bool isLarge = image.width() > kMostSide || image.height() > kMostSide;
+    return isLarge ? image.scaled(kMostSide, kMostSide, Qt::KeepAspectRatio, Qt::SmoothTransformation)
+                   : image;
 }
 
 } // namespace
 
-PictureStore::PictureStore(QObject* parent)
-    : QObject(parent), mPlaceholder(plainPicture()), mIcons(kMostPictures)
+PictureStore::PictureStore(QObject* parent) : QObject(parent), mKept(kMostKilobytes)
 {
     mPool.setMaxThreadCount(1);
 }
@@ -53,31 +34,86 @@ PictureStore::~PictureStore()
     mPool.waitForDone();
 }
 
-QIcon PictureStore::picture(const fileString& database, long long item)
+QString PictureStore::cacheKey(const Key& key)
 {
-    if (const QIcon* icon = mIcons.object(cacheKey(database, item)))
-        return *icon;
-    const Key key(database, item);
-    if (mAsked.insert(key).second)
-        Background::run(
-            mPool, this, [database, item] { return readPicture(database, item); },
-            [this, key](const QImage& image) { keep(key, image); }, ++mAskedSoFar);
-    return mPlaceholder;
+    return QString::fromLocal8Bit(key.first.toNativeString().c_str()) + QLatin1Char('\n') +
+           QString::number(key.second);
 }
 
-void PictureStore::keep(const Key& key, const QImage& image)
+PictureStore::State PictureStore::ask(const fileString& database, long long item)
 {
-    mAsked.erase(key);
-    const auto icon = image.isNull() ? mPlaceholder : QIcon(QPixmap::fromImage(image));
-    mIcons.insert(cacheKey(key.first, key.second), new QIcon(icon));
-    if (!image.isNull())
-        Q_EMIT loaded(key.first, key.second);
+    const Key key(database, item);
+    if (const Entry* entry = mKept.object(cacheKey(key)))
+        return entry->state;
+    if (mAsked.insert(key).second) {
+        mWanted.push_back(key);
+        if (mWanted.size() > kMostWanted) {
+            mAsked.erase(mWanted.front());
+            mWanted.pop_front();
+        }
+        load();
+    }
+    return State::Waiting;
+}
+
+QImage PictureStore::picture(const fileString& database, long long item) const
+{
+    const Entry* entry = mKept.object(cacheKey({database, item}));
+    return entry ? entry->image : QImage();
+}
+
+void PictureStore::load()
+{
+    if (mIsLoading || mWanted.empty())
+        return;
+    std::vector<Loaded> wanted;
+    for (; !mWanted.empty() && wanted.size() < kPortion; mWanted.pop_back())
+        wanted.push_back({mWanted.back(), mVersions[mWanted.back().first], {}});
+    mIsLoading = true;
+    Background::run(
+        mPool, this, [wanted] { return read(wanted); },
+        [this](const std::vector<Loaded>& pictures) { keep(pictures); });
+}
+
+std::vector<PictureStore::Loaded> PictureStore::read(const std::vector<Loaded>& wanted)
+{
+    std::map<fileString, std::unique_ptr<CatalogDatabase>> open;
+    std::vector<Loaded> pictures = wanted;
+    for (Loaded& one : pictures) {
+        try {
+            std::unique_ptr<CatalogDatabase>& database = open[one.key.first];
+            if (!database)
+                database = std::make_unique<CatalogDatabase>(one.key.first);
+            const QByteArray bytes = database->details(one.key.second).picture;
+            one.entry.image = decoded(bytes);
+            one.entry.state = !one.entry.image.isNull() ? State::Here
+                              : bytes.isEmpty()         ? State::Missing
+                                                        : State::Broken;
+        } catch (const std::exception&) {
+            one.entry.state = State::Missing; // the place of the catalog says why it cannot be read
+        }
+    }
+    return pictures;
+}
+
+void PictureStore::keep(const std::vector<Loaded>& pictures)
+{
+    mIsLoading = false;
+    for (const Loaded& one : pictures) {
+        mAsked.erase(one.key);
+        if (one.version == mVersions[one.key.first]) // else the catalog was replaced while it was read
+            mKept.insert(cacheKey(one.key), new Entry(one.entry),
+                         1 + static_cast<int>(one.entry.image.sizeInBytes() / 1024));
+    }
+    Q_EMIT loaded();
+    load();
 }
 
 void PictureStore::forget(const fileString& database)
 {
-    const QString prefix = cacheKey(database, 0).section(QLatin1Char('\n'), 0, 0) + QLatin1Char('\n');
-    for (const QString& key : mIcons.keys())
+    ++mVersions[database];
+    const QString prefix = cacheKey({database, 0}).section(QLatin1Char('\n'), 0, 0) + QLatin1Char('\n');
+    for (const QString& key : mKept.keys())
         if (key.startsWith(prefix))
-            mIcons.remove(key);
+            mKept.remove(key);
 }

@@ -1,10 +1,13 @@
 #pragma once
 
+#include <deque>
+#include <map>
 #include <set>
 #include <utility>
+#include <vector>
 
 #include <QCache>
-#include <QIcon>
+#include <QImage>
 #include <QObject>
 #include <QThreadPool>
 
@@ -17,28 +20,53 @@ class PictureStore : public QObject
     Q_OBJECT
 
 public:
+    /// Where a picture stands.
+    enum class State
+    {
+        Waiting, ///< it was asked for and comes
+        Missing, ///< the item has none, or it cannot be read
+        Broken,  ///< the catalog holds something that is no picture
+        Here
+    };
+
     explicit PictureStore(QObject* parent = nullptr);
     /// Waits for the load that is under way.
     ~PictureStore() override;
 
-    /// The picture of an item; a plain one until it is loaded, and for ever when the item has none or a
-    /// broken one.
-    QIcon picture(const fileString& database, long long item);
+    /// Asks for the picture of an item when it is not there yet.
+    State ask(const fileString& database, long long item);
+    /// The picture; null unless `ask` says that it is here.
+    QImage picture(const fileString& database, long long item) const;
     /// Forgets the pictures of a database that was replaced.
     void forget(const fileString& database);
 
 Q_SIGNALS:
-    /// A picture that was asked for has come.
-    void loaded(const fileString& database, long long item);
+    /// Pictures that were asked for have come.
+    void loaded();
 
 private:
     using Key = std::pair<fileString, long long>;
+    struct Entry
+    {
+        QImage image;
+        State state = State::Missing;
+    };
+    struct Loaded
+    {
+        Key key;
+        int version;
+        Entry entry;
+    };
 
-    void keep(const Key& key, const QImage& image);
+    static QString cacheKey(const Key& key);
+    static std::vector<Loaded> read(const std::vector<Loaded>& wanted);
+    void load();
+    void keep(const std::vector<Loaded>& pictures);
 
     QThreadPool mPool; ///< one thread: a disk serves one reader best
-    QIcon mPlaceholder;
-    QCache<QString, QIcon> mIcons;
-    std::set<Key> mAsked;
-    int mAskedSoFar = 0; ///< the last one that was asked for is the first to be loaded: it is on the screen
+    QCache<QString, Entry> mKept;
+    std::deque<Key> mWanted;             ///< the last one is the first to be loaded: it is on the screen
+    std::set<Key> mAsked;                ///< wanted, or being loaded
+    std::map<fileString, int> mVersions; ///< how often each database was forgotten
+    bool mIsLoading = false;
 };

@@ -1,9 +1,9 @@
 #include "apps/orv-browser/models/CatalogDatabase.h"
 
-#include <algorithm>
 #include <atomic>
 #include <stdexcept>
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -45,10 +45,16 @@ std::optional<long> number(const QVariant& value)
     return value.isNull() ? std::nullopt : std::optional<long>(static_cast<long>(value.toLongLong()));
 }
 
-CatalogDatabase::Item itemOf(const QSqlQuery& query)
+long long firstFolder(const QSqlDatabase& database)
 {
-    return {query.value(0).toLongLong(), query.value(1).toString().toStdString(),
-            query.value(2).toString().toStdString()};
+    QSqlQuery query =
+        run(database, QStringLiteral("SELECT id FROM folder WHERE parent IS NULL ORDER BY id LIMIT 1"));
+    if (query.next())
+        return query.value(0).toLongLong();
+    return run(database, QStringLiteral("INSERT INTO folder (parent, name) VALUES (NULL, ?)"),
+               {QCoreApplication::translate("CatalogDatabase", "Items")})
+        .lastInsertId()
+        .toLongLong();
 }
 
 } // namespace
@@ -79,9 +85,10 @@ CatalogDatabase::~CatalogDatabase()
     QSqlDatabase::removeDatabase(mConnection);
 }
 
-void CatalogDatabase::copyItem(const fileString& from, long long item, const fileString& to, long long folder)
+long long CatalogDatabase::copyItem(const fileString& from, long long item, const fileString& to,
+                                    long long folder)
 {
-    QVariantList values{folder};
+    QVariantList values{QVariant()};
     {
         const CatalogDatabase source(from);
         QSqlQuery query = run(source.mDatabase,
@@ -94,53 +101,64 @@ void CatalogDatabase::copyItem(const fileString& from, long long item, const fil
             values << query.value(column);
     }
     const CatalogDatabase target(to, QString());
-    run(target.mDatabase,
+    values[0] = folder < 0 ? firstFolder(target.mDatabase) : folder;
+    const QSqlQuery inserted = run(
+        target.mDatabase,
         QStringLiteral("INSERT INTO item (folder, name, pane_name, style, manufacturer, picture, geometry) "
                        "VALUES (?, ?, ?, ?, ?, ?, ?)"),
         values);
+    return inserted.lastInsertId().toLongLong();
 }
 
-std::string CatalogDatabase::id() const
+void CatalogDatabase::removeItems(const fileString& database, const std::vector<long long>& items)
 {
-    QSqlQuery query = run(mDatabase, QStringLiteral("SELECT value FROM catalog WHERE key = 'id'"));
+    CatalogDatabase target(database, QString());
+    if (!target.mDatabase.transaction())
+        fail(target.mDatabase.lastError());
+    for (const long long item : items)
+        run(target.mDatabase, QStringLiteral("DELETE FROM item WHERE id = ?"), {item});
+    if (!target.mDatabase.commit())
+        fail(target.mDatabase.lastError());
+}
+
+std::string CatalogDatabase::value(const QString& key) const
+{
+    QSqlQuery query = run(mDatabase, QStringLiteral("SELECT value FROM catalog WHERE key = ?"), {key});
     return query.next() ? query.value(0).toString().toStdString() : std::string();
 }
 
-std::vector<CatalogDatabase::Folder> CatalogDatabase::folders(std::optional<long long> parent) const
+std::vector<CatalogDatabase::Folder> CatalogDatabase::folders() const
 {
-    QSqlQuery query =
-        parent ? run(mDatabase, QStringLiteral("SELECT id, name FROM folder WHERE parent = ?"), {*parent})
-               : run(mDatabase, QStringLiteral("SELECT id, name FROM folder WHERE parent IS NULL"));
+    QSqlQuery query = run(mDatabase, QStringLiteral("SELECT id, parent, name FROM folder"));
     std::vector<Folder> folders;
-    while (query.next())
-        folders.push_back({query.value(0).toLongLong(), query.value(1).toString().toStdString()});
+    while (query.next()) {
+        Folder folder;
+        folder.id = query.value(0).toLongLong();
+        if (!query.value(1).isNull())
+            folder.parent = query.value(1).toLongLong();
+        folder.name = query.value(2).toString().toStdString();
+        folders.push_back(folder);
+    }
     return folders;
 }
 
-std::vector<CatalogDatabase::Item> CatalogDatabase::items(long long folder) const
+void CatalogDatabase::forEachItem(const std::function<void(const Item&)>& call) const
 {
     QSqlQuery query =
-        run(mDatabase, QStringLiteral("SELECT id, name, pane_name FROM item WHERE folder = ?"), {folder});
-    std::vector<Item> items;
-    while (query.next())
-        items.push_back(itemOf(query));
-    return items;
-}
-
-std::vector<CatalogDatabase::Item> CatalogDatabase::search(const std::vector<std::string>& terms, int limit,
-                                                           const std::function<bool()>& isCancelled) const
-{
-    QSqlQuery query = run(mDatabase, QStringLiteral("SELECT id, name, pane_name FROM item"));
-    std::vector<Item> found;
-    while (query.next() && static_cast<int>(found.size()) < limit && !isCancelled()) {
-        const QString name = query.value(1).toString();
-        const bool matches = std::all_of(terms.begin(), terms.end(), [&](const std::string& term) {
-            return name.contains(QString::fromStdString(term), Qt::CaseInsensitive);
-        });
-        if (matches)
-            found.push_back(itemOf(query));
+        run(mDatabase,
+            QStringLiteral("SELECT id, folder, name, pane_name, style, manufacturer FROM item ORDER BY id"));
+    Item item;
+    while (query.next()) {
+        item.id = query.value(0).toLongLong();
+        item.folder = query.value(1).toLongLong();
+        item.name = query.value(2).toString().toStdString();
+        item.paneName = query.value(3).toString().toStdString();
+        item.style = number(query.value(4));
+        item.manufacturer = number(query.value(5));
+        call(item);
     }
-    return found;
+    if (query.lastError().isValid())
+        fail(query.lastError());
 }
 
 CatalogDatabase::Details CatalogDatabase::details(long long item) const

@@ -2,62 +2,39 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>Breadcrumbs</name>
+    <message>
+        <source>Go to %1</source>
+        <translation>Zu %1</translation>
+    </message>
+</context>
+<context>
+    <name>CatalogDatabase</name>
+    <message>
+        <source>Items</source>
+        <translation>Objekte</translation>
+    </message>
+</context>
+<context>
     <name>DetailsPane</name>
     <message>
-        <source>Phone: %1</source>
-        <translation>Telefon: %1</translation>
+        <source>Details of the selection</source>
+        <translation>Angaben zur Auswahl</translation>
+    </message>
+</context>
+<context>
+    <name>FacetChip</name>
+    <message>
+        <source>All</source>
+        <translation>Alle</translation>
     </message>
     <message>
-        <source>Fax: %1</source>
-        <translation>Fax: %1</translation>
+        <source>%1 (%2)</source>
+        <translation>%1 (%2)</translation>
     </message>
     <message>
-        <source>Details of the chosen item</source>
-        <translation>Angaben zum gewählten Objekt</translation>
-    </message>
-    <message>
-        <source>Picture of the item</source>
-        <translation>Bild des Objekts</translation>
-    </message>
-    <message>
-        <source>Catalog:</source>
-        <translation>Katalog:</translation>
-    </message>
-    <message>
-        <source>Selection name:</source>
-        <translation>Auswahlname:</translation>
-    </message>
-    <message>
-        <source>Style:</source>
-        <translation>Stil:</translation>
-    </message>
-    <message>
-        <source>Manufacturer:</source>
-        <translation>Hersteller:</translation>
-    </message>
-    <message>
-        <source>Contact:</source>
-        <translation>Kontakt:</translation>
-    </message>
-    <message>
-        <source>Logo of the manufacturer</source>
-        <translation>Logo des Herstellers</translation>
-    </message>
-    <message>
-        <source>Nothing is chosen</source>
-        <translation>Nichts ausgewählt</translation>
-    </message>
-    <message>
-        <source>Cannot be read: %1</source>
-        <translation>Nicht lesbar: %1</translation>
-    </message>
-    <message>
-        <source>The picture is broken.</source>
-        <translation>Das Bild ist beschädigt.</translation>
-    </message>
-    <message>
-        <source>Number %1, not in the records</source>
-        <translation>Nummer %1, nicht in den Herstellerdaten</translation>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
     </message>
 </context>
 <context>
@@ -115,14 +92,90 @@
     </message>
 </context>
 <context>
+    <name>GalleryBar</name>
+    <message>
+        <source>Sort by</source>
+        <translation>Sortieren nach</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Catalog</source>
+        <translation>Katalog</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Stil</translation>
+    </message>
+    <message>
+        <source>Manufacturer</source>
+        <translation>Hersteller</translation>
+    </message>
+    <message>
+        <source>Size of the pictures</source>
+        <translation>Größe der Bilder</translation>
+    </message>
+    <message>
+        <source>Last first</source>
+        <translation>Umgekehrte Reihenfolge</translation>
+    </message>
+    <message>
+        <source>Show pictures</source>
+        <translation>Bilder zeigen</translation>
+    </message>
+    <message>
+        <source>Show a list</source>
+        <translation>Liste zeigen</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln item(s)</source>
+        <translation>
+            <numerusform>%Ln Objekt</numerusform>
+            <numerusform>%Ln Objekte</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>GalleryModel</name>
+    <message>
+        <source>%1, from %2</source>
+        <translation>%1, aus %2</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Catalog</source>
+        <translation>Katalog</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Stil</translation>
+    </message>
+    <message>
+        <source>Manufacturer</source>
+        <translation>Hersteller</translation>
+    </message>
+</context>
+<context>
+    <name>GalleryViews</name>
+    <message>
+        <source>Items</source>
+        <translation>Objekte</translation>
+    </message>
+    <message>
+        <source>Columns</source>
+        <translation>Spalten</translation>
+    </message>
+</context>
+<context>
     <name>ImportController</name>
     <message>
         <source>Import</source>
         <translation>Import</translation>
-    </message>
-    <message>
-        <source>it holds no library</source>
-        <translation>es enthält keine Bibliothek</translation>
     </message>
     <message>
         <source>cancelled</source>
@@ -130,26 +183,115 @@
     </message>
 </context>
 <context>
-    <name>LibraryModel</name>
+    <name>ItemActions</name>
     <message>
-        <source>Core</source>
-        <translation>Grundkataloge</translation>
+        <source>Add to favourites</source>
+        <translation>Zu den Favoriten</translation>
     </message>
     <message>
-        <source>Bonus</source>
-        <translation>Zusatzkataloge</translation>
+        <source>Remove from favourites</source>
+        <translation>Aus den Favoriten entfernen</translation>
     </message>
     <message>
-        <source>Manufacturers</source>
-        <translation>Hersteller</translation>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
     </message>
     <message>
-        <source>My libraries</source>
-        <translation>Eigene Bibliotheken</translation>
+        <source>Copied to %1.</source>
+        <translation>Nach %1 kopiert.</translation>
     </message>
     <message>
-        <source>Cannot be read: %1</source>
-        <translation>Nicht lesbar: %1</translation>
+        <source>Not copied to %1: %2</source>
+        <translation>Nicht nach %1 kopiert: %2</translation>
+    </message>
+    <message>
+        <source>The copies are gone again.</source>
+        <translation>Die Kopien sind wieder entfernt.</translation>
+    </message>
+    <message>
+        <source>Not undone: %1</source>
+        <translation>Nicht rückgängig gemacht: %1</translation>
+    </message>
+</context>
+<context>
+    <name>ItemDetails</name>
+    <message>
+        <source>Favourite</source>
+        <translation>Favorit</translation>
+    </message>
+    <message>
+        <source>Catalog:</source>
+        <translation>Katalog:</translation>
+    </message>
+    <message>
+        <source>Folder:</source>
+        <translation>Ordner:</translation>
+    </message>
+    <message>
+        <source>Selection name:</source>
+        <translation>Auswahlname:</translation>
+    </message>
+    <message>
+        <source>Style:</source>
+        <translation>Stil:</translation>
+    </message>
+    <message>
+        <source>Manufacturer:</source>
+        <translation>Hersteller:</translation>
+    </message>
+    <message>
+        <source>Picture of %1</source>
+        <translation>Bild von %1</translation>
+    </message>
+    <message>
+        <source>★ Favourite</source>
+        <translation>★ Favorit</translation>
+    </message>
+    <message>
+        <source>☆ Make it a favourite</source>
+        <translation>☆ Zum Favoriten machen</translation>
+    </message>
+    <message>
+        <source>Show in folder</source>
+        <translation>Im Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>The picture is broken.</source>
+        <translation>Das Bild ist beschädigt.</translation>
+    </message>
+</context>
+<context>
+    <name>ItemPreview</name>
+    <message>
+        <source>Picture of %1</source>
+        <translation>Bild von %1</translation>
+    </message>
+</context>
+<context>
+    <name>LibraryActions</name>
+    <message>
+        <source>The log has the details.</source>
+        <translation>Einzelheiten stehen im Protokoll.</translation>
+    </message>
+    <message>
+        <source>%1 was imported.</source>
+        <translation>%1 wurde importiert.</translation>
+    </message>
+    <message>
+        <source>%1 was not imported: %2</source>
+        <translation>%1 wurde nicht importiert: %2</translation>
+    </message>
+    <message>
+        <source>Import archives</source>
+        <translation>Archive importieren</translation>
+    </message>
+    <message>
+        <source>Library archives (*.orvlibz)</source>
+        <translation>Bibliotheksarchive (*.orvlibz)</translation>
+    </message>
+    <message>
+        <source>The preferences were not saved: %1</source>
+        <translation>Die Einstellungen wurden nicht gespeichert: %1</translation>
     </message>
 </context>
 <context>
@@ -173,81 +315,35 @@
         <source>Library</source>
         <translation>Bibliothek</translation>
     </message>
+</context>
+<context>
+    <name>MakerCard</name>
     <message>
-        <source>%1 was imported.</source>
-        <translation>%1 wurde importiert.</translation>
+        <source>Phone: %1</source>
+        <translation>Telefon: %1</translation>
     </message>
     <message>
-        <source>%1 was not imported: %2</source>
-        <translation>%1 wurde nicht importiert: %2</translation>
+        <source>Fax: %1</source>
+        <translation>Fax: %1</translation>
     </message>
     <message>
-        <source>&amp;File</source>
-        <translation>&amp;Datei</translation>
+        <source>Logo of the manufacturer</source>
+        <translation>Logo des Herstellers</translation>
     </message>
     <message>
-        <source>&amp;Import archive…</source>
-        <translation>Archiv &amp;importieren …</translation>
+        <source>Show all items of the manufacturer</source>
+        <translation>Alle Objekte des Herstellers zeigen</translation>
     </message>
     <message>
-        <source>&amp;Preferences…</source>
-        <translation>&amp;Einstellungen …</translation>
+        <source>Show all</source>
+        <translation>Alle zeigen</translation>
     </message>
-    <message>
-        <source>&amp;Quit</source>
-        <translation>&amp;Beenden</translation>
-    </message>
-    <message>
-        <source>&amp;Library</source>
-        <translation>&amp;Bibliothek</translation>
-    </message>
-    <message>
-        <source>Check for &amp;updates</source>
-        <translation>Nach &amp;Aktualisierungen suchen</translation>
-    </message>
-    <message>
-        <source>&amp;Cancel the update</source>
-        <translation>Aktualisierung ab&amp;brechen</translation>
-    </message>
-    <message>
-        <source>Refresh &amp;manufacturers…</source>
-        <translation>&amp;Herstellerdaten auffrischen …</translation>
-    </message>
-    <message>
-        <source>&amp;Search</source>
-        <translation>&amp;Suchen</translation>
-    </message>
-    <message>
-        <source>Edit &amp;filters…</source>
-        <translation>&amp;Filter bearbeiten …</translation>
-    </message>
-    <message>
-        <source>Show the &amp;log</source>
-        <translation>&amp;Protokoll zeigen</translation>
-    </message>
-    <message>
-        <source>The log has the details.</source>
-        <translation>Einzelheiten stehen im Protokoll.</translation>
-    </message>
-    <message>
-        <source>Import archives</source>
-        <translation>Archive importieren</translation>
-    </message>
-    <message>
-        <source>Library archives (*.orvlibz)</source>
-        <translation>Bibliotheksarchive (*.orvlibz)</translation>
-    </message>
-    <message>
-        <source>The preferences were not saved: %1</source>
-        <translation>Die Einstellungen wurden nicht gespeichert: %1</translation>
-    </message>
-    <message>
-        <source>Copied to %1.</source>
-        <translation>Nach %1 kopiert.</translation>
-    </message>
-    <message>
-        <source>Not copied to %1: %2</source>
-        <translation>Nicht nach %1 kopiert: %2</translation>
+    <message numerus="yes">
+        <source>Show all %Ln</source>
+        <translation>
+            <numerusform>Alle zeigen: %Ln</numerusform>
+            <numerusform>Alle %Ln zeigen</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -302,6 +398,158 @@
     <message>
         <source>Put the message away</source>
         <translation>Die Meldung weglegen</translation>
+    </message>
+</context>
+<context>
+    <name>Names</name>
+    <message>
+        <source>Number %1, not in the records</source>
+        <translation>Nummer %1, nicht in den Herstellerdaten</translation>
+    </message>
+</context>
+<context>
+    <name>NothingFoundPage</name>
+    <message>
+        <source>Nothing found</source>
+        <translation>Nichts gefunden</translation>
+    </message>
+    <message>
+        <source>Search everywhere</source>
+        <translation>Überall suchen</translation>
+    </message>
+    <message>
+        <source>Clear</source>
+        <translation>Zurücksetzen</translation>
+    </message>
+    <message>
+        <source>“%1” holds no items.</source>
+        <translation>„%1“ enthält keine Objekte.</translation>
+    </message>
+    <message>
+        <source>Nothing in “%1” fits: %2.</source>
+        <translation>In „%1“ passt nichts zu: %2.</translation>
+    </message>
+    <message>
+        <source>, </source>
+        <translation>, </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln item(s) elsewhere</source>
+        <translation>
+            <numerusform>%Ln Objekt anderswo</numerusform>
+            <numerusform>%Ln Objekte anderswo</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>OfferPage</name>
+    <message>
+        <source>The library is empty.</source>
+        <translation>Die Bibliothek ist leer.</translation>
+    </message>
+    <message>
+        <source>Fetch the content</source>
+        <translation>Inhalte laden</translation>
+    </message>
+    <message>
+        <source>Import an archive…</source>
+        <translation>Archiv importieren …</translation>
+    </message>
+    <message>
+        <source>The catalogs are on their way. Each one appears as soon as it is here.</source>
+        <translation>Die Kataloge sind unterwegs. Jeder erscheint, sobald er da ist.</translation>
+    </message>
+    <message>
+        <source>Fetch the catalogs from the service, or import an archive that you have. You can also drop an archive on this window.</source>
+        <translation>Laden Sie die Kataloge vom Dienst, oder importieren Sie ein Archiv, das Sie haben. Sie können ein Archiv auch auf dieses Fenster ziehen.</translation>
+    </message>
+</context>
+<context>
+    <name>PlaceDetails</name>
+    <message>
+        <source>Items:</source>
+        <translation>Objekte:</translation>
+    </message>
+    <message>
+        <source>Folders:</source>
+        <translation>Ordner:</translation>
+    </message>
+    <message>
+        <source>Version:</source>
+        <translation>Version:</translation>
+    </message>
+    <message>
+        <source>Size:</source>
+        <translation>Größe:</translation>
+    </message>
+    <message>
+        <source>Date:</source>
+        <translation>Datum:</translation>
+    </message>
+    <message>
+        <source>Select an item to see it here. The space bar shows it large.</source>
+        <translation>Wählen Sie ein Objekt, um es hier zu sehen. Die Leertaste zeigt es groß.</translation>
+    </message>
+    <message>
+        <source>Check for updates</source>
+        <translation>Nach Aktualisierungen suchen</translation>
+    </message>
+    <message>
+        <source>Fetch again</source>
+        <translation>Erneut laden</translation>
+    </message>
+    <message>
+        <source>Show the file</source>
+        <translation>Datei zeigen</translation>
+    </message>
+    <message>
+        <source>Cannot be read: %1</source>
+        <translation>Nicht lesbar: %1</translation>
+    </message>
+</context>
+<context>
+    <name>PlaceNames</name>
+    <message>
+        <source>Core</source>
+        <translation>Grundkataloge</translation>
+    </message>
+    <message>
+        <source>Bonus</source>
+        <translation>Zusatzkataloge</translation>
+    </message>
+    <message>
+        <source>Manufacturers</source>
+        <translation>Hersteller</translation>
+    </message>
+    <message>
+        <source>My libraries</source>
+        <translation>Eigene Bibliotheken</translation>
+    </message>
+    <message>
+        <source>Everything</source>
+        <translation>Alles</translation>
+    </message>
+    <message>
+        <source>Favourites</source>
+        <translation>Favoriten</translation>
+    </message>
+    <message>
+        <source>Recent</source>
+        <translation>Zuletzt angesehen</translation>
+    </message>
+</context>
+<context>
+    <name>PlacesModel</name>
+    <message>
+        <source>Cannot be read: %1</source>
+        <translation>Nicht lesbar: %1</translation>
+    </message>
+</context>
+<context>
+    <name>PlacesPane</name>
+    <message>
+        <source>Places</source>
+        <translation>Orte</translation>
     </message>
 </context>
 <context>
@@ -376,63 +624,103 @@
     </message>
 </context>
 <context>
-    <name>SearchPane</name>
+    <name>SearchBar</name>
+    <message>
+        <source>Style</source>
+        <translation>Stil</translation>
+    </message>
+    <message>
+        <source>Manufacturer</source>
+        <translation>Hersteller</translation>
+    </message>
+    <message>
+        <source>Catalog</source>
+        <translation>Katalog</translation>
+    </message>
     <message>
         <source>Search the library</source>
         <translation>Bibliothek durchsuchen</translation>
     </message>
     <message>
-        <source>Category to search in</source>
-        <translation>Kategorie, in der gesucht wird</translation>
+        <source>Favourites</source>
+        <translation>Favoriten</translation>
     </message>
     <message>
-        <source>Everywhere</source>
-        <translation>Überall</translation>
+        <source>Favourites (%1)</source>
+        <translation>Favoriten (%1)</translation>
     </message>
     <message>
-        <source>Core</source>
-        <translation>Grundkataloge</translation>
+        <source>the words “%1”</source>
+        <translation>die Wörter „%1“</translation>
     </message>
     <message>
-        <source>Bonus</source>
-        <translation>Zusatzkataloge</translation>
+        <source>only favourites</source>
+        <translation>nur Favoriten</translation>
     </message>
     <message>
-        <source>Manufacturers</source>
-        <translation>Hersteller</translation>
+        <source>the filter “%1”</source>
+        <translation>der Filter „%1“</translation>
+    </message>
+</context>
+<context>
+    <name>SeveralDetails</name>
+    <message>
+        <source>Make them favourites</source>
+        <translation>Zu Favoriten machen</translation>
     </message>
     <message>
-        <source>My libraries</source>
-        <translation>Eigene Bibliotheken</translation>
-    </message>
-    <message>
-        <source>Found items</source>
-        <translation>Gefundene Objekte</translation>
-    </message>
-    <message>
-        <source>Searching…</source>
-        <translation>Suche läuft …</translation>
+        <source>Remove from favourites</source>
+        <translation>Aus den Favoriten entfernen</translation>
     </message>
     <message numerus="yes">
-        <source>%n item(s) found</source>
+        <source>%Ln item(s) selected</source>
         <translation>
-            <numerusform>%n Objekt gefunden</numerusform>
-            <numerusform>%n Objekte gefunden</numerusform>
+            <numerusform>%Ln Objekt ausgewählt</numerusform>
+            <numerusform>%Ln Objekte ausgewählt</numerusform>
         </translation>
     </message>
-    <message numerus="yes">
-        <source>The first %n item(s) found</source>
-        <translation>
-            <numerusform>Das erste gefundene Objekt</numerusform>
-            <numerusform>Die ersten %n gefundenen Objekte</numerusform>
-        </translation>
+</context>
+<context>
+    <name>ShortcutSheet</name>
+    <message>
+        <source>Keys</source>
+        <translation>Tasten</translation>
     </message>
-    <message numerus="yes">
-        <source>%n catalog(s) cannot be read</source>
-        <translation>
-            <numerusform>%n Katalog ist nicht lesbar</numerusform>
-            <numerusform>%n Kataloge sind nicht lesbar</numerusform>
-        </translation>
+    <message>
+        <source>What it does</source>
+        <translation>Wirkung</translation>
+    </message>
+    <message>
+        <source>Key</source>
+        <translation>Taste</translation>
+    </message>
+    <message>
+        <source>Show the item large</source>
+        <translation>Objekt groß zeigen</translation>
+    </message>
+    <message>
+        <source>Larger or smaller pictures</source>
+        <translation>Größere oder kleinere Bilder</translation>
+    </message>
+    <message>
+        <source>Ctrl and the wheel</source>
+        <translation>Strg und das Mausrad</translation>
+    </message>
+    <message>
+        <source>From the search to the items</source>
+        <translation>Von der Suche zu den Objekten</translation>
+    </message>
+    <message>
+        <source>Down</source>
+        <translation>Pfeil nach unten</translation>
+    </message>
+    <message>
+        <source>Forget the search</source>
+        <translation>Suche zurücksetzen</translation>
+    </message>
+    <message>
+        <source>Escape</source>
+        <translation>Escape</translation>
     </message>
 </context>
 <context>
@@ -444,29 +732,6 @@
     <message>
         <source>Log</source>
         <translation>Protokoll</translation>
-    </message>
-</context>
-<context>
-    <name>TreePane</name>
-    <message>
-        <source>Library content</source>
-        <translation>Inhalt der Bibliothek</translation>
-    </message>
-    <message>
-        <source>The library is empty.</source>
-        <translation>Die Bibliothek ist leer.</translation>
-    </message>
-    <message>
-        <source>Fetch the content</source>
-        <translation>Inhalte laden</translation>
-    </message>
-    <message>
-        <source>Import an archive…</source>
-        <translation>Archiv importieren …</translation>
-    </message>
-    <message>
-        <source>Fetch the catalogs from the service, or import an archive that you have.</source>
-        <translation>Laden Sie die Kataloge vom Dienst oder importieren Sie ein vorhandenes Archiv.</translation>
     </message>
 </context>
 <context>
@@ -519,6 +784,97 @@
             <numerusform>%1/s, noch etwa %n Minute</numerusform>
             <numerusform>%1/s, noch etwa %n Minuten</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>WindowMenus</name>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>&amp;Import archive…</source>
+        <translation>Archiv &amp;importieren …</translation>
+    </message>
+    <message>
+        <source>&amp;Preferences…</source>
+        <translation>&amp;Einstellungen …</translation>
+    </message>
+    <message>
+        <source>&amp;Quit</source>
+        <translation>&amp;Beenden</translation>
+    </message>
+    <message>
+        <source>&amp;Edit</source>
+        <translation>&amp;Bearbeiten</translation>
+    </message>
+    <message>
+        <source>&amp;Undo</source>
+        <translation>&amp;Rückgängig</translation>
+    </message>
+    <message>
+        <source>&amp;Redo</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>&amp;Favourite</source>
+        <translation>&amp;Favorit</translation>
+    </message>
+    <message>
+        <source>Show in f&amp;older</source>
+        <translation>Im &amp;Ordner zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;View</source>
+        <translation>&amp;Ansicht</translation>
+    </message>
+    <message>
+        <source>&amp;Search</source>
+        <translation>&amp;Suchen</translation>
+    </message>
+    <message>
+        <source>&amp;Pictures</source>
+        <translation>&amp;Bilder</translation>
+    </message>
+    <message>
+        <source>&amp;List</source>
+        <translation>&amp;Liste</translation>
+    </message>
+    <message>
+        <source>&amp;Details</source>
+        <translation>&amp;Angaben</translation>
+    </message>
+    <message>
+        <source>&amp;Library</source>
+        <translation>Bi&amp;bliothek</translation>
+    </message>
+    <message>
+        <source>Check for &amp;updates</source>
+        <translation>Nach &amp;Aktualisierungen suchen</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel the update</source>
+        <translation>Aktualisierung ab&amp;brechen</translation>
+    </message>
+    <message>
+        <source>Refresh &amp;manufacturers…</source>
+        <translation>&amp;Herstellerdaten auffrischen …</translation>
+    </message>
+    <message>
+        <source>Edit &amp;filters…</source>
+        <translation>&amp;Filter bearbeiten …</translation>
+    </message>
+    <message>
+        <source>Show the &amp;log</source>
+        <translation>&amp;Protokoll zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Help</source>
+        <translation>&amp;Hilfe</translation>
+    </message>
+    <message>
+        <source>&amp;Keys…</source>
+        <translation>&amp;Tasten …</translation>
     </message>
 </context>
 </TS>

@@ -2,26 +2,42 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US">
 <context>
-    <name>SearchPane</name>
+    <name>GalleryBar</name>
     <message numerus="yes">
-        <source>%n item(s) found</source>
+        <source>%Ln item(s)</source>
         <translation>
-            <numerusform>%n item found</numerusform>
-            <numerusform>%n items found</numerusform>
+            <numerusform>%Ln item</numerusform>
+            <numerusform>%Ln items</numerusform>
         </translation>
     </message>
+</context>
+<context>
+    <name>MakerCard</name>
     <message numerus="yes">
-        <source>The first %n item(s) found</source>
+        <source>Show all %Ln</source>
         <translation>
-            <numerusform>The first item found</numerusform>
-            <numerusform>The first %n items found</numerusform>
+            <numerusform>Show all %Ln</numerusform>
+            <numerusform>Show all %Ln</numerusform>
         </translation>
     </message>
+</context>
+<context>
+    <name>NothingFoundPage</name>
     <message numerus="yes">
-        <source>%n catalog(s) cannot be read</source>
+        <source>%Ln item(s) elsewhere</source>
         <translation>
-            <numerusform>%n catalog cannot be read</numerusform>
-            <numerusform>%n catalogs cannot be read</numerusform>
+            <numerusform>%Ln item elsewhere</numerusform>
+            <numerusform>%Ln items elsewhere</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>SeveralDetails</name>
+    <message numerus="yes">
+        <source>%Ln item(s) selected</source>
+        <translation>
+            <numerusform>%Ln item selected</numerusform>
+            <numerusform>%Ln items selected</numerusform>
         </translation>
     </message>
 </context>

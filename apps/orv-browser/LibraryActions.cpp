@@ -1,0 +1,134 @@
+#include "apps/orv-browser/LibraryActions.h"
+
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+
+#include "OrvHost/update/HashFile.h"
+#include "OrvLibrary/host/Curl.h"
+#include "apps/orv-browser/Appearance.h"
+#include "apps/orv-browser/activities/ImportController.h"
+#include "apps/orv-browser/activities/UpdateController.h"
+#include "apps/orv-browser/dialogs/ManufacturerPreview.h"
+#include "apps/orv-browser/dialogs/PreferencesDialog.h"
+#include "apps/orv-browser/models/LibraryContent.h"
+
+LibraryActions::LibraryActions(QMainWindow& window, const fileString& root)
+    : QObject(&window),
+      mWindow(window),
+      mRoot(root),
+      mSettings(BrowserSettings::load(root)),
+      mUpdates(new UpdateController(window, root)),
+      mImports(new ImportController(root, &window))
+{
+    Curl::setProxy(mSettings.proxy.toStdString());
+    Appearance::apply(mSettings.colours);
+    connect(mUpdates, &UpdateController::catalogReplaced, this, &LibraryActions::catalogChanged);
+    connect(mUpdates, &UpdateController::ended, this, &LibraryActions::updateEnded);
+    connect(mImports, &ImportController::imported, this, &LibraryActions::archiveImported);
+    connect(mImports, &ImportController::finished, this, &LibraryActions::foldersChanged);
+}
+
+void LibraryActions::start()
+{
+    if (mSettings.checkAtStart && !mOverrides.over(mSettings).serviceUrl.isEmpty())
+        checkForUpdates();
+}
+
+void LibraryActions::cancel()
+{
+    mImports->cancel();
+    mUpdates->cancel();
+}
+
+void LibraryActions::stop()
+{
+    mUpdates->stop();
+}
+
+void LibraryActions::checkForUpdates()
+{
+    if (mUpdates->isRunning())
+        return;
+    if (mOverrides.over(mSettings).serviceUrl.isEmpty())
+        editPreferences();
+    const BrowserSettings asked = mOverrides.over(mSettings);
+    if (asked.serviceUrl.isEmpty())
+        return;
+    Q_EMIT runningChanged(true);
+    Q_EMIT said(QString()); // the panel speaks now
+    mUpdates->start(asked);
+}
+
+/// Without its line in the hash file the service is asked for the catalog as if it were not there.
+void LibraryActions::fetchAgain(const Place& catalog)
+{
+    if (mUpdates->isRunning())
+        return;
+    OrvHost::HashFile::remove(LibraryContent::folderOf(catalog.category),
+                              catalog.database.stemWithExtension().toNativeString());
+    checkForUpdates();
+}
+
+void LibraryActions::updateEnded(const QString& summary, bool hasProblems)
+{
+    Q_EMIT runningChanged(false);
+    Q_EMIT said(hasProblems ? summary + QLatin1Char(' ') + tr("The log has the details.") : summary);
+    Q_EMIT foldersChanged();
+}
+
+void LibraryActions::archiveImported(const QString& source, const fileString& library, const QString& problem)
+{
+    const QString name = QFileInfo(source).fileName();
+    if (!library.empty())
+        Q_EMIT catalogChanged(library);
+    Q_EMIT said(problem.isEmpty() ? tr("%1 was imported.").arg(name)
+                                  : tr("%1 was not imported: %2").arg(name, problem));
+}
+
+void LibraryActions::openArchive()
+{
+    importArchives(QFileDialog::getOpenFileNames(&mWindow, tr("Import archives"), QString(),
+                                                 tr("Library archives (*.orvlibz)")));
+}
+
+void LibraryActions::importArchives(const QStringList& sources)
+{
+    if (!sources.isEmpty())
+        mImports->import(sources);
+}
+
+void LibraryActions::refreshManufacturers()
+{
+    if (mSettings.manufacturerDataUrl.isEmpty()) {
+        editPreferences();
+        if (mSettings.manufacturerDataUrl.isEmpty())
+            return;
+    }
+    ManufacturerPreview preview(mSettings.manufacturerDataUrl, mSettings.manufacturerLogoUrl, &mWindow);
+    if (preview.exec() != QDialog::Accepted)
+        return;
+    Q_EMIT said(preview.summary());
+    Q_EMIT recordsChanged();
+}
+
+void LibraryActions::editFilters(const std::vector<FilterEditor::Database>& databases)
+{
+    FilterEditor editor(databases, &mWindow);
+    if (editor.exec() == QDialog::Accepted)
+        Q_EMIT filtersChanged();
+}
+
+void LibraryActions::editPreferences()
+{
+    PreferencesDialog dialog(mSettings, &mWindow);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    mSettings = dialog.settings();
+    Curl::setProxy(mSettings.proxy.toStdString());
+    Appearance::apply(mSettings.colours);
+    QString reason;
+    if (!mSettings.save(mRoot, reason))
+        QMessageBox::warning(&mWindow, mWindow.windowTitle(),
+                             tr("The preferences were not saved: %1").arg(reason));
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QMainWindow>
+#include <QObject>
+
+#include "OrvLibrary/host/fileString.h"
+#include "apps/orv-browser/BrowserSettings.h"
+#include "apps/orv-browser/dialogs/FilterEditor.h"
+#include "apps/orv-browser/models/Place.h"
+
+class ImportController;
+class UpdateController;
+
+/// What the user does with the library as a whole: updates, imports, manufacturer records, filters and
+/// preferences. Lives on the interface thread, as long as the window.
+class LibraryActions : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param root the root of the well-known folders
+    LibraryActions(QMainWindow& window, const fileString& root);
+
+    /// What goes before the preferences from now on.
+    void overrideService(const ServiceOverrides& overrides) { mOverrides = overrides; }
+    /// Checks for updates when the preferences say so.
+    void start();
+    /// Cancels whatever is under way, without waiting for it.
+    void cancel();
+    /// Waits for an update that was cancelled, while there still is a window to tell.
+    void stop();
+
+    UpdateController& updates() { return *mUpdates; }
+    void checkForUpdates();
+    /// Fetches a catalog of the service again, whatever is installed, and checks the others.
+    void fetchAgain(const Place& catalog);
+    void openArchive();
+    void importArchives(const QStringList& sources);
+    void refreshManufacturers();
+    void editFilters(const std::vector<FilterEditor::Database>& databases);
+    void editPreferences();
+
+Q_SIGNALS:
+    /// A catalog file was replaced.
+    void catalogChanged(const fileString& database);
+    /// Catalogs may have come or gone.
+    void foldersChanged();
+    void runningChanged(bool isRunning);
+    /// A sentence for people on how something ended; empty for silence.
+    void said(const QString& sentence);
+    void recordsChanged();
+    void filtersChanged();
+
+private:
+    void updateEnded(const QString& summary, bool hasProblems);
+    void archiveImported(const QString& source, const fileString& library, const QString& problem);
+
+    QMainWindow& mWindow;
+    fileString mRoot;
+    BrowserSettings mSettings; ///< the preferences
+    ServiceOverrides mOverrides;
+    UpdateController* mUpdates;
+    ImportController* mImports;
+};

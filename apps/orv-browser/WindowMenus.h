@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QObject>
+
+class QAction;
+class QMainWindow;
+class QMenu;
+class QUndoStack;
+
+/// The menus of the window and what is in them. Whoever acts connects to the actions. Lives as long as the
+/// window.
+class WindowMenus : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param undo the changes that "Undo" takes back; outlives the menus
+    WindowMenus(QMainWindow& window, QUndoStack& undo);
+
+    QAction* importArchive;
+    QAction* preferences;
+    QAction* quit;
+    QAction* checkForUpdates;
+    QAction* cancelUpdate;
+    QAction* refreshManufacturers;
+    QAction* editFilters;
+    QAction* showLog;
+    QAction* search;
+    QAction* showGrid;
+    QAction* showList;
+    QAction* showDetails; ///< checkable
+    QAction* favourite;
+    QAction* showInFolder;
+    QAction* shortcuts;
+
+    /// What can be done with the selected items, for a menu at the pointer.
+    QMenu* itemMenu() const { return mItemMenu; }
+
+private:
+    static QAction* add(QMenu& menu, const QString& text, const char* name, const QKeySequence& key);
+
+    QMenu* mItemMenu;
+};

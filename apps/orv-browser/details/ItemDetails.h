@@ -1,0 +1,49 @@
+#pragma once
+
+#include <QPersistentModelIndex>
+#include <QWidget>
+
+#include "apps/orv-browser/models/Place.h"
+
+class DetailRows;
+class GalleryModel;
+class MakerCard;
+class PictureView;
+class QLabel;
+class QToolButton;
+
+/// One item: its picture, where it lies, its style and its maker. Lives on the interface thread.
+class ItemDetails : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit ItemDetails(QWidget* parent = nullptr);
+
+    void show(const GalleryModel& model, int row);
+
+Q_SIGNALS:
+    /// The user wants to see the item where it lies.
+    void folderAsked();
+    void styleAsked(std::int32_t style);
+    void makerAsked(std::int32_t maker);
+    void favouriteClicked();
+
+private:
+    void showPictureState(const QModelIndex& index);
+
+    QLabel* mTitle;
+    PictureView* mPicture;
+    QLabel* mPictureNote;
+    QToolButton* mFavourite;
+    DetailRows* mRows;
+    QLabel* mCatalog;
+    QLabel* mFolder;
+    QLabel* mPaneName;
+    QLabel* mStyle;
+    QLabel* mMaker;
+    MakerCard* mMakerCard;
+    std::int32_t mStyleNumber = -1;
+    std::int32_t mMakerNumber = -1;
+    QPersistentModelIndex mIndex;
+};

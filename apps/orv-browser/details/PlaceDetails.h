@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QWidget>
+
+#include "apps/orv-browser/models/ItemIndex.h"
+#include "apps/orv-browser/models/Place.h"
+
+class DetailRows;
+class QLabel;
+class QPushButton;
+
+/// A place of which no item is selected: for a catalog its version, size, date and numbers, and what can be
+/// done with it; for any other place its number of items. Lives on the interface thread.
+class PlaceDetails : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit PlaceDetails(QWidget* parent = nullptr);
+
+    /// @param count items of the place that are shown
+    void show(const Place& place, const ItemIndex& index, int count);
+
+Q_SIGNALS:
+    void checkAsked();
+    /// The user wants the service's catalog anew, whatever is installed.
+    void fetchAgainAsked(const Place& place);
+
+private:
+    void showCatalog(const CatalogContent& catalog);
+    void openFolder() const;
+
+    Place mPlace;
+    QLabel* mTitle;
+    QLabel* mProblem;
+    DetailRows* mRows;
+    QLabel* mItems;
+    QLabel* mFolders;
+    QLabel* mVersion;
+    QLabel* mSize;
+    QLabel* mDate;
+    QLabel* mHint;
+    QPushButton* mCheck;
+    QPushButton* mFetchAgain;
+    QPushButton* mShowFile;
+};

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QDialog>
+
+class QMainWindow;
+
+/// The keys of the window, read from its menus, and those of the gallery.
+class ShortcutSheet : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit ShortcutSheet(QMainWindow& window);
+};

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QStyledItemDelegate>
+
+/// Paints the items of the gallery: in the grid a tile with the picture, the name below it and the star of a
+/// favourite; in the list a small picture before the name. Lives on the interface thread.
+class GalleryDelegate : public QStyledItemDelegate
+{
+    Q_OBJECT
+
+public:
+    /// @param isGrid tiles; else rows of a list
+    GalleryDelegate(bool isGrid, QObject* parent);
+
+    /// The side of the picture in pixels.
+    void setSide(int side) { mSide = side; }
+    int side() const { return mSide; }
+    /// The size of a tile around such a picture.
+    QSize tileSize(const QWidget& view) const;
+    /// Where the star of a tile is clicked.
+    static QRect starArea(const QRect& tile, Qt::LayoutDirection direction);
+
+    void paint(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+
+private:
+    void paintTile(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
+    void paintName(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area,
+                   const QString& name) const;
+
+    bool mIsGrid;
+    int mSide = 128;
+};

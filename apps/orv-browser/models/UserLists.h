@@ -1,0 +1,70 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QJsonArray>
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include "OrvLibrary/host/fileString.h"
+
+class ItemIndex;
+
+/// The user's own lists of items: the favourites, and the items that were looked at last. They are kept in
+/// "browser-lists.json" below the root. Lives on the interface thread.
+class UserLists : public QObject
+{
+    Q_OBJECT
+
+public:
+    using Key = std::pair<fileString, long long>; ///< the catalog's file and the item's id
+
+    /// Reads the file; a missing or damaged one means empty lists.
+    explicit UserLists(fileString root, QObject* parent = nullptr);
+    ~UserLists() override;
+
+    /// Favourites that are installed, sorted.
+    std::vector<Key> favourites() const;
+    bool isFavourite(const Key& key) const;
+    /// Makes items favourites, or no favourites any more, and saves the list.
+    /// @param names the items' names, in the same order
+    void setFavourites(const std::vector<Key>& keys, const std::vector<QString>& names, bool areFavourites);
+    /// Items that are installed, the last one first.
+    std::vector<Key> recent() const;
+    void addRecent(const Key& key, const QString& name);
+
+    /// Finds the items again in catalogs that were replaced: ids may stand for other items there, but an item
+    /// keeps its name. Items that cannot be found wait in the lists for their catalog to come back.
+    void followIndex(const ItemIndex& index);
+
+    /// Why the lists could not be saved last time, for people; empty when they were.
+    const QString& problem() const { return mProblem; }
+
+Q_SIGNALS:
+    void favouritesChanged();
+    void recentChanged();
+
+private:
+    struct Entry
+    {
+        Key key;
+        QString name;
+        bool isInstalled = true;
+    };
+    using Entries = std::vector<Entry>;
+
+    Entries read(const QJsonArray& list) const;
+    QJsonArray written(const Entries& entries) const;
+    void save();
+    static bool follow(Entries& entries, const ItemIndex& index);
+    static std::vector<Key> installed(const Entries& entries);
+
+    fileString mRoot;
+    Entries mFavourites;
+    Entries mRecent;
+    QString mProblem;
+    QTimer mSaveLater;
+};

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <vector>
+
+#include <QObject>
+
+#include "apps/orv-browser/models/Place.h"
+
+class PlacesModel;
+class QModelIndex;
+class QTreeView;
+
+/// Keeps what the user has open in the tree of places while catalogs are read again: the same nodes are open
+/// afterwards, and the same place is the current one. Lives as long as the view.
+class PlaceMemory : public QObject
+{
+    Q_OBJECT
+
+public:
+    PlaceMemory(QTreeView& view, PlacesModel& model);
+
+    /// The places that are open.
+    const std::vector<Place>& open() const { return mOpen; }
+    /// Opens places as soon as their catalogs are read.
+    void setOpen(std::vector<Place> places);
+    /// Makes a place the current one as soon as its catalog is read.
+    void wantCurrent(const Place& place) { mCurrent = place; }
+    /// Whether the tree is being put back, so that its current place says nothing about the user.
+    bool isRestoring() const { return mIsRestoring; }
+
+Q_SIGNALS:
+    /// The tree is as it was, or as near to that as the new content allows.
+    void restored();
+
+private:
+    void noteOpened(const QModelIndex& index);
+    void noteClosed(const QModelIndex& index);
+    void remember(const fileString& database);
+    void restore(const QModelIndex& catalog);
+
+    QTreeView& mView;
+    PlacesModel& mModel;
+    std::vector<Place> mOpen;
+    Place mCurrent; ///< to become the current place again; everything for none
+    bool mIsRestoring = false;
+};

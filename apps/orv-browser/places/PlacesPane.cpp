@@ -1,0 +1,136 @@
+#include "apps/orv-browser/places/PlacesPane.h"
+
+#include <algorithm>
+
+#include <QEventLoop>
+#include <QMimeData>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+#include "OrvLibrary/LibraryFilterManager.h"
+#include "apps/orv-browser/models/LibraryContent.h"
+#include "apps/orv-browser/models/UserLists.h"
+#include "apps/orv-browser/places/PlaceDelegate.h"
+#include "apps/orv-browser/places/PlaceMemory.h"
+#include "apps/orv-browser/places/PlacesModel.h"
+
+PlacesPane::PlacesPane(LibraryContent& content, const UserLists& lists, QWidget* parent)
+    : QWidget(parent),
+      mContent(content),
+      mLists(lists),
+      mModel(new PlacesModel(content, this)),
+      mTree(new QTreeView),
+      mMemory(new PlaceMemory(*mTree, *mModel))
+{
+    buildTree();
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(mTree);
+    const auto showLists = [this] {
+        mModel->setListCounts(static_cast<int>(mLists.favourites().size()),
+                              static_cast<int>(mLists.recent().size()));
+    };
+    connect(&mLists, &UserLists::favouritesChanged, this, showLists);
+    connect(&mLists, &UserLists::recentChanged, this, showLists);
+    showLists();
+    connect(&mContent, &LibraryContent::catalogsChanged, this, &PlacesPane::openNewCategories);
+    connect(&mContent, &LibraryContent::indexChanged, this, &PlacesPane::applyFilter);
+    connect(mTree->selectionModel(), &QItemSelectionModel::currentChanged, this, &PlacesPane::chooseCurrent);
+    connect(mMemory, &PlaceMemory::restored, this, &PlacesPane::chooseCurrent);
+    connect(mModel, &PlacesModel::itemsDropped, this, [this](const QMimeData* dropped, const Place& target) {
+        const std::vector<ItemDrag::Item> items = ItemDrag::decode(*dropped);
+        if (!items.empty())
+            Q_EMIT itemsDropped(items, target);
+    });
+}
+
+/// The view goes first: the model's rows leave one by one, and each would choose another place.
+PlacesPane::~PlacesPane()
+{
+    delete mTree;
+}
+
+void PlacesPane::buildTree()
+{
+    mTree->setObjectName(QStringLiteral("places"));
+    mTree->setAccessibleName(tr("Places"));
+    mTree->setModel(mModel);
+    mTree->setItemDelegate(new PlaceDelegate(this));
+    mTree->setHeaderHidden(true);
+    mTree->setUniformRowHeights(true);
+    mTree->setIconSize({18, 18});
+    mTree->setIndentation(14);
+    mTree->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    mTree->setTextElideMode(Qt::ElideRight);
+    mTree->setDragDropMode(QAbstractItemView::DropOnly);
+    mTree->setDefaultDropAction(Qt::CopyAction);
+    mTree->setEditTriggers(QAbstractItemView::NoEditTriggers);
+}
+
+Place PlacesPane::current() const
+{
+    return mModel->placeOf(mTree->currentIndex());
+}
+
+void PlacesPane::setCurrent(const Place& place)
+{
+    const QModelIndex index = mModel->indexOf(place);
+    if (!index.isValid() && place.isInCatalog()) {
+        mMemory->wantCurrent(place);
+        return;
+    }
+    mTree->setCurrentIndex(index);
+    if (index.isValid())
+        mTree->scrollTo(index);
+}
+
+void PlacesPane::chooseCurrent()
+{
+    const Place place = current();
+    if (mMemory->isRestoring() || place == mLast)
+        return;
+    mLast = place;
+    const QString problem = mTree->currentIndex().data(PlacesModel::kProblemRole).toString();
+    if (!problem.isEmpty())
+        mContent.reload(place.database); // it may be whole again
+    Q_EMIT chosen(place);
+}
+
+void PlacesPane::openNewCategories()
+{
+    for (const LibraryContent::Catalog& catalog : mContent.catalogs()) {
+        const auto empty = std::find(mEmpty.begin(), mEmpty.end(), catalog.category);
+        if (empty == mEmpty.end())
+            continue;
+        mEmpty.erase(empty); // what the user closes from now on stays closed
+        mTree->expand(mModel->indexOf({Place::Kind::Category, catalog.category, {}, -1}));
+    }
+}
+
+void PlacesPane::applyFilter()
+{
+    const LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
+    mModel->forEachCatalog([&](const QModelIndex& category, const Library::TreeData& catalog) {
+        // What is not read yet, or cannot be read, is in no filter.
+        const auto content = mContent.index()->find(catalog.getDatabasePath());
+        const bool isShown =
+            !manager.hasActiveFilter() || (content && manager.isFilteredDatabase(content->id()));
+        mTree->setRowHidden(catalog.row(), category, !isShown);
+    });
+}
+
+std::vector<FilterEditor::Database> PlacesPane::databases()
+{
+    QEventLoop loop;
+    connect(&mContent, &LibraryContent::indexChanged, &loop, [&] {
+        if (!mContent.isReading())
+            loop.quit();
+    });
+    if (mContent.isReading())
+        loop.exec();
+    std::vector<FilterEditor::Database> databases;
+    for (const auto& content : mContent.index()->catalogs())
+        if (!content->id().empty())
+            databases.push_back({content->id(), content->name().toStdString()});
+    return databases;
+}

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <vector>
+
+#include <QToolButton>
+#include <QVariant>
+
+/// A choice above the gallery, such as one style: a button that names it and opens the list of what can be
+/// chosen, each with the number of items that it would leave.
+class FacetChip : public QToolButton
+{
+    Q_OBJECT
+
+public:
+    struct Value
+    {
+        QVariant value;
+        QString name;
+        int count = 0;
+    };
+
+    /// @param title what the choice is about, such as "Style"
+    FacetChip(const QString& title, QWidget* parent = nullptr);
+
+    /// The chosen value; invalid for none.
+    const QVariant& value() const { return mValue; }
+    /// The name of the chosen value; empty for none.
+    const QString& valueName() const { return mName; }
+    void choose(const QVariant& value, const QString& name);
+    void clear();
+    /// What can be chosen now. The chosen value stays, even where it would leave nothing.
+    void setValues(std::vector<Value> values);
+
+Q_SIGNALS:
+    /// The user chose another value, or none.
+    void chosen();
+
+private:
+    void fillMenu();
+    void showChoice();
+
+    QString mTitle;
+    QVariant mValue;
+    QString mName;
+    std::vector<Value> mValues;
+};
