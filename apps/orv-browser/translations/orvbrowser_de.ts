@@ -392,6 +392,17 @@
         <source>The manufacturer records were refreshed.</source>
         <translation>Die Herstellerdaten wurden aufgefrischt.</translation>
     </message>
+    <message numerus="yes">
+        <source>%n logo(s) could not be fetched.</source>
+        <translation>
+            <numerusform>%n Logo konnte nicht geladen werden.</numerusform>
+            <numerusform>%n Logos konnten nicht geladen werden.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The manufacturer records were not refreshed: %1</source>
+        <translation>Die Herstellerdaten wurden nicht aufgefrischt: %1</translation>
+    </message>
 </context>
 <context>
     <name>MessageBar</name>

@@ -22,6 +22,16 @@
     </message>
 </context>
 <context>
+    <name>ManufacturerPreview</name>
+    <message numerus="yes">
+        <source>%n logo(s) could not be fetched.</source>
+        <translation>
+            <numerusform>%n logo could not be fetched.</numerusform>
+            <numerusform>%n logos could not be fetched.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>NothingFoundPage</name>
     <message numerus="yes">
         <source>%Ln item(s) elsewhere</source>
