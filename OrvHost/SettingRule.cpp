@@ -66,7 +66,7 @@ const std::vector<SettingRule>& SettingRule::all()
         {"connections", Kind::Number, 1, 96, 16},
         {"limitRate", Kind::Number, 0, kLargest, 0},
         {"historyVersions", Kind::Number, 1, kMostVersions, 3},
-        {"historyBytes", Kind::Number, 0, kLargest, 2000000000},
+        {"historyBytes", Kind::Number, 0, kLargest, 2147483648},
     };
     return kRules;
 }

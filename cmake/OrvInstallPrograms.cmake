@@ -18,6 +18,8 @@ set(manual)
 foreach(page IN ITEMS
         orv-browser
         orv-library
+        orv-library-check
+        orv-library-doctor
         orv-library-filters
         orv-library-help
         orv-library-history
@@ -33,6 +35,7 @@ foreach(page IN ITEMS
         orv-library-publish
         orv-library-release
         orv-library-restore
+        orv-library-runs
         orv-library-sample
         orv-library-serve
         orv-library-settings

@@ -7,6 +7,7 @@
 #include "OrvHost/update/CatalogFolders.h"
 #include "OrvHost/update/CheckHistory.h"
 #include "OrvHost/update/PartialFiles.h"
+#include "OrvHost/update/RunJournal.h"
 #include "OrvLibrary/host/Application.h"
 
 namespace OrvHost {
@@ -40,6 +41,8 @@ std::atomic<bool> isCancelled{false};
 
 CatalogUpdateRun::CatalogUpdateRun(const Request& request) : mRequest(request), mSwapper(request.history)
 {
+    if (!mRequest.onlyChecks)
+        mLock.emplace();
     mRequest.access.apply();
 }
 
@@ -53,10 +56,12 @@ CatalogUpdateRun::~CatalogUpdateRun()
 void CatalogUpdateRun::start(QObject& host)
 {
     mStart = QDateTime::currentDateTimeUtc();
-    mSwapper.setDatabaseCheck(mRequest.checksDatabases);
-    readPins();
     isCancelled = false;
-    PartialFiles(PartialFiles::defaultFolder()).prune();
+    mPins.emplace(CatalogFolders::root());
+    mJournal = std::make_unique<RunJournal>(CatalogFolders::root());
+    mJournal->begin(mRequest.onlyChecks ? "check" : "update", mStart);
+    if (!mRequest.onlyChecks)
+        recover();
     const LibraryCatalogUpdater updater(
         host, CatalogFolders::core().catalogs(), catalogSet(CatalogFolders::bonus(), mRequest.bonus),
         catalogSet(CatalogFolders::manufacturer(), mRequest.manufacturer), mRequest.product,
@@ -82,15 +87,16 @@ CarefulCurl::Settings CatalogUpdateRun::serviceSettings() const
     return settings;
 }
 
-void CatalogUpdateRun::readPins()
+void CatalogUpdateRun::recover()
 {
-    mPins.emplace(CatalogFolders::root());
+    mSwapper.setDatabaseCheck(mRequest.checksDatabases);
     std::set<CatalogPlace> held;
     for (const auto& [place, version] : mPins->held())
         held.insert(place);
     if (mPins->reconcile())
         mPins->save();
     mSwapper.recover(held);
+    PartialFiles(PartialFiles::defaultFolder()).prune();
 }
 
 void CatalogUpdateRun::cancel()
@@ -102,9 +108,11 @@ void CatalogUpdateRun::cancel()
 void CatalogUpdateRun::work(LibraryCatalogUpdater updater)
 {
     try {
-        updater();
-        mHeldFailures = HeldVersions::fetch(*mService, mKeeper->offers(), mRequest.checksDatabases,
-                                            [] { return isCancelled.load(); });
+        mRequest.onlyChecks ? updater.check() : updater();
+        mRecords = updater.catalogs();
+        if (!mRequest.onlyChecks)
+            mHeldFailures = HeldVersions::fetch(*mService, mKeeper->offers(), mRequest.checksDatabases,
+                                                [] { return isCancelled.load(); });
     } catch (...) {
         mException = std::current_exception();
     }
@@ -137,10 +145,13 @@ UpdateOutcome CatalogUpdateRun::finish(const std::optional<LibraryCatalogUpdate:
     for (const fileString& destination : remaining)
         outcome.notes.push_back("the hash file still lists " + destination.toNativeString());
     try {
+        mJournal->endUpdate(outcome, checkOutcome(root));
         saveHistory(outcome, root);
     } catch (const std::runtime_error& error) {
         outcome.notes.emplace_back(error.what());
     }
+    if (!mJournal->problem().empty())
+        outcome.notes.push_back(mJournal->problem());
     if (mException)
         std::rethrow_exception(mException);
     return outcome;
@@ -173,6 +184,38 @@ void CatalogUpdateRun::noteNews(const std::vector<CatalogChanges>& news, UpdateO
     } catch (const std::runtime_error& error) {
         outcome.notes.emplace_back(error.what());
     }
+}
+
+CheckOutcome CatalogUpdateRun::finishCheck(bool wasCancelled, const fileString& root)
+{
+    endWorker();
+    if (mException)
+        std::rethrow_exception(mException);
+    const CheckOutcome found = checkOutcome(root);
+    mJournal->endCheck(mService->report(), found, wasCancelled);
+    if (!wasCancelled)
+        noteAnswers(found, root);
+    return found;
+}
+
+CheckOutcome CatalogUpdateRun::checkOutcome(const fileString& root) const
+{
+    const auto isHeld = [this](const CatalogPlace& place) { return mPins->isHeld(place); };
+    return CheckOutcome::of(mRecords, mService->report(), isHeld, root);
+}
+
+/// A history that cannot be written is no failure of a check: it has told what it found.
+void CatalogUpdateRun::noteAnswers(const CheckOutcome& found, const fileString& root) const
+try {
+    CheckHistory history(root);
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    history.noteAttempt(now, found.error);
+    if (found.kind != CheckOutcome::Kind::Failed)
+        history.noteGoodCheck(now);
+    for (const CatalogReport& catalog : mService->report().catalogs)
+        history.noteAnswer(catalog.asked, catalog.status, now, catalog.reason);
+    history.save();
+} catch (const std::runtime_error&) {
 }
 
 void CatalogUpdateRun::saveHistory(const UpdateOutcome& outcome, const fileString& root) const

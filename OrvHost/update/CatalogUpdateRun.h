@@ -16,12 +16,15 @@
 #include "OrvHost/history/VersionKeeper.h"
 #include "OrvHost/update/CarefulCurl.h"
 #include "OrvHost/update/CatalogSwapper.h"
+#include "OrvHost/update/CheckOutcome.h"
 #include "OrvHost/update/ServiceAccess.h"
 #include "OrvHost/update/UpdateLock.h"
 #include "OrvHost/update/UpdateOutcome.h"
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
 namespace OrvHost {
+
+class RunJournal;
 
 /// One catalog update as a host runs it: the lock against a second one, the catalogs that an update which
 /// died had left, the updater on a worker thread, a download service that judges what it is told, and
@@ -51,6 +54,8 @@ public:
         int retries = 3;
         /// Before the first of them; later ones wait longer.
         std::chrono::milliseconds firstPause{500};
+        /// Ends after the check: nothing is fetched, put in place or locked.
+        bool onlyChecks = false;
         /// How much of what is replaced is kept.
         CatalogHistory::Bounds history = {};
     };
@@ -77,6 +82,10 @@ public:
     UpdateOutcome finish(const std::optional<LibraryCatalogUpdate::UpdateData>& closing,
                          const fileString& root);
 
+    /// The same for a run that only checks; `LastCheck` tells the same later.
+    /// @param wasCancelled whether the user ended it
+    CheckOutcome finishCheck(bool wasCancelled, const fileString& root);
+
     CatalogSwapper& swapper() { return mSwapper; }
 
 Q_SIGNALS:
@@ -85,23 +94,28 @@ Q_SIGNALS:
 
 private:
     CarefulCurl::Settings serviceSettings() const;
-    void readPins();
+    void recover();
     void work(LibraryCatalogUpdate::LibraryCatalogUpdater updater);
     void endWorker();
     void noteHeld(UpdateOutcome& outcome);
     void noteNews(const std::vector<CatalogChanges>& news, UpdateOutcome& outcome) const;
     void saveHistory(const UpdateOutcome& outcome, const fileString& root) const;
 
-    UpdateLock mLock;
+    CheckOutcome checkOutcome(const fileString& root) const;
+    void noteAnswers(const CheckOutcome& found, const fileString& root) const;
+
+    std::optional<UpdateLock> mLock; ///< none for a check
     Request mRequest;
     CatalogSwapper mSwapper;
     QDateTime mStart;
     Curl* mFormerService = nullptr;
-    std::optional<CatalogPins> mPins;                 ///< as they are when the run starts
-    std::unique_ptr<VersionKeeper> mKeeper;           ///< below the service
-    std::unique_ptr<CarefulCurl> mService;            ///< installed while the worker runs
-    std::vector<HeldVersions::Failure> mHeldFailures; ///< this and the next one written by the worker
-    std::exception_ptr mException;                    ///< before it ends, read after
+    std::optional<CatalogPins> mPins;       ///< as they are when the run starts
+    std::unique_ptr<VersionKeeper> mKeeper; ///< below the service
+    std::unique_ptr<CarefulCurl> mService;  ///< installed while the worker runs
+    std::unique_ptr<RunJournal> mJournal;
+    std::vector<HeldVersions::Failure> mHeldFailures; ///< this and the next two written by the worker
+    LibraryCatalogUpdate::CatalogMap mRecords;        ///< before it ends, read after
+    std::exception_ptr mException;
     std::thread mWorker;
 };
 

@@ -13,6 +13,7 @@ enum class ExitStatus
     Done = 0,
     Failed = 1,
     WrongUsage = 2,
+    UpdatesWait = 3, ///< of `check` alone
     Interrupted = 130
 };
 

@@ -1,4 +1,6 @@
+#include "apps/orv-library/CheckCommand.h"
 #include "apps/orv-library/Command.h"
+#include "apps/orv-library/DoctorCommand.h"
 #include "apps/orv-library/FiltersCommand.h"
 #include "apps/orv-library/HelpCommand.h"
 #include "apps/orv-library/HistoryCommand.h"
@@ -13,6 +15,7 @@
 #include "apps/orv-library/PathsCommand.h"
 #include "apps/orv-library/PublishCommand.h"
 #include "apps/orv-library/RestoreCommand.h"
+#include "apps/orv-library/RunsCommand.h"
 #include "apps/orv-library/SampleCommand.h"
 #include "apps/orv-library/ServeCommand.h"
 #include "apps/orv-library/SettingsCommand.h"
@@ -48,6 +51,9 @@ CommandList allCommands()
     commands.push_back(std::make_unique<SampleCommand>());
     commands.push_back(std::make_unique<ServeCommand>());
     commands.push_back(std::make_unique<StylesCommand>());
+    commands.push_back(std::make_unique<CheckCommand>());
+    commands.push_back(std::make_unique<RunsCommand>());
+    commands.push_back(std::make_unique<DoctorCommand>());
     commands.push_back(std::make_unique<SettingsCommand>());
     commands.push_back(std::make_unique<HelpCommand>());
     return commands;

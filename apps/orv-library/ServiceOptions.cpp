@@ -1,7 +1,5 @@
 #include "apps/orv-library/ServiceOptions.h"
 
-#include <filesystem>
-
 #include "OrvHost/AppHost.h"
 #include "OrvLibrary/host/Curl.h"
 #include "apps/orv-library/Command.h"
@@ -22,8 +20,7 @@ void requireCatalogNames(const std::vector<std::string>& names)
 /// A value of the command line keeps to the rule of its setting.
 void require(const std::string& option, const char* key, std::int64_t number)
 try {
-    if (number != -1)
-        Settings().set(key, {std::to_string(number)});
+    Settings().set(key, {std::to_string(number)});
 } catch (const Settings::Refusal& refusal) {
     const std::string text = refusal.what();
     throw UsageError(option + text.substr(text.find(':')));
@@ -64,8 +61,10 @@ void ServiceOptions::checkGiven() const
 {
     requireCatalogNames(mBonus);
     requireCatalogNames(mManufacturer);
-    require("--retries", "retries", mRetries);
-    require("--limit-rate", "limitRate", mLimitRate);
+    if (mRetries != kNotGiven)
+        require("--retries", "retries", mRetries);
+    if (mLimitRate != kNotGiven)
+        require("--limit-rate", "limitRate", mLimitRate);
 }
 
 void ServiceOptions::complete(const Settings& settings)
@@ -79,9 +78,9 @@ void ServiceOptions::complete(const Settings& settings)
     replace(mValues.proxy, mProxy);
     add(mValues.bonus, mBonus);
     add(mValues.manufacturer, mManufacturer);
-    if (mRetries >= 0)
+    if (mRetries != kNotGiven)
         mValues.retries = static_cast<int>(mRetries);
-    if (mLimitRate >= 0)
+    if (mLimitRate != kNotGiven)
         mValues.limitRate = mLimitRate;
 }
 
@@ -92,14 +91,18 @@ void ServiceOptions::requireAddress() const
             "no address: give --url, or set it once with 'orv-library settings set url ADDRESS'");
 }
 
+OrvHost::ServiceAccess ServiceOptions::access() const
+{
+    OrvHost::ServiceAccess access;
+    access.certificates = mValues.certificates;
+    access.proxy = mValues.proxy;
+    access.limitRate = mValues.limitRate;
+    return access;
+}
+
 void ServiceOptions::apply() const
 {
-    std::error_code error;
-    if (!mValues.certificates.empty() && !std::filesystem::exists(mValues.certificates, error))
-        throw CommandFailure("no certificates: " + mValues.certificates + ": No such file or directory");
-    Curl::setCertificates(mValues.certificates);
-    Curl::setProxy(mValues.proxy);
-    Curl::setRateLimit(mValues.limitRate);
+    access().apply();
     Curl::setConnectionLimit(mValues.connections);
 }
 
@@ -113,5 +116,9 @@ OrvHost::CatalogUpdateRun::Request ServiceOptions::request() const
     request.bonus = mValues.bonus;
     request.manufacturer = mValues.manufacturer;
     request.checksDatabases = !mNoDatabaseCheck;
+    request.retries = mValues.retries;
+    request.access = access();
+    request.history.versions = mValues.historyVersions;
+    request.history.bytes = mValues.historyBytes;
     return request;
 }

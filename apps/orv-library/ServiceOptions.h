@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <vector>
 
@@ -22,7 +23,7 @@ public:
     void requireAddress() const;
 
     /// Gives the download service its proxy, certificates and bounds.
-    /// @throws CommandFailure when the certificates are not there
+    /// @throws std::runtime_error when the certificates cannot be read
     void apply() const;
     OrvHost::CatalogUpdateRun::Request request() const;
     /// Of the content index.
@@ -31,8 +32,11 @@ public:
 
 private:
     void checkGiven() const;
+    OrvHost::ServiceAccess access() const;
 
-    // As they were given; empty, or below zero, for what was not.
+    static constexpr std::int64_t kNotGiven = std::numeric_limits<std::int64_t>::min();
+
+    // As they were given; empty, or `kNotGiven`, for what was not.
     std::string mUrl;
     std::string mProduct;
     std::string mProductVersion;
@@ -41,8 +45,8 @@ private:
     std::string mProxy;
     std::vector<std::string> mBonus;
     std::vector<std::string> mManufacturer;
-    std::int64_t mRetries = -1;
-    std::int64_t mLimitRate = -1;
+    std::int64_t mRetries = kNotGiven;
+    std::int64_t mLimitRate = kNotGiven;
     bool mCoreOnly = false;
     bool mNoDatabaseCheck = false;
     OrvHost::Settings::Values mValues; ///< what holds; filled by `complete`

@@ -17,10 +17,15 @@ OrvHost::AppHost& Session::host()
 
 OrvHost::AppHost& Session::existingHost()
 {
+    requireRoot();
+    return make({});
+}
+
+void Session::requireRoot() const
+{
     if (!rootExists())
         throw CommandFailure(root().toNativeString() +
                              ": there is no library; 'orv-library update' makes one");
-    return make({});
 }
 
 OrvHost::AppHost& Session::rootlessHost()

@@ -30,6 +30,8 @@ public:
     /// command that works on a root.
     /// @throws CommandFailure when there is no such root; nothing is created then
     OrvHost::AppHost& existingHost();
+    /// The same demand alone.
+    void requireRoot() const;
     /// A host for a command that needs no root: it makes none. Temporary files lie in that of a root that is
     /// there, else in a folder of the system's temporary one, which goes with the session.
     OrvHost::AppHost& rootlessHost();

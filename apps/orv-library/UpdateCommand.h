@@ -1,9 +1,8 @@
 #pragma once
 
-#include "OrvHost/AppHost.h"
-#include "OrvHost/update/CatalogUpdateRun.h"
-#include "OrvLibrary/OrvLibraryVersion.h"
+#include "OrvHost/update/UpdateOutcome.h"
 #include "apps/orv-library/Command.h"
+#include "apps/orv-library/ServiceOptions.h"
 
 /// `update`: one catalog update, on a worker thread, with the event loop in the main thread.
 class UpdateCommand : public Command
@@ -15,19 +14,8 @@ public:
 
 private:
     ExitStatus run(Session& session);
-    void checkValues() const;
-    OrvHost::CatalogUpdateRun::Request request() const;
     ExitStatus report(Session& session, const OrvHost::UpdateOutcome& outcome,
                       std::size_t formerLogEntries) const;
 
-    std::string mUrl;
-    std::string mProduct = OrvHost::AppHost::kName;
-    std::string mProductVersion = ORVLIBRARY_VERSION_STRING;
-    std::string mIndex;
-    std::vector<std::string> mBonus;
-    std::vector<std::string> mManufacturer;
-    OrvHost::ServiceAccess mAccess;
-    std::int64_t mRetries = 3;
-    bool mCoreOnly = false;
-    bool mNoDatabaseCheck = false;
+    ServiceOptions mOptions;
 };

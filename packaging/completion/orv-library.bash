@@ -4,7 +4,7 @@ _orv_library() {
     local commands="paths update list info unpack import undo pack filters manufacturers styles log status verify"
     commands+=" history restore hold release news"
     commands+=" publish serve sample"
-    commands+=" help settings"
+    commands+=" help settings check runs doctor"
     local common="--root --json --progress --trace --help --version"
     local keys="url product productVersion bonus manufacturer manufacturerDataUrl manufacturerLogoUrl proxy"
     keys+=" certificates retries connections limitRate historyVersions historyBytes"
@@ -15,7 +15,7 @@ _orv_library() {
 
     case $previous in
         --root | --output-dir) COMPREPLY=($(compgen -d -- "$current")); return ;;
-        --trace | --output) COMPREPLY=($(compgen -f -- "$current")); return ;;
+        --trace | --output | --cacert | --report) COMPREPLY=($(compgen -f -- "$current")); return ;;
         --progress) COMPREPLY=($(compgen -W "auto bar plain none" -- "$current")); return ;;
     esac
     [[ $current != -* ]] && case $previous in
@@ -24,6 +24,7 @@ _orv_library() {
         styles) COMPREPLY=($(compgen -W "list show" -- "$current")); return ;;
         settings) COMPREPLY=($(compgen -W "list get set unset" -- "$current")); return ;;
         get | set | unset) [[ $command == settings ]] && COMPREPLY=($(compgen -W "$keys" -- "$current")) && return ;;
+        runs) COMPREPLY=($(compgen -W "show" -- "$current")); return ;;
         help) COMPREPLY=($(compgen -W "$commands" -- "$current")); return ;;
         log) COMPREPLY=($(compgen -W "show path clear" -- "$current")); return ;;
     esac
@@ -33,9 +34,13 @@ _orv_library() {
         COMPREPLY=($(compgen -f -- "$current"))
         return
     fi
+    local service="--url --product --product-version --retries --no-database-check --cacert --proxy --limit-rate"
+    service+=" --core-only --index --bonus --manufacturer"
     local options=""
     case $command in
-        update) options="--url --product --product-version --retries --cacert --proxy --limit-rate --no-database-check --core-only --index --bonus --manufacturer" ;;
+        update) options="$service" ;;
+        doctor) options="$service --report" ;;
+        check) options="$service --explain --quiet --max-age" ;;
         unpack) options="--beside --output-dir" ;;
         import) options="--proprietary --dry-run --set-aside --no-database-check" ;;
         pack) options="--output --no-database-check" ;;

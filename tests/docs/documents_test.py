@@ -201,8 +201,8 @@ class Formats(unittest.TestCase):
         by_their_rooms = {"catalog_filters", "manufacturer_data"}
         self.assertEqual(found - by_their_rooms, {
             "browser-lists", "browser-settings", "browser-state", "catalog-database", "catalog-news", "catalog-pins",
-            "catalog_hash", "content-index", "errors-log", "preferences", "former-imports", "history", "service-maps",
-            "settings", "update-history"})
+            "catalog_hash", "content-index", "errors-log", "former-imports", "history", "last-check", "preferences",
+            "runs", "service-maps", "settings", "update-history"})
 
     def test_every_file_has_a_page(self):
         """Whatever the programs leave behind in a root and in a service is named in the index."""
@@ -311,6 +311,20 @@ class Formats(unittest.TestCase):
         written = sorted(os.listdir(os.path.join(self.root, "history", "core", "Doors.orvlib")))
         self.assertEqual(len(written), 3)
         self.assertRegex(written[-1], r"^\d{8}T\d{9}=\.orvlib$")
+
+    def test_runs(self):
+        [text] = self.examples("runs", "json")
+        self.write("root/runs.json", text)
+        [run] = json.loads(text)["runs"]
+        self.assertEqual(self.program("runs", "show", "1"), run)
+        del run["catalogs"]
+        self.assertEqual(self.program("runs"), {"runs": [run]})
+
+    def test_last_check(self):
+        [text] = self.examples("last-check", "json")
+        self.write("root/last-check.json", text)
+        document = self.program("check", "--max-age", "1000000", status=3)
+        self.assertEqual(document, {**json.loads(text)["document"], "asked": False})
 
     def test_settings(self):
         [text] = self.examples("settings", "json")

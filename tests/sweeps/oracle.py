@@ -14,7 +14,8 @@ VOLATILE = re.compile(r"^root/user/errors\.log$|^root/former-imports(/|$)")
 STAMPED = re.compile(r"^root/manufacturer-data/manufacturer_data(_temp)?\.json(\.bak)?$")
 STAMP = re.compile(rb"\d{8}T\d{6}(\.\d+)?")
 # What it says differs from run to run; it must be sound.
-HISTORY = "root/update-history.json"
+# Files that tell the time, so that their contents differ from run to run.
+HISTORIES = ("root/update-history.json", "root/runs.json", "root/last-check.json")
 # Where a disturbed run may leave files that the next one removes: never under a name that a host takes for data.
 LEFTOVER = re.compile(r"^root/temp/|(^|/)\.[^/]+$")
 # A former version of a catalog: the time when it was replaced, and its tag.
@@ -29,7 +30,7 @@ def digest(path, relative):
         content = file.read()
     if STAMPED.match(relative):
         content = STAMP.sub(b"stamp", content)
-    if relative == HISTORY and is_json(content):
+    if relative in HISTORIES and is_json(content):
         return "sound history"
     if relative.endswith("/catalog_hash.txt"):
         return "parts " + repr(content.decode(errors="replace").splitlines())

@@ -246,7 +246,7 @@ class Update(Scenario):
     may_stay_out = may_lack_members
     # A line that is old or missing costs a download.
     may_stay_old = ("root/core/catalog_hash.txt", "root/bonus/catalog_hash.txt", "root/manufacturer/catalog_hash.txt",
-                    "root/update-history.json")
+                    "root/update-history.json", "root/runs.json", "root/last-check.json")
 
     @staticmethod
     def core(version):
