@@ -9,6 +9,7 @@
 #include "apps/orv-browser/Appearance.h"
 #include "apps/orv-browser/activities/ImportController.h"
 #include "apps/orv-browser/activities/UpdateController.h"
+#include "apps/orv-browser/dialogs/AddressCheck.h"
 #include "apps/orv-browser/dialogs/ManufacturerPreview.h"
 #include "apps/orv-browser/dialogs/PreferencesDialog.h"
 #include "apps/orv-browser/models/LibraryContent.h"
@@ -55,6 +56,12 @@ void LibraryActions::checkForUpdates()
     const BrowserSettings asked = mOverrides.over(mSettings);
     if (asked.serviceUrl.isEmpty())
         return;
+    const QString problem = AddressCheck::problemOf(asked.serviceUrl);
+    if (!problem.isEmpty()) {
+        Q_EMIT said(problem);
+        return;
+    }
+    Curl::forgetFailures(); // the user may have repaired the network
     Q_EMIT runningChanged(true);
     Q_EMIT said(QString()); // the panel speaks now
     mUpdates->start(asked);
@@ -105,6 +112,7 @@ void LibraryActions::refreshManufacturers()
         if (mSettings.manufacturerDataUrl.isEmpty())
             return;
     }
+    Curl::forgetFailures(); // the user may have repaired the network
     ManufacturerPreview preview(mSettings.manufacturerDataUrl, mSettings.manufacturerLogoUrl, &mWindow);
     if (preview.exec() != QDialog::Accepted)
         return;
@@ -126,6 +134,7 @@ void LibraryActions::editPreferences()
         return;
     mSettings = dialog.settings();
     Curl::setProxy(mSettings.proxy.toStdString());
+    Curl::forgetFailures(); // another address or proxy may be the cure
     Appearance::apply(mSettings.colours);
     QString reason;
     if (!mSettings.save(mRoot, reason))

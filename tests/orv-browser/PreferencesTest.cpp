@@ -1,3 +1,4 @@
+#include <atomic>
 #include <map>
 
 #include <QAction>
@@ -97,6 +98,74 @@ TEST_F(BrowserPreferencesTest, cancelledDialogKeepsWhatWas)
              });
     EXPECT_THAT(test::readFile(inRoot("browser.json")), HasSubstr("/old"));
     EXPECT_THAT(test::readFile(inRoot("browser.json")), Not(HasSubstr("/new")));
+}
+
+TEST_F(BrowserPreferencesTest, textThatIsNoAddressIsNotTaken)
+{
+    open();
+    const auto enter = [this](QDialog& dialog, const char* field, const QString& text) {
+        QString told;
+        line(dialog, field).setText(text);
+        QTimer::singleShot(0, [&] {
+            ASSERT_TRUE(waitFor([&] { return QApplication::activeModalWidget() != &dialog; }));
+            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            told = box->text();
+            box->accept();
+        });
+        press(dialog, QDialogButtonBox::Ok);
+        line(dialog, field).clear();
+        return told;
+    };
+    inDialog([&] { trigger("editPreferences"); },
+             [&](QDialog& dialog) {
+                 const QString end =
+                     " is no address of a service. An address begins with http:// or https:// "
+                     "and the name of a host.";
+                 for (const char* field : {"serviceUrl", "manufacturerDataUrl", "manufacturerLogoUrl"})
+                     EXPECT_EQ(enter(dialog, field, " foo "), QString::fromUtf8("“foo”") + end) << field;
+                 for (const QString text : {"ftp://127.0.0.1/redirect", "http://", "127.0.0.1:9/redirect"})
+                     EXPECT_TRUE(enter(dialog, "serviceUrl", text).endsWith(end)) << text.toStdString();
+                 EXPECT_TRUE(dialog.isVisible());
+                 line(dialog, "serviceUrl").setText("HTTPS://127.0.0.1:9/redirect");
+                 press(dialog, QDialogButtonBox::Ok);
+             });
+    EXPECT_EQ(BrowserSettings::load(fileString(inRoot(""))).serviceUrl, "HTTPS://127.0.0.1:9/redirect");
+}
+
+TEST_F(BrowserPreferencesTest, addressInTheFileThatIsNoneIsToldAndNothingIsAsked)
+{
+    test::writeFile(inRoot("browser.json"), R"({"serviceUrl": "foo", "checkAtStart": true})");
+    open();
+    EXPECT_TRUE(summary().startsWith(QString::fromUtf8("“foo” is no address of a service.")))
+        << summary().toStdString();
+    EXPECT_TRUE(child<QAction>("checkForUpdates").isEnabled());
+}
+
+TEST_F(BrowserPreferencesTest, serviceThatIsBackIsAskedAtOnceWhenTheUserWantsIt)
+{
+    std::atomic<bool> isDown = true;
+    test::FaultServer server;
+    server.otherwise([&](const test::FaultRequest& request) {
+        if (isDown)
+            return test::FaultReply::ok("").cutAt(0).reset();
+        return request.path() == "/redirect" ? test::FaultReply::redirect("/content?")
+                                             : test::FaultReply::status(404);
+    });
+    open(QString::fromStdString(server.url("/redirect")));
+    const auto check = [this] {
+        trigger("checkForUpdates");
+        ASSERT_TRUE(waitFor([&] { return child<QAction>("checkForUpdates").isEnabled(); }));
+    };
+    for (int round = 0; round < 3; ++round) {
+        check();
+        EXPECT_TRUE(summary().startsWith("The catalog service cannot be reached;"))
+            << summary().toStdString();
+    }
+    isDown = false;
+    check();
+    EXPECT_FALSE(summary().startsWith("The catalog service cannot be reached;")) << summary().toStdString();
+    EXPECT_THAT(server.requestsFor("/content"), Not(SizeIs(0)));
 }
 
 TEST_F(BrowserPreferencesTest, fileThatCannotBeReadMeansTheDefaults)

@@ -5,8 +5,10 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLineEdit>
+#include <QMessageBox>
 
 #include "apps/orv-browser/Appearance.h"
+#include "apps/orv-browser/dialogs/AddressCheck.h"
 
 namespace {
 
@@ -77,7 +79,7 @@ PreferencesDialog::PreferencesDialog(const BrowserSettings& settings, QWidget* p
     mColours->setCurrentIndex(qMax(0, mColours->findData(settings.colours)));
     layout->addRow(tr("C&olours:"), mColours);
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    connect(buttons, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesDialog::accept);
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     layout->addRow(buttons);
 }
@@ -96,4 +98,19 @@ BrowserSettings PreferencesDialog::settings() const
     settings.checkAtStart = mCheckAtStart->isChecked();
     settings.colours = mColours->currentData().toString();
     return settings;
+}
+
+void PreferencesDialog::accept()
+{
+    for (QLineEdit* line : {mServiceUrl, mManufacturerDataUrl, mManufacturerLogoUrl}) {
+        const QString address = line->text().trimmed();
+        const QString problem = address.isEmpty() ? QString() : AddressCheck::problemOf(address);
+        if (problem.isEmpty())
+            continue;
+        QMessageBox::information(this, windowTitle(), problem);
+        line->setFocus();
+        line->selectAll();
+        return;
+    }
+    QDialog::accept();
 }

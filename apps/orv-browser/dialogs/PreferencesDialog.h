@@ -19,6 +19,9 @@ public:
     /// What the user entered.
     BrowserSettings settings() const;
 
+    /// Does not take an address that is none, and says so.
+    void accept() override;
+
 private:
     QLineEdit* mServiceUrl;
     QLineEdit* mProduct;

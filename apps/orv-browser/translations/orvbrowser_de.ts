@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>AddressCheck</name>
+    <message>
+        <source>“%1” is no address of a service. An address begins with http:// or https:// and the name of a host.</source>
+        <translation>„%1“ ist keine Adresse eines Dienstes. Eine Adresse beginnt mit http:// oder https:// und dem Namen eines Rechners.</translation>
+    </message>
+</context>
+<context>
     <name>Breadcrumbs</name>
     <message>
         <source>Go to %1</source>
