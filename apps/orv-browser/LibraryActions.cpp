@@ -1,7 +1,6 @@
 #include "apps/orv-browser/LibraryActions.h"
 
 #include <QFileDialog>
-#include <QFileInfo>
 #include <QMessageBox>
 
 #include "OrvHost/update/HashFile.h"
@@ -27,7 +26,7 @@ LibraryActions::LibraryActions(QMainWindow& window, const fileString& root)
     connect(mUpdates, &UpdateController::catalogReplaced, this, &LibraryActions::catalogChanged);
     connect(mUpdates, &UpdateController::ended, this, &LibraryActions::updateEnded);
     connect(mImports, &ImportController::imported, this, &LibraryActions::archiveImported);
-    connect(mImports, &ImportController::finished, this, &LibraryActions::foldersChanged);
+    connect(mImports, &ImportController::finished, this, &LibraryActions::importsEnded);
 }
 
 void LibraryActions::start()
@@ -84,13 +83,16 @@ void LibraryActions::updateEnded(const QString& summary, bool hasProblems)
     Q_EMIT foldersChanged();
 }
 
-void LibraryActions::archiveImported(const QString& source, const fileString& library, const QString& problem)
+void LibraryActions::archiveImported(const OrvHost::ArchiveImport::Result& result)
 {
-    const QString name = QFileInfo(source).fileName();
-    if (!library.empty())
-        Q_EMIT catalogChanged(library);
-    Q_EMIT said(problem.isEmpty() ? tr("%1 was imported.").arg(name)
-                                  : tr("%1 was not imported: %2").arg(name, problem));
+    if (!result.library.empty())
+        Q_EMIT catalogChanged(result.library);
+}
+
+void LibraryActions::importsEnded(const QString& summary)
+{
+    Q_EMIT foldersChanged();
+    Q_EMIT said(summary);
 }
 
 void LibraryActions::openArchive()

@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <QObject>
 
+#include "OrvHost/imports/ArchiveImport.h"
 #include "OrvLibrary/host/fileString.h"
 #include "apps/orv-browser/BrowserSettings.h"
 #include "apps/orv-browser/dialogs/FilterEditor.h"
@@ -53,7 +54,8 @@ Q_SIGNALS:
 
 private:
     void updateEnded(const QString& summary, bool hasProblems);
-    void archiveImported(const QString& source, const fileString& library, const QString& problem);
+    void archiveImported(const OrvHost::ArchiveImport::Result& result);
+    void importsEnded(const QString& summary);
 
     QMainWindow& mWindow;
     fileString mRoot;

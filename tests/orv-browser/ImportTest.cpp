@@ -1,14 +1,20 @@
 #include <QCoreApplication>
 #include <QDropEvent>
+#include <QElapsedTimer>
 #include <QMimeData>
+#include <QProgressDialog>
+#include <QPushButton>
+#include <QTest>
 #include <QTreeView>
 #include <QUrl>
 
 #include <gmock/gmock.h>
 
+#include "OrvLibrary/IO/ErrorLog.h"
 #include "tests/orv-browser/BrowserService.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
+#include "tests/support/FaultServer.h"
 
 namespace {
 
@@ -100,4 +106,61 @@ TEST_F(BrowserImportTest, importedLibraryReplacesTheOneThatIsShown)
     ASSERT_TRUE(drop({archive}));
     EXPECT_TRUE(waitFor([&] { return names() == QStringList("Table"); })) << names().join('|').toStdString();
     EXPECT_TRUE(place({"My libraries", "Kitchen", "All"}).isValid());
+}
+
+TEST_F(BrowserImportTest, failureAmongSeveralIsToldAtTheEnd)
+{
+    const QString archive = packedLibrary();
+    folder().write("Broken.orvlibz", "this is no archive");
+    open();
+    ASSERT_TRUE(drop({path("Broken.orvlibz"), archive, path("Gone.orvlibz")}));
+    ASSERT_TRUE(waitFor([&] { return !summary().isEmpty(); }));
+    const QStringList lines = summary().split('\n');
+    ASSERT_EQ(lines.size(), 3) << summary().toStdString();
+    EXPECT_TRUE(lines[0].contains("1 of 3 archive")) << lines[0].toStdString();
+    EXPECT_TRUE(lines[1].startsWith("Broken.orvlibz was not imported: ")) << lines[1].toStdString();
+    EXPECT_TRUE(lines[2].startsWith("Gone.orvlibz was not imported: ")) << lines[2].toStdString();
+    EXPECT_TRUE(goTo({"My libraries", "Kitchen", "All"}));
+}
+
+TEST_F(BrowserImportTest, logHasTheReasonsOfManyFailures)
+{
+    QStringList archives;
+    for (int number = 1; number <= 7; ++number) {
+        const std::string name = "Broken" + std::to_string(number) + ".orvlibz";
+        folder().write(name, "this is no archive");
+        archives << path(QString::fromStdString(name));
+    }
+    open();
+    ASSERT_TRUE(drop(archives));
+    ASSERT_TRUE(waitFor([&] { return !summary().isEmpty(); }));
+    EXPECT_EQ(summary().split('\n').size(), 7) << summary().toStdString();
+    EXPECT_TRUE(summary().contains("2 more")) << summary().toStdString();
+    const std::string log = test::readFile(Library::ErrorLog::file().toNativeString());
+    EXPECT_THAT(log, testing::HasSubstr("Broken6.orvlibz was not imported: "));
+    EXPECT_THAT(log, testing::HasSubstr("Broken7.orvlibz was not imported: "));
+}
+
+TEST_F(BrowserImportTest, cancelledImportIsNoError)
+{
+    test::FaultServer server;
+    server.on("/Kitchen.orvlibz", test::FaultReply::silence());
+    open();
+    const QString address = QString::fromStdString(server.url("/Kitchen.orvlibz"));
+    window().library().importArchives({address, path("Next.orvlibz")});
+    ASSERT_TRUE(server.waitForRequests(1));
+    QElapsedTimer time;
+    time.start();
+    ASSERT_TRUE(waitFor([&] { return window().findChild<QProgressDialog*>("importProgress")->isVisible(); }));
+    EXPECT_LT(time.elapsed(), 3000); // milliseconds
+    QTest::mouseClick(child<QProgressDialog>("importProgress").findChild<QPushButton*>(), Qt::LeftButton);
+    ASSERT_TRUE(waitFor([&] { return !summary().isEmpty(); }));
+    EXPECT_TRUE(summary().contains("0 of 2 archive")) << summary().toStdString();
+    EXPECT_TRUE(summary().endsWith("\nThe import was cancelled.")) << summary().toStdString();
+    EXPECT_FALSE(child<QWidget>("messageBar").isVisible());
+
+    window().library().importArchives({address});
+    ASSERT_TRUE(server.waitForRequests(2));
+    window().library().cancel();
+    ASSERT_TRUE(waitFor([&] { return summary() == "The import was cancelled."; })) << summary().toStdString();
 }

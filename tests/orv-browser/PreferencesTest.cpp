@@ -168,6 +168,19 @@ TEST_F(BrowserPreferencesTest, serviceThatIsBackIsAskedAtOnceWhenTheUserWantsIt)
     EXPECT_THAT(server.requestsFor("/content"), Not(SizeIs(0)));
 }
 
+TEST_F(BrowserPreferencesTest, cancelBeforeTheFirstAnswerIsNoError)
+{
+    test::FaultServer server;
+    server.on("/redirect", test::FaultReply::silence());
+    open(QString::fromStdString(server.url("/redirect")));
+    trigger("checkForUpdates");
+    ASSERT_TRUE(server.waitForRequests(1));
+    trigger("cancelUpdate");
+    ASSERT_TRUE(waitFor([&] { return child<QAction>("checkForUpdates").isEnabled(); }));
+    EXPECT_EQ(summary(), "The update was cancelled.");
+    EXPECT_FALSE(child<QWidget>("messageBar").isVisible());
+}
+
 TEST_F(BrowserPreferencesTest, fileThatCannotBeReadMeansTheDefaults)
 {
     for (const char* text : {"", "[1, 2]", "{\"product\": 5, \"checkAtStart\": \"yes\"", "\xFF\xFE",

@@ -1,17 +1,18 @@
 #include "apps/orv-browser/activities/ImportController.h"
 
+#include <utility>
+
 #include <QFile>
 #include <QProgressDialog>
+#include <QTimer>
 
-#include "OrvHost/imports/ArchiveImport.h"
 #include "apps/orv-browser/models/Background.h"
 
-/// What became of one source.
-struct ImportController::Outcome
-{
-    fileString library;
-    QString problem;
-};
+namespace {
+
+constexpr int kShowMilliseconds = 200; // a shorter import needs no dialog
+
+} // namespace
 
 /// Hands the labels of the import to the dialog; called on the import's thread.
 class ImportController::Progress : public ProgressSubject
@@ -62,6 +63,7 @@ ImportController::~ImportController()
 void ImportController::import(const QStringList& sources)
 {
     mQueue += sources;
+    mSummary.expect(static_cast<int>(sources.size()));
     if (!mIsRunning)
         next();
 }
@@ -76,22 +78,15 @@ void ImportController::cancel()
 void ImportController::next()
 {
     mIsRunning = !mQueue.isEmpty();
-    if (!mIsRunning) {
-        delete mDialog;
-        mDialog = nullptr;
-        Q_EMIT finished();
-        return;
-    }
-    const QString source = mQueue.takeFirst();
-    if (!mDialog) {
-        mDialog = new QProgressDialog(mWindow);
-        mDialog->setObjectName(QStringLiteral("importProgress"));
-        mDialog->setWindowTitle(tr("Import"));
-        mDialog->setRange(0, 0);
-        mDialog->setMinimumDuration(300);
-        connect(mDialog, &QProgressDialog::canceled, this, &ImportController::cancel);
-    }
-    mDialog->setLabelText(source);
+    if (mIsRunning)
+        start(mQueue.takeFirst());
+    else
+        finish();
+}
+
+void ImportController::start(const QString& source)
+{
+    showDialog(source);
     mCancelled = std::make_shared<std::atomic<bool>>(false);
     const auto show = [this](const QString& text) {
         if (mDialog)
@@ -101,22 +96,36 @@ void ImportController::next()
     Background::run(
         mPool, this,
         [root = mRoot, source, progress] {
-            return importOne(root, QFile::encodeName(source).toStdString(), progress);
+            return OrvHost::ArchiveImport(root, {}).run(QFile::encodeName(source).toStdString(), progress);
         },
-        [this, source](const Outcome& outcome) { ended(source, outcome); });
+        [this](const Result& result) { ended(result); });
 }
 
-ImportController::Outcome ImportController::importOne(const fileString& root, const std::string& source,
-                                                      const std::shared_ptr<ProgressSubject>& progress)
+void ImportController::showDialog(const QString& source)
 {
-    const OrvHost::ArchiveImport::Result result = OrvHost::ArchiveImport(root, {}).run(source, progress);
-    if (result.isCancelled)
-        return {{}, tr("cancelled")};
-    return {result.library, QString::fromUtf8(result.error.c_str())};
+    if (!mDialog) {
+        mDialog = new QProgressDialog(mWindow);
+        mDialog->setObjectName(QStringLiteral("importProgress"));
+        mDialog->setWindowTitle(tr("Import"));
+        mDialog->setRange(0, 0);
+        // The dialog's own clock waits four seconds where the amount of work is unknown.
+        QTimer::singleShot(kShowMilliseconds, mDialog, &QWidget::show);
+        connect(mDialog, &QProgressDialog::canceled, this, &ImportController::cancel);
+    }
+    mDialog->setLabelText(source);
 }
 
-void ImportController::ended(const QString& source, const Outcome& outcome)
+void ImportController::ended(const Result& result)
 {
-    Q_EMIT imported(source, outcome.library, outcome.problem);
+    mSummary.add(result);
+    if (result.error.empty())
+        Q_EMIT imported(result);
     next();
+}
+
+void ImportController::finish()
+{
+    delete mDialog;
+    mDialog = nullptr;
+    Q_EMIT finished(std::exchange(mSummary, {}).text());
 }

@@ -7,7 +7,9 @@
 #include <QStringList>
 #include <QThreadPool>
 
+#include "OrvHost/imports/ArchiveImport.h"
 #include "OrvLibrary/host/fileString.h"
+#include "apps/orv-browser/activities/ImportSummary.h"
 
 class ProgressSubject;
 class QProgressDialog;
@@ -31,24 +33,26 @@ public:
     void cancel();
 
 Q_SIGNALS:
-    /// One source is done. `problem` is empty when all went well, and then `library` is the database, if
-    /// there was one.
-    void imported(const QString& source, const fileString& library, const QString& problem);
+    /// One source was imported.
+    void imported(const OrvHost::ArchiveImport::Result& result);
     /// The queue is empty.
-    void finished();
+    /// @param summary what became of the sources, for people
+    void finished(const QString& summary);
 
 private:
     class Progress;
-    struct Outcome;
+    using Result = OrvHost::ArchiveImport::Result;
 
-    static Outcome importOne(const fileString& root, const std::string& source,
-                             const std::shared_ptr<ProgressSubject>& progress);
     void next();
-    void ended(const QString& source, const Outcome& outcome);
+    void start(const QString& source);
+    void showDialog(const QString& source);
+    void ended(const Result& result);
+    void finish();
 
     fileString mRoot;
     QThreadPool mPool;
     QStringList mQueue;
+    ImportSummary mSummary; ///< of the sources since the queue was empty
     std::shared_ptr<std::atomic<bool>> mCancelled;
     QProgressDialog* mDialog = nullptr;
     QWidget* mWindow;

@@ -99,6 +99,7 @@ void UpdateController::start(const BrowserSettings& settings)
     if (mRun)
         return;
     mLogEntriesBefore = logEntries().size();
+    mIsCancelled = false;
     try {
         mRun = std::make_unique<OrvHost::CatalogUpdateRun>(requestOf(settings));
     } catch (const std::exception& error) {
@@ -124,8 +125,10 @@ void UpdateController::connectReceiver()
 
 void UpdateController::cancel()
 {
-    if (mRun)
-        OrvHost::CatalogUpdateRun::cancel();
+    if (!mRun)
+        return;
+    mIsCancelled = true;
+    OrvHost::CatalogUpdateRun::cancel();
 }
 
 void UpdateController::runEnded()
@@ -163,10 +166,13 @@ QString UpdateController::summaryOf(const OrvHost::UpdateOutcome& outcome, const
                                     bool& hasProblems) const
 {
     using Kind = OrvHost::UpdateOutcome::Kind;
-    const bool hasFailed = outcome.kind == Kind::Failed || outcome.kind == Kind::Incomplete;
+    // A request that the cancel ended looks like a failure to the run. The user knows better.
+    const bool isCancelled =
+        mIsCancelled ? !outcome.isGood() : outcome.kind == Kind::Cancelled && notes.isEmpty();
+    const bool hasFailed = !isCancelled && (outcome.kind == Kind::Failed || outcome.kind == Kind::Incomplete);
     hasProblems = hasFailed || !notes.isEmpty();
     QStringList sentences;
-    if (outcome.kind == Kind::Cancelled && notes.isEmpty())
+    if (isCancelled)
         sentences << tr("The update was cancelled.");
     if (!outcome.updatedCatalogs.empty())
         sentences << tr("Updated: %1.").arg(listed(outcome.updatedCatalogs));

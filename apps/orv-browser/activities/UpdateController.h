@@ -61,4 +61,5 @@ private:
     std::unique_ptr<UpdateReceiver> mReceiver;
     std::unique_ptr<OrvHost::CatalogUpdateRun> mRun;
     std::size_t mLogEntriesBefore = 0;
+    bool mIsCancelled = false; ///< whether the user cancelled the run
 };

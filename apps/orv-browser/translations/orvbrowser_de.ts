@@ -184,9 +184,34 @@
         <source>Import</source>
         <translation>Import</translation>
     </message>
+</context>
+<context>
+    <name>ImportSummary</name>
     <message>
-        <source>cancelled</source>
-        <translation>abgebrochen</translation>
+        <source>%1 was not imported: %2</source>
+        <translation>%1 wurde nicht importiert: %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n of %1 archive(s) imported.</source>
+        <translation>
+            <numerusform>%n von %1 Archiven wurde importiert.</numerusform>
+            <numerusform>%n von %1 Archiven wurden importiert.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>%1 was imported.</source>
+        <translation>%1 wurde importiert.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%n more not imported; the log has the reasons.</source>
+        <translation>
+            <numerusform>%n weiteres wurde nicht importiert; die Gründe stehen im Protokoll.</numerusform>
+            <numerusform>%n weitere wurden nicht importiert; die Gründe stehen im Protokoll.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The import was cancelled.</source>
+        <translation>Der Import wurde abgebrochen.</translation>
     </message>
 </context>
 <context>
@@ -279,14 +304,6 @@
     <message>
         <source>The log has the details.</source>
         <translation>Einzelheiten stehen im Protokoll.</translation>
-    </message>
-    <message>
-        <source>%1 was imported.</source>
-        <translation>%1 wurde importiert.</translation>
-    </message>
-    <message>
-        <source>%1 was not imported: %2</source>
-        <translation>%1 wurde nicht importiert: %2</translation>
     </message>
     <message>
         <source>Import archives</source>

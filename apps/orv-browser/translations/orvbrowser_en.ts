@@ -12,6 +12,23 @@
     </message>
 </context>
 <context>
+    <name>ImportSummary</name>
+    <message numerus="yes">
+        <source>%n of %1 archive(s) imported.</source>
+        <translation>
+            <numerusform>%n of %1 archives was imported.</numerusform>
+            <numerusform>%n of %1 archives were imported.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%n more not imported; the log has the reasons.</source>
+        <translation>
+            <numerusform>%n more was not imported; the log has the reasons.</numerusform>
+            <numerusform>%n more were not imported; the log has the reasons.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>MakerCard</name>
     <message numerus="yes">
         <source>Show all %Ln</source>
