@@ -1,5 +1,6 @@
 #include "apps/orv-library/LogCommand.h"
 
+#include <QDateTime>
 #include <QJsonArray>
 
 #include "OrvHost/health/ErrorLogReader.h"
@@ -11,15 +12,24 @@ namespace {
 
 fileString logFile(Session& session)
 {
+    session.console().resultSoFar({{"path", QJsonValue()}, {"entries", QJsonArray()}});
     session.existingHost();
     return PathUtils::getObject().getUserLibraryDatabasePath() + fileString("errors.log");
+}
+
+/// The log's own times are UTC without a mark: "2026-11-21 03:35:12". A text that is no time stays as it is.
+QString documentTime(const std::string& logTime)
+{
+    QDateTime time = QDateTime::fromString(jsonText(logTime), "yyyy-MM-dd HH:mm:ss");
+    time.setTimeSpec(Qt::UTC);
+    return time.isValid() ? time.toString(Qt::ISODate) : jsonText(logTime);
 }
 
 QJsonObject document(const fileString& path, const std::vector<OrvHost::ErrorLogEntry>& entries)
 {
     QJsonArray array;
     for (const OrvHost::ErrorLogEntry& entry : entries) {
-        array.append(QJsonObject{{"time", jsonText(entry.time)},
+        array.append(QJsonObject{{"time", documentTime(entry.time)},
                                  {"thread", jsonText(entry.thread)},
                                  {"message", jsonText(entry.message)}});
     }

@@ -360,7 +360,7 @@ class Formats(unittest.TestCase):
         [text] = self.examples("errors-log")
         self.write("root/user/errors.log", text)
         self.assertEqual(self.program("log", "show")["entries"], [{
-            "time": "2026-11-21 03:35:12", "thread": "0x7f3a5c7fe6c0",
+            "time": "2026-11-21T03:35:12Z", "thread": "0x7f3a5c7fe6c0",
             "message": "Failed To Download File:  /home/ann/.local/share/orv-library/core/Doors.orvlib   Reason:  HTTP 503"}])
 
     def test_content_index_and_request(self):

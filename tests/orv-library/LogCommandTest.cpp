@@ -58,12 +58,20 @@ TEST(LogCommand, showsTheEntries)
     EXPECT_EQ(program.root() + "/user/errors.log", document["path"].toString().toStdString());
     const QJsonArray entries = document["entries"].toArray();
     ASSERT_EQ(2, entries.size());
-    EXPECT_EQ((QJsonObject{{"time", "2026-11-21 03:35:12"},
+    EXPECT_EQ((QJsonObject{{"time", "2026-11-21T03:35:12Z"},
                            {"thread", "0x7f01"},
                            {"message", "Empty Download File:  /a b"}}),
               entries[0].toObject());
     EXPECT_THAT(program.run({"log", "show"}).out,
                 HasSubstr("2026-11-21 03:35:13  thread 0x7f01\n    first\n    second\n"));
+}
+
+TEST(LogCommand, textThatIsNoTimeStaysAsItIs)
+{
+    const test::Program program;
+    test::writeFile(program.root() + "/user/errors.log", entry("yesterday", "text\n"));
+    const QJsonArray entries = program.run({"log", "show", "--json"}).json()["entries"].toArray();
+    EXPECT_EQ("yesterday", entries[0].toObject()["time"].toString().toStdString());
 }
 
 TEST(LogCommand, missingLogIsEmpty)
