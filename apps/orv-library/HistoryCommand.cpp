@@ -13,6 +13,7 @@ void HistoryCommand::declare(CommandSyntax& syntax)
 
 ExitStatus HistoryCommand::run(Session& session) const
 {
+    session.console().resultSoFar({{"name", jsonText(mName)}, {"versions", QJsonArray()}});
     session.existingHost();
     const OrvHost::CatalogHistory history;
     const OrvHost::CatalogPlace place = OrvHost::CatalogPlaces::find(mName, history.knownPlaces());

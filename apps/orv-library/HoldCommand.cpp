@@ -13,15 +13,20 @@ namespace {
 
 const char* const kNameHelp = "File name of a catalog, or its name without extension";
 
-void printHeld(Session& session, const std::vector<std::string>& names)
+QJsonObject document(const std::vector<std::string>& names)
 {
     QJsonArray held;
-    std::string text;
-    for (const std::string& name : names) {
+    for (const std::string& name : names)
         held.append(jsonText(name));
+    return {{"held", held}};
+}
+
+void printHeld(Session& session, const std::vector<std::string>& names)
+{
+    std::string text;
+    for (const std::string& name : names)
         text += name + "\n";
-    }
-    session.console().result({{"held", held}}, names.empty() ? "No catalog is held.\n" : "Held:\n" + text);
+    session.console().result(document(names), names.empty() ? "No catalog is held.\n" : "Held:\n" + text);
 }
 
 /// What is installed, and what is held although it is not.
@@ -46,7 +51,9 @@ void HoldCommand::declare(CommandSyntax& syntax)
 ExitStatus HoldCommand::run(Session& session) const
 {
     std::vector<std::string> names;
+    session.console().resultSoFar(document(names));
     CatalogPins::change(session.existingHost().root(), [&](CatalogPins& pins) {
+        session.console().resultSoFar(document(pins.heldNames()));
         const CatalogPlace place = OrvHost::CatalogPlaces::find(mName, OrvHost::CatalogPlaces::installed());
         if (!pins.isHeld(place))
             pins.hold(place, {OrvHost::VersionRestore::versionInPlace(place), ""});
@@ -65,7 +72,9 @@ void ReleaseCommand::declare(CommandSyntax& syntax)
 ExitStatus ReleaseCommand::run(Session& session) const
 {
     std::vector<std::string> names;
+    session.console().resultSoFar(document(names));
     CatalogPins::change(session.existingHost().root(), [&](CatalogPins& pins) {
+        session.console().resultSoFar(document(pins.heldNames()));
         pins.release(OrvHost::CatalogPlaces::find(mName, knownPlaces(pins)));
         names = pins.heldNames();
     });

@@ -14,6 +14,7 @@ ExitStatus ListCommand::run(Session& session)
 {
     QJsonArray array;
     std::string text;
+    session.console().resultSoFar({{"catalogs", array}});
     for (const OrvHost::InstalledCatalog& catalog :
          OrvHost::InstalledCatalogs::list(session.existingHost().root())) {
         array.append(InstalledDocument::object(catalog));

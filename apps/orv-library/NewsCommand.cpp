@@ -33,6 +33,7 @@ void NewsCommand::declare(CommandSyntax& syntax)
 
 ExitStatus NewsCommand::run(Session& session) const
 {
+    session.console().resultSoFar({{"catalogs", QJsonArray()}});
     const fileString root = session.existingHost().root();
     if (mSince < 0)
         throw UsageError("--since takes the number of a run, from 1 on");

@@ -14,6 +14,7 @@ void PublishCommand::declare(CommandSyntax& syntax)
 
 ExitStatus PublishCommand::run(Session& session) const
 {
+    session.console().resultSoFar({{"published", 0}, {"refused", QJsonArray()}});
     ServicePublisher publisher(mSource, mTarget);
     std::string reason;
     if (!publisher.publish(reason))

@@ -14,6 +14,8 @@ void RestoreCommand::declare(CommandSyntax& syntax)
 
 ExitStatus RestoreCommand::run(Session& session) const
 {
+    session.console().resultSoFar(
+        {{"name", jsonText(mName)}, {"restored", QJsonValue()}, {"former", QJsonValue()}});
     const fileString root = session.existingHost().root();
     const OrvHost::Settings::Values settings = OrvHost::Settings::load(root).values();
     const OrvHost::VersionRestore::Result result = OrvHost::VersionRestore::restore(

@@ -49,6 +49,7 @@ void RunsCommand::declare(CommandSyntax& syntax)
 
 ExitStatus RunsCommand::list(Session& session)
 {
+    session.console().resultSoFar({{"runs", QJsonArray()}});
     const QJsonArray runs = OrvHost::RunRecords::list(session.existingHost().root());
     std::string lines;
     for (const QJsonValue run : runs)

@@ -34,6 +34,12 @@ std::string readable(const QJsonObject& stored)
     return lines.empty() ? "Nothing is set.\n" : lines;
 }
 
+/// What is said of the settings when the file cannot be read.
+void nothingSoFar(Session& session)
+{
+    session.console().resultSoFar({{"settings", QJsonObject()}, {"defaults", Settings::defaults()}});
+}
+
 void print(Session& session, const Settings& settings)
 {
     const QJsonObject stored = settings.stored();
@@ -81,6 +87,7 @@ void SettingsCommand::declare(CommandSyntax& syntax)
 
 ExitStatus SettingsCommand::list(Session& session)
 {
+    nothingSoFar(session);
     print(session, Settings::load(session.existingHost().root()));
     return ExitStatus::Done;
 }
@@ -89,6 +96,7 @@ ExitStatus SettingsCommand::get(Session& session) const
 {
     if (!Settings::isKey(mKey))
         throw UsageError("'" + mKey + "' is no setting");
+    nothingSoFar(session);
     const QJsonObject stored = Settings::load(session.existingHost().root()).stored();
     const QString key = QString::fromStdString(mKey);
     const QJsonValue fallback = Settings::defaults()[key];
@@ -102,6 +110,7 @@ ExitStatus SettingsCommand::set(Session& session) const
 {
     const auto change = [this](Settings& settings) { settings.set(mKey, mValues); };
     tryOut(change);
+    nothingSoFar(session);
     return changed(session, session.host().root(), change);
 }
 
@@ -109,5 +118,6 @@ ExitStatus SettingsCommand::unset(Session& session) const
 {
     const auto change = [this](Settings& settings) { settings.unset(mKey); };
     tryOut(change);
+    nothingSoFar(session);
     return changed(session, session.existingHost().root(), change);
 }

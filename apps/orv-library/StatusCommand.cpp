@@ -90,6 +90,15 @@ std::string ageText(const QDateTime& time)
     return when + " (" + std::to_string(minutes / (24 * 60)) + " days ago)";
 }
 
+QJsonObject document(const QJsonValue& lastAttempt, const QJsonValue& lastGoodCheck,
+                     const QJsonArray& warnings, const QJsonArray& held)
+{
+    return {{"lastAttempt", lastAttempt},
+            {"lastGoodCheck", lastGoodCheck},
+            {"warnings", warnings},
+            {"held", held}};
+}
+
 } // namespace
 
 void StatusCommand::declare(CommandSyntax& syntax)
@@ -99,6 +108,7 @@ void StatusCommand::declare(CommandSyntax& syntax)
 
 ExitStatus StatusCommand::run(Session& session)
 {
+    session.console().resultSoFar(document(QJsonValue(), QJsonValue(), {}, {}));
     const OrvHost::CheckHistory history(session.existingHost().root());
     std::string text = "Last attempt: " + ageText(history.lastAttempt()) + "\n" +
                        "Last good check: " + ageText(history.lastGoodCheck()) + "\n";
@@ -115,10 +125,7 @@ ExitStatus StatusCommand::run(Session& session)
     QJsonArray held;
     for (const std::string& name : pins.heldNames())
         held.append(jsonText(name));
-    session.console().result({{"lastAttempt", timeOrNull(history.lastAttempt())},
-                              {"lastGoodCheck", timeOrNull(history.lastGoodCheck())},
-                              {"warnings", list},
-                              {"held", held}},
-                             text);
+    session.console().result(
+        document(timeOrNull(history.lastAttempt()), timeOrNull(history.lastGoodCheck()), list, held), text);
     return list.isEmpty() ? ExitStatus::Done : ExitStatus::Failed;
 }

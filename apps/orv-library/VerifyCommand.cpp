@@ -15,6 +15,7 @@ void VerifyCommand::declare(CommandSyntax& syntax)
 
 ExitStatus VerifyCommand::run(Session& session) const
 {
+    session.console().resultSoFar({{"checked", 0}, {"damaged", QJsonArray()}, {"repaired", QJsonArray()}});
     session.existingHost();
     OrvHost::LibraryHealth health;
     health.checkCoreCatalogs();

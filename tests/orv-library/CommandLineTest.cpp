@@ -97,6 +97,33 @@ TEST(CommandLine, commandsOnARootThatIsNotThereFailAndMakeNone)
     EXPECT_FALSE(std::filesystem::exists(program.root()));
 }
 
+TEST(CommandLine, documentOfAFailureHasTheMembersOfTheCommand)
+{
+    const test::Program program;
+    const std::vector<std::pair<std::vector<std::string>, QStringList>> commands = {
+        {{"status"}, {"error", "held", "lastAttempt", "lastGoodCheck", "warnings"}},
+        {{"verify"}, {"checked", "damaged", "error", "repaired"}},
+        {{"list"}, {"catalogs", "error"}},
+        {{"history", "Doors"}, {"error", "name", "versions"}},
+        {{"restore", "Doors"}, {"error", "former", "name", "restored"}},
+        {{"hold", "Doors"}, {"error", "held"}},
+        {{"release", "Doors"}, {"error", "held"}},
+        {{"news"}, {"catalogs", "error"}},
+        {{"runs"}, {"error", "runs"}},
+        {{"settings"}, {"defaults", "error", "settings"}},
+        {{"settings", "unset", "url"}, {"defaults", "error", "settings"}},
+        {{"log", "show"}, {"entries", "error", "path"}},
+        {{"publish", program.root(), program.root() + "service"}, {"error", "published", "refused"}},
+    };
+    for (const auto& [command, members] : commands) {
+        std::vector<std::string> arguments = {"--json"};
+        arguments.insert(arguments.end(), command.begin(), command.end());
+        const test::ProgramResult result = program.run(arguments);
+        EXPECT_EQ(1, result.status) << testing::PrintToString(command);
+        EXPECT_EQ(members, result.json().keys()) << testing::PrintToString(command);
+    }
+}
+
 TEST(CommandLine, helpShowsTheManualPageOfACommand)
 {
     const test::Program program;
