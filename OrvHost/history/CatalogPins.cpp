@@ -1,6 +1,7 @@
 #include "OrvHost/history/CatalogPins.h"
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 
 #include <QJsonArray>
@@ -92,23 +93,29 @@ std::vector<std::string> CatalogPins::heldNames() const
     return names;
 }
 
-bool CatalogPins::reconcile()
+bool CatalogPins::forgetReplaced()
 {
     const std::size_t before = mRestored.size();
     for (auto record = mRestored.begin(); record != mRestored.end();) {
         const auto& [place, restored] = *record;
         const std::string contents = SHA1::fileContentsToSHA1Hex(place.path());
         // A file that is there and cannot be read says nothing.
-        if (contents != restored.contents && (!contents.empty() || !place.path().pathExists())) {
-            record = mRestored.erase(record);
-            continue;
-        }
-        // An archive that a bonus catalog brought has no line, and the service is not asked for it.
-        if (!contents.empty() && place.tag().empty() && place.category != CatalogCategory::Referenced)
-            HashFile::set(place.hashFolder(), place.name, restored.version);
-        ++record;
+        const bool isReplaced =
+            contents != restored.contents && (!contents.empty() || !place.path().pathExists());
+        record = isReplaced ? mRestored.erase(record) : std::next(record);
     }
     return mRestored.size() != before;
+}
+
+bool CatalogPins::reconcile()
+{
+    const bool isChanged = forgetReplaced();
+    for (const auto& [place, restored] : mRestored) {
+        // An archive that a bonus catalog brought has no line, and the service is not asked for it.
+        if (place.tag().empty() && place.category != CatalogCategory::Referenced)
+            HashFile::set(place.hashFolder(), place.name, restored.version);
+    }
+    return isChanged;
 }
 
 void CatalogPins::save() const

@@ -46,9 +46,12 @@ public:
 
     const std::map<CatalogPlace, Restored>& restored() const { return mRestored; }
     void setRestored(const CatalogPlace& place, const Restored& restored) { mRestored[place] = restored; }
-    /// Forgets what was put back and is not in its place any more, and writes the hash lines again that are
-    /// missing of what is. To be called under the lock of an update, before it reads the hash files. Reads
-    /// those files to their end.
+    /// Forgets what was put back and is not in its place any more: it was replaced, removed or damaged.
+    /// Changes this object only; nothing is written. Reads the catalogs to their end.
+    /// @return whether something was forgotten
+    bool forgetReplaced();
+    /// Does that, and writes the missing hash lines of what is still in its place. To be called under the
+    /// lock of an update, before it reads the hash files.
     /// @return whether something was forgotten
     /// @throws std::runtime_error when a hash file cannot be written
     bool reconcile();

@@ -60,7 +60,9 @@ void CatalogUpdateRun::start(QObject& host)
     mPins.emplace(CatalogFolders::root());
     mJournal = std::make_unique<RunJournal>(CatalogFolders::root());
     mJournal->begin(mRequest.onlyChecks ? "check" : "update", mStart);
-    if (!mRequest.onlyChecks)
+    if (mRequest.onlyChecks)
+        mPins->forgetReplaced(); // as an update would, which is what a check tells about
+    else
         recover();
     const LibraryCatalogUpdater updater(
         host, CatalogFolders::core().catalogs(), catalogSet(CatalogFolders::bonus(), mRequest.bonus),

@@ -165,6 +165,18 @@ TEST_F(Restore, aLostHashLineDoesNotUndoIt)
     EXPECT_EQ(tagOf('a'), version("Doors"));
 }
 
+TEST_F(Restore, aRestoredCatalogThatIsRemovedIsMissingToACheckAndComesBack)
+{
+    updateTo('a');
+    updateTo('b');
+    restore({"Doors"});
+    std::filesystem::remove(program.root() + "/core/Doors.orvlib");
+    const test::ProgramResult check = program.run({"--json", "check", "--url", service.redirect()});
+    EXPECT_EQ(3, check.status) << check.err;
+    EXPECT_EQ("missing", check.json()["catalogs"].toArray()[0].toObject()["state"].toString());
+    EXPECT_EQ("updated", outcome());
+}
+
 TEST_F(Restore, aDamagedRestoredCatalogIsFetchedAfterRepair)
 {
     updateTo('a');
@@ -172,6 +184,9 @@ TEST_F(Restore, aDamagedRestoredCatalogIsFetchedAfterRepair)
     restore({"Doors"});
     test::writeFile(program.root() + "/core/Doors.orvlib", "damage");
     program.run({"verify", "--repair"});
+    const test::ProgramResult check = program.run({"--json", "check", "--url", service.redirect()});
+    EXPECT_EQ(3, check.status) << check.err;
+    EXPECT_EQ("waiting", check.json()["outcome"].toString());
     EXPECT_EQ("updated", outcome());
     EXPECT_EQ(std::string(3000, 'b'), content("core/Doors.orvlib"));
 }
