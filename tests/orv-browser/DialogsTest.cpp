@@ -1,17 +1,23 @@
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
+#include <QTreeView>
 
 #include <gmock/gmock.h>
 
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "apps/orv-browser/Appearance.h"
+#include "apps/orv-browser/gallery/GalleryPane.h"
+#include "apps/orv-browser/search/SearchBar.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
 
@@ -43,6 +49,44 @@ protected:
         QTest::mouseClick(dialog.findChild<QPushButton*>("addFilter"), Qt::LeftButton);
         auto* names = dialog.findChild<QListWidget*>("filterNames");
         names->currentItem()->setText(name);
+    }
+
+    /// Presses OK, which opens a message, and puts the message away.
+    /// @return the message
+    static QString refusal(QDialog& dialog)
+    {
+        QString told;
+        QTimer::singleShot(0, [&] { told = answerMessage(&dialog); });
+        press(dialog, QDialogButtonBox::Ok);
+        return told;
+    }
+
+    /// Waits for a message over `parent`, or over the window, and puts it away.
+    static QString answerMessage(const QDialog* parent)
+    {
+        waitFor([&] { return QApplication::activeModalWidget() != parent; });
+        const auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box)
+            return {};
+        const QString told = box->text();
+        QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
+        return told;
+    }
+
+    /// Chooses a filter in the bar as a user does.
+    void choose(const QString& name)
+    {
+        auto& choice = child<QComboBox>("filterChoice");
+        const int index = choice.findText(name);
+        ASSERT_GE(index, 0) << name.toStdString();
+        choice.setCurrentIndex(index);
+        Q_EMIT choice.activated(index);
+    }
+
+    /// Writes the filters as another program does.
+    void writeFilters(const std::vector<LibraryFilter>& filters, long current) const
+    {
+        ASSERT_TRUE(LibraryFilterManager::saveFiltersToFile(manager.getFilterFullname(), filters, current));
     }
 
     LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
@@ -130,6 +174,100 @@ TEST_F(BrowserDialogsTest, filterKeepsCatalogsThatAreNotInstalled)
                  press(dialog, QDialogButtonBox::Ok);
              });
     EXPECT_THAT(manager.getLibraryFilters()[0].getDatabaseIds(), ElementsAre("gone"));
+}
+
+TEST_F(BrowserDialogsTest, emptyAndEqualNamesAreRefused)
+{
+    open();
+    inDialog([&] { trigger("editFilters"); },
+             [](QDialog& dialog) {
+                 addFilter(dialog, "Light");
+                 addFilter(dialog, " Light ");
+                 EXPECT_EQ(
+                     refusal(dialog),
+                     QString::fromUtf8("Two filters have the name “Light”. Give each a name of its own."));
+                 dialog.findChild<QListWidget*>("filterNames")->currentItem()->setText("  ");
+                 EXPECT_EQ(refusal(dialog), "Every filter needs a name.");
+                 dialog.findChild<QListWidget*>("filterNames")->currentItem()->setText("Dark");
+                 press(dialog, QDialogButtonBox::Ok);
+             });
+    manager.loadFilters();
+    EXPECT_THAT(manager.getLibraryFilters(), SizeIs(2));
+}
+
+TEST_F(BrowserDialogsTest, newFiltersGetNamesOfTheirOwn)
+{
+    open();
+    inDialog([&] { trigger("editFilters"); },
+             [](QDialog& dialog) {
+                 auto* add = dialog.findChild<QPushButton*>("addFilter");
+                 QTest::mouseClick(add, Qt::LeftButton);
+                 QTest::mouseClick(add, Qt::LeftButton);
+                 auto* names = dialog.findChild<QListWidget*>("filterNames");
+                 EXPECT_EQ(names->item(0)->text(), "New filter");
+                 EXPECT_EQ(names->item(1)->text(), "New filter 2");
+                 dialog.reject();
+             });
+}
+
+TEST_F(BrowserDialogsTest, nameThatAnotherProgramGaveMeanwhileIsRefused)
+{
+    open();
+    inDialog([&] { trigger("editFilters"); },
+             [this](QDialog& dialog) {
+                 addFilter(dialog, "Light");
+                 writeFilters({LibraryFilter("Light", 5, {"doors"})}, -1);
+                 EXPECT_TRUE(refusal(dialog).startsWith("Two filters have the name"));
+                 dialog.reject();
+             });
+    ASSERT_THAT(manager.getLibraryFilters(), SizeIs(1));
+    EXPECT_EQ(manager.getLibraryFilters()[0].getFilterId(), 5);
+}
+
+TEST_F(BrowserDialogsTest, chosenFilterKeepsWhatOtherProgramsChanged)
+{
+    writeFilters({LibraryFilter("Light", 3, {"lamps"})}, -1);
+    manager.loadFilters();
+    open();
+    writeFilters({LibraryFilter("Added", 4, {"doors"}), LibraryFilter("Light", 3, {"lamps"})}, -1);
+    choose("Light");
+    manager.loadFilters();
+    EXPECT_THAT(manager.getLibraryFilters(), SizeIs(2));
+    EXPECT_EQ(manager.getCurrentFilterId(), 3);
+    EXPECT_EQ(child<QComboBox>("filterChoice").currentText(), "Light");
+    EXPECT_EQ(child<QComboBox>("filterChoice").count(), 3);
+}
+
+TEST_F(BrowserDialogsTest, filterThatIsGoneIsToldAndHidesNothing)
+{
+    writeFilters({LibraryFilter("Light", 3, {"lamps"})}, -1);
+    manager.loadFilters();
+    open();
+    writeFilters({}, -1);
+    QString told;
+    QTimer::singleShot(0, [&] { told = answerMessage(nullptr); });
+    choose("Light");
+    EXPECT_TRUE(told.startsWith("The choice of the filter was not saved: ")) << told.toStdString();
+    EXPECT_EQ(child<QComboBox>("filterChoice").currentIndex(), 0);
+    EXPECT_EQ(child<QComboBox>("filterChoice").count(), 1);
+}
+
+TEST_F(BrowserDialogsTest, idThatNoFilterHasHidesNothing)
+{
+    writeFilters({LibraryFilter("Light", 3, {"lamps"})}, 77);
+    manager.loadFilters();
+    ASSERT_EQ(manager.getCurrentFilterId(), 77);
+    open();
+    EXPECT_EQ(child<QComboBox>("filterChoice").currentIndex(), 0);
+    const QModelIndex core = place({"Core"});
+    ASSERT_EQ(places().rowCount(core), 2);
+    for (int row = 0; row < 2; ++row)
+        EXPECT_FALSE(tree().isRowHidden(row, core)) << row;
+    EXPECT_FALSE(window().gallery().search().hasChoices());
+    choose("Light");
+    ASSERT_TRUE(settle());
+    EXPECT_TRUE(tree().isRowHidden(0, core)); // the doors
+    EXPECT_FALSE(tree().isRowHidden(1, core));
 }
 
 TEST_F(BrowserDialogsTest, logShowsTheNewestEntryFirst)

@@ -1,6 +1,7 @@
 #include "apps/orv-browser/dialogs/FilterEditor.h"
 
 #include <algorithm>
+#include <set>
 #include <stdexcept>
 
 #include <QDialogButtonBox>
@@ -13,6 +14,25 @@
 
 #include "OrvHost/records/FilterChange.h"
 #include "OrvLibrary/LibraryFilterManager.h"
+
+namespace {
+
+/// Why filters cannot have these names, for people; empty when they can.
+QString problemOfNames(const std::vector<LibraryFilter>& filters)
+{
+    std::set<std::string> names;
+    for (const LibraryFilter& filter : filters) {
+        const std::string& name = filter.getFilterName();
+        if (name.empty())
+            return FilterEditor::tr("Every filter needs a name.");
+        if (!names.insert(name).second)
+            return FilterEditor::tr("Two filters have the name “%1”. Give each a name of its own.")
+                .arg(QString::fromStdString(name));
+    }
+    return {};
+}
+
+} // namespace
 
 FilterEditor::FilterEditor(std::vector<Database> databases, QWidget* parent)
     : QDialog(parent),
@@ -67,9 +87,19 @@ long FilterEditor::freeId() const
     return id;
 }
 
-void FilterEditor::addFilter()
+QString FilterEditor::freeName() const
 {
     const QString name = tr("New filter");
+    QString free = name;
+    for (int number = 2; !mNames->findItems(free, Qt::MatchExactly | Qt::MatchCaseSensitive).isEmpty();
+         ++number)
+        free = name + QLatin1Char(' ') + QString::number(number);
+    return free;
+}
+
+void FilterEditor::addFilter()
+{
+    const QString name = freeName();
     mFilters.emplace_back(name.toStdString(), freeId(), std::vector<std::string>());
     auto* item = new QListWidgetItem(name, mNames);
     item->setFlags(item->flags() | Qt::ItemIsEditable);
@@ -138,22 +168,28 @@ void FilterEditor::showFilter(int row)
 void FilterEditor::accept()
 {
     takeChecks();
-    const bool hasUnnamed = std::any_of(mFilters.begin(), mFilters.end(), [](const LibraryFilter& filter) {
-        return filter.getFilterName().empty();
-    });
-    if (hasUnnamed) {
-        QMessageBox::information(this, windowTitle(), tr("Every filter needs a name."));
-        return;
-    }
+    if (save())
+        QDialog::accept();
+}
+
+/// Another program may have added a filter meanwhile, so the names are compared after the change.
+bool FilterEditor::save()
+{
+    QString problem = problemOfNames(mFilters);
     try {
-        OrvHost::FilterChange change;
-        change.apply(mFormer, mFilters);
-        change.save();
+        if (problem.isEmpty()) {
+            OrvHost::FilterChange change;
+            change.apply(mFormer, mFilters);
+            problem = problemOfNames(change.filters().getLibraryFilters());
+            if (problem.isEmpty()) {
+                change.save();
+                return true;
+            }
+            change.filters().loadFilters(); // as if nothing had been changed
+        }
     } catch (const std::runtime_error& error) {
-        QMessageBox::warning(this, windowTitle(),
-                             tr("The filters could not be saved.") + "\n" +
-                                 QString::fromStdString(error.what()));
-        return;
+        problem = tr("The filters could not be saved.") + "\n" + QString::fromUtf8(error.what());
     }
-    QDialog::accept();
+    QMessageBox::warning(this, windowTitle(), problem);
+    return false;
 }

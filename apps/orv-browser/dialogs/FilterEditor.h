@@ -34,6 +34,8 @@ private:
     void rename(const QListWidgetItem* item);
     void showFilter(int row);
     void takeChecks();
+    QString freeName() const;
+    bool save();
     long freeId() const;
 
     std::vector<Database> mDatabases;

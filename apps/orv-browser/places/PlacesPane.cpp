@@ -7,6 +7,7 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
+#include "OrvHost/records/FilterChange.h"
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "apps/orv-browser/models/LibraryContent.h"
 #include "apps/orv-browser/models/UserLists.h"
@@ -110,11 +111,11 @@ void PlacesPane::openNewCategories()
 void PlacesPane::applyFilter()
 {
     const LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
+    const bool isFiltering = OrvHost::FilterChange::isFiltering(manager);
     mModel->forEachCatalog([&](const QModelIndex& category, const Library::TreeData& catalog) {
         // What is not read yet, or cannot be read, is in no filter.
         const auto content = mContent.index()->find(catalog.getDatabasePath());
-        const bool isShown =
-            !manager.hasActiveFilter() || (content && manager.isFilteredDatabase(content->id()));
+        const bool isShown = !isFiltering || (content && manager.isFilteredDatabase(content->id()));
         mTree->setRowHidden(catalog.row(), category, !isShown);
     });
 }

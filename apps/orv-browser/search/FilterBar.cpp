@@ -1,10 +1,23 @@
 #include "apps/orv-browser/search/FilterBar.h"
 
+#include <stdexcept>
+
 #include <QComboBox>
 #include <QHBoxLayout>
+#include <QMessageBox>
 #include <QToolButton>
 
+#include "OrvHost/records/FilterChange.h"
 #include "OrvLibrary/LibraryFilterManager.h"
+
+namespace {
+
+QVariant idData(long id)
+{
+    return QVariant::fromValue(static_cast<qlonglong>(id));
+}
+
+} // namespace
 
 FilterBar::FilterBar(QWidget* parent) : QWidget(parent), mChoice(new QComboBox)
 {
@@ -26,33 +39,41 @@ FilterBar::FilterBar(QWidget* parent) : QWidget(parent), mChoice(new QComboBox)
 void FilterBar::fill()
 {
     const LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
+    const std::vector<std::string> names = manager.getFilterStrings(); // "no filter", then the filters
+    const bool isFiltering = OrvHost::FilterChange::isFiltering(manager);
     mChoice->clear();
-    for (const std::string& name : manager.getFilterStrings())
-        mChoice->addItem(QString::fromStdString(name));
-    int current = 0;
-    for (std::size_t i = 0; i < manager.getLibraryFilters().size() && current == 0; ++i)
-        if (manager.hasActiveFilter() &&
-            manager.getLibraryFilters()[i].getFilterId() == manager.getCurrentFilterId())
-            current = static_cast<int>(i) + 1;
-    mChoice->setCurrentIndex(current);
+    mChoice->addItem(QString::fromStdString(names.front()), idData(OrvHost::FilterChange::kNoFilter));
+    for (const LibraryFilter& filter : manager.getLibraryFilters())
+        mChoice->addItem(QString::fromStdString(filter.getFilterName()), idData(filter.getFilterId()));
+    mChoice->setCurrentIndex(isFiltering ? mChoice->findData(idData(manager.getCurrentFilterId())) : 0);
 }
 
 void FilterBar::chooseNone()
 {
-    LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
-    if (!manager.hasActiveFilter())
-        return;
-    manager.setCurrentFilterId(-1);
-    manager.saveFilters();
-    mChoice->setCurrentIndex(0);
+    if (OrvHost::FilterChange::isFiltering(LibraryFilterManager::getLibraryFilterManager()))
+        use(OrvHost::FilterChange::kNoFilter);
 }
 
 void FilterBar::choose(int index)
 {
-    LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
-    const auto& filters = manager.getLibraryFilters();
-    const auto position = static_cast<std::size_t>(index) - 1; // the first entry is "no filter"
-    manager.setCurrentFilterId(index > 0 && position < filters.size() ? filters[position].getFilterId() : -1);
-    manager.saveFilters();
+    use(static_cast<long>(mChoice->itemData(index).toLongLong()));
     Q_EMIT chosen();
+}
+
+/// Another program may have removed the filter meanwhile, and a folder that cannot be written keeps no
+/// choice.
+void FilterBar::use(long id)
+{
+    QString problem;
+    try {
+        OrvHost::FilterChange change;
+        change.use(id);
+        change.save();
+    } catch (const std::runtime_error& error) {
+        problem = QString::fromUtf8(error.what());
+    }
+    fill();
+    if (!problem.isEmpty())
+        QMessageBox::warning(this, tr("Filter"),
+                             tr("The choice of the filter was not saved: %1").arg(problem));
 }

@@ -14,7 +14,7 @@ public:
 
     /// Shows the filters that the manager holds now.
     void fill();
-    /// Lets all catalogs through again, which is saved.
+    /// Lets all catalogs through again, which is saved. Tells the user when it cannot be saved.
     void chooseNone();
 
 Q_SIGNALS:
@@ -24,6 +24,7 @@ Q_SIGNALS:
 
 private:
     void choose(int index);
+    void use(long id);
 
     QComboBox* mChoice;
 };

@@ -11,6 +11,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "OrvHost/records/FilterChange.h"
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "apps/orv-browser/models/Names.h"
 #include "apps/orv-browser/models/TextFolding.h"
@@ -118,7 +119,7 @@ void SearchBar::addTo(ItemQuery& query) const
         query.catalog = fileString(QFile::encodeName(mCatalog->value().toString()).toStdString());
     query.onlyFavourites = mFavourites->isChecked();
     const LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
-    if (!manager.hasActiveFilter())
+    if (!OrvHost::FilterChange::isFiltering(manager))
         return;
     const auto& ids = manager.getCurrentFilteredDatabases();
     query.filter = std::set<std::string>(ids.begin(), ids.end());
@@ -151,7 +152,7 @@ QStringList SearchBar::restrictions() const
     if (mFavourites->isChecked())
         restrictions << tr("only favourites");
     const LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
-    if (manager.hasActiveFilter())
+    if (OrvHost::FilterChange::isFiltering(manager))
         restrictions << tr("the filter “%1”").arg(QString::fromStdString(manager.getCurrentFilterString()));
     return restrictions;
 }
@@ -178,7 +179,8 @@ void SearchBar::clearChoices()
 bool SearchBar::hasChoices() const
 {
     return mStyle->value().isValid() || mMaker->value().isValid() || mCatalog->value().isValid() ||
-           mFavourites->isChecked() || LibraryFilterManager::getLibraryFilterManager().hasActiveFilter();
+           mFavourites->isChecked() ||
+           OrvHost::FilterChange::isFiltering(LibraryFilterManager::getLibraryFilterManager());
 }
 
 void SearchBar::chooseStyle(std::int32_t style)

@@ -58,6 +58,10 @@
         <source>Edit the filters</source>
         <translation>Die Filter bearbeiten</translation>
     </message>
+    <message>
+        <source>The choice of the filter was not saved: %1</source>
+        <translation>Die Wahl des Filters wurde nicht gespeichert: %1</translation>
+    </message>
 </context>
 <context>
     <name>FilterEditor</name>
@@ -92,6 +96,10 @@
     <message>
         <source>Every filter needs a name.</source>
         <translation>Jeder Filter braucht einen Namen.</translation>
+    </message>
+    <message>
+        <source>Two filters have the name “%1”. Give each a name of its own.</source>
+        <translation>Zwei Filter heißen „%1“. Geben Sie jedem einen eigenen Namen.</translation>
     </message>
     <message>
         <source>The filters could not be saved.</source>
