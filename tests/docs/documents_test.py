@@ -158,6 +158,37 @@ class Commands(unittest.TestCase):
                         self.assertRegex(ci + self.demo(), rf"(?m)^{re.escape(there)}\b", f"{page.name}: {line}")
 
 
+class Tour(unittest.TestCase):
+    """script/tour passes with the program, and ends at the step that is not as expected."""
+
+    def take(self, folder):
+        work = tempfile.mkdtemp(prefix="orv-tour-")
+        self.addCleanup(shutil.rmtree, work)
+        path = os.pathsep.join([folder, os.environ["PATH"]])
+        return subprocess.run([os.path.join(SOURCE, "script", "tour"), os.path.join(work, "tour")], text=True, timeout=120,
+                              capture_output=True, env=dict(os.environ, PATH=path))
+
+    def test_all_steps(self):
+        result = self.take(os.path.dirname(PROGRAM))
+        self.assertEqual(result.returncode, 0, result.stdout + result.stderr)
+        lines = result.stdout.splitlines()
+        self.assertEqual(len(lines), 16)
+        self.assertEqual(lines[-1], "15 steps, all as expected")
+
+    def test_ends_at_the_first_step_that_is_not_as_expected(self):
+        folder = tempfile.mkdtemp(prefix="orv-tour-")
+        self.addCleanup(shutil.rmtree, folder)
+        forgetful = os.path.join(folder, "orv-library")
+        with open(forgetful, "w") as script:
+            script.write(f'#!/bin/sh\ncase " $* " in *" hold "*) echo "{{\\"held\\":[]}}"; exit;; esac\nexec "{PROGRAM}" "$@"\n')
+        os.chmod(forgetful, 0o755)
+        result = self.take(folder)
+        self.assertEqual(result.returncode, 1, result.stdout + result.stderr)
+        lines = result.stdout.splitlines()
+        self.assertEqual(len(lines), 9)
+        self.assertRegex(lines[-1], r"^ 9  hold: NOT AS EXPECTED: .*Doors\.orvlib")
+
+
 class Formats(unittest.TestCase):
     """The examples on the pages of the file formats."""
 
