@@ -3,6 +3,8 @@
 #include <ctime>
 #include <vector>
 
+#include "OrvHost/history/CatalogPins.h"
+#include "OrvHost/history/CatalogPlace.h"
 #include "OrvHost/update/CatalogFolders.h"
 #include "OrvHost/update/HashFile.h"
 #include "OrvHost/update/PartialFiles.h"
@@ -32,6 +34,22 @@ fileString listedFile(const CatalogFolder& folder, const fileString& name)
     const bool isArchive = name.extension() == ZipUtils::getExtension();
     return isArchive ? PathUtils::getObject().getProprietaryLibraryReferencedFilesPath() + name
                      : folder.path(name);
+}
+
+/// The place whose hash line brings an archive of referenced files: its own, or that of the bonus or
+/// manufacturer catalog that it came with. An empty name when no update brings it. A catalog that was put
+/// back is left by updates, and so is its archive.
+CatalogPlace bringerOf(const std::string& archive)
+{
+    const CatalogPlace place{CatalogCategory::Referenced, archive};
+    if (!place.tag().empty())
+        return place;
+    const CatalogPins pins(CatalogFolders::root());
+    for (const CatalogPlace& catalog : CatalogPlaces::installed()) {
+        if (catalog.companion() == place && !catalog.tag().empty() && pins.restored().count(catalog) == 0)
+            return catalog;
+    }
+    return {};
 }
 
 struct Files
@@ -123,21 +141,23 @@ void LibraryHealth::checkArchives()
     checkArchivesIn(PathUtils::getObject().getUserTexturePath(), false);
 }
 
-void LibraryHealth::checkArchivesIn(const fileString& folder, bool isListed)
+void LibraryHealth::checkArchivesIn(const fileString& folder, bool areReferenced)
 {
-    const auto hashes = HashFile::read(CatalogFolders::core().folder);
     for (const fileString& archive : CatalogFolders::filesIn(folder, ZipUtils::getExtension())) {
         ++mChecked;
         const std::string text = archiveDamage(archive);
         const std::string name = nameOf(archive);
         if (!text.empty())
-            mDamages.push_back({name, text, isListed && hashes.count(name) != 0, archive});
+            mDamages.push_back({name, text, areReferenced && !bringerOf(name).name.empty(), archive});
     }
 }
 
 bool LibraryHealth::forget(const std::string& name)
 {
-    return HashFile::remove(CatalogFolders::core().folder, name);
+    if (fileString(name).extension() != ZipUtils::getExtension())
+        return HashFile::remove(CatalogFolders::core().folder, name);
+    const CatalogPlace bringer = bringerOf(name);
+    return !bringer.name.empty() && HashFile::remove(bringer.hashFolder(), bringer.name);
 }
 
 std::vector<LibraryHealth::Damage> LibraryHealth::futureStamps()

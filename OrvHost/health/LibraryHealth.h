@@ -40,7 +40,8 @@ public:
     std::size_t checkedCount() const { return mChecked; }
     const std::vector<Damage>& damages() const { return mDamages; }
 
-    /// Removes the core hash line of a file, so that the next update fetches it again.
+    /// Removes the core hash line of a file, so that the next update fetches it again. An archive that came
+    /// with a bonus or manufacturer catalog has no line: that of the catalog goes.
     /// @return false when there is none, or the hash file cannot be written; it is then as it was
     static bool forget(const std::string& name);
 
@@ -54,7 +55,7 @@ public:
     static std::vector<Damage> leftOvers();
 
 private:
-    void checkArchivesIn(const fileString& folder, bool isListed);
+    void checkArchivesIn(const fileString& folder, bool areReferenced);
 
     std::size_t mChecked = 0;
     std::vector<Damage> mDamages;

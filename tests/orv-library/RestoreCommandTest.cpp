@@ -33,6 +33,14 @@ protected:
         EXPECT_THAT(result.err, HasSubstr(part));
         EXPECT_EQ(before, test::listTree(program.root()));
     }
+    void damageGardenFiles() const
+    {
+        std::string files = content("referenced/Garden.zip");
+        const std::size_t picture = files.find("xxxx");
+        ASSERT_NE(std::string::npos, picture);
+        files[picture] = 'z';
+        test::writeFile(program.root() + "/referenced/Garden.zip", files);
+    }
     std::string version(const std::string& name) const
     {
         return program.run({"--json", "info", name}).json()["version"].toString().toStdString();
@@ -189,4 +197,33 @@ TEST_F(Restore, aDamagedRestoredCatalogIsFetchedAfterRepair)
     EXPECT_EQ("waiting", check.json()["outcome"].toString());
     EXPECT_EQ("updated", outcome());
     EXPECT_EQ(std::string(3000, 'b'), content("core/Doors.orvlib"));
+}
+
+TEST_F(Restore, aDamagedArchiveOfABonusCatalogIsFetchedAfterRepair)
+{
+    service.offer("Doors.orvlib", std::string(3000, 'a'));
+    service.offer("Textures.zip", test::zip("a.png", std::string(3000, 'a')));
+    service.offer("Garden.orvlibz", test::packed(std::string(3000, '1'), std::string(2000, 'x')));
+    update({"--bonus", "Garden.orvlib"});
+    const std::string files = content("referenced/Garden.zip");
+    damageGardenFiles();
+    EXPECT_EQ(0, program.run({"verify", "--repair"}).status);
+    EXPECT_EQ("updated", outcome());
+    EXPECT_EQ(files, content("referenced/Garden.zip"));
+    EXPECT_EQ(0, program.run({"verify"}).status);
+}
+
+TEST_F(Restore, theSoundFilesOfARestoredCatalogsArchiveAreKept)
+{
+    service.offer("Doors.orvlib", std::string(3000, 'a'));
+    service.offer("Textures.zip", test::zip("a.png", std::string(3000, 'a')));
+    service.offer("Garden.orvlibz", test::packed(std::string(3000, '1'), std::string(2000, 'x')));
+    update({"--bonus", "Garden.orvlib"});
+    service.offer("Garden.orvlibz", test::packed(std::string(3000, '2'), std::string(2000, 'y')));
+    update();
+    restore({"Garden.orvlib"});
+    damageGardenFiles();
+    EXPECT_EQ(0, program.run({"verify", "--repair"}).status);
+    EXPECT_TRUE(std::filesystem::exists(program.root() + "/referenced/Garden.zip.damaged"));
+    EXPECT_EQ(std::string(3000, '1'), content("bonus/Garden.orvlib")) << "no update would bring this version";
 }
