@@ -17,6 +17,7 @@ ExitStatus SampleCommand::run(Session& session) const
     const QString absolute =
         QDir::cleanPath(QDir::current().absoluteFilePath(QFile::decodeName(mFolder.c_str())));
     const std::string folder = QFile::encodeName(absolute).toStdString();
+    session.console().resultSoFar({{"content", QJsonValue()}, {"files", 0}});
     SampleContent content(folder);
     content.write();
 

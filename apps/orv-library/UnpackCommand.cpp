@@ -70,14 +70,12 @@ ExitStatus UnpackCommand::run(Session& session) const
     session.rootlessHost();
     const Interrupt interrupt;
     const LibraryImport::UnpackResult result = unpackUninterrupted(session);
+    const bool isEmpty = !result.first.first && !result.second.first;
+    if (isEmpty && !Interrupt::requested())
+        throw CommandFailure(mSource + ": holds neither a library nor referenced files");
     session.console().result(document(result),
                              text("Library: ", result.first) + text("Referenced files: ", result.second));
-    if (Interrupt::requested() && !result.first.first && !result.second.first)
-        return ExitStatus::Interrupted;
-    if (result.first.first || result.second.first)
-        return ExitStatus::Done;
-    Console::complain(mSource + ": holds neither a library nor referenced files");
-    return ExitStatus::Failed;
+    return isEmpty ? ExitStatus::Interrupted : ExitStatus::Done;
 }
 
 /// What fails because of a signal is no failure, and gives nothing.

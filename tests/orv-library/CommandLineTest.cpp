@@ -113,6 +113,7 @@ TEST(CommandLine, documentOfAFailureHasTheMembersOfTheCommand)
         {{"settings"}, {"defaults", "error", "settings"}},
         {{"settings", "unset", "url"}, {"defaults", "error", "settings"}},
         {{"log", "show"}, {"entries", "error", "path"}},
+        {{"sample", "/proc/none"}, {"content", "error", "files"}},
         {{"publish", program.root(), program.root() + "service"}, {"error", "published", "refused"}},
     };
     for (const auto& [command, members] : commands) {

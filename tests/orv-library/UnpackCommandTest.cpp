@@ -78,7 +78,9 @@ TEST_F(UnpackCommand, archiveWithoutEitherIsAFailureThatSaysSo)
     const ProgramResult result = unpack(path("Empty.orvlibz"), {"--output-dir", path("out")});
     EXPECT_EQ(result.status, 1);
     const QJsonObject none{{"found", false}, {"path", QJsonValue()}};
-    EXPECT_EQ(result.json(), (QJsonObject{{"library", none}, {"referenced", none}}));
+    const QString reason =
+        QString::fromStdString(path("Empty.orvlibz")) + ": holds neither a library nor referenced files";
+    EXPECT_EQ(result.json(), (QJsonObject{{"error", reason}, {"library", none}, {"referenced", none}}));
     EXPECT_THAT(result.err, testing::HasSubstr("Empty.orvlibz: holds neither"));
 }
 
