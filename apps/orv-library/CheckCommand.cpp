@@ -3,6 +3,7 @@
 #include <charconv>
 
 #include <QJsonArray>
+#include <QStringList>
 
 #include "apps/orv-library/Interrupt.h"
 #include "apps/orv-library/RunLoop.h"
@@ -66,6 +67,20 @@ std::string readable(const QJsonObject& document, bool isExplained)
            " are free.\n";
 }
 
+/// Why the check of a kept document could not tell: "Doors.orvlib: HTTP 500".
+std::string complaintOf(const QJsonObject& document)
+{
+    if (document.contains("error"))
+        return document["error"].toString().toStdString();
+    QStringList reasons;
+    for (const QJsonValue entry : document["catalogs"].toArray()) {
+        const QJsonObject catalog = entry.toObject();
+        if (catalog["state"] == "unknown")
+            reasons << catalog["name"].toString() + ": " + catalog["why"].toString();
+    }
+    return reasons.join("; ").toStdString();
+}
+
 /// The document of a check that could not begin.
 QJsonObject failureDocument()
 {
@@ -94,7 +109,7 @@ ExitStatus CheckCommand::run(Session& session)
     if (last && isFresh(*last)) {
         QJsonObject document = last->document;
         document["asked"] = false;
-        return print(session, document, last->exitStatus, last->document["error"].toString().toStdString());
+        return print(session, document, last->exitStatus, complaintOf(document));
     }
     mOptions.requireAddress();
     return ask(session);

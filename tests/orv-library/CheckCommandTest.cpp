@@ -158,6 +158,17 @@ TEST_F(Check, whatCouldNotBeToldIsNamed)
     EXPECT_EQ("current", catalog(result.json(), "Doors.orvlib")["state"].toString());
 }
 
+TEST_F(Check, aKeptAnswerNamesWhatCouldNotBeTold)
+{
+    ASSERT_EQ(0, update().status);
+    answer("Roofs.orvlib", test::FaultReply::status(500, "sorry"));
+    EXPECT_EQ(1, check().status);
+    const test::ProgramResult again = program.run({"check", "--max-age", "1h", "--quiet"});
+    EXPECT_EQ(1, again.status);
+    EXPECT_EQ("", again.out);
+    EXPECT_EQ("orv-library: Roofs.orvlib: HTTP 500\n", again.err);
+}
+
 TEST_F(Check, serviceThatIsDownOrIsNoneFailsAsAWhole)
 {
     ASSERT_EQ(0, update().status);
