@@ -2,10 +2,12 @@
 
 #include <QFileDialog>
 #include <QMessageBox>
+#include <QUndoStack>
 
 #include "OrvHost/update/HashFile.h"
 #include "OrvLibrary/host/Curl.h"
 #include "apps/orv-browser/Appearance.h"
+#include "apps/orv-browser/activities/ImportCommand.h"
 #include "apps/orv-browser/activities/ImportController.h"
 #include "apps/orv-browser/activities/UpdateController.h"
 #include "apps/orv-browser/dialogs/AddressCheck.h"
@@ -13,9 +15,10 @@
 #include "apps/orv-browser/dialogs/PreferencesDialog.h"
 #include "apps/orv-browser/models/LibraryContent.h"
 
-LibraryActions::LibraryActions(QMainWindow& window, const fileString& root)
+LibraryActions::LibraryActions(QMainWindow& window, const fileString& root, QUndoStack& undo)
     : QObject(&window),
       mWindow(window),
+      mUndo(undo),
       mRoot(root),
       mSettings(BrowserSettings::load(root)),
       mUpdates(new UpdateController(window, root)),
@@ -27,6 +30,7 @@ LibraryActions::LibraryActions(QMainWindow& window, const fileString& root)
     connect(mUpdates, &UpdateController::ended, this, &LibraryActions::updateEnded);
     connect(mImports, &ImportController::imported, this, &LibraryActions::archiveImported);
     connect(mImports, &ImportController::finished, this, &LibraryActions::importsEnded);
+    connect(mImports, &ImportController::takenBack, this, &LibraryActions::importTakenBack);
 }
 
 void LibraryActions::start()
@@ -87,12 +91,21 @@ void LibraryActions::archiveImported(const OrvHost::ArchiveImport::Result& resul
 {
     if (!result.library.empty())
         Q_EMIT catalogChanged(result.library);
+    mUndo.push(new ImportCommand(*mImports, result));
 }
 
 void LibraryActions::importsEnded(const QString& summary)
 {
     Q_EMIT foldersChanged();
     Q_EMIT said(summary);
+}
+
+void LibraryActions::importTakenBack(const fileString& library, const QString& sentence)
+{
+    if (library.pathExists())
+        Q_EMIT catalogChanged(library);
+    Q_EMIT foldersChanged();
+    Q_EMIT said(sentence);
 }
 
 void LibraryActions::openArchive()

@@ -10,6 +10,7 @@
 #include "apps/orv-browser/models/Place.h"
 
 class ImportController;
+class QUndoStack;
 class UpdateController;
 
 /// What the user does with the library as a whole: updates, imports, manufacturer records, filters and
@@ -20,7 +21,8 @@ class LibraryActions : public QObject
 
 public:
     /// @param root the root of the well-known folders
-    LibraryActions(QMainWindow& window, const fileString& root);
+    /// @param undo takes the imports that can be taken back; belongs to the window too
+    LibraryActions(QMainWindow& window, const fileString& root, QUndoStack& undo);
 
     /// What goes before the preferences from now on.
     void overrideService(const ServiceOverrides& overrides) { mOverrides = overrides; }
@@ -56,8 +58,10 @@ private:
     void updateEnded(const QString& summary, bool hasProblems);
     void archiveImported(const OrvHost::ArchiveImport::Result& result);
     void importsEnded(const QString& summary);
+    void importTakenBack(const fileString& library, const QString& sentence);
 
     QMainWindow& mWindow;
+    QUndoStack& mUndo;
     fileString mRoot;
     BrowserSettings mSettings; ///< the preferences
     ServiceOverrides mOverrides;

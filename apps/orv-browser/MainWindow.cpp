@@ -69,7 +69,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
       mActions(new ItemActions(mGallery->views().model(), *mLists, this)),
       mMenus(new WindowMenus(*this, mActions->undoStack())),
       mStatus(new StatusLine(*mMenus->checkForUpdates, this)),
-      mLibrary(new LibraryActions(*this, root)),
+      mLibrary(new LibraryActions(*this, root, mActions->undoStack())),
       mMemory(root, *this, *mPanes, *mPlaces, *mGallery)
 {
     setObjectName(QStringLiteral("libraryBrowser"));

@@ -1,6 +1,8 @@
+#include <QAction>
 #include <QCoreApplication>
 #include <QDropEvent>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QMimeData>
 #include <QProgressDialog>
 #include <QPushButton>
@@ -163,4 +165,57 @@ TEST_F(BrowserImportTest, cancelledImportIsNoError)
     ASSERT_TRUE(server.waitForRequests(2));
     window().library().cancel();
     ASSERT_TRUE(waitFor([&] { return summary() == "The import was cancelled."; })) << summary().toStdString();
+}
+
+TEST_F(BrowserImportTest, undoBringsBackTheLibraryThatWasReplaced)
+{
+    const QString archive = packedLibrary();
+    {
+        CatalogMaker former(inRoot("user/Kitchen.orvlib"), "kitchen");
+        former.addItem(former.addFolder("Old"), {"Bench"});
+    }
+    const std::string before = test::readFile(inRoot("user/Kitchen.orvlib"));
+    open();
+    EXPECT_FALSE(child<QAction>("undo").isEnabled());
+    ASSERT_TRUE(drop({archive}));
+    ASSERT_TRUE(waitFor([&] { return summary() == "Kitchen.orvlibz was imported."; }));
+    ASSERT_TRUE(goTo({"My libraries", "Kitchen"}));
+    ASSERT_EQ(names(), QStringList("Table"));
+    EXPECT_EQ(child<QAction>("undo").text(), "&Undo Import");
+    trigger("undo");
+    ASSERT_TRUE(waitFor([&] { return summary() == "The import was taken back."; }))
+        << summary().toStdString();
+    EXPECT_TRUE(waitFor([&] { return names() == QStringList("Bench"); })) << names().join('|').toStdString();
+    EXPECT_EQ(test::readFile(inRoot("user/Kitchen.orvlib")), before);
+    EXPECT_FALSE(child<QAction>("undo").isEnabled());
+    EXPECT_FALSE(child<QAction>("redo").isEnabled());
+}
+
+TEST_F(BrowserImportTest, undoRemovesALibraryThatWasNew)
+{
+    const QString archive = packedLibrary();
+    open();
+    ASSERT_TRUE(drop({archive}));
+    ASSERT_TRUE(waitFor([&] { return summary() == "Kitchen.orvlibz was imported."; }));
+    ASSERT_TRUE(goTo({"My libraries", "Kitchen"}));
+    trigger("undo");
+    ASSERT_TRUE(waitFor([&] { return summary() == "The import was taken back."; }))
+        << summary().toStdString();
+    EXPECT_TRUE(waitFor([&] { return !place({"My libraries", "Kitchen"}).isValid(); }));
+    EXPECT_FALSE(fileString(inRoot("user/Kitchen.orvlib")).pathExists());
+}
+
+TEST_F(BrowserImportTest, importThatIsNotTheLastAnyMoreStays)
+{
+    const QString archive = packedLibrary();
+    open();
+    ASSERT_TRUE(drop({archive}));
+    ASSERT_TRUE(waitFor([&] { return summary() == "Kitchen.orvlibz was imported."; }));
+    ASSERT_TRUE(QFile::copy(archive, path("Other.orvlibz")));
+    test::BrowserService::runProgram(
+        {"--root", QString::fromStdString(inRoot("")), "import", path("Other.orvlibz")});
+    trigger("undo");
+    ASSERT_TRUE(waitFor([&] { return summary().startsWith("Not undone: "); })) << summary().toStdString();
+    EXPECT_EQ(summary(), "Not undone: it is not the last import any more");
+    EXPECT_TRUE(fileString(inRoot("user/Kitchen.orvlib")).pathExists());
 }

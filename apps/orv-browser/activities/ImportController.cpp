@@ -6,11 +6,27 @@
 #include <QProgressDialog>
 #include <QTimer>
 
+#include "OrvHost/imports/ImportUndo.h"
 #include "apps/orv-browser/models/Background.h"
 
 namespace {
 
 constexpr int kShowMilliseconds = 200; // a shorter import needs no dialog
+
+/// @return why the import was not taken back; empty when it was
+QString takeBackNow(const fileString& root, const OrvHost::ArchiveImport::Result& import)
+{
+    try {
+        OrvHost::ImportUndo undo(root);
+        const auto last = undo.last();
+        if (!last || last->library != import.library || last->textures != import.textures)
+            return ImportController::tr("it is not the last import any more");
+        undo.run();
+        return {};
+    } catch (const std::exception& error) {
+        return QString::fromUtf8(error.what());
+    }
+}
 
 } // namespace
 
@@ -73,6 +89,21 @@ void ImportController::cancel()
     mQueue.clear();
     if (mCancelled)
         *mCancelled = true;
+}
+
+bool ImportController::takeBack(const Result& import)
+{
+    if (mIsRunning) {
+        Q_EMIT takenBack({}, tr("Not undone: %1").arg(tr("an import goes on")));
+        return false;
+    }
+    Background::run(
+        mPool, this, [root = mRoot, import] { return takeBackNow(root, import); },
+        [this, library = import.library](const QString& problem) {
+            Q_EMIT takenBack(library, problem.isEmpty() ? tr("The import was taken back.")
+                                                        : tr("Not undone: %1").arg(problem));
+        });
+    return true;
 }
 
 void ImportController::next()

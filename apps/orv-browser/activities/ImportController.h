@@ -31,6 +31,10 @@ public:
     /// Queues sources: paths or addresses.
     void import(const QStringList& sources);
     void cancel();
+    /// Takes the last import back, off the interface thread. Says so, and changes nothing, when the last
+    /// import is another one by now.
+    /// @return whether it begins; false while an import goes on
+    bool takeBack(const OrvHost::ArchiveImport::Result& import);
 
 Q_SIGNALS:
     /// One source was imported.
@@ -38,6 +42,8 @@ Q_SIGNALS:
     /// The queue is empty.
     /// @param summary what became of the sources, for people
     void finished(const QString& summary);
+    /// An import was taken back, or not.
+    void takenBack(const fileString& library, const QString& sentence);
 
 private:
     class Progress;

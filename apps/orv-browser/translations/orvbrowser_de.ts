@@ -189,6 +189,22 @@
 <context>
     <name>ImportController</name>
     <message>
+        <source>it is not the last import any more</source>
+        <translation>er ist nicht mehr der letzte Import</translation>
+    </message>
+    <message>
+        <source>Not undone: %1</source>
+        <translation>Nicht rückgängig gemacht: %1</translation>
+    </message>
+    <message>
+        <source>an import goes on</source>
+        <translation>ein Import ist im Gange</translation>
+    </message>
+    <message>
+        <source>The import was taken back.</source>
+        <translation>Der Import wurde zurückgenommen.</translation>
+    </message>
+    <message>
         <source>Import</source>
         <translation>Import</translation>
     </message>
