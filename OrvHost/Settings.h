@@ -64,7 +64,7 @@ public:
     void unset(const std::string& key);
 
     /// Writes the file beside itself and renames it. Members that are no settings stay as they are. Hold a
-    /// `ChangeLock` on "settings" from before the loading to after the saving.
+    /// `HostLock::ofChange("settings")` from before the loading to after the saving.
     /// @throws std::runtime_error when it cannot be written; it is then as it was
     void save(const fileString& root) const;
 

@@ -31,7 +31,7 @@ struct ORVHOST_EXPORT FormerVersion
 /// wrong behind.
 ///
 /// One object belongs to one thread. What changes the history is called under the lock of an update
-/// (`UpdateLock`).
+/// (`HostLock::ofUpdate`).
 class ORVHOST_EXPORT CatalogHistory
 {
 public:

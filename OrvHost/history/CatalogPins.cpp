@@ -9,9 +9,8 @@
 #include <QJsonObject>
 
 #include "OrvHost/TextFile.h"
-#include "OrvHost/update/ChangeLock.h"
 #include "OrvHost/update/HashFile.h"
-#include "OrvHost/update/UpdateLock.h"
+#include "OrvHost/update/HostLock.h"
 #include "OrvLibrary/host/SHA1.h"
 
 namespace OrvHost {
@@ -134,8 +133,8 @@ void CatalogPins::save() const
 void CatalogPins::change(const fileString& root, const std::function<void(CatalogPins&)>& changeIt)
 {
     // The first lock makes changes wait for each other; the second one turns them away while an update runs.
-    const ChangeLock changes(root, "catalog-pins");
-    const UpdateLock update;
+    const HostLock changes = HostLock::ofChange(root, "catalog-pins");
+    const HostLock update = HostLock::ofUpdate();
     CatalogPins pins(root);
     changeIt(pins);
     pins.save();

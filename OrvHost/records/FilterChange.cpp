@@ -68,15 +68,15 @@ std::string resolved(const fileString& folder)
 
 /// Locks the folder of the filters, and that of the other file; in the order of their names, since a program
 /// of another root may want the same two. One that cannot be written needs no lock: nothing will be changed.
-std::vector<std::unique_ptr<ChangeLock>> lockFolders(const fileString& other)
+std::vector<HostLock> lockFolders(const fileString& other)
 {
     std::set<std::string> folders{resolved(PathUtils::getObject().getCoreLibraryDatabasePath())};
     if (!other.empty())
         folders.insert(resolved(other.parentPath()));
-    std::vector<std::unique_ptr<ChangeLock>> locks;
+    std::vector<HostLock> locks;
     for (const std::string& folder : folders) {
         if (access(folder.c_str(), W_OK) == 0)
-            locks.push_back(std::make_unique<ChangeLock>(fileString(folder), "filters"));
+            locks.push_back(HostLock::ofChange(fileString(folder), "filters"));
     }
     return locks;
 }

@@ -1,13 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "OrvHost/OrvHostExport.h"
-#include "OrvHost/update/ChangeLock.h"
+#include "OrvHost/update/HostLock.h"
 #include "OrvLibrary/LibraryFilterManager.h"
 
 namespace OrvHost {
@@ -88,7 +87,7 @@ private:
     bool hasId(long id) const;
     void demandId(long id) const;
 
-    std::vector<std::unique_ptr<ChangeLock>> mLocks;
+    std::vector<HostLock> mLocks;
     LibraryFilterManager& mFilters;
 };
 

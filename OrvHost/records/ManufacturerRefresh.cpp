@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "OrvHost/update/ChangeLock.h"
+#include "OrvHost/update/HostLock.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/PathUtils.h"
@@ -94,7 +94,7 @@ ManufacturerRefresh::Table ManufacturerRefresh::currentTable()
 void ManufacturerRefresh::run(const std::string& dataUrl, const std::string& logoUrl)
 {
     // Another program may have refreshed or edited the records since the manager read them.
-    const ChangeLock lock("manufacturers");
+    const HostLock lock = HostLock::ofChange("manufacturers");
     ManufacturerManager::getManufacturerManager()->loadManufacturers();
     const Table before = currentTable();
     const ptime former = ManufacturerManager::getManufacturerManager()->getLastModified();

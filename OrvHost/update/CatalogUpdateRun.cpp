@@ -42,7 +42,7 @@ std::atomic<bool> isCancelled{false};
 CatalogUpdateRun::CatalogUpdateRun(const Request& request) : mRequest(request), mSwapper(request.history)
 {
     if (!mRequest.onlyChecks)
-        mLock.emplace();
+        mLock.emplace(HostLock::ofUpdate());
     mRequest.access.apply();
 }
 

@@ -17,8 +17,8 @@
 #include "OrvHost/update/CarefulCurl.h"
 #include "OrvHost/update/CatalogSwapper.h"
 #include "OrvHost/update/CheckOutcome.h"
+#include "OrvHost/update/HostLock.h"
 #include "OrvHost/update/ServiceAccess.h"
-#include "OrvHost/update/UpdateLock.h"
 #include "OrvHost/update/UpdateOutcome.h"
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
@@ -104,7 +104,7 @@ private:
     CheckOutcome checkOutcome(const fileString& root) const;
     void noteAnswers(const CheckOutcome& found, const fileString& root) const;
 
-    std::optional<UpdateLock> mLock; ///< none for a check
+    std::optional<HostLock> mLock; ///< none for a check
     Request mRequest;
     CatalogSwapper mSwapper;
     QDateTime mStart;

@@ -9,7 +9,7 @@
 #include <QJsonDocument>
 
 #include "OrvHost/TextFile.h"
-#include "OrvHost/update/ChangeLock.h"
+#include "OrvHost/update/HostLock.h"
 
 namespace OrvHost {
 
@@ -78,7 +78,7 @@ QString RunRecords::timeText(const QDateTime& time)
 
 std::int64_t RunRecords::begin(const fileString& root, const QString& kind, const QDateTime& start)
 {
-    const ChangeLock lock("runs");
+    const HostLock lock = HostLock::ofChange("runs");
     QJsonArray runs = read(root);
     noteKilled(runs);
     const std::int64_t number = runs.isEmpty() ? 1 : numberOf(runs.last().toObject()) + 1;
@@ -100,7 +100,7 @@ std::int64_t RunRecords::begin(const fileString& root, const QString& kind, cons
 void RunRecords::end(const fileString& root, std::int64_t number, const QDateTime& end,
                      const QJsonObject& result)
 {
-    const ChangeLock lock("runs");
+    const HostLock lock = HostLock::ofChange("runs");
     QJsonArray runs = read(root);
     for (auto&& entry : runs) {
         QJsonObject run = entry.toObject();

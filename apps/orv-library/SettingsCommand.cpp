@@ -2,7 +2,7 @@
 
 #include <QJsonArray>
 
-#include "OrvHost/update/ChangeLock.h"
+#include "OrvHost/update/HostLock.h"
 #include "apps/orv-library/Session.h"
 
 using OrvHost::Settings;
@@ -59,7 +59,7 @@ try {
 template <class Change>
 ExitStatus changed(Session& session, const fileString& root, Change change)
 {
-    const OrvHost::ChangeLock lock("settings");
+    const OrvHost::HostLock lock = OrvHost::HostLock::ofChange("settings");
     Settings settings = Settings::load(root);
     change(settings);
     settings.save(root);

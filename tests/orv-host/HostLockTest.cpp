@@ -1,0 +1,93 @@
+#include "OrvHost/update/HostLock.h"
+
+#include <chrono>
+#include <optional>
+#include <stdexcept>
+#include <thread>
+#include <utility>
+
+#include <gmock/gmock.h>
+
+#include "tests/orv-host/HostedTest.h"
+
+using OrvHost::HostLock;
+using std::chrono::milliseconds;
+
+using HostLockTest = test::HostedTest;
+
+namespace {
+
+/// The message with which a change of the filters is turned away after 50 ms; empty when it is not.
+std::string refusalOfChange()
+{
+    try {
+        const HostLock lock = HostLock::ofChange("filters", milliseconds(50));
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+    return {};
+}
+
+} // namespace
+
+TEST_F(HostLockTest, secondUpdateFailsAtOnceAndNothingIsLeft)
+{
+    {
+        const HostLock lock = HostLock::ofUpdate();
+        const auto start = std::chrono::steady_clock::now();
+        EXPECT_THROW(HostLock::ofUpdate(), std::runtime_error);
+        EXPECT_LT(std::chrono::steady_clock::now() - start, milliseconds(1000));
+    }
+    EXPECT_FALSE(folder.file("root/temp/update.lock").pathExists());
+    EXPECT_NO_THROW(HostLock::ofUpdate());
+    folder.write("root/temp/update.lock", "left by a process that died");
+    EXPECT_NO_THROW(HostLock::ofUpdate());
+}
+
+TEST_F(HostLockTest, changeWaitsForAnotherOne)
+{
+    std::optional<HostLock> first(HostLock::ofChange("filters"));
+    std::thread owner([&first] {
+        std::this_thread::sleep_for(milliseconds(200));
+        first.reset();
+    });
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_NO_THROW(HostLock::ofChange("filters"));
+    EXPECT_GE(std::chrono::steady_clock::now() - start, milliseconds(100));
+    owner.join();
+    EXPECT_FALSE(folder.file("root/temp/filters.lock").pathExists());
+}
+
+TEST_F(HostLockTest, changeIsTurnedAwayAfterItsPatience)
+{
+    const HostLock lock = HostLock::ofChange("filters");
+    EXPECT_THAT(refusalOfChange(),
+                testing::HasSubstr("filters.lock: another program is changing the filters"));
+}
+
+TEST_F(HostLockTest, otherSubjectsAndFoldersAreFree)
+{
+    const HostLock update = HostLock::ofUpdate();
+    const HostLock filters = HostLock::ofChange("filters");
+    EXPECT_NO_THROW(HostLock::ofChange("settings"));
+    const HostLock other = HostLock::ofChange(folder.file("root"), "filters");
+    EXPECT_TRUE(folder.file("root/.filters.lock").pathExists());
+}
+
+TEST_F(HostLockTest, moveTakesTheLockAlong)
+{
+    std::optional<HostLock> moved;
+    {
+        HostLock lock = HostLock::ofChange("filters");
+        moved.emplace(std::move(lock));
+    }
+    EXPECT_NE("", refusalOfChange());
+    moved.reset();
+    EXPECT_EQ("", refusalOfChange());
+}
+
+TEST_F(HostLockTest, fileThatCannotBeMadeIsTold)
+{
+    EXPECT_THAT([&] { HostLock::ofChange(folder.file("root/missing"), "filters"); },
+                testing::ThrowsMessage<std::runtime_error>(testing::HasSubstr("No such file or directory")));
+}
