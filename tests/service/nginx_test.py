@@ -58,6 +58,7 @@ class NginxService(ServiceCase):
         with Nginx(NGINX, CONFIG, self.service) as self.server:
             base = f"http://127.0.0.1:{self.server.port}"
             root = self.path("root")
+            self.run_program("--root", root, "paths", "--create")
             self.run_program("--root", root, "manufacturers", "refresh", "--data-url",
                              base + "/content?&library=manufacturer_data.json", "--logo-url", base + "/logo?")
             records = self.run_program("--root", root, "manufacturers", "list")["manufacturers"]

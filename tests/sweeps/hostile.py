@@ -170,7 +170,7 @@ class Hostile:
         self.service.pages["index"] = b"\n".join(lines + [b"Good.orvlib", b""])
         for _ in range(2):
             self.run(*self.update())
-            self.expect_flat("core", "bonus", "manufacturer", "referenced")
+            self.expect_flat("core", "bonus", "manufacturer", "referenced", "history/core/Good.orvlib")
             self.expect_sentinels()
         if not os.path.exists(os.path.join(self.sandbox, "root/core/Good.orvlib")):
             self.complain("the good catalog did not come")
@@ -185,7 +185,7 @@ class Hostile:
         for command in (["status"], ["verify"], ["verify", "--repair"],
                         self.update()):
             self.run(*command)
-            self.expect_flat("core", "bonus", "manufacturer", "referenced")
+            self.expect_flat("core", "bonus", "manufacturer", "referenced", "history/core/Good.orvlib")
             self.expect_sentinels()
 
     def logos(self, hostile):
@@ -221,7 +221,7 @@ class Hostile:
         for command in (["unpack", "--beside", path], ["unpack", path], ["import", "--no-database-check", path],
                         ["import", "--no-database-check", "--proprietary", path], ["import", "--no-database-check", path]):
             self.run(*command)
-            self.expect_flat("manufacturer", "textures", "referenced")
+            self.expect_flat("manufacturer", "textures", "referenced", "former-imports")
             self.expect_sentinels()
 
     def filters(self, hostile):

@@ -9,7 +9,7 @@ import zipfile
 
 # The error log is written in place and tells of the faults themselves. The record of former imports tells of times; the
 # scenarios that take imports back show whether it is sound.
-VOLATILE = re.compile(r"^root/user/errors\.log$|^root/former-imports(/|$)")
+VOLATILE = re.compile(r"^root/user/errors\.log$|^root/former-imports(/|$)|^root/temp/partial(/|$)")
 # Stamps that are new in every run; what else a file of them holds is compared.
 STAMPED = re.compile(r"^root/manufacturer-data/manufacturer_data(_temp)?\.json(\.bak)?$")
 STAMP = re.compile(rb"\d{8}T\d{6}(\.\d+)?")
@@ -134,13 +134,16 @@ def judge_done(now, new, may_differ=(), said="is done"):
             if now.get(path) != new[path] and path not in may_differ]
 
 
-def judge_recovered(now, finals, may_be_left=(), may_stay_out=()):
-    """Complaints about the tree after an undisturbed run: it is one that such runs leave, to the last name."""
+def judge_recovered(now, finals, may_be_left=(), may_stay_out=(), old=None):
+    """Complaints about the tree after an undisturbed run: it is one that such runs leave, to the last name. A file that
+    may stay out is missing, is as in the old state, or is made of parts."""
+    old = old or {}
     complaints = []
     allowed = {path for final in finals for path in final}
     for path in sorted(allowed):
         contents = [final.get(path) for final in finals]
-        stays_out = path in may_stay_out and (path not in now or is_made_of(now[path], contents))
+        stays_out = path in may_stay_out and (now.get(path) == old.get(path) or path not in now
+                                              or is_made_of(now[path], contents))
         if now.get(path) not in contents and not stays_out:
             complaints.append(f"{path} did not recover")
     complaints += [f"{path} was left over" for path in sorted(set(now) - allowed - set(may_be_left))]

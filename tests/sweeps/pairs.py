@@ -200,6 +200,7 @@ class Pairs:
         self.sweep.prepare(pair.scenario)
         if isinstance(pair, AddAndMerge):
             template = self.sweep.templates[pair.scenario]
+            self.sweep.execute(["--root", os.path.join(template, "other"), "paths", "--create"], template)
             self.sweep.execute(["--root", os.path.join(template, "other"), "filters", "add", "Office", "db-9"], template)
 
     def one_by_one(self, pair):

@@ -25,6 +25,10 @@ def archive(path, members):
             file.writestr(zipfile.ZipInfo(name, (2026, 1, 2, 3, 4, 6)), content, method)
 
 
+# The folders below a root, as any command that works on it makes them.
+WELL_KNOWN = ("user", "core", "bonus", "manufacturer", "manufacturer-data", "referenced", "textures", "temp")
+
+
 class Scenario:
     """One command. `prepare` builds the sandbox and `before` gives the commands that bring it to its old state;
     `arguments` follow the program's name in the command that is disturbed."""
@@ -46,6 +50,8 @@ class Scenario:
     all_or_nothing = ()
     # Deliberate: what a failure left out stays out until the service has something newer.
     may_stay_out = ()
+    # With what a run that has nothing left to do is refused, status 1; empty where it is done once more.
+    refused_when_done = ""
     # Whether the run tells a host object of its end, once.
     has_closing = False
     # How many downloads an undisturbed run has under way at once, at least, because the web service is far: it takes
@@ -55,6 +61,8 @@ class Scenario:
     def prepare(self, sandbox):
         for folder in ("root", "input", "work"):
             os.makedirs(os.path.join(sandbox, folder))
+        for folder in WELL_KNOWN:
+            os.makedirs(os.path.join(sandbox, "root", folder))
         write(os.path.join(sandbox, "sentinel/deep/file"), b"sentinel")
         os.symlink("deep", os.path.join(sandbox, "sentinel/link"))
         self.fill(sandbox)
@@ -162,6 +170,7 @@ class FilterAdd(Scenario):
 
     name = "filter-add"
     kept_copies = ("root/core/catalog_filters.json.unreadable",)
+    refused_when_done = "another filter has the name Garden"
 
     def before(self, sandbox, service):
         return [["filters", "add", "Kitchen", "db-1", "db-2"], ["filters", "add", "B\u00e4der", "db-3"]]

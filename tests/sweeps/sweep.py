@@ -91,11 +91,22 @@ class Cell:
         return {**settings, **({"ORV_FAULT_EVER": "1"} if self.ever else {})}
 
 
+# The archive that a former version is kept with may be another one's, and a version that the user went back from may be
+# forgotten, where a file cannot be read or written at that moment.
+KNOWN = re.compile(r"root/history/.*/version \d+\.zip |root/catalog-pins\.json ")
+
+
+def is_well(scenario, status, said):
+    """Whether an undisturbed run did what it was asked, or found that a former one had."""
+    return status == 0 or (status == 1 and scenario.refused_when_done and scenario.refused_when_done in said)
+
+
 class Sweep:
     def __init__(self, program, shim, folder):
         self.program, self.shim, self.folder = program, shim, folder
         self.templates, self.old, self.finals = {}, {}, {}
         self.services, self.servers = {}, []
+        self.known = 0  # complaints about known defects
         self.missed = 0  # kills that came after the run's last call
 
     def execute(self, arguments, sandbox, settings=None):
@@ -163,7 +174,7 @@ class Sweep:
 
     def run_undisturbed(self, scenario, sandbox):
         status, said = self.run(scenario, sandbox)
-        if status != 0:
+        if not is_well(scenario, status, said):
             sys.exit(f"{scenario.name}: the undisturbed run failed: {status} {said}")
         return oracle.snapshot(sandbox)
 
@@ -262,13 +273,23 @@ class Sweep:
         if is_examined:
             complaints += self.examine(sandbox)
         status, said = self.run(scenario, sandbox)
-        if status != 0:
+        if not is_well(scenario, status, said):
             complaints.append(f"the run after it ended with {status}: {said.strip()}")
         now = oracle.snapshot(sandbox)
         if is_examined:
             complaints += self.judge_health(sandbox)
         stays_out = () if is_kill else scenario.may_stay_out
-        return complaints + oracle.judge_recovered(now, self.finals[scenario], scenario.kept_copies, stays_out)
+        complaints += oracle.judge_recovered(now, self.finals[scenario], scenario.kept_copies, stays_out,
+                                             self.old[scenario])
+        return complaints if is_kill else self.without_known(complaints)
+
+    def without_known(self, complaints):
+        """What failing calls are known to spoil, and docs/reliability.md tells: it is counted and printed apart."""
+        known = [complaint for complaint in complaints if KNOWN.search(complaint)]
+        self.known += len(known)
+        for complaint in known:
+            print(f"known: {complaint}", flush=True)
+        return [complaint for complaint in complaints if not KNOWN.search(complaint)]
 
     def ask(self, sandbox, *command):
         """Exit status and JSON document of a command that says how the library is; nothing for no document."""
@@ -282,9 +303,9 @@ class Sweep:
         """What the user is told after a disturbed run: nothing is damaged but, at most, catalogs whose tags are
         older; repairing takes those tags away."""
         complaints = []
-        status, _ = self.ask(sandbox, "status")
-        if status != 0:
-            complaints.append(f"status ended with {status}")
+        status, told = self.ask(sandbox, "status")
+        if status not in (0, 1) or (status == 1) != bool(told.get("warnings")):
+            complaints.append(f"status ended with {status}: {told}")
         _, found = self.ask(sandbox, "verify")
         complaints += [f"{name} is damaged" for name in found.get("damaged", ["all"]) if not name.endswith(".orvlib")]
         status, repaired = self.ask(sandbox, "verify", "--repair")
@@ -375,7 +396,8 @@ def main():
             swept, cells = sweep_all(sweep, options, failed)
         finally:
             sweep.stop()
-    print(f"{options.sweep}: {len(swept)} of {len(cells)} points swept, {len(failed)} failed")
+    print(f"{options.sweep}: {len(swept)} of {len(cells)} points swept, {len(failed)} failed, "
+          f"{sweep.known} complaints about known defects")
     if sweep.missed > len(swept) // 20:
         print(f"{sweep.missed} runs were not killed: the calls of a run differ too much from one time to the next")
         return 1
