@@ -73,6 +73,7 @@ void LibraryCatalogUpdater::operator()()
 
 // Deliberate: the download folders are left alone. A catalog may wait there that a run which died had
 // fetched, and a host has not put in place.
+// Kept by: LibraryCatalogUpdaterCheck.checkAloneAsksTheSameAndChangesNothing
 void LibraryCatalogUpdater::check()
 {
     const RunCancelQuestion question;
@@ -119,6 +120,7 @@ void LibraryCatalogUpdater::gatherCatalogs()
 // Deliberate: every hash file of the run is written anew, also after a cancel and when its category was not
 // gathered. What is not remembered then is asked for by the SHA-1 of the installed file the next time. The
 // order is that of the gathering: core, bonus, manufacturer.
+// Kept by: LibraryCatalogUpdaterCheck.aCancelWhileCheckingFinishesTheChecksAndSavesAllHashFiles
 void LibraryCatalogUpdater::saveHashFiles()
 {
     for (const auto category :

@@ -41,6 +41,7 @@ std::vector<Curl::HeaderRequest> requestsFrom(CatalogMap::const_iterator first, 
 
 // Deliberate: no look at the cancel flag here. Every record gets its answer, so that the hash files of a
 // cancelled run are whole.
+// Kept by: LibraryCatalogUpdaterCheck.aCancelWhileCheckingFinishesTheChecksAndSavesAllHashFiles
 void LibraryCatalogUpdater::checkForUpdates()
 {
     mHostObject->setRangeInGauge(mCatalogs.size());
@@ -95,6 +96,7 @@ void LibraryCatalogUpdater::updateTotalDownloadSize()
     kbytes_to_read = 0;
     for (const auto& [name, record] : mCatalogs) {
         // Deliberate: whole kilobytes of each file, so that one below 1000 bytes counts for nothing.
+        // Kept by: LibraryCatalogUpdaterCheck.theTotalIsTheSumOfWholeKilobytes
         if (record.needsUpdate())
             kbytes_to_read = addSaturating(kbytes_to_read, record.contentLength / kBytesPerKilobyte);
     }

@@ -95,6 +95,7 @@ void LibraryCatalogUpdater::gatherCatalog(const fileString& file, Library::Libra
 try {
     const fileString name = file.stemWithExtension();
     // Deliberate: the name is Windows-1252 behind a translated prefix.
+    // Kept by: LibraryCatalogUpdaterGather.gatheringTellsHeadingRangeAndEachCatalog
     mHostObject->setText(prefix + StringUtils::toWin1252(name.unicodeString()));
     const auto known = mCatalogs.find(name);
     if (known != mCatalogs.end()) {

@@ -109,10 +109,12 @@ void LibraryCatalogUpdater::updateCatalogs()
     if (kApiEndpoint.empty())
         mMessageCode = kMessageNoEndpoint;
     // Deliberate: when all that changed is smaller than a kilobyte, nothing is downloaded in this run.
+    // Kept by: LibraryCatalogUpdaterInstall.whenAllChangesAreTinyNothingIsDownloaded
     if (kbytes_to_read == 0)
         return;
     // Deliberate: set to 0 here and by a good download only. After a stall, the next transfer ends at its
     // first silent call.
+    // Kept by: LibraryCatalogUpdaterInstall.afterAStallTheNextSilentCallAborts
     diff_zero_count = 0;
     total_kbytes_read = 0;
     file_kbytes_read = 0;
@@ -289,6 +291,7 @@ try {
     FileUtils::setFilePermission(file);
 } catch (const std::runtime_error&) {
     // Deliberate: the fixed text instead of the error's own.
+    // Kept by: LibraryCatalogUpdaterInstall.permissionsThatCannotBeSetAreLoggedWithTheFixedText
     log << "Error setting file permissions: "
         << "Unknown error"
         << "\n";

@@ -33,10 +33,12 @@ void LibraryFilterManager::loadFilters()
 void LibraryFilterManager::saveFilters()
 try {
     // Deliberate: removing the last filter does not reach the file.
+    // Kept by: LibraryFilterManagerTest.emptyListIsNotSaved
     if (!mFilters.empty())
         saveFiltersToFile(getFilterFullname(), mFilters, mCurrentFilterId);
 } catch (...) {
     // Deliberate: silence. The file has its old content.
+    // Kept by: LibraryFilterManagerTest.failureToSaveIsIgnoredButForTheMessage
 }
 
 marl::unicode::String LibraryFilterManager::getFilterFilename() const

@@ -30,6 +30,7 @@ json_writer::Object filterObject(const LibraryFilter& filter)
 }
 
 /// Deliberate: filters are no array but one repeated key.
+/// Kept by: LibraryFilterManagerFile.savedFileHasTheMembersInOrder
 json_writer::Object document(const std::vector<LibraryFilter>& filters, long currentFilterId)
 {
     json_writer::Object root;
@@ -66,6 +67,7 @@ LibraryFilter readFilter(const json::object& object)
 
 /// Deliberate: the order is that of the tree, the last filter in the file first, so that every load turns the
 /// list round.
+/// Kept by: LibraryFilterManagerFile.everyLoadTurnsTheListRound
 void readMembers(const json::object& root, std::vector<LibraryFilter>& filters)
 {
     for (auto [member, end] = root.equal_range(kFilter); member != end; ++member) {
@@ -120,6 +122,7 @@ long LibraryFilterManager::loadFiltersFromFile(const fileString& path, std::vect
 {
     long currentId = -1;
     // Deliberate: silence. What was read before a failure counts.
+    // Kept by: LibraryFilterManagerFile.malformedFilterStopsTheLoadThere
     readFilters(path, filters, currentId);
     return currentId;
 }

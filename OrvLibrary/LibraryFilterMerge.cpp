@@ -29,6 +29,7 @@ void LibraryFilterMerge::append(const LibraryFilter& filter)
 }
 
 /// Deliberate: a filter never keeps its own id, not even a free one.
+/// Kept by: LibraryFilterMerge.workedCases
 long LibraryFilterMerge::takeId()
 {
     while (!mUsedIds.insert(mCounter).second)

@@ -22,6 +22,7 @@ bool isAccepted(char c)
 
 /// Deliberate: a position past the end reads as "A", so that a last group that is cut short is completed with
 /// zero bits, and no length is an error.
+/// Kept by: Base64.aCutGroupIsCompletedWithZeroBits
 char fetch(const std::string& text, std::size_t position)
 {
     if (position >= text.size())
@@ -35,6 +36,7 @@ char fetch(const std::string& text, std::size_t position)
 }
 
 /// Deliberate: "=" counts as 63 where it is not skipped.
+/// Kept by: Base64.paddingIsTakenAnywhere
 unsigned sixBits(char c)
 {
     if (c >= 'A' && c <= 'Z')
@@ -60,6 +62,7 @@ void decodeGroup(const std::string& text, std::size_t position, std::vector<unsi
     bytes.push_back(static_cast<unsigned char>(a << 2 | b >> 4));
     // Deliberate: the two tests are independent, so "QQ=A" gives a second byte out of its first and last
     // pair.
+    // Kept by: Base64.mutatedTextsAreReadAsTheRulesSay
     if (third != '=')
         bytes.push_back(static_cast<unsigned char>(b << 4 | c >> 2));
     if (fourth != '=')

@@ -134,6 +134,7 @@ void ErrorLog::write()
     stream << "Time: " << getTimeNowString() << "\n";
     stream << "Thread ID: " << threadText(QThread::currentThreadId()) << "\n";
     // Deliberate: the lines of the message are not indented, although the block marker suggests it.
+    // Kept by: ErrorLogTest.linesOfAMessageAreNotIndented
     stream << "Message: |\n" << text << "...\n";
     stream.close();
 }

@@ -61,6 +61,7 @@ private:
     fileString mPath;
     /// Deliberate: set before anything is written, so that a file that stood beside the archive goes, too,
     /// when the archive holds no member of its kind.
+    /// Kept by: LibraryImportUnpackTest.filesBesideGoWhenTheArchiveHoldsNoneOfTheirKind
     FileReaper mGuard;
     bool mIsFound = false;
 };
@@ -108,6 +109,7 @@ private:
             throw ZipUtils::Cancelled();
         updateProgressDialog(mProgress, member.unicodeString());
         // Deliberate: of several databases each replaces the one before, so that the last one wins.
+        // Kept by: LibraryImportUnpackTest.lastOfThreeDatabasesWins
         const bool isDatabase = member.extension() == fileString(kDatabaseExtension);
         Output& output = isDatabase ? mDatabase : mReferenced;
         if (isDatabase ? ZipUtils::extractFileFromArchive(mDatabase.path(), handle, raw)
@@ -116,6 +118,7 @@ private:
         else if (ZipUtils::isRefused(output.path(), handle))
             output.leaveAlone();
         // Deliberate: a member that could not be copied is skipped, and the walk goes on.
+        // Kept by: LibraryImportUnpackTest.unsafeNamesAreSkippedAndNothingLeavesTheTarget
         return true;
     }
 

@@ -70,6 +70,7 @@ bool moveArchivedTextures(const fileString& extracted, const fileString& destina
                           std::shared_ptr<ProgressSubject> progress, std::string& reason)
 {
     // Deliberate: there is nothing to move, and that is success.
+    // Kept by: LibraryImportTexturesTest.missingExtractedArchiveIsSuccessAndChangesNothing
     if (!extracted.pathExists())
         return true;
     // Consumed whatever happens.

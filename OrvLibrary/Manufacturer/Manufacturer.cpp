@@ -67,6 +67,7 @@ Manufacturer::~Manufacturer() = default;
 bool Manufacturer::operator==(const Manufacturer& other) const
 {
     // Deliberate: records that differ in their time alone are not equal.
+    // Kept by: ManufacturerRecord.everyFieldTakesPartInEquality
     const auto fields = [](const Manufacturer& record) {
         return std::tie(record.mName, record.mUrl, record.mPhone, record.mFax, record.mLogo, record.mEmail,
                         record.mLock, record.mDeleted, *record.mLastModified);
@@ -127,6 +128,7 @@ void Manufacturer::setLastModified(const ptime& time)
 std::string Manufacturer::getManufacturerFullLogoName() const
 {
     // Deliberate: the code page, also where the file system speaks another.
+    // Kept by: ManufacturerRecord.fullLogoNameIsWindows1252
     const fileString path = PathUtils::getObject().getManufacturerDataPath() / mLogo;
     return StringUtils::toWin1252(path.unicodeString());
 }

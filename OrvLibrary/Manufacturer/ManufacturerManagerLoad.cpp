@@ -57,6 +57,7 @@ void readRecord(const json::object& object, long id, std::map<long, Manufacturer
 std::map<long, Manufacturer> readRecords(const json::object& root)
 {
     // Deliberate: a later record replaces an earlier one of the same id without a warning.
+    // Kept by: ManufacturerManagerLoad.laterRecordOfAnIdReplacesTheEarlierOne
     std::map<long, Manufacturer> table;
     for (auto [entry, end] = root.equal_range(kManufacturer); entry != end; ++entry) {
         const auto& object = boost::any_cast<const json::object&>(*entry->second);
@@ -130,6 +131,8 @@ bool ManufacturerManager::changeManufacturerDataPath(const fileString& folder)
     ptime lastModified;
     std::string defaultText;
     // Deliberate: plain concatenation; and the folder that is written to stays the standard one.
+    // Kept by: ManufacturerManagerTest.folderIsJoinedWithoutASeparator,
+    // ManufacturerManagerTest.writesGoToTheStandardFolderAfterAChange
     if (!read_manufacturer_file(folder + fileString(kFileName), table, &lastModified, &defaultText))
         return false;
     mTable.swap(table);

@@ -60,12 +60,14 @@ void ManufacturerManager::write_manufacturer_file()
         else
             json_writer::write_file(path.unicodeString().toUTF8String(), root);
         // Deliberate: also a file that was refused, so that the next attempt finds it writable.
+        // Kept by: ManufacturerManagerSave.readOnlyFileIsToldAndMadeWritableForTheNextTime
         if (path.pathExists()) {
             FileUtils::makeFileWritable(path);
             FileUtils::setFilePermission(path);
         }
     } catch (...) {
         // Deliberate: silence. The file has its old content.
+        // Kept by: ManufacturerManagerSave.otherFailuresAreSilent
     }
 }
 
@@ -82,6 +84,7 @@ void ManufacturerManager::checkWriteDataFile()
             tellThatFileCannotBeWritten(path);
     } catch (...) {
         // Deliberate: silence. There is nobody left to tell.
+        // Kept by: ManufacturerManagerSave.otherFailuresAreSilent
     }
 }
 

@@ -107,6 +107,7 @@ void ManufacturerManager::checkForManufacturerUpdates(const marl::unicode::Strin
         fetchUpdate(StringUtils::toWin1252(dataUrl), logoUrl + marl::unicode::String(kLogoPath));
     } catch (...) {
         // Deliberate: silence, as for every failure of the refresh.
+        // Kept by: ManufacturerManagerFault.aRefreshEndsQuietlyWhicheverCallThrows
     }
 }
 
@@ -129,6 +130,7 @@ void ManufacturerManager::fetchUpdate(const std::string& dataUrl, const marl::un
         return;
     fetchLogos(table, logoBase);
     // Deliberate: all of the service's records replace all of ours, newer ones and our own included.
+    // Kept by: ManufacturerManagerUpdate.newerFileReplacesTheTable
     mTable.swap(table);
     mDefaultText.swap(defaultText);
     *mLastModified = Library::getTimeNow();

@@ -8,6 +8,7 @@ Info::Info() = default;
 Info::Info(unsigned long categoryMask)
 {
     // Deliberate: the order of the table, not that of the numbers.
+    // Kept by: Info.listsCategoriesInTheOrderOfTheTable
     for (const int category : gLibCatMap) {
         if (categoryMask & 1UL << category)
             categories.push_back(category);

@@ -51,6 +51,7 @@ void ProgressText::setUnitString(const std::string& unitString)
 }
 
 // Deliberate: a pause is recorded and both texts are sent again, but they do not mention it.
+// Kept by: ProgressTextTest.pauseAndResumeSendBothTextsUnchanged
 void ProgressText::onPauseProcess()
 {
     mPaused = true;
@@ -113,6 +114,7 @@ std::string ProgressText::percentageText() const
         return filledIn(TextId::kPercentage, 0);
     // Deliberate: the product stays within 32 bits and wraps above 21,474,836, unsigned because a signed
     // overflow would be undefined.
+    // Kept by: ProgressTextTest.percentageWrapsInThirtyTwoBits
     const auto done = static_cast<std::uint32_t>(std::min(mValue, mRange));
     return filledIn(TextId::kPercentage, static_cast<std::int32_t>(done * 100U) / mRange);
 }

@@ -14,6 +14,7 @@ namespace Library {
 namespace {
 
 // Deliberate: not all that an item has by default. A node can be neither edited nor checked nor dropped on.
+// Kept by: TreeData.freshNodeHasNoImageNoTypeAndTheFlagsOfALeaf
 constexpr Qt::ItemFlags kNodeFlags = Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemIsEnabled;
 
 } // namespace

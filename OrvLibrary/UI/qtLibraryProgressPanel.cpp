@@ -128,6 +128,7 @@ void LibraryProgressPanel::onSetRangeInGauge(int val)
 
 // Deliberate: the text hears of the value twice, from the gauge and from here, because it must be current
 // even where there is no gauge.
+// Kept by: LibraryProgressPanelTest.eachValueReachesTheTextTwiceAndEachRangeThrice
 void LibraryProgressPanel::passOn(const char* slot, int val)
 {
     if (mGauge)

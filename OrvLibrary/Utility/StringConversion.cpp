@@ -33,6 +33,7 @@ std::string Library::toWindows1252(const std::string& utf8)
                    isContinuation(static_cast<unsigned char>(utf8[i + 1]))) {
             // Deliberate: this is no full mapping to the code page. Files that exist hold names made this
             // way.
+            // Kept by: StringConversionToWindows1252.convertsByItsFixedRule
             ++i;
             bytes += static_cast<char>(byte << 6 | (static_cast<unsigned char>(utf8[i]) & 0x3F));
         }

@@ -16,6 +16,7 @@ std::string unquotedTag(const std::string& value)
     std::string tag = opening == std::string::npos ? value : value.substr(opening + 1);
     const std::size_t closing = tag.rfind('"');
     // Deliberate: a closing quote at the very start stays, so the tag of two quotes alone is one quote.
+    // Kept by: LibraryCatalogUpdaterCheck.tagsLoseTheirQuotes
     if (closing != std::string::npos && closing >= 1)
         tag.resize(closing);
     return tag;

@@ -30,6 +30,7 @@ bool isStalled(double newBytes)
 }
 
 /// Deliberate: the count goes on over files and runs, so that the gauge may move early in a file.
+/// Kept by: CatalogDownloadProgress.theGaugesCountGoesOnWithTheNextDownload
 void tellGauge(CatalogEvents* events)
 {
     if (progress_update_count < kCallsBetweenGauges) {

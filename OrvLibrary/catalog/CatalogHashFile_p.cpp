@@ -41,6 +41,7 @@ void addEntry(CatalogMap& catalogs, const std::string& line, const fileString& h
         return;
     // Deliberate: the record says core, whatever the hash file's category. Gathering re-tags the files of its
     // set; a file that is listed and still there but in no set moves to the core folder's hash file so.
+    // Kept by: CatalogHashFile.aRecordOfAnyHashFileSaysCore
     CatalogUpdateData record;
     record.localHash = pieces[1];
     record.serverETag = pieces[1];
@@ -61,6 +62,7 @@ void readCatalogHashMap(CatalogMap& catalogs, Library::LibraryCategory category)
     text.exceptions(std::ios_base::badbit); // the lack of memory for a line is not the end of the file
     // Deliberate: a blank line ends the file, and what follows it is ignored. A carriage return is part of
     // the tag, so a line of it alone is not blank.
+    // Kept by: CatalogHashFile.blankLineEndsTheHashFile
     for (std::string line; std::getline(text, line) && !line.empty();)
         addEntry(catalogs, line, hashFile);
 }

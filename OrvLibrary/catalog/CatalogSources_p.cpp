@@ -117,6 +117,7 @@ std::string sourceUrl(const fileString& file, Library::LibraryCategory category,
         return {};
     // Deliberate: the values are inserted as they are. The service escapes nothing either, and the transport
     // encodes what HTTP cannot carry.
+    // Kept by: CatalogSources.valuesAreInsertedAsTheyAre
     return kApiEndpoint + "&library=" + library + "&product=" + product + "&version=" + version;
 }
 
@@ -125,6 +126,7 @@ void generate_url_and_headers(std::string& url, std::vector<std::string>& header
                               const std::string& version)
 {
     // Deliberate: sent with an empty tag as well.
+    // Kept by: CatalogSources.anEmptyTagIsSentAsTwoQuotes
     headers.push_back("If-None-Match: \"" + record.localHash + "\"");
     url = sourceUrl(file, record.category, product, version);
 }

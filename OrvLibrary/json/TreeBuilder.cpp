@@ -77,6 +77,7 @@ boost::any& TreeBuilder::add(Node node)
 
 /// Deliberate: a member goes before the members of equal key, so that the last one in the text is found
 /// first. The hint spares the search in a run of equal keys, as a filter file has them.
+/// Kept by: JsonReader.equalKeysStandInReverseOrder
 void TreeBuilder::addMember(Container& container, Node node)
 {
     object& members = *container.members;

@@ -229,6 +229,7 @@ const char* runRules(const char* first, const char* last, TreeBuilder& builder)
     const String string(builder.text());
     // Deliberate: an integer beyond 32 bits is no number at all, so a text that holds one is not read. Who
     // reads the tree tests for exactly `int`.
+    // Kept by: JsonReader.malformedTextsYieldAnEmptyValue
     const auto number = DigitRun()[TellNumber<int, &B::addInt>{builder}] |
                         spirit::strict_real_p[TellNumber<double, &B::addDouble>{builder}] |
                         spirit::int_p[TellNumber<int, &B::addInt>{builder}];
@@ -260,6 +261,7 @@ Node parseCharacters(const char* first, const char* last)
     if (stop != last)
         return std::make_shared<boost::any>();
     // Deliberate: a lone opening brace leaves its marker, of which no reader can make anything.
+    // Kept by: JsonReader.loneOpeningBraceLeavesItsMarker
     if (builder.isLoneBrace())
         return std::make_shared<boost::any>(grammar<char>::object_delimiter());
     const Node tree = builder.takeTree();

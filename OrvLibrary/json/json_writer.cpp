@@ -21,6 +21,7 @@ public:
     void operator()(bool value) { mText += value ? "true" : "false"; }
     void operator()(int value) { integer(value); }
     /// Deliberate: written as it is, also where the reader takes 32 bits only and will refuse the file.
+    /// Kept by: JsonWriter.longBeyondAnIntMakesTheTextUnreadable
     void operator()(long value) { integer(value); }
     void operator()(double value);
     void operator()(const std::string& value) { quoted(value); }

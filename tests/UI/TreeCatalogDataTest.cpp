@@ -12,7 +12,7 @@ const fileString kPath("/catalogs/bonus");
 
 } // namespace
 
-TEST(LibraryCategoryData, constructorsTakeIdCategoryAndPath)
+TEST(TreeCatalogData, constructorsTakeIdCategoryAndPath)
 {
     const LibraryCategoryData node(5, Library::kBonusLibrary, kPath);
     EXPECT_EQ(node.getId(), 5);
@@ -24,14 +24,14 @@ TEST(LibraryCategoryData, constructorsTakeIdCategoryAndPath)
     EXPECT_EQ(withoutId.getDatabasePath(), kPath);
 }
 
-TEST(LibraryCategoryData, isAContainerThatAcceptsNoDrops)
+TEST(TreeCatalogData, isAContainerThatAcceptsNoDrops)
 {
     const LibraryCategoryData node(Library::kCoreLibrary, kPath);
     EXPECT_FALSE(node.isLeaf());
     EXPECT_EQ(static_cast<int>(node.flags()), 37);
 }
 
-TEST(LibraryCategoryData, isValidWhileItsPathExists)
+TEST(TreeCatalogData, isValidWhileItsPathExists)
 {
     const test::TempFolder folder;
     EXPECT_TRUE(LibraryCategoryData(Library::kCoreLibrary, fileString(folder.path())).isValid());

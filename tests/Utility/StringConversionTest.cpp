@@ -8,7 +8,7 @@
 
 using Library::toWindows1252;
 
-TEST(ToWindows1252, convertsByItsFixedRule)
+TEST(StringConversionToWindows1252, convertsByItsFixedRule)
 {
     const struct
     {
@@ -43,7 +43,7 @@ TEST(ToWindows1252, convertsByItsFixedRule)
         EXPECT_EQ(toWindows1252(c.utf8), c.bytes) << testing::PrintToString(c.utf8);
 }
 
-TEST(ToWindows1252, everyLatin1CharacterBecomesItsByte)
+TEST(StringConversionToWindows1252, everyLatin1CharacterBecomesItsByte)
 {
     for (unsigned code = 0x80; code <= 0xFF; ++code) {
         const std::string utf8 = {static_cast<char>(0xC0 | code >> 6),
@@ -52,7 +52,7 @@ TEST(ToWindows1252, everyLatin1CharacterBecomesItsByte)
     }
 }
 
-TEST(ToWindows1252, everyPairOfBytesFollowsTheRule)
+TEST(StringConversionToWindows1252, everyPairOfBytesFollowsTheRule)
 {
     for (unsigned first = 0; first < 256; ++first) {
         for (unsigned second = 0; second < 256; ++second) {
@@ -69,7 +69,7 @@ TEST(ToWindows1252, everyPairOfBytesFollowsTheRule)
     }
 }
 
-TEST(ToUTF8, isTheDatabaseLibrarysConversion)
+TEST(StringConversionToUTF8, isTheDatabaseLibrarysConversion)
 {
     for (unsigned code = 0; code < 256; ++code) {
         const std::string text = {'a', static_cast<char>(code)};

@@ -16,10 +16,10 @@ using Ids = std::vector<std::string>;
 using Names = std::vector<std::string>;
 
 /// The one manager, as fresh as on the first use in a new process: it has read the file of a new host.
-class FilterManager : public testing::Test
+class LibraryFilterManagerTest : public testing::Test
 {
 protected:
-    FilterManager() { mManager.loadFilters(); }
+    LibraryFilterManagerTest() { mManager.loadFilters(); }
 
     void writeFile(const std::string& content) { mHost.folder().write("core/catalog_filters.json", content); }
 
@@ -34,19 +34,19 @@ const char kTwoFilters[] = R"({"Current_Filter": 4,
 
 } // namespace
 
-TEST_F(FilterManager, isOne)
+TEST_F(LibraryFilterManagerTest, isOne)
 {
     EXPECT_EQ(&mManager, &LibraryFilterManager::getLibraryFilterManager());
 }
 
-TEST_F(FilterManager, namesItsFile)
+TEST_F(LibraryFilterManagerTest, namesItsFile)
 {
     EXPECT_EQ(mManager.getFilterFilename().toUTF8String(), "catalog_filters.json");
     EXPECT_EQ(mManager.getFilterFullname().toNativeString(),
               mHost.folder().path() + "/core/catalog_filters.json");
 }
 
-TEST_F(FilterManager, withoutAFileThereIsNoFilter)
+TEST_F(LibraryFilterManagerTest, withoutAFileThereIsNoFilter)
 {
     EXPECT_TRUE(mManager.getLibraryFilters().empty());
     EXPECT_EQ(mManager.getCurrentFilterId(), -1);
@@ -58,7 +58,7 @@ TEST_F(FilterManager, withoutAFileThereIsNoFilter)
     EXPECT_NE(mLabel, "");
 }
 
-TEST_F(FilterManager, loadReplacesListAndCurrentId)
+TEST_F(LibraryFilterManagerTest, loadReplacesListAndCurrentId)
 {
     mManager.setLibraryFilters({LibraryFilter("Old", 9, {})});
     mManager.setCurrentFilterId(9);
@@ -73,7 +73,7 @@ TEST_F(FilterManager, loadReplacesListAndCurrentId)
     EXPECT_EQ(mManager.getCurrentFilterId(), -1);
 }
 
-TEST_F(FilterManager, currentFilterSelectsItsDatabases)
+TEST_F(LibraryFilterManagerTest, currentFilterSelectsItsDatabases)
 {
     writeFile(kTwoFilters);
     mManager.loadFilters();
@@ -87,7 +87,7 @@ TEST_F(FilterManager, currentFilterSelectsItsDatabases)
     EXPECT_EQ(mManager.getCurrentFilterString(), "A");
 }
 
-TEST_F(FilterManager, everyChangeReachesTheQuestionForADatabase)
+TEST_F(LibraryFilterManagerTest, everyChangeReachesTheQuestionForADatabase)
 {
     mManager.setLibraryFilters({LibraryFilter("A", 3, {"x", "y", "x"}), LibraryFilter("B", 4, {"z"})});
     mManager.setCurrentFilterId(3);
@@ -111,7 +111,7 @@ TEST_F(FilterManager, everyChangeReachesTheQuestionForADatabase)
     EXPECT_TRUE(mManager.isFilteredDatabase("merged"));
 }
 
-TEST_F(FilterManager, fiveThousandQuestionsTakeNoTime)
+TEST_F(LibraryFilterManagerTest, fiveThousandQuestionsTakeNoTime)
 {
     Ids ids;
     for (int i = 0; i < 5000; ++i)
@@ -129,7 +129,7 @@ TEST_F(FilterManager, fiveThousandQuestionsTakeNoTime)
     EXPECT_LT(best.count(), 0.010);
 }
 
-TEST_F(FilterManager, currentIdMayNameNoFilter)
+TEST_F(LibraryFilterManagerTest, currentIdMayNameNoFilter)
 {
     mManager.setLibraryFilters({LibraryFilter("A", 3, {"x"})});
     for (const long id : {7L, -5L}) {
@@ -144,7 +144,7 @@ TEST_F(FilterManager, currentIdMayNameNoFilter)
     EXPECT_FALSE(mManager.hasActiveFilter());
 }
 
-TEST_F(FilterManager, filterWithTheIdOfNoneIsNeverCurrent)
+TEST_F(LibraryFilterManagerTest, filterWithTheIdOfNoneIsNeverCurrent)
 {
     mManager.setLibraryFilters({LibraryFilter("Odd", -1, {"x"})});
     mManager.setCurrentFilterId(-1);
@@ -152,7 +152,7 @@ TEST_F(FilterManager, filterWithTheIdOfNoneIsNeverCurrent)
     EXPECT_EQ(mManager.getCurrentFilterString(), mLabel);
 }
 
-TEST_F(FilterManager, ofEqualIdsTheFirstIsFound)
+TEST_F(LibraryFilterManagerTest, ofEqualIdsTheFirstIsFound)
 {
     mManager.setLibraryFilters({LibraryFilter("A", 3, {"x"}), LibraryFilter("B", 3, {"y"})});
     mManager.setCurrentFilterId(3);
@@ -167,14 +167,14 @@ TEST_F(FilterManager, ofEqualIdsTheFirstIsFound)
     EXPECT_TRUE(none.getDatabaseIds().empty());
 }
 
-TEST_F(FilterManager, takesItsOwnListBack)
+TEST_F(LibraryFilterManagerTest, takesItsOwnListBack)
 {
     mManager.setLibraryFilters({LibraryFilter("A", 3, {"x"})});
     mManager.setLibraryFilters(mManager.getLibraryFilters());
     EXPECT_EQ(mManager.getFilterStrings(), (Names{mLabel, "A"}));
 }
 
-TEST_F(FilterManager, removesADatabaseOnceFromEachFilter)
+TEST_F(LibraryFilterManagerTest, removesADatabaseOnceFromEachFilter)
 {
     writeFile(kTwoFilters);
     mManager.loadFilters();
@@ -184,7 +184,7 @@ TEST_F(FilterManager, removesADatabaseOnceFromEachFilter)
     EXPECT_EQ(test::readFile(mManager.getFilterFullname()), kTwoFilters) << "nothing is saved by itself";
 }
 
-TEST_F(FilterManager, savesListAndCurrentId)
+TEST_F(LibraryFilterManagerTest, savesListAndCurrentId)
 {
     mManager.setLibraryFilters({LibraryFilter("A", 3, {"x"})});
     mManager.setCurrentFilterId(3);
@@ -195,7 +195,7 @@ TEST_F(FilterManager, savesListAndCurrentId)
     EXPECT_EQ(filters[0].getFilterName(), "A");
 }
 
-TEST_F(FilterManager, emptyListIsNotSaved)
+TEST_F(LibraryFilterManagerTest, emptyListIsNotSaved)
 {
     writeFile(kTwoFilters);
     mManager.loadFilters();
@@ -206,7 +206,7 @@ TEST_F(FilterManager, emptyListIsNotSaved)
     EXPECT_EQ(mManager.getLibraryFilters().size(), 2U);
 }
 
-TEST_F(FilterManager, failureToSaveIsIgnoredButForTheMessage)
+TEST_F(LibraryFilterManagerTest, failureToSaveIsIgnoredButForTheMessage)
 {
     writeFile(kTwoFilters);
     ASSERT_EQ(chmod(mManager.getFilterFullname().toNativeString().c_str(), 0444), 0);
@@ -216,7 +216,7 @@ TEST_F(FilterManager, failureToSaveIsIgnoredButForTheMessage)
     EXPECT_EQ(test::readFile(mManager.getFilterFullname()), kTwoFilters);
 }
 
-TEST_F(FilterManager, aHostThatCannotSayWhereTheFileIsHasNone)
+TEST_F(LibraryFilterManagerTest, aHostThatCannotSayWhereTheFileIsHasNone)
 {
     writeFile(kTwoFilters);
     mManager.loadFilters();

@@ -48,6 +48,7 @@ std::optional<struct stat> linkStatus(const std::string& path);
 bool nameIsTaken(const std::string& path);
 /// Whether the file may be written. Deliberate: the write permissions count for the superuser as well, whom
 /// the system would let write to a protected file.
+/// Kept by: FileUtilsTest.canWriteAnExistingFileThatIsNotReadOnly
 bool mayWrite(const std::string& path, const struct stat& status);
 
 /// Opens without ever waiting (a FIFO would) and closes on exec.

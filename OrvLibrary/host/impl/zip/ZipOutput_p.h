@@ -34,7 +34,7 @@ public:
     void appendRange(int file, std::uint64_t offset, std::uint64_t size, const fileString& source);
     /// Everything appended is in the file afterwards.
     void flush();
-    /// Gives the file the target's name. Deliberate: it is not synced, like the work of any copying program;
+    /// Gives the file the target's name. It is not synced, on purpose, like the work of any copying program;
     /// waiting for the disk would take as long as all the rest.
     void publish();
 
