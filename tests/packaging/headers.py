@@ -12,11 +12,12 @@ VARIANTS = ((), ("-DQT_NO_KEYWORDS",))
 
 
 def public_headers():
-    for folder, folders, names in os.walk(os.path.join(source, "OrvLibrary")):
-        folders[:] = [name for name in folders if name not in ("json", "impl")]
-        for name in sorted(names):
-            if name.endswith(".h") and not name.endswith("_p.h"):
-                yield os.path.relpath(os.path.join(folder, name), source)
+    for library in ("OrvLibrary", "OrvHost"):
+        for folder, folders, names in os.walk(os.path.join(source, library)):
+            folders[:] = [name for name in folders if name not in ("json", "impl")]
+            for name in sorted(names):
+                if name.endswith(".h") and not name.endswith("_p.h"):
+                    yield os.path.relpath(os.path.join(folder, name), source)
 
 
 def compile_alone(job):

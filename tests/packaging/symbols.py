@@ -1,4 +1,4 @@
-"""Compares the classes and functions that the library exports with the kept list.
+"""Compares the classes and functions that a library exports with the kept list.
 
 A class counts once, by its name; a free function by its qualified name. Run with --update after a change on purpose.
 """
