@@ -269,14 +269,14 @@ TEST_F(ManufacturerManagerUpdate, failedLogoIsLeftMissingUnlessItHasTheOldName)
 
 TEST_F(ManufacturerManagerUpdate, anOldLogoThatAnotherRecordNamesStays)
 {
-    have(record(1, "one", kOlder, "shared.png") + record(2, "two", kOlder, "./shared.png") +
+    have(record(1, "one", kOlder, "common.png") + record(2, "two", kOlder, "./common.png") +
          record(3, "three", kOlder, "own.png"));
-    haveFile("shared.png", "shared");
+    haveFile("common.png", "shared");
     haveFile("own.png", "own");
-    serve(kNewer, record(1, "one", kNewer, "one.png") + record(2, "two", kOlder, "x/../shared.png") +
+    serve(kNewer, record(1, "one", kNewer, "one.png") + record(2, "two", kOlder, "x/../common.png") +
                       record(3, "three", kNewer, "three.png"));
     refresh();
-    EXPECT_THAT(files(), UnorderedElementsAre("manufacturer_data.json", "shared.png"));
+    EXPECT_THAT(files(), UnorderedElementsAre("manufacturer_data.json", "common.png"));
 }
 
 /// Serves nothing, but keeps the address of the data and whether something stood in its file's place.

@@ -95,13 +95,8 @@ public:
         }
         Curl::get().prefetchDownloads({});
     }
-    /// A failed download removes its target: the service's contract. A known defect, which shows in one run
-    /// of five: what was fetched ahead may stay in files of private names, until the next download to the
-    /// target.
-    bool isExcepted(const std::string& name) const override
-    {
-        return name.rfind("user/far", 0) == 0 || name.rfind("user/.far", 0) == 0;
-    }
+    /// A failed download removes its target: the service's contract.
+    bool isExcepted(const std::string& name) const override { return name.rfind("user/far", 0) == 0; }
 
 private:
     static constexpr int kFiles = 4;
