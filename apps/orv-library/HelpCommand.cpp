@@ -5,8 +5,8 @@
 #include <QFile>
 #include <QProcess>
 
-#include "apps/orv-library/ManualPage.h"
 #include "apps/orv-library/Session.h"
+#include "apps/orv-library/console/ManualPage.h"
 
 namespace {
 

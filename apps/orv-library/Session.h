@@ -6,8 +6,8 @@
 #include <QTemporaryDir>
 
 #include "OrvHost/AppHost.h"
-#include "apps/orv-library/Console.h"
 #include "apps/orv-library/GlobalOptions.h"
+#include "apps/orv-library/console/Console.h"
 
 /// What a command works with: the global options, the output and, once it is asked for, the host with its
 /// folders. The first request decides which kind of host the session has. Used by the main thread.

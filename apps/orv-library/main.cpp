@@ -5,8 +5,8 @@
 #include <QCoreApplication>
 
 #include "apps/orv-library/CommandLine.h"
-#include "apps/orv-library/Interrupt.h"
 #include "apps/orv-library/Session.h"
+#include "apps/orv-library/console/Interrupt.h"
 
 namespace {
 

@@ -1,0 +1,21 @@
+#include "apps/orv-library/console/RunLoop.h"
+
+#include <QEventLoop>
+#include <QSocketNotifier>
+
+#include "apps/orv-library/console/Interrupt.h"
+
+void RunLoop::run(OrvHost::CatalogUpdateRun& update, UpdateHost& host)
+{
+    const Interrupt interrupt;
+    QEventLoop loop;
+    QObject::connect(&update, &OrvHost::CatalogUpdateRun::finished, &loop, &QEventLoop::quit);
+    update.start(host);
+    // From here on, because a cancel before the updater was made has no effect on it.
+    QSocketNotifier notifier(interrupt.descriptor(), QSocketNotifier::Read);
+    QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [&notifier] {
+        notifier.setEnabled(false);
+        OrvHost::CatalogUpdateRun::cancel();
+    });
+    loop.exec();
+}

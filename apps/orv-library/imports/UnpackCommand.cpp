@@ -1,0 +1,124 @@
+#include "apps/orv-library/imports/UnpackCommand.h"
+
+#include <filesystem>
+
+#include "OrvHost/imports/LibrarySource.h"
+#include "apps/orv-library/Session.h"
+#include "apps/orv-library/console/ConsoleProgress.h"
+#include "apps/orv-library/console/Interrupt.h"
+
+namespace {
+
+QJsonObject document(const LibraryImport::FoundFile& file)
+{
+    const bool found = file.first;
+    return {{"found", found},
+            {"path", found ? QJsonValue(jsonText(OrvHost::absolutePath(file.second).toNativeString()))
+                           : QJsonValue()}};
+}
+
+QJsonObject document(const LibraryImport::UnpackResult& result)
+{
+    return {{"library", document(result.first)}, {"referenced", document(result.second)}};
+}
+
+std::string text(const std::string& label, const LibraryImport::FoundFile& file)
+{
+    return file.first ? label + OrvHost::absolutePath(file.second).toNativeString() + "\n" : std::string();
+}
+
+void requireFolder(const std::string& folder)
+{
+    std::error_code error;
+    if (!std::filesystem::is_directory(folder, error))
+        throw CommandFailure(folder + ": no such folder");
+}
+
+} // namespace
+
+void UnpackCommand::declare(CommandSyntax& syntax)
+{
+    syntax.argument("SOURCE", mSource, "The archive: a path or an http address");
+    syntax.flag("--beside", mBeside, "Write next to the archive, under its name");
+    syntax.option("--output-dir", mOutputFolder, "DIR", "Write into this folder (default: the current one)");
+    syntax.exclusive("--beside", "--output-dir");
+    syntax.runs([this](Session& session) { return run(session); });
+}
+
+/// An archive of another name than usual may be just what one of the results would replace.
+void UnpackCommand::requireOtherFile(const fileString& target) const
+{
+    std::error_code error;
+    if (std::filesystem::equivalent(mSource, target.toNativeString(), error))
+        throw CommandFailure(mSource + ": is the archive itself, which a result would replace");
+}
+
+void UnpackCommand::checkUsage() const
+{
+    if (mBeside && OrvHost::LibrarySource(mSource).isAddress())
+        throw UsageError("--beside needs a local archive");
+    // Beside itself, such an archive would be one of its own results.
+    const std::string extension = fileString(mSource).extension().toNativeString();
+    if (mBeside && (extension == ".zip" || extension == ".orvlib"))
+        throw UsageError("--beside cannot unpack an archive whose name ends in " + extension);
+}
+
+ExitStatus UnpackCommand::run(Session& session) const
+{
+    checkUsage();
+    session.console().resultSoFar(document(LibraryImport::UnpackResult()));
+    session.rootlessHost();
+    const Interrupt interrupt;
+    const LibraryImport::UnpackResult result = unpackUninterrupted(session);
+    const bool isEmpty = !result.first.first && !result.second.first;
+    if (isEmpty && !Interrupt::requested())
+        throw CommandFailure(mSource + ": holds neither a library nor referenced files");
+    session.console().result(document(result),
+                             text("Library: ", result.first) + text("Referenced files: ", result.second));
+    return isEmpty ? ExitStatus::Interrupted : ExitStatus::Done;
+}
+
+/// What fails because of a signal is no failure, and gives nothing.
+LibraryImport::UnpackResult UnpackCommand::unpackUninterrupted(Session& session) const
+{
+    ProgressReporter reporter(session.options().progress);
+    const auto progress = std::make_shared<ConsoleProgress>(reporter);
+    try {
+        if (!mBeside)
+            return unpackInto(session, progress);
+        progress->updateLabels("reading", {});
+        return OrvHost::LibrarySource(mSource).unpackBeside(progress);
+    } catch (const std::runtime_error&) {
+        if (!Interrupt::requested())
+            throw;
+        return {};
+    }
+}
+
+LibraryImport::UnpackResult UnpackCommand::unpackInto(Session& session,
+                                                      const std::shared_ptr<ProgressSubject>& progress) const
+{
+    requireFolder(mOutputFolder);
+    OrvHost::LibrarySource source(mSource);
+    const fileString target = fileString(mOutputFolder) / source.stem();
+    for (const char* extension : {".zip", ".orvlib"})
+        requireOtherFile(target + fileString(extension));
+    if (source.isAddress())
+        progress->updateLabels("downloading", {});
+    source.fetch(progress);
+    progress->updateLabels("reading", {});
+    const std::unique_ptr<OrvHost::UnpackedFiles> files = source.unpack(progress);
+    progress->updateLabels("putting in place", {});
+    LibraryImport::UnpackResult result;
+    const auto place = [&](const LibraryImport::FoundFile& from, const char* extension,
+                           LibraryImport::FoundFile& to) {
+        if (!from.first)
+            return;
+        OrvHost::moveOver(from.second, target + fileString(extension));
+        to = {true, target + fileString(extension)};
+        session.console().resultSoFar(document(result));
+    };
+    place(files->found.second, ".zip", result.second);
+    place(files->found.first, ".orvlib", result.first);
+    return result;
+}

@@ -1,0 +1,228 @@
+#include "apps/orv-library/records/FiltersCommand.h"
+
+#include <algorithm>
+#include <charconv>
+#include <limits>
+#include <optional>
+
+#include <QJsonArray>
+
+#include "OrvHost/records/FilterChange.h"
+#include "OrvLibrary/LibraryFilterManager.h"
+#include "apps/orv-library/Session.h"
+
+namespace {
+
+using Filters = std::vector<LibraryFilter>;
+
+constexpr long kNone = -1;
+
+/// The manager, on the host's folders.
+LibraryFilterManager& manager(Session& session)
+{
+    session.existingHost();
+    return LibraryFilterManager::getLibraryFilterManager();
+}
+
+QJsonArray jsonArray(const std::vector<std::string>& texts)
+{
+    QJsonArray array;
+    for (const std::string& text : texts)
+        array.append(jsonText(text));
+    return array;
+}
+
+QJsonObject document(const LibraryFilter& filter)
+{
+    return {{"id", static_cast<qint64>(filter.getFilterId())},
+            {"name", jsonText(filter.getFilterName())},
+            {"databases", jsonArray(filter.getDatabaseIds())}};
+}
+
+std::string line(const LibraryFilter& filter)
+{
+    std::string text = std::to_string(filter.getFilterId()) + "  " + filter.getFilterName() + ":";
+    for (const std::string& database : filter.getDatabaseIds())
+        text += " " + database;
+    return text + "\n";
+}
+
+void print(Session& session, const LibraryFilterManager& filters)
+{
+    QJsonArray array;
+    std::string text = "Current: " + filters.getCurrentFilterString() + "\n";
+    for (const LibraryFilter& filter : filters.getLibraryFilters()) {
+        array.append(document(filter));
+        text += line(filter);
+    }
+    session.console().result({{"current", static_cast<qint64>(filters.getCurrentFilterId())},
+                              {"filters", array},
+                              {"labels", jsonArray(filters.getFilterStrings())}},
+                             text);
+}
+
+/// Ids that a file can hold and that stand for a filter.
+long usableId(std::int64_t id)
+{
+    if (id == kNone || id < std::numeric_limits<std::int32_t>::min() ||
+        id > std::numeric_limits<std::int32_t>::max())
+        throw UsageError(std::to_string(id) +
+                         " is no id of a filter: it must be a number of 32 bits other than -1");
+    return static_cast<long>(id);
+}
+
+/// The id that the text is; nothing when it is no number, and so may be a name.
+std::optional<long> idFrom(const std::string& text)
+{
+    std::int64_t id = kNone;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, id);
+    if (stop != end || error == std::errc::invalid_argument)
+        return std::nullopt;
+    if (error != std::errc())
+        throw UsageError("'" + text + "' is neither the id of a filter nor none");
+    return usableId(id);
+}
+
+/// The id of the one filter of that name.
+long idOfName(const LibraryFilterManager& filters, const std::string& name)
+{
+    const Filters& list = filters.getLibraryFilters();
+    const auto isNamed = [&name](const LibraryFilter& filter) { return filter.getFilterName() == name; };
+    const auto count = std::count_if(list.begin(), list.end(), isNamed);
+    if (count == 0)
+        throw UsageError("'" + name + "' is neither the id nor the name of a filter, nor none");
+    if (count > 1)
+        throw CommandFailure(std::to_string(count) + " filters have the name " + name +
+                             "; give the id of one of them");
+    return std::find_if(list.begin(), list.end(), isNamed)->getFilterId();
+}
+
+bool hasId(const Filters& filters, long id)
+{
+    return std::any_of(filters.begin(), filters.end(),
+                       [id](const LibraryFilter& filter) { return filter.getFilterId() == id; });
+}
+
+void demandId(const LibraryFilterManager& filters, long id)
+{
+    if (!hasId(filters.getLibraryFilters(), id))
+        throw CommandFailure("no filter has the id " + std::to_string(id) + ": " +
+                             filters.getFilterFullname().toNativeString());
+}
+
+/// Tells of the copy that keeps what could not be read of a filter file, where there is one.
+void tellKept(const fileString& path, const fileString& copy)
+{
+    if (!copy.empty())
+        Console::complain(path.toNativeString() + " cannot be read as a whole; it is kept as " +
+                          copy.toNativeString());
+}
+
+ExitStatus saveAndPrint(Session& session, OrvHost::FilterChange& change,
+                        OrvHost::FilterChange::Order order = OrvHost::FilterChange::Order::Kept)
+{
+    tellKept(change.filters().getFilterFullname(), change.save(order));
+    print(session, change.filters());
+    return ExitStatus::Done;
+}
+
+} // namespace
+
+void FiltersCommand::declare(CommandSyntax& syntax)
+{
+    const auto action = [this, &syntax](const char* name, const char* summary,
+                                        ExitStatus (FiltersCommand::*work)(Session&)
+                                            const) -> CommandSyntax& {
+        CommandSyntax& added = syntax.action(name, summary);
+        added.runs([this, work](Session& session) { return (this->*work)(session); });
+        return added;
+    };
+    action("list", "Print all filters and the current one", &FiltersCommand::list);
+    action("show", "Print one filter", &FiltersCommand::show).argument("ID", mId, "Id of the filter");
+    CommandSyntax& adding = action("add", "Add a filter", &FiltersCommand::add);
+    adding.argument("NAME", mName, "Name of the filter");
+    adding.arguments("DATABASE-ID", mDatabases, "The databases that it names");
+    adding.option("--id", mId, "N", "Id of the filter; else the lowest free one");
+    action("remove", "Remove a filter", &FiltersCommand::remove).argument("ID", mId, "Id of the filter");
+    action("use", "Make a filter the current one, or none", &FiltersCommand::use)
+        .argument("ID|NAME|none", mIdOrName, "Id or name of the filter, or none");
+    action("drop-database", "Remove a database from every filter", &FiltersCommand::dropDatabase)
+        .argument("DATABASE-ID", mDatabase, "Id of the database");
+    action("merge", "Merge the filters into another filter file and take over the result",
+           &FiltersCommand::merge)
+        .argument("FILE", mFile, "The other filter file; made when it is missing");
+}
+
+ExitStatus FiltersCommand::list(Session& session) const
+{
+    print(session, manager(session));
+    return ExitStatus::Done;
+}
+
+ExitStatus FiltersCommand::show(Session& session) const
+{
+    const long id = usableId(mId);
+    const LibraryFilterManager& filters = manager(session);
+    demandId(filters, id);
+    const LibraryFilter filter =
+        LibraryFilterManager::getLibraryFilterFromId(id, filters.getLibraryFilters());
+    session.console().result(document(filter), line(filter));
+    return ExitStatus::Done;
+}
+
+ExitStatus FiltersCommand::add(Session& session) const
+{
+    if (mName.empty())
+        throw UsageError("the name of a filter must not be empty");
+    if (mId != kNoId)
+        usableId(mId);
+    session.existingHost();
+    OrvHost::FilterChange change;
+    change.add(mName, mDatabases, mId == kNoId ? std::nullopt : std::optional<long>(mId));
+    return saveAndPrint(session, change);
+}
+
+ExitStatus FiltersCommand::remove(Session& session) const
+{
+    const long id = usableId(mId);
+    session.existingHost();
+    OrvHost::FilterChange change;
+    change.remove(id);
+    return saveAndPrint(session, change);
+}
+
+ExitStatus FiltersCommand::use(Session& session) const
+{
+    const std::optional<long> id = mIdOrName == "none" ? kNone : idFrom(mIdOrName);
+    session.existingHost();
+    OrvHost::FilterChange change;
+    change.use(id ? *id : idOfName(change.filters(), mIdOrName));
+    return saveAndPrint(session, change);
+}
+
+ExitStatus FiltersCommand::dropDatabase(Session& session) const
+{
+    session.existingHost();
+    OrvHost::FilterChange change;
+    if (change.dropDatabase(mDatabase) > 0)
+        return saveAndPrint(session, change);
+    Console::complain("no filter names the database " + mDatabase + "; nothing was dropped");
+    print(session, change.filters());
+    return ExitStatus::Done;
+}
+
+ExitStatus FiltersCommand::merge(Session& session) const
+{
+    const fileString file{mFile};
+    if (file.empty())
+        throw UsageError("the name of the other filter file must not be empty");
+    session.existingHost();
+    OrvHost::FilterChange change(file);
+    for (const fileString& path : {change.filters().getFilterFullname(), file})
+        tellKept(path, OrvHost::FilterChange::prepareToOverwrite(path));
+    if (!change.filters().mergeFilters(file))
+        throw CommandFailure("cannot write " + mFile);
+    // Both files hold the same then.
+    return saveAndPrint(session, change, OrvHost::FilterChange::Order::Turned);
+}

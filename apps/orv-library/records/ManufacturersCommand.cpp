@@ -1,0 +1,158 @@
+#include "apps/orv-library/records/ManufacturersCommand.h"
+
+#include <QJsonArray>
+
+#include "OrvHost/Settings.h"
+#include "OrvHost/records/ManufacturerRefresh.h"
+#include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "OrvLibrary/host/TimeUtils.h"
+#include "apps/orv-library/Session.h"
+
+namespace {
+
+using Table = OrvHost::ManufacturerRefresh::Table;
+
+/// The manager, on the host's folders.
+const ManufacturerManager& manager(Session& session)
+{
+    session.existingHost();
+    return *ManufacturerManager::getManufacturerManager();
+}
+
+QJsonObject document(long id, const Manufacturer& record, bool resolveDefault)
+{
+    return {{"id", static_cast<qint64>(id)},
+            {"name", jsonText(record.getManufacturerName())},
+            {"url", jsonText(record.getManufacturerUrl())},
+            {"phone", jsonText(record.getManufacturerPhoneNumber(resolveDefault))},
+            {"fax", jsonText(record.getManufacturerFaxNumber(resolveDefault))},
+            {"email", jsonText(record.getManufacturerEmail(resolveDefault))},
+            {"logo", jsonText(record.getManufacturerLogoName().toNativeString())},
+            {"lock", record.isLocked()},
+            {"deleted", record.isDeleted()},
+            {"lastModified", jsonText(Library::toString(record.getLastModified()))}};
+}
+
+QJsonObject document(const ManufacturerManager& manager, const Table& table)
+{
+    QJsonArray records;
+    for (const auto& [id, record] : table)
+        records.append(document(id, record, false));
+    return {{"lastModified", jsonText(Library::toString(manager.getLastModified()))},
+            {"defaultText", jsonText(manager.getDefaultText())},
+            {"manufacturers", records}};
+}
+
+std::string line(long id, const Manufacturer& record)
+{
+    return std::to_string(id) + "  " + record.getManufacturerName() +
+           (record.isDeleted() ? "  (deleted)" : "") + (record.isLocked() ? "  (locked)" : "") + "\n";
+}
+
+std::string details(long id, const Manufacturer& record)
+{
+    return line(id, record) + "Url:    " + record.getManufacturerUrl() +
+           "\nPhone:  " + record.getManufacturerPhoneNumber(true) +
+           "\nFax:    " + record.getManufacturerFaxNumber(true) +
+           "\nEmail:  " + record.getManufacturerEmail(true) +
+           "\nLogo:   " + record.getManufacturerLogoName().toNativeString() +
+           "\nChange: " + Library::toString(record.getLastModified()) + "\n";
+}
+
+/// The kinds of change, each with its ids.
+std::vector<std::pair<const char*, const std::vector<long>*>>
+kinds(const OrvHost::ManufacturerRefresh::Changes& changes)
+{
+    return {{"added", &changes.added},
+            {"removed", &changes.removed},
+            {"newer", &changes.newer},
+            {"older", &changes.older},
+            {"changed", &changes.changed}};
+}
+
+QJsonObject document(const OrvHost::ManufacturerRefresh::Changes& changes)
+{
+    QJsonObject object;
+    for (const auto& [kind, ids] : kinds(changes)) {
+        QJsonArray array;
+        for (const long id : *ids)
+            array.append(static_cast<qint64>(id));
+        object[kind] = array;
+    }
+    return object;
+}
+
+std::string text(const OrvHost::ManufacturerRefresh::Changes& changes)
+{
+    std::string lines;
+    for (const auto& [kind, ids] : kinds(changes)) {
+        if (ids->empty())
+            continue;
+        lines += std::string(kind) + ":";
+        for (const long id : *ids)
+            lines += " " + std::to_string(id);
+        lines += "\n";
+    }
+    return lines.empty() ? "Nothing has changed.\n" : lines;
+}
+
+/// @throws UsageError when there is neither
+std::string chosen(const std::string& given, const std::string& setting, const std::string& option)
+{
+    if (given.empty() && setting.empty())
+        throw UsageError(option + " is required, because no setting names the address");
+    return given.empty() ? setting : given;
+}
+
+} // namespace
+
+void ManufacturersCommand::declare(CommandSyntax& syntax)
+{
+    syntax.action("list", "Print all records, as they are stored").runs(list);
+    CommandSyntax& one = syntax.action("show", "Print one record, defaulted contacts resolved");
+    one.argument("ID", mId, "Id of the manufacturer");
+    one.runs([this](Session& session) { return show(session); });
+    CommandSyntax& refreshing =
+        syntax.action("refresh", "Fetch the records and their logos from the web service");
+    refreshing.option("--data-url", mDataUrl, "U", "Address of the manufacturer file; else as set");
+    refreshing.option("--logo-url", mLogoUrl, "U",
+                      "Address to which the name of a logo is added; else as set");
+    refreshing.runs([this](Session& session) { return refresh(session); });
+}
+
+ExitStatus ManufacturersCommand::list(Session& session)
+{
+    const ManufacturerManager& records = manager(session);
+    const Table table = OrvHost::ManufacturerRefresh::currentTable();
+    std::string lines;
+    for (const auto& [id, record] : table)
+        lines += line(id, record);
+    session.console().result(document(records, table), lines);
+    return ExitStatus::Done;
+}
+
+ExitStatus ManufacturersCommand::show(Session& session) const
+{
+    const ManufacturerManager& records = manager(session);
+    if (!records.manufacturerExists(mId))
+        throw CommandFailure("no manufacturer has the id " + std::to_string(mId));
+    const Manufacturer& record = records.getManufacturer(mId);
+    session.console().result(document(mId, record, true), details(mId, record));
+    return ExitStatus::Done;
+}
+
+ExitStatus ManufacturersCommand::refresh(Session& session) const
+{
+    const OrvHost::Settings::Values settings = OrvHost::Settings::load(session.root()).values();
+    const std::string dataUrl = chosen(mDataUrl, settings.manufacturerDataUrl, "--data-url");
+    const std::string logoUrl = chosen(mLogoUrl, settings.manufacturerLogoUrl, "--logo-url");
+    session.existingHost();
+    OrvHost::ManufacturerRefresh refresh(Curl::get());
+    refresh.run(dataUrl, logoUrl);
+    for (const std::string& failure : refresh.failedLogos())
+        Console::complain(failure);
+    QJsonObject result = document(manager(session), OrvHost::ManufacturerRefresh::currentTable());
+    result["changes"] = document(refresh.changes());
+    session.console().result(result, text(refresh.changes()));
+    return ExitStatus::Done;
+}

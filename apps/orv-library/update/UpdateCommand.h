@@ -1,0 +1,21 @@
+#pragma once
+
+#include "OrvHost/update/UpdateOutcome.h"
+#include "apps/orv-library/Command.h"
+#include "apps/orv-library/update/ServiceOptions.h"
+
+/// `update`: one catalog update, on a worker thread, with the event loop in the main thread.
+class UpdateCommand : public Command
+{
+public:
+    std::string name() const override { return "update"; }
+    std::string summary() const override { return "Bring the catalogs up to date from the web service"; }
+    void declare(CommandSyntax& syntax) override;
+
+private:
+    ExitStatus run(Session& session);
+    ExitStatus report(Session& session, const OrvHost::UpdateOutcome& outcome,
+                      std::size_t formerLogEntries) const;
+
+    ServiceOptions mOptions;
+};
