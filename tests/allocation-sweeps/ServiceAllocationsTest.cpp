@@ -32,8 +32,6 @@ public:
     {
     }
 
-    bool mayThrow() const override { return true; } // a service of the host's
-
 protected:
     test::FaultServer& server() { return mServer; }
 
@@ -55,11 +53,12 @@ public:
     void act() override
     {
         const fileString target = host().folder().file("user/file");
+        const std::string url = server().url("/file?");
+        const std::vector<std::string> headerLines{"X-Header: with some text in it"};
         std::string reason;
         int error = 0;
         const CountedAllocations counted;
-        Curl::get().download_to_location(server().url("/file?"), target, {"X-Header: with some text in it"},
-                                         nullptr, goOn, reason, error);
+        Curl::get().download_to_location(url, target, headerLines, nullptr, goOn, reason, error);
     }
     /// A failed download removes its target: the service's contract.
     bool isExcepted(const std::string& name) const override { return name == "user/file"; }
@@ -82,10 +81,11 @@ public:
         for (int i = 0; i < kFiles; ++i)
             requests.push_back(
                 {server().url("/far?" + std::to_string(i)), {}, host().folder().file(nameOf(i)), 20'000});
+        const std::string first = server().url("/far");
         std::string text;
         std::int64_t status = 0;
         const CountedAllocations counted;
-        Curl::get().getURLHeader(server().url("/far"), {}, text, status);
+        Curl::get().getURLHeader(first, {}, text, status);
         Curl::get().prefetchDownloads(requests);
         for (const auto& request : requests) {
             std::string reason;
@@ -107,6 +107,8 @@ class Requests : public ServiceScenario
 {
 public:
     using ServiceScenario::ServiceScenario;
+
+    bool mayThrow() const override { return true; } // helpers around the service
 
     void act() override
     {
@@ -147,7 +149,6 @@ public:
         const CountedAllocations counted;
         manager.checkForManufacturerUpdates(data, logos);
     }
-    bool mayThrow() const override { return false; }
     /// Removed before its successor arrives; a logo that failed stays out until its record changes.
     bool isExcepted(const std::string& name) const override
     {

@@ -69,6 +69,29 @@ try {
 } catch (const std::bad_alloc&) {
 }
 
+/// Downloads with `download` and turns what it throws into a reason and a number.
+template <class Download>
+bool withoutException(std::string& reason, int& errorNumber, Download download)
+{
+    lastAnswerOfThread = {};
+    bool isWhole = false;
+    try {
+        isWhole = download();
+    } catch (const std::bad_alloc& error) {
+        reason = error.what();
+        errorNumber = CURLE_OUT_OF_MEMORY;
+    } catch (const std::exception& error) {
+        // The progress function did not say that the transfer should go on.
+        reason = error.what();
+        errorNumber = Curl::kAbortedByCallback;
+    } catch (...) {
+        reason = "Callback aborted";
+        errorNumber = Curl::kAbortedByCallback;
+    }
+    noteReason(isWhole ? std::string() : reason);
+    return isWhole;
+}
+
 /// Why a download failed, and the number for it.
 void explain(const HttpAnswer& answer, const FileBody& body, const ProgressPacer& pacer, std::string& reason,
              int& errorNumber)
@@ -191,33 +214,20 @@ bool CurlService::download_to_location(const std::string& url, const fileString&
                                        const std::vector<std::string>& headerLines, void* context,
                                        ProgressFunction progress, std::string& reason, int& errorNumber)
 {
-    ResumableDownload download;
-    download.url = url;
-    download.headerLines = headerLines;
-    download.target = target;
-    return downloadResumable(download, context, progress, reason, errorNumber);
+    return withoutException(reason, errorNumber, [&] {
+        ResumableDownload download;
+        download.url = url;
+        download.headerLines = headerLines;
+        download.target = target;
+        return downloadOrThrow(download, context, progress, reason, errorNumber);
+    });
 }
 
 bool CurlService::downloadResumable(const ResumableDownload& request, void* context,
                                     ProgressFunction progress, std::string& reason, int& errorNumber)
 {
-    lastAnswerOfThread = {};
-    bool isWhole = false;
-    try {
-        isWhole = downloadOrThrow(request, context, progress, reason, errorNumber);
-    } catch (const std::bad_alloc& error) {
-        reason = error.what();
-        errorNumber = CURLE_OUT_OF_MEMORY;
-    } catch (const std::exception& error) {
-        // The progress function did not say that the transfer should go on.
-        reason = error.what();
-        errorNumber = kAbortedByCallback;
-    } catch (...) {
-        reason = "Callback aborted";
-        errorNumber = kAbortedByCallback;
-    }
-    noteReason(isWhole ? std::string() : reason);
-    return isWhole;
+    return withoutException(reason, errorNumber,
+                            [&] { return downloadOrThrow(request, context, progress, reason, errorNumber); });
 }
 
 /// @throws what the progress function throws
