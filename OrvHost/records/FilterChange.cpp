@@ -150,6 +150,10 @@ std::size_t FilterChange::dropDatabase(const std::string& database)
         return count;
     };
     const std::size_t before = entries();
+    // A file of which nothing could be read may name the database all the same.
+    const fileString path = mFilters.getFilterFullname();
+    if (before == 0 && path.pathExists() && !LibraryFilterManager::isWhollyReadable(path))
+        throw std::runtime_error("cannot read " + path.toNativeString());
     mFilters.removeIdFromLibraryFilters(database);
     return before - entries();
 }

@@ -52,6 +52,7 @@ public:
     void remove(long id);
     /// Removes the first entry of a database from each filter.
     /// @return how many entries there were
+    /// @throws std::runtime_error when there is a filter file of which nothing could be read
     std::size_t dropDatabase(const std::string& database);
 
     /// Does to the filters what an editor did to a copy of them: removes what it removed, replaces what it

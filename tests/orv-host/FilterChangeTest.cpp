@@ -63,6 +63,13 @@ TEST_F(FilterChangeTest, keepsTheOrderWhateverIsChanged)
     EXPECT_EQ(mManager.getLibraryFilters().back().getDatabaseIds(), (std::vector<std::string>{"b", "a"}));
 }
 
+TEST_F(FilterChangeTest, doesNotSayThatNothingIsDroppedFromAFileThatItCannotRead)
+{
+    writeElsewhere("my shopping list");
+    FilterChange change;
+    EXPECT_THROW(change.dropDatabase("a"), std::runtime_error);
+}
+
 TEST_F(FilterChangeTest, refusesIdsThatAreUnknownAndIdsAndNamesThatAreTaken)
 {
     writeElsewhere(kTwo);
