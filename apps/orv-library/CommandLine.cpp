@@ -30,6 +30,12 @@ void bindNumber(CLI::Option* option, std::int64_t& target)
     });
 }
 
+/// No command has a use for an empty text: it comes from a variable that a script did not set.
+std::string isGiven(const std::string& value)
+{
+    return value.empty() ? "the value must not be empty" : "";
+}
+
 class Syntax : public CommandSyntax
 {
 public:
@@ -45,6 +51,7 @@ public:
     {
         CLI::Option* option = mApp.add_option(name, target, help);
         option->type_name(valueName)->take_last()->required(presence == Presence::Required);
+        option->check(isGiven);
     }
 
     void option(const std::string& name, std::int64_t& target, const std::string& valueName,
@@ -58,7 +65,7 @@ public:
     void list(const std::string& name, std::vector<std::string>& target, const std::string& valueName,
               const std::string& help) override
     {
-        mApp.add_option(name, target, help)->type_name(valueName)->allow_extra_args(false);
+        mApp.add_option(name, target, help)->type_name(valueName)->allow_extra_args(false)->check(isGiven);
     }
 
     void exclusive(const std::string& first, const std::string& second) override
@@ -69,7 +76,8 @@ public:
     void argument(const std::string& valueName, std::string& target, const std::string& help,
                   Presence presence) override
     {
-        mApp.add_option(valueName, target, help)->type_name("")->required(presence == Presence::Required);
+        CLI::Option* option = mApp.add_option(valueName, target, help);
+        option->type_name("")->required(presence == Presence::Required)->check(isGiven);
     }
 
     void argument(const std::string& valueName, std::int64_t& target, const std::string& help,
@@ -83,7 +91,8 @@ public:
     void arguments(const std::string& valueName, std::vector<std::string>& target, const std::string& help,
                    Presence presence) override
     {
-        mApp.add_option(valueName, target, help)->type_name("")->required(presence == Presence::Required);
+        CLI::Option* option = mApp.add_option(valueName, target, help);
+        option->type_name("")->required(presence == Presence::Required)->check(isGiven);
     }
 
     CommandSyntax& action(const std::string& name, const std::string& summary) override
@@ -188,9 +197,7 @@ public:
     {
         CLI::Option* option = app.add_option_function<std::string>(
             name, [&target](const std::string& value) { target = value; }, help);
-        option->check([](const std::string& value) {
-            return value.empty() ? std::string("the value must not be empty") : std::string();
-        });
+        option->check(isGiven);
         return option->type_name(valueName)->take_last()->trigger_on_parse()->group(kGlobalGroup);
     }
 

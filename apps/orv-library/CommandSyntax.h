@@ -9,7 +9,8 @@ class Session;
 enum class ExitStatus;
 
 /// What a command takes on the command line. Every text that is bound keeps its value when the option is not
-/// given. Values are taken byte for byte; numbers are plain decimal and refused when they do not fit.
+/// given. Values are taken byte for byte; an empty one is refused. Numbers are plain decimal and refused when
+/// they do not fit.
 class CommandSyntax
 {
 public:
