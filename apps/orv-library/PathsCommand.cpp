@@ -39,8 +39,6 @@ void PathsCommand::declare(CommandSyntax& syntax)
 
 ExitStatus PathsCommand::run(Session& session) const
 {
-    if (mCreate)
-        session.host();
     QJsonObject document;
     std::string text;
     for (const auto& [name, path] : wellKnownPaths(session.root())) {
@@ -48,6 +46,9 @@ ExitStatus PathsCommand::run(Session& session) const
         const std::string label = std::string(name) + ":";
         text += label + std::string(18 - label.size(), ' ') + path.toNativeString() + "\n";
     }
+    session.console().resultSoFar(document);
+    if (mCreate)
+        session.host();
     session.console().result(document, text);
     return ExitStatus::Done;
 }

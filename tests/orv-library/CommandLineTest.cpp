@@ -46,6 +46,11 @@ TEST(CommandLine, wrongUsageChangesNothing)
         {"paths", "paths"},
         {"--json=maybe", "paths"},
         {"log", "clear", "-1"},
+        {"import", ""},
+        {"import", "Kitchen.orvlibz", ""},
+        {"sample", ""},
+        {"doctor", "--report="},
+        {"update", "--url", "http://127.0.0.1:9/", "--bonus", ""},
     };
     for (const auto& arguments : wrong) {
         const test::ProgramResult result = program.run(arguments);
@@ -115,6 +120,27 @@ TEST(CommandLine, documentOfAFailureHasTheMembersOfTheCommand)
         {{"log", "show"}, {"entries", "error", "path"}},
         {{"sample", "/proc/none"}, {"content", "error", "files"}},
         {{"publish", program.root(), program.root() + "service"}, {"error", "published", "refused"}},
+        {{"filters", "list"}, {"current", "error", "filters", "labels"}},
+        {{"filters", "add", "Kitchen"}, {"current", "error", "filters", "labels"}},
+        {{"filters", "show", "3"}, {"databases", "error", "id", "name"}},
+        {{"manufacturers", "list"}, {"defaultText", "error", "lastModified", "manufacturers"}},
+        {{"manufacturers", "show", "3"},
+         {"deleted", "email", "error", "fax", "id", "lastModified", "lock", "logo", "name", "phone", "url"}},
+        {{"manufacturers", "refresh", "--data-url", "http://127.0.0.1:9/", "--logo-url",
+          "http://127.0.0.1:9/"},
+         {"changes", "defaultText", "error", "lastModified", "manufacturers"}},
+        {{"styles", "show", "3"}, {"error", "styles"}},
+        {{"info", "Doors"},
+         {"bytes", "category", "error", "held", "items", "lastChecked", "modified", "name", "state",
+          "version"}},
+        {{"runs", "show", "3"},
+         {"asked", "bytes", "catalogs", "end", "error", "failed", "fetched", "kind", "number", "outcome",
+          "start"}},
+        {{"serve", program.root()}, {"error", "logos", "manufacturers", "redirect"}},
+        {{"undo"}, {"error", "library", "textures"}},
+        {{"unpack", program.root()}, {"error", "library", "referenced"}},
+        {{"import", program.root()}, {"error", "imports", "library", "textures"}},
+        {{"pack", "a.orvlib", "--output", "a.orvlibz"}, {"archive", "bytes", "error", "members"}},
     };
     for (const auto& [command, members] : commands) {
         std::vector<std::string> arguments = {"--json"};
@@ -214,6 +240,7 @@ TEST(CommandLine, rootThatCannotBeMadeFailsWithItsName)
     const test::ProgramResult result =
         program.runBare({"--json", "--root", program.folder().path() + "/file/root", "paths", "--create"});
     EXPECT_EQ(1, result.status);
+    EXPECT_EQ(program.folder().path() + "/file/root/", absolutePath(result, "root"));
     EXPECT_THAT(result.err, HasSubstr(program.folder().path() + "/file/root"));
     EXPECT_THAT(result.json()["error"].toString().toStdString(), HasSubstr("/file/root"));
 }

@@ -133,6 +133,7 @@ TEST_F(FiltersCommand, aFilterIsChosenByItsNameToo)
     EXPECT_THAT(printed({"use", "4"}), StartsWith("4|")) << "a number is an id";
     refused(1, {"use", "Hall"});
     EXPECT_THAT(run({"use", "Hall"}).err, HasSubstr("2 filters have the name Hall"));
+    EXPECT_THAT(describe(run({"use", "Hall"}).json()), StartsWith("4|")) << "the filters as they are";
     refused(2, {"use", "bath"});
 }
 

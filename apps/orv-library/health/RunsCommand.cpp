@@ -37,6 +37,17 @@ std::string details(const QJsonObject& run)
     return lines;
 }
 
+/// What is said of a run that is not known.
+QJsonObject unknownRun(std::int64_t number)
+{
+    QJsonObject run{{"number", static_cast<qint64>(number)}};
+    for (const char* member : {"start", "end", "kind", "outcome", "asked", "fetched", "bytes"})
+        run[member] = QJsonValue();
+    for (const char* member : {"failed", "catalogs"})
+        run[member] = QJsonArray();
+    return run;
+}
+
 } // namespace
 
 void RunsCommand::declare(CommandSyntax& syntax)
@@ -60,6 +71,7 @@ ExitStatus RunsCommand::list(Session& session)
 
 ExitStatus RunsCommand::show(Session& session) const
 {
+    session.console().resultSoFar(unknownRun(mNumber));
     const QJsonObject run = OrvHost::RunRecords::show(session.existingHost().root(), mNumber);
     session.console().result(run, details(run));
     return ExitStatus::Done;

@@ -11,6 +11,7 @@ void InfoCommand::declare(CommandSyntax& syntax)
 
 ExitStatus InfoCommand::run(Session& session) const
 {
+    session.console().resultSoFar(InstalledDocument::unknown(mName));
     const OrvHost::InstalledCatalog catalog =
         OrvHost::InstalledCatalogs::info(session.existingHost().root(), mName);
     session.console().result(InstalledDocument::object(catalog), InstalledDocument::fields(catalog));

@@ -42,6 +42,15 @@ QJsonObject InstalledDocument::object(const InstalledCatalog& catalog)
             {"held", catalog.isHeld}};
 }
 
+QJsonObject InstalledDocument::unknown(const std::string& name)
+{
+    QJsonObject object{{"name", jsonText(name)}};
+    for (const char* member :
+         {"category", "version", "bytes", "modified", "items", "lastChecked", "state", "held"})
+        object[member] = QJsonValue();
+    return object;
+}
+
 std::string InstalledDocument::line(const InstalledCatalog& catalog)
 {
     const std::string state = catalog.state == InstalledCatalog::State::Sound

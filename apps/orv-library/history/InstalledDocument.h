@@ -10,6 +10,8 @@
 namespace InstalledDocument {
 
 QJsonObject object(const OrvHost::InstalledCatalog& catalog);
+/// The same of one that is not there.
+QJsonObject unknown(const std::string& name);
 /// One line, ended.
 std::string line(const OrvHost::InstalledCatalog& catalog);
 /// Every field with its name, a line each.

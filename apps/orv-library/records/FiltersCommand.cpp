@@ -17,13 +17,6 @@ using Filters = std::vector<LibraryFilter>;
 
 constexpr long kNone = -1;
 
-/// The manager, on the host's folders.
-LibraryFilterManager& manager(Session& session)
-{
-    session.existingHost();
-    return LibraryFilterManager::getLibraryFilterManager();
-}
-
 QJsonArray jsonArray(const std::vector<std::string>& texts)
 {
     QJsonArray array;
@@ -47,18 +40,46 @@ std::string line(const LibraryFilter& filter)
     return text + "\n";
 }
 
-void print(Session& session, const LibraryFilterManager& filters)
+QJsonObject document(const LibraryFilterManager& filters)
 {
     QJsonArray array;
-    std::string text = "Current: " + filters.getCurrentFilterString() + "\n";
-    for (const LibraryFilter& filter : filters.getLibraryFilters()) {
+    for (const LibraryFilter& filter : filters.getLibraryFilters())
         array.append(document(filter));
+    return {{"current", static_cast<qint64>(filters.getCurrentFilterId())},
+            {"filters", array},
+            {"labels", jsonArray(filters.getFilterStrings())}};
+}
+
+void print(Session& session, const LibraryFilterManager& filters)
+{
+    std::string text = "Current: " + filters.getCurrentFilterString() + "\n";
+    for (const LibraryFilter& filter : filters.getLibraryFilters())
         text += line(filter);
-    }
-    session.console().result({{"current", static_cast<qint64>(filters.getCurrentFilterId())},
-                              {"filters", array},
-                              {"labels", jsonArray(filters.getFilterStrings())}},
-                             text);
+    session.console().result(document(filters), text);
+}
+
+/// What is said until the filters are read.
+void nothingSoFar(Session& session)
+{
+    session.console().resultSoFar(
+        {{"current", QJsonValue()}, {"filters", QJsonArray()}, {"labels", QJsonArray()}});
+}
+
+/// The manager, on the host's folders.
+LibraryFilterManager& manager(Session& session)
+{
+    session.existingHost();
+    return LibraryFilterManager::getLibraryFilterManager();
+}
+
+/// A change of the filters. Should it fail, the document says what they are all the same.
+OrvHost::FilterChange beginChange(Session& session, const fileString& other = {})
+{
+    nothingSoFar(session);
+    session.existingHost();
+    OrvHost::FilterChange change(other);
+    session.console().resultSoFar(document(change.filters()));
+    return change;
 }
 
 /// Ids that a file can hold and that stand for a filter.
@@ -156,6 +177,7 @@ void FiltersCommand::declare(CommandSyntax& syntax)
 
 ExitStatus FiltersCommand::list(Session& session) const
 {
+    nothingSoFar(session);
     print(session, manager(session));
     return ExitStatus::Done;
 }
@@ -163,6 +185,8 @@ ExitStatus FiltersCommand::list(Session& session) const
 ExitStatus FiltersCommand::show(Session& session) const
 {
     const long id = usableId(mId);
+    session.console().resultSoFar(
+        {{"id", static_cast<qint64>(id)}, {"name", QJsonValue()}, {"databases", QJsonArray()}});
     const LibraryFilterManager& filters = manager(session);
     demandId(filters, id);
     const LibraryFilter filter =
@@ -173,12 +197,9 @@ ExitStatus FiltersCommand::show(Session& session) const
 
 ExitStatus FiltersCommand::add(Session& session) const
 {
-    if (mName.empty())
-        throw UsageError("the name of a filter must not be empty");
     if (mId != kNoId)
         usableId(mId);
-    session.existingHost();
-    OrvHost::FilterChange change;
+    OrvHost::FilterChange change = beginChange(session);
     change.add(mName, mDatabases, mId == kNoId ? std::nullopt : std::optional<long>(mId));
     return saveAndPrint(session, change);
 }
@@ -186,8 +207,7 @@ ExitStatus FiltersCommand::add(Session& session) const
 ExitStatus FiltersCommand::remove(Session& session) const
 {
     const long id = usableId(mId);
-    session.existingHost();
-    OrvHost::FilterChange change;
+    OrvHost::FilterChange change = beginChange(session);
     change.remove(id);
     return saveAndPrint(session, change);
 }
@@ -195,16 +215,14 @@ ExitStatus FiltersCommand::remove(Session& session) const
 ExitStatus FiltersCommand::use(Session& session) const
 {
     const std::optional<long> id = mIdOrName == "none" ? kNone : idFrom(mIdOrName);
-    session.existingHost();
-    OrvHost::FilterChange change;
+    OrvHost::FilterChange change = beginChange(session);
     change.use(id ? *id : idOfName(change.filters(), mIdOrName));
     return saveAndPrint(session, change);
 }
 
 ExitStatus FiltersCommand::dropDatabase(Session& session) const
 {
-    session.existingHost();
-    OrvHost::FilterChange change;
+    OrvHost::FilterChange change = beginChange(session);
     if (change.dropDatabase(mDatabase) > 0)
         return saveAndPrint(session, change);
     Console::complain("no filter names the database " + mDatabase + "; nothing was dropped");
@@ -215,10 +233,7 @@ ExitStatus FiltersCommand::dropDatabase(Session& session) const
 ExitStatus FiltersCommand::merge(Session& session) const
 {
     const fileString file{mFile};
-    if (file.empty())
-        throw UsageError("the name of the other filter file must not be empty");
-    session.existingHost();
-    OrvHost::FilterChange change(file);
+    OrvHost::FilterChange change = beginChange(session, file);
     for (const fileString& path : {change.filters().getFilterFullname(), file})
         tellKept(path, OrvHost::FilterChange::prepareToOverwrite(path));
     if (!change.filters().mergeFilters(file))

@@ -1,5 +1,6 @@
 #include "apps/orv-library/records/ManufacturersCommand.h"
 
+#include <QDateTime>
 #include <QJsonArray>
 
 #include "OrvHost/Settings.h"
@@ -19,6 +20,15 @@ const ManufacturerManager& manager(Session& session)
     return *ManufacturerManager::getManufacturerManager();
 }
 
+/// A time as all documents write it; null when there is none. The file's own form is "20261121T033512.25".
+QJsonValue documentTime(const boost::posix_time::ptime& time)
+{
+    QDateTime parsed =
+        QDateTime::fromString(jsonText(Library::toString(time).substr(0, 15)), "yyyyMMdd'T'HHmmss");
+    parsed.setTimeSpec(Qt::UTC);
+    return parsed.isValid() ? QJsonValue(parsed.toString(Qt::ISODate)) : QJsonValue();
+}
+
 QJsonObject document(long id, const Manufacturer& record, bool resolveDefault)
 {
     return {{"id", static_cast<qint64>(id)},
@@ -30,7 +40,23 @@ QJsonObject document(long id, const Manufacturer& record, bool resolveDefault)
             {"logo", jsonText(record.getManufacturerLogoName().toNativeString())},
             {"lock", record.isLocked()},
             {"deleted", record.isDeleted()},
-            {"lastModified", jsonText(Library::toString(record.getLastModified()))}};
+            {"lastModified", documentTime(record.getLastModified())}};
+}
+
+/// What is said of a record that is not there.
+QJsonObject unknownRecord(std::int64_t id)
+{
+    QJsonObject object{{"id", static_cast<qint64>(id)}};
+    for (const char* member :
+         {"name", "url", "phone", "fax", "email", "logo", "lock", "deleted", "lastModified"})
+        object[member] = QJsonValue();
+    return object;
+}
+
+/// What is said of all until the file is read.
+QJsonObject unknownRecords()
+{
+    return {{"lastModified", QJsonValue()}, {"defaultText", QJsonValue()}, {"manufacturers", QJsonArray()}};
 }
 
 QJsonObject document(const ManufacturerManager& manager, const Table& table)
@@ -38,7 +64,7 @@ QJsonObject document(const ManufacturerManager& manager, const Table& table)
     QJsonArray records;
     for (const auto& [id, record] : table)
         records.append(document(id, record, false));
-    return {{"lastModified", jsonText(Library::toString(manager.getLastModified()))},
+    return {{"lastModified", documentTime(manager.getLastModified())},
             {"defaultText", jsonText(manager.getDefaultText())},
             {"manufacturers", records}};
 }
@@ -96,6 +122,13 @@ std::string text(const OrvHost::ManufacturerRefresh::Changes& changes)
     return lines.empty() ? "Nothing has changed.\n" : lines;
 }
 
+/// What a refresh that fails leaves: the records as they are.
+void tellSoFar(Session& session, QJsonObject records)
+{
+    records["changes"] = document(OrvHost::ManufacturerRefresh::Changes());
+    session.console().resultSoFar(records);
+}
+
 /// @throws UsageError when there is neither
 std::string chosen(const std::string& given, const std::string& setting, const std::string& option)
 {
@@ -122,6 +155,7 @@ void ManufacturersCommand::declare(CommandSyntax& syntax)
 
 ExitStatus ManufacturersCommand::list(Session& session)
 {
+    session.console().resultSoFar(unknownRecords());
     const ManufacturerManager& records = manager(session);
     const Table table = OrvHost::ManufacturerRefresh::currentTable();
     std::string lines;
@@ -133,6 +167,7 @@ ExitStatus ManufacturersCommand::list(Session& session)
 
 ExitStatus ManufacturersCommand::show(Session& session) const
 {
+    session.console().resultSoFar(unknownRecord(mId));
     const ManufacturerManager& records = manager(session);
     if (!records.manufacturerExists(mId))
         throw CommandFailure("no manufacturer has the id " + std::to_string(mId));
@@ -143,10 +178,11 @@ ExitStatus ManufacturersCommand::show(Session& session) const
 
 ExitStatus ManufacturersCommand::refresh(Session& session) const
 {
+    tellSoFar(session, unknownRecords());
     const OrvHost::Settings::Values settings = OrvHost::Settings::load(session.root()).values();
     const std::string dataUrl = chosen(mDataUrl, settings.manufacturerDataUrl, "--data-url");
     const std::string logoUrl = chosen(mLogoUrl, settings.manufacturerLogoUrl, "--logo-url");
-    session.existingHost();
+    tellSoFar(session, document(manager(session), OrvHost::ManufacturerRefresh::currentTable()));
     OrvHost::ManufacturerRefresh refresh(Curl::get());
     refresh.run(dataUrl, logoUrl);
     for (const std::string& failure : refresh.failedLogos())

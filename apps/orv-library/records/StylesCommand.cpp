@@ -47,6 +47,7 @@ void StylesCommand::declare(CommandSyntax& syntax)
 
 ExitStatus StylesCommand::list(Session& session)
 {
+    session.console().resultSoFar({{"styles", QJsonArray()}});
     const ObjectStyleManager& manager = styleManager(session);
     std::vector<Style> styles;
     for (long number = kFirstStyle; number <= kLastStyle; ++number)
@@ -57,6 +58,7 @@ ExitStatus StylesCommand::list(Session& session)
 
 ExitStatus StylesCommand::show(Session& session) const
 {
+    session.console().resultSoFar({{"styles", QJsonArray()}});
     const std::string& styleName = styleManager(session).getStyleName(mNumber);
     if (styleName.empty())
         throw CommandFailure("no object style has the number " + std::to_string(mNumber));

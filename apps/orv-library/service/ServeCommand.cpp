@@ -42,6 +42,8 @@ ExitStatus ServeCommand::run(Session& session) const
 {
     if (mPort < 0 || mPort > kHighestPort)
         throw UsageError("--port: " + std::to_string(mPort) + " is no port");
+    session.console().resultSoFar(
+        {{"redirect", QJsonValue()}, {"manufacturers", QJsonValue()}, {"logos", QJsonValue()}});
     const Interrupt interrupt;
     CatalogService service(mFolder);
     std::string reason;
