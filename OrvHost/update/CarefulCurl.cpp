@@ -50,7 +50,10 @@ CarefulCurl::CarefulCurl(Curl& next, const Settings& settings)
 ServiceReport CarefulCurl::report() const
 {
     const std::lock_guard<std::mutex> lock(mMutex);
-    return mReport;
+    ServiceReport report = mReport;
+    for (CatalogReport& catalog : report.catalogs)
+        catalog.received = catalog.asked == mFetched ? mReceived.load() : 0;
+    return report;
 }
 
 bool CarefulCurl::isEnded() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <string>
@@ -49,7 +50,7 @@ public:
     /// With the verdict as its reason, once there is one.
     Answer lastAnswer() override;
 
-    /// What was asked and answered until now.
+    /// What was asked and answered until now, and how much of the body that is being fetched is there.
     ServiceReport report() const;
 
 private:
@@ -64,6 +65,7 @@ private:
                     std::chrono::milliseconds time);
     bool fetch(const ResumableDownload& request, void* context, ProgressFunction progress,
                std::string& reason, int& errorNumber, Answer& answer);
+    void beginBody(const std::string& asked);
     std::string problemOfBody(const std::string& url, const Answer& answer, const fileString& target);
     void noteBody(const std::string& url, const Answer& answer, const std::string& reason, std::int64_t bytes,
                   std::chrono::milliseconds time);
@@ -72,7 +74,9 @@ private:
     Retries mRetries;
     PartialFiles mPartials;
     mutable std::mutex mMutex;
-    ServiceReport mReport;                          ///< guarded by mMutex
+    ServiceReport mReport;                          ///< guarded by mMutex, as the next
+    std::string mFetched;                           ///< the catalog whose body comes; empty for none
+    std::atomic<std::int64_t> mReceived{0};         ///< bytes of that body
     std::map<std::string, std::string> mValidators; ///< catalog name to what a download is resumed with
 };
 

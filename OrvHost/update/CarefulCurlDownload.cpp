@@ -23,6 +23,21 @@ std::chrono::milliseconds since(Clock::time_point start)
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
 }
 
+/// The progress function of the updater, and who else hears of the bytes.
+struct WatchedProgress
+{
+    std::atomic<std::int64_t>& received;
+    void* context;
+    Curl::ProgressFunction next; ///< may be null
+};
+
+int watchProgress(void* context, double downloadTotal, double downloaded, double uploadTotal, double uploaded)
+{
+    const WatchedProgress& watched = *static_cast<WatchedProgress*>(context);
+    watched.received = static_cast<std::int64_t>(downloaded);
+    return watched.next ? watched.next(watched.context, downloadTotal, downloaded, uploadTotal, uploaded) : 0;
+}
+
 /// With commas between thousands, whatever the user's language: the reasons are English.
 std::string grouped(std::int64_t number)
 {
@@ -45,8 +60,10 @@ bool CarefulCurl::download_to_location(const std::string& url, const fileString&
     ResumableDownload request{url, headerLines, target, {}, mValidators[asked]};
     if (!request.validator.empty() && !mSettings.partialFolder.empty())
         request.partial = mPartials.fileFor(url.substr(0, url.find('?')) + "?" + asked, request.validator);
+    beginBody(asked);
     Answer answer;
-    bool isFetched = fetch(request, context, progress, reason, errorNumber, answer);
+    WatchedProgress watched{mReceived, context, progress};
+    bool isFetched = fetch(request, &watched, watchProgress, reason, errorNumber, answer);
     std::int64_t bytes = 0;
     if (isFetched) {
         bytes = FileUtils::fileSize(target);
@@ -59,6 +76,13 @@ bool CarefulCurl::download_to_location(const std::string& url, const fileString&
     }
     noteBody(url, answer, isFetched ? std::string() : reason, bytes, since(start));
     return isFetched;
+}
+
+void CarefulCurl::beginBody(const std::string& asked)
+{
+    mReceived = 0;
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mFetched = asked;
 }
 
 bool CarefulCurl::fetch(const ResumableDownload& request, void* context, ProgressFunction progress,
@@ -106,6 +130,7 @@ void CarefulCurl::noteBody(const std::string& url, const Answer& answer, const s
     if (reason.empty())
         mRetries.succeeded();
     const std::lock_guard<std::mutex> lock(mMutex);
+    mFetched.clear();
     CatalogReport& report = reportOf(CatalogAddress::nameIn(url));
     report.isDownloadTried = true;
     report.isDownloaded = reason.empty();

@@ -181,6 +181,11 @@ void CatalogUpdateRun::noteHeld(UpdateOutcome& outcome)
 
 void CatalogUpdateRun::noteNews(const std::vector<CatalogChanges>& news, UpdateOutcome& outcome) const
 {
+    for (const CatalogChanges& catalog : news) {
+        outcome.newItems += catalog.items.added.size();
+        outcome.changedItems += catalog.items.changed.size();
+        outcome.goneItems += catalog.items.gone.size();
+    }
     try {
         CatalogNews::add(CatalogFolders::root(), mStart, news);
     } catch (const std::runtime_error& error) {

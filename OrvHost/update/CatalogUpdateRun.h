@@ -87,6 +87,9 @@ public:
     CheckOutcome finishCheck(bool wasCancelled, const fileString& root);
 
     CatalogSwapper& swapper() { return mSwapper; }
+    /// What the service was asked and answered until now, for a list of the catalogs that are under way. May
+    /// be asked as often as a window wants, on the run's thread.
+    ServiceReport service() const { return mService ? mService->report() : ServiceReport(); }
 
 Q_SIGNALS:
     /// The worker has ended, and all its invocations were delivered.

@@ -19,6 +19,7 @@ struct CatalogReport
     std::optional<std::int64_t> length; ///< of that version, in bytes; none when the service told none
     std::int64_t bodyStatus = 0;        ///< HTTP status of the last answer to the download; 0 for none
     std::int64_t bytes = 0;             ///< of the body that was fetched
+    std::int64_t received = 0;          ///< of a body that is being fetched: the bytes that are there
     std::chrono::milliseconds time{0};  ///< that its requests took, pauses included
     bool isDownloadTried = false;
     bool isDownloaded = false; ///< the body arrived and is the announced version

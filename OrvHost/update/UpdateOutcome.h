@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <set>
@@ -43,6 +44,9 @@ struct ORVHOST_EXPORT UpdateOutcome
     std::set<std::string> updatedCatalogs;   ///< names without extension, UTF-8
     std::vector<fileString> swappedIn;       ///< destinations
     std::vector<Failure> failed;
+    std::size_t newItems = 0;     ///< in all catalogs that were put in place
+    std::size_t changedItems = 0; ///< likewise
+    std::size_t goneItems = 0;    ///< likewise
     /// Why the run failed as a whole, in one sentence; empty otherwise.
     std::string error;
     /// What could not be tidied up after the run, for people.

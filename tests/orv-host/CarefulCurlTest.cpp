@@ -42,10 +42,12 @@ public:
     fileString download(const std::string&) override { return {}; }
     bool download_to_location(const std::string&, const fileString&, std::string&) override { return false; }
     bool download_to_location(const std::string& url, const fileString& target,
-                              const std::vector<std::string>&, void*, ProgressFunction, std::string& reason,
-                              int& errorNumber) override
+                              const std::vector<std::string>&, void* context, ProgressFunction progress,
+                              std::string& reason, int& errorNumber) override
     {
         const Step step = take(url);
+        for (std::size_t bytes = 1; progress && bytes <= step.body.size(); ++bytes)
+            progress(context, static_cast<double>(step.body.size()), static_cast<double>(bytes), 0, 0);
         reason = step.answer.reason;
         errorNumber = step.errorNumber;
         if (errorNumber == 0)
@@ -236,6 +238,29 @@ TEST_F(CarefulCurlTest, bodyThatIsNotWhatWasAnnouncedIsRemoved)
     EXPECT_TRUE(fetch(curl));
     EXPECT_TRUE(curl.report().catalogs[0].isDownloaded);
     EXPECT_EQ(4, curl.report().catalogs[0].bytes);
+}
+
+TEST_F(CarefulCurlTest, reportTellsHowMuchOfABodyIsThereWhileItComes)
+{
+    script.steps = {{{200, kSound, "", ""}}, {{200, kSound, "", ""}, "body"}};
+    CarefulCurl service = careful();
+    ASSERT_TRUE(askHeader(service));
+    struct Seen
+    {
+        CarefulCurl& service;
+        std::vector<std::int64_t> received;
+    } seen{service, {}};
+    const auto look = [](void* context, double, double, double, double) {
+        Seen& here = *static_cast<Seen*>(context);
+        here.received.push_back(here.service.report().catalogs.front().received);
+        return 0;
+    };
+    int errorNumber = 0;
+    EXPECT_TRUE(service.download_to_location(kHeaderUrl, folder.file("Doors.download"), {}, &seen, look,
+                                             reason, errorNumber));
+    EXPECT_THAT(seen.received, testing::ElementsAre(1, 2, 3, 4));
+    EXPECT_EQ(service.report().catalogs.front().received, 0);
+    EXPECT_EQ(service.report().catalogs.front().bytes, 4);
 }
 
 TEST_F(CarefulCurlTest, brokenBodyIsResumedWithItsStrongTag)
