@@ -149,9 +149,9 @@ TEST_F(BrowserUpdateTest, newCatalogComesInWithoutLosingTheUsersPlace)
 TEST_F(BrowserUpdateTest, cancelEndsItSoonAndLeavesNothingHalf)
 {
     offerLargeCatalog();
-    Curl::setRateLimit(20'000'000); // so that there is time for a click
     open(service.redirect());
     check().trigger();
+    Curl::setRateLimit(20'000'000); // so that there is time for a click
     ASSERT_TRUE(waitFor([&] { return !child<QLabel>("speed").text().isEmpty() || check().isEnabled(); }));
     QTest::mouseClick(&child<QToolButton>("cancelButton"), Qt::LeftButton);
     ASSERT_TRUE(ends());
@@ -165,9 +165,9 @@ TEST_F(BrowserUpdateTest, cancelEndsItSoonAndLeavesNothingHalf)
 TEST_F(BrowserUpdateTest, closingInTheMiddleEndsTheRunAndTheNextStartGoesOn)
 {
     offerLargeCatalog();
-    Curl::setRateLimit(20'000'000); // so that there is time for a click
     open(service.redirect());
     check().trigger();
+    Curl::setRateLimit(20'000'000); // so that there is time for a click
     ASSERT_TRUE(waitFor([&] { return !child<QLabel>("speed").text().isEmpty() || check().isEnabled(); }));
     close();
     Curl::setRateLimit(0);

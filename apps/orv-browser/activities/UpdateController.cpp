@@ -4,7 +4,6 @@
 
 #include <QCoreApplication>
 #include <QFile>
-#include <QLocale>
 #include <QStringList>
 
 #include "OrvHost/LegacyText.h"
@@ -13,12 +12,11 @@
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/UI/qtLibraryProgressPanel.h"
 #include "apps/orv-browser/activities/UpdateReceiver.h"
+#include "apps/orv-browser/activities/UpdateWatch.h"
 
 namespace {
 
 constexpr int kMostNames = 5;
-constexpr double kSecondsInMinutes = 100; // from here on a time is told in minutes
-constexpr double kMostSecondsLeft = 1e6;
 
 /// The file names of catalogs that the user named, with or without the extension.
 std::vector<std::string> catalogNames(const QStringList& entered)
@@ -61,16 +59,6 @@ QString listed(const std::set<std::string>& names)
     return rest > 0 ? UpdateController::tr("%1 and %n more", nullptr, rest).arg(text) : text;
 }
 
-QString speedText(double bytesPerSecond, double secondsLeft)
-{
-    const QString speed = QLocale().formattedDataSize(static_cast<qint64>(bytesPerSecond));
-    const double seconds = std::min(secondsLeft, kMostSecondsLeft);
-    if (seconds >= kSecondsInMinutes)
-        return UpdateController::tr("%1/s, about %n minute(s) left", nullptr, qRound(seconds / 60))
-            .arg(speed);
-    return UpdateController::tr("%1/s, about %n second(s) left", nullptr, qRound(seconds) + 1).arg(speed);
-}
-
 } // namespace
 
 UpdateController::UpdateController(QMainWindow& window, const fileString& root)
@@ -80,6 +68,7 @@ UpdateController::UpdateController(QMainWindow& window, const fileString& root)
 
 UpdateController::~UpdateController()
 {
+    mWatch.reset();
     mRun.reset(); // waits for the worker, which still knows the receiver
 }
 
@@ -109,6 +98,7 @@ void UpdateController::start(const BrowserSettings& settings)
     mPanel = LibraryProgressPanel::create(&mWindow);
     mPanel->show();
     mReceiver = std::make_unique<UpdateReceiver>(mRun->swapper(), mPanel);
+    mWatch = std::make_unique<UpdateWatch>(*mRun, *mReceiver);
     connectReceiver();
     mRun->start(*mReceiver);
 }
@@ -116,10 +106,7 @@ void UpdateController::start(const BrowserSettings& settings)
 void UpdateController::connectReceiver()
 {
     connect(mReceiver.get(), &UpdateReceiver::catalogReplaced, this, &UpdateController::catalogReplaced);
-    connect(mReceiver.get(), &UpdateReceiver::speedChanged, this,
-            [this](double bytesPerSecond, double secondsLeft) {
-                Q_EMIT speedChanged(speedText(bytesPerSecond, secondsLeft));
-            });
+    connect(mWatch.get(), &UpdateWatch::speedChanged, this, &UpdateController::speedChanged);
     connect(mRun.get(), &OrvHost::CatalogUpdateRun::finished, this, &UpdateController::runEnded);
 }
 
@@ -149,6 +136,7 @@ std::unique_ptr<OrvHost::CatalogUpdateRun> UpdateController::conclude()
     }
     bool hasProblems = false;
     const QString summary = summaryOf(outcome, notes, hasProblems);
+    mWatch.reset();
     std::unique_ptr<OrvHost::CatalogUpdateRun> run = std::move(mRun);
     mReceiver.reset();
     closePanel();

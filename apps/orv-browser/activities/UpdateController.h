@@ -17,6 +17,7 @@ struct UpdateOutcome;
 } // namespace OrvHost
 class LibraryProgressPanel;
 class UpdateReceiver;
+class UpdateWatch;
 
 /// Runs catalog updates for the window: docks the progress panel while one runs, and says in a plain sentence
 /// how it ended. Lives on the interface thread.
@@ -60,6 +61,7 @@ private:
     QPointer<LibraryProgressPanel> mPanel;
     std::unique_ptr<UpdateReceiver> mReceiver;
     std::unique_ptr<OrvHost::CatalogUpdateRun> mRun;
+    std::unique_ptr<UpdateWatch> mWatch; ///< of the run and the receiver
     std::size_t mLogEntriesBefore = 0;
     bool mIsCancelled = false; ///< whether the user cancelled the run
 };

@@ -4,11 +4,9 @@
 #include <limits>
 
 #include "OrvHost/LegacyText.h"
+#include "apps/orv-browser/models/DataSize.h"
 
 namespace {
-
-constexpr double kBytesPerKilobyte = 1000;
-constexpr qint64 kLeastMilliseconds = 500; // before that a speed says nothing
 
 /// What a gauge can show; a slot must not throw.
 size_t shown(size_t value)
@@ -29,16 +27,16 @@ void UpdateReceiver::onSetText(std::string text)
         mPanel->onSetText(OrvHost::LegacyText::toUtf8(text));
 }
 
-void UpdateReceiver::onSetUnits(std::string units)
+// The unit comes when the download begins. It is written as everywhere else in the window.
+void UpdateReceiver::onSetUnits(std::string)
 {
-    mDownloadTime.start();
+    mIsDownloading = true;
     if (mPanel)
-        mPanel->onSetUnits(units);
+        mPanel->onSetUnits(DataSize::kilobyte().toStdString());
 }
 
 void UpdateReceiver::onSetRangeInGauge(size_t range)
 {
-    mRange = range;
     if (mPanel)
         mPanel->onSetRangeInGauge(shown(range));
 }
@@ -47,12 +45,12 @@ void UpdateReceiver::onSetValueInGauge(size_t value)
 {
     if (mPanel)
         mPanel->onSetValueInGauge(shown(value));
-    if (!mDownloadTime.isValid() || mDownloadTime.elapsed() < kLeastMilliseconds || value == 0)
-        return;
-    const double seconds = static_cast<double>(mDownloadTime.elapsed()) / 1000;
-    const double bytesPerSecond = static_cast<double>(value) * kBytesPerKilobyte / seconds;
-    const double left = mRange > value ? static_cast<double>(mRange - value) * kBytesPerKilobyte : 0;
-    Q_EMIT speedChanged(bytesPerSecond, left / bytesPerSecond);
+}
+
+void UpdateReceiver::showReceived(qint64 kilobytes)
+{
+    if (mIsDownloading && kilobytes > 0)
+        onSetValueInGauge(static_cast<size_t>(kilobytes));
 }
 
 void UpdateReceiver::onUpdateInGauge()

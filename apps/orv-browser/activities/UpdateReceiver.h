@@ -2,7 +2,6 @@
 
 #include <optional>
 
-#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 
@@ -21,13 +20,15 @@ public:
     /// @param panel may go at any time
     UpdateReceiver(OrvHost::CatalogSwapper& swapper, LibraryProgressPanel* panel);
 
+    /// Shows in the gauge how much content is there. The updater tells it every two megabytes only.
+    /// @param kilobytes in the run until now; nothing is shown before the download goes on
+    void showReceived(qint64 kilobytes);
+
     /// What the updater reported; empty after a cancel.
     const std::optional<LibraryCatalogUpdate::UpdateData>& outcome() const { return mOutcome; }
 
 Q_SIGNALS:
     void catalogReplaced(const fileString& database);
-    /// How fast the content comes, and how long it will take: bytes a second and seconds.
-    void speedChanged(double bytesPerSecond, double secondsLeft);
 
 public Q_SLOTS:
     void onSetText(std::string text);
@@ -43,6 +44,5 @@ private:
     OrvHost::CatalogSwapper& mSwapper;
     QPointer<LibraryProgressPanel> mPanel;
     std::optional<LibraryCatalogUpdate::UpdateData> mOutcome;
-    QElapsedTimer mDownloadTime; ///< since the unit of the download was told
-    size_t mRange = 0;           ///< kilobytes once the download goes on
+    bool mIsDownloading = false; ///< the gauge counts kilobytes
 };

@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "apps/orv-browser/details/DetailRows.h"
+#include "apps/orv-browser/models/DataSize.h"
 #include "apps/orv-browser/models/LibraryContent.h"
 #include "apps/orv-browser/places/PlaceNames.h"
 
@@ -87,7 +88,7 @@ void PlaceDetails::showCatalog(const CatalogContent& catalog)
     mRows->set(mItems, locale.toString(catalog.itemCount(-1)));
     mRows->set(mFolders, locale.toString(static_cast<int>(catalog.folders().size())));
     mRows->set(mVersion, QString::fromStdString(catalog.version()));
-    mRows->set(mSize, locale.formattedDataSize(file.size(), 1, QLocale::DataSizeSIFormat));
+    mRows->set(mSize, DataSize::text(file.size()));
     mRows->set(mDate, locale.toString(file.lastModified(), QLocale::ShortFormat));
 }
 

@@ -23,6 +23,13 @@
     </message>
 </context>
 <context>
+    <name>DataSize</name>
+    <message>
+        <source>%1 of %2</source>
+        <translation>%1 von %2</translation>
+    </message>
+</context>
+<context>
     <name>DetailsPane</name>
     <message>
         <source>Details of the selection</source>
@@ -794,12 +801,16 @@
     </message>
 </context>
 <context>
-    <name>UpdateController</name>
+    <name>TransferSpeed</name>
+    <message>
+        <source>waiting for the service</source>
+        <translation>der Dienst lässt warten</translation>
+    </message>
     <message numerus="yes">
-        <source>%1 and %n more</source>
+        <source>%1/s, about %n minute(s) left</source>
         <translation>
-            <numerusform>%1 und %n weiterer</numerusform>
-            <numerusform>%1 und %n weitere</numerusform>
+            <numerusform>%1/s, noch etwa %n Minute</numerusform>
+            <numerusform>%1/s, noch etwa %n Minuten</numerusform>
         </translation>
     </message>
     <message numerus="yes">
@@ -807,6 +818,16 @@
         <translation>
             <numerusform>%1/s, noch etwa %n Sekunde</numerusform>
             <numerusform>%1/s, noch etwa %n Sekunden</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
+    <name>UpdateController</name>
+    <message numerus="yes">
+        <source>%1 and %n more</source>
+        <translation>
+            <numerusform>%1 und %n weiterer</numerusform>
+            <numerusform>%1 und %n weitere</numerusform>
         </translation>
     </message>
     <message>
@@ -836,13 +857,6 @@
     <message>
         <source>Some catalogs could not be updated: %1</source>
         <translation>Einige Kataloge konnten nicht aktualisiert werden: %1</translation>
-    </message>
-    <message numerus="yes">
-        <source>%1/s, about %n minute(s) left</source>
-        <translation>
-            <numerusform>%1/s, noch etwa %n Minute</numerusform>
-            <numerusform>%1/s, noch etwa %n Minuten</numerusform>
-        </translation>
     </message>
 </context>
 <context>

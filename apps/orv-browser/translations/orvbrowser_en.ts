@@ -69,12 +69,12 @@
     </message>
 </context>
 <context>
-    <name>UpdateController</name>
+    <name>TransferSpeed</name>
     <message numerus="yes">
-        <source>%1 and %n more</source>
+        <source>%1/s, about %n minute(s) left</source>
         <translation>
-            <numerusform>%1 and %n more</numerusform>
-            <numerusform>%1 and %n more</numerusform>
+            <numerusform>%1/s, about %n minute left</numerusform>
+            <numerusform>%1/s, about %n minutes left</numerusform>
         </translation>
     </message>
     <message numerus="yes">
@@ -84,11 +84,14 @@
             <numerusform>%1/s, about %n seconds left</numerusform>
         </translation>
     </message>
+</context>
+<context>
+    <name>UpdateController</name>
     <message numerus="yes">
-        <source>%1/s, about %n minute(s) left</source>
+        <source>%1 and %n more</source>
         <translation>
-            <numerusform>%1/s, about %n minute left</numerusform>
-            <numerusform>%1/s, about %n minutes left</numerusform>
+            <numerusform>%1 and %n more</numerusform>
+            <numerusform>%1 and %n more</numerusform>
         </translation>
     </message>
 </context>
