@@ -49,6 +49,22 @@ std::vector<std::string> texts(const QJsonValue& list)
     return result;
 }
 
+/// The names of a list that can be; the window took them without their extension, too.
+QJsonValue takenOver(const QJsonValue& value, const SettingRule& rule)
+{
+    if (!value.isArray())
+        return value;
+    QJsonArray names;
+    for (const QJsonValue entry : value.toArray()) {
+        const QString name = entry.toString();
+        const QString file =
+            name.endsWith(QLatin1String(".orvlib")) ? name : name + QStringLiteral(".orvlib");
+        if (!name.isEmpty() && rule.problemOf(QJsonArray{file}).empty())
+            names.append(file);
+    }
+    return names;
+}
+
 bool exists(const fileString& path)
 {
     std::error_code error;
@@ -123,7 +139,7 @@ try {
     const QJsonObject former =
         QJsonDocument::fromJson(QByteArray::fromStdString(TextFile::read(path))).object();
     for (const auto& [name, key] : kNames) {
-        const QJsonValue value = former[name];
+        const QJsonValue value = takenOver(former[name], ruleOf(key));
         const bool isEmptyList = value.isArray() && value.toArray().isEmpty();
         if (!value.isUndefined() && !isEmptyList && ruleOf(key).problemOf(value).empty())
             mMembers[key] = value;

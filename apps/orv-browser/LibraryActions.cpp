@@ -21,10 +21,10 @@ LibraryActions::LibraryActions(QMainWindow& window, const fileString& root, QUnd
       mUndo(undo),
       mRoot(root),
       mSettings(BrowserSettings::load(root)),
+      mShared(root),
       mUpdates(new UpdateController(window, root)),
       mImports(new ImportController(root, &window))
 {
-    Curl::setProxy(mSettings.proxy.toStdString());
     Appearance::apply(mSettings.colours);
     connect(mUpdates, &UpdateController::catalogReplaced, this, &LibraryActions::catalogChanged);
     connect(mUpdates, &UpdateController::ended, this, &LibraryActions::updateEnded);
@@ -35,8 +35,19 @@ LibraryActions::LibraryActions(QMainWindow& window, const fileString& root, QUnd
 
 void LibraryActions::start()
 {
-    if (mSettings.checkAtStart && !mOverrides.over(mSettings).serviceUrl.isEmpty())
+    if (readShared() && mSettings.checkAtStart && !mShared.values().url.empty())
         checkForUpdates();
+}
+
+/// @return whether they can be used; if not, the user is told why
+bool LibraryActions::readShared()
+{
+    QString problem = mShared.reload();
+    if (problem.isEmpty())
+        problem = mShared.apply();
+    if (!problem.isEmpty())
+        Q_EMIT said(problem);
+    return problem.isEmpty();
 }
 
 void LibraryActions::cancel()
@@ -52,14 +63,14 @@ void LibraryActions::stop()
 
 void LibraryActions::checkForUpdates()
 {
-    if (mUpdates->isRunning())
+    if (mUpdates->isRunning() || !readShared())
         return;
-    if (mOverrides.over(mSettings).serviceUrl.isEmpty())
+    if (mShared.values().url.empty())
         editPreferences();
-    const BrowserSettings asked = mOverrides.over(mSettings);
-    if (asked.serviceUrl.isEmpty())
+    const OrvHost::Settings::Values asked = mShared.values();
+    if (asked.url.empty())
         return;
-    const QString problem = AddressCheck::problemOf(asked.serviceUrl);
+    const QString problem = AddressCheck::problemOf(QString::fromStdString(asked.url));
     if (!problem.isEmpty()) {
         Q_EMIT said(problem);
         return;
@@ -122,13 +133,16 @@ void LibraryActions::importArchives(const QStringList& sources)
 
 void LibraryActions::refreshManufacturers()
 {
-    if (mSettings.manufacturerDataUrl.isEmpty()) {
+    if (!readShared())
+        return;
+    if (mShared.values().manufacturerDataUrl.empty())
         editPreferences();
-        if (mSettings.manufacturerDataUrl.isEmpty())
-            return;
-    }
+    const OrvHost::Settings::Values asked = mShared.values();
+    if (asked.manufacturerDataUrl.empty())
+        return;
     Curl::forgetFailures(); // the user may have repaired the network
-    ManufacturerPreview preview(mSettings.manufacturerDataUrl, mSettings.manufacturerLogoUrl, &mWindow);
+    ManufacturerPreview preview(QString::fromStdString(asked.manufacturerDataUrl),
+                                QString::fromStdString(asked.manufacturerLogoUrl), &mWindow);
     if (preview.exec() != QDialog::Accepted)
         return;
     Q_EMIT said(preview.summary());
@@ -144,15 +158,16 @@ void LibraryActions::editFilters(const std::vector<FilterEditor::Database>& data
 
 void LibraryActions::editPreferences()
 {
-    PreferencesDialog dialog(mSettings, &mWindow);
+    readShared();
+    PreferencesDialog dialog(mShared.file(), mSettings, &mWindow);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    mSettings = dialog.settings();
-    Curl::setProxy(mSettings.proxy.toStdString());
-    Curl::forgetFailures(); // another address or proxy may be the cure
+    mSettings = dialog.own();
     Appearance::apply(mSettings.colours);
     QString reason;
-    if (!mSettings.save(mRoot, reason))
+    if (!mShared.change(dialog.changes(), reason) || !mSettings.save(mRoot, reason))
         QMessageBox::warning(&mWindow, mWindow.windowTitle(),
                              tr("The preferences were not saved: %1").arg(reason));
+    readShared();
+    Curl::forgetFailures(); // another address or proxy may be the cure
 }

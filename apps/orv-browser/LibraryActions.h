@@ -6,6 +6,7 @@
 #include "OrvHost/imports/ArchiveImport.h"
 #include "OrvLibrary/host/fileString.h"
 #include "apps/orv-browser/BrowserSettings.h"
+#include "apps/orv-browser/SharedSettings.h"
 #include "apps/orv-browser/dialogs/FilterEditor.h"
 #include "apps/orv-browser/models/Place.h"
 
@@ -24,8 +25,8 @@ public:
     /// @param undo takes the imports that can be taken back; belongs to the window too
     LibraryActions(QMainWindow& window, const fileString& root, QUndoStack& undo);
 
-    /// What goes before the preferences from now on.
-    void overrideService(const ServiceOverrides& overrides) { mOverrides = overrides; }
+    /// What goes before the settings from now on.
+    void overrideService(const ServiceOverrides& overrides) { mShared.overrideService(overrides); }
     /// Checks for updates when the preferences say so.
     void start();
     /// Cancels whatever is under way, without waiting for it.
@@ -55,6 +56,7 @@ Q_SIGNALS:
     void filtersChanged();
 
 private:
+    bool readShared();
     void updateEnded(const QString& summary, bool hasProblems);
     void archiveImported(const OrvHost::ArchiveImport::Result& result);
     void importsEnded(const QString& summary);
@@ -63,8 +65,8 @@ private:
     QMainWindow& mWindow;
     QUndoStack& mUndo;
     fileString mRoot;
-    BrowserSettings mSettings; ///< the preferences
-    ServiceOverrides mOverrides;
+    BrowserSettings mSettings; ///< of this window
+    SharedSettings mShared;
     UpdateController* mUpdates;
     ImportController* mImports;
 };

@@ -27,9 +27,9 @@ protected:
 
     void openWith(const QString& data, const QString& logos)
     {
-        test::writeFile(inRoot("browser.json"), "{\"manufacturerDataUrl\": \"" + data.toStdString() +
-                                                    "\", \"manufacturerLogoUrl\": \"" + logos.toStdString() +
-                                                    "\"}");
+        test::writeFile(inRoot("settings.json"), "{\"manufacturerDataUrl\": \"" + data.toStdString() +
+                                                     "\", \"manufacturerLogoUrl\": \"" + logos.toStdString() +
+                                                     "\"}");
         open();
     }
 

@@ -7,14 +7,18 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QDir>
+#include <QFile>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSpinBox>
+#include <QTabWidget>
 #include <QTest>
 #include <QTimer>
 
 #include <gmock/gmock.h>
 
+#include "OrvHost/Settings.h"
 #include "apps/orv-browser/Appearance.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
@@ -22,8 +26,6 @@
 
 namespace {
 
-using testing::Each;
-using testing::HasSubstr;
 using testing::Not;
 using testing::SizeIs;
 
@@ -49,20 +51,28 @@ protected:
 TEST_F(BrowserPreferencesTest, everyFieldIsKeptForTheNextStart)
 {
     const std::map<const char*, QString> entered = {
-        {"serviceUrl", "http://127.0.0.1:9/redirect"},
+        {"url", "http://127.0.0.1:9/redirect"},
         {"product", "Planner"},
         {"productVersion", "7.2"},
-        {"bonusCatalogs", "Garden Party; Holiday D\u00e9cor.orvlib"},
-        {"manufacturerCatalogs", "Oakline Cabinets"},
+        {"bonus", "Garden Party.orvlib; Holiday D\u00e9cor.orvlib"},
+        {"manufacturer", "Oakline Cabinets.orvlib"},
         {"manufacturerDataUrl", "http://127.0.0.1:9/manufacturers?"},
         {"manufacturerLogoUrl", "http://127.0.0.1:9/logos?"},
         {"proxy", "http://127.0.0.1:9"},
+        {"certificates", "/etc/ssl/certs"},
     };
+    const std::map<const char*, int> numbers = {{"retries", 1},
+                                                {"connections", 4},
+                                                {"limitRate", 250},
+                                                {"historyVersions", 2},
+                                                {"historyBytes", 1000}};
     open();
     inDialog([&] { trigger("editPreferences"); },
              [&](QDialog& dialog) {
                  for (const auto& [name, text] : entered)
                      line(dialog, name).setText(" " + text + " ");
+                 for (const auto& [name, number] : numbers)
+                     dialog.findChild<QSpinBox*>(name)->setValue(number);
                  dialog.findChild<QCheckBox*>("checkAtStart")->click();
                  dialog.findChild<QComboBox*>("colours")->setCurrentIndex(2);
                  press(dialog, QDialogButtonBox::Ok);
@@ -71,8 +81,6 @@ TEST_F(BrowserPreferencesTest, everyFieldIsKeptForTheNextStart)
     const BrowserSettings kept = BrowserSettings::load(fileString(inRoot("")));
     EXPECT_TRUE(kept.checkAtStart);
     EXPECT_EQ(kept.colours, Appearance::kDark);
-    EXPECT_EQ(kept.bonusCatalogs,
-              QStringList({"Garden Party", QString::fromUtf8("Holiday D\u00e9cor.orvlib")}));
     test::writeFile(inRoot("browser.json"), [&] { // no check now
         std::string text = test::readFile(inRoot("browser.json"));
         return text.replace(text.find("true"), 4, "false");
@@ -82,6 +90,8 @@ TEST_F(BrowserPreferencesTest, everyFieldIsKeptForTheNextStart)
              [&](QDialog& dialog) {
                  for (const auto& [name, text] : entered)
                      EXPECT_EQ(line(dialog, name).text(), text) << name;
+                 for (const auto& [name, number] : numbers)
+                     EXPECT_EQ(dialog.findChild<QSpinBox*>(name)->value(), number) << name;
                  EXPECT_EQ(dialog.findChild<QComboBox*>("colours")->currentIndex(), 2);
                  dialog.reject();
              });
@@ -89,18 +99,18 @@ TEST_F(BrowserPreferencesTest, everyFieldIsKeptForTheNextStart)
 
 TEST_F(BrowserPreferencesTest, cancelledDialogKeepsWhatWas)
 {
-    test::writeFile(inRoot("browser.json"), R"({"serviceUrl": "http://127.0.0.1:9/old"})");
+    test::writeFile(inRoot("settings.json"), R"({"url": "http://127.0.0.1:9/old"})");
     open();
     inDialog([&] { trigger("editPreferences"); },
              [](QDialog& dialog) {
-                 line(dialog, "serviceUrl").setText("http://127.0.0.1:9/new");
+                 line(dialog, "url").setText("http://127.0.0.1:9/new");
                  press(dialog, QDialogButtonBox::Cancel);
              });
-    EXPECT_THAT(test::readFile(inRoot("browser.json")), HasSubstr("/old"));
-    EXPECT_THAT(test::readFile(inRoot("browser.json")), Not(HasSubstr("/new")));
+    EXPECT_EQ(test::readFile(inRoot("settings.json")), R"({"url": "http://127.0.0.1:9/old"})");
+    EXPECT_FALSE(QFile::exists(QString::fromStdString(inRoot("browser.json"))));
 }
 
-TEST_F(BrowserPreferencesTest, textThatIsNoAddressIsNotTaken)
+TEST_F(BrowserPreferencesTest, textThatCannotBeIsNotTaken)
 {
     open();
     const auto enter = [this](QDialog& dialog, const char* field, const QString& text) {
@@ -122,21 +132,27 @@ TEST_F(BrowserPreferencesTest, textThatIsNoAddressIsNotTaken)
                  const QString end =
                      " is no address of a service. An address begins with http:// or https:// "
                      "and the name of a host.";
-                 for (const char* field : {"serviceUrl", "manufacturerDataUrl", "manufacturerLogoUrl"})
+                 for (const char* field : {"url", "manufacturerDataUrl", "manufacturerLogoUrl"})
                      EXPECT_EQ(enter(dialog, field, " foo "), QString::fromUtf8("“foo”") + end) << field;
                  for (const QString text : {"ftp://127.0.0.1/redirect", "http://", "127.0.0.1:9/redirect"})
-                     EXPECT_TRUE(enter(dialog, "serviceUrl", text).endsWith(end)) << text.toStdString();
+                     EXPECT_TRUE(enter(dialog, "url", text).endsWith(end)) << text.toStdString();
+                 EXPECT_EQ(enter(dialog, "proxy", "my proxy"),
+                           QString::fromUtf8("“my proxy” is no proxy, such as http://proxy.example:3128."));
+                 EXPECT_EQ(dialog.findChild<QTabWidget*>()->currentIndex(), 1);
+                 for (const char* field : {"bonus", "manufacturer"})
+                     EXPECT_EQ(enter(dialog, field, "Doors; ../outside"),
+                               QString::fromUtf8("“../outside.orvlib” is no name of a catalog."));
                  EXPECT_TRUE(dialog.isVisible());
-                 line(dialog, "serviceUrl").setText("HTTPS://127.0.0.1:9/redirect");
+                 line(dialog, "url").setText("HTTPS://127.0.0.1:9/redirect");
                  press(dialog, QDialogButtonBox::Ok);
              });
-    EXPECT_EQ(BrowserSettings::load(fileString(inRoot(""))).serviceUrl, "HTTPS://127.0.0.1:9/redirect");
+    EXPECT_EQ(OrvHost::Settings::load(fileString(inRoot(""))).values().url, "HTTPS://127.0.0.1:9/redirect");
 }
 
-TEST_F(BrowserPreferencesTest, addressInTheFileThatIsNoneIsToldAndNothingIsAsked)
+TEST_F(BrowserPreferencesTest, addressThatIsNoneIsToldAndNothingIsAsked)
 {
-    test::writeFile(inRoot("browser.json"), R"({"serviceUrl": "foo", "checkAtStart": true})");
-    open();
+    open("foo");
+    trigger("checkForUpdates");
     EXPECT_TRUE(summary().startsWith(QString::fromUtf8("“foo” is no address of a service.")))
         << summary().toStdString();
     EXPECT_TRUE(child<QAction>("checkForUpdates").isEnabled());
@@ -183,14 +199,11 @@ TEST_F(BrowserPreferencesTest, cancelBeforeTheFirstAnswerIsNoError)
 
 TEST_F(BrowserPreferencesTest, fileThatCannotBeReadMeansTheDefaults)
 {
-    for (const char* text : {"", "[1, 2]", "{\"product\": 5, \"checkAtStart\": \"yes\"", "\xFF\xFE",
-                             "{\"product\": [], \"bonusCatalogs\": \"one\", \"checkAtStart\": 1}"}) {
+    for (const char* text : {"", "[1, 2]", "{\"colours\": 5, \"checkAtStart\": \"yes\"", "\xFF\xFE",
+                             "{\"colours\": [], \"checkAtStart\": 1}"}) {
         test::writeFile(inRoot("browser.json"), text);
         const BrowserSettings settings = BrowserSettings::load(fileString(inRoot("")));
-        EXPECT_EQ(settings.serviceUrl, "") << text;
-        EXPECT_EQ(settings.product, "Orv") << text;
-        EXPECT_EQ(settings.productVersion, "1.0") << text;
-        EXPECT_TRUE(settings.bonusCatalogs.isEmpty()) << text;
+        EXPECT_EQ(settings.colours, "system") << text;
         EXPECT_FALSE(settings.checkAtStart) << text;
     }
 }
@@ -213,41 +226,4 @@ TEST_F(BrowserPreferencesTest, preferencesThatCannotBeWrittenAreToldToTheUser)
                  press(dialog, QDialogButtonBox::Ok);
              });
     EXPECT_TRUE(told.startsWith("The preferences were not saved: ")) << told.toStdString();
-}
-
-TEST_F(BrowserPreferencesTest, serviceIsToldTheProductAndVersionOfThePreferences)
-{
-    test::FaultServer server;
-    server.on("/redirect", test::FaultReply::redirect("/content?"));
-    test::writeFile(inRoot("browser.json"),
-                    "{\"serviceUrl\": \"" + server.url("/redirect") + "\", \"product\": \"Planner\"}");
-    open();
-    trigger("checkForUpdates");
-    ASSERT_TRUE(waitFor([&] { return child<QAction>("checkForUpdates").isEnabled(); }));
-    std::vector<std::string> asked;
-    for (const test::FaultRequest& request : server.requestsFor("/content"))
-        if (request.target.find("Doors") != std::string::npos)
-            asked.push_back(request.target);
-    EXPECT_THAT(asked, Not(SizeIs(0)));
-    EXPECT_THAT(asked, Each(HasSubstr("&product=Planner&version=1.0")));
-}
-
-TEST_F(BrowserPreferencesTest, commandLineGoesBeforeThePreferencesWhereItSaysSomething)
-{
-    BrowserSettings preferences;
-    preferences.serviceUrl = "http://127.0.0.1:9/preferred";
-    preferences.bonusCatalogs = QStringList{"Party"};
-    const BrowserSettings same = ServiceOverrides().over(preferences);
-    EXPECT_EQ(same.serviceUrl, "http://127.0.0.1:9/preferred");
-    EXPECT_EQ(same.product, "Orv");
-    EXPECT_EQ(same.productVersion, "1.0");
-    EXPECT_EQ(same.bonusCatalogs, QStringList("Party"));
-
-    const ServiceOverrides overrides{"http://127.0.0.1:9/now", "Planner", "2", {"Snow"}, {"Oak"}};
-    const BrowserSettings now = overrides.over(preferences);
-    EXPECT_EQ(now.serviceUrl, "http://127.0.0.1:9/now");
-    EXPECT_EQ(now.product, "Planner");
-    EXPECT_EQ(now.productVersion, "2");
-    EXPECT_EQ(now.bonusCatalogs, QStringList("Snow"));
-    EXPECT_EQ(now.manufacturerCatalogs, QStringList("Oak"));
 }

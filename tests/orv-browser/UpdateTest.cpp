@@ -89,9 +89,9 @@ TEST_F(BrowserUpdateTest, emptyRootIsFilledAtAClickAndTheSummaryNamesWhatCame)
 
 TEST_F(BrowserUpdateTest, emptyRootGetsTheNamedBonusAndManufacturerCatalogsToo)
 {
-    test::writeFile(inRoot("browser.json"),
-                    R"({"bonusCatalogs": ["Garden Party", "Holiday D\u00e9cor.orvlib", "../outside"],
-                        "manufacturerCatalogs": ["Oakline Cabinets"]})");
+    test::writeFile(inRoot("settings.json"),
+                    R"({"bonus": ["Garden Party.orvlib", "Holiday D\u00e9cor.orvlib"],
+                        "manufacturer": ["Oakline Cabinets.orvlib"]})");
     open(service.redirect());
     QTest::mouseClick(&child<QPushButton>("fetchContent"), Qt::LeftButton);
     ASSERT_TRUE(ends());
@@ -203,8 +203,8 @@ TEST_F(BrowserUpdateTest, damagedCatalogIsNamedAndTheOthersCome)
 
 TEST_F(BrowserUpdateTest, preferencesMayAskForACheckAtStart)
 {
-    test::writeFile(inRoot("browser.json"),
-                    "{\"checkAtStart\": true, \"serviceUrl\": \"" + service.redirect().toStdString() + "\"}");
+    test::writeFile(inRoot("browser.json"), R"({"checkAtStart": true})");
+    test::writeFile(inRoot("settings.json"), "{\"url\": \"" + service.redirect().toStdString() + "\"}");
     open();
     EXPECT_FALSE(check().isEnabled());
     ASSERT_TRUE(ends());

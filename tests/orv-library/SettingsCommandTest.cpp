@@ -164,10 +164,11 @@ TEST_F(Settings, browserSettingsAreTakenOverOnce)
 {
     test::writeFile(program.root() + "/browser.json",
                     R"({"serviceUrl": "https://content.example/redirect", "product": "Orv", "colours": "dark",
-                        "bonusCatalogs": ["Garden.orvlib"], "manufacturerCatalogs": [], "proxy": ""})");
+                        "bonusCatalogs": ["Garden.orvlib", "Holiday", "../outside"],
+                        "manufacturerCatalogs": [], "proxy": ""})");
     const QJsonObject expected = {{"url", "https://content.example/redirect"},
                                   {"product", "Orv"},
-                                  {"bonus", QJsonArray{"Garden.orvlib"}}};
+                                  {"bonus", QJsonArray{"Garden.orvlib", "Holiday.orvlib"}}};
     EXPECT_EQ(expected, settings({}).json()["settings"].toObject());
     EXPECT_EQ(expected, stored());
     for (const char* key : {"url", "product", "bonus"})

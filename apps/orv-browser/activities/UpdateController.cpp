@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QStringList>
 
 #include "OrvHost/LegacyText.h"
@@ -18,28 +17,20 @@ namespace {
 
 constexpr int kMostNames = 5;
 
-/// The file names of catalogs that the user named, with or without the extension.
-std::vector<std::string> catalogNames(const QStringList& entered)
-{
-    const QString extension = QStringLiteral(".orvlib");
-    std::vector<std::string> names;
-    for (const QString& name : entered) {
-        const bool isPlain = !name.isEmpty() && !name.contains(QLatin1Char('/'));
-        if (isPlain)
-            names.push_back(
-                QFile::encodeName(name.endsWith(extension) ? name : name + extension).toStdString());
-    }
-    return names;
-}
-
-OrvHost::CatalogUpdateRun::Request requestOf(const BrowserSettings& settings)
+OrvHost::CatalogUpdateRun::Request requestOf(const OrvHost::Settings::Values& settings)
 {
     OrvHost::CatalogUpdateRun::Request request;
-    request.url = settings.serviceUrl.toStdString();
-    request.product = settings.product.toStdString();
-    request.productVersion = settings.productVersion.toStdString();
-    request.bonus = catalogNames(settings.bonusCatalogs);
-    request.manufacturer = catalogNames(settings.manufacturerCatalogs);
+    request.url = settings.url;
+    request.product = settings.product;
+    request.productVersion = settings.productVersion;
+    request.bonus = settings.bonus;
+    request.manufacturer = settings.manufacturer;
+    request.access.certificates = settings.certificates;
+    request.access.proxy = settings.proxy;
+    request.access.limitRate = settings.limitRate;
+    request.retries = settings.retries;
+    request.history.versions = settings.historyVersions;
+    request.history.bytes = settings.historyBytes;
     return request;
 }
 
@@ -83,7 +74,7 @@ void UpdateController::stop()
     conclude();
 }
 
-void UpdateController::start(const BrowserSettings& settings)
+void UpdateController::start(const OrvHost::Settings::Values& settings)
 {
     if (mRun)
         return;

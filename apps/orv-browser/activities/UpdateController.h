@@ -8,8 +8,8 @@
 #include <QPointer>
 #include <QString>
 
+#include "OrvHost/Settings.h"
 #include "OrvLibrary/host/fileString.h"
-#include "apps/orv-browser/BrowserSettings.h"
 
 namespace OrvHost {
 class CatalogUpdateRun;
@@ -33,7 +33,7 @@ public:
     bool isRunning() const { return mRun != nullptr; }
     /// Starts a run; while one runs it does nothing.
     /// @param settings the service, and the catalogs to fetch beside those that are there
-    void start(const BrowserSettings& settings);
+    void start(const OrvHost::Settings::Values& settings);
     void cancel();
     /// Cancels what is under way, waits for it, and puts in place what it had fetched.
     void stop();

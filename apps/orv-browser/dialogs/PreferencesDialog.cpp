@@ -1,116 +1,134 @@
 #include "apps/orv-browser/dialogs/PreferencesDialog.h"
 
+#include <limits>
+
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QSpinBox>
+#include <QTabWidget>
 
 #include "apps/orv-browser/Appearance.h"
-#include "apps/orv-browser/dialogs/AddressCheck.h"
 
 namespace {
 
-constexpr int kLineWidth = 360;
-
-QLineEdit* addLine(QFormLayout& layout, const QString& label, const QString& name, const QString& value)
-{
-    auto* line = new QLineEdit(value);
-    line->setObjectName(name);
-    line->setMinimumWidth(kLineWidth);
-    layout.addRow(label, line);
-    return line;
-}
-
-/// Names as one line, and back; file names with this separator are none that a service offers.
-constexpr QLatin1Char kSeparator(';');
-
-QString joined(const QStringList& names)
-{
-    return names.join(QString(kSeparator) + QLatin1Char(' '));
-}
-
-QStringList split(const QString& line)
-{
-    QStringList names;
-    for (const QString& name : line.split(kSeparator))
-        if (!name.trimmed().isEmpty())
-            names << name.trimmed();
-    return names;
-}
+constexpr int kMost = std::numeric_limits<int>::max();
+constexpr int kMostRetries = 100; // these as the shared settings bound them
+constexpr int kMostConnections = 96;
+constexpr int kMostVersions = 1000;
+constexpr int kKilobyte = 1000;
+constexpr int kMegabyte = 1000000;
 
 } // namespace
 
-PreferencesDialog::PreferencesDialog(const BrowserSettings& settings, QWidget* parent) : QDialog(parent)
+PreferencesDialog::PreferencesDialog(const OrvHost::Settings& shared, const BrowserSettings& own,
+                                     QWidget* parent)
+    : QDialog(parent), mFields(shared), mPages(new QTabWidget)
 {
     setObjectName(QStringLiteral("preferencesDialog"));
     setWindowTitle(tr("Preferences"));
-    auto* layout = new QFormLayout(this);
-    mServiceUrl =
-        addLine(*layout, tr("&Catalog service:"), QStringLiteral("serviceUrl"), settings.serviceUrl);
-    mServiceUrl->setPlaceholderText(QStringLiteral("https://…/redirect"));
-    mProduct = addLine(*layout, tr("&Product:"), QStringLiteral("product"), settings.product);
-    mVersion = addLine(*layout, tr("&Version:"), QStringLiteral("productVersion"), settings.productVersion);
-    mBonusCatalogs = addLine(*layout, tr("&Bonus catalogs:"), QStringLiteral("bonusCatalogs"),
-                             joined(settings.bonusCatalogs));
-    mManufacturerCatalogs =
-        addLine(*layout, tr("Manu&facturer catalogs:"), QStringLiteral("manufacturerCatalogs"),
-                joined(settings.manufacturerCatalogs));
-    for (QLineEdit* line : {mBonusCatalogs, mManufacturerCatalogs}) {
+    mPages->setObjectName(QStringLiteral("preferencePages"));
+    mPages->addTab(servicePage(), tr("Service"));
+    mPages->addTab(networkPage(), tr("Network"));
+    mPages->addTab(historyPage(), tr("History"));
+    mPages->addTab(windowPage(own), tr("This window"));
+    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
+    connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesDialog::accept);
+    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(mPages);
+    layout->addWidget(buttons);
+}
+
+QWidget* PreferencesDialog::servicePage()
+{
+    auto* page = new QWidget;
+    auto* layout = new QFormLayout(page);
+    QLineEdit* url = mFields.addText("url");
+    url->setPlaceholderText(QStringLiteral("https://…/redirect"));
+    layout->addRow(tr("&Catalog service:"), url);
+    layout->addRow(tr("&Product:"), mFields.addText("product"));
+    layout->addRow(tr("&Version:"), mFields.addText("productVersion"));
+    QLineEdit* bonus = mFields.addCatalogs("bonus");
+    layout->addRow(tr("&Bonus catalogs:"), bonus);
+    QLineEdit* manufacturer = mFields.addCatalogs("manufacturer");
+    layout->addRow(tr("Manu&facturer catalogs:"), manufacturer);
+    for (QLineEdit* line : {bonus, manufacturer}) {
         line->setPlaceholderText(tr("those that are there; more by name"));
         line->setToolTip(tr("Names of catalogs to fetch, separated by semicolons"));
     }
-    mManufacturerDataUrl = addLine(*layout, tr("&Manufacturer data:"), QStringLiteral("manufacturerDataUrl"),
-                                   settings.manufacturerDataUrl);
-    mManufacturerLogoUrl = addLine(*layout, tr("Manufacturer &logos:"), QStringLiteral("manufacturerLogoUrl"),
-                                   settings.manufacturerLogoUrl);
-    mProxy = addLine(*layout, tr("Pro&xy:"), QStringLiteral("proxy"), settings.proxy);
-    mProxy->setPlaceholderText(tr("as the system says"));
+    layout->addRow(tr("&Manufacturer data:"), mFields.addText("manufacturerDataUrl"));
+    layout->addRow(tr("Manufacturer &logos:"), mFields.addText("manufacturerLogoUrl"));
+    return page;
+}
+
+QWidget* PreferencesDialog::networkPage()
+{
+    auto* page = new QWidget;
+    auto* layout = new QFormLayout(page);
+    for (const auto& [label, key] :
+         {std::pair(tr("Pro&xy:"), "proxy"), {tr("C&ertificates:"), "certificates"}}) {
+        QLineEdit* line = mFields.addText(key);
+        line->setPlaceholderText(tr("as the system says"));
+        layout->addRow(label, line);
+    }
+    layout->addRow(tr("&Retries of a request:"), mFields.addNumber("retries", 0, kMostRetries));
+    layout->addRow(tr("Co&nnections at once:"), mFields.addNumber("connections", 1, kMostConnections));
+    QSpinBox* rate = mFields.addNumber("limitRate", 0, kMost, kKilobyte);
+    rate->setSuffix(tr(" KB/s"));
+    rate->setSpecialValueText(tr("no limit"));
+    layout->addRow(tr("Receive at &most:"), rate);
+    return page;
+}
+
+QWidget* PreferencesDialog::historyPage()
+{
+    auto* page = new QWidget;
+    auto* layout = new QFormLayout(page);
+    layout->addRow(tr("Former &versions of a catalog:"),
+                   mFields.addNumber("historyVersions", 1, kMostVersions));
+    QSpinBox* size = mFields.addNumber("historyBytes", 0, kMost, kMegabyte);
+    size->setSuffix(tr(" MB"));
+    layout->addRow(tr("All of them &together:"), size);
+    return page;
+}
+
+QWidget* PreferencesDialog::windowPage(const BrowserSettings& own)
+{
+    auto* page = new QWidget;
+    auto* layout = new QFormLayout(page);
     mCheckAtStart = new QCheckBox(tr("Check for updates at &start"));
     mCheckAtStart->setObjectName(QStringLiteral("checkAtStart"));
-    mCheckAtStart->setChecked(settings.checkAtStart);
+    mCheckAtStart->setChecked(own.checkAtStart);
     layout->addRow(mCheckAtStart);
     mColours = new QComboBox;
     mColours->setObjectName(QStringLiteral("colours"));
     mColours->addItem(tr("As the system"), QString(Appearance::kSystem));
     mColours->addItem(tr("Light"), QString(Appearance::kLight));
     mColours->addItem(tr("Dark"), QString(Appearance::kDark));
-    mColours->setCurrentIndex(qMax(0, mColours->findData(settings.colours)));
+    mColours->setCurrentIndex(qMax(0, mColours->findData(own.colours)));
     layout->addRow(tr("C&olours:"), mColours);
-    auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
-    connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesDialog::accept);
-    connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
-    layout->addRow(buttons);
+    return page;
 }
 
-BrowserSettings PreferencesDialog::settings() const
+BrowserSettings PreferencesDialog::own() const
 {
-    BrowserSettings settings;
-    settings.serviceUrl = mServiceUrl->text().trimmed();
-    settings.product = mProduct->text().trimmed();
-    settings.productVersion = mVersion->text().trimmed();
-    settings.bonusCatalogs = split(mBonusCatalogs->text());
-    settings.manufacturerCatalogs = split(mManufacturerCatalogs->text());
-    settings.manufacturerDataUrl = mManufacturerDataUrl->text().trimmed();
-    settings.manufacturerLogoUrl = mManufacturerLogoUrl->text().trimmed();
-    settings.proxy = mProxy->text().trimmed();
-    settings.checkAtStart = mCheckAtStart->isChecked();
-    settings.colours = mColours->currentData().toString();
-    return settings;
+    return {mCheckAtStart->isChecked(), mColours->currentData().toString()};
 }
 
 void PreferencesDialog::accept()
 {
-    for (QLineEdit* line : {mServiceUrl, mManufacturerDataUrl, mManufacturerLogoUrl}) {
-        const QString address = line->text().trimmed();
-        const QString problem = address.isEmpty() ? QString() : AddressCheck::problemOf(address);
-        if (problem.isEmpty())
-            continue;
-        QMessageBox::information(this, windowTitle(), problem);
-        line->setFocus();
-        line->selectAll();
-        return;
-    }
-    QDialog::accept();
+    QString problem;
+    QLineEdit* wrong = mFields.firstWrong(problem);
+    if (!wrong)
+        return QDialog::accept();
+    QMessageBox::information(this, windowTitle(), problem);
+    for (int i = 0; i < mPages->count(); ++i)
+        if (mPages->widget(i)->isAncestorOf(wrong))
+            mPages->setCurrentIndex(i);
+    wrong->setFocus();
+    wrong->selectAll();
 }

@@ -3,34 +3,38 @@
 #include <QDialog>
 
 #include "apps/orv-browser/BrowserSettings.h"
+#include "apps/orv-browser/dialogs/SettingFields.h"
 
 class QCheckBox;
 class QComboBox;
-class QLineEdit;
+class QTabWidget;
 
-/// The preferences of the window: where the services are, what they are told, and when to ask them.
+/// The preferences: what all programs on the root share (the service, the way to it, how much history is
+/// kept), and what holds for this window alone.
 class PreferencesDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    PreferencesDialog(const BrowserSettings& settings, QWidget* parent);
+    /// @param shared outlives the dialog
+    PreferencesDialog(const OrvHost::Settings& shared, const BrowserSettings& own, QWidget* parent);
 
-    /// What the user entered.
-    BrowserSettings settings() const;
+    /// What the user changed of the shared ones.
+    SharedSettings::Changes changes() const { return mFields.changes(); }
+    /// What the user entered for this window.
+    BrowserSettings own() const;
 
-    /// Does not take an address that is none, and says so.
+    /// Does not take a text that cannot be, and says so.
     void accept() override;
 
 private:
-    QLineEdit* mServiceUrl;
-    QLineEdit* mProduct;
-    QLineEdit* mVersion;
-    QLineEdit* mBonusCatalogs;
-    QLineEdit* mManufacturerCatalogs;
-    QLineEdit* mManufacturerDataUrl;
-    QLineEdit* mManufacturerLogoUrl;
-    QLineEdit* mProxy;
+    QWidget* servicePage();
+    QWidget* networkPage();
+    QWidget* historyPage();
+    QWidget* windowPage(const BrowserSettings& own);
+
+    SettingFields mFields;
+    QTabWidget* mPages;
     QCheckBox* mCheckAtStart;
     QComboBox* mColours;
 };

@@ -688,6 +688,58 @@
         <source>Names of catalogs to fetch, separated by semicolons</source>
         <translation>Namen der Kataloge, die geladen werden sollen, durch Strichpunkte getrennt</translation>
     </message>
+    <message>
+        <source>Service</source>
+        <translation>Dienst</translation>
+    </message>
+    <message>
+        <source>Network</source>
+        <translation>Netz</translation>
+    </message>
+    <message>
+        <source>History</source>
+        <translation>Verlauf</translation>
+    </message>
+    <message>
+        <source>This window</source>
+        <translation>Dieses Fenster</translation>
+    </message>
+    <message>
+        <source>C&amp;ertificates:</source>
+        <translation>Z&amp;ertifikate:</translation>
+    </message>
+    <message>
+        <source>&amp;Retries of a request:</source>
+        <translation>&amp;Wiederholungen einer Anfrage:</translation>
+    </message>
+    <message>
+        <source>Co&amp;nnections at once:</source>
+        <translation>&amp;Verbindungen zugleich:</translation>
+    </message>
+    <message>
+        <source> KB/s</source>
+        <translation> kB/s</translation>
+    </message>
+    <message>
+        <source>no limit</source>
+        <translation>ohne Grenze</translation>
+    </message>
+    <message>
+        <source>Receive at &amp;most:</source>
+        <translation>&amp;Höchstens empfangen:</translation>
+    </message>
+    <message>
+        <source>Former &amp;versions of a catalog:</source>
+        <translation>Frühere &amp;Fassungen eines Katalogs:</translation>
+    </message>
+    <message>
+        <source> MB</source>
+        <translation> MB</translation>
+    </message>
+    <message>
+        <source>All of them &amp;together:</source>
+        <translation>Alle &amp;zusammen:</translation>
+    </message>
 </context>
 <context>
     <name>SearchBar</name>
@@ -729,6 +781,17 @@
     </message>
 </context>
 <context>
+    <name>SettingFields</name>
+    <message>
+        <source>“%1” is no proxy, such as http://proxy.example:3128.</source>
+        <translation>„%1“ ist kein Proxy wie http://proxy.example:3128.</translation>
+    </message>
+    <message>
+        <source>“%1” is no name of a catalog.</source>
+        <translation>„%1“ ist kein Name eines Katalogs.</translation>
+    </message>
+</context>
+<context>
     <name>SeveralDetails</name>
     <message>
         <source>Make them favourites</source>
@@ -744,6 +807,17 @@
             <numerusform>%Ln Objekt ausgewählt</numerusform>
             <numerusform>%Ln Objekte ausgewählt</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>SharedSettings</name>
+    <message>
+        <source>The settings cannot be read: %1</source>
+        <translation>Die Einstellungen sind nicht lesbar: %1</translation>
+    </message>
+    <message>
+        <source>The certificates cannot be read: %1</source>
+        <translation>Die Zertifikate sind nicht lesbar: %1</translation>
     </message>
 </context>
 <context>

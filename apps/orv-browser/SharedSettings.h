@@ -1,0 +1,57 @@
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <QString>
+#include <QStringList>
+
+#include "OrvHost/Settings.h"
+#include "OrvLibrary/host/fileString.h"
+
+/// What the command line says of the service; it goes before the settings, for one run. Empty for nothing.
+struct ServiceOverrides
+{
+    QString serviceUrl;
+    QString product;
+    QString productVersion;
+    QStringList bonusCatalogs;
+    QStringList manufacturerCatalogs;
+
+    OrvHost::Settings::Values over(OrvHost::Settings::Values values) const;
+};
+
+/// The settings that all programs on a root share, as this window uses them. Another program may change them
+/// at any time, so they are read anew before they are used. Lives on the interface thread.
+class SharedSettings
+{
+public:
+    /// By key, the texts to set it to; none to go back to its default.
+    using Changes = std::vector<std::pair<std::string, std::vector<std::string>>>;
+
+    explicit SharedSettings(fileString root) : mRoot(std::move(root)) {}
+
+    /// What goes before the file from now on.
+    void overrideService(const ServiceOverrides& overrides) { mOverrides = overrides; }
+    /// Reads the file.
+    /// @return why that cannot be, for people, and nothing is set then; empty when it can
+    QString reload();
+    const OrvHost::Settings& file() const { return mFile; }
+    /// What the window works with.
+    OrvHost::Settings::Values values() const { return mOverrides.over(mFile.values()); }
+    /// Makes the download service work as the settings say.
+    /// @return why that cannot be, for people; empty when it can
+    QString apply() const;
+    /// Changes the file, whatever it holds by now.
+    /// @param reason filled on failure; the file is then as it was
+    bool change(const Changes& changes, QString& reason);
+
+    /// The file name of a catalog that a user named with or without the extension.
+    static std::string catalogName(const QString& entered);
+
+private:
+    fileString mRoot;
+    OrvHost::Settings mFile;
+    ServiceOverrides mOverrides;
+};
