@@ -1,9 +1,12 @@
 // A link with a round trip, in user space: what comes in on either side goes out on the other after half the
-// time, whatever else is on the way, so that nothing but the delay is added.
+// time, whatever else is on the way, so that nothing but the delay is added. Making a connection takes a
+// round trip as well: the system tells the client at once that its connection stands, so the link holds back
+// what the client sends until the time when it could have sent it.
 //
 //     bench_delay_link TARGET-PORT MILLISECONDS      prints the port to connect to
 //
 // It ends with its standard input.
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -36,6 +39,7 @@ struct Lane
 {
     int from = -1;
     int to = -1;
+    Clock::time_point open; ///< nothing sets out before
     std::deque<Piece> pieces;
     bool readEnded = false;
     bool writeEnded = false;
@@ -74,8 +78,8 @@ void read(Lane& lane, Clock::duration delay)
     if (count < 0 && (errno == EAGAIN || errno == EINTR))
         return;
     lane.readEnded = count <= 0;
-    lane.pieces.push_back(
-        {Clock::now() + delay, std::string(buffer, count > 0 ? static_cast<std::size_t>(count) : 0)});
+    lane.pieces.push_back({std::max(Clock::now(), lane.open) + delay,
+                           std::string(buffer, count > 0 ? static_cast<std::size_t>(count) : 0)});
 }
 
 void write(Lane& lane, Clock::time_point now)
@@ -195,6 +199,7 @@ private:
             Connection connection;
             connection.client = connection.up.from = connection.down.to = client;
             connection.server = connection.up.to = connection.down.from = server;
+            connection.up.open = Clock::now() + 2 * mOneWay;
             mConnections.push_back(connection);
         }
     }

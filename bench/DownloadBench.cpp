@@ -7,6 +7,7 @@
 //     bench_download bare URL COUNT        the same, by one reused handle of the transfer library
 //     bench_download bodies URL FOLDER     the 1,000 files "URL&library=bodyN.orvlib", announced first
 //     bench_download turns URL FOLDER      the same, not announced
+//     bench_download unsynced URL FOLDER   the same, and no file is synced
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -16,6 +17,8 @@
 
 #include <curl/curl.h>
 #include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include "OrvLibrary/host/Curl.h"
 
@@ -23,6 +26,8 @@ namespace {
 
 constexpr int kBodies = 1000;
 constexpr std::int64_t kBodySize = 100'000;
+
+bool isSynced = true;
 
 int goOn(void*, double, double, double, double)
 {
@@ -121,15 +126,22 @@ void downloadBodies(const std::string& redirect, const std::string& folder, bool
 
 } // namespace
 
+/// Takes the place of the system's, so that a measurement can show what the syncs cost.
+int fsync(int descriptor)
+{
+    return isSynced ? static_cast<int>(syscall(SYS_fsync, descriptor)) : 0;
+}
+
 int main(int argc, char** argv)
 {
     if (argc != 4)
         fail("usage: bench_download WORK URL TARGET|COUNT|FOLDER");
     const std::string work = argv[1];
+    isSynced = work != "unsynced";
     const auto start = std::chrono::steady_clock::now();
     if (work == "file")
         downloadFile(argv[2], argv[3]);
-    else if (work == "bodies" || work == "turns")
+    else if (work == "bodies" || work == "turns" || work == "unsynced")
         downloadBodies(argv[2], argv[3], work == "bodies");
     else if (work == "bare")
         checkHeadersBare(argv[2], std::atoi(argv[3]));
