@@ -111,7 +111,7 @@ bool CatalogPins::reconcile()
     const bool isChanged = forgetReplaced();
     for (const auto& [place, restored] : mRestored) {
         // An archive that a bonus catalog brought has no line, and the service is not asked for it.
-        if (place.tag().empty() && place.category != CatalogCategory::Referenced)
+        if (place.tagOrThrow().empty() && place.category != CatalogCategory::Referenced)
             HashFile::set(place.hashFolder(), place.name, restored.version);
     }
     return isChanged;

@@ -77,8 +77,15 @@ fileString CatalogPlace::hashFolder() const
 }
 
 std::string CatalogPlace::tag() const
+try {
+    return tagOrThrow();
+} catch (const std::exception&) {
+    return {};
+}
+
+std::string CatalogPlace::tagOrThrow() const
 {
-    const auto tags = HashFile::read(hashFolder());
+    const auto tags = HashFile::readOrThrow(hashFolder());
     const auto tag = tags.find(name);
     return tag == tags.end() ? std::string() : tag->second;
 }

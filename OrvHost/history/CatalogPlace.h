@@ -34,8 +34,11 @@ struct ORVHOST_EXPORT CatalogPlace
     /// The folder whose hash file has the line of this file: archives of referenced files stand in that of
     /// the core.
     fileString hashFolder() const;
-    /// The tag in the hash file; empty when there is none.
+    /// The tag in the hash file; empty when there is none, and when the file cannot be read.
     std::string tag() const;
+    /// The same, for a caller that must not take a tag that cannot be read for none.
+    /// @throws std::runtime_error when the hash file is there and cannot be read
+    std::string tagOrThrow() const;
     /// The archive of referenced files that a bonus or manufacturer catalog brings along, "Garden.zip" of
     /// "Garden.orvlib". An empty name for other places.
     CatalogPlace companion() const;

@@ -37,7 +37,7 @@ FormerVersion chosenVersion(const CatalogHistory& history, const CatalogPlace& p
 void keep(CatalogHistory& history, const CatalogPlace& place)
 {
     std::string reason;
-    if (!history.keep(place, reason))
+    if (!history.keep(place, place.tagOrThrow(), reason))
         throw std::runtime_error(reason);
 }
 
@@ -55,14 +55,14 @@ void removeWaiting(const CatalogPlace& place)
 void mendTag(const CatalogHistory& history, const CatalogPlace& place)
 {
     const std::string tag = history.newestTag(place);
-    if (place.tag().empty() && !tag.empty() &&
+    if (place.tagOrThrow().empty() && !tag.empty() &&
         CatalogHistory::hasSameContents(history.newest(place), place.path()))
         HashFile::set(place.hashFolder(), place.name, tag);
 }
 
 void forgetTag(const CatalogPlace& place)
 {
-    if (!place.tag().empty() && !HashFile::remove(place.hashFolder(), place.name))
+    if (!place.tagOrThrow().empty() && !HashFile::remove(place.hashFolder(), place.name))
         throw std::runtime_error("cannot write the hash file in " + place.hashFolder().toNativeString());
 }
 
@@ -115,7 +115,7 @@ std::string VersionRestore::versionInPlace(const CatalogPlace& place)
 {
     if (!place.path().pathExists())
         return {};
-    const std::string tag = place.tag();
+    const std::string tag = place.tagOrThrow();
     return tag.empty() ? contentsOf(place.path()) : tag;
 }
 
@@ -136,7 +136,7 @@ VersionRestore::Result VersionRestore::restore(const fileString& root, const std
         keep(history, place);
         record(pins, place, chosen, result.former);
         // An archive that a bonus catalog brought has no line, and the service must not be asked for it.
-        const bool isListed = place.category != CatalogCategory::Referenced || !place.tag().empty();
+        const bool isListed = place.category != CatalogCategory::Referenced || !place.tagOrThrow().empty();
         forgetTag(place);
         putCompanion(chosen.companion, place.companion());
         put(chosen.file, place);

@@ -30,9 +30,13 @@ std::string storedTag(const fileString& catalog)
     return tag == tags.end() ? std::string() : tag->second;
 }
 
+/// @return whether no line of the hash file speaks of the catalog any more
 bool forget(const fileString& catalog)
-{
-    return HashFile::remove(folderOf(catalog), nameOf(catalog)) || storedTag(catalog).empty();
+try {
+    return HashFile::remove(folderOf(catalog), nameOf(catalog)) ||
+           HashFile::readOrThrow(folderOf(catalog)).count(nameOf(catalog)) == 0;
+} catch (const std::exception&) {
+    return false; // it cannot be told
 }
 
 } // namespace

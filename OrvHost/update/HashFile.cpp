@@ -36,20 +36,25 @@ bool isOf(const std::string& name, const std::string& line)
 
 namespace HashFile {
 
-std::map<std::string, std::string> read(const fileString& folder)
+std::map<std::string, std::string> readOrThrow(const fileString& folder)
 {
     std::map<std::string, std::string> entries;
-    try {
-        std::istringstream text(TextFile::read(hashFileIn(folder)));
-        for (std::string line; std::getline(text, line) && !line.empty();) {
-            const std::vector<std::string> entry = entryOf(line);
-            if (!entry.empty())
-                entries[entry[0]] = entry[1];
-        }
-    } catch (const std::exception&) {
-        // what cannot be read lists nothing
+    if (!hashFileIn(folder).pathExists())
+        return entries;
+    std::istringstream text(TextFile::read(hashFileIn(folder)));
+    for (std::string line; std::getline(text, line) && !line.empty();) {
+        const std::vector<std::string> entry = entryOf(line);
+        if (!entry.empty())
+            entries[entry[0]] = entry[1];
     }
     return entries;
+}
+
+std::map<std::string, std::string> read(const fileString& folder)
+try {
+    return readOrThrow(folder);
+} catch (const std::exception&) {
+    return {};
 }
 
 bool remove(const fileString& folder, const std::string& name)

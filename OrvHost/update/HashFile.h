@@ -15,6 +15,9 @@ namespace OrvHost::HashFile {
 /// exactly two texts are passed over (colons at either end of a line separate nothing). Empty when the file
 /// cannot be read.
 ORVHOST_EXPORT std::map<std::string, std::string> read(const fileString& folder);
+/// The same, for a caller that must not take a file that cannot be read for an empty one.
+/// @throws std::runtime_error when the file is there and cannot be read
+ORVHOST_EXPORT std::map<std::string, std::string> readOrThrow(const fileString& folder);
 /// Removes the lines of a name; all others stay as they are.
 /// @return false when there is no such line, or the file cannot be written and is as it was
 ORVHOST_EXPORT bool remove(const fileString& folder, const std::string& name);
