@@ -10,6 +10,7 @@
 #include <set>
 
 #include "OrvHost/history/HistoryEntry.h"
+#include "OrvHost/history/HistoryFolder.h"
 #include "OrvHost/update/CatalogFolders.h"
 #include "OrvHost/update/HashFile.h"
 #include "OrvLibrary/host/FileUtils.h"
@@ -19,6 +20,9 @@ namespace OrvHost {
 
 namespace fs = std::filesystem;
 
+using HistoryFolder::isRegularFile;
+using HistoryFolder::namesIn;
+
 namespace {
 
 constexpr std::streamsize kPiece = 64 * 1024;
@@ -27,12 +31,6 @@ bool isSameFile(const fileString& left, const fileString& right)
 {
     std::error_code error;
     return fs::equivalent(left.toNativeString(), right.toNativeString(), error) && !error;
-}
-
-bool isRegularFile(const fileString& file)
-{
-    std::error_code error;
-    return fs::is_regular_file(file.toNativeString(), error);
 }
 
 /// Gives a file a second name; a copy where that cannot be.
@@ -56,54 +54,9 @@ bool makeFolder(const fileString& folder, std::string& reason)
     return false;
 }
 
-/// The companion goes last, so that no version is without what came with it.
-void remove(const HistoryEntry& entry)
+std::string whyNotRead(const fs::filesystem_error& error)
 {
-    FileUtils::removePath(entry.file);
-    if (entry.companion() != entry.file)
-        FileUtils::removePath(entry.companion());
-}
-
-std::int64_t sizeOf(const HistoryEntry& entry)
-{
-    std::int64_t size = std::max<std::int64_t>(FileUtils::fileSize(entry.file), 0);
-    if (entry.companion() != entry.file)
-        size += std::max<std::int64_t>(FileUtils::fileSize(entry.companion()), 0);
-    return size;
-}
-
-std::vector<fileString> namesIn(const fileString& folder)
-{
-    std::vector<fileString> names;
-    std::error_code error;
-    fs::directory_iterator entry(folder.toNativeString(), error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error))
-        names.emplace_back(entry->path().native());
-    return names;
-}
-
-/// What a dead process left: half copies, and companions whose version is gone.
-void removeStrays(const CatalogPlace& place)
-{
-    const fileString extension = fileString(place.name).extension();
-    for (const fileString& file : namesIn(CatalogHistory::folderOf(place))) {
-        const bool isEntry = HistoryEntry::ofFile(file).has_value();
-        const bool isVersion = isEntry && file.extension() == extension;
-        const bool isCompanion = isEntry && isRegularFile(file.pathAndName() + extension) &&
-                                 file.extension() == fileString(".zip");
-        if (!isVersion && !isCompanion)
-            FileUtils::removePath(file);
-    }
-}
-
-/// Removes a folder, and those in it, where nothing is in them.
-void removeEmptyFolders(const fileString& folder)
-{
-    for (const fileString& name : namesIn(folder))
-        removeEmptyFolders(name);
-    std::error_code hasFiles;
-    if (fs::is_directory(fs::symlink_status(folder.toNativeString(), hasFiles)))
-        fs::remove(folder.toNativeString(), hasFiles);
+    return "cannot read " + error.path1().string() + ": " + error.code().message();
 }
 
 } // namespace
@@ -163,11 +116,11 @@ bool CatalogHistory::keep(const CatalogPlace& place, std::string& reason)
 }
 
 bool CatalogHistory::keep(const CatalogPlace& place, const std::string& tag, std::string& reason)
-{
+try {
     const fileString file = place.path();
     if (place.name.empty() || !isRegularFile(file))
         return true;
-    const std::vector<HistoryEntry> entries = HistoryEntry::of(place);
+    const std::vector<HistoryEntry> entries = HistoryEntry::ofOrThrow(place);
     if (!entries.empty() && isSameFile(entries.front().file, file))
         return true; // kept already by a run that died
     const bool isStale = std::any_of(entries.begin(), entries.end(),
@@ -177,17 +130,20 @@ bool CatalogHistory::keep(const CatalogPlace& place, const std::string& tag, std
         return false;
     const CatalogPlace companion = place.companion();
     if (!companion.name.empty()) {
-        const std::vector<HistoryEntry> archives = HistoryEntry::of(companion);
+        const std::vector<HistoryEntry> archives = HistoryEntry::ofOrThrow(companion);
         const fileString archive = archives.empty() ? companion.path() : archives.front().file;
         if (isRegularFile(archive) && !linkOrCopy(archive, entry.companion(), reason))
             return false;
     }
     return linkOrCopy(file, entry.file, reason);
+} catch (const fs::filesystem_error& error) {
+    reason = whyNotRead(error);
+    return false;
 }
 
 bool CatalogHistory::add(const CatalogPlace& place, const std::string& tag, const fileString& file,
                          const fileString& companion, std::string& reason)
-{
+try {
     if (!makeFolder(folderOf(place), reason))
         return false;
     const HistoryEntry entry = HistoryEntry::next(place, tag);
@@ -198,6 +154,9 @@ bool CatalogHistory::add(const CatalogPlace& place, const std::string& tag, cons
     if (FileUtils::moveFile(file, entry.file, false))
         return true;
     reason = "cannot move " + file.toNativeString() + " to " + entry.file.toNativeString();
+    return false;
+} catch (const fs::filesystem_error& error) {
+    reason = whyNotRead(error);
     return false;
 }
 
@@ -254,47 +213,6 @@ std::vector<CatalogPlace> CatalogHistory::knownPlaces() const
     for (const CatalogPlace& place : places())
         known.insert(place);
     return {known.begin(), known.end()};
-}
-
-void CatalogHistory::settle() const
-{
-    for (const CatalogPlace& place : places())
-        settle(place);
-    removeOldest();
-    removeEmptyFolders(folder());
-}
-
-void CatalogHistory::settle(const CatalogPlace& place) const
-{
-    int kept = 0;
-    for (const HistoryEntry& entry : HistoryEntry::of(place)) {
-        if (kept < std::max(mBounds.versions, 1) && !hasSameContents(entry.file, place.path()))
-            ++kept;
-        else
-            remove(entry);
-    }
-    removeStrays(place);
-}
-
-void CatalogHistory::removeOldest() const
-{
-    std::int64_t total = 0;
-    std::vector<HistoryEntry> candidates;
-    for (const CatalogPlace& place : places()) {
-        const std::vector<HistoryEntry> entries = HistoryEntry::of(place);
-        for (const HistoryEntry& entry : entries)
-            total += sizeOf(entry);
-        if (!entries.empty())
-            candidates.insert(candidates.end(), entries.begin() + 1, entries.end());
-    }
-    std::sort(candidates.begin(), candidates.end(),
-              [](const HistoryEntry& left, const HistoryEntry& right) { return left.time < right.time; });
-    for (const HistoryEntry& entry : candidates) {
-        if (total <= mBounds.bytes)
-            return;
-        total -= sizeOf(entry);
-        remove(entry);
-    }
 }
 
 } // namespace OrvHost

@@ -1,11 +1,13 @@
 #include "OrvHost/history/HistoryEntry.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include "OrvHost/history/CatalogHistory.h"
-#include "OrvHost/update/CatalogFolders.h"
 
 namespace OrvHost {
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -37,11 +39,23 @@ std::optional<HistoryEntry> HistoryEntry::ofFile(const fileString& file)
 }
 
 std::vector<HistoryEntry> HistoryEntry::of(const CatalogPlace& place)
+try {
+    return ofOrThrow(place);
+} catch (const fs::filesystem_error&) {
+    return {};
+}
+
+std::vector<HistoryEntry> HistoryEntry::ofOrThrow(const CatalogPlace& place)
 {
     std::vector<HistoryEntry> entries;
-    for (const fileString& file :
-         CatalogFolders::filesIn(CatalogHistory::folderOf(place), fileString(place.name).extension())) {
-        if (const auto entry = ofFile(file))
+    const fileString folder = CatalogHistory::folderOf(place);
+    if (!folder.pathExists())
+        return entries;
+    const fileString extension = fileString(place.name).extension();
+    for (const fs::directory_entry& name : fs::directory_iterator(folder.toNativeString())) {
+        const fileString file(name.path().native());
+        const auto entry = ofFile(file);
+        if (entry && file.extension() == extension && name.is_regular_file())
             entries.push_back(*entry);
     }
     std::sort(entries.begin(), entries.end(), isNewer);
@@ -51,7 +65,7 @@ std::vector<HistoryEntry> HistoryEntry::of(const CatalogPlace& place)
 HistoryEntry HistoryEntry::next(const CatalogPlace& place, const std::string& tag)
 {
     QDateTime time = QDateTime::currentDateTimeUtc();
-    const std::vector<HistoryEntry> entries = of(place);
+    const std::vector<HistoryEntry> entries = ofOrThrow(place);
     if (!entries.empty() && time <= entries.front().time)
         time = entries.front().time.addMSecs(1); // the clock was set back, or it is the same millisecond
     QByteArray encoded = QByteArray::fromStdString(tag).toPercentEncoding({}, "~");

@@ -26,8 +26,13 @@ struct HistoryEntry
     /// The entry of a file; none when its name is not of this form.
     static std::optional<HistoryEntry> ofFile(const fileString& file);
     /// The entries of a place, newest first, those included that are links to what is in the place.
+    /// None when the folder cannot be read.
     static std::vector<HistoryEntry> of(const CatalogPlace& place);
+    /// The same, for a caller that must not take a folder that cannot be read for an empty one.
+    /// @throws std::filesystem::filesystem_error
+    static std::vector<HistoryEntry> ofOrThrow(const CatalogPlace& place);
     /// A new entry for a place, newer than all others there. No file is made.
+    /// @throws std::filesystem::filesystem_error when the folder is there and cannot be read
     static HistoryEntry next(const CatalogPlace& place, const std::string& tag);
 };
 

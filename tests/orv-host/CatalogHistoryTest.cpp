@@ -171,6 +171,17 @@ TEST_F(CatalogHistoryTest, aCatalogTakesAlongTheArchiveThatItsSuccessorReplaces)
     EXPECT_THAT(files(kGarden), SizeIs(2)) << "the companion goes with its version";
 }
 
+TEST_F(CatalogHistoryTest, aCatalogIsNotKeptWithAnArchiveThatMayBeAnotherVersions)
+{
+    folder.write("root/bonus/Garden.orvlib", "catalog 1");
+    folder.write("root/referenced/Garden.zip", "files 2");
+    folder.write("root/history/referenced/Garden.zip", "a folder that cannot be read");
+    std::string reason;
+    EXPECT_FALSE(history.keep(kGarden, "1", reason));
+    EXPECT_THAT(reason, testing::StartsWith("cannot read "));
+    EXPECT_THAT(versions(kGarden), IsEmpty());
+}
+
 TEST_F(CatalogHistoryTest, strayFilesAreSwept)
 {
     replace(kGarden, "", "one");

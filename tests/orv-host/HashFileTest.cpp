@@ -36,6 +36,15 @@ TEST_F(HashFileTest, aMissingFileListsNothing)
     EXPECT_THAT(test::listTree(folder.path()), IsEmpty());
 }
 
+TEST_F(HashFileTest, aFileThatCannotBeReadIsToldFromAMissingOne)
+{
+    const fileString folderOfHashes(folder.path());
+    EXPECT_THAT(OrvHost::HashFile::readOrThrow(folderOfHashes), IsEmpty());
+    folder.write("catalog_hash.txt/a folder", "");
+    EXPECT_THROW(OrvHost::HashFile::readOrThrow(folderOfHashes), std::runtime_error);
+    EXPECT_THAT(read(), IsEmpty());
+}
+
 TEST_F(HashFileTest, linesAreCutAsTheLibraryCutsThem)
 {
     write("a.orvlib:1\n:b.orvlib:2\nc.orvlib:3:\nd.orvlib::4\ne.orvlib:\n:5\nf\ng.orvlib: 6\r\n");

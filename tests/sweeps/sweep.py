@@ -91,11 +91,6 @@ class Cell:
         return {**settings, **({"ORV_FAULT_EVER": "1"} if self.ever else {})}
 
 
-# The archive that a former version is kept with may be another one's, and a version that the user went back from may be
-# forgotten, where a file cannot be read or written at that moment.
-KNOWN = re.compile(r"root/history/.*/version \d+\.zip |root/catalog-pins\.json ")
-
-
 def is_well(scenario, status, said):
     """Whether an undisturbed run did what it was asked, or found that a former one had."""
     return status == 0 or (status == 1 and scenario.refused_when_done and scenario.refused_when_done in said)
@@ -106,7 +101,6 @@ class Sweep:
         self.program, self.shim, self.folder = program, shim, folder
         self.templates, self.old, self.finals = {}, {}, {}
         self.services, self.servers = {}, []
-        self.known = 0  # complaints about known defects
         self.missed = 0  # kills that came after the run's last call
 
     def execute(self, arguments, sandbox, settings=None):
@@ -281,15 +275,7 @@ class Sweep:
         stays_out = () if is_kill else scenario.may_stay_out
         complaints += oracle.judge_recovered(now, self.finals[scenario], scenario.kept_copies, stays_out,
                                              self.old[scenario])
-        return complaints if is_kill else self.without_known(complaints)
-
-    def without_known(self, complaints):
-        """What failing calls are known to spoil, and docs/reliability.md tells: it is counted and printed apart."""
-        known = [complaint for complaint in complaints if KNOWN.search(complaint)]
-        self.known += len(known)
-        for complaint in known:
-            print(f"known: {complaint}", flush=True)
-        return [complaint for complaint in complaints if not KNOWN.search(complaint)]
+        return complaints
 
     def ask(self, sandbox, *command):
         """Exit status and JSON document of a command that says how the library is; nothing for no document."""
@@ -396,8 +382,7 @@ def main():
             swept, cells = sweep_all(sweep, options, failed)
         finally:
             sweep.stop()
-    print(f"{options.sweep}: {len(swept)} of {len(cells)} points swept, {len(failed)} failed, "
-          f"{sweep.known} complaints about known defects")
+    print(f"{options.sweep}: {len(swept)} of {len(cells)} points swept, {len(failed)} failed")
     if sweep.missed > len(swept) // 20:
         print(f"{sweep.missed} runs were not killed: the calls of a run differ too much from one time to the next")
         return 1

@@ -1,0 +1,101 @@
+#include <algorithm>
+#include <filesystem>
+
+#include "OrvHost/history/CatalogHistory.h"
+#include "OrvHost/history/HistoryEntry.h"
+#include "OrvHost/history/HistoryFolder.h"
+#include "OrvLibrary/host/FileUtils.h"
+
+namespace OrvHost {
+
+namespace fs = std::filesystem;
+
+using HistoryFolder::isRegularFile;
+using HistoryFolder::namesIn;
+
+namespace {
+
+/// The companion goes last, so that no version is without what came with it.
+void remove(const HistoryEntry& entry)
+{
+    FileUtils::removePath(entry.file);
+    if (entry.companion() != entry.file)
+        FileUtils::removePath(entry.companion());
+}
+
+std::int64_t sizeOf(const HistoryEntry& entry)
+{
+    std::int64_t size = std::max<std::int64_t>(FileUtils::fileSize(entry.file), 0);
+    if (entry.companion() != entry.file)
+        size += std::max<std::int64_t>(FileUtils::fileSize(entry.companion()), 0);
+    return size;
+}
+
+/// What a dead process left: half copies, and companions whose version is gone.
+void removeStrays(const CatalogPlace& place)
+{
+    const fileString extension = fileString(place.name).extension();
+    for (const fileString& file : namesIn(CatalogHistory::folderOf(place))) {
+        const bool isEntry = HistoryEntry::ofFile(file).has_value();
+        const bool isVersion = isEntry && file.extension() == extension;
+        const bool isCompanion = isEntry && isRegularFile(file.pathAndName() + extension) &&
+                                 file.extension() == fileString(".zip");
+        if (!isVersion && !isCompanion)
+            FileUtils::removePath(file);
+    }
+}
+
+/// Removes a folder, and those in it, where nothing is in them.
+void removeEmptyFolders(const fileString& folder)
+{
+    for (const fileString& name : namesIn(folder))
+        removeEmptyFolders(name);
+    std::error_code hasFiles;
+    if (fs::is_directory(fs::symlink_status(folder.toNativeString(), hasFiles)))
+        fs::remove(folder.toNativeString(), hasFiles);
+}
+
+} // namespace
+
+void CatalogHistory::settle() const
+{
+    for (const CatalogPlace& place : places())
+        settle(place);
+    removeOldest();
+    removeEmptyFolders(folder());
+}
+
+void CatalogHistory::settle(const CatalogPlace& place) const
+{
+    int kept = 0;
+    for (const HistoryEntry& entry : HistoryEntry::of(place)) {
+        if (kept < std::max(mBounds.versions, 1) && !hasSameContents(entry.file, place.path()))
+            ++kept;
+        else
+            remove(entry);
+    }
+    removeStrays(place);
+}
+
+void CatalogHistory::removeOldest() const
+{
+    std::int64_t total = 0;
+    std::vector<HistoryEntry> candidates;
+    for (const CatalogPlace& place : places()) {
+        const std::vector<HistoryEntry> entries = HistoryEntry::of(place);
+        for (const HistoryEntry& entry : entries)
+            total += sizeOf(entry);
+        if (!entries.empty())
+            candidates.insert(candidates.end(), entries.begin() + 1, entries.end());
+    }
+    std::sort(candidates.begin(), candidates.end(),
+              [](const HistoryEntry& left, const HistoryEntry& right) { return left.time < right.time; });
+    for (const HistoryEntry& entry : candidates) {
+        if (total <= mBounds.bytes)
+            return;
+        total -= sizeOf(entry);
+        remove(entry);
+    }
+}
+
+} // namespace OrvHost

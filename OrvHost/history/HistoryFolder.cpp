@@ -1,0 +1,25 @@
+#include "OrvHost/history/HistoryFolder.h"
+
+#include <filesystem>
+
+namespace OrvHost::HistoryFolder {
+
+namespace fs = std::filesystem;
+
+bool isRegularFile(const fileString& file)
+{
+    std::error_code error;
+    return fs::is_regular_file(file.toNativeString(), error);
+}
+
+std::vector<fileString> namesIn(const fileString& folder)
+{
+    std::vector<fileString> names;
+    std::error_code error;
+    fs::directory_iterator entry(folder.toNativeString(), error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error))
+        names.emplace_back(entry->path().native());
+    return names;
+}
+
+} // namespace OrvHost::HistoryFolder
