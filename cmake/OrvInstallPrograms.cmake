@@ -8,6 +8,8 @@ install(FILES packaging/completion/orv-library.bash
     DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT programs RENAME orv-library)
 install(FILES docs/service/README.md docs/service/nginx-catalog.conf
     DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/orv-library/service" COMPONENT programs)
+install(DIRECTORY docs/schemas
+    DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/orv-library" COMPONENT programs FILES_MATCHING PATTERN "*.json")
 
 find_program(ORV_SCDOC scdoc)
 if(NOT ORV_SCDOC)

@@ -264,7 +264,16 @@ TEST_F(Check, fiftyRunsAreKept)
 {
     QJsonArray many;
     for (int number = 1; number <= 50; ++number)
-        many.append(QJsonObject{{"number", number}, {"outcome", "current"}});
+        many.append(QJsonObject{{"number", number},
+                                {"start", "2026-11-21T21:16:35Z"},
+                                {"end", "2026-11-21T21:16:37Z"},
+                                {"kind", "update"},
+                                {"outcome", "current"},
+                                {"asked", 0},
+                                {"fetched", 0},
+                                {"bytes", 0},
+                                {"failed", QJsonArray()},
+                                {"catalogs", QJsonArray()}});
     test::writeFile(path("runs.json"), QJsonDocument(QJsonObject{{"runs", many}}).toJson().toStdString());
     check();
     const QJsonArray runs = program.run({"--json", "runs"}).json()["runs"].toArray();

@@ -153,3 +153,14 @@ TEST_F(Doctor, reportGivesNoNamesAndSecretsAway)
     EXPECT_THAT(all, HasSubstr("core/"));
     EXPECT_EQ(report, doctor({"--report", report}).json()["report"].toString().toStdString());
 }
+
+TEST_F(Doctor, reportThatCannotBeWrittenFailsWithTheStepsInTheDocument)
+{
+    program.createRoot();
+    const std::string report = program.folder().path() + "/none/report.zip";
+    const test::ProgramResult result = doctor({"--report", report});
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ(12, result.json()["steps"].toArray().size());
+    EXPECT_TRUE(result.json()["report"].isNull());
+    EXPECT_THAT(result.json()["error"].toString().toStdString(), HasSubstr(report));
+}

@@ -1,5 +1,8 @@
 #include "tests/orv-library/Program.h"
 
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 
 #include <gtest/gtest.h>
@@ -34,6 +37,34 @@ QProcessEnvironment cleanEnvironment(const std::string& home)
     environment.insert("TZ", "UTC");
     environment.insert("QT_QPA_PLATFORM", "offscreen");
     return environment;
+}
+
+constexpr const char* kReadBefore = "readBefore"; ///< property of a process: the lines that were read already
+
+/// Where runs are kept; empty for nowhere. What an earlier test program left there is removed.
+const QString& documentFolder()
+{
+    static const QString folder = [] {
+        const QString path = qEnvironmentVariable("ORV_DOCUMENTS");
+        const bool isUsable = path.isEmpty() || (QDir(path).removeRecursively() && QDir().mkpath(path));
+        EXPECT_TRUE(isUsable) << path.toStdString();
+        return path;
+    }();
+    return folder;
+}
+
+void keepDocument(const QProcess& process, const ProgramResult& result)
+{
+    static int number = 0;
+    const QStringList arguments = process.arguments();
+    if (documentFolder().isEmpty() || !arguments.contains("--json"))
+        return;
+    const QString out = process.property(kReadBefore).toString() + QString::fromStdString(result.out);
+    const QJsonObject kept{
+        {"arguments", QJsonArray::fromStringList(arguments)}, {"status", result.status}, {"out", out}};
+    QFile file(documentFolder() + "/" + QString::number(++number) + ".json");
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(QJsonDocument(kept).toJson()) > 0)
+        << file.fileName().toStdString();
 }
 
 } // namespace
@@ -98,6 +129,7 @@ ProgramResult Program::finish(QProcess& process)
         result.status = process.exitCode();
     result.out = process.readAllStandardOutput().toStdString();
     result.err = process.readAllStandardError().toStdString();
+    keepDocument(process, result);
     return result;
 }
 
@@ -107,7 +139,9 @@ std::string Program::readLine(QProcess& process)
         if (!process.waitForReadyRead(kTimeoutMilliseconds))
             return {};
     }
-    return process.readLine().trimmed().toStdString();
+    const QByteArray line = process.readLine();
+    process.setProperty(kReadBefore, process.property(kReadBefore).toString() + QString::fromUtf8(line));
+    return line.trimmed().toStdString();
 }
 
 } // namespace test

@@ -24,6 +24,9 @@ struct ProgramResult
 
 /// The `orv-library` executable on a fresh root of its own, with a clean environment: no proxies, no user
 /// folders, English texts, UTC.
+///
+/// Where the environment variable ORV_DOCUMENTS names a folder, each run that was asked for a document is
+/// kept there: its arguments, status and output, a file each. Tests compare them with docs/schemas.
 class Program
 {
 public:

@@ -65,7 +65,7 @@ TEST_F(ServeCommand, firstLineSaysWhereAndTheServiceIsThere)
 TEST_F(ServeCommand, signalsEndItWithStatus0)
 {
     for (const int signal : {SIGINT, SIGTERM}) {
-        const QJsonObject document = serve({"serve", served});
+        const QJsonObject document = serve({"--json", "serve", served});
         // A connection that a client keeps open must not hold the end up.
         std::string body;
         EXPECT_TRUE(Curl::get().browseURL(text(document, "manufacturers"), {}, body, true, 0));

@@ -82,6 +82,11 @@ class DebianPackages(unittest.TestCase):
         self.assertTrue(os.path.exists(
             self.in_tree("usr", "share", "bash-completion", "completions", "orv-library")))
 
+    def test_schemas_of_the_documents_are_there(self):
+        schemas = os.listdir(os.path.join(SOURCE, "docs", "schemas"))
+        self.assertGreater(len(schemas), 10)
+        self.assertEqual(set(os.listdir(self.in_tree("usr", "share", "doc", "orv-library", "schemas"))), set(schemas))
+
     def test_a_consumer_builds_and_runs_against_the_tree(self):
         consumer = Consumer(PROJECT, self.work)
         program = consumer.build("consumer", f"-DCMAKE_PREFIX_PATH={self.in_tree('usr')}",
