@@ -17,6 +17,7 @@ namespace OrvHost {
 class ORVHOST_EXPORT Doctor
 {
 public:
+    /// A step of the examination, and what came of it.
     struct Step
     {
         std::string name;
@@ -26,6 +27,7 @@ public:
         std::string advice; ///< what to do; empty when nothing failed
     };
 
+    /// What is examined.
     struct Subject
     {
         fileString root;             ///< with its final separator

@@ -16,6 +16,7 @@ namespace OrvHost::CatalogItems {
 /// How many items a catalog holds; none when it cannot be read.
 ORVHOST_EXPORT std::optional<std::int64_t> count(const fileString& catalog);
 
+/// An item of a catalog's database.
 struct ORVHOST_EXPORT Item
 {
     std::int64_t id = 0;

@@ -13,6 +13,7 @@ namespace OrvHost {
 /// them at any time.
 namespace HeldVersions {
 
+/// A newer version of a held catalog that could not be fetched.
 struct ORVHOST_EXPORT Failure
 {
     CatalogPlace place;

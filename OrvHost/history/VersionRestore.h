@@ -10,6 +10,7 @@ namespace OrvHost {
 /// Puts a former version of a catalog back. docs/formats/catalog-pins.md says how it stays there.
 namespace VersionRestore {
 
+/// What was put back, and what it replaced.
 struct ORVHOST_EXPORT Result
 {
     CatalogPlace place;

@@ -28,6 +28,7 @@ namespace OrvHost {
 class ORVHOST_EXPORT ArchiveImport
 {
 public:
+    /// How an archive is imported.
     struct Options
     {
         /// A manufacturer's library: the database goes to the manufacturer catalogs, the referenced files to

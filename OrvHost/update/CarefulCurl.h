@@ -25,6 +25,7 @@ namespace OrvHost {
 class ORVHOST_EXPORT CarefulCurl : public ForwardingCurl
 {
 public:
+    /// What is asked of whom, and how carefully.
     struct Settings
     {
         std::string url;          ///< the service's address as the user knows it, for the verdict

@@ -38,6 +38,7 @@ class ORVHOST_EXPORT CatalogUpdateRun : public QObject
     Q_OBJECT
 
 public:
+    /// What an update asks for, and of which service.
     struct Request
     {
         std::string url; ///< the content redirect address

@@ -17,6 +17,7 @@ namespace OrvHost {
 class ORVHOST_EXPORT CheckHistory
 {
 public:
+    /// The last answer of the service for a catalog.
     struct Answer
     {
         std::int64_t status = 0; ///< HTTP status; 0 when there was no answer

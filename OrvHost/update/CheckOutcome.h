@@ -37,6 +37,7 @@ struct ORVHOST_EXPORT CheckOutcome
         Held     ///< no update replaces it, whether or not there is a newer version
     };
 
+    /// What a check found out about a catalog.
     struct Catalog
     {
         CatalogPlace place;

@@ -15,6 +15,7 @@ namespace OrvHost {
 class ORVHOST_EXPORT Retries
 {
 public:
+    /// How often and how soon a request is made again.
     struct Settings
     {
         int retries = 3; ///< after the first try; 0 for none
