@@ -83,7 +83,9 @@ fileString FormerImports::folderOf(const fileString& root)
 }
 
 FormerImports::FormerImports(const fileString& root, const std::shared_ptr<ProgressSubject>& progress)
-    : mFolder(madeFolder(root)), mLock(mFolder, progress), mEntries(readOrSetAside(mFolder))
+    : mFolder(madeFolder(root)),
+      mLock(HostLock::ofImport(mFolder, [&] { return progress && progress->checkCancel(false); })),
+      mEntries(readOrSetAside(mFolder))
 {
     recover();
 }

@@ -5,8 +5,10 @@
 #include <string>
 #include <vector>
 
-#include "OrvHost/imports/ImportLock_p.h"
 #include "OrvHost/imports/ImportRecord_p.h"
+#include "OrvHost/update/HostLock.h"
+#include "OrvLibrary/host/ProgressSubject.h"
+#include "OrvLibrary/host/fileString.h"
 
 namespace OrvHost {
 
@@ -63,7 +65,7 @@ private:
     void removeUnlisted() const;
 
     fileString mFolder;
-    ImportLock mLock;
+    HostLock mLock;
     std::vector<ImportEntry> mEntries;
     std::optional<ImportEntry> mCompletedUndo;
 };

@@ -21,6 +21,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr mode_t kMode = 0666;
 constexpr std::chrono::milliseconds kPause{20};
+constexpr std::chrono::minutes kPatienceOfImport{1};
 
 [[noreturn]] void fail(const std::string& path, int error)
 {
@@ -49,10 +50,12 @@ int tryLock(int descriptor)
 }
 
 /// @return as `tryLock`
-int waitForLock(int descriptor, Clock::time_point end)
+int waitForLock(int descriptor, Clock::time_point end, const std::function<bool()>& isCancelled)
 {
     int error = tryLock(descriptor);
     while ((error == EWOULDBLOCK || error == EINTR) && Clock::now() < end) {
+        if (isCancelled && isCancelled())
+            return ECANCELED;
         std::this_thread::sleep_for(kPause);
         error = tryLock(descriptor);
     }
@@ -90,14 +93,24 @@ HostLock HostLock::ofChange(const fileString& folder, const std::string& subject
     return {path, busyWith(path, subject), patience};
 }
 
-HostLock::HostLock(const fileString& path, const std::string& busyText, Milliseconds patience)
+HostLock HostLock::ofImport(const fileString& folder, const std::function<bool()>& isCancelled)
+{
+    const fileString path = folder / fileString("imports.lock");
+    return {path, "another import is running on this root: " + path.toNativeString() + " is locked",
+            kPatienceOfImport, isCancelled};
+}
+
+HostLock::HostLock(const fileString& path, const std::string& busyText, Milliseconds patience,
+                   const CancelQuestion& isCancelled)
     : mPath(path.toNativeString())
 {
     const Clock::time_point end = Clock::now() + patience;
     do {
         open();
-        if (const int error = waitForLock(mDescriptor, end)) {
+        if (const int error = waitForLock(mDescriptor, end, isCancelled)) {
             close(mDescriptor);
+            if (error == ECANCELED)
+                throw std::runtime_error("cancelled");
             if (error == EWOULDBLOCK)
                 throw std::runtime_error(busyText);
             fail(mPath, error);

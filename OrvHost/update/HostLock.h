@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <string>
 
 #include "OrvHost/OrvHostExport.h"
@@ -31,6 +32,11 @@ public:
     /// The same for a thing in one folder, of whatever root. The file is then ".filters.lock" in that folder.
     static HostLock ofChange(const fileString& folder, const std::string& subject,
                              Milliseconds patience = kPatience);
+    /// Lets one import or undo at a time change the libraries of a root. It waits up to a minute. The file is
+    /// "imports.lock" in `folder`.
+    /// @param isCancelled asked while the lock is waited for; when it says yes, the wait ends with
+    /// "cancelled"
+    static HostLock ofImport(const fileString& folder, const std::function<bool()>& isCancelled);
 
     HostLock(HostLock&& other) noexcept;
     HostLock& operator=(HostLock&&) = delete;
@@ -38,7 +44,10 @@ public:
     ~HostLock();
 
 private:
-    HostLock(const fileString& path, const std::string& busyText, Milliseconds patience);
+    using CancelQuestion = std::function<bool()>;
+
+    HostLock(const fileString& path, const std::string& busyText, Milliseconds patience,
+             const CancelQuestion& isCancelled = {});
     void open();
 
     std::string mPath;

@@ -65,6 +65,20 @@ TEST_F(HostLockTest, changeIsTurnedAwayAfterItsPatience)
                 testing::HasSubstr("filters.lock: another program is changing the filters"));
 }
 
+TEST_F(HostLockTest, aCancelEndsTheWaitForAnotherImport)
+{
+    const fileString where = folder.file("root");
+    const HostLock first = HostLock::ofImport(where, {});
+    int questions = 0;
+    try {
+        const HostLock second = HostLock::ofImport(where, [&questions] { return ++questions == 3; });
+        FAIL() << "two imports at once";
+    } catch (const std::runtime_error& error) {
+        EXPECT_STREQ(error.what(), "cancelled");
+    }
+    EXPECT_EQ(questions, 3);
+}
+
 TEST_F(HostLockTest, otherSubjectsAndFoldersAreFree)
 {
     const HostLock update = HostLock::ofUpdate();

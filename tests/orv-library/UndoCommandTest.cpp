@@ -61,7 +61,7 @@ TEST_F(UndoCommand, threeImportsAreTakenBackTheLastOneFirst)
                                         {"textures", QJsonValue()},
                                         {"error", "there is no import to take back"}}));
     EXPECT_EQ(library(), states[1]);
-    EXPECT_EQ(keptFiles(), 2U) << "the record and the lock";
+    EXPECT_EQ(keptFiles(), 1U) << "the record";
 }
 
 TEST_F(UndoCommand, firstImportLeavesNothingBehind)
