@@ -20,7 +20,7 @@ public:
     static constexpr const char* kName = "orv-library";
     static constexpr const char* kDefaultContentIndex = "Orv_Core_Content_Index.txt";
 
-    /// What a host is made with.
+    /// The arguments of the constructor.
     struct Settings
     {
         fileString root; ///< made absolute; the default root when empty

@@ -8,7 +8,7 @@
 
 namespace OrvHost {
 
-/// What one key of the settings may be set to, and its value when it is not set.
+/// The values that a key of the settings may have, and its default.
 struct SettingRule
 {
     enum class Kind

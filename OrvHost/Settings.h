@@ -12,10 +12,10 @@
 
 namespace OrvHost {
 
-/// What the user chose once for all programs on a root, kept in "settings.json" there: the service, the
-/// catalogs to fetch beside those that are there, the way to the network, and how much history is kept. What
-/// is not set has a default. A program's command line goes before it. A plain value that belongs to one
-/// thread.
+/// The user's choices for all programs on a root, kept in "settings.json" there: the service, the
+/// catalogs to fetch beside those that are there, the way to the network, and how much history is kept. A
+/// key that is not set has a default. A program's command line goes before it. A plain value that belongs to
+/// one thread.
 class ORVHOST_EXPORT Settings
 {
 public:
@@ -26,7 +26,7 @@ public:
         using std::invalid_argument::invalid_argument;
     };
 
-    /// What a host works with: what is set, else the default.
+    /// The values that a host works with: the stored ones, and defaults for the rest.
     struct Values
     {
         std::string url;     ///< the content redirect address; empty for none
@@ -54,7 +54,7 @@ public:
     Settings() = default;
 
     Values values() const;
-    /// What is set, by key; without members of the file that are no settings.
+    /// The stored values by key, without members of the file that are no settings.
     QJsonObject stored() const;
 
     /// @param texts one text, or any number of them for a list; numbers in decimal

@@ -10,8 +10,8 @@
 #include "OrvLibrary/OrvLibraryExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// What "onCatalogUpdatedEvent" carries: the catalog's destination in its category folder, then the path of
-/// the new file, which the host puts in its place.
+/// The argument of "onCatalogUpdatedEvent": the catalog's destination in its category folder, then the path
+/// of the new file, which the host puts in its place.
 using FileStringPair = std::pair<fileString, fileString>;
 
 namespace LibraryCatalogUpdate {
@@ -28,7 +28,7 @@ constexpr std::int32_t kMessageDownloadCancelled = 0x1036918a;  ///< a download 
 constexpr std::int32_t kMessageNoEndpoint = 0x1036918b;         ///< the web service was not found
 constexpr std::int32_t kMessageInstallationFailed = 0x1036918e; ///< an installation step failed
 
-/// What one run knows of one catalog file. A plain value; one object belongs to one thread.
+/// The facts that one run has about one catalog file. A plain value; one object belongs to one thread.
 struct ORVLIBRARY_EXPORT CatalogUpdateData
 {
     /// Selects the folder, the form of the web address and the way of installing.
@@ -55,8 +55,8 @@ struct ORVLIBRARY_EXPORT CatalogUpdateData
 /// The records of a run, of all categories, by the file's name with its extension and without its folder.
 using CatalogMap = std::map<fileString, CatalogUpdateData>;
 
-/// What "closeCatalogUpdateEvent" carries: how a run ended. Known to Qt's meta-type system by its full name
-/// once an updater was constructed. A plain value.
+/// The argument of "closeCatalogUpdateEvent": how a run ended. Known to Qt's meta-type system by its full
+/// name once an updater was constructed. A plain value.
 struct ORVLIBRARY_EXPORT UpdateData
 {
     /// One of the `kResult…` values.

@@ -31,7 +31,7 @@ namespace {
 /// `FileUtils::removePath` also removes what is read-only.
 constexpr int kRemoveReadOnly = 1;
 
-/// What a download holds; empty paths where it holds none.
+/// The files that a download holds; an empty path for each that it lacks.
 struct NewFiles
 {
     fileString catalog;

@@ -121,7 +121,7 @@ void LibraryFilterManager::tellThatFileCannotBeWritten(const fileString& path)
 long LibraryFilterManager::loadFiltersFromFile(const fileString& path, std::vector<LibraryFilter>& filters)
 {
     long currentId = -1;
-    // Deliberate: silence. What was read before a failure counts.
+    // Deliberate: silence. The filters that were read before a failure count.
     // Kept by: LibraryFilterManagerFile.malformedFilterStopsTheLoadThere
     readFilters(path, filters, currentId);
     return currentId;

@@ -41,7 +41,8 @@ bool isPageSize(std::uint64_t size)
     return size >= 512 && size <= 65536 && (size & (size - 1)) == 0;
 }
 
-/// What the header alone tells. The number of pages counts only where the last writer kept it up to date.
+/// The problem that the header alone shows. The number of pages counts only where the last writer kept it up
+/// to date.
 std::string problemOfHeader(const fileString& file)
 {
     constexpr std::size_t kPageSize = 16, kChangeCounter = 24, kPages = 28, kPagesValidFor = 92;
@@ -139,8 +140,8 @@ std::string lastLine(std::string text)
     return text.substr(text.rfind('\n') + 1); // all of it where there is none
 }
 
-/// The problem that a result of the database library means. What the library cannot judge, such as a sort
-/// order that it does not know, is none.
+/// The problem that a result of the database library means. A file that the
+/// library cannot judge, such as one with a sort order that it does not know, has no problem.
 std::string problemOfResult(sqlite3* database, int result)
 {
     switch (result & 0xff) {

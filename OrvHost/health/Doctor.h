@@ -27,7 +27,7 @@ public:
         std::string advice; ///< what to do; empty when nothing failed
     };
 
-    /// What is examined.
+    /// The root and the settings that are examined.
     struct Subject
     {
         fileString root;             ///< with its final separator
@@ -43,7 +43,7 @@ public:
     std::vector<Step> examine();
 
 private:
-    /// What a step found; the advice makes it a failure.
+    /// The result of a step; one with an advice is a failure.
     struct Finding
     {
         std::string text;

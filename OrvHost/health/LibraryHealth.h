@@ -30,7 +30,7 @@ public:
     /// Reads every member of the archives in the referenced files and the texture folder.
     void checkArchives();
 
-    /// What is wrong with one core catalog whose hash line has this tag; empty when nothing is, and when the
+    /// The damage of a core catalog whose hash line has this tag; empty for a sound one, and when the
     /// tag is no SHA-1.
     static std::string catalogDamage(const fileString& catalog, const std::string& tag);
     /// Why an archive cannot be read to its end; empty when it can.
@@ -51,7 +51,7 @@ public:
 
     /// Catalogs and archives that a hash file lists, but that are not there.
     static std::vector<Damage> missingFiles();
-    /// What former updates left in the temporary folder, with its size; no names.
+    /// The left-overs of former updates in the temporary folder, with their size; no names.
     static std::vector<Damage> leftOvers();
 
 private:

@@ -7,8 +7,8 @@
 #include "OrvHost/OrvHostExport.h"
 #include "OrvHost/health/Doctor.h"
 
-/// What support needs to know of a library, as texts: versions, settings, the last lines of the error log,
-/// the last runs, answers and checks, a listing of the folders, and what the doctor found. Secrets, the
+/// The facts that support needs about a library, as texts: versions, settings, the last lines of the error
+/// log, the last runs, answers and checks, a listing of the folders, and what the doctor found. Secrets, the
 /// user's names and home folder are taken out of all of them.
 namespace OrvHost::SupportReport {
 

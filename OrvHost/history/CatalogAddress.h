@@ -5,7 +5,7 @@
 #include "OrvHost/OrvHostExport.h"
 #include "OrvHost/history/CatalogPlace.h"
 
-/// What the address of a catalog request says. May be used from any thread.
+/// Reads the address of a catalog request. May be used from any thread.
 namespace OrvHost::CatalogAddress {
 
 /// The name that is asked for, such as "Doors.orvlib" or "Garden.orvlibz"; empty when the address is that of

@@ -26,11 +26,11 @@ struct ORVHOST_EXPORT FormerVersion
 /// the core catalogs. docs/formats/history.md describes the folder.
 ///
 /// A file is kept as a hard link, so that it costs no space before its successor is there and its place is
-/// never empty; where there are no hard links it is copied. What has the contents of the file in its place is
-/// no former version: nothing lists it, and `settle` removes it. So whatever dies after `keep` leaves nothing
-/// wrong behind.
+/// never empty; where there are no hard links it is copied. A kept file with the contents of the file in its
+/// place is no former version: nothing lists it, and `settle` removes it. So a program may die after `keep`
+/// without harm.
 ///
-/// One object belongs to one thread. What changes the history is called under the lock of an update
+/// One object belongs to one thread. Functions that change the history are called under the lock of an update
 /// (`HostLock::ofUpdate`).
 class ORVHOST_EXPORT CatalogHistory
 {
@@ -47,7 +47,7 @@ public:
 
     /// Keeps what is in a place, which is about to be replaced, with its tag in the hash file. With a bonus
     /// or manufacturer catalog the archive of referenced files is kept that was there when the archive of the
-    /// same name was last kept; the place of that one may already hold a newer file.
+    /// same name was last kept; the place of the archive may already hold a newer file.
     /// @return false when it could not be kept, with the reason in `reason`; true also when the place is
     /// empty
     bool keep(const CatalogPlace& place, std::string& reason);

@@ -31,7 +31,7 @@ std::int64_t sizeOf(const HistoryEntry& entry)
     return size;
 }
 
-/// What a dead process left: half copies, and companions whose version is gone.
+/// Removes the left-overs of dead processes: half copies, and companions whose version is gone.
 void removeStrays(const CatalogPlace& place)
 {
     const fileString extension = fileString(place.name).extension();

@@ -23,7 +23,7 @@ struct ORVHOST_EXPORT Item
     std::string name; ///< UTF-8
 };
 
-/// What is different between two versions of a catalog. Items are told apart by their ids.
+/// The differences between two versions of a catalog. Items are told apart by their ids.
 struct ORVHOST_EXPORT Changes
 {
     std::vector<Item> added;

@@ -79,7 +79,7 @@ std::int64_t currentRun(const fileString& root, const QJsonArray& news)
     return number;
 }
 
-/// What a later change makes of an earlier one.
+/// Joins a later change of an item with an earlier one.
 void apply(ItemMap& items, std::int64_t id, const ItemChange& change)
 {
     using Kind = ItemChange::Kind;

@@ -14,18 +14,18 @@
 
 namespace OrvHost {
 
-/// What is new in one catalog.
+/// The new, changed and gone items of one catalog.
 struct ORVHOST_EXPORT CatalogChanges
 {
     CatalogPlace place;
     CatalogItems::Changes items;
 };
 
-/// What updates changed, in "catalog-news.json" below the root; docs/formats/catalog-news.md describes the
-/// file. To be written under the lock of an update.
+/// The changes that updates made, in "catalog-news.json" below the root; docs/formats/catalog-news.md
+/// describes the file. To be written under the lock of an update.
 namespace CatalogNews {
 
-/// What changed since a run: of several changes of an item, what they come to.
+/// The changes since a run; several changes of one item are joined into one.
 /// @param run the number of a run; none for the last update that changed an item
 /// @return by place; empty when nothing changed
 ORVHOST_EXPORT std::vector<CatalogChanges> since(const fileString& root, std::optional<std::int64_t> run);
@@ -52,8 +52,8 @@ public:
     /// Begins to compare what is in a place with what was there. Both stay as they are until `take`.
     /// @param former empty when nothing was there
     void compare(const CatalogPlace& place, const fileString& former);
-    /// What was found, in the order of the places; waits for comparisons that go on. Catalogs that cannot be
-    /// read, and those without a difference, are left out.
+    /// Hands out the differences, in the order of the places, and waits for comparisons that go on. Catalogs
+    /// that cannot be read, and those without a difference, are left out.
     std::vector<CatalogChanges> take();
 
 private:

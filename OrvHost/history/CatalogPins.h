@@ -11,7 +11,7 @@
 
 namespace OrvHost {
 
-/// What the user wants kept at its version: catalogs that are held, and former versions that were put back.
+/// The catalogs that the user wants kept at a version: held ones, and former versions that were put back.
 /// It is kept in "catalog-pins.json" below the root; docs/formats/catalog-pins.md describes the file. One
 /// object belongs to one thread.
 class ORVHOST_EXPORT CatalogPins

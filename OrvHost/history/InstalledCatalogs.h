@@ -31,8 +31,9 @@ struct ORVHOST_EXPORT InstalledCatalog
     bool isHeld = false;
 };
 
-/// What is installed, read from the folders of the installed path service; nothing is changed. The functions
-/// read every file to its end, so they may take a second for each gigabyte. May be used from any thread.
+/// The installed catalogs, read from the folders of the installed path service; nothing is changed. The
+/// functions read every file to its end, so they may take a second for each gigabyte. May be used from any
+/// thread.
 namespace InstalledCatalogs {
 
 /// Everything that is there: core, bonus and manufacturer catalogs, archives of referenced files.

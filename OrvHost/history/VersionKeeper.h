@@ -48,7 +48,7 @@ public:
     bool downloadResumable(const ResumableDownload& request, void* context, ProgressFunction progress,
                            std::string& reason, int& errorNumber) override;
 
-    /// What the service has for held catalogs, until now.
+    /// The newer versions of held catalogs that the service has offered so far.
     std::vector<Offer> offers() const;
 
 private:

@@ -41,7 +41,7 @@ void keep(CatalogHistory& history, const CatalogPlace& place)
         throw std::runtime_error(reason);
 }
 
-/// What an update that died had left would replace the restored version when the next one starts.
+/// Removes the new file of an update that died: the next update would put it over the restored version.
 void removeWaiting(const CatalogPlace& place)
 {
     for (const CatalogFolder& folder : CatalogFolders::all()) {

@@ -10,7 +10,7 @@ namespace OrvHost {
 /// Puts a former version of a catalog back. docs/formats/catalog-pins.md says how it stays there.
 namespace VersionRestore {
 
-/// What was put back, and what it replaced.
+/// The version that was put back, and the one that it replaced.
 struct ORVHOST_EXPORT Result
 {
     CatalogPlace place;
@@ -29,7 +29,7 @@ struct ORVHOST_EXPORT Result
 /// file cannot be written. The catalog is then as it was.
 ORVHOST_EXPORT Result restore(const fileString& root, const std::string& name, const std::string& version,
                               const CatalogHistory::Bounds& bounds = {});
-/// What stands for the version of a file that is in its place: its tag, else the SHA-1 of its contents; empty
+/// The version of the file in a place: its tag, else the SHA-1 of its contents; empty
 /// when there is no file.
 /// @throws std::runtime_error when the file cannot be read
 ORVHOST_EXPORT std::string versionInPlace(const CatalogPlace& place);

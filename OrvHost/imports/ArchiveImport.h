@@ -12,7 +12,7 @@ namespace OrvHost {
 
 /// Takes packed libraries (".orvlibz") into the user's library. The database of an archive goes to the user's
 /// libraries under the archive's name, and its referenced files are merged into the texture archive of that
-/// name. What was there before is kept, so that `ImportUndo` can bring it back. For example:
+/// name. The former files are kept, so that `ImportUndo` can bring it back. For example:
 ///
 ///     const ArchiveImport import(host.root(), {});
 ///     const ArchiveImport::Result result = import.run("/home/me/Kitchen.orvlibz", progress);
@@ -41,7 +41,7 @@ public:
         bool setsAside = false;
     };
 
-    /// What became of one source, or would become of it.
+    /// The result of one source, real or foreseen.
     struct Result
     {
         std::string source;

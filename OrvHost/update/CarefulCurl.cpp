@@ -62,7 +62,7 @@ bool CarefulCurl::isEnded() const
     return !mReport.verdict.empty();
 }
 
-/// Reaches the verdict. What was asked ahead of its turn is not wanted any more.
+/// Reaches the verdict. Requests that were sent ahead are dropped.
 void CarefulCurl::judgeWebPage(const std::string& url)
 {
     {

@@ -25,7 +25,7 @@ namespace OrvHost {
 class ORVHOST_EXPORT CarefulCurl : public ForwardingCurl
 {
 public:
-    /// What is asked of whom, and how carefully.
+    /// The service, and how carefully it is asked.
     struct Settings
     {
         std::string url;          ///< the service's address as the user knows it, for the verdict
@@ -51,7 +51,7 @@ public:
     /// With the verdict as its reason, once there is one.
     Answer lastAnswer() override;
 
-    /// What was asked and answered until now, and how much of the body that is being fetched is there.
+    /// The requests and answers so far, and how much of the current body has arrived.
     ServiceReport report() const;
 
 private:

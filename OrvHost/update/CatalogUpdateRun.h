@@ -38,7 +38,7 @@ class ORVHOST_EXPORT CatalogUpdateRun : public QObject
     Q_OBJECT
 
 public:
-    /// What an update asks for, and of which service.
+    /// The order for an update: the service, and the catalogs to ask for.
     struct Request
     {
         std::string url; ///< the content redirect address
@@ -88,8 +88,8 @@ public:
     CheckOutcome finishCheck(bool wasCancelled, const fileString& root);
 
     CatalogSwapper& swapper() { return mSwapper; }
-    /// What the service was asked and answered until now, for a list of the catalogs that are under way. May
-    /// be asked as often as a window wants, on the run's thread.
+    /// The requests and answers so far, for a list of the catalogs that are under way. May
+    /// be called as often as a window wants, on the run's thread.
     ServiceReport service() const { return mService ? mService->report() : ServiceReport(); }
 
 Q_SIGNALS:

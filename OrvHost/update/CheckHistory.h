@@ -11,8 +11,8 @@
 
 namespace OrvHost {
 
-/// What became of the last updates: when one was last tried, when one last went through without an error, and
-/// what the service last answered for each catalog. Kept in "update-history.json" below the root, for
+/// The results of the last updates: when one was last tried, when one last went through without an error, and
+/// the last answer of the service for each catalog. Kept in "update-history.json" below the root, for
 /// `status`. One object belongs to one thread.
 class ORVHOST_EXPORT CheckHistory
 {
@@ -30,7 +30,7 @@ public:
 
     /// When the last update ended, UTC; invalid when there was none.
     const QDateTime& lastAttempt() const { return mLastAttempt; }
-    /// Why that one failed as a whole; empty when it did not.
+    /// Why the last attempt failed as a whole; empty when it did not.
     const std::string& lastError() const { return mLastError; }
     /// UTC; invalid when no update ever went well.
     const QDateTime& lastGoodCheck() const { return mLastGoodCheck; }

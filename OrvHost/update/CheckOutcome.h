@@ -16,8 +16,8 @@
 
 namespace OrvHost {
 
-/// What an update would find: put together from the records of a check, or of an update, and from what the
-/// web service was asked and answered. A plain value.
+/// The foreseen result of an update, put together from the records of a check or an update and from the
+/// answers of the web service. A plain value.
 struct ORVHOST_EXPORT CheckOutcome
 {
     enum class Kind
@@ -37,7 +37,7 @@ struct ORVHOST_EXPORT CheckOutcome
         Held     ///< no update replaces it, whether or not there is a newer version
     };
 
-    /// What a check found out about a catalog.
+    /// The result of a check for one catalog.
     struct Catalog
     {
         CatalogPlace place;
@@ -69,7 +69,7 @@ struct ORVHOST_EXPORT CheckOutcome
     const char* name() const;
     /// The document of `orv-library check`, with "error" when the check failed as a whole.
     QJsonObject document() const;
-    /// What could not be told, in one line; empty when everything could.
+    /// Why the check could not tell everything, in one line; empty when it could.
     std::string complaint() const;
 
     /// "current", "new", "missing", "gone", "unknown" or "held".

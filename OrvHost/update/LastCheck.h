@@ -10,8 +10,8 @@
 
 namespace OrvHost {
 
-/// What the last check or update that reached the service found, kept in "last-check.json" below the root, so
-/// that a program which looks often need not ask often. A plain value.
+/// The findings of the last check or update that reached the service, kept in "last-check.json" below the
+/// root, so that a program which looks often need not ask often. A plain value.
 struct ORVHOST_EXPORT LastCheck
 {
     QDateTime time; ///< UTC

@@ -43,7 +43,7 @@ const CatalogReport* reportOf(const CheckOutcome::Catalog& catalog, const Servic
     return nullptr;
 }
 
-/// What became of a catalog: what a check would say of it, unless this run fetched it or failed to.
+/// The state of a catalog after the run: as a check tells it, unless this run fetched it or failed to.
 std::string stateOf(const CheckOutcome::Catalog& catalog, const CatalogReport* report,
                     const std::vector<Failure>& failed)
 {

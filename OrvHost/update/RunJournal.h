@@ -22,7 +22,7 @@ public:
     void endUpdate(const UpdateOutcome& outcome, const CheckOutcome& found);
     void endCheck(const ServiceReport& service, const CheckOutcome& found, bool isCancelled);
 
-    /// What could not be written, for people; empty when all could.
+    /// Names the file that could not be written, for people; empty when all were written.
     const std::string& problem() const { return mProblem; }
 
 private:

@@ -36,8 +36,8 @@ std::optional<std::int64_t> number(const std::string& text)
     return value;
 }
 
-/// What stands between the first and the last double quote; the whole text without quotes. A closing quote at
-/// the very start stays, as in the library.
+/// Returns the text between the first and the last double quote, or the whole text when it has none. A
+/// closing quote at the very start stays, as in the library.
 std::string unquoted(const std::string& value)
 {
     const std::size_t opening = value.find('"');

@@ -20,7 +20,7 @@ ORVHOST_EXPORT std::string sentTag(const std::vector<std::string>& headerLines);
 ORVHOST_EXPORT std::optional<std::int64_t> length(const std::string& headerText);
 /// `ETag` without its quotes and its mark of weakness.
 ORVHOST_EXPORT std::optional<std::string> tag(const std::string& headerText);
-/// What a download can be resumed with: the strong `ETag` in its quotes, or else `Last-Modified`; empty when
+/// The value to resume a download with: the strong `ETag` in its quotes, or else `Last-Modified`; empty when
 /// the answer has neither.
 ORVHOST_EXPORT std::string validator(const std::string& headerText);
 /// How long the service asks to be left alone (`Retry-After`, in seconds or as a date).

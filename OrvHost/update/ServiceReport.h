@@ -9,7 +9,7 @@
 
 namespace OrvHost {
 
-/// What became of one catalog in a run, as far as the web service had a part in it.
+/// The service's part in the result of one catalog.
 struct CatalogReport
 {
     std::string asked;       ///< the name under which the service was asked, such as "Garden.orvlibz"
@@ -30,7 +30,7 @@ struct CatalogReport
     bool isNew() const { return status == 200 && (!tag || *tag != sentTag); }
 };
 
-/// What became of a request for something else than a catalog.
+/// The result of a request for something else than a catalog.
 struct RequestReport
 {
     bool isAsked = false;

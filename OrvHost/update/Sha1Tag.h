@@ -3,8 +3,8 @@
 #include "OrvHost/OrvHostExport.h"
 #include <string>
 
-/// Version tags that are the SHA-1 of a catalog's contents. What a tag is, the service decides; only one of
-/// this form can be compared with a file.
+/// Version tags that are the SHA-1 of a catalog's contents. The service decides what a tag is;
+/// only a tag of this form can be compared with a file.
 namespace OrvHost::Sha1Tag {
 
 /// 40 hexadecimal digits.

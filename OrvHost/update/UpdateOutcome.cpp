@@ -94,7 +94,7 @@ private:
             return {catalog.bodyStatus, catalog.reason};
         if (catalog.isNew() && !catalog.isDownloadTried && catalog.reason.empty())
             return {catalog.status, reasonNotTried(catalog)};
-        // What is not new was fetched for the history: a version of a held catalog.
+        // A catalog that is not new was fetched for the history: a version of a held catalog.
         if (catalog.isNew() && catalog.isDownloaded && !isInstalled(catalog))
             return {catalog.status, "it could not be installed"};
         return {catalog.status, catalog.reason};

@@ -49,7 +49,7 @@ struct ORVHOST_EXPORT UpdateOutcome
     std::size_t goneItems = 0;    ///< likewise
     /// Why the run failed as a whole, in one sentence; empty otherwise.
     std::string error;
-    /// What could not be tidied up after the run, for people.
+    /// Left-overs that could not be removed after the run, for people.
     std::vector<std::string> notes;
     ServiceReport service;
     QDateTime start; ///< UTC

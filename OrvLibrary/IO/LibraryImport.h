@@ -23,7 +23,7 @@ using UnpackResult = std::pair<FoundFile, FoundFile>;
 /// archive before. Only a file there that is read-only or locked by another program stays as it is, and
 /// counts as not found.
 /// A missing archive and a cancelled run give the empty result. Of several databases the last one counts; a
-/// member that cannot be copied is skipped. What is written takes its place at the end, after everything was
+/// member that cannot be copied is skipped. The new files take their places at the end, after everything was
 /// verified; a large database is on the disk then.
 /// @param useTemporaryNames true writes to fresh names in the temporary folder; false beside the archive, as
 /// its path and name followed by ".orvlib" and ".zip", where an existing database is replaced and an existing
@@ -37,7 +37,7 @@ using UnpackResult = std::pair<FoundFile, FoundFile>;
 ORVLIBRARY_EXPORT UnpackResult unpack(const fileString& archive, bool useTemporaryNames,
                                       std::shared_ptr<ProgressSubject> progress);
 
-/// Unpacks a local file or an address, always to temporary names. What was downloaded is removed. A download
+/// Unpacks a local file or an address, always to temporary names. A downloaded archive is removed. A download
 /// that fails gives the empty result.
 /// @param progress as for `unpack`
 /// @throws as `unpack`

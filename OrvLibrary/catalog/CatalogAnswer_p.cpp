@@ -9,7 +9,7 @@ namespace LibraryCatalogUpdate {
 
 namespace {
 
-/// What stands between the first and the last double quote; the whole text without quotes.
+/// Returns the text between the first and the last double quote, or the whole text when it has none.
 std::string unquotedTag(const std::string& value)
 {
     const std::size_t opening = value.find('"');

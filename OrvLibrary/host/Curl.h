@@ -102,7 +102,7 @@ public:
     /// base class asks the default service.
     virtual std::string urlAfterRedirects(const std::string& url);
 
-    /// What a request was answered.
+    /// The answer to a request.
     struct Answer
     {
         std::int64_t status = 0; ///< HTTP status of the final answer; 0 when there was none

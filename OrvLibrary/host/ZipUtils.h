@@ -27,7 +27,7 @@ class ArchiveHandle;
 /// Where and how the current member of a walk is stored.
 class RawDataInfo;
 
-/// What work throws that its progress object asked to cancel. Nothing that it wrote remains.
+/// Thrown by work that its progress object asked to cancel. Nothing that it wrote remains.
 class ORVLIBRARY_EXPORT Cancelled : public std::runtime_error
 {
 public:
@@ -37,7 +37,7 @@ public:
 
 /// ".zip".
 ORVLIBRARY_EXPORT fileString getExtension();
-/// What separates the archive's path from the member's name in a member address.
+/// The text between the archive's path and the member's name in a member address.
 ORVLIBRARY_EXPORT fileString getDelimiter();
 
 /// Total uncompressed size of all members, in bytes.
@@ -50,9 +50,9 @@ ORVLIBRARY_EXPORT std::vector<fileString> getFilenamesInArchive(const fileString
 using MemberCallback =
     std::function<bool(const fileString& member, ArchiveHandle& handle, const RawDataInfo& rawInfo)>;
 
-/// Walks the members in archive order until the callback returns false. What the callback writes with
-/// `writeFileToArchiveRaw` is written beside the archives' places as the walk goes on, and given these places
-/// when it ends. A walk inside the callback of another one is on its own.
+/// Walks the members in archive order until the callback returns false. Members that the callback writes with
+/// `writeFileToArchiveRaw` go to files beside the archives, which take their places when the walk ends. A
+/// walk inside the callback of another one is on its own.
 /// @throws std::runtime_error for an unsound archive, or when an archive written to could not be completed
 /// (it is then as it was before the walk); what the callback throws passes through, and nothing written to
 /// remains

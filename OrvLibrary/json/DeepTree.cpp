@@ -48,8 +48,8 @@ DeepTree::~DeepTree()
     }
 }
 
-/// Keeps a container to empty it first. What somebody else holds too is only let go of; so is what was hung
-/// into the tree later and goes deeper than the room that was made.
+/// Keeps a container to empty it first. A node that somebody else holds too is only let go of, and so
+/// is a node that was added later and lies deeper than the reserved space.
 void DeepTree::descend(Node node)
 {
     if (node.use_count() == 1 && isContainer(*node) && mPath.size() < mPath.capacity())

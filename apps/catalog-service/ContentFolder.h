@@ -56,7 +56,7 @@ private:
     /// Real path without the final separator; empty when there is none.
     std::string mRoot;
 
-    /// What tells one state of a file from another: device, inode, size, modification time in nanoseconds.
+    /// Differs between two states of a file: device, inode, size, modification time in nanoseconds.
     using State = std::tuple<std::uint64_t, std::uint64_t, std::int64_t, std::int64_t>;
     std::mutex mMutex;
     std::map<State, std::string> mTags;

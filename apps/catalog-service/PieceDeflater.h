@@ -17,8 +17,8 @@ public:
         std::uint32_t checksum = 0; ///< CRC-32 of them
     };
 
-    /// Takes the compressed bytes of a piece, in order, and how many bytes of content they hold. What it
-    /// throws ends the compression and passes through.
+    /// Takes the compressed bytes of a piece, in order, and how many bytes of content they hold. An
+    /// exception of the sink ends the compression and passes through.
     using Sink = std::function<void(const std::string& compressed, std::size_t contentSize)>;
 
     /// Reads the stream to its end, or to the first read that fails.

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-/// What the conditional headers of a request come to, given what is asked for.
+/// Decides the answer to the conditional headers of a request.
 namespace Preconditions {
 
 /// Whether an `If-None-Match` names the tag: as one of a list, in the weak form too, or as "*".

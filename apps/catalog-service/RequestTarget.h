@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// What stands after the method in a request line: a path and a query, as sent.
+/// The part after the method in a request line: a path and a query, as sent.
 class RequestTarget
 {
 public:
@@ -17,5 +17,5 @@ private:
     std::string mQuery;
 };
 
-/// Undoes percent-encoding. What is no complete "%XX" stays as it is, and so does "+": names hold plus signs.
+/// Undoes percent-encoding. An incomplete "%XX" stays as it is, and so does "+": names hold plus signs.
 std::string percentDecoded(const std::string& text);

@@ -19,7 +19,7 @@ struct ServiceRequest
     std::string ifRange;
 };
 
-/// What is sent back: a short text, or a part of a file.
+/// The body of an answer: a short text, or a part of a file.
 struct ServiceAnswer
 {
     int status = 404;

@@ -9,8 +9,8 @@
 /// from names to blobs. Blobs are written first and the maps last, each by one rename, so that a reader of
 /// the folder sees the old or the new publication and never a name without its content.
 ///
-/// What would punish clients is refused with a reason: a refused name keeps what was published under it
-/// before. One object serves one publication; it belongs to one thread.
+/// Content that would harm clients is refused with a reason; the former publication under its name stays. One
+/// object serves one publication; it belongs to one thread.
 class ServicePublisher
 {
 public:

@@ -19,7 +19,7 @@ public:
     ZipWriter(const ZipWriter&) = delete;
     ZipWriter& operator=(const ZipWriter&) = delete;
 
-    /// Told how many bytes of content were written since the last call, at most 1 MB. What it throws ends the
+    /// Told how many bytes of content were written since the last call, at most 1 MB. An exception ends the
     /// work and passes through; the archive is then not to be used any more.
     using Progress = std::function<void(std::uint64_t bytes)>;
     void setProgress(const Progress& progress);

@@ -58,7 +58,7 @@ public:
     virtual std::string name() const = 0;
     /// One line for the list of commands.
     virtual std::string summary() const = 0;
-    /// Called once, before the command line is read. What it binds lives as long as the command.
+    /// Called once, before the command line is read. Texts that it binds live as long as the command.
     virtual void declare(CommandSyntax& syntax) = 0;
 };
 

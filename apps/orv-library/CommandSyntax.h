@@ -8,7 +8,7 @@
 class Session;
 enum class ExitStatus;
 
-/// What a command takes on the command line. Every text that is bound keeps its value when the option is not
+/// The options and arguments of a command. Every text that is bound keeps its value when the option is not
 /// given. Values are taken byte for byte; an empty one is refused. Numbers are plain decimal and refused when
 /// they do not fit.
 class CommandSyntax
@@ -51,6 +51,6 @@ public:
     virtual CommandSyntax& action(const std::string& name, const std::string& summary) = 0;
     /// The same for a command that does something without an action, too.
     virtual CommandSyntax& optionalAction(const std::string& name, const std::string& summary) = 0;
-    /// What to do when this command, or this action, was given.
+    /// The work to do when this command, or this action, was given.
     virtual void runs(Work work) = 0;
 };

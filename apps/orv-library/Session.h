@@ -9,7 +9,7 @@
 #include "apps/orv-library/GlobalOptions.h"
 #include "apps/orv-library/console/Console.h"
 
-/// What a command works with: the global options, the output and, once it is asked for, the host with its
+/// The surroundings of a command: the global options, the output and, once it is asked for, the host with its
 /// folders. The first request decides which kind of host the session has. Used by the main thread.
 class Session
 {

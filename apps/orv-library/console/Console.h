@@ -4,7 +4,7 @@
 
 #include <QJsonObject>
 
-/// What the program says. With --json, standard output holds exactly one document and all else goes to
+/// The program's output. With --json, standard output holds exactly one document and all else goes to
 /// standard error; otherwise standard output holds what the user asked for. Used by the main thread only.
 class Console
 {
@@ -14,7 +14,7 @@ public:
     /// The result of the command, given once: the document with --json, otherwise the text.
     /// @param text whole lines; nothing is printed when it is empty
     void result(const QJsonObject& document, const std::string& text);
-    /// What the command has done until now, as its document says it: all of it, should the command fail.
+    /// Sets the document that is printed should the command fail: the work it has done so far.
     /// An interrupt that ends the program prints it, too.
     void resultSoFar(const QJsonObject& document);
     /// The command failed: one clear line on standard error and, with --json, the document of what it has

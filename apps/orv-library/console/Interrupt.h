@@ -10,7 +10,7 @@ public:
     /// From here on a signal that no object takes over ends the program at once with status 130. A signal
     /// that the program was started to ignore stays ignored.
     static void endsProgram();
-    /// What is written to standard output when a signal ends the program so; empty for nothing. Called by
+    /// Sets the text for standard output should a signal end the program; empty for none. Called by
     /// the main thread.
     static void setLastWords(const std::string& text);
 

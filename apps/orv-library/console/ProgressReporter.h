@@ -12,7 +12,7 @@
 class ProgressReporter
 {
 public:
-    /// What a scale counts in when it counts bytes.
+    /// The units of a scale that counts bytes.
     static constexpr const char* kBytes = "bytes";
 
     explicit ProgressReporter(ProgressMode mode);
@@ -28,8 +28,8 @@ public:
     /// The end of the scale, 0 for none; the value goes back to 0.
     void setRange(std::uint64_t range);
     void setValue(std::uint64_t value);
-    /// What the scale counts, such as "KB"; empty for things. Of bytes the bar shows the speed and the time
-    /// that is left, too.
+    /// The units of the scale, such as "KB"; empty for a number of things. For bytes the bar shows the speed
+    /// and the time that is left, too.
     void setUnits(const std::string& units);
     /// So much more of the scale.
     void advance(std::uint64_t amount = 1);

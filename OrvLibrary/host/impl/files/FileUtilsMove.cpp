@@ -22,7 +22,8 @@ std::unique_ptr<host::ReplacementFile> copyBeside(int source, const std::string&
     return copy && host::copyContent(source, copy->descriptor()) ? std::move(copy) : nullptr;
 }
 
-/// A moved file keeps its times and permissions, as by a rename. What cannot be kept is no reason to fail.
+/// A moved file keeps its times and permissions, as by a rename. A time or permission that cannot be kept is
+/// no reason to fail.
 void keepAttributes(int source, int copy)
 {
     struct stat status = {};

@@ -11,8 +11,8 @@
 
 namespace ZipUtils {
 
-/// What one walk, or several that belong together, write: archives and extracted files. They take their
-/// places together, after everything that the walks handed out was verified. Used by one thread.
+/// The files that one walk, or several that belong together, write: archives and extracted members. They take
+/// their places together, after everything that the walks handed out was verified. Used by one thread.
 class ZipBatch
 {
 public:

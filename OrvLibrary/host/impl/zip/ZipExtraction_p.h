@@ -11,7 +11,7 @@
 
 namespace ZipUtils {
 
-/// A member that becomes a file. What is larger than 8 MB is extracted on a thread of its own, while the walk
+/// A member that becomes a file. A member over 8 MB is extracted on a thread of its own, while the walk
 /// goes on; up to 256 MB whole, straight into the mapped file, which is twice as fast as the way in pieces. A
 /// stop is heard after a megabyte, or when the whole member is inflated. Used by one thread.
 class ZipExtraction

@@ -7,8 +7,8 @@
 
 namespace ZipUtils {
 
-/// Looks for members in an archive whose directory is lost, by their local headers. What lies inside a member
-/// is not looked into, unless that member's header is lost too. The content is not verified. Used once, by
+/// Looks for members in an archive whose directory is lost, by their local headers. The scan does not look
+/// into members, unless that member's header is lost too. The content is not verified. Used once, by
 /// one thread.
 class ZipMemberScan
 {

@@ -1,4 +1,4 @@
-// What is done with archives that may be damaged: all damage is listed, and the sound members are saved.
+// Works on archives that may be damaged: lists all damage, and saves the sound members.
 #include <functional>
 
 #include "OrvLibrary/host/ZipUtils.h"

@@ -39,7 +39,7 @@ public:
     /// Helps until every member is verified.
     /// @throws as `add`
     void finish();
-    /// Ends the threads. What was not verified never will be.
+    /// Ends the threads. Members that were not verified yet never will be.
     void stop();
 
 private:

@@ -40,7 +40,7 @@ void ArchiveHandle::walk(const MemberCallback& callback)
     }
 }
 
-/// What was handed out is sound to its last byte before anything that came of it takes its place.
+/// Members that were handed out are verified to their last byte before a file made of them takes its place.
 void ArchiveHandle::handOut(const MemberCallback& callback)
 {
     bool goesOn = true;

@@ -34,8 +34,8 @@ public:
     ArchiveHandle(const ArchiveHandle&) = delete;
     ArchiveHandle& operator=(const ArchiveHandle&) = delete;
 
-    /// Hands every member to the callback until it returns false. What was handed out is verified when the
-    /// function returns.
+    /// Hands every member to the callback until it returns false. Every member that was handed out is
+    /// verified when the function returns.
     /// @throws std::runtime_error, Cancelled, and what the callback throws; the batch is given up then
     void walk(const MemberCallback& callback);
     /// As `writeFileToArchiveRaw`.
@@ -45,7 +45,7 @@ public:
     /// As `leaveOutMember`.
     void leaveOut(const RawDataInfo& info);
 
-    /// What reads on after the walk keeps it.
+    /// Whoever reads on after the walk keeps it.
     const std::shared_ptr<const ZipArchive>& archive() const { return mArchive; }
     const ZipBatch& batch() const { return mBatch; }
 
@@ -64,7 +64,7 @@ public:
     }
 
 private:
-    /// What became of a member.
+    /// How far a member came.
     enum class State : char
     {
         Open,   ///< nobody looked at its content
