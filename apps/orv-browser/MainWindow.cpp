@@ -18,6 +18,7 @@
 #include "apps/orv-browser/LibraryActions.h"
 #include "apps/orv-browser/WindowMenus.h"
 #include "apps/orv-browser/activities/MessageBar.h"
+#include "apps/orv-browser/activities/SeenCommand.h"
 #include "apps/orv-browser/activities/StatusLine.h"
 #include "apps/orv-browser/activities/UpdateController.h"
 #include "apps/orv-browser/details/DetailsPane.h"
@@ -32,6 +33,7 @@
 #include "apps/orv-browser/gallery/GalleryPane.h"
 #include "apps/orv-browser/gallery/GalleryViews.h"
 #include "apps/orv-browser/models/LibraryContent.h"
+#include "apps/orv-browser/models/LibraryNews.h"
 #include "apps/orv-browser/models/UserLists.h"
 #include "apps/orv-browser/places/PlacesPane.h"
 #include "apps/orv-browser/search/FilterBar.h"
@@ -61,10 +63,11 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
     : mRoot(root),
       mLists(new UserLists(root, this)),
       mContent(new LibraryContent(this)),
+      mNews(new LibraryNews(root, *mLists, this)),
       mMessages(new MessageBar(messages)),
-      mPlaces(new PlacesPane(*mContent, *mLists)),
-      mGallery(new GalleryPane(*mContent, *mLists)),
-      mDetails(new DetailsPane),
+      mPlaces(new PlacesPane(*mContent, *mLists, *mNews)),
+      mGallery(new GalleryPane(*mContent, *mLists, *mNews)),
+      mDetails(new DetailsPane(*mNews)),
       mPanes(new QSplitter(Qt::Horizontal)),
       mActions(new ItemActions(mGallery->views().model(), *mLists, this)),
       mMenus(new WindowMenus(*this, mActions->undoStack())),
@@ -82,6 +85,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
     connectLibrary();
     mGallery->search().filters().fill();
     mContent->refresh();
+    mNews->refresh();
     mMemory.restore();
     leaveGonePlace();
     mGallery->ask();
@@ -129,6 +133,7 @@ void MainWindow::connectMenus()
     on(mMenus->checkForUpdates, [this] { mLibrary->checkForUpdates(); });
     on(mMenus->cancelUpdate, [this] { mLibrary->updates().cancel(); });
     on(mMenus->refreshManufacturers, [this] { mLibrary->refreshManufacturers(); });
+    on(mMenus->markSeen, [this] { markSeen(); });
     on(mMenus->editFilters, [this] { mLibrary->editFilters(mPlaces->databases()); });
     on(mMenus->showLog, [this] { LogDialog(Library::ErrorLog::file(), this).exec(); });
     on(mMenus->search, [this] { mGallery->search().focusField(); });
@@ -177,6 +182,7 @@ void MainWindow::connectDetails()
         mActions->setFavourites(mGallery->views().selectedRows(), areFavourites);
     });
     connect(&mDetails->place(), &PlaceDetails::checkAsked, mLibrary, &LibraryActions::checkForUpdates);
+    connect(&mDetails->place(), &PlaceDetails::seenAsked, this, &MainWindow::markSeen);
     connect(&mDetails->place(), &PlaceDetails::fetchAgainAsked, mLibrary, &LibraryActions::fetchAgain);
 }
 
@@ -187,6 +193,7 @@ void MainWindow::connectLibrary()
     connect(&mLibrary->updates(), &UpdateController::speedChanged, mStatus, &StatusLine::showSpeed);
     connect(mLibrary, &LibraryActions::catalogChanged, this, &MainWindow::catalogChanged);
     connect(mLibrary, &LibraryActions::foldersChanged, mContent, &LibraryContent::refresh);
+    connect(mLibrary, &LibraryActions::foldersChanged, mNews, &LibraryNews::refresh);
     connect(mLibrary, &LibraryActions::runningChanged, this, &MainWindow::showRunning);
     connect(mLibrary, &LibraryActions::said, mStatus, &StatusLine::say);
     connect(mLibrary, &LibraryActions::filtersChanged, this, &MainWindow::filtersChanged);
@@ -247,6 +254,12 @@ void MainWindow::showInFolder()
     mGallery->search().clear();
     mGallery->showItem(place, database, id);
     mPlaces->setCurrent(place);
+}
+
+void MainWindow::markSeen()
+{
+    if (const auto seen = mLists->seenRun(); seen && *seen != mNews->lastRun())
+        mActions->undoStack().push(new SeenCommand(*mNews, *seen));
 }
 
 void MainWindow::showDetailsIfWanted()

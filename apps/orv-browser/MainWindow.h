@@ -11,6 +11,7 @@ class GalleryPane;
 class ItemActions;
 class LibraryActions;
 class LibraryContent;
+class LibraryNews;
 class MessageBar;
 class PlacesPane;
 class QSplitter;
@@ -53,6 +54,7 @@ private:
     void showSelection();
     void showItemMenu(const QPoint& globalPosition);
     void showInFolder();
+    void markSeen();
     void showDetailsIfWanted();
     void catalogChanged(const fileString& database);
     void showRunning(bool isRunning);
@@ -61,6 +63,7 @@ private:
     fileString mRoot;
     UserLists* mLists;
     LibraryContent* mContent;
+    LibraryNews* mNews;
     MessageBar* mMessages;
     PlacesPane* mPlaces;
     GalleryPane* mGallery;

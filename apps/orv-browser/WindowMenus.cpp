@@ -44,6 +44,7 @@ WindowMenus::WindowMenus(QMainWindow& window, QUndoStack& undo) : QObject(&windo
     cancelUpdate->setEnabled(false);
     refreshManufacturers = add(*library, tr("Refresh &manufacturers…"), "refreshManufacturers", {});
     library->addSeparator();
+    markSeen = add(*library, tr("Mark all as &seen"), "markAllSeen", {});
     editFilters = add(*library, tr("Edit &filters…"), "editFilters", {});
     showLog = add(*library, tr("Show the &log"), "showLog", {Qt::CTRL + Qt::Key_L});
 

@@ -23,6 +23,7 @@ public:
     QAction* checkForUpdates;
     QAction* cancelUpdate;
     QAction* refreshManufacturers;
+    QAction* markSeen;
     QAction* editFilters;
     QAction* showLog;
     QAction* search;

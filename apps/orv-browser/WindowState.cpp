@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kMostOpen = 500; // places; more are not kept
 
-const char* const kKinds[] = {"everything", "category", "catalog", "folder", "favourites", "recent"};
+const char* const kKinds[] = {"everything", "category", "catalog", "folder", "favourites", "recent", "news"};
 const char* const kOrders[] = {"name", "catalog", "style", "manufacturer"};
 
 fileString fileIn(const fileString& root)

@@ -110,7 +110,7 @@ TEST_F(BrowserLookTest, germanSpeaksGermanThroughout)
     QApplication::installTranslator(&german);
     open();
     QApplication::removeTranslator(&german);
-    EXPECT_EQ(placesBelow({}), QStringList({"Favoriten", "Zuletzt angesehen", "Grundkataloge",
+    EXPECT_EQ(placesBelow({}), QStringList({"Favoriten", "Zuletzt angesehen", "Neues", "Grundkataloge",
                                             "Zusatzkataloge", "Hersteller", "Eigene Bibliotheken"}));
     EXPECT_EQ(window().windowTitle(), "Bibliothek");
 }

@@ -60,8 +60,8 @@ TEST_F(BrowserPlacesTest, showListsAndTheFourKindsOfCatalogs)
     CatalogMaker(inRoot("manufacturer/Oak.orvlib"), "oak");
     makeMine();
     open();
-    EXPECT_EQ(placesBelow({}),
-              QStringList({"Favourites", "Recent", "Core", "Bonus", "Manufacturers", "My libraries"}));
+    EXPECT_EQ(placesBelow({}), QStringList({"Favourites", "Recent", "What's new", "Core", "Bonus",
+                                            "Manufacturers", "My libraries"}));
     EXPECT_EQ(placesBelow(place({"Core"})), QStringList("Doors"));
     EXPECT_EQ(placesBelow(place({"Bonus"})), QStringList("Party"));
     EXPECT_EQ(placesBelow(place({"Manufacturers"})), QStringList("Oak"));

@@ -13,11 +13,11 @@ constexpr int kLeastWidth = 220; // pixels
 
 } // namespace
 
-DetailsPane::DetailsPane(QWidget* parent)
+DetailsPane::DetailsPane(const LibraryNews& news, QWidget* parent)
     : QScrollArea(parent),
       mPages(new QWidget),
       mItem(new ItemDetails),
-      mPlace(new PlaceDetails),
+      mPlace(new PlaceDetails(news)),
       mSeveral(new SeveralDetails)
 {
     setObjectName(QStringLiteral("detailsPane"));

@@ -6,6 +6,7 @@
 
 class GalleryModel;
 class ItemDetails;
+class LibraryNews;
 class PlaceDetails;
 class SeveralDetails;
 
@@ -16,7 +17,8 @@ class DetailsPane : public QScrollArea
     Q_OBJECT
 
 public:
-    explicit DetailsPane(QWidget* parent = nullptr);
+    /// @param news outlive the pane
+    explicit DetailsPane(const LibraryNews& news, QWidget* parent = nullptr);
 
     ItemDetails& item() { return *mItem; }
     PlaceDetails& place() { return *mPlace; }

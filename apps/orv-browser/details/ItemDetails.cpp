@@ -10,6 +10,18 @@
 #include "apps/orv-browser/gallery/GalleryModel.h"
 #include "apps/orv-browser/models/Names.h"
 
+namespace {
+
+QString newsText(NewItems::Kind kind)
+{
+    if (kind == NewItems::Kind::Old)
+        return {};
+    return kind == NewItems::Kind::Added ? ItemDetails::tr("new since you last looked")
+                                         : ItemDetails::tr("changed since you last looked");
+}
+
+} // namespace
+
 ItemDetails::ItemDetails(QWidget* parent)
     : QWidget(parent),
       mPicture(new PictureView),
@@ -28,6 +40,7 @@ ItemDetails::ItemDetails(QWidget* parent)
     mRows->addRow(mPicture);
     mRows->addRow(mPictureNote);
     mRows->addRow(mFavourite);
+    mNew = mRows->addText(tr("News:"), QStringLiteral("detailsNew"));
     mCatalog = mRows->addText(tr("Catalog:"), QStringLiteral("detailsCatalog"));
     mFolder = mRows->addLink(tr("Folder:"), QStringLiteral("detailsFolder"));
     mPaneName = mRows->addText(tr("Selection name:"), QStringLiteral("detailsPaneName"));
@@ -57,6 +70,7 @@ void ItemDetails::show(const GalleryModel& model, int row)
     const bool isFavourite = index.data(GalleryModel::kFavouriteRole).toBool();
     mFavourite->setChecked(isFavourite);
     mFavourite->setText(isFavourite ? tr("★ Favourite") : tr("☆ Make it a favourite"));
+    mRows->set(mNew, newsText(static_cast<NewItems::Kind>(index.data(GalleryModel::kNewRole).toInt())));
     mRows->set(mCatalog, catalog.name());
     mRows->setLink(mFolder, catalog.pathOf(item.folder).join(QStringLiteral(" › ")));
     mFolder->setToolTip(tr("Show in folder"));

@@ -37,6 +37,7 @@ private:
     QLabel* mPictureNote;
     QToolButton* mFavourite;
     DetailRows* mRows;
+    QLabel* mNew;
     QLabel* mCatalog;
     QLabel* mFolder;
     QLabel* mPaneName;

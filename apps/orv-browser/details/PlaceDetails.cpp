@@ -13,6 +13,7 @@
 #include "apps/orv-browser/details/DetailRows.h"
 #include "apps/orv-browser/models/DataSize.h"
 #include "apps/orv-browser/models/LibraryContent.h"
+#include "apps/orv-browser/models/LibraryNews.h"
 #include "apps/orv-browser/places/PlaceNames.h"
 
 namespace {
@@ -32,15 +33,17 @@ QPushButton* addButton(QVBoxLayout& layout, const QString& text, const QString& 
 
 } // namespace
 
-PlaceDetails::PlaceDetails(QWidget* parent)
-    : QWidget(parent), mProblem(new QLabel), mRows(new DetailRows), mHint(new QLabel)
+PlaceDetails::PlaceDetails(const LibraryNews& news, QWidget* parent)
+    : QWidget(parent), mNews(news), mProblem(new QLabel), mRows(new DetailRows), mHint(new QLabel)
 {
     mTitle = mRows->addTitle(QStringLiteral("placeTitle"));
     mProblem->setObjectName(QStringLiteral("placeProblem"));
     mProblem->setTextFormat(Qt::PlainText);
     mProblem->setWordWrap(true);
     mRows->addRow(mProblem);
+    mState = mRows->addText(tr("State:"), QStringLiteral("placeState"));
     mItems = mRows->addText(tr("Items:"), QStringLiteral("placeItems"));
+    mGone = mRows->addText(tr("Gone:"), QStringLiteral("placeGone"));
     mFolders = mRows->addText(tr("Folders:"), QStringLiteral("placeFolders"));
     mVersion = mRows->addText(tr("Version:"), QStringLiteral("placeVersion"));
     mSize = mRows->addText(tr("Size:"), QStringLiteral("placeSize"));
@@ -54,10 +57,12 @@ PlaceDetails::PlaceDetails(QWidget* parent)
     mCheck = addButton(*layout, tr("Check for updates"), QStringLiteral("checkCatalog"));
     mFetchAgain = addButton(*layout, tr("Fetch again"), QStringLiteral("fetchAgain"));
     mShowFile = addButton(*layout, tr("Show the file"), QStringLiteral("showFile"));
+    mSeen = addButton(*layout, tr("Mark all as seen"), QStringLiteral("markSeen"));
     layout->addWidget(mHint);
     layout->addStretch();
     connect(mCheck, &QPushButton::clicked, this, &PlaceDetails::checkAsked);
     connect(mFetchAgain, &QPushButton::clicked, this, [this] { Q_EMIT fetchAgainAsked(mPlace); });
+    connect(mSeen, &QPushButton::clicked, this, &PlaceDetails::seenAsked);
     connect(mShowFile, &QPushButton::clicked, this, &PlaceDetails::openFolder);
 }
 
@@ -66,7 +71,7 @@ void PlaceDetails::show(const Place& place, const ItemIndex& index, int count)
     mPlace = place;
     mTitle->setText(PlaceNames::name(place, index));
     mRows->set(mItems, QLocale().toString(count));
-    for (QLabel* label : {mFolders, mVersion, mSize, mDate})
+    for (QLabel* label : {mState, mGone, mFolders, mVersion, mSize, mDate})
         mRows->set(label, QString());
     mProblem->hide();
     const bool isCatalog = place.kind == Place::Kind::Catalog;
@@ -74,6 +79,10 @@ void PlaceDetails::show(const Place& place, const ItemIndex& index, int count)
     mCheck->setVisible(isServices);
     mFetchAgain->setVisible(isServices);
     mShowFile->setVisible(isCatalog);
+    const bool isNews = place.kind == Place::Kind::News;
+    const int gone = isNews ? mNews.items()->gone : 0;
+    mRows->set(mGone, gone > 0 ? QLocale().toString(gone) : QString());
+    mSeen->setVisible(isNews && (gone > 0 || mNews.items()->count() > 0));
     const auto content = isCatalog ? index.find(place.database) : nullptr;
     if (content)
         showCatalog(*content);
@@ -83,6 +92,7 @@ void PlaceDetails::showCatalog(const CatalogContent& catalog)
 {
     mProblem->setVisible(!catalog.problem().isEmpty());
     mProblem->setText(tr("Cannot be read: %1").arg(catalog.problem()));
+    mRows->set(mState, mNews.isWaiting(mPlace.database) ? tr("an update is waiting") : QString());
     const QLocale locale;
     const QFileInfo file = fileOf(mPlace);
     mRows->set(mItems, locale.toString(catalog.itemCount(-1)));

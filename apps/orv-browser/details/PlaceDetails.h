@@ -6,6 +6,7 @@
 #include "apps/orv-browser/models/Place.h"
 
 class DetailRows;
+class LibraryNews;
 class QLabel;
 class QPushButton;
 
@@ -16,7 +17,8 @@ class PlaceDetails : public QWidget
     Q_OBJECT
 
 public:
-    explicit PlaceDetails(QWidget* parent = nullptr);
+    /// @param news outlive the widget
+    explicit PlaceDetails(const LibraryNews& news, QWidget* parent = nullptr);
 
     /// @param count items of the place that are shown
     void show(const Place& place, const ItemIndex& index, int count);
@@ -25,16 +27,21 @@ Q_SIGNALS:
     void checkAsked();
     /// The user wants the service's catalog anew, whatever is installed.
     void fetchAgainAsked(const Place& place);
+    /// The user has seen what is new.
+    void seenAsked();
 
 private:
     void showCatalog(const CatalogContent& catalog);
     void openFolder() const;
 
+    const LibraryNews& mNews;
     Place mPlace;
     QLabel* mTitle;
     QLabel* mProblem;
     DetailRows* mRows;
     QLabel* mItems;
+    QLabel* mState;
+    QLabel* mGone;
     QLabel* mFolders;
     QLabel* mVersion;
     QLabel* mSize;
@@ -43,4 +50,5 @@ private:
     QPushButton* mCheck;
     QPushButton* mFetchAgain;
     QPushButton* mShowFile;
+    QPushButton* mSeen;
 };

@@ -6,6 +6,7 @@
 
 #include "apps/orv-browser/gallery/GalleryModel.h"
 #include "apps/orv-browser/gallery/ItemPicture.h"
+#include "apps/orv-browser/gallery/NewBadge.h"
 #include "apps/orv-browser/gallery/Star.h"
 
 namespace {
@@ -63,6 +64,7 @@ void GalleryDelegate::paint(QPainter* painter, const QStyleOptionViewItem& optio
     ItemPicture::paint(*painter, picture, index, row.palette);
     if (index.data(GalleryModel::kFavouriteRole).toBool())
         Star::draw(*painter, QRectF(picture.right() - 12, picture.top(), 12, 12), true);
+    NewBadge::draw(*painter, option, option.rect, Qt::AlignRight | Qt::AlignVCenter, index);
 }
 
 void GalleryDelegate::paintTile(QPainter& painter, const QStyleOptionViewItem& option,
@@ -91,6 +93,7 @@ void GalleryDelegate::paintTile(QPainter& painter, const QStyleOptionViewItem& o
     const bool isFavourite = index.data(GalleryModel::kFavouriteRole).toBool();
     if (isFavourite || isHovered)
         Star::draw(painter, starArea(option.rect, option.direction), isFavourite);
+    NewBadge::draw(painter, option, tile, Qt::AlignLeft | Qt::AlignTop, index);
 }
 
 /// The name in two lines; what does not fit ends in an ellipsis.

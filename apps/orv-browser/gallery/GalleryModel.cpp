@@ -4,6 +4,7 @@
 
 #include <QMimeData>
 
+#include "apps/orv-browser/gallery/NewBadge.h"
 #include "apps/orv-browser/models/Names.h"
 
 GalleryModel::GalleryModel(const UserLists& lists, QObject* parent)
@@ -99,6 +100,20 @@ QString GalleryModel::toolTip(ItemRef ref) const
     return mFound.index->name(ref) + QLatin1Char('\n') + way.join(QStringLiteral(" › "));
 }
 
+QString GalleryModel::accessibleText(ItemRef ref) const
+{
+    const QString where = tr("%1, from %2").arg(mFound.index->name(ref), mFound.index->catalogOf(ref).name());
+    const QString kind = NewBadge::text(newKind(ref));
+    return kind.isEmpty() ? where : tr("%1, %2").arg(where, kind);
+}
+
+NewItems::Kind GalleryModel::newKind(ItemRef ref) const
+{
+    return mFound.news
+               ? mFound.news->kindOf(mFound.index->catalogOf(ref).database(), mFound.index->item(ref).id)
+               : NewItems::Kind::Old;
+}
+
 QVariant GalleryModel::data(const QModelIndex& index, int role) const
 {
     if (!index.isValid() || index.row() >= rowCount())
@@ -111,11 +126,11 @@ QVariant GalleryModel::data(const QModelIndex& index, int role) const
     case Qt::DisplayRole:
         return text(ref, index.column());
     case Qt::AccessibleTextRole:
-        return index.column() == kName
-                   ? tr("%1, from %2").arg(mFound.index->name(ref), mFound.index->catalogOf(ref).name())
-                   : text(ref, index.column());
+        return index.column() == kName ? accessibleText(ref) : text(ref, index.column());
     case Qt::ToolTipRole:
         return toolTip(ref);
+    case kNewRole:
+        return static_cast<int>(newKind(ref));
     case kFavouriteRole:
         return mFavourites.count(key()) != 0;
     case kPictureStateRole:

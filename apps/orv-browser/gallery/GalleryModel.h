@@ -29,6 +29,8 @@ public:
     static constexpr int kPictureRole = Qt::UserRole + 2;      ///< a QImage; null unless it is here
     static constexpr int kPictureStateRole = Qt::UserRole + 3; ///< PictureStore::State as an int; asks for it
 
+    static constexpr int kNewRole = Qt::UserRole + 4; ///< NewItems::Kind as an int
+
     /// @param lists outlive the model
     GalleryModel(const UserLists& lists, QObject* parent = nullptr);
 
@@ -57,6 +59,8 @@ public:
 private:
     QString text(ItemRef ref, int column) const;
     QString toolTip(ItemRef ref) const;
+    QString accessibleText(ItemRef ref) const;
+    NewItems::Kind newKind(ItemRef ref) const;
     void readFavourites();
     void changeAll(const QVector<int>& roles);
 

@@ -10,6 +10,7 @@
 #include "apps/orv-browser/gallery/GalleryViews.h"
 #include "apps/orv-browser/models/ItemSearch.h"
 #include "apps/orv-browser/models/LibraryContent.h"
+#include "apps/orv-browser/models/LibraryNews.h"
 #include "apps/orv-browser/models/Names.h"
 #include "apps/orv-browser/models/UserLists.h"
 #include "apps/orv-browser/places/PlaceNames.h"
@@ -21,10 +22,12 @@ constexpr int kZoomStep = 16; // pixels
 
 } // namespace
 
-GalleryPane::GalleryPane(const LibraryContent& content, const UserLists& lists, QWidget* parent)
+GalleryPane::GalleryPane(const LibraryContent& content, const UserLists& lists, const LibraryNews& news,
+                         QWidget* parent)
     : QWidget(parent),
       mContent(content),
       mLists(lists),
+      mNews(news),
       mAsker(new ItemSearch(this)),
       mSearch(new SearchBar),
       mBar(new GalleryBar),
@@ -67,6 +70,7 @@ void GalleryPane::connectParts()
     connect(&mContent, &LibraryContent::indexChanged, this, &GalleryPane::showWay);
     connect(&mContent, &LibraryContent::catalogsChanged, this, [this] { showPage(mViews->model().found()); });
     connect(&mLists, &UserLists::favouritesChanged, this, &GalleryPane::ask);
+    connect(&mNews, &LibraryNews::changed, this, &GalleryPane::ask);
     connect(&mLists, &UserLists::recentChanged, this, [this] {
         if (mPlace.kind != Place::Kind::Recent) // the list must not move under the pointer
             ask();
@@ -102,12 +106,13 @@ void GalleryPane::ask()
     query.makerNames = Names::foldedMakers();
     query.favourites = mLists.favourites();
     query.recent = mLists.recent();
+    query.news = mNews.items();
     mAsker->ask(query, mContent.index());
 }
 
 bool GalleryPane::isSettled() const
 {
-    return !mAsker->isAsking() && !mContent.isReading() && !mSearch->isWaiting();
+    return !mAsker->isAsking() && !mContent.isReading() && !mNews.isReading() && !mSearch->isWaiting();
 }
 
 void GalleryPane::showFound(const ItemQuery::Found& found)

@@ -8,6 +8,7 @@
 class GalleryBar;
 class GalleryViews;
 class ItemSearch;
+class LibraryNews;
 class LibraryContent;
 class NothingFoundPage;
 class OfferPage;
@@ -22,8 +23,9 @@ class GalleryPane : public QWidget
     Q_OBJECT
 
 public:
-    /// @param content and lists outlive the pane
-    GalleryPane(const LibraryContent& content, const UserLists& lists, QWidget* parent = nullptr);
+    /// @param content, lists and news outlive the pane
+    GalleryPane(const LibraryContent& content, const UserLists& lists, const LibraryNews& news,
+                QWidget* parent = nullptr);
 
     const Place& place() const { return mPlace; }
     void showPlace(const Place& place);
@@ -54,6 +56,7 @@ private:
 
     const LibraryContent& mContent;
     const UserLists& mLists;
+    const LibraryNews& mNews;
     Place mPlace;
     Place mShownPlace;          ///< the place of the items that are shown
     fileString mWantedDatabase; ///< of the item to select once it is shown

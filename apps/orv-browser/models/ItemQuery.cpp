@@ -34,6 +34,7 @@ struct CatalogView
     int endFolder = -1;
     std::vector<Word> words;
     std::vector<char> favourites; ///< by item; empty when there are none
+    std::vector<char> newItems;   ///< likewise
 };
 
 bool holds(const std::map<std::int32_t, std::string>& names, std::int32_t number, const std::string& word)
@@ -73,6 +74,7 @@ public:
     Asking(const ItemQuery& query, std::shared_ptr<const ItemIndex> index) : mQuery(query)
     {
         mFound.index = std::move(index);
+        mFound.news = query.news;
         for (const auto& content : mFound.index->catalogs())
             mViews.push_back(viewOf(*content));
         for (const CatalogView& view : mViews)
@@ -88,18 +90,26 @@ public:
         ++mFound.everywhere;
         if (!view.isInPlace || !view.isLetThrough || !isInFolder(view, item))
             return;
-        const bool isFavourite = !view.favourites.empty() && view.favourites[ref.item];
-        if (mQuery.place.kind == Place::Kind::Favourites && !isFavourite)
+        const Marks marks{!view.favourites.empty() && view.favourites[ref.item],
+                          !view.newItems.empty() && view.newItems[ref.item]};
+        if ((mQuery.place.kind == Place::Kind::Favourites && !marks.isFavourite) ||
+            (mQuery.place.kind == Place::Kind::News && !marks.isNew))
             return;
         const ByFacet passes = {!mQuery.style || item.style == *mQuery.style,
                                 !mQuery.maker || item.maker == *mQuery.maker, view.isChosen,
-                                !mQuery.onlyFavourites || isFavourite};
-        count(ref, item, isFavourite, passes);
+                                !mQuery.onlyFavourites || marks.isFavourite, !mQuery.onlyNew || marks.isNew};
+        count(ref, item, marks, passes);
     }
 
     ItemQuery::Found found() { return std::move(mFound); }
 
 private:
+    struct Marks
+    {
+        bool isFavourite;
+        bool isNew;
+    };
+
     CatalogView viewOf(const CatalogContent& content) const
     {
         CatalogView view;
@@ -115,19 +125,31 @@ private:
         }
         for (const std::string& term : mQuery.terms)
             view.words.push_back(wordIn(content, term));
-        markFavourites(view);
+        for (const auto& [database, id] : mQuery.favourites)
+            if (database == content.database())
+                mark(content, id, view.favourites);
+        markNew(content, view.newItems);
         return view;
     }
 
-    void markFavourites(CatalogView& view) const
+    void markNew(const CatalogContent& content, std::vector<char>& marks) const
     {
-        for (const auto& [database, id] : mQuery.favourites) {
-            const int item = database == view.content->database() ? view.content->itemAt(id) : -1;
-            if (item < 0)
-                continue;
-            view.favourites.resize(view.content->items().size(), 0);
-            view.favourites[static_cast<std::size_t>(item)] = 1;
-        }
+        if (!mQuery.news)
+            return;
+        const auto news = mQuery.news->catalogs.find(content.database());
+        if (news == mQuery.news->catalogs.end())
+            return;
+        for (const auto& entry : news->second)
+            mark(content, entry.first, marks);
+    }
+
+    static void mark(const CatalogContent& content, long long id, std::vector<char>& marks)
+    {
+        const int item = content.itemAt(id);
+        if (item < 0)
+            return;
+        marks.resize(content.items().size(), 0);
+        marks[static_cast<std::size_t>(item)] = 1;
     }
 
     static bool isInFolder(const CatalogView& view, const CatalogContent::Item& item)
@@ -146,7 +168,7 @@ private:
         });
     }
 
-    void count(ItemRef ref, const CatalogContent::Item& item, bool isFavourite, const ByFacet& passes)
+    void count(ItemRef ref, const CatalogContent::Item& item, Marks marks, const ByFacet& passes)
     {
         const auto refusing = std::count(passes.begin(), passes.end(), false);
         // What one choice would leave is counted as if it alone had not been made.
@@ -159,8 +181,10 @@ private:
             ++mFound.makers[item.maker];
         if (isOpen(ItemQuery::kCatalogFacet))
             ++mFound.catalogs[ref.catalog];
-        if (isOpen(ItemQuery::kFavouriteFacet) && isFavourite)
+        if (isOpen(ItemQuery::kFavouriteFacet) && marks.isFavourite)
             ++mFound.favourites;
+        if (isOpen(ItemQuery::kNewFacet) && marks.isNew)
+            ++mFound.newItems;
         if (refusing == 0)
             mFound.items.push_back(ref);
     }
@@ -248,5 +272,5 @@ ItemQuery::Found ItemQuery::ask(std::shared_ptr<const ItemIndex> index,
 
 bool ItemQuery::isRestricted() const
 {
-    return !terms.empty() || style || maker || catalog || onlyFavourites || filter;
+    return !terms.empty() || style || maker || catalog || onlyFavourites || onlyNew || filter;
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "apps/orv-browser/models/ItemIndex.h"
+#include "apps/orv-browser/models/NewItems.h"
 #include "apps/orv-browser/models/Place.h"
 
 /// Which items to show: those of a place that hold every word of a search and pass every choice. A value that
@@ -29,6 +30,7 @@ struct ItemQuery
         kMakerFacet,
         kCatalogFacet,
         kFavouriteFacet,
+        kNewFacet,
         kFacetCount
     };
 
@@ -38,6 +40,7 @@ struct ItemQuery
     std::optional<std::int32_t> maker;
     std::optional<fileString> catalog;
     bool onlyFavourites = false;
+    bool onlyNew = false;
     /// Ids of the catalogs that a stored filter lets through; none for no filter.
     std::optional<std::set<std::string>> filter;
     Order order = Order::Name;
@@ -47,16 +50,19 @@ struct ItemQuery
     std::map<std::int32_t, std::string> makerNames;
     std::vector<std::pair<fileString, long long>> favourites; ///< sorted
     std::vector<std::pair<fileString, long long>> recent;     ///< the last one first
+    std::shared_ptr<const NewItems> news;                     ///< null for none
 
     /// What was found, and how many items each choice would leave.
     struct Found
     {
         std::shared_ptr<const ItemIndex> index;
+        std::shared_ptr<const NewItems> news; ///< as the query had them
         std::vector<ItemRef> items;
         std::map<std::int32_t, int> styles;
         std::map<std::int32_t, int> makers;
         std::map<std::uint32_t, int> catalogs; ///< by position in the index
         int favourites = 0;
+        int newItems = 0;
         int everywhere = 0; ///< items that hold the words, whatever the place and the choices are
         int unreadable = 0; ///< catalogs of the place that cannot be read
     };

@@ -15,7 +15,8 @@ struct Place
         Catalog,
         Folder,
         Favourites,
-        Recent
+        Recent,
+        News ///< what updates brought since the user last looked
     };
 
     Kind kind = Kind::Everything;

@@ -46,6 +46,8 @@ UserLists::UserLists(fileString root, QObject* parent) : QObject(parent), mRoot(
     const QJsonObject document = QJsonDocument::fromJson(file.readAll()).object();
     mFavourites = read(document["favourites"].toArray());
     mRecent = read(document["recent"].toArray());
+    if (document["seenRun"].isDouble())
+        mSeenRun = static_cast<std::int64_t>(document["seenRun"].toDouble());
 }
 
 UserLists::~UserLists()
@@ -88,7 +90,11 @@ QJsonArray UserLists::written(const Entries& entries) const
 void UserLists::save()
 {
     mSaveLater.stop();
-    const QJsonObject document{{"favourites", written(mFavourites)}, {"recent", written(mRecent)}};
+    const QJsonObject document{
+        {"favourites", written(mFavourites)},
+        {"recent", written(mRecent)},
+        {"seenRun", mSeenRun ? static_cast<double>(*mSeenRun) : QJsonValue(QJsonValue::Undefined)},
+    };
     try {
         OrvHost::TextFile::write(fileIn(mRoot), QJsonDocument(document).toJson().toStdString());
         mProblem.clear();
@@ -148,6 +154,12 @@ void UserLists::addRecent(const Key& key, const QString& name)
     mRecent.resize(std::min(mRecent.size(), kMostRecent));
     mSaveLater.start(); // whoever walks through a list must not wait for the disk at each step
     Q_EMIT recentChanged();
+}
+
+void UserLists::setSeenRun(std::int64_t run)
+{
+    mSeenRun = run;
+    save();
 }
 
 bool UserLists::follow(Entries& entries, const ItemIndex& index)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,8 +15,8 @@
 
 class ItemIndex;
 
-/// The user's own lists of items: the favourites, and the items that were looked at last. They are kept in
-/// "browser-lists.json" below the root. Lives on the interface thread.
+/// The user's own lists of items: the favourites, and the items that were looked at last; and which news the
+/// user has seen. They are kept in "browser-lists.json" below the root. Lives on the interface thread.
 class UserLists : public QObject
 {
     Q_OBJECT
@@ -35,6 +37,11 @@ public:
     /// Items that are installed, the last one first.
     std::vector<Key> recent() const;
     void addRecent(const Key& key, const QString& name);
+
+    /// The number of the update up to which the user has seen what is new; none before the window first saw
+    /// a catalog.
+    const std::optional<std::int64_t>& seenRun() const { return mSeenRun; }
+    void setSeenRun(std::int64_t run);
 
     /// Finds the items again in catalogs that were replaced: ids may stand for other items there, but an item
     /// keeps its name. Items that cannot be found wait in the lists for their catalog to come back.
@@ -65,6 +72,7 @@ private:
     fileString mRoot;
     Entries mFavourites;
     Entries mRecent;
+    std::optional<std::int64_t> mSeenRun;
     QString mProblem;
     QTimer mSaveLater;
 };

@@ -4,12 +4,14 @@
 #include <QLocale>
 #include <QPainter>
 
+#include "apps/orv-browser/places/PlaceIcons.h"
 #include "apps/orv-browser/places/PlacesModel.h"
 
 namespace {
 
 constexpr int kRowHeight = 26; // pixels
 constexpr int kMargin = 6;
+constexpr int kSignSide = 10;
 
 } // namespace
 
@@ -26,7 +28,9 @@ void PlaceDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     initStyleOption(&row, index);
     const QVariant count = index.data(PlacesModel::kCountRole);
     const QString number = count.isValid() ? QLocale().toString(count.toInt()) : QString();
-    const int room = number.isEmpty() ? 0 : row.fontMetrics.horizontalAdvance(number) + 2 * kMargin;
+    const auto state = static_cast<PlacesModel::State>(index.data(PlacesModel::kStateRole).toInt());
+    const int sign = state == PlacesModel::State::None ? 0 : kSignSide + kMargin;
+    const int room = number.isEmpty() ? sign : row.fontMetrics.horizontalAdvance(number) + 2 * kMargin + sign;
     QStyle* style = row.widget ? row.widget->style() : QApplication::style();
     const QRect text = style->subElementRect(QStyle::SE_ItemViewItemText, &row, row.widget);
     row.text = row.fontMetrics.elidedText(row.text, Qt::ElideRight, qMax(0, text.width() - room));
@@ -37,6 +41,11 @@ void PlaceDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
     painter->setFont(row.font);
     painter->setPen(row.palette.color(isSelected ? QPalette::HighlightedText : QPalette::PlaceholderText));
     const QRect area(option.rect.right() - room, option.rect.top(), room - kMargin, option.rect.height());
+    if (sign > 0) {
+        const QRect place(area.left(), area.center().y() - kSignSide / 2, kSignSide, kSignSide);
+        PlaceIcons::drawSign(*painter, QStyle::visualRect(option.direction, option.rect, place),
+                             state == PlacesModel::State::Waiting);
+    }
     painter->drawText(QStyle::visualRect(option.direction, option.rect, area),
                       QStyle::visualAlignment(option.direction, Qt::AlignRight | Qt::AlignVCenter), number);
     painter->restore();

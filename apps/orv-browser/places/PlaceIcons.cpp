@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <tuple>
 
 #include <QPainter>
 #include <QPainterPath>
@@ -80,6 +81,20 @@ void drawClock(QPainter& painter)
     painter.drawLine(32, 32, 43, 38);
 }
 
+/// A star with four points.
+void drawSparkle(QPainter& painter)
+{
+    painter.setBrush(kGreen);
+    for (const auto& [x, y, size] : {std::tuple(26, 36, 26), std::tuple(52, 14, 12)}) {
+        QPainterPath path(QPointF(x, y - size));
+        path.quadTo(x, y, x + size, y);
+        path.quadTo(x, y, x, y + size);
+        path.quadTo(x, y, x - size, y);
+        path.quadTo(x, y, x, y - size);
+        painter.drawPath(path);
+    }
+}
+
 void drawWarning(QPainter& painter)
 {
     QPainterPath path;
@@ -115,6 +130,8 @@ QIcon PlaceIcons::of(const Place& place)
 
 QIcon PlaceIcons::list(Place::Kind kind)
 {
+    if (kind == Place::Kind::News)
+        return drawn(drawSparkle);
     if (kind == Place::Kind::Favourites)
         return drawn([](QPainter& painter) { Star::draw(painter, QRectF(2, 2, 60, 60), true); });
     return drawn(drawClock);
@@ -124,4 +141,22 @@ QIcon PlaceIcons::damaged()
 {
     static const QIcon icon = drawn(drawWarning);
     return icon;
+}
+
+void PlaceIcons::drawSign(QPainter& painter, const QRect& area, bool isWaiting)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isWaiting) { // an arrow down to a line
+        painter.setPen(QPen(kOrange, 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        const QPoint tip(area.center().x(), area.bottom() - 3);
+        painter.drawLine(QPoint(tip.x(), area.top()), tip);
+        painter.drawPolyline(QPolygon({tip + QPoint(-3, -3), tip, tip + QPoint(3, -3)}));
+        painter.drawLine(area.bottomLeft(), area.bottomRight());
+    } else {
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(kGreen);
+        painter.drawEllipse(area.adjusted(1, 1, -1, -1));
+    }
+    painter.restore();
 }

@@ -30,6 +30,8 @@ QString PlaceNames::name(const Place& place, const ItemIndex& index)
         return translated(QT_TRANSLATE_NOOP("PlaceNames", "Favourites"));
     case Place::Kind::Recent:
         return translated(QT_TRANSLATE_NOOP("PlaceNames", "Recent"));
+    case Place::Kind::News:
+        return translated(QT_TRANSLATE_NOOP("PlaceNames", "What's new"));
     case Place::Kind::Category:
         return category(place.category);
     case Place::Kind::Catalog:

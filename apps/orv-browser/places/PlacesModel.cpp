@@ -4,11 +4,11 @@
 #include "apps/orv-browser/places/PlacesModel.h"
 
 #include <algorithm>
-#include <map>
 
 #include "OrvLibrary/LibraryCategory.h"
 #include "OrvLibrary/UI/TreeCatalogData.h"
 #include "OrvLibrary/UI/TreeFolderData.h"
+#include "apps/orv-browser/models/LibraryNews.h"
 #include "apps/orv-browser/places/PlaceIcons.h"
 #include "apps/orv-browser/places/PlaceNames.h"
 
@@ -19,7 +19,10 @@ using Library::TreeFolderData;
 namespace {
 
 constexpr int kPortion = 2000;    // rows that go at once
-constexpr int kFirstCategory = 2; // row; the user's lists stand before
+constexpr int kFirstCategory = 3; // row; the user's lists stand before
+
+/// In the order of their rows.
+constexpr Place::Kind kLists[] = {Place::Kind::Favourites, Place::Kind::Recent, Place::Kind::News};
 
 constexpr int kFilledRole = Qt::UserRole + 10; // whether the folders below a node have come
 constexpr int kListRole = Qt::UserRole + 11;   // the kind of a list of the user
@@ -45,10 +48,10 @@ Library::LibraryCategory libraryCategory(int category)
 
 } // namespace
 
-PlacesModel::PlacesModel(const LibraryContent& content, QObject* parent)
-    : QStandardItemModel(parent), mContent(content), mShown(content.index())
+PlacesModel::PlacesModel(const LibraryContent& content, const LibraryNews& news, QObject* parent)
+    : QStandardItemModel(parent), mContent(content), mNews(news), mShown(content.index())
 {
-    for (const Place::Kind kind : {Place::Kind::Favourites, Place::Kind::Recent}) {
+    for (const Place::Kind kind : kLists) {
         auto* list = new QStandardItem(PlaceIcons::list(kind), PlaceNames::name({kind, -1, {}, -1}, *mShown));
         list->setData(static_cast<int>(kind), kListRole);
         list->setEditable(false);
@@ -62,6 +65,7 @@ PlacesModel::PlacesModel(const LibraryContent& content, QObject* parent)
     }
     connect(&mContent, &LibraryContent::catalogsChanged, this, &PlacesModel::showCatalogs);
     connect(&mContent, &LibraryContent::indexChanged, this, &PlacesModel::showIndex);
+    connect(&mNews, &LibraryNews::changed, this, &PlacesModel::showStates);
 }
 
 PlacesModel::~PlacesModel()
@@ -101,8 +105,9 @@ Place PlacesModel::placeOf(const QModelIndex& index) const
 
 QModelIndex PlacesModel::indexOf(const Place& place)
 {
-    if (place.kind == Place::Kind::Favourites || place.kind == Place::Kind::Recent)
-        return index(place.kind == Place::Kind::Favourites ? 0 : 1, 0);
+    if (const auto* list = std::find(std::begin(kLists), std::end(kLists), place.kind);
+        list != std::end(kLists))
+        return index(static_cast<int>(list - std::begin(kLists)), 0);
     if (place.category < 0)
         return {};
     QModelIndex at = index(kFirstCategory + place.category, 0);
@@ -138,10 +143,11 @@ void PlacesModel::forEachCatalog(const std::function<void(const QModelIndex&, Tr
             call(index(row, 0), dynamic_cast<TreeData&>(*item(row)->child(child)));
 }
 
-void PlacesModel::setListCounts(int favourites, int recent)
+void PlacesModel::setListCounts(int favourites, int recent, int news)
 {
     item(0)->setData(favourites, kCountRole);
     item(1)->setData(recent, kCountRole);
+    item(2)->setData(news, kCountRole);
 }
 
 void PlacesModel::showCatalogs()
@@ -193,6 +199,13 @@ void PlacesModel::showIndex()
     updateCounts();
 }
 
+void PlacesModel::showStates()
+{
+    forEachCatalog([this](const QModelIndex&, const TreeData& catalog) {
+        Q_EMIT dataChanged(catalog.index(), catalog.index(), {kStateRole});
+    });
+}
+
 void PlacesModel::updateCounts()
 {
     for (int row = kFirstCategory; row < rowCount(); ++row)
@@ -236,35 +249,4 @@ void PlacesModel::fetchMore(const QModelIndex& parent)
     }
     above->setData(true, kFilledRole);
     above->appendRows(rows);
-}
-
-QVariant PlacesModel::data(const QModelIndex& index, int role) const
-{
-    const TreeData* shown =
-        role == kCountRole || role == kProblemRole || role == Qt::DecorationRole || role == Qt::ToolTipRole
-            ? node(index)
-            : nullptr;
-    if (!shown)
-        return QStandardItemModel::data(index, role);
-    const Place place = placeOf(index);
-    const auto content = place.isInCatalog() ? contentOf(*shown) : nullptr;
-    switch (role) {
-    case kCountRole: {
-        if (content)
-            return content->itemCount(content->folderAt(place.folder));
-        if (place.isInCatalog())
-            return {};
-        int count = 0;
-        for (const auto& catalog : mShown->catalogs())
-            count += catalog->category() == place.category ? catalog->itemCount(-1) : 0;
-        return count;
-    }
-    case Qt::DecorationRole:
-        return content && !content->problem().isEmpty() ? PlaceIcons::damaged() : PlaceIcons::of(place);
-    default: // kProblemRole and the tool tip
-        return content && !content->problem().isEmpty()
-                   ? QVariant(role == kProblemRole ? content->problem()
-                                                   : tr("Cannot be read: %1").arg(content->problem()))
-                   : QVariant();
-    }
 }

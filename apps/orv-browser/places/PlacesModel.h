@@ -10,9 +10,11 @@
 #include "apps/orv-browser/models/LibraryContent.h"
 #include "apps/orv-browser/models/Place.h"
 
-/// The tree of places: the user's own lists, then the library categories, the catalogs in them and their
-/// folders. Items are not in it; the gallery shows them. Folders come into the tree when the node above them
-/// is opened. Lives on the interface thread.
+class LibraryNews;
+
+/// The tree of places: the user's own lists and what is new, then the library categories, the catalogs in
+/// them and their folders. Items are not in it; the gallery shows them. Folders come into the tree when the
+/// node above them is opened. Lives on the interface thread.
 class PlacesModel : public QStandardItemModel
 {
     Q_OBJECT
@@ -23,8 +25,19 @@ public:
     /// Why a catalog cannot be read, for people; empty for a sound one.
     static constexpr int kProblemRole = Qt::UserRole + 2;
 
-    /// @param content outlives the model
-    PlacesModel(const LibraryContent& content, QObject* parent = nullptr);
+    /// A `State` as an int.
+    static constexpr int kStateRole = Qt::UserRole + 3;
+
+    /// What is to be told of a catalog that can be read.
+    enum class State
+    {
+        None,
+        New,    ///< the last updates brought items that the user has not seen
+        Waiting ///< the last check found a newer version
+    };
+
+    /// @param content and news outlive the model
+    PlacesModel(const LibraryContent& content, const LibraryNews& news, QObject* parent = nullptr);
     ~PlacesModel() override;
 
     /// The place of a row; everything for an invalid index.
@@ -34,8 +47,8 @@ public:
     /// Calls for every catalog, with the row of its category.
     void
     forEachCatalog(const std::function<void(const QModelIndex& category, Library::TreeData& catalog)>& call);
-    /// How many items the lists of the user hold.
-    void setListCounts(int favourites, int recent);
+    /// How many items the lists hold.
+    void setListCounts(int favourites, int recent, int news);
 
     bool hasChildren(const QModelIndex& parent = {}) const override;
     bool canFetchMore(const QModelIndex& parent) const override;
@@ -67,7 +80,12 @@ private:
     void showCategory(QStandardItem& category, int number);
     void showIndex();
     void updateCounts();
+    void showStates();
+    QVariant countOf(const Place& place, const CatalogContent* content) const;
+    State stateOf(const Place& place) const;
+    QString stateText(const Place& place) const;
 
     const LibraryContent& mContent;
+    const LibraryNews& mNews;
     std::shared_ptr<const ItemIndex> mShown; ///< the index whose folders the tree shows
 };

@@ -10,16 +10,19 @@
 #include "OrvHost/records/FilterChange.h"
 #include "OrvLibrary/LibraryFilterManager.h"
 #include "apps/orv-browser/models/LibraryContent.h"
+#include "apps/orv-browser/models/LibraryNews.h"
 #include "apps/orv-browser/models/UserLists.h"
 #include "apps/orv-browser/places/PlaceDelegate.h"
 #include "apps/orv-browser/places/PlaceMemory.h"
 #include "apps/orv-browser/places/PlacesModel.h"
 
-PlacesPane::PlacesPane(LibraryContent& content, const UserLists& lists, QWidget* parent)
+PlacesPane::PlacesPane(LibraryContent& content, const UserLists& lists, const LibraryNews& news,
+                       QWidget* parent)
     : QWidget(parent),
       mContent(content),
       mLists(lists),
-      mModel(new PlacesModel(content, this)),
+      mNews(news),
+      mModel(new PlacesModel(content, news, this)),
       mTree(new QTreeView),
       mMemory(new PlaceMemory(*mTree, *mModel))
 {
@@ -27,13 +30,10 @@ PlacesPane::PlacesPane(LibraryContent& content, const UserLists& lists, QWidget*
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(mTree);
-    const auto showLists = [this] {
-        mModel->setListCounts(static_cast<int>(mLists.favourites().size()),
-                              static_cast<int>(mLists.recent().size()));
-    };
-    connect(&mLists, &UserLists::favouritesChanged, this, showLists);
-    connect(&mLists, &UserLists::recentChanged, this, showLists);
-    showLists();
+    connect(&mLists, &UserLists::favouritesChanged, this, &PlacesPane::showListCounts);
+    connect(&mLists, &UserLists::recentChanged, this, &PlacesPane::showListCounts);
+    connect(&mNews, &LibraryNews::changed, this, &PlacesPane::showListCounts);
+    showListCounts();
     connect(&mContent, &LibraryContent::catalogsChanged, this, &PlacesPane::openNewCategories);
     connect(&mContent, &LibraryContent::indexChanged, this, &PlacesPane::applyFilter);
     connect(mTree->selectionModel(), &QItemSelectionModel::currentChanged, this, &PlacesPane::chooseCurrent);
@@ -66,6 +66,12 @@ void PlacesPane::buildTree()
     mTree->setDragDropMode(QAbstractItemView::DropOnly);
     mTree->setDefaultDropAction(Qt::CopyAction);
     mTree->setEditTriggers(QAbstractItemView::NoEditTriggers);
+}
+
+void PlacesPane::showListCounts()
+{
+    mModel->setListCounts(static_cast<int>(mLists.favourites().size()),
+                          static_cast<int>(mLists.recent().size()), mNews.items()->count());
 }
 
 Place PlacesPane::current() const

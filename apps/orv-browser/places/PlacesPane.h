@@ -9,6 +9,7 @@
 #include "apps/orv-browser/models/Place.h"
 
 class LibraryContent;
+class LibraryNews;
 class PlaceMemory;
 class PlacesModel;
 class QTreeView;
@@ -21,8 +22,9 @@ class PlacesPane : public QWidget
     Q_OBJECT
 
 public:
-    /// @param content and lists outlive the pane
-    PlacesPane(LibraryContent& content, const UserLists& lists, QWidget* parent = nullptr);
+    /// @param content, lists and news outlive the pane
+    PlacesPane(LibraryContent& content, const UserLists& lists, const LibraryNews& news,
+               QWidget* parent = nullptr);
     ~PlacesPane() override;
 
     Place current() const;
@@ -43,10 +45,12 @@ Q_SIGNALS:
 private:
     void buildTree();
     void chooseCurrent();
+    void showListCounts();
     void openNewCategories();
 
     LibraryContent& mContent;
     const UserLists& mLists;
+    const LibraryNews& mNews;
     PlacesModel* mModel;
     QTreeView* mTree;
     PlaceMemory* mMemory;

@@ -50,6 +50,7 @@ SearchBar::SearchBar(QWidget* parent)
       mMaker(new FacetChip(tr("Manufacturer"))),
       mCatalog(new FacetChip(tr("Catalog"))),
       mFavourites(new QToolButton),
+      mNew(new QToolButton),
       mFilters(new FilterBar)
 {
     setObjectName(QStringLiteral("searchBar"));
@@ -58,8 +59,9 @@ SearchBar::SearchBar(QWidget* parent)
     buildField();
     buildChips();
     auto* chips = new FlowLayout;
-    for (QWidget* chip : {static_cast<QWidget*>(mStyle), static_cast<QWidget*>(mMaker),
-                          static_cast<QWidget*>(mCatalog), static_cast<QWidget*>(mFavourites)})
+    for (QWidget* chip :
+         {static_cast<QWidget*>(mStyle), static_cast<QWidget*>(mMaker), static_cast<QWidget*>(mCatalog),
+          static_cast<QWidget*>(mFavourites), static_cast<QWidget*>(mNew)})
         chips->addWidget(chip);
     chips->addWidget(mFilters);
     auto* layout = new QVBoxLayout(this);
@@ -92,11 +94,16 @@ void SearchBar::buildChips()
     mCatalog->setObjectName(QStringLiteral("catalogChip"));
     mFavourites->setObjectName(QStringLiteral("favouritesChip"));
     mFavourites->setText(tr("Favourites"));
-    mFavourites->setCheckable(true);
-    mFavourites->setFocusPolicy(Qt::TabFocus);
+    mNew->setObjectName(QStringLiteral("newChip"));
+    mNew->setText(tr("New"));
+    mNew->setToolTip(tr("Items that updates brought since you last looked"));
+    for (QToolButton* chip : {mFavourites, mNew}) {
+        chip->setCheckable(true);
+        chip->setFocusPolicy(Qt::TabFocus);
+        connect(chip, &QToolButton::clicked, this, &SearchBar::changed);
+    }
     for (FacetChip* chip : {mStyle, mMaker, mCatalog})
         connect(chip, &FacetChip::chosen, this, &SearchBar::changed);
-    connect(mFavourites, &QToolButton::clicked, this, &SearchBar::changed);
     connect(mFilters, &FilterBar::chosen, this, &SearchBar::changed);
 }
 
@@ -118,6 +125,7 @@ void SearchBar::addTo(ItemQuery& query) const
     if (mCatalog->value().isValid())
         query.catalog = fileString(QFile::encodeName(mCatalog->value().toString()).toStdString());
     query.onlyFavourites = mFavourites->isChecked();
+    query.onlyNew = mNew->isChecked();
     const LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
     if (!OrvHost::FilterChange::isFiltering(manager))
         return;
@@ -138,6 +146,7 @@ void SearchBar::showNumbers(const ItemQuery::Found& found)
     mFavourites->setText(found.favourites == 0
                              ? tr("Favourites")
                              : tr("Favourites (%1)").arg(QLocale().toString(found.favourites)));
+    mNew->setText(found.newItems == 0 ? tr("New") : tr("New (%1)").arg(QLocale().toString(found.newItems)));
 }
 
 QStringList SearchBar::restrictions() const
@@ -151,6 +160,8 @@ QStringList SearchBar::restrictions() const
             restrictions << chip->accessibleName();
     if (mFavourites->isChecked())
         restrictions << tr("only favourites");
+    if (mNew->isChecked())
+        restrictions << tr("only what is new");
     const LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
     if (OrvHost::FilterChange::isFiltering(manager))
         restrictions << tr("the filter “%1”").arg(QString::fromStdString(manager.getCurrentFilterString()));
@@ -173,13 +184,14 @@ void SearchBar::clearChoices()
     for (FacetChip* chip : {mStyle, mMaker, mCatalog})
         chip->clear();
     mFavourites->setChecked(false);
+    mNew->setChecked(false);
     mFilters->chooseNone();
 }
 
 bool SearchBar::hasChoices() const
 {
     return mStyle->value().isValid() || mMaker->value().isValid() || mCatalog->value().isValid() ||
-           mFavourites->isChecked() ||
+           mFavourites->isChecked() || mNew->isChecked() ||
            OrvHost::FilterChange::isFiltering(LibraryFilterManager::getLibraryFilterManager());
 }
 

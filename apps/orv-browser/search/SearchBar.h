@@ -12,7 +12,7 @@ class QLineEdit;
 class QToolButton;
 
 /// What restricts the gallery: the search field, and below it the choices of style, maker, catalog,
-/// favourites and stored filter, each with the numbers that it would leave.
+/// favourites, what is new, and stored filter, each with the numbers that it would leave.
 class SearchBar : public QWidget
 {
     Q_OBJECT
@@ -61,5 +61,6 @@ private:
     FacetChip* mMaker;
     FacetChip* mCatalog;
     QToolButton* mFavourites;
+    QToolButton* mNew;
     FilterBar* mFilters;
 };

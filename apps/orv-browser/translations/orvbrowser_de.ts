@@ -181,6 +181,10 @@
         <source>Manufacturer</source>
         <translation>Hersteller</translation>
     </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
+    </message>
 </context>
 <context>
     <name>GalleryViews</name>
@@ -321,6 +325,18 @@
     <message>
         <source>The picture is broken.</source>
         <translation>Das Bild ist beschädigt.</translation>
+    </message>
+    <message>
+        <source>new since you last looked</source>
+        <translation>neu, seit Sie zuletzt hingesehen haben</translation>
+    </message>
+    <message>
+        <source>changed since you last looked</source>
+        <translation>geändert, seit Sie zuletzt hingesehen haben</translation>
+    </message>
+    <message>
+        <source>News:</source>
+        <translation>Neuigkeit:</translation>
     </message>
 </context>
 <context>
@@ -474,6 +490,17 @@
     </message>
 </context>
 <context>
+    <name>NewBadge</name>
+    <message>
+        <source>New</source>
+        <translation>Neu</translation>
+    </message>
+    <message>
+        <source>Changed</source>
+        <translation>Geändert</translation>
+    </message>
+</context>
+<context>
     <name>NothingFoundPage</name>
     <message>
         <source>Nothing found</source>
@@ -572,6 +599,22 @@
         <source>Cannot be read: %1</source>
         <translation>Nicht lesbar: %1</translation>
     </message>
+    <message>
+        <source>State:</source>
+        <translation>Zustand:</translation>
+    </message>
+    <message>
+        <source>Gone:</source>
+        <translation>Entfallen:</translation>
+    </message>
+    <message>
+        <source>Mark all as seen</source>
+        <translation>Alles als gesehen vermerken</translation>
+    </message>
+    <message>
+        <source>an update is waiting</source>
+        <translation>eine Aktualisierung steht bereit</translation>
+    </message>
 </context>
 <context>
     <name>PlaceNames</name>
@@ -603,12 +646,31 @@
         <source>Recent</source>
         <translation>Zuletzt angesehen</translation>
     </message>
+    <message>
+        <source>What&apos;s new</source>
+        <translation>Neues</translation>
+    </message>
 </context>
 <context>
     <name>PlacesModel</name>
     <message>
         <source>Cannot be read: %1</source>
         <translation>Nicht lesbar: %1</translation>
+    </message>
+    <message>
+        <source>%1, %2</source>
+        <translation>%1, %2</translation>
+    </message>
+    <message>
+        <source>an update is waiting</source>
+        <translation>eine Aktualisierung steht bereit</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln item(s) new or changed</source>
+        <translation>
+            <numerusform>%Ln Objekt neu oder geändert</numerusform>
+            <numerusform>%Ln Objekte neu oder geändert</numerusform>
+        </translation>
     </message>
 </context>
 <context>
@@ -778,6 +840,29 @@
     <message>
         <source>the filter “%1”</source>
         <translation>der Filter „%1“</translation>
+    </message>
+    <message>
+        <source>New</source>
+        <translation>Neu</translation>
+    </message>
+    <message>
+        <source>Items that updates brought since you last looked</source>
+        <translation>Objekte, die Aktualisierungen gebracht haben, seit Sie zuletzt hingesehen haben</translation>
+    </message>
+    <message>
+        <source>New (%1)</source>
+        <translation>Neu (%1)</translation>
+    </message>
+    <message>
+        <source>only what is new</source>
+        <translation>nur Neues</translation>
+    </message>
+</context>
+<context>
+    <name>SeenCommand</name>
+    <message>
+        <source>Mark all as seen</source>
+        <translation>Alles als gesehen vermerken</translation>
     </message>
 </context>
 <context>
@@ -1022,6 +1107,10 @@
     <message>
         <source>&amp;Keys…</source>
         <translation>&amp;Tasten …</translation>
+    </message>
+    <message>
+        <source>Mark all as &amp;seen</source>
+        <translation>Alles als &amp;gesehen vermerken</translation>
     </message>
 </context>
 </TS>

@@ -59,6 +59,16 @@
     </message>
 </context>
 <context>
+    <name>PlacesModel</name>
+    <message numerus="yes">
+        <source>%Ln item(s) new or changed</source>
+        <translation>
+            <numerusform>%Ln item new or changed</numerusform>
+            <numerusform>%Ln items new or changed</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>SeveralDetails</name>
     <message numerus="yes">
         <source>%Ln item(s) selected</source>

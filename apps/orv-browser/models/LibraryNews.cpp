@@ -1,0 +1,114 @@
+#include "apps/orv-browser/models/LibraryNews.h"
+
+#include <utility>
+
+#include <QJsonArray>
+#include <QJsonObject>
+
+#include "OrvHost/history/CatalogNews.h"
+#include "OrvHost/update/LastCheck.h"
+#include "OrvHost/update/RunRecords.h"
+#include "apps/orv-browser/models/Background.h"
+#include "apps/orv-browser/models/UserLists.h"
+
+using OrvHost::CatalogPlaces::installed;
+
+/// What is noted below the root.
+struct LibraryNews::Notes
+{
+    NewItems items;
+    std::set<fileString> waiting;
+    std::int64_t lastRun = 0;
+    bool isLibraryEmpty = true;
+};
+
+namespace {
+
+NewItems itemsSince(const fileString& root, std::int64_t run)
+{
+    NewItems items;
+    for (const auto& [place, changes] : OrvHost::CatalogNews::since(root, run)) {
+        auto& catalog = items.catalogs[place.path()];
+        for (const auto& item : changes.added)
+            catalog.emplace(item.id, NewItems::Kind::Added);
+        for (const auto& item : changes.changed)
+            catalog.emplace(item.id, NewItems::Kind::Changed);
+        items.gone += static_cast<int>(changes.gone.size());
+    }
+    return items;
+}
+
+std::set<fileString> waitingCatalogs(const fileString& root)
+{
+    std::set<fileString> waiting;
+    const auto check = OrvHost::LastCheck::load(root);
+    if (!check)
+        return waiting;
+    for (const QJsonValue entry : check->document["catalogs"].toArray()) {
+        const QJsonObject catalog = entry.toObject();
+        const OrvHost::CatalogPlace place = OrvHost::CatalogPlaces::ofKey(
+            (catalog["category"].toString() + QLatin1Char('/') + catalog["name"].toString()).toStdString());
+        if (catalog["state"] == QLatin1String("new") && !place.name.empty())
+            waiting.insert(place.path());
+    }
+    return waiting;
+}
+
+std::int64_t lastRunOf(const fileString& root)
+{
+    const QJsonArray runs = OrvHost::RunRecords::list(root);
+    return runs.isEmpty() ? 0 : static_cast<std::int64_t>(runs.first().toObject()["number"].toDouble());
+}
+
+} // namespace
+
+LibraryNews::LibraryNews(fileString root, UserLists& lists, QObject* parent)
+    : QObject(parent), mRoot(std::move(root)), mLists(lists), mItems(std::make_shared<const NewItems>())
+{
+    mPool.setMaxThreadCount(1);
+}
+
+LibraryNews::~LibraryNews()
+{
+    mPool.clear();
+    mPool.waitForDone();
+}
+
+void LibraryNews::refresh()
+{
+    mIsStale = mIsReading;
+    if (mIsReading)
+        return;
+    mIsReading = true;
+    Background::run(
+        mPool, this,
+        [root = mRoot, seen = mLists.seenRun()] {
+            Notes notes;
+            notes.lastRun = lastRunOf(root); // first: what comes meanwhile is not seen yet
+            if (seen)
+                notes.items = itemsSince(root, *seen);
+            notes.waiting = waitingCatalogs(root);
+            notes.isLibraryEmpty = installed().empty();
+            return notes;
+        },
+        [this](const Notes& notes) { take(notes); });
+}
+
+void LibraryNews::take(const Notes& notes)
+{
+    mIsReading = false;
+    mLastRun = notes.lastRun;
+    if (!mLists.seenRun() && !notes.isLibraryEmpty)
+        mLists.setSeenRun(mLastRun);
+    mItems = std::make_shared<const NewItems>(notes.items);
+    mWaiting = notes.waiting;
+    Q_EMIT changed();
+    if (mIsStale)
+        refresh();
+}
+
+void LibraryNews::setSeen(std::int64_t run)
+{
+    mLists.setSeenRun(run);
+    refresh();
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+
+#include <QObject>
+#include <QThreadPool>
+
+#include "apps/orv-browser/models/NewItems.h"
+
+class UserLists;
+
+/// What updates brought since the user last looked, and which catalogs have an update that waits, as the
+/// careful host notes both below the root, whichever program updated or checked. What was installed before
+/// the window first looked is not new. Lives on the interface thread.
+class LibraryNews : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// @param lists keep what the user has seen; outlive the object
+    LibraryNews(fileString root, UserLists& lists, QObject* parent = nullptr);
+    /// Waits for the reading that is under way.
+    ~LibraryNews() override;
+
+    /// Never null.
+    const std::shared_ptr<const NewItems>& items() const { return mItems; }
+    /// Whether the last check found a newer version of an installed catalog.
+    bool isWaiting(const fileString& database) const { return mWaiting.count(database) != 0; }
+
+    /// Reads again what is noted, in the background.
+    void refresh();
+    bool isReading() const { return mIsReading; }
+    /// The number of the update up to which all has been read.
+    std::int64_t lastRun() const { return mLastRun; }
+    /// From now on only what came after an update is new.
+    void setSeen(std::int64_t run);
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    struct Notes;
+
+    void take(const Notes& notes);
+
+    fileString mRoot;
+    UserLists& mLists;
+    std::shared_ptr<const NewItems> mItems;
+    std::set<fileString> mWaiting;
+    std::int64_t mLastRun = 0;
+    bool mIsReading = false;
+    bool mIsStale = false; ///< whether to read again after the reading that is under way
+    QThreadPool mPool;
+};

@@ -1,0 +1,205 @@
+// What is new, what waits, and how the user puts it away; against the real service in a process of its own.
+#include <QAction>
+#include <QLabel>
+#include <QListView>
+#include <QPushButton>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QTest>
+#include <QToolButton>
+#include <QTreeView>
+
+#include <gmock/gmock.h>
+
+#include "tests/orv-browser/BrowserService.h"
+#include "tests/orv-browser/BrowserTest.h"
+#include "tests/orv-browser/CatalogMaker.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+class BrowserNewsTest : public test::BrowserTest
+{
+protected:
+    BrowserNewsTest() : service(folder().path() + "/service")
+    {
+        test::CatalogMaker doors(service.content() + "/Fresh.orvlib", "fresh");
+        const int all = doors.addFolder("All");
+        for (const char* name : {"Arch", "Beam", "Column"})
+            doors.addItem(all, {name, "", 3, std::nullopt, test::CatalogMaker::picture()});
+        const std::string index = service.content() + "/Orv_Core_Content_Index.txt";
+        test::writeFile(index, "Fresh.orvlib\n");
+    }
+
+    void update()
+    {
+        trigger("checkForUpdates");
+        ASSERT_TRUE(waitFor([&] { return child<QAction>("checkForUpdates").isEnabled(); }));
+        ASSERT_TRUE(settle());
+    }
+    /// The service has a newer version of its catalog: "Arch" has another name, "Column" is gone, "Dormer"
+    /// new.
+    void changeCatalog() const
+    {
+        change({"UPDATE item SET name = 'Archway' WHERE name = 'Arch'",
+                "DELETE FROM item WHERE name = 'Column'",
+                "INSERT INTO item (id, folder, name, pane_name) VALUES (77, 1, 'Dormer', '')"});
+    }
+    void change(const QStringList& statements) const
+    {
+        QString problem;
+        {
+            QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "news-test");
+            database.setDatabaseName(QString::fromStdString(service.content() + "/Fresh.orvlib"));
+            database.open();
+            for (const QString& statement : statements)
+                problem += database.exec(statement).lastError().text().trimmed();
+        }
+        QSqlDatabase::removeDatabase("news-test");
+        ASSERT_EQ(problem, "");
+    }
+    void openWithNews()
+    {
+        open(service.redirect());
+        update();
+        changeCatalog();
+        update();
+    }
+    int newsCount() { return place({"What's new"}).data(PlacesModel::kCountRole).toInt(); }
+    QString chip() { return child<QToolButton>("newChip").text(); }
+    QString accessibleName(const QString& item)
+    {
+        const int row = names().indexOf(item);
+        return items().index(row, 0).data(Qt::AccessibleTextRole).toString();
+    }
+    PlacesModel::State stateOf(const QModelIndex& catalog)
+    {
+        return static_cast<PlacesModel::State>(catalog.data(PlacesModel::kStateRole).toInt());
+    }
+
+    test::BrowserService service;
+};
+
+} // namespace
+
+TEST_F(BrowserNewsTest, whatTheFirstFetchBroughtIsNotNew)
+{
+    open(service.redirect());
+    EXPECT_EQ(newsCount(), 0);
+    update();
+    EXPECT_TRUE(place({"Core", "Fresh"}).isValid());
+    EXPECT_EQ(newsCount(), 0);
+    EXPECT_EQ(chip(), "New");
+    ASSERT_TRUE(goTo({"What's new"}));
+    EXPECT_TRUE(names().isEmpty());
+    EXPECT_FALSE(child<QPushButton>("markSeen").isVisible());
+}
+
+TEST_F(BrowserNewsTest, itemsThatAnUpdateAddedOrChangedAreNew)
+{
+    openWithNews();
+    EXPECT_EQ(newsCount(), 2);
+    EXPECT_EQ(chip(), "New (2)");
+    EXPECT_EQ(stateOf(place({"Core", "Fresh"})), PlacesModel::State::New);
+    EXPECT_TRUE(place({"Core", "Fresh"}).data(Qt::AccessibleTextRole).toString().startsWith("Fresh, 2 item"));
+    const QModelIndex row = place({"What's new"});
+    tree().scrollTo(row);
+    QTest::mouseClick(tree().viewport(), Qt::LeftButton, {}, tree().visualRect(row).center());
+    EXPECT_EQ(names(), QStringList({"Archway", "Dormer"}));
+    EXPECT_EQ(detail("placeGone"), "1");
+    EXPECT_EQ(accessibleName("Archway"), "Archway, from Fresh, Changed");
+    EXPECT_EQ(accessibleName("Dormer"), "Dormer, from Fresh, New");
+    select("Dormer");
+    EXPECT_EQ(detail("detailsNew"), "new since you last looked");
+    select("Archway");
+    EXPECT_EQ(detail("detailsNew"), "changed since you last looked");
+}
+
+TEST_F(BrowserNewsTest, chipLeavesWhatIsNewAndItemsSayIt)
+{
+    openWithNews();
+    ASSERT_TRUE(goTo({"Core"}));
+    EXPECT_EQ(names(), QStringList({"Archway", "Beam", "Dormer"}));
+    select("Beam");
+    EXPECT_EQ(detail("detailsNew"), "");
+    EXPECT_EQ(accessibleName("Beam"), "Beam, from Fresh");
+    QTest::mouseClick(&child<QToolButton>("newChip"), Qt::LeftButton);
+    EXPECT_EQ(names(), QStringList({"Archway", "Dormer"}));
+    QTest::keyClicks(&child<QWidget>("searchField"), "beam");
+    ASSERT_TRUE(waitFor([&] { return child<QLabel>("nothingFound").isVisible(); }));
+    EXPECT_TRUE(child<QLabel>("nothingFound").text().contains("only what is new"));
+    QTest::mouseClick(&child<QPushButton>("clearSearch"), Qt::LeftButton);
+    EXPECT_EQ(names(), QStringList({"Archway", "Beam", "Dormer"}));
+}
+
+TEST_F(BrowserNewsTest, newItemsLookNew)
+{
+    openWithNews();
+    ASSERT_TRUE(goTo({"Core"}));
+    auto& gallery = child<QListView>("gallery");
+    const auto greenPixels = [&](int row) {
+        const QImage image = gallery.viewport()->grab(gallery.visualRect(items().index(row, 0))).toImage();
+        int count = 0;
+        for (int y = 0; y < image.height() / 4; ++y)
+            for (int x = 0; x < image.width(); ++x)
+                count += image.pixelColor(x, y) == QColor(45, 125, 70);
+        return count;
+    };
+    EXPECT_GT(greenPixels(2), 50);
+    EXPECT_EQ(greenPixels(1), 0);
+}
+
+TEST_F(BrowserNewsTest, whatWasSeenIsNewNoMoreUntilUndo)
+{
+    openWithNews();
+    ASSERT_TRUE(goTo({"What's new"}));
+    QTest::mouseClick(&child<QPushButton>("markSeen"), Qt::LeftButton);
+    EXPECT_TRUE(names().isEmpty());
+    EXPECT_EQ(newsCount(), 0);
+    EXPECT_EQ(stateOf(place({"Core", "Fresh"})), PlacesModel::State::None);
+    QTest::keyClick(&window(), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(names(), QStringList({"Archway", "Dormer"}));
+    trigger("markAllSeen");
+    EXPECT_EQ(newsCount(), 0);
+    close();
+    open(service.redirect());
+    EXPECT_EQ(newsCount(), 0);
+    change({"UPDATE item SET name = 'Beams' WHERE name = 'Beam'"});
+    update();
+    ASSERT_TRUE(goTo({"What's new"}));
+    EXPECT_EQ(names(), QStringList("Beams"));
+}
+
+TEST_F(BrowserNewsTest, newsAddUpOverUpdatesAndStarts)
+{
+    openWithNews();
+    close();
+    change({"UPDATE item SET name = 'Beams' WHERE name = 'Beam'"});
+    const QString root = QString::fromStdString(folder().path() + "/root");
+    test::BrowserService::runProgram({"--root", root, "update", "--url", service.redirect()});
+    open(service.redirect());
+    ASSERT_TRUE(goTo({"What's new"}));
+    EXPECT_EQ(names(), QStringList({"Archway", "Beams", "Dormer"}));
+}
+
+TEST_F(BrowserNewsTest, updateThatAnotherProgramFoundWaitsBesideItsCatalog)
+{
+    open(service.redirect());
+    update();
+    EXPECT_EQ(stateOf(place({"Core", "Fresh"})), PlacesModel::State::None);
+    close();
+    changeCatalog();
+    const QString root = QString::fromStdString(folder().path() + "/root");
+    QProcess program; // its status says that something waits
+    program.start(ORV_LIBRARY_PROGRAM, {"--root", root, "check", "--url", service.redirect()});
+    ASSERT_TRUE(program.waitForFinished());
+    open(service.redirect());
+    ASSERT_TRUE(goTo({"Core", "Fresh"}));
+    EXPECT_EQ(stateOf(place({"Core", "Fresh"})), PlacesModel::State::Waiting);
+    EXPECT_EQ(detail("placeState"), "an update is waiting");
+    EXPECT_EQ(place({"Core", "Fresh"}).data(Qt::ToolTipRole).toString(), "an update is waiting");
+    update();
+    EXPECT_EQ(stateOf(place({"Core", "Fresh"})), PlacesModel::State::New);
+}
