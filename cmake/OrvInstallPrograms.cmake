@@ -6,7 +6,8 @@ set_target_properties(orv-library orv-browser PROPERTIES INSTALL_RPATH "$ORIGIN/
 install(TARGETS orv-library orv-browser RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT programs)
 install(FILES packaging/completion/orv-library.bash
     DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT programs RENAME orv-library)
-install(FILES docs/service/README.md docs/service/nginx-catalog.conf
+install(FILES docs/troubleshooting.md DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/orv-library" COMPONENT programs)
+install(FILES docs/service/README.md docs/service/behind-a-proxy.md docs/service/nginx-catalog.conf
     DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/orv-library/service" COMPONENT programs)
 install(DIRECTORY docs/schemas
     DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/orv-library" COMPONENT programs FILES_MATCHING PATTERN "*.json")

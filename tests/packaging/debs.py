@@ -82,7 +82,9 @@ class DebianPackages(unittest.TestCase):
         self.assertTrue(os.path.exists(
             self.in_tree("usr", "share", "bash-completion", "completions", "orv-library")))
 
-    def test_schemas_of_the_documents_are_there(self):
+    def test_schemas_and_pages_of_the_documents_are_there(self):
+        for name in ("troubleshooting.md", os.path.join("service", "behind-a-proxy.md")):
+            self.assertTrue(os.path.exists(self.in_tree("usr", "share", "doc", "orv-library", name)), name)
         schemas = os.listdir(os.path.join(SOURCE, "docs", "schemas"))
         self.assertGreater(len(schemas), 10)
         self.assertEqual(set(os.listdir(self.in_tree("usr", "share", "doc", "orv-library", "schemas"))), set(schemas))
