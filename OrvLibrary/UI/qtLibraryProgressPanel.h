@@ -30,8 +30,9 @@ public:
     ~LibraryProgressPanel() override;
 
     /// Makes a panel and docks it into the splitter named "libMainSplitter" somewhere below `parent`, with
-    /// room for two lines of text. Where there is no such splitter the panel is a dialog of `parent`, which
-    /// stays hidden until the host shows it or puts it into a layout.
+    /// room for two lines of text. Where there is no such splitter the panel is a dialog of `parent`, as any
+    /// progress dialog: it shows itself after `minimumDuration()`, four seconds, unless the host shows it
+    /// before. In a layout of another widget it is a strip there.
     /// @return the panel, owned by its Qt parent
     static LibraryProgressPanel* create(QWidget* parent);
     /// The caption under which the host groups progress panels.

@@ -13,6 +13,7 @@
 #include <QSignalSpy>
 #include <QSplitter>
 #include <QTest>
+#include <QVBoxLayout>
 
 #include <gtest/gtest.h>
 
@@ -102,6 +103,28 @@ TEST_F(LibraryProgressPanelTest, isLeftAloneWithoutTheSplitter)
     EXPECT_EQ(misnamed->count(), 0);
     EXPECT_NE(loose->sizePolicy().verticalPolicy(), QSizePolicy::Fixed);
     EXPECT_EQ(loose->findChild<QHBoxLayout*>()->itemAt(0)->widget()->property("text"), QVariant(""));
+}
+
+TEST_F(LibraryProgressPanelTest, showsItselfInTimeWithoutTheSplitter)
+{
+    QWidget other;
+    LibraryProgressPanel* loose = LibraryProgressPanel::create(&other);
+    EXPECT_EQ(loose->minimumDuration(), 4000); // milliseconds
+    loose->setMinimumDuration(1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return loose->isVisible(); }));
+}
+
+TEST_F(LibraryProgressPanelTest, standsInALayoutOfTheHostWithoutTheSplitter)
+{
+    QWidget other;
+    auto* strip = new QWidget(&other);
+    auto* layout = new QVBoxLayout(strip);
+    LibraryProgressPanel* placed = LibraryProgressPanel::create(&other);
+    layout->addWidget(placed);
+    other.show();
+    EXPECT_FALSE(placed->isWindow());
+    EXPECT_EQ(placed->parentWidget(), strip);
+    EXPECT_TRUE(placed->isVisible());
 }
 
 TEST_F(LibraryProgressPanelTest, canBeMadeWithoutAParent)
