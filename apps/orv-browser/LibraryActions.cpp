@@ -10,6 +10,7 @@
 #include "apps/orv-browser/activities/ImportCommand.h"
 #include "apps/orv-browser/activities/ImportController.h"
 #include "apps/orv-browser/activities/UpdateController.h"
+#include "apps/orv-browser/activities/UpdateSummary.h"
 #include "apps/orv-browser/dialogs/AddressCheck.h"
 #include "apps/orv-browser/dialogs/ManufacturerPreview.h"
 #include "apps/orv-browser/dialogs/PreferencesDialog.h"
@@ -28,6 +29,7 @@ LibraryActions::LibraryActions(QMainWindow& window, const fileString& root, QUnd
     Appearance::apply(mSettings.colours);
     connect(mUpdates, &UpdateController::catalogReplaced, this, &LibraryActions::catalogChanged);
     connect(mUpdates, &UpdateController::ended, this, &LibraryActions::updateEnded);
+    connect(mUpdates, &UpdateController::refused, this, &LibraryActions::updateRefused);
     connect(mImports, &ImportController::imported, this, &LibraryActions::archiveImported);
     connect(mImports, &ImportController::finished, this, &LibraryActions::importsEnded);
     connect(mImports, &ImportController::takenBack, this, &LibraryActions::importTakenBack);
@@ -91,11 +93,18 @@ void LibraryActions::fetchAgain(const Place& catalog)
     checkForUpdates();
 }
 
-void LibraryActions::updateEnded(const QString& summary, bool hasProblems)
+void LibraryActions::updateEnded(const UpdateSummary& summary)
+{
+    const QString text = summary.text();
+    Q_EMIT runningChanged(false);
+    Q_EMIT said(summary.hasProblems() ? text + QLatin1Char(' ') + tr("The log has the details.") : text);
+    Q_EMIT foldersChanged();
+}
+
+void LibraryActions::updateRefused(const QString& reason)
 {
     Q_EMIT runningChanged(false);
-    Q_EMIT said(hasProblems ? summary + QLatin1Char(' ') + tr("The log has the details.") : summary);
-    Q_EMIT foldersChanged();
+    Q_EMIT said(reason);
 }
 
 void LibraryActions::archiveImported(const OrvHost::ArchiveImport::Result& result)
@@ -107,6 +116,7 @@ void LibraryActions::archiveImported(const OrvHost::ArchiveImport::Result& resul
 
 void LibraryActions::importsEnded(const QString& summary)
 {
+    Q_EMIT importingChanged(false);
     Q_EMIT foldersChanged();
     Q_EMIT said(summary);
 }
@@ -127,8 +137,10 @@ void LibraryActions::openArchive()
 
 void LibraryActions::importArchives(const QStringList& sources)
 {
-    if (!sources.isEmpty())
-        mImports->import(sources);
+    if (sources.isEmpty())
+        return;
+    Q_EMIT importingChanged(true);
+    mImports->import(sources);
 }
 
 void LibraryActions::refreshManufacturers()

@@ -13,6 +13,7 @@
 class ImportController;
 class QUndoStack;
 class UpdateController;
+class UpdateSummary;
 
 /// What the user does with the library as a whole: updates, imports, manufacturer records, filters and
 /// preferences. Lives on the interface thread, as long as the window.
@@ -35,6 +36,7 @@ public:
     void stop();
 
     UpdateController& updates() { return *mUpdates; }
+    ImportController& imports() { return *mImports; }
     void checkForUpdates();
     /// Fetches a catalog of the service again, whatever is installed, and checks the others.
     void fetchAgain(const Place& catalog);
@@ -50,6 +52,7 @@ Q_SIGNALS:
     /// Catalogs may have come or gone.
     void foldersChanged();
     void runningChanged(bool isRunning);
+    void importingChanged(bool isImporting);
     /// A sentence for people on how something ended; empty for silence.
     void said(const QString& sentence);
     void recordsChanged();
@@ -57,7 +60,8 @@ Q_SIGNALS:
 
 private:
     bool readShared();
-    void updateEnded(const QString& summary, bool hasProblems);
+    void updateEnded(const UpdateSummary& summary);
+    void updateRefused(const QString& reason);
     void archiveImported(const OrvHost::ArchiveImport::Result& result);
     void importsEnded(const QString& summary);
     void importTakenBack(const fileString& library, const QString& sentence);

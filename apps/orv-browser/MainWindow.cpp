@@ -17,7 +17,10 @@
 #include "apps/orv-browser/ItemActions.h"
 #include "apps/orv-browser/LibraryActions.h"
 #include "apps/orv-browser/WindowMenus.h"
+#include "apps/orv-browser/activities/Activities.h"
+#include "apps/orv-browser/activities/ActivityPane.h"
 #include "apps/orv-browser/activities/MessageBar.h"
+#include "apps/orv-browser/activities/ResultCard.h"
 #include "apps/orv-browser/activities/SeenCommand.h"
 #include "apps/orv-browser/activities/StatusLine.h"
 #include "apps/orv-browser/activities/UpdateController.h"
@@ -71,8 +74,9 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
       mPanes(new QSplitter(Qt::Horizontal)),
       mActions(new ItemActions(mGallery->views().model(), *mLists, this)),
       mMenus(new WindowMenus(*this, mActions->undoStack())),
-      mStatus(new StatusLine(*mMenus->checkForUpdates, this)),
+      mStatus(new StatusLine(*mMenus->checkForUpdates, *mMenus->showActivities, this)),
       mLibrary(new LibraryActions(*this, root, mActions->undoStack())),
+      mActivities(new Activities(*mLibrary, *mMenus->showActivities, this)),
       mMemory(root, *this, *mPanes, *mPlaces, *mGallery)
 {
     setObjectName(QStringLiteral("libraryBrowser"));
@@ -110,6 +114,8 @@ void MainWindow::buildPanes()
     auto* main = new QSplitter(Qt::Vertical);
     main->setObjectName(QStringLiteral("libMainSplitter")); // where the progress panel docks
     main->addWidget(mPanes);
+    main->addWidget(&mActivities->pane());
+    main->setStretchFactor(0, 1);
     main->setChildrenCollapsible(false);
 
     auto* content = new QWidget;
@@ -117,6 +123,7 @@ void MainWindow::buildPanes()
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
     layout->addWidget(mMessages);
+    layout->addWidget(&mActivities->card());
     layout->addWidget(main, 1);
     setCentralWidget(content);
     setStatusBar(mStatus);
@@ -190,11 +197,14 @@ void MainWindow::connectLibrary()
 {
     connect(mStatus, &StatusLine::cancelAsked, mLibrary, &LibraryActions::cancel);
     connect(mStatus, &StatusLine::logAsked, mMenus->showLog, &QAction::trigger);
+    connect(mActivities, &Activities::logAsked, mMenus->showLog, &QAction::trigger);
+    connect(mActivities, &Activities::newsAsked, this, [this] { goTo({Place::Kind::News, -1, {}, -1}); });
     connect(&mLibrary->updates(), &UpdateController::speedChanged, mStatus, &StatusLine::showSpeed);
     connect(mLibrary, &LibraryActions::catalogChanged, this, &MainWindow::catalogChanged);
     connect(mLibrary, &LibraryActions::foldersChanged, mContent, &LibraryContent::refresh);
     connect(mLibrary, &LibraryActions::foldersChanged, mNews, &LibraryNews::refresh);
     connect(mLibrary, &LibraryActions::runningChanged, this, &MainWindow::showRunning);
+    connect(mLibrary, &LibraryActions::importingChanged, mStatus, &StatusLine::showImporting);
     connect(mLibrary, &LibraryActions::said, mStatus, &StatusLine::say);
     connect(mLibrary, &LibraryActions::filtersChanged, this, &MainWindow::filtersChanged);
     connect(mLibrary, &LibraryActions::recordsChanged, mGallery, &GalleryPane::ask);

@@ -6,6 +6,7 @@
 #include "apps/orv-browser/WindowMemory.h"
 #include "apps/orv-browser/models/Place.h"
 
+class Activities;
 class DetailsPane;
 class GalleryPane;
 class ItemActions;
@@ -73,5 +74,6 @@ private:
     WindowMenus* mMenus;
     StatusLine* mStatus;
     LibraryActions* mLibrary;
+    Activities* mActivities;
     WindowMemory mMemory;
 };

@@ -37,6 +37,9 @@ WindowMenus::WindowMenus(QMainWindow& window, QUndoStack& undo) : QObject(&windo
     showDetails = add(*view, tr("&Details"), "viewDetails", {Qt::CTRL + Qt::Key_I});
     showDetails->setCheckable(true);
     showDetails->setChecked(true);
+    showActivities = add(*view, tr("&Activities"), "viewActivities", {Qt::CTRL + Qt::Key_J});
+    showActivities->setCheckable(true);
+    showActivities->setEnabled(false); // until there are some
 
     QMenu* library = window.menuBar()->addMenu(tr("&Library"));
     checkForUpdates = add(*library, tr("Check for &updates"), "checkForUpdates", {Qt::Key_F5});

@@ -29,7 +29,8 @@ public:
     QAction* search;
     QAction* showGrid;
     QAction* showList;
-    QAction* showDetails; ///< checkable
+    QAction* showDetails;    ///< checkable
+    QAction* showActivities; ///< checkable
     QAction* favourite;
     QAction* showInFolder;
     QAction* shortcuts;

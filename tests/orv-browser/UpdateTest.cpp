@@ -5,6 +5,8 @@
 #include <string>
 
 #include <QAction>
+#include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
@@ -48,6 +50,19 @@ protected:
         check().trigger();
         ASSERT_FALSE(check().isEnabled());
         ASSERT_TRUE(ends());
+    }
+
+    /// The core catalogs that are there, as a sentence names them: five, and the number of the others.
+    QString installed() const
+    {
+        const QFileInfoList files =
+            QDir(QString::fromStdString(inRoot("core"))).entryInfoList({"*.orvlib"}, QDir::Files, QDir::Name);
+        QStringList names;
+        for (const QFileInfo& file : files)
+            names << file.completeBaseName();
+        const int rest = static_cast<int>(names.size()) - 5;
+        const QString five = QStringList(names.mid(0, 5)).join(", ");
+        return rest > 0 ? five + " and " + QString::number(rest) + " more" : five;
     }
 
     /// Marks every catalog at its end, which the database does not mind.
@@ -156,7 +171,7 @@ TEST_F(BrowserUpdateTest, cancelEndsItSoonAndLeavesNothingHalf)
     QTest::mouseClick(&child<QToolButton>("cancelButton"), Qt::LeftButton);
     ASSERT_TRUE(ends());
     Curl::setRateLimit(0);
-    EXPECT_TRUE(summary().startsWith("The update was cancelled.")) << summary().toStdString();
+    EXPECT_EQ(summary(), "The update was cancelled. Updated: " + installed() + '.');
     EXPECT_EQ(child<QLabel>("speed").text(), "");
     EXPECT_THAT(test::listTree(folder().path() + "/root"), Not(Contains(EndsWith(".download"))));
     EXPECT_FALSE(place({"Core", "Large"}).isValid());

@@ -3,15 +3,12 @@
 #include <utility>
 
 #include <QFile>
-#include <QProgressDialog>
-#include <QTimer>
 
 #include "OrvHost/imports/ImportUndo.h"
+#include "apps/orv-browser/activities/ImportProgress.h"
 #include "apps/orv-browser/models/Background.h"
 
 namespace {
-
-constexpr int kShowMilliseconds = 200; // a shorter import needs no dialog
 
 /// @return why the import was not taken back; empty when it was
 QString takeBackNow(const fileString& root, const OrvHost::ArchiveImport::Result& import)
@@ -30,42 +27,7 @@ QString takeBackNow(const fileString& root, const OrvHost::ArchiveImport::Result
 
 } // namespace
 
-/// Hands the labels of the import to the dialog; called on the import's thread.
-class ImportController::Progress : public ProgressSubject
-{
-public:
-    Progress(QObject& receiver, std::function<void(const QString&)> show,
-             std::shared_ptr<std::atomic<bool>> cancelled)
-        : mReceiver(receiver), mShow(std::move(show)), mCancelled(std::move(cancelled))
-    {
-    }
-
-    bool checkCancel(bool) override { return *mCancelled; }
-    void createSubProgress(std::uint64_t) override {}
-    void increment(const marl::unicode::String& label1, const marl::unicode::String&) override
-    {
-        show(label1);
-    }
-    void updateLabels(const marl::unicode::String& label1, const marl::unicode::String&) override
-    {
-        show(label1);
-    }
-
-private:
-    void show(const marl::unicode::String& label)
-    {
-        const QString text = QString::fromStdString(label.toUTF8String());
-        QMetaObject::invokeMethod(
-            &mReceiver, [show = mShow, text] { show(text); }, Qt::QueuedConnection);
-    }
-
-    QObject& mReceiver;
-    std::function<void(const QString&)> mShow;
-    std::shared_ptr<std::atomic<bool>> mCancelled;
-};
-
-ImportController::ImportController(const fileString& root, QWidget* window)
-    : QObject(window), mRoot(root), mWindow(window)
+ImportController::ImportController(const fileString& root, QObject* parent) : QObject(parent), mRoot(root)
 {
     mPool.setMaxThreadCount(1);
 }
@@ -78,6 +40,7 @@ ImportController::~ImportController()
 
 void ImportController::import(const QStringList& sources)
 {
+    Q_EMIT queued(sources, !mIsRunning);
     mQueue += sources;
     mSummary.expect(static_cast<int>(sources.size()));
     if (!mIsRunning)
@@ -117,38 +80,23 @@ void ImportController::next()
 
 void ImportController::start(const QString& source)
 {
-    showDialog(source);
     mCancelled = std::make_shared<std::atomic<bool>>(false);
-    const auto show = [this](const QString& text) {
-        if (mDialog)
-            mDialog->setLabelText(text);
+    const auto show = [this, source](const QString& step, qint64 done, qint64 whole) {
+        Q_EMIT progressed(source, step, done, whole);
     };
-    const auto progress = std::make_shared<Progress>(*this, show, mCancelled);
+    const auto progress = std::make_shared<ImportProgress>(*this, show, mCancelled);
     Background::run(
         mPool, this,
         [root = mRoot, source, progress] {
             return OrvHost::ArchiveImport(root, {}).run(QFile::encodeName(source).toStdString(), progress);
         },
-        [this](const Result& result) { ended(result); });
+        [this](const Result& result) { conclude(result); });
 }
 
-void ImportController::showDialog(const QString& source)
-{
-    if (!mDialog) {
-        mDialog = new QProgressDialog(mWindow);
-        mDialog->setObjectName(QStringLiteral("importProgress"));
-        mDialog->setWindowTitle(tr("Import"));
-        mDialog->setRange(0, 0);
-        // The dialog's own clock waits four seconds where the amount of work is unknown.
-        QTimer::singleShot(kShowMilliseconds, mDialog, &QWidget::show);
-        connect(mDialog, &QProgressDialog::canceled, this, &ImportController::cancel);
-    }
-    mDialog->setLabelText(source);
-}
-
-void ImportController::ended(const Result& result)
+void ImportController::conclude(const Result& result)
 {
     mSummary.add(result);
+    Q_EMIT ended(result);
     if (result.error.empty())
         Q_EMIT imported(result);
     next();
@@ -156,7 +104,6 @@ void ImportController::ended(const Result& result)
 
 void ImportController::finish()
 {
-    delete mDialog;
-    mDialog = nullptr;
-    Q_EMIT finished(std::exchange(mSummary, {}).text());
+    const ImportSummary summary = std::exchange(mSummary, {});
+    Q_EMIT finished(summary.text(), summary.failed());
 }

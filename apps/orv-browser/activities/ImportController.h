@@ -11,11 +11,7 @@
 #include "OrvLibrary/host/fileString.h"
 #include "apps/orv-browser/activities/ImportSummary.h"
 
-class ProgressSubject;
-class QProgressDialog;
-class QWidget;
-
-/// Imports archives one after the other, off the interface thread, behind a progress dialog that can cancel.
+/// Imports archives one after the other, off the interface thread.
 /// Lives on the interface thread.
 class ImportController : public QObject
 {
@@ -23,7 +19,7 @@ class ImportController : public QObject
 
 public:
     /// @param root of the library, where former imports are kept
-    ImportController(const fileString& root, QWidget* window);
+    ImportController(const fileString& root, QObject* parent);
     /// Cancels what is under way and waits for it.
     ~ImportController() override;
 
@@ -37,22 +33,31 @@ public:
     bool takeBack(const OrvHost::ArchiveImport::Result& import);
 
 Q_SIGNALS:
+    /// Sources wait from now on.
+    /// @param isFirst whether there were none before
+    void queued(const QStringList& sources, bool isFirst);
+    /// How an import goes on.
+    /// @param step for people
+    /// @param done bytes of the step
+    /// @param whole all bytes of the step; 0 when that is not known
+    void progressed(const QString& source, const QString& step, qint64 done, qint64 whole);
+    /// One source is done, well or not.
+    void ended(const OrvHost::ArchiveImport::Result& result);
     /// One source was imported.
     void imported(const OrvHost::ArchiveImport::Result& result);
     /// The queue is empty.
     /// @param summary what became of the sources, for people
-    void finished(const QString& summary);
+    /// @param failed the sources that were not imported
+    void finished(const QString& summary, const QStringList& failed);
     /// An import was taken back, or not.
     void takenBack(const fileString& library, const QString& sentence);
 
 private:
-    class Progress;
     using Result = OrvHost::ArchiveImport::Result;
 
     void next();
     void start(const QString& source);
-    void showDialog(const QString& source);
-    void ended(const Result& result);
+    void conclude(const Result& result);
     void finish();
 
     fileString mRoot;
@@ -60,7 +65,5 @@ private:
     QStringList mQueue;
     ImportSummary mSummary; ///< of the sources since the queue was empty
     std::shared_ptr<std::atomic<bool>> mCancelled;
-    QProgressDialog* mDialog = nullptr;
-    QWidget* mWindow;
     bool mIsRunning = false;
 };

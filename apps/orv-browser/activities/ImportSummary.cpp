@@ -9,7 +9,10 @@ void ImportSummary::add(const OrvHost::ArchiveImport::Result& result)
 {
     if (result.isCancelled)
         return;
-    const QString name = QFileInfo(QFile::decodeName(result.source.c_str())).fileName();
+    const QString source = QFile::decodeName(result.source.c_str());
+    const QString name = QFileInfo(source).fileName();
+    if (!result.error.empty())
+        mFailed << source;
     if (result.error.empty()) {
         mImported << name;
     } else if (mFailures.size() < kMostFailures) {
@@ -23,7 +26,7 @@ void ImportSummary::add(const OrvHost::ArchiveImport::Result& result)
 QString ImportSummary::text() const
 {
     const int imported = static_cast<int>(mImported.size());
-    const int failed = static_cast<int>(mFailures.size()) + mLeftOut;
+    const int failed = static_cast<int>(mFailed.size());
     QStringList lines;
     if (mExpected > 1)
         lines << tr("%n of %1 archive(s) imported.", nullptr, imported).arg(mExpected);

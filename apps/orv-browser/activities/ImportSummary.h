@@ -20,12 +20,15 @@ public:
     /// For people; a line for each sentence. The first five failures are told with their reasons. The log
     /// has the reasons of the others.
     QString text() const;
+    /// The sources that were not imported, without those that were cancelled.
+    const QStringList& failed() const { return mFailed; }
 
 private:
     static constexpr int kMostFailures = 5;
 
     int mExpected = 0;
     int mLeftOut = 0; ///< failures beyond the first five
+    QStringList mFailed;
     QStringList mImported;
     QStringList mFailures; ///< a sentence for each
 };

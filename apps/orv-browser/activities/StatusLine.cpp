@@ -10,7 +10,7 @@ constexpr int kSummaryMargin = 7; // pixels; in line with the panes
 
 } // namespace
 
-StatusLine::StatusLine(QAction& update, QWidget* parent)
+StatusLine::StatusLine(QAction& update, QAction& activities, QWidget* parent)
     : QStatusBar(parent), mSummary(new QLabel), mSpeed(new QLabel)
 {
     mSummary->setObjectName(QStringLiteral("summary"));
@@ -20,6 +20,7 @@ StatusLine::StatusLine(QAction& update, QWidget* parent)
     mSpeed->setObjectName(QStringLiteral("speed"));
     addWidget(mSummary, 1);
     addPermanentWidget(mSpeed);
+    addButton(QStringLiteral("activitiesButton"), QString())->setDefaultAction(&activities);
     mUpdate = addButton(QStringLiteral("updateButton"), QString());
     mUpdate->setDefaultAction(&update);
     mCancel = addButton(QStringLiteral("cancelButton"), tr("Cancel"));
@@ -50,7 +51,14 @@ void StatusLine::showSpeed(const QString& text)
 
 void StatusLine::showRunning(bool isRunning)
 {
+    mIsUpdating = isRunning;
     mUpdate->setVisible(!isRunning);
-    mCancel->setVisible(isRunning);
+    mCancel->setVisible(mIsUpdating || mIsImporting);
     mSpeed->clear();
+}
+
+void StatusLine::showImporting(bool isImporting)
+{
+    mIsImporting = isImporting;
+    mCancel->setVisible(mIsUpdating || mIsImporting);
 }

@@ -14,13 +14,16 @@ class StatusLine : public QStatusBar
 
 public:
     /// @param update what the button for an update does while none runs
-    StatusLine(QAction& update, QWidget* parent);
+    /// @param activities what the button that unfolds the list of activities does
+    StatusLine(QAction& update, QAction& activities, QWidget* parent);
 
     /// @param sentence empty for silence
     void say(const QString& sentence);
     void showSpeed(const QString& text);
     /// Offers to cancel an update, or to start one.
     void showRunning(bool isRunning);
+    /// Offers to cancel imports.
+    void showImporting(bool isImporting);
 
 Q_SIGNALS:
     void cancelAsked();
@@ -33,4 +36,6 @@ private:
     QLabel* mSpeed;
     QToolButton* mUpdate;
     QToolButton* mCancel;
+    bool mIsUpdating = false;
+    bool mIsImporting = false;
 };

@@ -11,11 +11,10 @@
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/UI/qtLibraryProgressPanel.h"
 #include "apps/orv-browser/activities/UpdateReceiver.h"
+#include "apps/orv-browser/activities/UpdateSummary.h"
 #include "apps/orv-browser/activities/UpdateWatch.h"
 
 namespace {
-
-constexpr int kMostNames = 5;
 
 OrvHost::CatalogUpdateRun::Request requestOf(const OrvHost::Settings::Values& settings)
 {
@@ -37,17 +36,6 @@ OrvHost::CatalogUpdateRun::Request requestOf(const OrvHost::Settings::Values& se
 std::vector<OrvHost::ErrorLogEntry> logEntries()
 {
     return OrvHost::ErrorLogReader::readIfPossible(Library::ErrorLog::file());
-}
-
-QString listed(const std::set<std::string>& names)
-{
-    QStringList list;
-    for (const std::string& name : names)
-        if (list.size() < kMostNames)
-            list << QString::fromStdString(OrvHost::LegacyText::toUtf8(name));
-    const int rest = static_cast<int>(names.size()) - static_cast<int>(list.size());
-    const QString text = list.join(QStringLiteral(", "));
-    return rest > 0 ? UpdateController::tr("%1 and %n more", nullptr, rest).arg(text) : text;
 }
 
 } // namespace
@@ -83,7 +71,7 @@ void UpdateController::start(const OrvHost::Settings::Values& settings)
     try {
         mRun = std::make_unique<OrvHost::CatalogUpdateRun>(requestOf(settings));
     } catch (const std::exception& error) {
-        Q_EMIT ended(QString::fromUtf8(error.what()), false);
+        Q_EMIT refused(QString::fromUtf8(error.what()));
         return;
     }
     mPanel = LibraryProgressPanel::create(&mWindow);
@@ -91,12 +79,14 @@ void UpdateController::start(const OrvHost::Settings::Values& settings)
     mReceiver = std::make_unique<UpdateReceiver>(mRun->swapper(), mPanel);
     mWatch = std::make_unique<UpdateWatch>(*mRun, *mReceiver);
     connectReceiver();
+    Q_EMIT began(mPanel);
     mRun->start(*mReceiver);
 }
 
 void UpdateController::connectReceiver()
 {
     connect(mReceiver.get(), &UpdateReceiver::catalogReplaced, this, &UpdateController::catalogReplaced);
+    connect(mWatch.get(), &UpdateWatch::looked, this, &UpdateController::looked);
     connect(mWatch.get(), &UpdateWatch::speedChanged, this, &UpdateController::speedChanged);
     connect(mRun.get(), &OrvHost::CatalogUpdateRun::finished, this, &UpdateController::runEnded);
 }
@@ -125,13 +115,11 @@ std::unique_ptr<OrvHost::CatalogUpdateRun> UpdateController::conclude()
     } catch (const std::exception& error) {
         notes << tr("The update failed: %1").arg(QString::fromUtf8(error.what()));
     }
-    bool hasProblems = false;
-    const QString summary = summaryOf(outcome, notes, hasProblems);
     mWatch.reset();
     std::unique_ptr<OrvHost::CatalogUpdateRun> run = std::move(mRun);
     mReceiver.reset();
     closePanel();
-    Q_EMIT ended(summary, hasProblems);
+    Q_EMIT ended(UpdateSummary(outcome, notes, mIsCancelled, mLogEntriesBefore), outcome);
     return run;
 }
 
@@ -139,44 +127,4 @@ void UpdateController::closePanel()
 {
     if (mPanel)
         mPanel->close(); // which deletes it
-}
-
-QString UpdateController::summaryOf(const OrvHost::UpdateOutcome& outcome, const QStringList& notes,
-                                    bool& hasProblems) const
-{
-    using Kind = OrvHost::UpdateOutcome::Kind;
-    // A request that the cancel ended looks like a failure to the run. The user knows better.
-    const bool isCancelled =
-        mIsCancelled ? !outcome.isGood() : outcome.kind == Kind::Cancelled && notes.isEmpty();
-    const bool hasFailed = !isCancelled && (outcome.kind == Kind::Failed || outcome.kind == Kind::Incomplete);
-    hasProblems = hasFailed || !notes.isEmpty();
-    QStringList sentences;
-    if (isCancelled)
-        sentences << tr("The update was cancelled.");
-    if (!outcome.updatedCatalogs.empty())
-        sentences << tr("Updated: %1.").arg(listed(outcome.updatedCatalogs));
-    if (outcome.kind == Kind::Current)
-        sentences << tr("All catalogs are up to date.");
-    if (hasFailed)
-        sentences << problemText(outcome);
-    return (sentences + notes).join(QLatin1Char(' '));
-}
-
-/// What went wrong; where the run itself does not know, with the first line that it added to the log.
-QString UpdateController::problemText(const OrvHost::UpdateOutcome& outcome) const
-{
-    const OrvHost::ServiceReport& service = outcome.service;
-    if (!service.verdict.empty())
-        return QString::fromStdString(service.verdict) + QLatin1Char('.');
-    if (service.endpoint.isAsked && !service.endpoint.isGood)
-        return tr("The catalog service cannot be reached; the library stays as it is.");
-    const QString problems = tr("Some catalogs could not be updated: %1");
-    if (!outcome.failed.empty())
-        return problems.arg(QString::fromStdString(outcome.failedText()) + QLatin1Char('.'));
-    const auto entries = logEntries();
-    if (entries.size() <= mLogEntriesBefore)
-        return tr("Some catalogs could not be checked.");
-    const QString reason =
-        QString::fromStdString(OrvHost::LegacyText::toUtf8(entries[mLogEntriesBefore].message));
-    return problems.arg(reason.section(QLatin1Char('\n'), 0, 0).simplified() + QLatin1Char('.'));
 }

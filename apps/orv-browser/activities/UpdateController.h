@@ -13,10 +13,12 @@
 
 namespace OrvHost {
 class CatalogUpdateRun;
+struct ServiceReport;
 struct UpdateOutcome;
 } // namespace OrvHost
 class LibraryProgressPanel;
 class UpdateReceiver;
+class UpdateSummary;
 class UpdateWatch;
 
 /// Runs catalog updates for the window: docks the progress panel while one runs, and says in a plain sentence
@@ -43,17 +45,21 @@ Q_SIGNALS:
     void catalogReplaced(const fileString& database);
     /// How the download goes on, for people.
     void speedChanged(const QString& text);
-    /// The run is over: a sentence for people, and whether the log has more to say.
-    void ended(const QString& summary, bool hasProblems);
+    /// A run has begun, behind this panel.
+    void began(QWidget* panel);
+    /// What the service was asked and answered until now, five times a second.
+    void looked(const OrvHost::ServiceReport& service);
+    /// The run is over.
+    void ended(const UpdateSummary& summary, const OrvHost::UpdateOutcome& outcome);
+    /// No run could begin.
+    /// @param reason for people
+    void refused(const QString& reason);
 
 private:
     void connectReceiver();
     void runEnded();
     /// Sees to what comes after a run, and tells how it ended. The receiver must outlive the run's worker.
     std::unique_ptr<OrvHost::CatalogUpdateRun> conclude();
-    QString summaryOf(const OrvHost::UpdateOutcome& outcome, const QStringList& notes,
-                      bool& hasProblems) const;
-    QString problemText(const OrvHost::UpdateOutcome& outcome) const;
     void closePanel();
 
     QMainWindow& mWindow;

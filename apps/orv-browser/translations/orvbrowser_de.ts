@@ -2,6 +2,48 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE">
 <context>
+    <name>ActivityModel</name>
+    <message>
+        <source>waiting</source>
+        <translation>wartet</translation>
+    </message>
+    <message>
+        <source>imported</source>
+        <translation>importiert</translation>
+    </message>
+    <message>
+        <source>installed</source>
+        <translation>installiert</translation>
+    </message>
+    <message>
+        <source>failed: %1</source>
+        <translation>fehlgeschlagen: %1</translation>
+    </message>
+    <message>
+        <source>cancelled</source>
+        <translation>abgebrochen</translation>
+    </message>
+    <message>
+        <source>, </source>
+        <translation>, </translation>
+    </message>
+</context>
+<context>
+    <name>ActivityPane</name>
+    <message>
+        <source>Activities</source>
+        <translation>Vorgänge</translation>
+    </message>
+    <message>
+        <source>Retry</source>
+        <translation>Wiederholen</translation>
+    </message>
+    <message>
+        <source>Retry %1</source>
+        <translation>%1 wiederholen</translation>
+    </message>
+</context>
+<context>
     <name>AddressCheck</name>
     <message>
         <source>“%1” is no address of a service. An address begins with http:// or https:// and the name of a host.</source>
@@ -218,6 +260,25 @@
     <message>
         <source>Import</source>
         <translation>Import</translation>
+    </message>
+</context>
+<context>
+    <name>ImportProgress</name>
+    <message>
+        <source>downloading</source>
+        <translation>wird geholt</translation>
+    </message>
+    <message>
+        <source>reading</source>
+        <translation>wird gelesen</translation>
+    </message>
+    <message>
+        <source>checking</source>
+        <translation>wird geprüft</translation>
+    </message>
+    <message>
+        <source>putting in place</source>
+        <translation>wird eingesetzt</translation>
     </message>
 </context>
 <context>
@@ -804,6 +865,25 @@
     </message>
 </context>
 <context>
+    <name>ResultCard</name>
+    <message>
+        <source>&amp;Retry</source>
+        <translation>&amp;Wiederholen</translation>
+    </message>
+    <message>
+        <source>Show what’s &amp;new</source>
+        <translation>&amp;Neues zeigen</translation>
+    </message>
+    <message>
+        <source>&amp;Log</source>
+        <translation>&amp;Protokoll</translation>
+    </message>
+    <message>
+        <source>Put the result away</source>
+        <translation>Ergebnis schließen</translation>
+    </message>
+</context>
+<context>
     <name>SearchBar</name>
     <message>
         <source>Style</source>
@@ -981,17 +1061,27 @@
     </message>
 </context>
 <context>
+    <name>UpdateActivities</name>
+    <message>
+        <source>installing</source>
+        <translation>wird eingerichtet</translation>
+    </message>
+</context>
+<context>
     <name>UpdateController</name>
+    <message>
+        <source>The update failed: %1</source>
+        <translation>Die Aktualisierung ist fehlgeschlagen: %1</translation>
+    </message>
+</context>
+<context>
+    <name>UpdateSummary</name>
     <message numerus="yes">
         <source>%1 and %n more</source>
         <translation>
             <numerusform>%1 und %n weiterer</numerusform>
             <numerusform>%1 und %n weitere</numerusform>
         </translation>
-    </message>
-    <message>
-        <source>The update failed: %1</source>
-        <translation>Die Aktualisierung ist fehlgeschlagen: %1</translation>
     </message>
     <message>
         <source>The update was cancelled.</source>
@@ -1005,17 +1095,49 @@
         <source>All catalogs are up to date.</source>
         <translation>Alle Kataloge sind aktuell.</translation>
     </message>
+    <message numerus="yes">
+        <source>%Ln catalog(s)</source>
+        <translation>
+            <numerusform>%Ln Katalog</numerusform>
+            <numerusform>%Ln Kataloge</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln new item(s)</source>
+        <translation>
+            <numerusform>%Ln neues Objekt</numerusform>
+            <numerusform>%Ln neue Objekte</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln changed</source>
+        <translation>
+            <numerusform>%Ln geändert</numerusform>
+            <numerusform>%Ln geändert</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln gone</source>
+        <translation>
+            <numerusform>%Ln entfallen</numerusform>
+            <numerusform>%Ln entfallen</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>, </source>
+        <translation>, </translation>
+    </message>
     <message>
         <source>The catalog service cannot be reached; the library stays as it is.</source>
         <translation>Der Katalogdienst ist nicht erreichbar; die Bibliothek bleibt, wie sie ist.</translation>
     </message>
     <message>
-        <source>Some catalogs could not be checked.</source>
-        <translation>Einige Kataloge konnten nicht geprüft werden.</translation>
-    </message>
-    <message>
         <source>Some catalogs could not be updated: %1</source>
         <translation>Einige Kataloge konnten nicht aktualisiert werden: %1</translation>
+    </message>
+    <message>
+        <source>Some catalogs could not be checked.</source>
+        <translation>Einige Kataloge konnten nicht geprüft werden.</translation>
     </message>
 </context>
 <context>
@@ -1111,6 +1233,10 @@
     <message>
         <source>Mark all as &amp;seen</source>
         <translation>Alles als &amp;gesehen vermerken</translation>
+    </message>
+    <message>
+        <source>&amp;Activities</source>
+        <translation>&amp;Vorgänge</translation>
     </message>
 </context>
 </TS>

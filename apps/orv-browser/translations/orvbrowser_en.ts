@@ -96,12 +96,40 @@
     </message>
 </context>
 <context>
-    <name>UpdateController</name>
+    <name>UpdateSummary</name>
     <message numerus="yes">
         <source>%1 and %n more</source>
         <translation>
             <numerusform>%1 and %n more</numerusform>
             <numerusform>%1 and %n more</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln catalog(s)</source>
+        <translation>
+            <numerusform>%Ln catalog</numerusform>
+            <numerusform>%Ln catalogs</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln new item(s)</source>
+        <translation>
+            <numerusform>%Ln new item</numerusform>
+            <numerusform>%Ln new items</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln changed</source>
+        <translation>
+            <numerusform>%Ln changed</numerusform>
+            <numerusform>%Ln changed</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln gone</source>
+        <translation>
+            <numerusform>%Ln gone</numerusform>
+            <numerusform>%Ln gone</numerusform>
         </translation>
     </message>
 </context>

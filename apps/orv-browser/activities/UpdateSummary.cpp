@@ -1,0 +1,96 @@
+#include "apps/orv-browser/activities/UpdateSummary.h"
+
+#include <set>
+
+#include "OrvHost/LegacyText.h"
+#include "OrvHost/health/ErrorLogReader.h"
+#include "OrvLibrary/IO/ErrorLog.h"
+
+namespace {
+
+using Kind = OrvHost::UpdateOutcome::Kind;
+
+constexpr int kMostNames = 5;
+
+QString listed(const std::set<std::string>& names)
+{
+    QStringList list;
+    for (const std::string& name : names)
+        if (list.size() < kMostNames)
+            list << QString::fromStdString(OrvHost::LegacyText::toUtf8(name));
+    const int rest = static_cast<int>(names.size()) - static_cast<int>(list.size());
+    const QString text = list.join(QStringLiteral(", "));
+    return rest > 0 ? UpdateSummary::tr("%1 and %n more", nullptr, rest).arg(text) : text;
+}
+
+/// The library tells what it updated at the end only, and nothing after a cancel. What was put in place by
+/// then is told all the same.
+std::set<std::string> updatedOf(const OrvHost::UpdateOutcome& outcome)
+{
+    std::set<std::string> names = outcome.updatedCatalogs;
+    if (names.empty())
+        for (const fileString& catalog : outcome.swappedIn)
+            names.insert(catalog.stem().toNativeString());
+    return names;
+}
+
+} // namespace
+
+// A request that the cancel ended looks like a failure to the run. The user knows better.
+UpdateSummary::UpdateSummary(const OrvHost::UpdateOutcome& outcome, const QStringList& notes,
+                             bool isCancelled, std::size_t logEntriesBefore)
+    : mOutcome(outcome),
+      mUpdated(updatedOf(outcome)),
+      mNotes(notes),
+      mIsCancelled(isCancelled ? !outcome.isGood() : outcome.kind == Kind::Cancelled && notes.isEmpty()),
+      mHasFailed(!mIsCancelled && (outcome.kind == Kind::Failed || outcome.kind == Kind::Incomplete)),
+      mLogEntriesBefore(logEntriesBefore)
+{
+}
+
+QString UpdateSummary::text() const
+{
+    QStringList sentences;
+    if (mIsCancelled)
+        sentences << tr("The update was cancelled.");
+    if (!mUpdated.empty())
+        sentences << tr("Updated: %1.").arg(listed(mUpdated));
+    if (mOutcome.kind == Kind::Current)
+        sentences << tr("All catalogs are up to date.");
+    if (mHasFailed)
+        sentences << problem();
+    return (sentences + mNotes).join(QLatin1Char(' '));
+}
+
+QString UpdateSummary::numbers() const
+{
+    const auto number = [](std::size_t count) { return static_cast<int>(count); };
+    if (mUpdated.empty())
+        return {};
+    QStringList parts{tr("%Ln catalog(s)", nullptr, number(mUpdated.size()))};
+    if (mOutcome.newItems > 0)
+        parts << tr("%Ln new item(s)", nullptr, number(mOutcome.newItems));
+    if (mOutcome.changedItems > 0)
+        parts << tr("%Ln changed", nullptr, number(mOutcome.changedItems));
+    if (mOutcome.goneItems > 0)
+        parts << tr("%Ln gone", nullptr, number(mOutcome.goneItems));
+    return parts.join(tr(", "));
+}
+
+QString UpdateSummary::problem() const
+{
+    const OrvHost::ServiceReport& service = mOutcome.service;
+    if (!service.verdict.empty())
+        return QString::fromStdString(service.verdict) + QLatin1Char('.');
+    if (service.endpoint.isAsked && !service.endpoint.isGood)
+        return tr("The catalog service cannot be reached; the library stays as it is.");
+    const QString problems = tr("Some catalogs could not be updated: %1");
+    if (!mOutcome.failed.empty())
+        return problems.arg(QString::fromStdString(mOutcome.failedText()) + QLatin1Char('.'));
+    const auto entries = OrvHost::ErrorLogReader::readIfPossible(Library::ErrorLog::file());
+    if (entries.size() <= mLogEntriesBefore)
+        return tr("Some catalogs could not be checked.");
+    const QString reason =
+        QString::fromStdString(OrvHost::LegacyText::toUtf8(entries[mLogEntriesBefore].message));
+    return problems.arg(reason.section(QLatin1Char('\n'), 0, 0).simplified() + QLatin1Char('.'));
+}

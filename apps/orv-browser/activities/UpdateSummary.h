@@ -1,0 +1,46 @@
+#pragma once
+
+#include <cstddef>
+#include <set>
+#include <string>
+
+#include <QCoreApplication>
+#include <QString>
+#include <QStringList>
+
+#include "OrvHost/update/UpdateOutcome.h"
+
+/// How an update ended, for people. Lives on the interface thread.
+class UpdateSummary
+{
+    Q_DECLARE_TR_FUNCTIONS(UpdateSummary)
+
+public:
+    /// @param outcome outlives the object
+    /// @param notes what else is to be told
+    /// @param isCancelled whether the user cancelled the run
+    /// @param logEntriesBefore how many entries the error log had before the run
+    UpdateSummary(const OrvHost::UpdateOutcome& outcome, const QStringList& notes, bool isCancelled,
+                  std::size_t logEntriesBefore);
+
+    bool isCancelled() const { return mIsCancelled; }
+    /// Whether something failed that can be tried again.
+    bool hasFailed() const { return mHasFailed; }
+    /// Whether the log has more to say.
+    bool hasProblems() const { return mHasFailed || !mNotes.isEmpty(); }
+
+    /// In sentences: what came, and what went wrong.
+    QString text() const;
+    /// In numbers, such as "16 catalogs, 42 new items, 3 gone"; empty when nothing came.
+    QString numbers() const;
+    /// What went wrong; where the run itself does not know, the first line that it added to the log.
+    QString problem() const;
+
+private:
+    const OrvHost::UpdateOutcome& mOutcome;
+    std::set<std::string> mUpdated; ///< names of the catalogs that came
+    QStringList mNotes;
+    bool mIsCancelled;
+    bool mHasFailed;
+    std::size_t mLogEntriesBefore;
+};
