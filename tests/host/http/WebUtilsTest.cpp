@@ -22,7 +22,7 @@ std::string block(const std::vector<std::string>& lines)
     HttpHeaderBlock header;
     for (const std::string& line : lines)
         header.addLine(line);
-    return header.complete() ? header.text() : "cut";
+    return header.status() != 0 ? header.text() : "cut";
 }
 
 } // namespace

@@ -243,8 +243,7 @@ void AheadList::start(Entry& entry, TimePoint now)
     // Memory is needed first: a call would wait for ever for an entry that is marked as running and is not.
     mRunning.reserve(mRunning.size() + 1);
     const AheadRequest& asked = entry.asked;
-    HttpRequest request = asked.request;
-    request.onNewConnection = entry.isOpening;
+    entry.asked.request.onNewConnection = entry.isOpening;
     TimePoint deadline = TimePoint::max();
     if (asked.isDownload()) {
         entry.download = std::make_unique<DownloadAhead>(mLimits, asked.target, asked.size, now);
@@ -255,8 +254,7 @@ void AheadList::start(Entry& entry, TimePoint now)
     CURL* const handle = mConnections.acquire();
     try {
         HttpBody& body = entry.download ? entry.download->body : *entry.noBody;
-        const HttpLimits& limits = entry.download ? entry.download->limits : mLimits;
-        entry.transfer = std::make_unique<HttpTransfer>(handle, request, body, limits, deadline);
+        entry.transfer = std::make_unique<HttpTransfer>(handle, asked.request, body, deadline);
     } catch (...) {
         mConnections.release(handle);
         throw;

@@ -31,6 +31,7 @@ public:
     HttpBody(const HttpBody&) = delete;
     HttpBody& operator=(const HttpBody&) = delete;
 
+    const HttpLimits& limits() const { return mLimits; }
     /// Called with the number of bytes when a piece of an answer's header has come.
     virtual void headerReceived(std::size_t) {}
     /// A header block is complete and a body may follow.

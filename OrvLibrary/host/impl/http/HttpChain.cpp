@@ -90,11 +90,11 @@ HttpAnswer HttpChain::send(const HttpRequest& request, HttpBody& body)
     if (!takeAhead(request, answer)) {
         if (CancelQuestion::isCancelled())
             return HttpAnswer::cancelled();
-        answer = mConnections.perform(request, body, mLimits, mDeadline);
+        answer = mConnections.perform(request, body, mDeadline);
     }
     if (answer.isRefusedInCompany()) {
         mConnections.stopAhead();
-        answer = mConnections.perform(request, body, mLimits, mDeadline);
+        answer = mConnections.perform(request, body, mDeadline);
     }
     mMemory.note(address, answer);
     return answer;

@@ -95,8 +95,7 @@ void HttpConnections::release(CURL* handle) noexcept
         curl_easy_cleanup(handle);
 }
 
-HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, const HttpLimits& limits,
-                                    TimePoint deadline)
+HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, TimePoint deadline)
 {
     const BrokenPipeBlock block;
     const Work busy(*this);
@@ -105,7 +104,7 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, 
     const bool hadCompany = hasCompany();
     CURL* const handle = acquire();
     const AtEnd giveBack{[&] { release(handle); }};
-    HttpTransfer transfer(handle, request, body, limits, deadline);
+    HttpTransfer transfer(handle, request, body, deadline);
     run(transfer);
     HttpAnswer answer = transfer.answer();
     answer.hadCompany = hadCompany || hasCompany();

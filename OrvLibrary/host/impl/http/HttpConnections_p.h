@@ -38,8 +38,7 @@ public:
 
     /// Sends a request and waits for the end of its answer.
     /// @throws what the body throws
-    HttpAnswer perform(const HttpRequest& request, HttpBody& body, const HttpLimits& limits,
-                       TimePoint deadline);
+    HttpAnswer perform(const HttpRequest& request, HttpBody& body, TimePoint deadline);
 
     /// Work that moves on beside the transfers that somebody waits for. Not owned.
     void addAhead(AheadWork& work) { mAhead.push_back(&work); }

@@ -1,6 +1,10 @@
 #include "OrvLibrary/host/impl/http/HttpHeaderBlock_p.h"
 
+#include <cstdlib>
+
 namespace {
+
+constexpr std::int64_t kFirstFinalStatus = 200;
 
 bool isBlank(char c)
 {
@@ -28,6 +32,7 @@ void unfold(std::string& text, const std::string& line)
 
 void HttpHeaderBlock::addLine(const std::string& line)
 {
+    mBytes += line.size();
     const std::string content = withoutLineEnd(line);
     if (mComplete) {
         if (content.compare(0, 5, "HTTP/") != 0)
@@ -43,4 +48,14 @@ void HttpHeaderBlock::addLine(const std::string& line)
     } else {
         mText += content + "\r\n";
     }
+}
+
+std::int64_t HttpHeaderBlock::status() const
+{
+    // The transfer library has checked the line: "HTTP/1.1 200 OK".
+    const std::size_t blank = mText.find(' ');
+    if (!mComplete || blank == std::string::npos)
+        return 0;
+    const std::int64_t status = std::atoi(mText.c_str() + blank);
+    return status >= kFirstFinalStatus ? status : 0;
 }

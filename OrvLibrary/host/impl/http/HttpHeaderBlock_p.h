@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 
 /// Collects the header block of one request's final answer, line by line. A status line after a finished
@@ -13,10 +15,14 @@ public:
 
     /// The lines, folded ones unfolded, each ended by CR LF, with the blank line.
     const std::string& text() const { return mText; }
-    /// Whether the blank line has come. A block without a blank line was cut.
-    bool complete() const { return mComplete; }
+    /// The status of the final answer; 0 while its block is not complete. A block without a blank line was
+    /// cut.
+    std::int64_t status() const;
+    /// Of all lines that have come, those that are not kept among them.
+    std::size_t bytes() const { return mBytes; }
 
 private:
     std::string mText;
+    std::size_t mBytes = 0;
     bool mComplete = false;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 
@@ -20,7 +21,7 @@ struct HttpLimits
     std::int64_t lowestSpeed = 1;
 
     int redirects = 10;
-    std::int64_t headerBytes = 300 * 1024;
+    std::size_t headerBytes = 300 * 1024;
     std::int64_t pageBytes = 16 * 1024 * 1024;
     /// So much is also read of a body that is not kept, so that its connection can be used again.
     std::int64_t errorPageBytes = 64 * 1024;

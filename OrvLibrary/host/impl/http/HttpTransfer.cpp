@@ -1,6 +1,7 @@
 #include "OrvLibrary/host/impl/http/HttpTransfer_p.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <new>
 
@@ -15,7 +16,6 @@ namespace {
 constexpr long kReceiveBuffer = 256 * 1024;
 constexpr long kSmallReceiveBuffer = 64 * 1024;
 constexpr long kHeaderReceiveBuffer = 16 * 1024;
-constexpr std::int64_t kFirstFinalStatus = 200;
 
 /// The form in which the transfer library wants a line. "Name:" would tell it to leave the header out;
 /// "Name;" sends the header with an empty value.
@@ -64,42 +64,37 @@ HttpAnswer HttpAnswer::failure(CURLcode error, const std::string& text)
     return answer;
 }
 
-HttpTransfer::HttpTransfer(CURL* handle, const HttpRequest& request, HttpBody& body, const HttpLimits& limits,
-                           TimePoint deadline)
-    : mHandle(handle),
-      mBody(body),
-      mLimits(limits),
-      mDeadline(deadline),
-      mIsFollowed(request.isFollowed),
-      mWantsBody(request.wantsBody)
+HttpTransfer::HttpTransfer(CURL* handle, const HttpRequest& request, HttpBody& body, TimePoint deadline)
+    : mHandle(handle), mRequest(request), mBody(body), mDeadline(deadline)
 {
-    setOptions(request);
-    setHeaderLines(request.headerLines);
+    setOptions();
+    setCertificates();
+    setHeaderLines();
 }
 
 HttpTransfer::~HttpTransfer() = default;
 
-void HttpTransfer::setOptions(const HttpRequest& request)
+void HttpTransfer::setOptions()
 {
-    curl_easy_setopt(mHandle, CURLOPT_URL, HttpAddress::wireText(request.url).c_str());
+    curl_easy_setopt(mHandle, CURLOPT_URL, HttpAddress::wireText(mRequest.url).c_str());
     curl_easy_setopt(mHandle, CURLOPT_PROTOCOLS_STR, "http,https");
     curl_easy_setopt(mHandle, CURLOPT_PATH_AS_IS, 1L);
     curl_easy_setopt(mHandle, CURLOPT_FOLLOWLOCATION, 0L);
     curl_easy_setopt(mHandle, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(mHandle, CURLOPT_CONNECTTIMEOUT_MS, static_cast<long>(mLimits.connectTimeout.count()));
+    curl_easy_setopt(mHandle, CURLOPT_CONNECTTIMEOUT_MS,
+                     static_cast<long>(mBody.limits().connectTimeout.count()));
     curl_easy_setopt(mHandle, CURLOPT_USERAGENT, "libOrvLibrary");
-    curl_easy_setopt(mHandle, CURLOPT_BUFFERSIZE, receiveBuffer(request));
+    curl_easy_setopt(mHandle, CURLOPT_BUFFERSIZE, receiveBuffer(mRequest));
     // Otherwise one call of the transfer library may read many times as much as a second's share.
     curl_easy_setopt(mHandle, CURLOPT_MAX_RECV_SPEED_LARGE,
                      static_cast<curl_off_t>(RateLimit::ofProcess().bytesPerSecond()));
-    setCertificates(request.certificates);
-    if (!request.proxy.empty())
-        curl_easy_setopt(mHandle, CURLOPT_PROXY, request.proxy.c_str());
+    if (!mRequest.proxy.empty())
+        curl_easy_setopt(mHandle, CURLOPT_PROXY, mRequest.proxy.c_str());
     // Requests at the same time share a connection that can carry them.
-    curl_easy_setopt(mHandle, CURLOPT_PIPEWAIT, HttpAddress::scheme(request.url) == "https" ? 1L : 0L);
-    if (request.onNewConnection)
+    curl_easy_setopt(mHandle, CURLOPT_PIPEWAIT, HttpAddress::scheme(mRequest.url) == "https" ? 1L : 0L);
+    if (mRequest.onNewConnection)
         curl_easy_setopt(mHandle, CURLOPT_FRESH_CONNECT, 1L);
-    if (request.headerOnly) {
+    if (mRequest.headerOnly) {
         curl_easy_setopt(mHandle, CURLOPT_NOBODY, 1L);
         // There is no body to measure. The caller reads the length, even one that is no number.
         curl_easy_setopt(mHandle, CURLOPT_IGNORE_CONTENT_LENGTH, 1L);
@@ -114,8 +109,9 @@ void HttpTransfer::setOptions(const HttpRequest& request)
 
 /// A path from the host replaces everything else. Otherwise each variable of the environment replaces the
 /// system's file or folder.
-void HttpTransfer::setCertificates(const std::string& fileOrFolder)
+void HttpTransfer::setCertificates()
 {
+    const std::string& fileOrFolder = mRequest.certificates;
     const char* file = pathFromEnvironment("SSL_CERT_FILE");
     const char* folder = pathFromEnvironment("SSL_CERT_DIR");
     if (!fileOrFolder.empty()) {
@@ -132,8 +128,9 @@ void HttpTransfer::setCertificates(const std::string& fileOrFolder)
     }
 }
 
-void HttpTransfer::setHeaderLines(std::vector<std::string> lines)
+void HttpTransfer::setHeaderLines()
 {
+    std::vector<std::string> lines = mRequest.headerLines;
     // A cache on the way must not answer with what it has kept, such as a former version.
     if (std::none_of(lines.begin(), lines.end(), isCacheControl))
         lines.push_back("Cache-Control: no-cache");
@@ -181,29 +178,25 @@ void HttpTransfer::countReceived(std::size_t bytes)
 
 bool HttpTransfer::takeHeader(const std::string& line)
 {
-    mHeaderBytes += static_cast<std::int64_t>(line.size());
-    mBody.headerReceived(line.size());
-    if (mHeaderBytes > mLimits.headerBytes)
-        return fail(CURLE_WEIRD_SERVER_REPLY, "header too large");
-    const bool wasFinal = mStatus != 0;
+    const bool hadStatus = mHeader.status() != 0;
     mHeader.addLine(line);
-    if (wasFinal || !mHeader.complete())
+    mBody.headerReceived(line.size());
+    if (mHeader.bytes() > mBody.limits().headerBytes)
+        return fail(CURLE_WEIRD_SERVER_REPLY, "header too large");
+    const std::int64_t status = mHeader.status();
+    if (hadStatus || status == 0)
         return true;
-    long status = 0;
-    curl_easy_getinfo(mHandle, CURLINFO_RESPONSE_CODE, &status);
-    if (status < kFirstFinalStatus)
-        return true;
-    mStatus = status;
-    if (!mWantsBody || (mIsFollowed && isRedirectStatus(mStatus)))
-        mHasEnough = HttpLimits::Clock::now();
-    return mBody.begin(mStatus, mHeader.text());
+    const bool isFollowed = mRequest.isFollowed && isRedirectStatus(status);
+    if (isFollowed || !mRequest.wantsBody)
+        mDeadline = std::min(mDeadline, HttpLimits::Clock::now() + mBody.limits().progressSilence);
+    return mBody.begin(status, mHeader.text());
 }
 
 bool HttpTransfer::fail(CURLcode error, const char* text)
 {
-    mFinished = true;
-    mError = error;
-    mFailure = text;
+    mResult = error;
+    curl_easy_setopt(mHandle, CURLOPT_ERRORBUFFER, nullptr);
+    std::snprintf(mErrorText, sizeof mErrorText, "%s", text);
     // Taking the transfer away must not wait for the look-up of a name that nobody answers.
     curl_easy_setopt(mHandle, CURLOPT_QUICK_EXIT, 1L);
     return false;
@@ -213,27 +206,20 @@ bool HttpTransfer::watch(TimePoint now)
 {
     if (now >= mDeadline)
         return fail(CURLE_OPERATION_TIMEDOUT, "Operation timed out");
-    if (mHasEnough != TimePoint() && now - mHasEnough >= mLimits.progressSilence)
-        return fail(CURLE_OPERATION_TIMEDOUT, "Operation too slow");
     try {
-        return follow(mBody.watch(now));
+        switch (mBody.watch(now)) {
+        case HttpBody::Verdict::GoOn:
+            return true;
+        case HttpBody::Verdict::TooSlow:
+            return fail(CURLE_OPERATION_TIMEDOUT, "Operation too slow");
+        case HttpBody::Verdict::Aborted:
+            break;
+        }
     } catch (...) {
         mException = std::current_exception();
-        return fail(CURLE_ABORTED_BY_CALLBACK, "Callback aborted");
     }
-}
-
-bool HttpTransfer::follow(HttpBody::Verdict verdict)
-{
-    switch (verdict) {
-    case HttpBody::Verdict::Aborted:
-        return fail(CURLE_ABORTED_BY_CALLBACK, "Callback aborted");
-    case HttpBody::Verdict::TooSlow:
-        return fail(CURLE_OPERATION_TIMEDOUT, "Operation too slow");
-    case HttpBody::Verdict::GoOn:
-        break;
-    }
-    return true;
+    cancel();
+    return false;
 }
 
 bool HttpTransfer::hasNewConnection() const
@@ -256,12 +242,11 @@ bool HttpTransfer::isConnectedSecurely() const
 
 void HttpTransfer::finish(CURLcode result)
 {
-    mFinished = true;
-    if (mError != CURLE_OK)
+    if (mResult)
         return;
-    mError = result;
+    mResult = result;
     // The transfer library takes a header block that was cut for a whole answer.
-    if (result == CURLE_OK && mStatus == 0)
+    if (result == CURLE_OK && mHeader.status() == 0)
         fail(CURLE_RECV_ERROR, "connection closed within the header");
 }
 
@@ -270,12 +255,10 @@ HttpAnswer HttpTransfer::answer() const
     if (mException)
         std::rethrow_exception(mException);
     HttpAnswer answer;
-    answer.error = mError;
-    if (mFailure)
-        answer.errorText = mFailure;
-    else if (mError != CURLE_OK)
-        answer.errorText = *mErrorText ? mErrorText : curl_easy_strerror(mError);
-    answer.status = mStatus;
+    answer.error = mResult.value_or(CURLE_OK);
+    if (answer.error != CURLE_OK)
+        answer.errorText = *mErrorText ? mErrorText : curl_easy_strerror(*mResult);
+    answer.status = mHeader.status();
     answer.headerText = mHeader.text();
     answer.answered = isAnswered();
     if (answer.answered)

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -83,10 +84,9 @@ class HttpTransfer
 public:
     using TimePoint = HttpLimits::Clock::time_point;
 
-    /// @param handle a fresh or reset handle, borrowed
+    /// @param handle a fresh or reset handle, borrowed like `request` and `body`
     /// @param deadline when the transfer fails for lack of time; `TimePoint::max()` for never
-    HttpTransfer(CURL* handle, const HttpRequest& request, HttpBody& body, const HttpLimits& limits,
-                 TimePoint deadline);
+    HttpTransfer(CURL* handle, const HttpRequest& request, HttpBody& body, TimePoint deadline);
     ~HttpTransfer();
     HttpTransfer(const HttpTransfer&) = delete;
     HttpTransfer& operator=(const HttpTransfer&) = delete;
@@ -98,9 +98,9 @@ public:
     void cancel() { fail(CURLE_ABORTED_BY_CALLBACK, "Callback aborted"); }
     /// The transfer library is done with the transfer.
     void finish(CURLcode result);
-    bool finished() const { return mFinished; }
+    bool finished() const { return mResult.has_value(); }
     /// Whether the server said anything in HTTP yet.
-    bool isAnswered() const { return mHeaderBytes > 0; }
+    bool isAnswered() const { return mHeader.bytes() > 0; }
     /// Bytes of header and body so far.
     std::int64_t received() const { return mReceived; }
     /// Whether a connection was opened for it. Otherwise its connection has carried requests before.
@@ -122,35 +122,25 @@ private:
     static std::size_t onHeader(char* data, std::size_t size, std::size_t count, void* self);
     static std::size_t onBody(char* data, std::size_t size, std::size_t count, void* self);
 
-    void setOptions(const HttpRequest& request);
-    void setCertificates(const std::string& fileOrFolder);
-    void setHeaderLines(std::vector<std::string> lines);
+    void setOptions();
+    void setCertificates();
+    void setHeaderLines();
     bool takeHeader(const std::string& line);
     void countReceived(std::size_t bytes);
-    bool follow(HttpBody::Verdict verdict);
     void readTimes(HttpAnswer& answer) const;
-    /// @param text a literal: a failure needs no memory
+    /// Ends the transfer for a reason of ours. It counts more than a later one of the transfer library.
     bool fail(CURLcode error, const char* text);
 
-    CURL* mHandle;
+    CURL* const mHandle;
+    const HttpRequest& mRequest;
     HttpBody& mBody;
-    const HttpLimits& mLimits;
-    const TimePoint mDeadline;
-    const bool mIsFollowed;
-    const bool mWantsBody;
+    TimePoint mDeadline;
     std::unique_ptr<curl_slist, ListEnd> mHeaderList;
+    /// Why the transfer failed, in the transfer library's words or ours. No memory is needed for it.
     char mErrorText[CURL_ERROR_SIZE] = "";
-
     HttpHeaderBlock mHeader;
-    std::int64_t mHeaderBytes = 0;
     std::int64_t mReceived = 0;
-    std::int64_t mStatus = 0;
-    /// When the header block was complete of an answer whose body does not matter.
-    TimePoint mHasEnough{};
-    bool mFinished = false;
-    CURLcode mError = CURLE_OK;
-    /// The reason for which we ended the transfer; null when we did not. It counts more than the transfer
-    /// library's own.
-    const char* mFailure = nullptr;
+    /// None while the transfer runs.
+    std::optional<CURLcode> mResult;
     std::exception_ptr mException;
 };
