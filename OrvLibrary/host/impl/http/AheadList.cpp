@@ -59,8 +59,16 @@ AheadList::AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory
     mConnections.addAhead(*this);
 }
 
+void AheadList::begin()
+{
+    const BrokenPipeBlock block;
+    advance();
+    mConnections.step();
+}
+
 AheadList::~AheadList()
 {
+    const BrokenPipeBlock block;
     mConnections.removeAhead(*this);
     for (Entry& entry : mEntries)
         discard(entry);
@@ -80,6 +88,7 @@ AheadList::Entry* AheadList::claim(const std::string& key)
 
 bool AheadList::takeAnswer(const HttpRequest& request, HttpAnswer& answer)
 {
+    const BrokenPipeBlock block;
     Entry* const entry = claim(keyOf(request));
     if (!entry)
         return false;
@@ -94,6 +103,7 @@ bool AheadList::takeAnswer(const HttpRequest& request, HttpAnswer& answer)
 std::unique_ptr<DownloadAhead> AheadList::takeDownload(const HttpRequest& request, const fileString& target,
                                                        Curl::ProgressFunction progress, void* context)
 {
+    const BrokenPipeBlock block;
     Entry* const entry = claim(target.toNativeString());
     if (!entry)
         return nullptr;
@@ -106,7 +116,7 @@ std::unique_ptr<DownloadAhead> AheadList::takeDownload(const HttpRequest& reques
     const HttpConnections::Work work(mConnections);
     DownloadAhead& download = *entry->download;
     download.beginTurn(mLimits, progress, context);
-    if (!download.pacer.aborted())
+    if (!download.body.isAborted())
         waitForEnd(*entry);
     if (download.exception)
         std::rethrow_exception(download.exception);
@@ -246,7 +256,7 @@ void AheadList::start(Entry& entry, TimePoint now)
     entry.asked.request.onNewConnection = entry.isOpening;
     TimePoint deadline = TimePoint::max();
     if (asked.isDownload()) {
-        entry.download = std::make_unique<DownloadAhead>(mLimits, asked.target, asked.size, now);
+        entry.download = std::make_unique<DownloadAhead>(mLimits, asked.target, asked.size);
     } else {
         entry.noBody = std::make_unique<HttpBody>(mLimits);
         deadline = now + std::min<HttpLimits::Milliseconds>(mLimits.totalTimeout, AheadPolicy::kLongestWait);

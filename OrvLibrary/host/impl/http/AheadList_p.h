@@ -43,6 +43,8 @@ public:
     /// Ends what is under way and removes the files that were not taken.
     ~AheadList() override;
 
+    /// Sends the first requests.
+    void begin();
     /// Hands out the answer to a header request, once, and waits for it if it is under way.
     /// @return false when the request is to be made in its turn
     bool takeAnswer(const HttpRequest& request, HttpAnswer& answer);

@@ -163,8 +163,8 @@ void BodyDigest::updateEarlier(const char* data, std::size_t size)
 
 bool BodyDigest::matches()
 {
-    bool all = true;
-    for (const auto& hash : mHashes)
-        all = hash->matches() && all;
-    return all;
+    if (!mMatches)
+        mMatches =
+            std::all_of(mHashes.begin(), mHashes.end(), [](const auto& hash) { return hash->matches(); });
+    return *mMatches;
 }

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,7 @@ public:
     /// Takes bytes of the whole file that stand before the part that this answer brings. `Repr-Digest` is of
     /// the whole file, `Content-Digest` of the part.
     void updateEarlier(const char* data, std::size_t size);
-    /// Whether every digest that was announced is the body's. To be called once, at the end.
+    /// Whether every digest that was announced is the body's. No bytes can be taken after that.
     bool matches();
 
 private:
@@ -33,6 +34,7 @@ private:
 
     void addField(const WebUtils::HeaderMap& headers, const char* name, bool isOfPart);
     std::vector<std::unique_ptr<Hash>> mHashes;
+    std::optional<bool> mMatches;
 };
 
 /// The members of a digest field, algorithm and raw bytes, in the order in which they stand. False when the

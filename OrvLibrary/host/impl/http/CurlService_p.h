@@ -4,10 +4,10 @@
 #include <mutex>
 
 #include "OrvLibrary/host/Curl.h"
-#include "OrvLibrary/host/impl/http/HttpChain_p.h"
+#include "OrvLibrary/host/impl/http/AheadList_p.h"
 #include "OrvLibrary/host/impl/http/HttpLimits_p.h"
 
-struct ThreadState;
+struct CurlThread;
 
 /// The default download service, on libcurl. May be used from any thread. Threads share the memory of
 /// addresses and the settings.
@@ -45,12 +45,13 @@ private:
     /// Unless the host says otherwise.
     static constexpr int kConnections = 16;
 
-    bool downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
-                         std::string& reason, int& errorNumber);
-    int connectionLimit();
     HttpRequest request(const std::string& url, const std::vector<std::string>& headerLines);
+    HttpAnswer ask(const HttpRequest& request, HttpBody& body, bool follow, HttpLimits::Milliseconds timeout);
+    bool downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
+                         FileBody::Failure& failure);
+    int connectionLimit();
     bool isFar(const std::string& url);
-    void announce(std::unique_ptr<AheadList> ThreadState::*place, std::vector<AheadRequest> requests);
+    void announce(std::unique_ptr<AheadList> CurlThread::*place, std::vector<AheadRequest> requests);
 
     const HttpLimits mLimits;
     /// Shared with what was announced, which may outlive the service.

@@ -16,22 +16,18 @@ HttpLimits limitsAhead(const HttpLimits& limits, std::int64_t size)
 
 } // namespace
 
-DownloadAhead::DownloadAhead(const HttpLimits& serviceLimits, const fileString& target, std::int64_t size,
-                             TimePoint now)
-    : limits(limitsAhead(serviceLimits, size)),
-      pacer(limits, nullptr, nullptr, now),
-      body(limits, target, pacer, now)
+DownloadAhead::DownloadAhead(const HttpLimits& serviceLimits, const fileString& target, std::int64_t size)
+    : limits(limitsAhead(serviceLimits, size)), body(limits, target)
 {
 }
 
 void DownloadAhead::beginTurn(const HttpLimits& serviceLimits, Curl::ProgressFunction progress, void* context)
 {
     limits = serviceLimits;
-    body.limitsChanged();
-    pacer.attach(progress, context, HttpLimits::Clock::now());
+    body.beginTurn(progress, context);
 }
 
 bool DownloadAhead::isTold() const
 {
-    return pacer.toldOfBytes() || pacer.aborted() || answer.error == CURLE_ABORTED_BY_CALLBACK;
+    return body.isTold() || body.isAborted() || answer.error == CURLE_ABORTED_BY_CALLBACK;
 }

@@ -9,12 +9,9 @@
 /// object unless the body was finished.
 struct DownloadAhead
 {
-    using TimePoint = HttpLimits::Clock::time_point;
-
     /// Takes no more than `size` bytes, and leaves room on the disk for all others that are fetched ahead.
     /// @param serviceLimits those of ordinary downloads
-    DownloadAhead(const HttpLimits& serviceLimits, const fileString& target, std::int64_t size,
-                  TimePoint now);
+    DownloadAhead(const HttpLimits& serviceLimits, const fileString& target, std::int64_t size);
 
     /// The call for this download has come: the limits are those of ordinary downloads from now on, and
     /// `progress` is told.
@@ -25,7 +22,6 @@ struct DownloadAhead
     bool isTold() const;
 
     HttpLimits limits;
-    ProgressPacer pacer;
     FileBody body;
     HttpAnswer answer;
     /// What the body threw while it came.

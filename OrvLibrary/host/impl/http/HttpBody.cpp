@@ -4,6 +4,8 @@
 #include <charconv>
 #include <iterator>
 
+#include <curl/curl.h>
+
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 
 namespace {
@@ -134,18 +136,21 @@ bool PageBody::take(const char* data, std::size_t size)
     return size <= room;
 }
 
-FileBody::FileBody(const HttpLimits& limits, const fileString& target, ProgressPacer& pacer, TimePoint start,
-                   const fileString& partial)
-    : HttpBody(limits), mFile(target, partial), mPacer(pacer), mSpeed(limits, start)
+FileBody::FileBody(const HttpLimits& limits, const fileString& target, const fileString& partial,
+                   Curl::ProgressFunction progress, void* context)
+    : HttpBody(limits),
+      mFile(target, partial),
+      mPacer(limits, progress, context, HttpLimits::Clock::now()),
+      mSpeed(limits, HttpLimits::Clock::now())
 {
 }
 
 std::int64_t FileBody::resume(const std::string& validator)
 {
-    if (!mFile.resume(mReason))
-        mDiskFailed = true;
+    std::string reason;
+    const bool isReady = mFile.resume(reason) || failOnDisk(reason);
     // A weak tag does not say that the bytes are the same.
-    if (validator.empty() || validator.compare(0, 2, "W/") == 0 || mDiskFailed || mFile.size() == 0)
+    if (validator.empty() || validator.compare(0, 2, "W/") == 0 || !isReady || mFile.size() == 0)
         return 0;
     mValidator = validator;
     return mFile.size();
@@ -153,24 +158,24 @@ std::int64_t FileBody::resume(const std::string& validator)
 
 bool FileBody::fail(const std::string& reason)
 {
-    mReason = reason;
+    mFailure = {reason, CURLE_WEIRD_SERVER_REPLY};
     return false;
 }
 
 bool FileBody::failOnDisk(const std::string& reason)
 {
-    mDiskFailed = true;
-    return fail(reason);
+    mFailure = {reason, CURLE_WRITE_ERROR};
+    return false;
 }
 
 bool FileBody::checkRoom(std::int64_t size)
 {
-    if (size <= mCap)
+    if (size <= mRoom.cap)
         return true;
-    if (!mCapIsDisk)
+    if (!mRoom.isDisks)
         return fail("file too large");
-    return failOnDisk("disk full: " + sizeText(size - mFile.size()) + " needed, " + sizeText(mFree) +
-                      " free, " + sizeText(mKept) + " kept free");
+    return failOnDisk("disk full: " + sizeText(size - mFile.size()) + " needed, " + sizeText(mRoom.free) +
+                      " free, " + sizeText(mRoom.kept) + " kept free");
 }
 
 bool FileBody::begin(std::int64_t status, const std::string& headerText)
@@ -224,21 +229,21 @@ bool FileBody::digestEarlier()
     return reason.empty() ? fail("Callback aborted") : failOnDisk(reason);
 }
 
-/// How large the file may become, with what is already written.
 void FileBody::measureRoom()
 {
     const DownloadFile::Room disk = mFile.room();
-    mFree = disk.free;
-    mKept = std::min(mLimits.spareBytes, disk.whole / mLimits.spareShare) + mLimits.spareForOthers;
-    const std::int64_t room = mFile.size() + mFree - mKept;
-    mCapIsDisk = mFree >= 0 && room < mLimits.fileBytes;
-    mCap = mCapIsDisk ? std::max<std::int64_t>(room, 0) : mLimits.fileBytes;
+    mRoom.free = disk.free;
+    mRoom.kept = std::min(mLimits.spareBytes, disk.whole / mLimits.spareShare) + mLimits.spareForOthers;
+    const std::int64_t size = std::max<std::int64_t>(mFile.size() + mRoom.free - mRoom.kept, 0);
+    mRoom.isDisks = disk.free >= 0 && size < mLimits.fileBytes;
+    mRoom.cap = mRoom.isDisks ? size : mLimits.fileBytes;
 }
 
-void FileBody::limitsChanged()
+void FileBody::beginTurn(Curl::ProgressFunction progress, void* context)
 {
     if (mFile.isOpen())
         measureRoom();
+    mPacer.attach(progress, context, HttpLimits::Clock::now());
 }
 
 void FileBody::headerReceived(std::size_t size)
@@ -271,13 +276,9 @@ HttpBody::Verdict FileBody::watch(TimePoint now)
 
 bool FileBody::isSound()
 {
-    if (!mIsSound) {
-        if (mLength >= 0 && mFile.size() != mLength)
-            mIsSound = fail("length differs from Content-Length");
-        else
-            mIsSound = mDigest->matches() || fail("digest mismatch");
-    }
-    return *mIsSound;
+    if (mLength >= 0 && mFile.size() != mLength)
+        return fail("length differs from Content-Length");
+    return mDigest->matches() || fail("digest mismatch");
 }
 
 bool FileBody::finish()

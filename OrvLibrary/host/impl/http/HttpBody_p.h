@@ -3,7 +3,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 
 #include "OrvLibrary/host/fileString.h"
@@ -73,9 +72,17 @@ private:
 class FileBody : public HttpBody
 {
 public:
+    /// Why a file did not arrive. Without a reason there is no failure.
+    struct Failure
+    {
+        std::string reason;
+        int error = 0; ///< as of the transfer library
+    };
+
     /// @param partial where the file grows and stays after a failure; empty when it does not
-    FileBody(const HttpLimits& limits, const fileString& target, ProgressPacer& pacer, TimePoint start,
-             const fileString& partial = {});
+    /// @param progress hears of the bytes; may be null
+    FileBody(const HttpLimits& limits, const fileString& target, const fileString& partial = {},
+             Curl::ProgressFunction progress = nullptr, void* context = nullptr);
 
     /// Prepares for an answer that goes on where the partial file ends.
     /// @param validator entity tag in quotes, or date, of the version that the partial file is of
@@ -94,20 +101,32 @@ public:
     bool isSound();
     /// Gives the file its name if it is sound.
     bool finish();
-    /// Measures the disk again. To be called when the limits have changed while the body came.
-    void limitsChanged();
+    /// The call for a body that is fetched ahead of it has come. `progress` hears of what is there and of
+    /// what comes. The disk is measured again, because the limits are those of ordinary downloads from now
+    /// on.
+    /// @throws what `progress` throws
+    void beginTurn(Curl::ProgressFunction progress, void* context);
+    /// Whether the progress function was told of any byte.
+    bool isTold() const { return mPacer.toldOfBytes(); }
+    /// Whether the progress function has ended the transfer.
+    bool isAborted() const { return mPacer.aborted(); }
     /// Releases memory and lets the disk begin to write. For a body that has arrived before its turn.
     void restAtEnd() { mFile.restAtEnd(); }
     /// Whether the answer brought what was asked for, so far as its header says.
     bool isTaken() const { return mIsTaken; }
-    /// Bytes of the file so far.
-    std::int64_t size() const { return mFile.size(); }
-    /// Why the file could not be written; empty when it could.
-    const std::string& reason() const { return mReason; }
-    /// Whether the reason lies with the disk, not with the bytes that the server sent.
-    bool diskFailed() const { return mDiskFailed; }
+    /// Why the file was refused or could not be written.
+    const Failure& failure() const { return mFailure; }
 
 private:
+    /// How large the file may become, with what is already written.
+    struct Room
+    {
+        std::int64_t cap = 0;
+        bool isDisks = false; ///< whether the disk sets the bound
+        std::int64_t free = 0;
+        std::int64_t kept = 0; ///< to be kept free
+    };
+
     bool fail(const std::string& reason);
     bool failOnDisk(const std::string& reason);
     bool beginWhole(const WebUtils::HeaderMap& headers);
@@ -117,7 +136,7 @@ private:
     bool checkRoom(std::int64_t size);
 
     DownloadFile mFile;
-    ProgressPacer& mPacer;
+    ProgressPacer mPacer;
     SpeedGuard mSpeed;
     std::unique_ptr<BodyDigest> mDigest;
     /// Of the version that the partial file is of; empty when the file is asked for from its first byte.
@@ -126,12 +145,6 @@ private:
     bool mIsTaken = false;
     /// Of the whole file, as announced; -1 when it was not.
     std::int64_t mLength = -1;
-    std::int64_t mCap = 0;
-    bool mCapIsDisk = false;
-    /// Free on the disk when the body began, and to be kept free.
-    std::int64_t mFree = 0;
-    std::int64_t mKept = 0;
-    bool mDiskFailed = false;
-    std::optional<bool> mIsSound;
-    std::string mReason;
+    Room mRoom;
+    Failure mFailure;
 };

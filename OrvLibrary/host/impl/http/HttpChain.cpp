@@ -71,12 +71,6 @@ HttpAnswer HttpChain::run(HttpRequest request, HttpBody& body, bool follow)
     }
 }
 
-bool HttpChain::takeAhead(const HttpRequest& request, HttpAnswer& answer)
-{
-    const BrokenPipeBlock block;
-    return request.headerOnly && mAhead && mAhead->takeAnswer(request, answer);
-}
-
 HttpAnswer HttpChain::send(const HttpRequest& request, HttpBody& body)
 {
     if (CancelQuestion::isCancelled())
@@ -87,7 +81,8 @@ HttpAnswer HttpChain::send(const HttpRequest& request, HttpBody& body)
                                                               mMemory.lastReason(address));
     }
     HttpAnswer answer;
-    if (!takeAhead(request, answer)) {
+    const bool isAhead = request.headerOnly && mAhead && mAhead->takeAnswer(request, answer);
+    if (!isAhead) {
         if (CancelQuestion::isCancelled())
             return HttpAnswer::cancelled();
         answer = mConnections.perform(request, body, mDeadline);

@@ -21,7 +21,6 @@ public:
     const std::string& finalUrl() const { return mUrl; }
 
 private:
-    bool takeAhead(const HttpRequest& request, HttpAnswer& answer);
     HttpAnswer send(const HttpRequest& request, HttpBody& body);
 
     HttpConnections& mConnections;

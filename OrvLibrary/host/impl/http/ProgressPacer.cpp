@@ -7,7 +7,6 @@ ProgressPacer::ProgressPacer(const HttpLimits& limits, Curl::ProgressFunction pr
     : mLimits(limits),
       mProgress(progress),
       mContext(context),
-      mLastByte(start),
       mLastCall(start),
       mNextCall(start + limits.progressSilence)
 {
@@ -27,7 +26,6 @@ bool ProgressPacer::received(std::int64_t bytes, TimePoint now)
 {
     const std::int64_t before = mReceived;
     mReceived += bytes;
-    mLastByte = now;
     mNextCall = now + mLimits.progressSilence;
     return callForSteps(before, now);
 }
@@ -44,7 +42,6 @@ bool ProgressPacer::attach(Curl::ProgressFunction progress, void* context, TimeP
 {
     mProgress = progress;
     mContext = context;
-    mLastByte = now;
     mLastCall = now;
     mNextCall = now + mLimits.progressSilence;
     return callForSteps(0, now);

@@ -47,7 +47,6 @@ private:
     std::int64_t mReceived = 0;
     /// Count of the last call; -1 before the first.
     std::int64_t mTold = -1;
-    TimePoint mLastByte;
     TimePoint mLastCall;
     /// When the next call of a silence is due.
     TimePoint mNextCall;

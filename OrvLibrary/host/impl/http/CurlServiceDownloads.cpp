@@ -1,0 +1,187 @@
+#include <exception>
+#include <new>
+#include <utility>
+
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
+#include "OrvLibrary/host/impl/http/CurlService_p.h"
+#include "OrvLibrary/host/impl/http/CurlThread_p.h"
+#include "OrvLibrary/host/impl/http/HttpAddress_p.h"
+#include "OrvLibrary/host/impl/http/HttpChain_p.h"
+
+namespace {
+
+/// Without memory for the text it stays empty.
+FileBody::Failure failureOf(const char* text, int error) noexcept
+{
+    FileBody::Failure failure;
+    failure.error = error;
+    try {
+        failure.reason = text;
+    } catch (const std::bad_alloc&) {
+    }
+    return failure;
+}
+
+/// Downloads with `download` and turns what it throws into a failure.
+template <class Download>
+bool withoutExceptions(std::string& reason, int& errorNumber, const Download& download)
+{
+    LastAnswer::clear();
+    FileBody::Failure failure;
+    try {
+        if (download(failure))
+            return true;
+    } catch (const std::bad_alloc& error) {
+        failure = failureOf(error.what(), CURLE_OUT_OF_MEMORY);
+    } catch (const std::exception& error) {
+        // The progress function did not say that the transfer should go on.
+        failure = failureOf(error.what(), Curl::kAbortedByCallback);
+    } catch (...) {
+        failure = failureOf("Callback aborted", Curl::kAbortedByCallback);
+    }
+    LastAnswer::noteReason(failure.reason);
+    reason = std::move(failure.reason);
+    errorNumber = failure.error;
+    return false;
+}
+
+/// Why a download failed.
+FileBody::Failure failureOf(const HttpAnswer& answer, const FileBody& body)
+{
+    if (body.isAborted())
+        return {"Callback aborted", Curl::kAbortedByCallback};
+    if (!body.failure().reason.empty())
+        return body.failure();
+    if (answer.status != 0 && !body.isTaken())
+        return {"HTTP " + std::to_string(answer.status), CURLE_HTTP_RETURNED_ERROR};
+    return {answer.errorText, answer.error};
+}
+
+/// Gives the file its name when all went well; otherwise tells why not.
+bool conclude(HttpConnections& connections, const HttpAnswer& answer, FileBody& body,
+              FileBody::Failure& failure)
+{
+    const HttpConnections::Work work(connections); // the progress function may be called once more
+    if (answer.error == CURLE_OK && body.isTaken() && body.finish())
+        return true;
+    failure = failureOf(answer, body);
+    return false;
+}
+
+/// Whether a part of the file is there that a download can go on from.
+bool hasBytes(const Curl::ResumableDownload& download)
+{
+    return !download.partial.empty() && !download.validator.empty() &&
+           FileUtils::fileSize(download.partial) > 0;
+}
+
+/// The request for what the partial file of `body` lacks, as far as the validator tells that its bytes can be
+/// used.
+HttpRequest requestForRest(HttpRequest request, FileBody& body, const std::string& validator)
+{
+    const std::int64_t size = body.resume(validator);
+    if (size > 0) {
+        request.headerLines.push_back("Range: bytes=" + std::to_string(size) + "-");
+        request.headerLines.push_back("If-Range: " + validator);
+    }
+    return request;
+}
+
+} // namespace
+
+fileString CurlService::download(const std::string& url)
+try {
+    fileString target;
+    target.generateAsTempName(".download");
+    std::string reason;
+    if (!download_to_location(url, target, reason))
+        target = fileString();
+    return target;
+} catch (const std::bad_alloc&) {
+    return {};
+}
+
+bool CurlService::download_to_location(const std::string& url, const fileString& target, std::string& reason)
+{
+    int errorNumber = 0;
+    return download_to_location(url, target, {}, nullptr, nullptr, reason, errorNumber);
+}
+
+bool CurlService::download_to_location(const std::string& url, const fileString& target,
+                                       const std::vector<std::string>& headerLines, void* context,
+                                       ProgressFunction progress, std::string& reason, int& errorNumber)
+{
+    return withoutExceptions(reason, errorNumber, [&](FileBody::Failure& failure) {
+        ResumableDownload download;
+        download.url = url;
+        download.headerLines = headerLines;
+        download.target = target;
+        return downloadOrThrow(download, context, progress, failure);
+    });
+}
+
+bool CurlService::downloadResumable(const ResumableDownload& request, void* context,
+                                    ProgressFunction progress, std::string& reason, int& errorNumber)
+{
+    return withoutExceptions(reason, errorNumber, [&](FileBody::Failure& failure) {
+        return downloadOrThrow(request, context, progress, failure);
+    });
+}
+
+/// @throws what the progress function throws
+bool CurlService::downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
+                                  FileBody::Failure& failure)
+{
+    if (::CancelQuestion::isCancelled()) {
+        failure = {"Callback aborted", kAbortedByCallback};
+        return false;
+    }
+    RequestConnections connections;
+    const HttpRequest asked = request(download.url, download.headerLines);
+    AheadList* const list = hasBytes(download) ? nullptr : connections.downloads();
+    if (const auto ahead = list ? list->takeDownload(asked, download.target, progress, context) : nullptr) {
+        mMemory->note(HttpAddress::hostAndPort(download.url), ahead->answer);
+        LastAnswer::note(ahead->answer, download.url);
+        return conclude(connections.get(), ahead->answer, ahead->body, failure);
+    }
+    bool mustStartAnew = false;
+    do {
+        FileBody body(mLimits, download.target, download.partial, progress, context);
+        HttpChain chain(connections.get(), connections.headers(), *mMemory, mLimits,
+                        HttpLimits::Clock::time_point::max());
+        HttpAnswer answer;
+        const HttpRequest rest =
+            requestForRest(asked, body, mustStartAnew ? std::string() : download.validator);
+        if (body.failure().reason.empty())
+            answer = chain.run(rest, body, true);
+        LastAnswer::note(answer, chain.finalUrl());
+        if (conclude(connections.get(), answer, body, failure))
+            return true;
+        mustStartAnew = body.mustStartAnew() && !body.isAborted();
+    } while (mustStartAnew);
+    return false;
+}
+
+void CurlService::prefetchDownloads(const std::vector<DownloadRequest>& requests)
+{
+    std::vector<AheadRequest> list;
+    try {
+        for (const DownloadRequest& download : requests) {
+            if (requests.size() < AheadPolicy::kFewestBodies || !isFar(download.url))
+                continue;
+            list.push_back({request(download.url, download.headerLines), download.target, download.size});
+            list.back().request.isOneOfMany = true;
+        }
+    } catch (const std::exception&) {
+        list.clear();
+    }
+    announce(&CurlThread::downloads, std::move(list));
+}
+
+/// Whether fetching a body before its turn is likely to gain anything.
+bool CurlService::isFar(const std::string& url)
+{
+    const std::string address = HttpAddress::hostAndPort(url);
+    return !address.empty() && !AheadPolicy::isNear(mMemory->latency(address)) && mMemory->isOpen(address);
+}
