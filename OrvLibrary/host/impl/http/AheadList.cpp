@@ -261,14 +261,8 @@ void AheadList::start(Entry& entry, TimePoint now)
         entry.noBody = std::make_unique<HttpBody>(mLimits);
         deadline = now + std::min<HttpLimits::Milliseconds>(mLimits.totalTimeout, AheadPolicy::kLongestWait);
     }
-    CURL* const handle = mConnections.acquire();
-    try {
-        HttpBody& body = entry.download ? entry.download->body : *entry.noBody;
-        entry.transfer = std::make_unique<HttpTransfer>(handle, asked.request, body, deadline);
-    } catch (...) {
-        mConnections.release(handle);
-        throw;
-    }
+    HttpBody& body = entry.download ? entry.download->body : *entry.noBody;
+    entry.transfer = std::make_unique<HttpTransfer>(mConnections, asked.request, body, deadline);
     entry.state = State::Running;
     entry.hadCompany = isRunning();
     for (const std::size_t index : mRunning)
@@ -341,9 +335,6 @@ void AheadList::end(Entry& entry)
         --mCourse.lanes.opening;
     mCourse.arrivals.bytesOfEnded += entry.transfer->received();
     mCourse.load.largeRunning -= entry.asked.size > AheadPolicy::kLarge ? 1 : 0;
-    mConnections.stop(*entry.transfer);
-    CURL* const handle = entry.transfer->handle();
-    mConnections.release(handle);
     entry.transfer.reset();
     entry.noBody.reset();
     mRunning.erase(std::find(mRunning.begin(), mRunning.end(), &entry - mEntries.data()));

@@ -25,16 +25,6 @@ void initialiseLibrary()
     std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
 }
 
-/// Done at the end of a block, also when an exception ends it.
-template <class Action>
-struct AtEnd
-{
-    ~AtEnd() { action(); }
-    Action action;
-};
-template <class Action>
-AtEnd(Action) -> AtEnd<Action>;
-
 } // namespace
 
 BrokenPipeBlock::BrokenPipeBlock()
@@ -73,7 +63,7 @@ HttpConnections::~HttpConnections()
     curl_multi_cleanup(mMulti);
 }
 
-CURL* HttpConnections::acquire()
+CURL* HttpConnections::lend()
 {
     if (mIdle.empty()) {
         CURL* handle = curl_easy_init();
@@ -86,8 +76,9 @@ CURL* HttpConnections::acquire()
     return handle;
 }
 
-void HttpConnections::release(CURL* handle) noexcept
+void HttpConnections::takeBack(CURL* handle) noexcept
 {
+    curl_multi_remove_handle(mMulti, handle);
     curl_easy_reset(handle);
     if (mIdle.size() < kIdleHandles)
         mIdle.push_back(handle);
@@ -102,10 +93,16 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, 
     for (AheadWork* const work : mAhead)
         work->makeRoom();
     const bool hadCompany = hasCompany();
-    CURL* const handle = acquire();
-    const AtEnd giveBack{[&] { release(handle); }};
-    HttpTransfer transfer(handle, request, body, deadline);
-    run(transfer);
+    HttpTransfer transfer(*this, request, body, deadline);
+    start(transfer);
+    while (!transfer.finished()) {
+        if (!step())
+            transfer.finish(CURLE_OUT_OF_MEMORY);
+        if (!transfer.finished() && CancelQuestion::isCancelled())
+            transfer.cancel();
+        if (!transfer.finished() && transfer.watch(HttpLimits::Clock::now()))
+            wait();
+    }
     HttpAnswer answer = transfer.answer();
     answer.hadCompany = hadCompany || hasCompany();
     return answer;
@@ -127,30 +124,10 @@ void HttpConnections::stopAhead()
         work->stop();
 }
 
-void HttpConnections::run(HttpTransfer& transfer)
-{
-    start(transfer);
-    // Whatever happens, the transfer library must not hold a transfer that is gone.
-    const AtEnd end{[&] { stop(transfer); }};
-    while (!transfer.finished()) {
-        if (!step())
-            transfer.finish(CURLE_OUT_OF_MEMORY);
-        if (!transfer.finished() && CancelQuestion::isCancelled())
-            transfer.cancel();
-        if (!transfer.finished() && transfer.watch(HttpLimits::Clock::now()))
-            wait();
-    }
-}
-
 void HttpConnections::start(HttpTransfer& transfer)
 {
     if (curl_multi_add_handle(mMulti, transfer.handle()) != CURLM_OK)
         transfer.finish(CURLE_OUT_OF_MEMORY);
-}
-
-void HttpConnections::stop(HttpTransfer& transfer)
-{
-    curl_multi_remove_handle(mMulti, transfer.handle());
 }
 
 bool HttpConnections::send()

@@ -47,11 +47,13 @@ public:
     /// time.
     void stopAhead();
 
+    /// Lends a fresh or reset handle.
+    CURL* lend();
+    /// Ends the transfer of a handle, if there is one, and resets the handle.
+    void takeBack(CURL* handle) noexcept;
+
     /// The parts of `perform`, for work that runs several transfers.
-    CURL* acquire();
-    void release(CURL* handle) noexcept;
     void start(HttpTransfer& transfer);
-    void stop(HttpTransfer& transfer);
     /// Lets the transfer library send and receive. The next step handles transfers that have ended.
     bool send();
     /// Moves every transfer on. False when the transfer library cannot, for lack of memory.
@@ -61,7 +63,6 @@ public:
 
 private:
     bool hasCompany() const;
-    void run(HttpTransfer& transfer);
     void collectResults();
 
     CURLM* mMulti;

@@ -9,6 +9,7 @@
 
 #include "OrvLibrary/host/WebUtils.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
+#include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 #include "OrvLibrary/host/impl/http/RateLimit_p.h"
 
 namespace {
@@ -64,8 +65,14 @@ HttpAnswer HttpAnswer::failure(CURLcode error, const std::string& text)
     return answer;
 }
 
-HttpTransfer::HttpTransfer(CURL* handle, const HttpRequest& request, HttpBody& body, TimePoint deadline)
-    : mHandle(handle), mRequest(request), mBody(body), mDeadline(deadline)
+void HttpTransfer::HandleEnd::operator()(CURL* handle) const
+{
+    lender->takeBack(handle);
+}
+
+HttpTransfer::HttpTransfer(HttpConnections& connections, const HttpRequest& request, HttpBody& body,
+                           TimePoint deadline)
+    : mRequest(request), mBody(body), mDeadline(deadline), mHandle(connections.lend(), {&connections})
 {
     setOptions();
     setCertificates();
@@ -76,35 +83,35 @@ HttpTransfer::~HttpTransfer() = default;
 
 void HttpTransfer::setOptions()
 {
-    curl_easy_setopt(mHandle, CURLOPT_URL, HttpAddress::wireText(mRequest.url).c_str());
-    curl_easy_setopt(mHandle, CURLOPT_PROTOCOLS_STR, "http,https");
-    curl_easy_setopt(mHandle, CURLOPT_PATH_AS_IS, 1L);
-    curl_easy_setopt(mHandle, CURLOPT_FOLLOWLOCATION, 0L);
-    curl_easy_setopt(mHandle, CURLOPT_NOSIGNAL, 1L);
-    curl_easy_setopt(mHandle, CURLOPT_CONNECTTIMEOUT_MS,
+    curl_easy_setopt(handle(), CURLOPT_URL, HttpAddress::wireText(mRequest.url).c_str());
+    curl_easy_setopt(handle(), CURLOPT_PROTOCOLS_STR, "http,https");
+    curl_easy_setopt(handle(), CURLOPT_PATH_AS_IS, 1L);
+    curl_easy_setopt(handle(), CURLOPT_FOLLOWLOCATION, 0L);
+    curl_easy_setopt(handle(), CURLOPT_NOSIGNAL, 1L);
+    curl_easy_setopt(handle(), CURLOPT_CONNECTTIMEOUT_MS,
                      static_cast<long>(mBody.limits().connectTimeout.count()));
-    curl_easy_setopt(mHandle, CURLOPT_USERAGENT, "libOrvLibrary");
-    curl_easy_setopt(mHandle, CURLOPT_BUFFERSIZE, receiveBuffer(mRequest));
+    curl_easy_setopt(handle(), CURLOPT_USERAGENT, "libOrvLibrary");
+    curl_easy_setopt(handle(), CURLOPT_BUFFERSIZE, receiveBuffer(mRequest));
     // Otherwise one call of the transfer library may read many times as much as a second's share.
-    curl_easy_setopt(mHandle, CURLOPT_MAX_RECV_SPEED_LARGE,
+    curl_easy_setopt(handle(), CURLOPT_MAX_RECV_SPEED_LARGE,
                      static_cast<curl_off_t>(RateLimit::ofProcess().bytesPerSecond()));
     if (!mRequest.proxy.empty())
-        curl_easy_setopt(mHandle, CURLOPT_PROXY, mRequest.proxy.c_str());
+        curl_easy_setopt(handle(), CURLOPT_PROXY, mRequest.proxy.c_str());
     // Requests at the same time share a connection that can carry them.
-    curl_easy_setopt(mHandle, CURLOPT_PIPEWAIT, HttpAddress::scheme(mRequest.url) == "https" ? 1L : 0L);
+    curl_easy_setopt(handle(), CURLOPT_PIPEWAIT, HttpAddress::scheme(mRequest.url) == "https" ? 1L : 0L);
     if (mRequest.onNewConnection)
-        curl_easy_setopt(mHandle, CURLOPT_FRESH_CONNECT, 1L);
+        curl_easy_setopt(handle(), CURLOPT_FRESH_CONNECT, 1L);
     if (mRequest.headerOnly) {
-        curl_easy_setopt(mHandle, CURLOPT_NOBODY, 1L);
+        curl_easy_setopt(handle(), CURLOPT_NOBODY, 1L);
         // There is no body to measure. The caller reads the length, even one that is no number.
-        curl_easy_setopt(mHandle, CURLOPT_IGNORE_CONTENT_LENGTH, 1L);
+        curl_easy_setopt(handle(), CURLOPT_IGNORE_CONTENT_LENGTH, 1L);
     }
-    curl_easy_setopt(mHandle, CURLOPT_ERRORBUFFER, mErrorText);
-    curl_easy_setopt(mHandle, CURLOPT_HEADERFUNCTION, &HttpTransfer::onHeader);
-    curl_easy_setopt(mHandle, CURLOPT_HEADERDATA, this);
-    curl_easy_setopt(mHandle, CURLOPT_WRITEFUNCTION, &HttpTransfer::onBody);
-    curl_easy_setopt(mHandle, CURLOPT_WRITEDATA, this);
-    curl_easy_setopt(mHandle, CURLOPT_PRIVATE, this);
+    curl_easy_setopt(handle(), CURLOPT_ERRORBUFFER, mErrorText);
+    curl_easy_setopt(handle(), CURLOPT_HEADERFUNCTION, &HttpTransfer::onHeader);
+    curl_easy_setopt(handle(), CURLOPT_HEADERDATA, this);
+    curl_easy_setopt(handle(), CURLOPT_WRITEFUNCTION, &HttpTransfer::onBody);
+    curl_easy_setopt(handle(), CURLOPT_WRITEDATA, this);
+    curl_easy_setopt(handle(), CURLOPT_PRIVATE, this);
 }
 
 /// A path from the host replaces everything else. Otherwise each variable of the environment replaces the
@@ -120,11 +127,11 @@ void HttpTransfer::setCertificates()
     }
     for (const CURLoption option : {CURLOPT_CAINFO, CURLOPT_PROXY_CAINFO}) {
         if (file || !fileOrFolder.empty())
-            curl_easy_setopt(mHandle, option, file);
+            curl_easy_setopt(handle(), option, file);
     }
     for (const CURLoption option : {CURLOPT_CAPATH, CURLOPT_PROXY_CAPATH}) {
         if (folder || !fileOrFolder.empty())
-            curl_easy_setopt(mHandle, option, folder);
+            curl_easy_setopt(handle(), option, folder);
     }
 }
 
@@ -142,7 +149,7 @@ void HttpTransfer::setHeaderLines()
         if (!mHeaderList)
             mHeaderList.reset(list);
     }
-    curl_easy_setopt(mHandle, CURLOPT_HTTPHEADER, mHeaderList.get());
+    curl_easy_setopt(handle(), CURLOPT_HTTPHEADER, mHeaderList.get());
 }
 
 std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* self)
@@ -195,10 +202,10 @@ bool HttpTransfer::takeHeader(const std::string& line)
 bool HttpTransfer::fail(CURLcode error, const char* text)
 {
     mResult = error;
-    curl_easy_setopt(mHandle, CURLOPT_ERRORBUFFER, nullptr);
+    curl_easy_setopt(handle(), CURLOPT_ERRORBUFFER, nullptr);
     std::snprintf(mErrorText, sizeof mErrorText, "%s", text);
     // Taking the transfer away must not wait for the look-up of a name that nobody answers.
-    curl_easy_setopt(mHandle, CURLOPT_QUICK_EXIT, 1L);
+    curl_easy_setopt(handle(), CURLOPT_QUICK_EXIT, 1L);
     return false;
 }
 
@@ -225,19 +232,19 @@ bool HttpTransfer::watch(TimePoint now)
 bool HttpTransfer::hasNewConnection() const
 {
     long count = 0;
-    return curl_easy_getinfo(mHandle, CURLINFO_NUM_CONNECTS, &count) == CURLE_OK && count > 0;
+    return curl_easy_getinfo(handle(), CURLINFO_NUM_CONNECTS, &count) == CURLE_OK && count > 0;
 }
 
 bool HttpTransfer::isConnected() const
 {
     curl_off_t time = 0;
-    return curl_easy_getinfo(mHandle, CURLINFO_PRETRANSFER_TIME_T, &time) == CURLE_OK && time > 0;
+    return curl_easy_getinfo(handle(), CURLINFO_PRETRANSFER_TIME_T, &time) == CURLE_OK && time > 0;
 }
 
 bool HttpTransfer::isConnectedSecurely() const
 {
     curl_off_t time = 0;
-    return curl_easy_getinfo(mHandle, CURLINFO_APPCONNECT_TIME_T, &time) == CURLE_OK && time > 0;
+    return curl_easy_getinfo(handle(), CURLINFO_APPCONNECT_TIME_T, &time) == CURLE_OK && time > 0;
 }
 
 void HttpTransfer::finish(CURLcode result)
@@ -272,10 +279,10 @@ void HttpTransfer::readTimes(HttpAnswer& answer) const
     curl_off_t sent = 0;
     curl_off_t answered = 0;
     long version = 0;
-    curl_easy_getinfo(mHandle, CURLINFO_CONNECT_TIME_T, &connected);
-    curl_easy_getinfo(mHandle, CURLINFO_PRETRANSFER_TIME_T, &sent);
-    curl_easy_getinfo(mHandle, CURLINFO_STARTTRANSFER_TIME_T, &answered);
-    curl_easy_getinfo(mHandle, CURLINFO_HTTP_VERSION, &version);
+    curl_easy_getinfo(handle(), CURLINFO_CONNECT_TIME_T, &connected);
+    curl_easy_getinfo(handle(), CURLINFO_PRETRANSFER_TIME_T, &sent);
+    curl_easy_getinfo(handle(), CURLINFO_STARTTRANSFER_TIME_T, &answered);
+    curl_easy_getinfo(handle(), CURLINFO_HTTP_VERSION, &version);
     // Over a link that delays what passes, connecting can be quick and the answer late.
     answer.latency = std::chrono::microseconds(std::max(connected, answered - sent));
     answer.isMultiplexed = version == CURL_HTTP_VERSION_2_0;

@@ -14,6 +14,8 @@
 #include "OrvLibrary/host/impl/http/HttpHeaderBlock_p.h"
 #include "OrvLibrary/host/impl/http/HttpLimits_p.h"
 
+class HttpConnections;
+
 /// A request to a server.
 struct HttpRequest
 {
@@ -78,20 +80,22 @@ struct HttpAnswer
 };
 
 /// One request on one handle of the transfer library. Redirects are not followed. The constructor sets it up,
-/// `HttpConnections` runs it, and `answer` tells the outcome. Belongs to one thread.
+/// `HttpConnections` runs it, and `answer` tells the outcome. The destructor ends it, whatever became of it.
+/// Belongs to one thread.
 class HttpTransfer
 {
 public:
     using TimePoint = HttpLimits::Clock::time_point;
 
-    /// @param handle a fresh or reset handle, borrowed like `request` and `body`
+    /// @param connections lend a handle; borrowed like `request` and `body`
     /// @param deadline when the transfer fails for lack of time; `TimePoint::max()` for never
-    HttpTransfer(CURL* handle, const HttpRequest& request, HttpBody& body, TimePoint deadline);
+    HttpTransfer(HttpConnections& connections, const HttpRequest& request, HttpBody& body,
+                 TimePoint deadline);
     ~HttpTransfer();
     HttpTransfer(const HttpTransfer&) = delete;
     HttpTransfer& operator=(const HttpTransfer&) = delete;
 
-    CURL* handle() const { return mHandle; }
+    CURL* handle() const { return mHandle.get(); }
     /// Called at each step of the transfer loop. False when the transfer must end; the reason is kept.
     bool watch(TimePoint now);
     /// Ends the transfer because the caller has cancelled it.
@@ -114,6 +118,11 @@ public:
     HttpAnswer answer() const;
 
 private:
+    struct HandleEnd
+    {
+        void operator()(CURL* handle) const;
+        HttpConnections* lender;
+    };
     struct ListEnd
     {
         void operator()(curl_slist* list) const { curl_slist_free_all(list); }
@@ -131,7 +140,6 @@ private:
     /// Ends the transfer for a reason of ours. It counts more than a later one of the transfer library.
     bool fail(CURLcode error, const char* text);
 
-    CURL* const mHandle;
     const HttpRequest& mRequest;
     HttpBody& mBody;
     TimePoint mDeadline;
@@ -143,4 +151,6 @@ private:
     /// None while the transfer runs.
     std::optional<CURLcode> mResult;
     std::exception_ptr mException;
+    /// The last member, because the transfer library uses the others until it is returned.
+    std::unique_ptr<CURL, HandleEnd> mHandle;
 };
