@@ -7,22 +7,10 @@
 #include <vector>
 
 #include "OrvLibrary/host/impl/http/AddressMemory_p.h"
+#include "OrvLibrary/host/impl/http/AheadEntry_p.h"
 #include "OrvLibrary/host/impl/http/AheadPolicy_p.h"
 #include "OrvLibrary/host/impl/http/AheadWork_p.h"
-#include "OrvLibrary/host/impl/http/DownloadAhead_p.h"
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
-
-/// A request that will be made, as it was announced.
-struct AheadRequest
-{
-    HttpRequest request;
-    /// Of a download; empty for a header request.
-    fileString target;
-    /// Of the body, in bytes; 0 for a header request. A body that turns out longer is not fetched ahead.
-    std::int64_t size = 0;
-
-    bool isDownload() const { return !target.empty(); }
-};
 
 /// A list of requests, header requests or downloads, that are sent ahead of the calls that want their
 /// answers, in the order of those calls. They move on whenever their thread waits for any transfer.
@@ -48,12 +36,14 @@ public:
     /// Hands out the answer to a header request, once, and waits for it if it is under way.
     /// @return false when the request is to be made in its turn
     bool takeAnswer(const HttpRequest& request, HttpAnswer& answer);
-    /// Hands out the download for a target, once. Waits for its end if it is under way, and tells `progress`
-    /// meanwhile. What stands ahead for the target is discarded when the request is another one.
+    /// Hands out the answer and the body of the download for a target, once. Waits for its end if it is under
+    /// way, and tells `progress` meanwhile. What stands ahead for the target is discarded when the request is
+    /// another one.
     /// @return null when the download is to be made in its turn
     /// @throws what `progress` throws
-    std::unique_ptr<DownloadAhead> takeDownload(const HttpRequest& request, const fileString& target,
-                                                Curl::ProgressFunction progress, void* context);
+    std::unique_ptr<BodyAhead> takeDownload(const HttpRequest& request, const fileString& target,
+                                            Curl::ProgressFunction progress, void* context,
+                                            HttpAnswer& answer);
 
     void advance() override;
     void stop() override { mCourse.isStopped = true; }
@@ -61,83 +51,47 @@ public:
     bool isRunning() const override { return !mRunning.empty(); }
 
 private:
-    enum class State
+    using State = AheadEntry::State;
+    /// How far the list is.
+    struct Course
     {
-        Waiting,
-        Running,
-        Arrived,
-        Gone ///< failed, discarded or handed out: the call makes the request itself
-    };
-    struct Entry
-    {
-        AheadRequest asked;
-        State state = State::Waiting;
-        /// Takes the body of a header answer, of which there is none.
-        std::unique_ptr<HttpBody> noBody;
-        std::unique_ptr<DownloadAhead> download;
-        std::unique_ptr<HttpTransfer> transfer;
-        HttpAnswer answer;
-        /// Others were under way at the same time.
-        bool hadCompany = false;
-        /// Sent on an HTTP/2 connection of its own that does not stand yet.
-        bool isOpening = false;
-        /// Counts in the load.
-        bool isLoad = false;
-    };
-    /// HTTP/2 connections. The first one stands already.
-    struct Lanes
-    {
+        /// No entry before this one is waiting.
+        std::size_t next = 0;
+        /// HTTP/2 connections that stand. The first one stands already.
         std::size_t open = 1;
-        std::size_t opening = 0;
-        std::size_t made = 1;
-    };
-    /// What arrives, to find out when the service has fallen silent.
-    struct Arrivals
-    {
-        std::int64_t bytesOfEnded = 0;
-        std::int64_t bytes = 0;
-        TimePoint last{};
+        TimePoint lastEnd{};
+        int failuresInRow = 0;
+        bool isStopped = false;
     };
 
-    // The turn of a call.
-    Entry* claim(const std::string& key);
-    void waitForEnd(Entry& entry);
-    bool isStalled(const Entry& entry, TimePoint turn) const;
-    bool mayBeUntaken(const Entry& entry) const;
+    // The turn of a call: AheadList.cpp.
+    AheadEntry* claim(const std::string& key);
+    void waitForEnd(AheadEntry& entry);
+    bool isStalled(const AheadEntry& entry, TimePoint turn) const;
+    bool mayBeUntaken(const AheadEntry& entry) const;
     void giveUpUntaken();
+    void discard(AheadEntry& entry);
 
-    // The life of an entry.
+    // What happens ahead of it: AheadListAdvance.cpp.
     void startWaiting(TimePoint now);
-    bool mayStart(Entry& entry);
-    void start(Entry& entry, TimePoint now);
-    void finish(Entry& entry);
-    bool finishHeader(Entry& entry);
-    bool finishDownload(Entry& entry);
-    void end(Entry& entry);
-    void discard(Entry& entry);
-
-    void noteArrivals(TimePoint now);
-    void noteOpened(Entry& entry);
-    AheadPolicy::Situation situationOf(const Entry& entry) const;
+    bool mayStart(AheadEntry& entry) const;
+    AheadPolicy::Situation situationOf(const AheadEntry& entry) const;
+    AheadPolicy::Load load() const;
+    void start(AheadEntry& entry, TimePoint now);
+    void finish(AheadEntry& entry);
+    bool isOfUse(AheadEntry& entry);
+    void noteOpened(AheadEntry& entry);
+    void end(AheadEntry& entry);
 
     HttpConnections& mConnections;
     const std::shared_ptr<AddressMemory> mMemory;
     const HttpLimits mLimits;
     const std::size_t mConnectionLimit;
-    std::vector<Entry> mEntries;
+    std::vector<AheadEntry> mEntries;
     /// Entries whose turn has not come, by what identifies a request.
     std::multimap<std::string, std::size_t> mByKey;
-    std::vector<std::size_t> mRunning;
-    /// No entry before this one is waiting.
-    std::size_t mNext = 0;
+    std::vector<AheadEntry*> mRunning;
     /// The entry whose turn it is; null between the calls.
-    const Entry* mTurn = nullptr;
-    struct
-    {
-        AheadPolicy::Load load;
-        Lanes lanes;
-        Arrivals arrivals;
-        int failuresInRow = 0;
-        bool isStopped = false;
-    } mCourse;
+    const AheadEntry* mTurn = nullptr;
+    Course mCourse;
 };

@@ -140,17 +140,18 @@ bool CurlService::downloadOrThrow(const ResumableDownload& download, void* conte
     RequestConnections connections;
     const HttpRequest asked = request(download.url, download.headerLines);
     AheadList* const list = hasBytes(download) ? nullptr : connections.downloads();
-    if (const auto ahead = list ? list->takeDownload(asked, download.target, progress, context) : nullptr) {
-        mMemory->note(HttpAddress::hostAndPort(download.url), ahead->answer);
-        LastAnswer::note(ahead->answer, download.url);
-        return conclude(connections.get(), ahead->answer, ahead->body, failure);
+    HttpAnswer answer;
+    if (const auto ahead =
+            list ? list->takeDownload(asked, download.target, progress, context, answer) : nullptr) {
+        mMemory->note(HttpAddress::hostAndPort(download.url), answer);
+        LastAnswer::note(answer, download.url);
+        return conclude(connections.get(), answer, ahead->file(), failure);
     }
     bool mustStartAnew = false;
     do {
         FileBody body(mLimits, download.target, download.partial, progress, context);
         HttpChain chain(connections.get(), connections.headers(), *mMemory, mLimits,
                         HttpLimits::Clock::time_point::max());
-        HttpAnswer answer;
         const HttpRequest rest =
             requestForRest(asked, body, mustStartAnew ? std::string() : download.validator);
         if (body.failure().reason.empty())

@@ -179,8 +179,8 @@ std::size_t HttpTransfer::onBody(char* data, std::size_t size, std::size_t count
 
 void HttpTransfer::countReceived(std::size_t bytes)
 {
-    mReceived += static_cast<std::int64_t>(bytes);
-    RateLimit::ofProcess().received(static_cast<std::int64_t>(bytes), HttpLimits::Clock::now());
+    mLastArrival = HttpLimits::Clock::now();
+    RateLimit::ofProcess().received(static_cast<std::int64_t>(bytes), mLastArrival);
 }
 
 bool HttpTransfer::takeHeader(const std::string& line)

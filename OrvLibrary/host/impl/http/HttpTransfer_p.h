@@ -105,8 +105,8 @@ public:
     bool finished() const { return mResult.has_value(); }
     /// Whether the server said anything in HTTP yet.
     bool isAnswered() const { return mHeader.bytes() > 0; }
-    /// Bytes of header and body so far.
-    std::int64_t received() const { return mReceived; }
+    /// When the last byte came; long ago when none has come.
+    TimePoint lastArrival() const { return mLastArrival; }
     /// Whether a connection was opened for it. Otherwise its connection has carried requests before.
     bool hasNewConnection() const;
     /// Whether it has a connection that stands.
@@ -147,7 +147,7 @@ private:
     /// Why the transfer failed, in the transfer library's words or ours. No memory is needed for it.
     char mErrorText[CURL_ERROR_SIZE] = "";
     HttpHeaderBlock mHeader;
-    std::int64_t mReceived = 0;
+    TimePoint mLastArrival{};
     /// None while the transfer runs.
     std::optional<CURLcode> mResult;
     std::exception_ptr mException;

@@ -1,0 +1,162 @@
+#include <algorithm>
+#include <new>
+#include <utility>
+
+#include "OrvLibrary/host/impl/http/AheadList_p.h"
+#include "OrvLibrary/host/impl/http/HttpAddress_p.h"
+
+/// Ends the transfers that are finished, and starts as many of those that wait, in their order, as the policy
+/// allows.
+void AheadList::advance()
+{
+    // The transfer that is waited for must not fail because there is no memory for one that is sent ahead.
+    try {
+        const TimePoint now = HttpLimits::Clock::now();
+        const std::vector<AheadEntry*> running = mRunning;
+        for (AheadEntry* const entry : running) {
+            if (entry->transfer->finished() || !entry->transfer->watch(now))
+                finish(*entry);
+            else if (entry->isOpening && entry->transfer->isConnectedSecurely())
+                noteOpened(*entry);
+        }
+        startWaiting(now);
+    } catch (const std::bad_alloc&) {
+        stop();
+    }
+}
+
+void AheadList::startWaiting(TimePoint now)
+{
+    for (; mCourse.next < mEntries.size() && !mCourse.isStopped; ++mCourse.next) {
+        AheadEntry& entry = mEntries[mCourse.next];
+        if (entry.state != State::Waiting)
+            continue;
+        if (!mayStart(entry))
+            return;
+        start(entry, now);
+        if (mRunning.size() % AheadPolicy::kBurst == 0)
+            mConnections.send();
+    }
+}
+
+/// Finds out whether the entry may be sent now, and whether on a new HTTP/2 connection.
+bool AheadList::mayStart(AheadEntry& entry) const
+{
+    if (entry.asked.isDownload() && !AheadPolicy::hasRoom(load(), entry.asked.size))
+        return false;
+    const AheadPolicy::Situation situation = situationOf(entry);
+    const auto opening = static_cast<std::size_t>(std::count_if(
+        mRunning.begin(), mRunning.end(), [](const AheadEntry* running) { return running->isOpening; }));
+    if (mRunning.size() < AheadPolicy::width(situation, mCourse.open, opening))
+        return true;
+    entry.isOpening = mCourse.open + opening < AheadPolicy::connections(situation);
+    return entry.isOpening;
+}
+
+AheadPolicy::Situation AheadList::situationOf(const AheadEntry& entry) const
+{
+    const std::string address = HttpAddress::hostAndPort(entry.asked.request.url);
+    AheadPolicy::Situation situation;
+    situation.requests = entry.asked.isDownload() ? 0 : mEntries.size();
+    situation.latency = mMemory->latency(address);
+    situation.isMultiplexing = mMemory->isMultiplexing(address);
+    situation.connectionLimit = mConnectionLimit;
+    return situation;
+}
+
+AheadPolicy::Load AheadList::load() const
+{
+    AheadPolicy::Load load;
+    for (const AheadEntry& entry : mEntries) {
+        if (!entry.body)
+            continue;
+        ++load.bodies;
+        load.bytes += entry.asked.size;
+        load.largeRunning += entry.transfer && entry.asked.size > AheadPolicy::kLarge ? 1 : 0;
+    }
+    return load;
+}
+
+void AheadList::start(AheadEntry& entry, TimePoint now)
+{
+    // Memory is needed first: a call would wait for ever for an entry that is marked as running and is not.
+    mRunning.reserve(mRunning.size() + 1);
+    entry.asked.request.onNewConnection = entry.isOpening;
+    TimePoint deadline = TimePoint::max();
+    if (entry.asked.isDownload()) {
+        entry.body = std::make_unique<BodyAhead>(mLimits, entry.asked);
+    } else {
+        entry.noBody = std::make_unique<HttpBody>(mLimits);
+        deadline = now + std::min<HttpLimits::Milliseconds>(mLimits.totalTimeout, AheadPolicy::kLongestWait);
+    }
+    HttpBody& body = entry.body ? entry.body->file() : *entry.noBody;
+    entry.transfer = std::make_unique<HttpTransfer>(mConnections, entry.asked.request, body, deadline);
+    entry.state = State::Running;
+    entry.hadCompany = isRunning();
+    for (AheadEntry* const other : mRunning)
+        other->hadCompany = true;
+    mRunning.push_back(&entry);
+    mConnections.start(*entry.transfer);
+}
+
+/// Other requests can be sent on a connection as soon as it stands.
+void AheadList::noteOpened(AheadEntry& entry)
+{
+    if (std::exchange(entry.isOpening, false))
+        ++mCourse.open;
+}
+
+/// The transfer has come to its end. What it brought is kept when it would be the same in its turn.
+void AheadList::finish(AheadEntry& entry)
+{
+    const bool isKept = isOfUse(entry);
+    end(entry);
+    mCourse.failuresInRow = isKept ? 0 : mCourse.failuresInRow + 1;
+    if (isKept)
+        entry.state = State::Arrived;
+    else if (mTurn != &entry)
+        discard(entry);
+    if (mCourse.failuresInRow >= mLimits.unansweredRequests)
+        stop();
+}
+
+bool AheadList::isOfUse(AheadEntry& entry)
+{
+    HttpAnswer& answer = entry.answer;
+    try {
+        answer = entry.transfer->answer();
+        answer.hadCompany = entry.hadCompany;
+        if (answer.answered)
+            noteOpened(entry);
+        // An answer that took too long here may still come when its request is made in turn.
+        if (answer.isRefusedInCompany() || answer.error == CURLE_OPERATION_TIMEDOUT) {
+            stop();
+            return false;
+        }
+        if (!entry.body)
+            return true;
+        FileBody& file = entry.body->file();
+        // When its turn has come, the caller finds out.
+        const bool isWhole =
+            answer.error == CURLE_OK && file.isTaken() && (mTurn == &entry || file.isSound());
+        if (isWhole)
+            file.restAtEnd();
+        return isWhole;
+    } catch (const std::bad_alloc&) {
+        return false;
+    } catch (...) {
+        entry.exception = std::current_exception();
+        return false;
+    }
+}
+
+/// Takes the transfer away, whatever became of it. The body that has arrived stays.
+void AheadList::end(AheadEntry& entry)
+{
+    entry.transfer.reset();
+    entry.noBody.reset();
+    entry.isOpening = false;
+    entry.state = State::Gone;
+    mRunning.erase(std::find(mRunning.begin(), mRunning.end(), &entry));
+    mCourse.lastEnd = HttpLimits::Clock::now();
+}
