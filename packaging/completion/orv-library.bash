@@ -1,4 +1,36 @@
 # bash completion for orv-library
+
+# Offers what a command says in its JSON document: the value at the end of each match, if it begins with the current word.
+# Usage: _orv_library_values PATTERN COMMAND...
+_orv_library_values() {
+    local pattern=$1 program=${COMP_WORDS[0]/#\~\//$HOME/} typed line
+    shift
+    type -P -- "$program" >/dev/null || program=orv-library
+    # What was typed may be quoted already.
+    typed=${current//\\/}
+    typed=${typed#[\"\']}
+    while IFS= read -r line; do
+        [[ -n $line && $line == "$typed"* ]] && COMPREPLY+=("$line")
+    done < <("$program" "${root[@]}" --json "$@" 2>/dev/null </dev/null | grep -oE "$pattern" | sed -E 's/^.*"[a-z]+":"?//; s/"$//')
+    return 0
+}
+
+# The words that only the library itself knows: filters, catalogs, versions, runs. Status 1 where there are none to offer.
+_orv_library_known() {
+    local names='"name":"[^"\\]*"' first=${words[0]} second=${words[1]} count=${#words[@]}
+    case "$first $second:$count" in
+        "info :1" | "history :1" | "restore :1" | "hold :1") _orv_library_values "$names" list ;;
+        "release :1") _orv_library_values '"held":true[^}]*"name":"[^"\\]*"' list ;;
+        restore*:2) _orv_library_values '"version":"[^"\\]*"' history "$second" ;;
+        "filters use:2") _orv_library_values "$names" filters list && COMPREPLY+=($(compgen -W none -- "$current")) ;;
+        "filters show:2" | "filters remove:2") _orv_library_values '"id":-?[0-9]+' filters list ;;
+        "manufacturers show:2") _orv_library_values '"id":-?[0-9]+' manufacturers list ;;
+        "styles show:2") _orv_library_values '"number":[0-9]+' styles list ;;
+        "runs show:2") _orv_library_values '"number":[0-9]+' runs ;;
+        *) return 1 ;;
+    esac
+}
+
 _orv_library() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
     local commands="paths update list info unpack import undo pack filters manufacturers styles log status verify"
@@ -8,15 +40,25 @@ _orv_library() {
     local common="--root --json --progress --trace --help --version"
     local keys="url product productVersion bonus manufacturer manufacturerDataUrl manufacturerLogoUrl proxy"
     keys+=" certificates retries connections limitRate historyVersions historyBytes"
-    local command="" word
+    # The words before the current one, from the command on, without options and values of the global ones.
+    local command="" word before=""
+    local -a root=() words=()
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-        [[ " $commands " == *" $word "* ]] && command=$word && break
+        case $before in
+            --root) root=(--root "${word/#\~\//$HOME/}") ;;
+            --trace | --progress) ;;
+            *) [[ $word == -* ]] || words+=("$(printf '%s' "$word" | sed -E "s/^[\"']//; s/[\"']$//; s/\\\\(.)/\1/g")") ;;
+        esac
+        before=$word
     done
+    command=${words[0]}
+    COMPREPLY=()
 
     case $previous in
         --root | --output-dir) COMPREPLY=($(compgen -d -- "$current")); return ;;
         --trace | --output | --cacert | --report) COMPREPLY=($(compgen -f -- "$current")); return ;;
         --progress) COMPREPLY=($(compgen -W "auto bar plain none" -- "$current")); return ;;
+        --since) _orv_library_values '"number":[0-9]+' runs; return ;;
     esac
     [[ $current != -* ]] && case $previous in
         filters) COMPREPLY=($(compgen -W "list show add remove use drop-database merge" -- "$current")); return ;;
@@ -31,6 +73,7 @@ _orv_library() {
 
     if [[ $current != -* ]]; then
         [[ -z $command ]] && COMPREPLY=($(compgen -W "$commands" -- "$current")) && return
+        _orv_library_known && return
         COMPREPLY=($(compgen -f -- "$current"))
         return
     fi

@@ -4,6 +4,7 @@ import re
 import shutil
 import subprocess
 import sys
+import tempfile
 import unittest
 
 PROGRAM, SOURCE = sys.argv[1:3]  # and the build tree
@@ -55,7 +56,7 @@ def completions(*words):
     script = os.path.join(SOURCE, "packaging", "completion", "orv-library.bash")
     quoted = " ".join(f"'{word}'" for word in words)
     return output("bash", "-c", f"source '{script}'; COMP_WORDS=({quoted}); COMP_CWORD={len(words) - 1}; "
-                                "_orv_library; printf '%s\\n' \"${COMPREPLY[@]}\"").split()
+                                "_orv_library; printf '%s\\n' \"${COMPREPLY[@]}\"").splitlines()
 
 
 class Manual(unittest.TestCase):
@@ -124,6 +125,62 @@ class Manual(unittest.TestCase):
         for command in command_names():
             if actions(command):
                 self.assertEqual(set(completions("orv-library", command, "")), set(actions(command)), command)
+
+
+class Values(unittest.TestCase):
+    """Completion offers what is in the library: catalogs, versions, filters, makers, runs."""
+
+    def setUp(self):
+        self.work = tempfile.mkdtemp(prefix="orv-completion-")
+        self.addCleanup(shutil.rmtree, self.work)
+        self.root = os.path.join(self.work, "my root")
+        for name in ("core/Doors.orvlib", "core/Türen und Fenster.orvlib", "bonus/Sauna.orvlib",
+                     "history/core/Doors.orvlib/20261121T211635000=v17%3Agreen.orvlib",
+                     "history/core/Doors.orvlib/20261014T070002000=3f2a0c5b.orvlib"):
+            self.write(name, name * 100)
+        self.write("manufacturer-data/manufacturer_data.json", '{"Manufacturer": {"Id": 17, "Name": "Möbelwerk"}}')
+        self.write("runs.json", '{"runs": [{"number": 1, "outcome": "current"}, {"number": 2, "outcome": "updated"}]}')
+        for name in ("Kitchen", "My Bath"):
+            output(PROGRAM, "--root", self.root, "filters", "add", name, "d")
+
+    def write(self, name, text):
+        path = os.path.join(self.root, name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        with open(path, "w") as stream:
+            stream.write(text)
+
+    def offered(self, *words):
+        return sorted(completions(PROGRAM, "--root", self.root, *words))
+
+    def test_catalogs(self):
+        for command in ("info", "history", "restore", "hold"):
+            self.assertEqual(self.offered(command, ""), ["Doors.orvlib", "Sauna.orvlib", "Türen und Fenster.orvlib"])
+        self.assertEqual(self.offered("--json", "info", "Tür"), ["Türen und Fenster.orvlib"])
+        self.assertEqual(self.offered("info", r"Türen\ u"), ["Türen und Fenster.orvlib"])
+
+    def test_held_catalogs(self):
+        self.assertEqual(self.offered("release", ""), [""])
+        output(PROGRAM, "--root", self.root, "hold", "Sauna")
+        self.assertEqual(self.offered("release", ""), ["Sauna.orvlib"])
+
+    def test_versions(self):
+        self.assertEqual(self.offered("restore", "Doors", ""), ["3f2a0c5b", "v17:green"])
+        self.assertEqual(self.offered("restore", "Doors.orvlib", "3"), ["3f2a0c5b"])
+
+    def test_filters(self):
+        self.assertEqual(self.offered("filters", "use", ""), ["Kitchen", "My Bath", "none"])
+        self.assertEqual(self.offered("filters", "remove", ""), ["0", "1"])
+
+    def test_records(self):
+        self.assertEqual(self.offered("manufacturers", "show", ""), ["17"])
+        self.assertIn("10003", self.offered("styles", "show", ""))
+        self.assertEqual(self.offered("runs", "show", ""), ["1", "2"])
+        self.assertEqual(self.offered("news", "--since", ""), ["1", "2"])
+
+    def test_nothing_where_there_is_no_library(self):
+        self.root = os.path.join(self.work, "none")
+        self.assertEqual(self.offered("info", ""), [""])
+        self.assertFalse(os.path.exists(self.root))
 
 
 if __name__ == "__main__":
