@@ -1,4 +1,4 @@
-# The programs, their manual pages, the shell completion, and what a catalog service is set up from.
+# The programs, their manual pages, the shell completion, the timer for checks, and what a catalog service is set up from.
 
 file(RELATIVE_PATH ORV_BIN_TO_LIB "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
 # Relative to the program itself, so that an installed tree may be moved.
@@ -6,6 +6,9 @@ set_target_properties(orv-library orv-browser PROPERTIES INSTALL_RPATH "$ORIGIN/
 install(TARGETS orv-library orv-browser RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT programs)
 install(FILES packaging/completion/orv-library.bash
     DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT programs RENAME orv-library)
+# Off until a user switches the timer on.
+install(FILES packaging/systemd/orv-library-check.service packaging/systemd/orv-library-check.timer
+    DESTINATION lib/systemd/user COMPONENT programs)
 install(FILES docs/troubleshooting.md DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/orv-library" COMPONENT programs)
 install(FILES docs/service/README.md docs/service/behind-a-proxy.md docs/service/nginx-catalog.conf
     DESTINATION "${CMAKE_INSTALL_DATADIR}/doc/orv-library/service" COMPONENT programs)

@@ -68,7 +68,9 @@ class Manual(unittest.TestCase):
 
     def test_pages_name_the_options_that_there_are(self):
         for command in command_names():
-            self.assertEqual(options_of(page(command)), command_options(command), command)
+            # What a page tells of systemctl are that program's options.
+            own = re.sub(r"\bsystemctl\b[^\n*]*", "", page(command))
+            self.assertEqual(options_of(own), command_options(command), command)
         self.assertEqual(options_of(page(None)), options_of(output(PROGRAM, "--help")))
 
     def test_pages_name_the_arguments_and_actions_that_there_are(self):

@@ -82,6 +82,10 @@ class DebianPackages(unittest.TestCase):
         self.assertTrue(os.path.exists(
             self.in_tree("usr", "share", "bash-completion", "completions", "orv-library")))
 
+    def test_the_timer_is_there_and_off(self):
+        units = self.in_tree("usr", "lib", "systemd", "user")
+        self.assertEqual(sorted(os.listdir(units)), ["orv-library-check.service", "orv-library-check.timer"])
+
     def test_schemas_and_pages_of_the_documents_are_there(self):
         for name in ("troubleshooting.md", os.path.join("service", "behind-a-proxy.md")):
             self.assertTrue(os.path.exists(self.in_tree("usr", "share", "doc", "orv-library", name)), name)
