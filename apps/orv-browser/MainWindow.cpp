@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include "OrvLibrary/IO/ErrorLog.h"
+#include "apps/orv-browser/FocusRing.h"
 #include "apps/orv-browser/ItemActions.h"
 #include "apps/orv-browser/LibraryActions.h"
 #include "apps/orv-browser/WindowMenus.h"
@@ -47,7 +48,8 @@ namespace {
 const QList<int> kPaneWidths{220, 680, 280}; // pixels, to begin with
 constexpr int kLeastPlaces = 170;
 constexpr int kLeastGallery = 470;
-constexpr int kNarrow = 900; // a window below this width has no room for the details
+constexpr int kLeastDetails = 140; // so that a window of half a screen may hide them
+constexpr int kNarrow = 900;       // a window below this width has no room for the details
 
 QStringList droppedSources(const QMimeData& data)
 {
@@ -82,6 +84,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
     setObjectName(QStringLiteral("libraryBrowser"));
     setWindowTitle(tr("Library"));
     setAcceptDrops(true);
+    new FocusRing(this);
     buildPanes();
     connectMenus();
     connectPanes();
@@ -91,6 +94,8 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
     mContent->refresh();
     mNews->refresh();
     mMemory.restore();
+    showDetailsIfWanted();
+    mMemory.place(); // which the details may have been too wide for
     leaveGonePlace();
     mGallery->ask();
 }
@@ -108,6 +113,7 @@ void MainWindow::buildPanes()
     mPanes->addWidget(mDetails);
     mPlaces->setMinimumWidth(kLeastPlaces);
     mGallery->setMinimumWidth(kLeastGallery);
+    mDetails->setMinimumWidth(kLeastDetails);
     mPanes->setStretchFactor(1, 1);
     mPanes->setSizes(kPaneWidths);
     mPanes->setChildrenCollapsible(false);

@@ -39,8 +39,8 @@ WindowMemory::WindowMemory(fileString root, QWidget& window, QSplitter& panes, P
 void WindowMemory::restore()
 {
     const WindowState state = WindowState::load(mRoot);
-    const QRect first(QGuiApplication::primaryScreen()->availableGeometry().topLeft(), kFirstSize);
-    mWindow.setGeometry(onScreen(state.geometry.isNull() ? first : state.geometry));
+    mGeometry = state.geometry;
+    place();
     if (state.isMaximized)
         mWindow.setWindowState(Qt::WindowMaximized);
     if (!state.panes.isEmpty())
@@ -51,6 +51,12 @@ void WindowMemory::restore()
     mPlaces.memory().setOpen(state.open);
     mGallery.showItem(state.place, state.selectedDatabase, state.selectedItem);
     mPlaces.setCurrent(state.place);
+}
+
+void WindowMemory::place()
+{
+    const QRect first(QGuiApplication::primaryScreen()->availableGeometry().topLeft(), kFirstSize);
+    mWindow.setGeometry(onScreen(mGeometry.isNull() ? first : mGeometry));
 }
 
 void WindowMemory::save() const

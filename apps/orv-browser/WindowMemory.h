@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QRect>
+
 #include "OrvLibrary/host/fileString.h"
 
 class GalleryPane;
@@ -17,6 +19,8 @@ public:
 
     /// To be called once the catalogs are known, whether they are read or not.
     void restore();
+    /// Gives the window its former place, on the screen; part of `restore`.
+    void place();
     void save() const;
 
 private:
@@ -25,4 +29,5 @@ private:
     QSplitter& mPanes;
     PlacesPane& mPlaces;
     GalleryPane& mGallery;
+    QRect mGeometry; ///< that was kept; null for none
 };

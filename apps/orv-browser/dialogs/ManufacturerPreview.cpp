@@ -83,6 +83,8 @@ ManufacturerPreview::ManufacturerPreview(const QString& dataUrl, const QString& 
     layout->addWidget(mText);
     layout->addWidget(mChanges);
     layout->addWidget(mButtons);
+    // Without a default of its own the box would let Enter mean Cancel.
+    mButtons->button(QDialogButtonBox::Apply)->setDefault(true);
     mButtons->button(QDialogButtonBox::Apply)->setEnabled(false);
     connect(mButtons->button(QDialogButtonBox::Apply), &QPushButton::clicked, this,
             &ManufacturerPreview::accept);
