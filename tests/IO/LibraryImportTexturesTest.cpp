@@ -224,3 +224,10 @@ TEST_F(LibraryImportTexturesTest, copyNeedsAnExistingTargetAndStopsAtWhatItCanno
     EXPECT_EQ(contentsOf(target), (Contents{{"a", "1"}, {"c", "3"}}));
     EXPECT_THROW(LibraryImport::copyArchivedFile(source, target, nullptr, {}), NullPointerError);
 }
+
+TEST_F(LibraryImportTexturesTest, missingFolderIsMadeWithStandardPermissions)
+{
+    mNew.add("a.jpg", "a");
+    EXPECT_TRUE(move(mNew));
+    EXPECT_EQ(test::modeOf(mDestination.parentPath()), 0755u);
+}

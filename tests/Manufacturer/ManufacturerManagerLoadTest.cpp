@@ -1,5 +1,7 @@
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 
+#include <filesystem>
+
 #include <sys/stat.h>
 
 #include "OrvLibrary/host/NullPointerRaiser.h"
@@ -235,4 +237,12 @@ TEST_F(ManufacturerManagerLoad, outputsAreRequired)
                  NullPointerError);
     EXPECT_THROW(ManufacturerManager::read_manufacturer_file(path, mTable, &mTime, nullptr),
                  NullPointerError);
+}
+
+TEST_F(ManufacturerManagerLoad, missingFolderIsMadeWithStandardPermissions)
+{
+    const fileString folder = mHost.folder().file("manufacturer-data");
+    std::filesystem::remove_all(folder.toNativeString());
+    manager().loadManufacturers();
+    EXPECT_EQ(test::modeOf(folder), 0755U);
 }

@@ -28,13 +28,6 @@ protected:
         EXPECT_TRUE(ManufacturerManager::read_manufacturer_file(dataFile(), table, &time, &text));
         return time;
     }
-
-    static mode_t modeOf(const fileString& path)
-    {
-        struct stat status = {};
-        EXPECT_EQ(stat(path.toNativeString().c_str(), &status), 0);
-        return status.st_mode & 07777;
-    }
 };
 
 } // namespace
@@ -143,7 +136,7 @@ TEST_F(ManufacturerManagerSave, fileHasStandardPermissions)
     writeDataFile("{}");
     ASSERT_EQ(chmod(dataFile().toNativeString().c_str(), 0600), 0);
     manager().write_manufacturer_file();
-    EXPECT_EQ(modeOf(dataFile()), 0644U);
+    EXPECT_EQ(test::modeOf(dataFile()), 0644U);
 }
 
 TEST_F(ManufacturerManagerSave, readOnlyFileIsToldAndMadeWritableForTheNextTime)
@@ -156,7 +149,7 @@ TEST_F(ManufacturerManagerSave, readOnlyFileIsToldAndMadeWritableForTheNextTime)
     const std::vector<test::SentMessage> expected{
         {272032391, error::Trait::Kind::ErrorMinimal, dataFile().toNativeString(), "", ""}};
     EXPECT_EQ(mHost.messages(), expected);
-    EXPECT_EQ(modeOf(dataFile()), 0644U);
+    EXPECT_EQ(test::modeOf(dataFile()), 0644U);
     manager().write_manufacturer_file();
     EXPECT_NE(test::readFile(dataFile()), "{}");
     EXPECT_EQ(mHost.messages().size(), 1U);
@@ -173,7 +166,7 @@ TEST_F(ManufacturerManagerSave, checkTellsOfAFileThatCannotBeWritten)
     const std::vector<test::SentMessage> expected{
         {272032391, error::Trait::Kind::ErrorMinimal, dataFile().toNativeString(), "", ""}};
     EXPECT_EQ(mHost.messages(), expected);
-    EXPECT_EQ(modeOf(dataFile()), 0444U);
+    EXPECT_EQ(test::modeOf(dataFile()), 0444U);
 }
 
 TEST_F(ManufacturerManagerSave, otherFailuresAreSilent)

@@ -1,5 +1,6 @@
 #include "tests/catalog/CatalogTest.h"
 
+#include <filesystem>
 #include <stdexcept>
 
 using LibraryCatalogUpdate::LibraryCatalogUpdater;
@@ -80,4 +81,27 @@ TEST_F(LibraryCatalogUpdaterAnnounce, serviceThatCannotBeToldOfDownloadsIsAskedI
     mCurl.onAnnouncement = [] { throw std::runtime_error("not this one"); };
     run();
     EXPECT_EQ(result(), 2);
+}
+
+TEST_F(LibraryCatalogUpdaterAnnounce, foldersHaveStandardPermissionsWhicheverStepMakesThem)
+{
+    const std::string referenced = path("referenced").toNativeString();
+    std::filesystem::remove_all(referenced);
+    changed("a.orvlib");
+    const fileString folder(download("core", "a.orvlib").parentPath());
+    std::vector<unsigned> modes;
+    mCurl.onAnnouncement = [&] {
+        if (folder.pathExists())
+            modes.push_back(test::modeOf(folder));
+        std::filesystem::remove_all(folder.toNativeString());
+    };
+    mCurl.onRequest = [&](const std::string& request) {
+        if (request.rfind("GET ", 0) == 0)
+            modes.push_back(test::modeOf(folder));
+    };
+    run();
+    EXPECT_EQ(test::modeOf(path("referenced")), 0755u);
+    ASSERT_GE(modes.size(), 2u) << "as it was announced, and as it was made anew";
+    for (const unsigned mode : modes)
+        EXPECT_EQ(mode, 0755u);
 }

@@ -247,6 +247,15 @@ TEST_F(LibraryCatalogUpdaterCheck, thePagesOf403And404AreFetchedWithTheSameHeade
     }
 }
 
+TEST_F(LibraryCatalogUpdaterCheck, theRecordKeepsThePageOfTheError)
+{
+    answer(404, "").page = "No longer sold.";
+    auto updater = test::makeUpdater(*mRecorder, mArguments);
+    updater.check();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(updater.catalogs().at(fileString("a.orvlib")).errorText, "No longer sold.");
+}
+
 TEST_F(LibraryCatalogUpdaterCheck, otherStatusesFetchNoPage)
 {
     for (const int status : {304, 400, 401, 405, 500}) {

@@ -41,13 +41,6 @@ private:
     fileString mFile;
 };
 
-mode_t modeOf(const fileString& file)
-{
-    struct stat status = {};
-    stat(file.toNativeString().c_str(), &status);
-    return status.st_mode & 07777;
-}
-
 } // namespace
 
 TEST_F(LibraryCatalogUpdaterInstall, aCoreCatalogIsHandedToTheHost)
@@ -59,7 +52,7 @@ TEST_F(LibraryCatalogUpdaterInstall, aCoreCatalogIsHandedToTheHost)
                 ElementsAre(path("core/Doors.orvlib").toNativeString() + ", " +
                             download("core", "Doors.orvlib").toNativeString()));
     EXPECT_EQ(test::readFile(download("core", "Doors.orvlib")), kNew);
-    EXPECT_EQ(modeOf(download("core", "Doors.orvlib")), 0644u);
+    EXPECT_EQ(test::modeOf(download("core", "Doors.orvlib")), 0644u);
     EXPECT_EQ(content("core/Doors.orvlib"), kOld) << "the host puts it into place";
     EXPECT_EQ(content("core/catalog_hash.txt"), "Doors.orvlib:new\n");
     EXPECT_EQ(mRecorder->texts().back(), "closeCatalogUpdateEvent(2, 0x10369189, [Doors])");
@@ -96,7 +89,7 @@ TEST_F(LibraryCatalogUpdaterInstall, aReferencedArchiveReplacesTheOldOneAndIsLoo
     changed("Tex.zip");
     run();
     EXPECT_EQ(content("referenced/Tex.zip"), kNew);
-    EXPECT_EQ(modeOf(path("referenced/Tex.zip")), 0644u);
+    EXPECT_EQ(test::modeOf(path("referenced/Tex.zip")), 0644u);
     EXPECT_FALSE(download("core", "Tex.zip").pathExists());
     EXPECT_THAT(mHost.resetFolders(), ElementsAre(path("referenced/").toNativeString()));
     EXPECT_EQ(mRecorder->count("onCatalogUpdatedEvent"), 0u);
@@ -354,14 +347,14 @@ TEST_F(LibraryCatalogUpdaterInstall, aNewRunCountsItsOwnKilobytes)
 
 TEST_F(LibraryCatalogUpdaterInstall, theHostReceivesACatalogWithItsPermissionsSet)
 {
-    mode_t mode = 0;
+    unsigned mode = 0;
     changed("a.orvlib").afterDownload = [](const fileString& target) {
         chmod(target.toNativeString().c_str(), 0600);
     };
     mRecorder->swapsIn = false;
     mRecorder->onEvent = [&](std::size_t) {
         if (mRecorder->events().back().slot == "onCatalogUpdatedEvent")
-            mode = modeOf(mRecorder->updatedFiles().back().second);
+            mode = test::modeOf(mRecorder->updatedFiles().back().second);
     };
     run();
     EXPECT_EQ(mode, 0644u);

@@ -60,6 +60,14 @@ void writeFile(const std::string& path, const std::string& content)
         throw std::runtime_error("cannot write " + path);
 }
 
+unsigned modeOf(const fileString& path)
+{
+    std::error_code failure;
+    const fs::file_status status = fs::status(path.toNativeString(), failure);
+    EXPECT_TRUE(fs::exists(status)) << path.toNativeString();
+    return static_cast<unsigned>(status.permissions());
+}
+
 std::vector<std::string> listTree(const std::string& folder)
 {
     std::vector<std::string> names;

@@ -31,6 +31,8 @@ private:
 std::string readFile(const std::string& path);
 std::string readFile(const fileString& path);
 void writeFile(const std::string& path, const std::string& content);
+/// The permission bits of a file or folder; fails the test when there is none.
+unsigned modeOf(const fileString& path);
 /// Names of all files and folders below `folder`, relative, folders with a final "/", sorted.
 /// Links are named, not followed.
 std::vector<std::string> listTree(const std::string& folder);

@@ -205,10 +205,11 @@ TEST_F(FileUtilsTest, setFilePermissionThrowsForTheFileOfAnother)
 TEST_F(FileUtilsTest, everyMissingFolderIsCreated)
 {
     EXPECT_TRUE(FileUtils::createDirectoriesWithPerm(mFolder.file("a/b//c/"), false));
-    EXPECT_TRUE(FileUtils::createDirectoriesWithPerm(mFolder.file("a/d"), true));
-    EXPECT_EQ(list(), (std::vector<std::string>{"a/", "a/b/", "a/b/c/", "a/d/"}));
+    EXPECT_TRUE(FileUtils::createDirectoriesWithPerm(mFolder.file("a/d/e"), true));
+    EXPECT_EQ(list(), (std::vector<std::string>{"a/", "a/b/", "a/b/c/", "a/d/", "a/d/e/"}));
     EXPECT_EQ(modeOf(mFolder.file("a/b")), 0755u);
     EXPECT_EQ(modeOf(mFolder.file("a/d")), 0700u);
+    EXPECT_EQ(modeOf(mFolder.file("a/d/e")), 0700u);
     EXPECT_TRUE(FileUtils::createDirectoriesWithPerm(mFolder.file("a/b"), true));
     EXPECT_EQ(modeOf(mFolder.file("a/b")), 0755u) << "one that exists is left as it is";
 }
@@ -219,6 +220,7 @@ TEST_F(FileUtilsTest, aFolderThatCannotBeCreatedIsReported)
     EXPECT_FALSE(FileUtils::createDirectoriesWithPerm(mFolder.file("file"), false));
     EXPECT_FALSE(FileUtils::createDirectoriesWithPerm(mFolder.file("file/below"), false));
     EXPECT_FALSE(FileUtils::createDirectoriesWithPerm(link("broken", "none/none"), false));
+    EXPECT_FALSE(FileUtils::createDirectoriesWithPerm(mFolder.file("broken/below"), false));
     EXPECT_FALSE(FileUtils::createDirectoriesWithPerm(fileString(), false));
     EXPECT_FALSE(FileUtils::createDirectoriesWithPerm(withNul(mFolder.file("new")), false));
     EXPECT_TRUE(FileUtils::createDirectoriesWithPerm(fileString("/"), false));
