@@ -8,6 +8,7 @@
 #include <sys/resource.h>
 
 #include "OrvLibrary/host/impl/http/DownloadFile_p.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TempFolder.h"
 
 namespace test {
@@ -129,6 +130,22 @@ TEST(DownloadFile, whatTheDiskRefusesAtLastFailsTheCommitAndKeepsTheOldFile)
     }
     EXPECT_EQ(readFile(folder.file("a.orvlib")), "old");
     EXPECT_THAT(listTree(folder.path()), ElementsAre("a.orvlib"));
+}
+
+TEST(DownloadFile, partialFileOnAnotherDiskLeavesItsPlaceForTheTarget)
+{
+    const OtherDevice other;
+    if (other.path().empty())
+        GTEST_SKIP() << "needs a second disk";
+    const TempFolder folder;
+    const fileString partial(other.path() + "/partial");
+    DownloadFile file(folder.file("a.orvlib"), partial);
+    std::string reason;
+    ASSERT_TRUE(file.open(reason)) << reason;
+    ASSERT_TRUE(file.write("whole", 5, reason));
+    EXPECT_TRUE(file.commit(reason)) << reason;
+    EXPECT_EQ(readFile(folder.file("a.orvlib")), "whole");
+    EXPECT_FALSE(partial.pathExists());
 }
 
 } // namespace test

@@ -144,6 +144,17 @@ TEST(SpeedGuard, thirtySecondsBelowAByteASecondAreTooSlow)
     EXPECT_TRUE(guard.tooSlow(start + 30s));
 }
 
+TEST(SpeedGuard, oneByteForEachSecondIsJustEnough)
+{
+    const HttpLimits limits;
+    const auto start = HttpLimits::Clock::now();
+    SpeedGuard guard(limits, start);
+    guard.received(29);
+    EXPECT_TRUE(guard.tooSlow(start + 30s));
+    guard.received(1);
+    EXPECT_FALSE(guard.tooSlow(start + 30s));
+}
+
 TEST(SpeedGuard, silenceAfterManyBytesIsNoticedInTime)
 {
     const HttpLimits limits;
