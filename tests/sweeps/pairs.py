@@ -3,8 +3,9 @@
 
     pairs.py --program ORV_LIBRARY [--rounds N]    300 rounds where the environment variable ORV_SWEEP is "full"
 
-An update beside another, which is turned away; an update beside an import, also of one name; two imports of one name; an
-import beside an undo; a filter that is added while the file is merged into another one's. Neither loses what the other writes, and the files end as if one had come after the other.
+An update beside another, which is turned away; an update beside an import, also of one name, whether it is there or
+not; two imports of one name, which merge or not; an import beside an undo; a filter that is added while the file is
+merged into another one's. Neither loses what the other writes, and the files end as if one had come after the other.
 """
 import argparse
 import os
@@ -110,6 +111,29 @@ class TwoImports(Pair):
         return lost + oracle.judge_recovered(found, pairs.one_by_one(self))
 
 
+class MergesScenario(TwoImportsScenario):
+    """The same with a library and its textures in place, so that both imports merge."""
+
+    name = "two-merges"
+
+    def fill(self, sandbox):
+        super().fill(sandbox)
+        scenarios.write(os.path.join(sandbox, "root/user/Kitchen.orvlib"), scenarios.noise(9, 90000))
+        scenarios.archive(os.path.join(sandbox, "root/textures/Kitchen.zip"), {"kept.txt": b"kept"})
+
+
+class TwoMerges(TwoImports):
+    """Both merge their textures into the same archive."""
+
+    name = "merge beside merge of one name"
+    scenario = MergesScenario()
+
+    def judge(self, pairs, sandbox):
+        found = oracle.snapshot(sandbox)
+        kept = "kept.txt" in found.get("root/textures/Kitchen.zip", "")
+        return super().judge(pairs, sandbox) + ([] if kept else ["kept.txt is lost"])
+
+
 class ImportAndUndoScenario(TwoImportsScenario):
     name = "import-undo"
 
@@ -160,6 +184,18 @@ class SameName(Pair):
                 if f"'{name}'" not in textures]
 
 
+class FirstOfNameScenario(scenarios.UpdateFirst):
+    """The same with neither the catalog nor its archive in place."""
+
+    name = "first-update-import-same"
+    fill = SameNameScenario.fill
+
+
+class FirstOfName(SameName):
+    name = "first import beside first update of one name"
+    scenario = FirstOfNameScenario()
+
+
 class AddAndMerge(Pair):
     """The merge changes the root's file and its own; the filter that is added meanwhile must not be lost, nor lose
     what was merged."""
@@ -187,7 +223,7 @@ class AddAndMerge(Pair):
         return complaints + [f"{path} was left over" for path in left]
 
 
-ALL = [TwoUpdates(), UpdateAndImport(), TwoImports(), ImportAndUndo(), SameName(), AddAndMerge()]
+ALL = [TwoUpdates(), UpdateAndImport(), TwoImports(), TwoMerges(), ImportAndUndo(), SameName(), FirstOfName(), AddAndMerge()]
 
 
 class Pairs:
