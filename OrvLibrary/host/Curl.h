@@ -9,8 +9,9 @@
 
 /// The download service. An address is an 8-bit text. It is passed on as it was built, except that bytes that
 /// HTTP cannot carry are percent-encoded. The service knows http and https, follows at most 10 redirects,
-/// never from https to http, and verifies its peers. All operations may be called from any thread. The
-/// default implementation throws nothing.
+/// never from https to http, and verifies its peers. All operations may be called from any thread. Those of
+/// the default implementation throw only where memory runs out; what else goes wrong, in a host service or in
+/// the question of a cancel too, ends the request as a failure.
 class ORVLIBRARY_EXPORT Curl
 {
 public:

@@ -18,6 +18,11 @@ bool isOutOfPatience()
     return patience-- <= 0;
 }
 
+bool doesNotKnow()
+{
+    throw 1;
+}
+
 /// The service's own times, which no test could wait for: a request that ends was ended by the question.
 class CurlCancelTest : public CurlFixture
 {
@@ -55,6 +60,19 @@ TEST_F(CurlCancelTest, pageEnds)
     patience = 20;
     EXPECT_FALSE(browse(server.url("/body")));
     expectCancelled();
+}
+
+TEST_F(CurlCancelTest, questionThatThrowsEndsEachRequestAsAFailure)
+{
+    Curl::setCancelQuestion(&doesNotKnow);
+    EXPECT_FALSE(header(server.url("/silent")));
+    EXPECT_FALSE(browse(server.url("/silent")));
+    EXPECT_EQ(curl.lastAnswer().reason, "Callback aborted");
+    EXPECT_EQ(curl.urlAfterRedirects(server.url("/redirect")), "");
+    EXPECT_FALSE(fetch(server.url("/silent")));
+    EXPECT_EQ(curl.lastAnswer().reason, "Callback aborted");
+    EXPECT_THAT(files(), IsEmpty());
+    Curl::setCancelQuestion(&isOutOfPatience);
 }
 
 TEST_F(CurlCancelTest, redirectWalkEnds)

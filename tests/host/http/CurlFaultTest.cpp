@@ -1,8 +1,11 @@
+#include <stdexcept>
+
 #include <netinet/in.h>
 #include <sys/mount.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
+#include "OrvLibrary/host/PathUtils.h"
 #include "tests/host/http/CurlFixture.h"
 
 using testing::ElementsAre;
@@ -14,6 +17,14 @@ using namespace std::chrono_literals;
 namespace test {
 
 namespace {
+
+/// A host that does not know where its temporary folder is.
+class PathsWithoutTemp : public RootPathUtils
+{
+public:
+    using RootPathUtils::RootPathUtils;
+    fileString getTempPath() const override { throw std::runtime_error("no temporary folder"); }
+};
 
 class CurlFaultTest : public CurlFixture
 {
@@ -34,6 +45,16 @@ TEST_F(CurlFaultTest, replyCutAnywhereIsAFailedDownloadWithoutAFile)
         EXPECT_THAT(files(), IsEmpty());
         curl.forgetUnanswered();
     }
+}
+
+TEST_F(CurlFaultTest, folderThatTheHostCannotTellFailsTheDownload)
+{
+    server.on("/a", FaultReply::ok("x"));
+    PathsWithoutTemp paths(folder.file("root"));
+    PathUtils* const former = PathUtils::install(&paths);
+    EXPECT_TRUE(curl.download(server.url("/a")).empty());
+    PathUtils::install(former);
+    EXPECT_EQ(curl.lastAnswer().reason, "no temporary folder");
 }
 
 TEST_F(CurlFaultTest, headerCutAnywhereIsNoHeader)

@@ -25,6 +25,9 @@ auto withoutExceptions(const Request& request) -> decltype(request())
     } catch (const std::exception& error) {
         LastAnswer::noteReason(error.what());
         return {};
+    } catch (...) {
+        LastAnswer::noteReason("Callback aborted");
+        return {};
     }
 }
 

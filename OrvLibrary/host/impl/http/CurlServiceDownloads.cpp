@@ -100,6 +100,14 @@ try {
     return target;
 } catch (const std::bad_alloc&) {
     return {};
+} catch (const std::exception& error) {
+    // The host does not know where its temporary folder is.
+    LastAnswer::clear();
+    LastAnswer::noteReason(error.what());
+    return {};
+} catch (...) {
+    LastAnswer::clear();
+    return {};
 }
 
 bool CurlService::download_to_location(const std::string& url, const fileString& target, std::string& reason)
