@@ -43,12 +43,6 @@ void ZipArchive::open()
         fail(std::strerror(errno));
 }
 
-bool ZipArchive::isAt(const fileString& path) const
-{
-    const std::optional<struct stat> other = host::fileStatus(path.toNativeString());
-    return other && other->st_dev == mStatus.st_dev && other->st_ino == mStatus.st_ino;
-}
-
 std::size_t ZipArchive::indexOf(const ZipEntry& entry) const
 {
     return static_cast<std::size_t>(&entry - entries().data());

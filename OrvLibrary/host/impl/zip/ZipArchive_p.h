@@ -39,8 +39,6 @@ public:
     std::uint64_t prefixSize() const { return mDirectory->prefixSize(); }
     int descriptor() const { return mFile.get(); }
 
-    /// Whether the path names this very file.
-    bool isAt(const fileString& path) const;
     /// The last member of that name; null when there is none.
     const ZipEntry* find(std::string_view name) const { return mDirectory->find(name); }
     /// The member's place among the entries.
