@@ -366,6 +366,7 @@ TEST_F(ManufacturerManagerUpdate, hostileLogoNamesTouchNothing)
                                  "./manufacturer_data.json",
                                  "manufacturer_data.json.bak",
                                  "Manufacturer_Data.JSON",
+                                 "MANUFACTURER_DATA.JSON",
                                  "manufacturer_data_temp.json",
                                  ".manufacturer_data.json.0123456789abcdef.orv-new",
                                  "kept.png\\u0000.txt"};

@@ -332,6 +332,15 @@ TEST_F(CurlTest, proxyIsAskedForEveryAddressUntilItIsTakenAway)
     EXPECT_EQ(body, "/a");
 }
 
+TEST_F(CurlTest, proxyOfTheProcessIsThatOfTheDefaultService)
+{
+    server.otherwise([](const test::FaultRequest& request) { return FaultReply::ok(request.target); });
+    Curl::setProxy(server.url(""));
+    EXPECT_TRUE(Curl::get().browseURL("http://catalogs.invalid/a", {}, body, true, 0));
+    Curl::setProxy("");
+    EXPECT_EQ(body, "http://catalogs.invalid/a");
+}
+
 TEST_F(CurlTest, serviceOfTheHostsNeedsNeitherToSendAheadNorToFollow)
 {
     server.on("/redirect", FaultReply::redirect("/to?"));

@@ -15,6 +15,17 @@ protected:
 
 } // namespace
 
+TEST_F(RateLimitTest, newLimitForgetsWhatTheFormerOnePutOff)
+{
+    RateLimit limit;
+    const auto start = HttpLimits::Clock::now();
+    limit.set(10);
+    limit.received(1000, start);
+    EXPECT_EQ(limit.pause(start), 100s);
+    limit.set(1000);
+    EXPECT_EQ(limit.pause(start), 0ns);
+}
+
 TEST_F(RateLimitTest, bytesPutOffTheNextOnes)
 {
     RateLimit limit;

@@ -41,6 +41,13 @@ TEST(UnicodeString, movesItsText)
     EXPECT_EQ(to, String("abc"));
 }
 
+TEST(UnicodeString, isInTheOrderOfItsBytes)
+{
+    EXPECT_TRUE(String("a") < String("b"));
+    EXPECT_FALSE(String("b") < String("a"));
+    EXPECT_FALSE(String("a") < String("a"));
+}
+
 TEST(UnicodeString, printsItsBytes)
 {
     std::ostringstream stream;

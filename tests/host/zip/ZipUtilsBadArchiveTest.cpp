@@ -218,6 +218,18 @@ TEST_F(ZipUtilsBadArchiveTest, wideEndThatLiesIsUnsound)
         expectUnsound(mFolder.write("a.zip", bytes), what);
 }
 
+TEST_F(ZipUtilsBadArchiveTest, shortEndOfSeveralDisksIsUnsound)
+{
+    ArchiveBuilder builder;
+    builder.add("a", "x");
+    const std::string sound = builder.bytes();
+    const std::size_t end = sound.size() - 22;
+    ASSERT_EQ(ZipUtils::getFilenamesInArchive(mFolder.write("a.zip", sound)).size(), 1U);
+    for (const std::size_t at : {4, 6, 8})
+        expectUnsound(mFolder.write("a.zip", std::string(sound).replace(end + at, 1, "\2")),
+                      std::to_string(at));
+}
+
 TEST_F(ZipUtilsBadArchiveTest, dataThatLiesIsUnsound)
 {
     const std::string content = test::sampleBytes(1000, 1);

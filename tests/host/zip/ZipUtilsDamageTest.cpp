@@ -56,6 +56,14 @@ TEST_F(ZipUtilsDamageTest, soundArchiveHasNoDamage)
     EXPECT_TRUE(ZipUtils::verify(ArchiveBuilder().write(mFolder, "empty.zip"), nullptr, nullptr));
 }
 
+TEST_F(ZipUtilsDamageTest, lastByteBehindAPieceIsChecked)
+{
+    ArchiveMember& member = mSource.add("a", test::sampleBytes((1U << 20U) + 1, 1));
+    member.method = ArchiveMember::kStored;
+    member.checksum = 1;
+    EXPECT_THAT(damagedNames(writeSource()), ElementsAre("a"));
+}
+
 TEST_F(ZipUtilsDamageTest, everyDamagedMemberIsNamedWithItsArchive)
 {
     mSource.add("good", "1");
