@@ -78,7 +78,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
       mMenus(new WindowMenus(*this, mActions->undoStack())),
       mStatus(new StatusLine(*mMenus->checkForUpdates, *mMenus->showActivities, this)),
       mLibrary(new LibraryActions(*this, root, mActions->undoStack())),
-      mActivities(new Activities(*mLibrary, *mMenus->showActivities, this)),
+      mActivities(new Activities(*mLibrary, *mLists, *mMenus->showActivities, this)),
       mMemory(root, *this, *mPanes, *mPlaces, *mGallery)
 {
     setObjectName(QStringLiteral("libraryBrowser"));

@@ -146,6 +146,7 @@ TEST_F(BrowserActivitiesTest, cardCountsWhatIsNewAndStaysUntilItIsPutAway)
     ASSERT_TRUE(ends());
     EXPECT_TRUE(isCardShown());
     EXPECT_EQ(card(), "2 catalogs, 3 new items");
+    EXPECT_FALSE(child<QPushButton>("resultNews").isVisible()); // all is
     offer("Alpha", {"Door"});
     offer("Beta", {"Lamp", "Torch", "Candle"});
     trigger("checkForUpdates");
@@ -173,10 +174,13 @@ TEST_F(BrowserActivitiesTest, cardLeadsToWhatIsNew)
 {
     openAndUpdate();
     ASSERT_TRUE(ends());
+    const std::string lists = inRoot("browser-lists.json");
+    ASSERT_TRUE(waitFor([&] { return fileString(lists).pathExists(); })); // now all that is there is seen
     offer("Beta", {"Lamp", "Torch"});
     trigger("checkForUpdates");
     ASSERT_TRUE(ends());
     ASSERT_TRUE(settle());
+    EXPECT_TRUE(child<QPushButton>("resultNews").isVisible());
     click("resultNews");
     ASSERT_TRUE(settle());
     EXPECT_EQ(window().gallery().place().kind, Place::Kind::News);

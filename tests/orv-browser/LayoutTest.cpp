@@ -175,7 +175,8 @@ TEST(BrowserLayoutInspection, notesWhatIsCutOutsideOrCovered)
     outside->setGeometry(150, 50, 100, 20);
     top.show();
     QStringList kinds;
-    for (const QString& fault : Inspection(top).faults())
+    const Inspection inspection(top);
+    for (const QString& fault : inspection.faults())
         kinds << fault.section(' ', 0, 0);
     EXPECT_THAT(kinds, testing::UnorderedElementsAre("cut", "overlap", "outside:"));
 }
@@ -194,6 +195,22 @@ TEST_F(BrowserLayoutTest, windowIsSoundFromRightToLeftAtEverySize)
 {
     QApplication::setLayoutDirection(Qt::RightToLeft);
     inspectWindow();
+}
+
+TEST_F(BrowserLayoutTest, longSentenceInTheFootIsNotCut)
+{
+    open();
+    ASSERT_TRUE(settle());
+    Q_EMIT window().library().said(
+        "Updated: Bath Fixtures, Café Möbel, Core Textures, Doors, Electrical Symbols "
+        "and 14 more. Some catalogs could not be updated: Floors.orvlib: HTTP 503; "
+        "Garage.orvlib: no answer. The log has the details.");
+    for (const QSize& size : kSizes) {
+        window().resize(size);
+        QCoreApplication::sendPostedEvents();
+        QTest::qWait(1);
+        expectSound(window(), "at " + std::to_string(size.width()));
+    }
 }
 
 TEST_F(BrowserLayoutTest, dialogsAreSoundInEnglish)

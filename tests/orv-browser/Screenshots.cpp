@@ -145,6 +145,8 @@ void saveUpdate(const OrvHost::AppHost& host, const QString& service)
     if (QTest::qWaitFor([&] { return !speed.text().isEmpty() || action.isEnabled(); }, 20000) &&
         !action.isEnabled()) {
         save(window, "update", 0);
+        window.findChild<QAction*>("viewActivities")->trigger();
+        save(window, "activities");
     }
     if (!QTest::qWaitFor([&] { return action.isEnabled(); }, 60000))
         throw std::runtime_error("the update did not end: " + summary.text().toStdString());

@@ -15,6 +15,7 @@
 #include "apps/orv-browser/activities/UpdateActivities.h"
 #include "apps/orv-browser/activities/UpdateController.h"
 #include "apps/orv-browser/activities/UpdateSummary.h"
+#include "apps/orv-browser/models/UserLists.h"
 
 namespace {
 
@@ -34,9 +35,10 @@ Activity importOf(const QString& source)
 
 } // namespace
 
-Activities::Activities(LibraryActions& library, QAction& shown, QObject* parent)
+Activities::Activities(LibraryActions& library, const UserLists& lists, QAction& shown, QObject* parent)
     : QObject(parent),
       mLibrary(library),
+      mLists(lists),
       mShown(shown),
       mPane(new ActivityPane),
       mModel(mPane->activities()),
@@ -120,7 +122,8 @@ void Activities::showUpdateEnd(const UpdateSummary& summary, const OrvHost::Upda
         mModel.put(failure);
     mModel.settle(Kind::Catalog, summary.isCancelled() ? State::Cancelled : State::Done);
     mFailedImports.clear();
-    const bool hasNews = outcome.newItems + outcome.changedItems + outcome.goneItems > 0;
+    // The first content of all is not new to the window.
+    const bool hasNews = mLists.seenRun() && outcome.newItems + outcome.changedItems > 0;
     const QString numbers = summary.numbers();
     if (summary.hasFailed())
         mCard->showFailure(

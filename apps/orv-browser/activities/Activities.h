@@ -14,6 +14,7 @@ class LibraryActions;
 class QAction;
 class ResultCard;
 class UpdateSummary;
+class UserLists;
 namespace OrvHost {
 struct ServiceReport;
 struct UpdateOutcome;
@@ -26,8 +27,9 @@ class Activities : public QObject
     Q_OBJECT
 
 public:
+    /// @param lists tell whether the window knows what is new; outlive the object
     /// @param shown unfolds the list and folds it; checkable
-    Activities(LibraryActions& library, QAction& shown, QObject* parent);
+    Activities(LibraryActions& library, const UserLists& lists, QAction& shown, QObject* parent);
 
     ActivityPane& pane() { return *mPane; }
     ResultCard& card() { return *mCard; }
@@ -50,6 +52,7 @@ private:
     void retryAll();
 
     LibraryActions& mLibrary;
+    const UserLists& mLists;
     QAction& mShown;
     ActivityPane* mPane;
     ActivityModel& mModel;

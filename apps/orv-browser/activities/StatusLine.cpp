@@ -2,6 +2,7 @@
 
 #include <QAction>
 #include <QLabel>
+#include <QLayout>
 #include <QToolButton>
 
 namespace {
@@ -42,11 +43,27 @@ QToolButton* StatusLine::addButton(const QString& objectName, const QString& tex
 void StatusLine::say(const QString& sentence)
 {
     mSummary->setText(sentence);
+    fitSummary();
+}
+
+/// A status bar asks nobody how high a text is at its width.
+void StatusLine::fitSummary()
+{
+    layout()->activate();
+    const int height = mSummary->heightForWidth(mSummary->width());
+    mSummary->setMinimumHeight(mSummary->text().isEmpty() ? 0 : height);
+}
+
+void StatusLine::resizeEvent(QResizeEvent* event)
+{
+    QStatusBar::resizeEvent(event);
+    fitSummary();
 }
 
 void StatusLine::showSpeed(const QString& text)
 {
     mSpeed->setText(text);
+    fitSummary();
 }
 
 void StatusLine::showRunning(bool isRunning)
@@ -55,10 +72,12 @@ void StatusLine::showRunning(bool isRunning)
     mUpdate->setVisible(!isRunning);
     mCancel->setVisible(mIsUpdating || mIsImporting);
     mSpeed->clear();
+    fitSummary();
 }
 
 void StatusLine::showImporting(bool isImporting)
 {
     mIsImporting = isImporting;
     mCancel->setVisible(mIsUpdating || mIsImporting);
+    fitSummary();
 }

@@ -29,7 +29,11 @@ Q_SIGNALS:
     void cancelAsked();
     void logAsked();
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
+    void fitSummary();
     QToolButton* addButton(const QString& objectName, const QString& text);
 
     QLabel* mSummary;
