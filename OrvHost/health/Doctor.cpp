@@ -1,23 +1,17 @@
 // How it works: each step is a function that gives a text and, on failure, an advice. `take` times it, turns
-// an exception into a failure, and leaves it out where the step before it on the way failed. From the
-// redirect on, the requests are those of an update, through the download service that judges what it is told.
+// an exception into a failure, and leaves it out where the step before it on the way failed. Here are the
+// steps on this machine; those on the network are in DoctorNetwork.cpp.
 #include "OrvHost/health/Doctor.h"
 
 #include <algorithm>
 #include <chrono>
 #include <filesystem>
 
-#include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
 
-#include <QUrl>
-
 #include "OrvHost/health/Masking.h"
-#include "OrvHost/health/NetworkProbe.h"
-#include "OrvHost/update/CarefulCurl.h"
-#include "OrvLibrary/host/FileUtils.h"
-#include "OrvLibrary/host/PathUtils.h"
+#include "OrvHost/update/HostLock.h"
+#include "OrvLibrary/host/Curl.h"
 
 namespace OrvHost {
 
@@ -28,16 +22,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::uintmax_t kReserve = 256 * 1024 * 1024;
-constexpr double kEnoughOfBody = 4096;
-constexpr std::int64_t kOk = 200;
 
 const char* const kFolders[] = {"user",       "core",     "bonus", "manufacturer", "manufacturer-data",
                                 "referenced", "textures", "temp"};
-
-QUrl urlOf(const std::string& address)
-{
-    return QUrl(QString::fromStdString(address));
-}
 
 /// The existing folder at or above a path.
 fs::path existing(fs::path path)
@@ -48,24 +35,9 @@ fs::path existing(fs::path path)
     return path;
 }
 
-/// Ends a transfer once enough of it came.
-int stopWhenEnough(void*, double, double downloaded, double, double)
-{
-    return downloaded >= kEnoughOfBody ? 1 : 0;
-}
-
 std::string shown(const std::string& address)
 {
     return Masking::withoutSecrets(address);
-}
-
-CarefulCurl carefulService(const Settings::Values& values, const std::string& indexName)
-{
-    CarefulCurl::Settings settings;
-    settings.url = values.url;
-    settings.indexName = indexName;
-    settings.retries.retries = 0;
-    return CarefulCurl(Curl::get(), settings);
 }
 
 } // namespace
@@ -117,12 +89,6 @@ bool Doctor::isGood(const char* name) const
                        [name](const Step& step) { return step.name == name && step.ok.value_or(false); });
 }
 
-std::string Doctor::requestFor(const std::string& name) const
-{
-    return mEndpoint + "&library=" + name + "&product=" + mSubject.values.product +
-           "&version=" + mSubject.values.productVersion;
-}
-
 Doctor::Finding Doctor::settings() const
 {
     if (!mSubject.settingsProblem.empty())
@@ -164,138 +130,13 @@ Doctor::Finding Doctor::space() const
     return {text, {}};
 }
 
-Doctor::Finding Doctor::locks() const
+Doctor::Finding Doctor::locks()
 {
-    const std::string path = mSubject.root.toNativeString() + "temp/update.lock";
-    const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
-    if (file < 0)
-        return {"no update is running", {}};
-    const bool isFree = flock(file, LOCK_EX | LOCK_NB) == 0;
-    close(file);
-    if (!isFree)
-        return {"an update is running: " + path + " is locked", "Wait until it has ended, or cancel it."};
+    const fileString lock = HostLock::ofRunningUpdate();
+    if (!lock.empty())
+        return {"an update is running: " + lock.toNativeString() + " is locked",
+                "Wait until it has ended, or cancel it."};
     return {"no update is running", {}};
-}
-
-Doctor::Finding Doctor::proxy()
-{
-    mProxy = NetworkProbe::proxyFor(urlOf(mSubject.values.url), mSubject.values.proxy);
-    if (mProxy.empty())
-        return {"no proxy is used", {}};
-    const QUrl proxy = NetworkProbe::proxyUrl(mProxy);
-    if (proxy.host().isEmpty())
-        return {"'" + mProxy + "' is no address of a proxy",
-                "Correct the setting 'proxy', or the variable http_proxy or https_proxy."};
-    const std::string reason = NetworkProbe::connectTo(proxy);
-    if (!reason.empty())
-        return {"the proxy " + mProxy + " cannot be reached: " + reason,
-                "Ask your network's administrator for the proxy, or unset it."};
-    return {"proxy " + mProxy, {}};
-}
-
-Doctor::Finding Doctor::name() const
-{
-    if (!mProxy.empty())
-        return {"the proxy looks names up", {}};
-    const std::string host = urlOf(mSubject.values.url).host().toStdString();
-    std::string address;
-    const std::string reason = NetworkProbe::lookUp(host, address);
-    if (!reason.empty())
-        return {host + ": " + reason, "Look at the address and at this machine's network connection."};
-    return {host + " is " + address, {}};
-}
-
-Doctor::Finding Doctor::connection() const
-{
-    if (!mProxy.empty())
-        return {"the proxy connects", {}};
-    const std::string reason = NetworkProbe::connectTo(urlOf(mSubject.values.url));
-    if (!reason.empty())
-        return {reason, "The service may be down, or a firewall in the way; try again later."};
-    return {"connected", {}};
-}
-
-Doctor::Finding Doctor::certificate() const
-{
-    if (urlOf(mSubject.values.url).scheme().toLower() != QLatin1String("https"))
-        return {"none needed for http", {}};
-    std::string header;
-    std::int64_t status = 0;
-    if (Curl::get().getURLHeader(mSubject.values.url, {}, header, status))
-        return {"the service's certificate is good", {}};
-    const std::string reason = Curl::get().lastAnswer().reason;
-    return {reason.empty() ? "no answer" : reason,
-            "Look at this machine's clock. A company's own authority is named with --cacert or the setting "
-            "'certificates'."};
-}
-
-Doctor::Finding Doctor::redirect()
-{
-    CarefulCurl service = carefulService(mSubject.values, mSubject.indexName);
-    mEndpoint = service.urlAfterRedirects(mSubject.values.url);
-    const ServiceReport report = service.report();
-    if (!report.verdict.empty())
-        return {report.verdict, "Log in to the network with a web browser, or correct the address."};
-    if (mEndpoint.empty())
-        return {"the address leads nowhere: " + report.endpoint.reason, "Correct the address."};
-    return {"leads to " + mEndpoint, {}};
-}
-
-Doctor::Finding Doctor::index()
-{
-    CarefulCurl service = carefulService(mSubject.values, mSubject.indexName);
-    std::string text;
-    const bool isRead = service.browseURL(requestFor(mSubject.indexName), {}, text, true, 0);
-    const ServiceReport report = service.report();
-    if (!report.verdict.empty())
-        return {report.verdict, "Log in to the network with a web browser, or correct the address."};
-    if (!isRead)
-        return {mSubject.indexName + ": " + report.index.reason,
-                "Correct the address, or tell the publisher of the service."};
-    std::size_t count = 0;
-    for (const std::string& name : report.indexNames) {
-        const fileString extension = fileString(name).extension();
-        if (extension != fileString(".orvlib") && extension != fileString(".zip"))
-            continue;
-        mCatalog = mCatalog.empty() ? name : mCatalog;
-        ++count;
-    }
-    if (count == 0)
-        return {mSubject.indexName + " lists no catalogs", "Tell the publisher of the service."};
-    return {mSubject.indexName + " lists " + std::to_string(count) + " files", {}};
-}
-
-Doctor::Finding Doctor::header()
-{
-    CarefulCurl service = carefulService(mSubject.values, mSubject.indexName);
-    std::string text;
-    std::int64_t status = 0;
-    service.getURLHeader(requestFor(mCatalog), {"If-None-Match: \"\""}, text, status);
-    const ServiceReport report = service.report();
-    if (!report.verdict.empty())
-        return {report.verdict, "Log in to the network with a web browser, or correct the address."};
-    const CatalogReport& answer = report.catalogs.front();
-    if (answer.status != kOk)
-        return {mCatalog + ": " + answer.reason, "Tell the publisher of the service."};
-    if (!answer.length || !answer.tag)
-        return {mCatalog + ": the service does not tell " + (answer.tag ? "the length" : "the version"),
-                "Tell the publisher of the service: without it nothing is fetched."};
-    return {mCatalog + " has " + std::to_string(*answer.length) + " bytes", {}};
-}
-
-/// The beginning of a body is enough; a catalog may be large.
-Doctor::Finding Doctor::body() const
-{
-    const fileString target =
-        PathUtils::getObject().getTempPath() / fileString("doctor-" + std::to_string(getpid()) + ".part");
-    std::string reason;
-    int number = 0;
-    const bool isWhole = Curl::get().download_to_location(requestFor(mCatalog), target, {}, nullptr,
-                                                          stopWhenEnough, reason, number);
-    FileUtils::removePath(target);
-    if (!isWhole && number != Curl::kAbortedByCallback)
-        return {mCatalog + ": " + reason, "Try again later, or tell the publisher of the service."};
-    return {"bytes of " + mCatalog + " arrive", {}};
 }
 
 } // namespace OrvHost

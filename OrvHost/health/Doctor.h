@@ -57,7 +57,7 @@ private:
     Finding settings() const;
     Finding folders() const;
     Finding space() const;
-    Finding locks() const;
+    static Finding locks();
     Finding proxy();
     Finding name() const;
     Finding connection() const;

@@ -19,6 +19,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+constexpr const char* kUpdateLock = "update.lock";
 constexpr mode_t kMode = 0666;
 constexpr std::chrono::milliseconds kPause{20};
 constexpr std::chrono::minutes kPatienceOfImport{1};
@@ -76,9 +77,20 @@ std::string busyWith(const fileString& path, const std::string& subject)
 
 HostLock HostLock::ofUpdate()
 {
-    const fileString path = inTempFolder("update.lock");
+    const fileString path = inTempFolder(kUpdateLock);
     return {path, "another update is running on this root: " + path.toNativeString() + " is locked",
             Milliseconds(0)};
+}
+
+fileString HostLock::ofRunningUpdate()
+{
+    const fileString path = inTempFolder(kUpdateLock);
+    const int descriptor = ::open(path.toNativeString().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW);
+    if (descriptor < 0)
+        return {};
+    const bool isFree = tryLock(descriptor) == 0;
+    close(descriptor);
+    return isFree ? fileString() : path;
 }
 
 HostLock HostLock::ofChange(const std::string& subject, Milliseconds patience)

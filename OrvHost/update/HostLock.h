@@ -4,6 +4,8 @@
 #include <functional>
 #include <string>
 
+#include <QtGlobal>
+
 #include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/fileString.h"
 
@@ -37,6 +39,10 @@ public:
     /// @param isCancelled asked while the lock is waited for; when it says yes, the wait ends with
     /// "cancelled"
     static HostLock ofImport(const fileString& folder, const std::function<bool()>& isCancelled);
+
+    /// The lock file of an update that runs on the root; empty when none does. It makes no file and does not
+    /// wait. For this library's own use.
+    Q_DECL_HIDDEN static fileString ofRunningUpdate();
 
     HostLock(HostLock&& other) noexcept;
     HostLock& operator=(HostLock&&) = delete;
