@@ -4,6 +4,7 @@ The service's certificate is one of its own. The program trusts it in a mount na
 of the system's certificates; where such a namespace cannot be had, the tests are skipped.
 """
 import collections
+import json
 import queue
 import socket
 import subprocess
@@ -101,7 +102,7 @@ class SlowLink:
             pass
 
 
-class HttpsService(ServiceCase):
+class HttpsCase(ServiceCase):
     def setUp(self):
         super().setUp()
         self.source = self.service
@@ -110,20 +111,30 @@ class HttpsService(ServiceCase):
         subprocess.run(["openssl", "req", "-x509", "-newkey", "rsa:2048", "-nodes", "-days", "2", "-subj",
                         "/CN=127.0.0.1", "-addext", "subjectAltName=IP:127.0.0.1", "-keyout",
                         self.path("service", "key.pem"), "-out", self.certificate], check=True, capture_output=True)
-        if not can_trust(self.certificate):
-            self.skipTest("no mount namespace to trust the certificate in")
 
-    def offer(self, count):
-        """Catalogs of less than 1,000 bytes: they are asked for, and not fetched."""
+    def offer(self, count, size=900):
+        """Catalogs, by default of less than 1,000 bytes: they are asked for, and not fetched."""
         self.names = [f"catalog{number:03}.orvlib" for number in range(count)]
         for name in self.names:
-            self.write("content/" + name, b"x" * 900)
+            self.write("content/" + name, b"x" * size)
         self.write("content/" + INDEX, "\n".join(self.names).encode())
 
     def served(self):
         self.tls_port = free_port()
         self.write("config", CONFIG.replace("TLS", str(self.tls_port)).encode())
         return Nginx(NGINX, self.path("service", "config"), self.service)
+
+    def far_port(self):
+        link = SlowLink(self.tls_port, 0.05)
+        self.addCleanup(link.close)
+        return link.port
+
+
+class HttpsService(HttpsCase):
+    def setUp(self):
+        super().setUp()
+        if not can_trust(self.certificate):
+            self.skipTest("no mount namespace to trust the certificate in")
 
     def update(self, port):
         """Runs a core-only update; returns the header requests that it made, as (connection, name)."""
@@ -141,11 +152,6 @@ class HttpsService(ServiceCase):
             requests = [line.split() for line in log.readlines()[before:]]
         self.assertEqual({request[1] for request in requests}, {"HTTP/2.0"})
         return [(request[0], request[3]) for request in requests if request[2] == "HEAD"]
-
-    def far_port(self):
-        link = SlowLink(self.tls_port, 0.05)
-        self.addCleanup(link.close)
-        return link.port
 
     def expect_each_once(self, asked):
         self.assertEqual(collections.Counter(name for _, name in asked), collections.Counter(self.names))
@@ -175,6 +181,68 @@ class HttpsService(ServiceCase):
             asked = self.update(self.far_port())
         self.expect_each_once(asked)
         self.assertEqual(len({connection for connection, _ in asked}), 1)
+
+
+class CheckAndDoctor(HttpsCase):
+    """`check` and `doctor` over https, near and far; the authority is named with --cacert."""
+
+    def run_json(self, command, port, *options, status=0):
+        result = subprocess.run([self.program, "--root", self.path("root"), "--json", command, "--url",
+                                 f"https://127.0.0.1:{port}/redirect", *options], text=True, capture_output=True, timeout=120)
+        self.assertEqual(result.returncode, status, result.stdout + result.stderr)
+        return json.loads(result.stdout)
+
+    def steps(self, port, *options, status=0):
+        return {step["step"]: step for step in self.run_json("doctor", port, *options, status=status)["steps"]}
+
+    def requests(self):
+        with open(self.path("service", "run", "access.log")) as log:
+            return len(log.readlines())
+
+    def make_root(self):
+        subprocess.run([self.program, "--root", self.path("root"), "paths", "--create"], check=True, capture_output=True)
+
+    def test_doctor_takes_every_step_near_and_far(self):
+        self.make_root()
+        self.offer(3, 200000)
+        with self.served():
+            for port in (self.tls_port, self.far_port()):
+                steps = self.steps(port, "--cacert", self.certificate)
+                self.assertEqual({name for name, step in steps.items() if step["ok"] is not True}, set())
+                self.assertEqual(steps["certificate"]["text"], "the service's certificate is good")
+            # There and back, at least.
+            for name in ("certificate", "redirect", "index", "header", "body"):
+                self.assertGreaterEqual(steps[name]["ms"], 100, name)
+
+    def test_doctor_names_a_certificate_that_nobody_vouches_for(self):
+        self.make_root()
+        self.offer(3)
+        with self.served():
+            steps = self.steps(self.tls_port, status=1)
+            self.assertEqual(steps["connection"]["ok"], True)
+            self.assertEqual(steps["certificate"]["ok"], False)
+            self.assertIn("self-signed certificate", steps["certificate"]["text"])
+            self.assertIn("--cacert", steps["certificate"]["advice"])
+            for name in ("redirect", "index", "header", "body"):
+                self.assertIsNone(steps[name]["ok"], name)
+            self.assertEqual(self.requests(), 0)
+
+    def test_check_tells_what_waits_near_and_far(self):
+        self.make_root()
+        self.offer(100, 2000)
+        trusted = ("--cacert", self.certificate)
+        with self.served():
+            for port in (self.tls_port, self.far_port()):
+                document = self.run_json("check", port, *trusted, status=3)
+                self.assertEqual((document["outcome"], document["bytes"]), ("waiting", 200000))
+                self.assertEqual({entry["state"] for entry in document["catalogs"]}, {"missing"})
+            self.run_json("update", port, *trusted, "--no-database-check")
+            self.assertEqual(self.run_json("check", port, *trusted)["outcome"], "current")
+            asked = self.requests()
+            kept = self.run_json("check", port, *trusted, "--max-age", "24h")
+            self.assertEqual((kept["outcome"], kept["asked"]), ("current", False))
+            self.assertEqual(self.requests(), asked)
+            self.assertIn("self-signed certificate", self.run_json("check", port, status=1)["error"])
 
 
 if __name__ == "__main__":
