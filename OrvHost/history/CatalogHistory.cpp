@@ -121,8 +121,10 @@ try {
     if (place.name.empty() || !isRegularFile(file))
         return true;
     const std::vector<HistoryEntry> entries = HistoryEntry::ofOrThrow(place);
-    if (!entries.empty() && isSameFile(entries.front().file, file))
-        return true; // kept already by a run that died
+    // Kept already by a run that died or could not go on; as a copy where files cannot have two names.
+    const HistoryEntry* const newest = entries.empty() ? nullptr : &entries.front();
+    if (newest && (newest->tag == tag ? hasSameContents(newest->file, file) : isSameFile(newest->file, file)))
+        return true;
     const bool isStale = std::any_of(entries.begin(), entries.end(),
                                      [&](const HistoryEntry& entry) { return entry.tag == tag; });
     const HistoryEntry entry = HistoryEntry::next(place, isStale ? std::string() : tag);
@@ -207,11 +209,9 @@ std::vector<CatalogPlace> CatalogHistory::places() const
 
 std::vector<CatalogPlace> CatalogHistory::knownPlaces() const
 {
-    std::set<CatalogPlace> known;
-    for (const CatalogPlace& place : CatalogPlaces::installed())
-        known.insert(place);
-    for (const CatalogPlace& place : places())
-        known.insert(place);
+    const std::vector<CatalogPlace> installed = CatalogPlaces::installed(), former = places();
+    std::set<CatalogPlace> known(installed.begin(), installed.end());
+    known.insert(former.begin(), former.end());
     return {known.begin(), known.end()};
 }
 

@@ -95,6 +95,24 @@ TEST_F(CatalogHistoryTest, whatIsStillInItsPlaceIsNoFormerVersion)
     EXPECT_EQ("one", test::readFile(folder.file("root/core/Doors.orvlib")));
 }
 
+TEST_F(CatalogHistoryTest, aCopyOfWhatIsStillInItsPlaceIsMadeOnce)
+{
+    folder.write("root/core/Doors.orvlib", "one");
+    std::string reason;
+    ASSERT_TRUE(history.keep(kDoors, "1", reason));
+    // What there is where files cannot have two names.
+    const fs::path kept = CatalogHistory::folderOf(kDoors).toNativeString() + "/" + files(kDoors).at(0);
+    const fs::path copy = kept.string() + ".copy";
+    fs::copy_file(kept, copy);
+    fs::rename(copy, kept);
+    ASSERT_EQ(1U, fs::hard_link_count(kept));
+    ASSERT_TRUE(history.keep(kDoors, "1", reason))
+        << "the new one could not be put in place, and comes again";
+    EXPECT_THAT(files(kDoors), SizeIs(1));
+    fs::rename(folder.write("new", "two").toNativeString(), kDoors.path().toNativeString());
+    EXPECT_THAT(versions(kDoors), ElementsAre("1"));
+}
+
 TEST_F(CatalogHistoryTest, settlingKeepsTheNewestVersionsOnly)
 {
     for (const char* tag : {"0", "1", "2", "3", "4", "5"})
