@@ -161,13 +161,6 @@ void LibraryActions::refreshManufacturers()
     Q_EMIT recordsChanged();
 }
 
-void LibraryActions::editFilters(const std::vector<FilterEditor::Database>& databases)
-{
-    FilterEditor editor(databases, &mWindow);
-    if (editor.exec() == QDialog::Accepted)
-        Q_EMIT filtersChanged();
-}
-
 void LibraryActions::editPreferences()
 {
     readShared();

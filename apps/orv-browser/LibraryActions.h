@@ -7,7 +7,6 @@
 #include "OrvLibrary/host/fileString.h"
 #include "apps/orv-browser/BrowserSettings.h"
 #include "apps/orv-browser/SharedSettings.h"
-#include "apps/orv-browser/dialogs/FilterEditor.h"
 #include "apps/orv-browser/models/Place.h"
 
 class ImportController;
@@ -43,7 +42,6 @@ public:
     void openArchive();
     void importArchives(const QStringList& sources);
     void refreshManufacturers();
-    void editFilters(const std::vector<FilterEditor::Database>& databases);
     void editPreferences();
 
 Q_SIGNALS:
@@ -56,7 +54,6 @@ Q_SIGNALS:
     /// A sentence for people on how something ended; empty for silence.
     void said(const QString& sentence);
     void recordsChanged();
-    void filtersChanged();
 
 private:
     bool readShared();

@@ -14,6 +14,7 @@
 #include <QVBoxLayout>
 
 #include "OrvLibrary/IO/ErrorLog.h"
+#include "apps/orv-browser/FilterActions.h"
 #include "apps/orv-browser/FocusRing.h"
 #include "apps/orv-browser/ItemActions.h"
 #include "apps/orv-browser/LibraryActions.h"
@@ -40,7 +41,7 @@
 #include "apps/orv-browser/models/LibraryNews.h"
 #include "apps/orv-browser/models/UserLists.h"
 #include "apps/orv-browser/places/PlacesPane.h"
-#include "apps/orv-browser/search/FilterBar.h"
+#include "apps/orv-browser/search/FilterChip.h"
 #include "apps/orv-browser/search/SearchBar.h"
 
 namespace {
@@ -79,6 +80,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
       mStatus(new StatusLine(*mMenus->checkForUpdates, *mMenus->showActivities, this)),
       mLibrary(new LibraryActions(*this, root, mActions->undoStack())),
       mActivities(new Activities(*mLibrary, *mLists, *mMenus->showActivities, this)),
+      mFilters(new FilterActions(*this, mActions->undoStack())),
       mMemory(root, *this, *mPanes, *mPlaces, *mGallery)
 {
     setObjectName(QStringLiteral("libraryBrowser"));
@@ -90,7 +92,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
     connectPanes();
     connectDetails();
     connectLibrary();
-    mGallery->search().filters().fill();
+    connectFilters();
     mContent->refresh();
     mNews->refresh();
     mMemory.restore();
@@ -147,7 +149,7 @@ void MainWindow::connectMenus()
     on(mMenus->cancelUpdate, [this] { mLibrary->updates().cancel(); });
     on(mMenus->refreshManufacturers, [this] { mLibrary->refreshManufacturers(); });
     on(mMenus->markSeen, [this] { markSeen(); });
-    on(mMenus->editFilters, [this] { mLibrary->editFilters(mPlaces->databases()); });
+    on(mMenus->editFilters, [this] { mFilters->edit(mPlaces->databases()); });
     on(mMenus->showLog, [this] { LogDialog(Library::ErrorLog::file(), this).exec(); });
     on(mMenus->search, [this] { mGallery->search().focusField(); });
     on(mMenus->showGrid, [this] { mGallery->bar().setGrid(true); });
@@ -162,7 +164,6 @@ void MainWindow::connectPanes()
 {
     SearchBar& search = mGallery->search();
     GalleryViews& views = mGallery->views();
-    connect(&search.filters(), &FilterBar::editAsked, mMenus->editFilters, &QAction::trigger);
     connect(&search, &SearchBar::changed, mPlaces, &PlacesPane::applyFilter);
     connect(mPlaces, &PlacesPane::chosen, mGallery, &GalleryPane::showPlace);
     connect(mPlaces, &PlacesPane::itemsDropped, mActions, &ItemActions::copy);
@@ -212,11 +213,21 @@ void MainWindow::connectLibrary()
     connect(mLibrary, &LibraryActions::runningChanged, this, &MainWindow::showRunning);
     connect(mLibrary, &LibraryActions::importingChanged, mStatus, &StatusLine::showImporting);
     connect(mLibrary, &LibraryActions::said, mStatus, &StatusLine::say);
-    connect(mLibrary, &LibraryActions::filtersChanged, this, &MainWindow::filtersChanged);
     connect(mLibrary, &LibraryActions::recordsChanged, mGallery, &GalleryPane::ask);
     connect(mActions, &ItemActions::libraryChanged, this, &MainWindow::catalogChanged);
     connect(mActions, &ItemActions::libraryChanged, mStatus,
             [this](const fileString&, const QString& sentence) { mStatus->say(sentence); });
+}
+
+void MainWindow::connectFilters()
+{
+    SearchBar& search = mGallery->search();
+    connect(&search.filters(), &FilterChip::editAsked, mMenus->editFilters, &QAction::trigger);
+    connect(&search.filters(), &FilterChip::useAsked, mFilters, &FilterActions::use);
+    connect(&search.filters(), &FilterChip::saveAsked, this, [this, &search] {
+        mFilters->saveAs(mGallery->shownDatabases(), search.choices().join(QStringLiteral(", ")));
+    });
+    connect(mFilters, &FilterActions::changed, this, &MainWindow::filtersChanged);
 }
 
 /// A catalog may go while it is shown, or between two starts.
@@ -311,7 +322,7 @@ void MainWindow::showRunning(bool isRunning)
 
 void MainWindow::filtersChanged()
 {
-    mGallery->search().filters().fill();
+    mGallery->search().filters().refresh();
     mPlaces->applyFilter();
     mGallery->ask();
 }

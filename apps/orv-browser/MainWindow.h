@@ -8,6 +8,7 @@
 
 class Activities;
 class DetailsPane;
+class FilterActions;
 class GalleryPane;
 class ItemActions;
 class LibraryActions;
@@ -51,6 +52,7 @@ private:
     void connectPanes();
     void connectDetails();
     void connectLibrary();
+    void connectFilters();
     void leaveGonePlace();
     void showSelection();
     void showItemMenu(const QPoint& globalPosition);
@@ -75,5 +77,6 @@ private:
     StatusLine* mStatus;
     LibraryActions* mLibrary;
     Activities* mActivities;
+    FilterActions* mFilters;
     WindowMemory mMemory;
 };

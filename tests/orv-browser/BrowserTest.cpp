@@ -4,8 +4,10 @@
 #include <QApplication>
 #include <QLabel>
 #include <QListView>
+#include <QMenu>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeView>
 
 #include "OrvLibrary/LibraryFilterManager.h"
@@ -155,6 +157,18 @@ void BrowserTest::inDialog(const std::function<void()>& act, const std::function
     look.start(1);
     act();
     EXPECT_TRUE(isAnswered) << "no dialog was opened";
+}
+
+void BrowserTest::pick(const char* chip, const QString& entry)
+{
+    QMenu* menu = child<QToolButton>(chip).menu();
+    Q_EMIT menu->aboutToShow();
+    for (QAction* action : menu->actions())
+        if (action->text().startsWith(entry)) {
+            action->trigger();
+            return;
+        }
+    ADD_FAILURE() << "no entry " << entry.toStdString();
 }
 
 void BrowserTest::trigger(const char* action)

@@ -76,6 +76,9 @@ protected:
     QString detail(const char* label);
     /// Runs `act`, which opens a modal dialog, and meanwhile `answer` on the dialog.
     void inDialog(const std::function<void()>& act, const std::function<void(QDialog&)>& answer);
+    /// Opens the list of a choice above the gallery and takes the entry that begins with a text; fails the
+    /// test when there is none.
+    void pick(const char* chip, const QString& entry);
     /// Triggers an action of the menus by its object name.
     void trigger(const char* action);
 

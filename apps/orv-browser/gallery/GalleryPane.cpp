@@ -1,5 +1,7 @@
 #include "apps/orv-browser/gallery/GalleryPane.h"
 
+#include <set>
+
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
@@ -108,6 +110,21 @@ void GalleryPane::ask()
     query.recent = mLists.recent();
     query.news = mNews.items();
     mAsker->ask(query, mContent.index());
+}
+
+std::vector<FilterEditor::Database> GalleryPane::shownDatabases() const
+{
+    const ItemQuery::Found& found = mViews->model().found();
+    std::set<std::uint32_t> positions;
+    for (const ItemRef ref : found.items)
+        positions.insert(ref.catalog);
+    std::vector<FilterEditor::Database> databases;
+    for (const std::uint32_t position : positions) {
+        const CatalogContent& catalog = *found.index->catalogs()[position];
+        if (!catalog.id().empty())
+            databases.push_back({catalog.id(), catalog.name().toStdString()});
+    }
+    return databases;
 }
 
 bool GalleryPane::isSettled() const

@@ -2,6 +2,7 @@
 
 #include <QWidget>
 
+#include "apps/orv-browser/dialogs/FilterEditor.h"
 #include "apps/orv-browser/models/ItemQuery.h"
 #include "apps/orv-browser/models/Place.h"
 
@@ -37,6 +38,8 @@ public:
     OfferPage& offer() { return *mOffer; }
     /// Asks for the items anew.
     void ask();
+    /// The catalogs that hold the items that are shown, as far as a filter can name them.
+    std::vector<FilterEditor::Database> shownDatabases() const;
     /// Whether the items that are shown are those of the place, the words and the choices.
     bool isSettled() const;
 

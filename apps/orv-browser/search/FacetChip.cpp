@@ -7,12 +7,12 @@ namespace {
 
 constexpr int kMostNameWidth = 160; // pixels of a name on the button
 
-QString escaped(const QString& name)
+} // namespace
+
+QString FacetChip::escaped(const QString& name)
 {
     return QString(name).replace(QLatin1Char('&'), QLatin1String("&&"));
 }
-
-} // namespace
 
 FacetChip::FacetChip(const QString& title, QWidget* parent) : QToolButton(parent), mTitle(title)
 {
@@ -66,11 +66,16 @@ void FacetChip::fillMenu()
 
 void FacetChip::showChoice()
 {
-    const bool isChosen = mValue.isValid();
-    const QString name = fontMetrics().elidedText(mName, Qt::ElideRight, kMostNameWidth);
-    setText(escaped(isChosen ? tr("%1: %2").arg(mTitle, name) : mTitle));
-    setAccessibleName(isChosen ? tr("%1: %2").arg(mTitle, mName) : mTitle);
-    QFont chipFont = font();
+    showOn(*this, mTitle, mValue.isValid() ? mName : QString());
+}
+
+void FacetChip::showOn(QToolButton& button, const QString& title, const QString& name)
+{
+    const bool isChosen = !name.isEmpty();
+    const QString shown = button.fontMetrics().elidedText(name, Qt::ElideRight, kMostNameWidth);
+    button.setText(escaped(isChosen ? tr("%1: %2").arg(title, shown) : title));
+    button.setAccessibleName(isChosen ? tr("%1: %2").arg(title, name) : title);
+    QFont chipFont = button.font();
     chipFont.setBold(isChosen);
-    setFont(chipFont);
+    button.setFont(chipFont);
 }

@@ -31,6 +31,11 @@ public:
     /// What can be chosen now. The chosen value stays, even where it would leave nothing.
     void setValues(std::vector<Value> values);
 
+    /// Shows a choice on a button: its title, and the name of what is chosen; empty for nothing.
+    static void showOn(QToolButton& button, const QString& title, const QString& name);
+    /// A name as the text of an action, which takes "&" as the mark of a key.
+    static QString escaped(const QString& name);
+
 Q_SIGNALS:
     /// The user chose another value, or none.
     void chosen();

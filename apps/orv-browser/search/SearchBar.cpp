@@ -16,7 +16,7 @@
 #include "apps/orv-browser/models/Names.h"
 #include "apps/orv-browser/models/TextFolding.h"
 #include "apps/orv-browser/search/FacetChip.h"
-#include "apps/orv-browser/search/FilterBar.h"
+#include "apps/orv-browser/search/FilterChip.h"
 #include "apps/orv-browser/search/FlowLayout.h"
 
 namespace {
@@ -51,7 +51,7 @@ SearchBar::SearchBar(QWidget* parent)
       mCatalog(new FacetChip(tr("Catalog"))),
       mFavourites(new QToolButton),
       mNew(new QToolButton),
-      mFilters(new FilterBar)
+      mFilters(new FilterChip)
 {
     setObjectName(QStringLiteral("searchBar"));
     mDelay.setSingleShot(true);
@@ -104,7 +104,6 @@ void SearchBar::buildChips()
     }
     for (FacetChip* chip : {mStyle, mMaker, mCatalog})
         connect(chip, &FacetChip::chosen, this, &SearchBar::changed);
-    connect(mFilters, &FilterBar::chosen, this, &SearchBar::changed);
 }
 
 void SearchBar::focusField()
@@ -143,6 +142,7 @@ void SearchBar::showNumbers(const ItemQuery::Found& found)
         catalogs.push_back({textOf(catalog.database()), catalog.name(), count});
     }
     mCatalog->setValues(std::move(catalogs));
+    mFilters->setSavable(!found.items.empty() && (hasChoices() || !mField->text().simplified().isEmpty()));
     mFavourites->setText(found.favourites == 0
                              ? tr("Favourites")
                              : tr("Favourites (%1)").arg(QLocale().toString(found.favourites)));
@@ -168,6 +168,19 @@ QStringList SearchBar::restrictions() const
     return restrictions;
 }
 
+QStringList SearchBar::choices() const
+{
+    QStringList choices;
+    for (const FacetChip* chip : {mStyle, mMaker, mCatalog})
+        if (chip->value().isValid())
+            choices << chip->valueName();
+    if (mFavourites->isChecked())
+        choices << tr("Favourites");
+    if (mNew->isChecked())
+        choices << tr("New");
+    return choices;
+}
+
 void SearchBar::clear()
 {
     {
@@ -185,7 +198,8 @@ void SearchBar::clearChoices()
         chip->clear();
     mFavourites->setChecked(false);
     mNew->setChecked(false);
-    mFilters->chooseNone();
+    if (OrvHost::FilterChange::isFiltering(LibraryFilterManager::getLibraryFilterManager()))
+        Q_EMIT mFilters->useAsked(OrvHost::FilterChange::kNoFilter);
 }
 
 bool SearchBar::hasChoices() const

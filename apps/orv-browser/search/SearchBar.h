@@ -6,7 +6,7 @@
 #include "apps/orv-browser/models/ItemQuery.h"
 
 class FacetChip;
-class FilterBar;
+class FilterChip;
 class QHBoxLayout;
 class QLineEdit;
 class QToolButton;
@@ -22,7 +22,7 @@ public:
 
     /// Puts tools of the gallery into the line of the field.
     void addBesideField(QWidget* tools);
-    FilterBar& filters() { return *mFilters; }
+    FilterChip& filters() { return *mFilters; }
     void focusField();
     /// Whether `changed` comes as soon as the user has stopped typing.
     bool isWaiting() const { return mDelay.isActive(); }
@@ -36,6 +36,8 @@ public:
     void clear();
     /// Forgets the choices and keeps the words.
     void clearChoices();
+    /// Names of what is chosen, for people; without the words.
+    QStringList choices() const;
     /// Whether anything but words restricts the gallery.
     bool hasChoices() const;
     void chooseStyle(std::int32_t style);
@@ -62,5 +64,5 @@ private:
     FacetChip* mCatalog;
     QToolButton* mFavourites;
     QToolButton* mNew;
-    FilterBar* mFilters;
+    FilterChip* mFilters;
 };

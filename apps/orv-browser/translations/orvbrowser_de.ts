@@ -94,22 +94,61 @@
     </message>
 </context>
 <context>
-    <name>FilterBar</name>
+    <name>FilterActions</name>
     <message>
         <source>Filter</source>
         <translation>Filter</translation>
     </message>
     <message>
-        <source>Edit…</source>
-        <translation>Bearbeiten …</translation>
+        <source>The choice of the filter was not saved: %1</source>
+        <translation>Die Wahl des Filters wurde nicht gespeichert: %1</translation>
+    </message>
+    <message>
+        <source>Save as filter</source>
+        <translation>Als Filter speichern</translation>
+    </message>
+    <message>
+        <source>The filter will let these catalogs through: %1.</source>
+        <translation>Der Filter lässt diese Kataloge durch: %1.</translation>
+    </message>
+    <message>
+        <source>Name of the filter:</source>
+        <translation>Name des Filters:</translation>
+    </message>
+    <message>
+        <source>A filter needs a name.</source>
+        <translation>Ein Filter braucht einen Namen.</translation>
+    </message>
+    <message>
+        <source>There is a filter “%1” already.</source>
+        <translation>Einen Filter „%1“ gibt es schon.</translation>
+    </message>
+    <message>
+        <source>The filter was not saved: %1</source>
+        <translation>Der Filter wurde nicht gespeichert: %1</translation>
     </message>
     <message>
         <source>Edit the filters</source>
         <translation>Die Filter bearbeiten</translation>
     </message>
     <message>
-        <source>The choice of the filter was not saved: %1</source>
-        <translation>Die Wahl des Filters wurde nicht gespeichert: %1</translation>
+        <source>The filters were not changed: %1</source>
+        <translation>Die Filter wurden nicht geändert: %1</translation>
+    </message>
+</context>
+<context>
+    <name>FilterChip</name>
+    <message>
+        <source>Filter</source>
+        <translation>Filter</translation>
+    </message>
+    <message>
+        <source>Save as filter…</source>
+        <translation>Als Filter speichern …</translation>
+    </message>
+    <message>
+        <source>Edit the filters…</source>
+        <translation>Die Filter bearbeiten …</translation>
     </message>
 </context>
 <context>
