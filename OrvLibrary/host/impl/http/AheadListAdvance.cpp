@@ -34,8 +34,6 @@ void AheadList::startWaiting(TimePoint now)
         if (!mayStart(entry))
             return;
         start(entry, now);
-        if (mRunning.size() % AheadPolicy::kBurst == 0)
-            mConnections.send();
     }
 }
 

@@ -23,9 +23,6 @@ struct AheadPolicy
     static constexpr std::size_t kSpreadRequests = 65;
     static constexpr Microseconds kSpreadLatency{50'000};
     static constexpr std::size_t kSpreadConnections = 8;
-    /// While requests are being made, those before are sent after each burst of this many, so that their
-    /// answers are on the way.
-    static constexpr std::size_t kBurst = 8;
 
     /// Bodies are fetched ahead for no fewer downloads than these.
     static constexpr std::size_t kFewestBodies = 4;

@@ -180,7 +180,6 @@ void CurlService::prefetchDownloads(const std::vector<DownloadRequest>& requests
             if (requests.size() < AheadPolicy::kFewestBodies || !isFar(download.url))
                 continue;
             list.push_back({request(download.url, download.headerLines), download.target, download.size});
-            list.back().request.isOneOfMany = true;
         }
     } catch (const std::exception&) {
         list.clear();

@@ -130,18 +130,13 @@ void HttpConnections::start(HttpTransfer& transfer)
         transfer.finish(CURLE_OUT_OF_MEMORY);
 }
 
-bool HttpConnections::send()
-{
-    // What is not read here stays with the system, which slows the server down.
-    if (RateLimit::ofProcess().pause(HttpLimits::Clock::now()).count() > 0)
-        return true;
-    int running = 0;
-    return curl_multi_perform(mMulti, &running) == CURLM_OK;
-}
-
 bool HttpConnections::step()
 {
-    const bool isWell = send();
+    bool isWell = true;
+    int running = 0;
+    // What is not read here stays with the system, which slows the server down.
+    if (RateLimit::ofProcess().pause(HttpLimits::Clock::now()).count() == 0)
+        isWell = curl_multi_perform(mMulti, &running) == CURLM_OK;
     collectResults();
     for (AheadWork* const work : mAhead)
         work->advance();

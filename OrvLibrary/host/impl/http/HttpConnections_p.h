@@ -54,8 +54,6 @@ public:
 
     /// The parts of `perform`, for work that runs several transfers.
     void start(HttpTransfer& transfer);
-    /// Lets the transfer library send and receive. The next step handles transfers that have ended.
-    bool send();
     /// Moves every transfer on. False when the transfer library cannot, for lack of memory.
     bool step();
     /// Sleeps until there may be more to do.

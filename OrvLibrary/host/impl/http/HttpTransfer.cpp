@@ -1,3 +1,8 @@
+// How it works: the constructor takes a handle of the transfer library and sets it up. The transfer library
+// calls `onHeader` for each line and `onBody` for each piece. The body object hears of the final header block
+// and takes the pieces, and says whether the transfer goes on. `watch` asks it at each step, too, and looks
+// at the time. The first reason to end counts: one of ours by `fail`, or the transfer library's by `finish`.
+// No exception may pass through the transfer library, so `answer` throws what the body threw.
 #include "OrvLibrary/host/impl/http/HttpTransfer_p.h"
 
 #include <algorithm>
@@ -14,9 +19,8 @@
 
 namespace {
 
-constexpr long kReceiveBuffer = 256 * 1024;
-constexpr long kSmallReceiveBuffer = 64 * 1024;
-constexpr long kHeaderReceiveBuffer = 16 * 1024;
+constexpr long kBodyBuffer = 256 * 1024;
+constexpr long kHeaderBuffer = 16 * 1024;
 
 /// The form in which the transfer library wants a line. "Name:" would tell it to leave the header out;
 /// "Name;" sends the header with an empty value.
@@ -46,13 +50,6 @@ const char* pathFromEnvironment(const char* variable)
 {
     const char* const value = std::getenv(variable);
     return value && *value ? value : nullptr;
-}
-
-long receiveBuffer(const HttpRequest& request)
-{
-    if (request.headerOnly)
-        return kHeaderReceiveBuffer;
-    return request.isOneOfMany ? kSmallReceiveBuffer : kReceiveBuffer;
 }
 
 } // namespace
@@ -91,7 +88,7 @@ void HttpTransfer::setOptions()
     curl_easy_setopt(handle(), CURLOPT_CONNECTTIMEOUT_MS,
                      static_cast<long>(mBody.limits().connectTimeout.count()));
     curl_easy_setopt(handle(), CURLOPT_USERAGENT, "libOrvLibrary");
-    curl_easy_setopt(handle(), CURLOPT_BUFFERSIZE, receiveBuffer(mRequest));
+    curl_easy_setopt(handle(), CURLOPT_BUFFERSIZE, mRequest.headerOnly ? kHeaderBuffer : kBodyBuffer);
     // Otherwise one call of the transfer library may read many times as much as a second's share.
     curl_easy_setopt(handle(), CURLOPT_MAX_RECV_SPEED_LARGE,
                      static_cast<curl_off_t>(RateLimit::ofProcess().bytesPerSecond()));

@@ -23,8 +23,6 @@ struct HttpRequest
     std::string url;
     std::vector<std::string> headerLines;
     bool headerOnly = false;
-    /// Whether many such requests run at once, so that each should take little memory.
-    bool isOneOfMany = false;
     /// Whether the request opens a connection of its own even if another connection could carry it.
     bool onNewConnection = false;
     /// Whether an answer that redirects is followed.
