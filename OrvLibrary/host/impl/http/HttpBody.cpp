@@ -1,3 +1,7 @@
+// How it works: `HttpBody` counts and drops what comes, `PageBody` keeps it in memory, `FileBody` writes a
+// file. `begin` reads the header (length, range, encoding, digests) and measures the disk. `take` checks the
+// room, writes, hashes, and tells the progress function. `finish` compares length and digests and gives the
+// file its name. Each refusal is kept as a failure with its reason and number.
 #include "OrvLibrary/host/impl/http/HttpBody_p.h"
 
 #include <algorithm>
