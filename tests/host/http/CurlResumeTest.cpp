@@ -179,7 +179,7 @@ TEST_F(CurlResumeTest, digestIsOfTheWholeFile)
 TEST_F(CurlResumeTest, partialFileInUseIsLeftAlone)
 {
     folder.write("a.partial", "0123");
-    const host::FileHandle other = host::openRegularFile(partial().toNativeString());
+    const host::FileHandle other = host::openForLock(partial().toNativeString());
     ASSERT_EQ(flock(other.get(), LOCK_EX), 0);
     server.on("/a", rest(4));
     EXPECT_FALSE(resume());
