@@ -1,7 +1,9 @@
+#include "tests/support/FaultReply.h"
+
 #include <algorithm>
 #include <cstdio>
 
-#include "tests/support/FaultServer.h"
+#include <strings.h>
 
 namespace test {
 
@@ -32,6 +34,21 @@ std::string head(int code, const std::vector<std::string>& headerLines)
 }
 
 } // namespace
+
+std::string FaultRequest::path() const
+{
+    return target.substr(0, target.find('?'));
+}
+
+std::string FaultRequest::header(const std::string& name) const
+{
+    for (const std::string& line : headerLines) {
+        const std::size_t colon = line.find(':');
+        if (colon == name.size() && strncasecmp(line.c_str(), name.c_str(), colon) == 0)
+            return line.substr(std::min(line.find_first_not_of(' ', colon + 1), line.size()));
+    }
+    return {};
+}
 
 FaultReply FaultReply::raw(const std::string& bytes)
 {

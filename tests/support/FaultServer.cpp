@@ -9,7 +9,6 @@
 #include <netinet/in.h>
 #include <netinet/tcp.h>
 #include <poll.h>
-#include <strings.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -64,21 +63,6 @@ FaultRequest parseRequest(const std::string& text)
 }
 
 } // namespace
-
-std::string FaultRequest::path() const
-{
-    return target.substr(0, target.find('?'));
-}
-
-std::string FaultRequest::header(const std::string& name) const
-{
-    for (const std::string& line : headerLines) {
-        const std::size_t colon = line.find(':');
-        if (colon == name.size() && strncasecmp(line.c_str(), name.c_str(), colon) == 0)
-            return line.substr(std::min(line.find_first_not_of(' ', colon + 1), line.size()));
-    }
-    return {};
-}
 
 FaultServer::FaultServer()
 {
