@@ -163,7 +163,7 @@ TEST_F(ManufacturerManagerUpdate, answerThatCannotBeReadChangesNothing)
         FaultReply::status(404, good),
         FaultReply::status(403, good),
         FaultReply::status(204),
-        FaultReply::ok(good).cutAt(FaultReply::ok(good).headSize() + good.size() / 2),
+        FaultReply::ok(good).cutBodyAt(good.size() / 2),
         FaultReply::ok(good).cutAt(0),
     };
     for (const FaultReply& reply : replies) {

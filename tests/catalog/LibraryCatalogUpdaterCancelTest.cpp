@@ -52,7 +52,7 @@ protected:
 TEST_F(LibraryCatalogUpdaterCancel, isHeardWithinASecondWhileATransferIsSilent)
 {
     test::FaultReply reply = test::FaultReply::ok(std::string(5000, 'a'), {"ETag: \"1\""});
-    server.onInTurn(target("a.orvlib"), {reply, reply.silentAt(reply.headSize() + 300)});
+    server.onInTurn(target("a.orvlib"), {reply, reply.silentInBodyAt(300)});
     const Clock::duration time = runAndCancelAfter(5); // redirect, endpoint, index, header, file
     EXPECT_LT(time, std::chrono::seconds(2)) << "a second of silence, and some patience with the machine";
     EXPECT_EQ(mRecorder->count("onClose"), 1u);

@@ -174,7 +174,7 @@ TEST_F(UpdateTruth, bodyWithAnotherTagIsRefusedAndFetchedNextTime)
 TEST_F(UpdateTruth, encodedBodyIsRefused)
 {
     const std::string body = test::sampleDatabase("new doors", 3000);
-    service.spoil("Doors.orvlib", FaultReply::ok(body, {"Content-Encoding: gzip"}));
+    service.spoil("Doors.orvlib", FaultReply::gzipped(body));
     expectOnlyDoorsFailed(update(), 200, "Content-Encoding: gzip");
 }
 
@@ -282,8 +282,8 @@ TEST_F(UpdateTruth, brokenBodyGoesOnWhereItBrokeInThisRunAndTheNext)
 
 TEST_F(UpdateTruth, slowBodyOfTheRedirectDoesNotMatter)
 {
-    FaultReply slow = FaultReply::status(302, std::string(2000, ' '), {"Location: /content?"});
-    service.server().on("/redirect", slow.silentAt(slow.headSize() + 10));
+    const FaultReply sound = FaultReply::redirect("/content?", 302, std::string(2000, ' '));
+    service.server().on("/redirect", FaultReply(sound).silentInBodyAt(10));
     EXPECT_EQ(0, update().status);
 }
 

@@ -50,10 +50,7 @@ FaultReply soundAnswer(const FaultRequest& request, const std::map<std::string, 
     const auto found = content.find(nameIn(request.target));
     if (found == content.end())
         return FaultReply::status(404, "There is no such file.");
-    const std::string tag = tagOf(found->second);
-    if (request.header("If-None-Match") == tag)
-        return FaultReply::status(304, "", {"ETag: " + tag});
-    return FaultReply::ok(found->second, {"ETag: " + tag});
+    return FaultReply::file(request, found->second, tagOf(found->second));
 }
 
 } // namespace
@@ -119,7 +116,7 @@ void SoakService::serve(int end)
             const std::size_t fault = ++mShared->faults;
             if (fault % 2 == 0)
                 return FaultReply::status(503, "Later.");
-            return FaultReply(sound).cutAt(sound.headSize() + 5);
+            return FaultReply(sound).cutBodyAt(5);
         });
         mShared->port = server.port();
         char byte;

@@ -101,36 +101,19 @@ FaultReply ContentService::reply(const FaultRequest& request)
     const auto content = mContents.find(name);
     if (content == mContents.end())
         return FaultReply::status(404, "Not here.\n");
-    const std::string tag = "\"" + sha1(content->second) + "\"";
-    if (request.header("If-None-Match") == tag)
-        return FaultReply::status(304, {}, {"ETag: " + tag});
+    FaultReply sound = FaultReply::file(request, content->second, "\"" + sha1(content->second) + "\"");
+    if (sound.isStatus(304))
+        return sound;
     if (request.method == "GET") {
         mFetched.push_back(name);
         mChanged.notify_all();
         const auto spoilt = mSpoilt.find(name);
         if (spoilt != mSpoilt.end())
             return spoilt->second;
-        return bodyReply(request, content->second, tag);
+        return mCut < sound.body().size() ? sound.cutBodyAt(mCut) : sound;
     }
     const auto spoilt = mSpoiltHeaders.find(name);
-    return spoilt != mSpoiltHeaders.end() ? spoilt->second
-                                          : FaultReply::ok(content->second, {"ETag: " + tag});
-}
-
-FaultReply ContentService::bodyReply(const FaultRequest& request, const std::string& content,
-                                     const std::string& tag) const
-{
-    const std::string range = request.header("Range");
-    const bool isRest = range.rfind("bytes=", 0) == 0 && request.header("If-Range") == tag;
-    const std::size_t from = isRest ? std::stoul(range.substr(6)) : 0;
-    const std::string size = std::to_string(content.size());
-    const std::vector<std::string> headers = {"ETag: " + tag, "Content-Range: bytes " + std::to_string(from) +
-                                                                  "-" + std::to_string(content.size() - 1) +
-                                                                  "/" + size};
-    FaultReply reply = isRest ? FaultReply::status(206, content.substr(from), headers)
-                              : FaultReply::ok(content, {"ETag: " + tag});
-    const bool isCut = mCut < content.size() - from;
-    return isCut ? reply.cutAt(reply.headSize() + mCut) : reply;
+    return spoilt != mSpoiltHeaders.end() ? spoilt->second : sound;
 }
 
 } // namespace test

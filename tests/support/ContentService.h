@@ -48,8 +48,6 @@ public:
 private:
     FaultReply answer(const FaultRequest& request);
     FaultReply reply(const FaultRequest& request);
-    FaultReply bodyReply(const FaultRequest& request, const std::string& content,
-                         const std::string& tag) const;
 
     std::mutex mMutex;
     std::condition_variable mChanged;

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <stdexcept>
 
 #include <strings.h>
+#include <zlib.h>
 
 namespace test {
 
@@ -17,12 +19,43 @@ std::string phrase(int code)
                                                     {302, "Found"},
                                                     {304, "Unchanged"},
                                                     {403, "Forbidden"},
+                                                    {416, "No Such Range"},
                                                     {429, "Too Many Requests"},
                                                     {500, "Broken"},
                                                     {404, "Not Found"},
-                                                    {503, "Unavailable"}};
+                                                    {503, "Unavailable"},
+                                                    {511, "Network Authentication Required"}};
     const auto found = phrases.find(code);
     return found == phrases.end() ? "Status" : found->second;
+}
+
+/// Packed as a server does it for a browser.
+std::string gzip(const std::string& text)
+{
+    constexpr int kGzipWindow = 15 + 16;
+    z_stream stream{};
+    if (deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, kGzipWindow, 8, Z_DEFAULT_STRATEGY) != Z_OK)
+        throw std::runtime_error("no gzip");
+    std::string packed(deflateBound(&stream, text.size()) + 32, '\0');
+    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(text.data()));
+    stream.avail_in = static_cast<uInt>(text.size());
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    deflate(&stream, Z_FINISH);
+    packed.resize(stream.total_out);
+    deflateEnd(&stream);
+    return packed;
+}
+
+/// Where the header line of that name begins; npos where there is none.
+std::size_t findHeader(const std::string& head, const std::string& name)
+{
+    for (std::size_t at = head.find("\r\n"); at != std::string::npos; at = head.find("\r\n", at + 2)) {
+        const char* const line = head.c_str() + at + 2;
+        if (strncasecmp(line, name.c_str(), name.size()) == 0 && line[name.size()] == ':')
+            return at + 2;
+    }
+    return std::string::npos;
 }
 
 std::string head(int code, const std::vector<std::string>& headerLines)
@@ -71,9 +104,9 @@ FaultReply FaultReply::ok(const std::string& body, const std::vector<std::string
     return status(200, body, headerLines);
 }
 
-FaultReply FaultReply::redirect(const std::string& location, int code)
+FaultReply FaultReply::redirect(const std::string& location, int code, const std::string& body)
 {
-    return status(code, {}, {"Location: " + location});
+    return status(code, body, {"Location: " + location});
 }
 
 FaultReply FaultReply::chunked(const std::vector<std::string>& pieces,
@@ -99,11 +132,53 @@ FaultReply FaultReply::untilClose(const std::string& body, const std::vector<std
     return reply;
 }
 
+FaultReply FaultReply::gzipped(const std::string& body, const std::vector<std::string>& headerLines)
+{
+    return ok(gzip(body), headerLines).withHeader("Content-Encoding: gzip");
+}
+
+FaultReply FaultReply::file(const FaultRequest& request, const std::string& content, const std::string& tag)
+{
+    const std::string tagLine = "ETag: " + tag;
+    if (request.header("If-None-Match") == tag)
+        return status(304, {}, {tagLine});
+    const std::string range = request.header("Range");
+    if (range.rfind("bytes=", 0) != 0 || request.header("If-Range") != tag)
+        return ok(content, {tagLine});
+    const std::size_t from = std::stoul(range.substr(6));
+    const std::string size = std::to_string(content.size());
+    if (from >= content.size())
+        return status(416, {}, {"Content-Range: bytes */" + size});
+    return status(206, content.substr(from),
+                  {tagLine, "Content-Range: bytes " + std::to_string(from) + "-" +
+                                std::to_string(content.size() - 1) + "/" + size});
+}
+
 FaultReply FaultReply::silence()
 {
     FaultReply reply = raw({});
     reply.mSilence = 0;
     return reply;
+}
+
+FaultReply& FaultReply::withHeader(const std::string& line)
+{
+    withoutHeader(line.substr(0, line.find(':')));
+    mHead.insert(mHead.size() - 2, line + "\r\n");
+    return *this;
+}
+
+FaultReply& FaultReply::withoutHeader(const std::string& name)
+{
+    for (std::size_t at = findHeader(mHead, name); at != std::string::npos; at = findHeader(mHead, name))
+        mHead.erase(at, mHead.find("\r\n", at) + 2 - at);
+    return *this;
+}
+
+FaultReply& FaultReply::withBody(const std::string& body)
+{
+    mBody = body;
+    return withHeader("Content-Length: " + std::to_string(body.size()));
 }
 
 FaultReply& FaultReply::cutAt(std::size_t count)

@@ -81,8 +81,7 @@ TEST_F(CurlAnswerTest, closedAddressTellsWhatItWasClosedFor)
 
 TEST_F(CurlAnswerTest, cutBodyKeepsItsHeader)
 {
-    FaultReply reply = FaultReply::ok("0123456789", {"ETag: \"t\""});
-    server.on("/a", reply.cutAt(reply.headSize() + 4));
+    server.on("/a", FaultReply::ok("0123456789", {"ETag: \"t\""}).cutBodyAt(4));
     EXPECT_FALSE(fetch(server.url("/a")));
     EXPECT_EQ(curl.lastAnswer().status, 200);
     EXPECT_THAT(curl.lastAnswer().headerText, HasSubstr("ETag: \"t\""));
@@ -111,7 +110,7 @@ TEST_F(CurlAnswerTest, eachThreadHasItsOwn)
 TEST_F(CurlAnswerTest, encodedBodyIsNotStored)
 {
     for (const char* coding : {"gzip", "br", "x-own"}) {
-        server.on("/a", FaultReply::ok("packed", {std::string("Content-Encoding: ") + coding}));
+        server.on("/a", FaultReply::gzipped("plain").withHeader(std::string("Content-Encoding: ") + coding));
         const std::string expected = std::string("the body is encoded (Content-Encoding: ") + coding + ")";
         EXPECT_FALSE(fetch(server.url("/a")));
         EXPECT_EQ(reason, expected);

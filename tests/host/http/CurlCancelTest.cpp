@@ -30,8 +30,7 @@ protected:
     void SetUp() override
     {
         server.otherwise([](const FaultRequest&) { return FaultReply::silence(); });
-        FaultReply reply = FaultReply::ok("0123456789");
-        server.on("/body", reply.silentAt(reply.headSize() + 4));
+        server.on("/body", FaultReply::ok("0123456789").silentInBodyAt(4));
         server.on("/redirect", FaultReply::redirect("/silent"));
         EXPECT_EQ(Curl::setCancelQuestion(&isOutOfPatience), nullptr);
         patience = 20;

@@ -95,11 +95,9 @@ TEST_F(CurlProgressTest, abortEndsTheTransferAtThatCall)
 
 TEST_F(CurlProgressTest, cancelOfASilentServerIsHeard)
 {
-    FaultReply midBody = FaultReply::ok(std::string(10000, 'x'));
-    FaultReply midHead = FaultReply::ok("x");
     server.on("/silent", FaultReply::silence());
-    server.on("/head", midHead.silentAt(12));
-    server.on("/body", midBody.silentAt(midBody.headSize() + 5000));
+    server.on("/head", FaultReply::ok("x").silentAt(12));
+    server.on("/body", FaultReply::ok(std::string(10000, 'x')).silentInBodyAt(5000));
     for (const char* path : {"/silent", "/head", "/body"}) {
         calls = Calls();
         calls.abortAtCall = 5;

@@ -41,9 +41,8 @@ TEST_F(CurlRedirectTest, finalAddressCountsWhateverItsStatus)
 
 TEST_F(CurlRedirectTest, finalAddressDoesNotWaitForABodyThatNeverComes)
 {
-    FaultReply reply = FaultReply::ok(std::string(100, 'x'));
     server.on("/redirect", FaultReply::redirect("/final"));
-    server.on("/final", reply.silentAt(reply.headSize() + 10));
+    server.on("/final", FaultReply::ok(std::string(100, 'x')).silentInBodyAt(10));
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(curl.urlAfterRedirects(server.url("/redirect")), server.url("/final"));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
@@ -128,7 +127,7 @@ TEST_F(CurlRedirectTest, unansweredRedirectHasNoAddress)
 
 TEST_F(CurlRedirectTest, bodyOfARedirectIsNotTold)
 {
-    server.on("/a", FaultReply::status(302, std::string(20000, 'r'), {"Location: /b"}));
+    server.on("/a", FaultReply::redirect("/b", 302, std::string(20000, 'r')));
     server.on("/b", FaultReply::ok("1234"));
     std::vector<double> counts;
     const auto record = [](void* list, double, double count, double, double) {
@@ -142,11 +141,10 @@ TEST_F(CurlRedirectTest, bodyOfARedirectIsNotTold)
 
 TEST_F(CurlRedirectTest, redirectLeadsOnWhateverBecomesOfItsBody)
 {
-    FaultReply silent = FaultReply::status(302, std::string(100, 'r'), {"Location: /b"});
-    silent.silentAt(silent.headSize() + 10);
-    FaultReply cut = FaultReply::status(302, std::string(100, 'r'), {"Location: /b"});
-    cut.cutAt(cut.headSize() + 10);
-    const FaultReply large = FaultReply::status(302, std::string(1'000'000, 'r'), {"Location: /b"});
+    const FaultReply sound = FaultReply::redirect("/b", 302, std::string(100, 'r'));
+    const FaultReply silent = FaultReply(sound).silentInBodyAt(10);
+    const FaultReply cut = FaultReply(sound).cutBodyAt(10);
+    const FaultReply large = FaultReply::redirect("/b", 302, std::string(1'000'000, 'r'));
     server.on("/b", FaultReply::ok("1234"));
     for (const FaultReply& reply : {silent, cut, large}) {
         server.on("/a", reply);

@@ -49,7 +49,7 @@ protected:
 TEST_F(CurlResumeTest, cutBodyGoesOnWhereItBroke)
 {
     FaultReply cut = FaultReply::ok(kWhole, {"ETag: \"v1\""});
-    server.onInTurn("/a", {cut.cutAt(cut.headSize() + 4), rest(4)});
+    server.onInTurn("/a", {cut.cutBodyAt(4), rest(4)});
     EXPECT_FALSE(resume(""));
     EXPECT_EQ(server.requests().back().header("Range"), "");
     EXPECT_THAT(files(), ElementsAre("a.partial"));
@@ -156,7 +156,7 @@ TEST_F(CurlResumeTest, errorsLeaveThePartialFileAlone)
 
 TEST_F(CurlResumeTest, failureBeforeTheFirstByteLeavesNothing)
 {
-    server.on("/a", FaultReply::ok(kWhole).cutAt(FaultReply::ok(kWhole).headSize()));
+    server.on("/a", FaultReply::ok(kWhole).cutBodyAt(0));
     EXPECT_FALSE(resume(""));
     EXPECT_THAT(files(), IsEmpty());
 }
@@ -191,7 +191,7 @@ TEST_F(CurlResumeTest, partialFileInUseIsLeftAlone)
 TEST_F(CurlResumeTest, cancelKeepsThePartialFile)
 {
     FaultReply reply = FaultReply::ok(kWhole);
-    server.on("/a", reply.silentAt(reply.headSize() + 4));
+    server.on("/a", reply.silentInBodyAt(4));
     const Curl::ResumableDownload download{server.url("/a"), {}, target(), partial(), ""};
     const auto cancel = [](void*, double, double, double, double) { return 1; };
     EXPECT_FALSE(curl.downloadResumable(download, nullptr, cancel, reason, errorNumber));
