@@ -17,6 +17,8 @@ namespace test {
 namespace {
 
 constexpr int kForever = -1;
+/// So much of an answer, at most, goes out after its request was counted as over.
+constexpr std::size_t kLastPart = 16'384;
 
 [[noreturn]] void raise(const char* what)
 {
@@ -133,6 +135,18 @@ void FaultServer::limitRequests(int count, const FaultReply& refusal)
     const std::lock_guard<std::mutex> lock(mMutex);
     mRequestLimit = count;
     mRefusal = refusal;
+}
+
+int FaultServer::refusedCount() const
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    return mRefusedCount;
+}
+
+void FaultServer::limitConnections(int count)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mConnectionLimit = count;
 }
 
 int FaultServer::mostAtOnce() const
@@ -257,18 +271,18 @@ void FaultServer::serve(Connection& connection)
     const int on = 1;
     setsockopt(connection.socket, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     std::chrono::milliseconds delay{0};
+    bool withReset = false;
     {
         const std::lock_guard<std::mutex> lock(mMutex);
         delay = mConnectionDelay;
+        withReset = ++mOpenConnections > mConnectionLimit;
     }
-    bool withReset = false;
     std::string buffer;
     FaultRequest request;
-    bool stays = takeWorker() && wait(connection.socket, delay);
+    bool stays = takeWorker() && !withReset && wait(connection.socket, delay);
     while (stays && readRequest(connection, buffer, request)) {
         const FaultReply reply = replyTo(request);
         stays = send(connection.socket, reply, request.method);
-        endRequest();
         withReset = reply.mEnd == FaultReply::End::Reset;
     }
     endConnection(connection, withReset);
@@ -283,6 +297,7 @@ void FaultServer::endConnection(Connection& connection, bool withReset)
     }
     ::close(connection.socket);
     connection.socket = -1;
+    --mOpenConnections;
     ++mIdleWorkers;
     mChanged.notify_all();
 }
@@ -316,8 +331,10 @@ FaultReply FaultServer::replyTo(const FaultRequest& request)
     mRequests.push_back(request);
     mChanged.notify_all();
     mMostAtOnce = std::max(mMostAtOnce, ++mAtOnce);
-    if (mAtOnce > mRequestLimit)
+    if (mAtOnce > mRequestLimit) {
+        ++mRefusedCount;
         return mRefusal;
+    }
     const auto numbered = mNumbered.find(number);
     if (numbered != mNumbered.end())
         return numbered->second;
@@ -335,30 +352,46 @@ FaultReply FaultServer::replyTo(const FaultRequest& request)
     return handler ? handler(request) : FaultReply::status(404, "not here\n");
 }
 
+/// Where the piece ends that begins at `at`: at a pause, after a piece of a trickle, before the last part.
+std::size_t FaultServer::pieceEnd(const FaultReply& reply, std::size_t at, std::size_t end)
+{
+    const auto pause = reply.mPauses.upper_bound(at);
+    std::size_t to = pause == reply.mPauses.end() ? end : std::min(pause->first, end);
+    if (reply.mPiece < to - at)
+        to = at + reply.mPiece;
+    return to == end && end - at > kLastPart ? end - kLastPart : to;
+}
+
 bool FaultServer::send(int socket, const FaultReply& reply, const std::string& method)
 {
-    const std::string bytes = reply.bytes(method);
+    const bool isWhole = sendPieces(socket, reply, reply.bytes(method));
+    if (isWhole && reply.mSilence != std::string::npos)
+        waitForever(socket);
+    if (!isWhole || reply.mSilence != std::string::npos)
+        endRequest();
+    return isWhole && reply.mSilence == std::string::npos && reply.mEnd == FaultReply::End::Keep;
+}
+
+bool FaultServer::sendPieces(int socket, const FaultReply& reply, const std::string& bytes)
+{
     const std::size_t end = std::min(bytes.size(), reply.mSilence);
-    std::size_t at = 0;
-    while (at < end || at == 0) {
+    for (std::size_t at = 0, to = 0;; at = to) {
         const auto pause = reply.mPauses.find(at);
         if (pause != reply.mPauses.end() && !wait(socket, pause->second))
             return false;
-        const auto nextPause = reply.mPauses.upper_bound(at);
-        std::size_t to = nextPause == reply.mPauses.end() ? end : std::min(nextPause->first, end);
-        if (reply.mPiece < to - at)
-            to = at + reply.mPiece;
+        to = pieceEnd(reply, at, end);
+        if (to == end && reply.mSilence == std::string::npos) {
+            endRequest(); // Who has the answer may ask again at once.
+            sendBytes(socket, bytes, at, to);
+            return true;
+        }
         if (!sendBytes(socket, bytes, at, to))
             return false;
-        if (to == at)
-            break;
-        at = to;
-        if (reply.mPiece != std::string::npos && at < end && !wait(socket, reply.mPiecePause))
+        if (to == end)
+            return true;
+        if (reply.mPiece != std::string::npos && !wait(socket, reply.mPiecePause))
             return false;
     }
-    if (reply.mSilence != std::string::npos)
-        waitForever(socket);
-    return reply.mSilence == std::string::npos && reply.mEnd == FaultReply::End::Keep;
 }
 
 bool FaultServer::sendBytes(int socket, const std::string& bytes, std::size_t from, std::size_t to)

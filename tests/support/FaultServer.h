@@ -47,9 +47,13 @@ public:
     void delayConnections(std::chrono::milliseconds time);
     /// Serves only so many connections at a time, each until the client closes it; the others wait.
     void limitWorkers(int count);
-    /// Answers what comes while so many requests are being answered with `refusal`, such as a status of 429;
-    /// a refusal that resets before its first byte is a refused connection.
+    /// Answers what comes while so many requests are being answered with `refusal`, such as a status of 429.
+    /// A request is being answered until the last part of its answer goes out.
     void limitRequests(int count, const FaultReply& refusal);
+    /// How many requests were refused so.
+    int refusedCount() const;
+    /// Resets each connection that comes while so many are open, before it is read.
+    void limitConnections(int count);
     /// The most requests that were being answered at once.
     int mostAtOnce() const;
     /// Lets the system hold only so many connections, and one more, that nobody has accepted.
@@ -86,6 +90,9 @@ private:
     void endRequest();
     /// Whether the connection stays.
     bool send(int socket, const FaultReply& reply, const std::string& method);
+    /// Whether all went out, up to where the reply falls silent.
+    bool sendPieces(int socket, const FaultReply& reply, const std::string& bytes);
+    static std::size_t pieceEnd(const FaultReply& reply, std::size_t at, std::size_t end);
     bool sendBytes(int socket, const std::string& bytes, std::size_t from, std::size_t to);
     /// Waits; false when the server stops or the client goes.
     bool wait(int socket, std::chrono::milliseconds time);
@@ -109,6 +116,9 @@ private:
     int mAtOnce = 0;
     int mMostAtOnce = 0;
     int mRequestLimit = 1000;
+    int mRefusedCount = 0;
+    int mOpenConnections = 0;
+    int mConnectionLimit = 1000;
     FaultReply mRefusal = FaultReply::status(429);
     std::map<std::string, std::vector<FaultReply>> mReplies;
     std::map<int, FaultReply> mNumbered;

@@ -1,8 +1,5 @@
 // A server that serves only so many requests at a time, and refuses the others: asking ahead must not be told
 // from asking in turn, except by time.
-#include <atomic>
-#include <thread>
-
 #include "tests/host/http/CurlDownloadsFixture.h"
 
 using namespace std::chrono_literals;
@@ -25,19 +22,12 @@ protected:
     static constexpr int kCount = 60;
 
     /// Each request takes 15 ms; while `limit` are under way, a further one is refused at once.
-    void serveAtOnce(int limit)
+    Downloads serveAtOnce(int limit)
     {
-        server.otherwise([this, limit](const FaultRequest& request) {
-            if (++mActive > limit) {
-                --mActive;
-                ++mRefused;
-                return refusal();
-            }
-            std::this_thread::sleep_for(15ms);
-            --mActive;
-            return FaultReply::ok(bodyOf(std::atoi(request.path().c_str() + 1)));
-        });
+        server.limitRequests(limit, refusal());
+        const Downloads downloads = serve(kCount);
         learnLatency();
+        return downloads;
     }
     static FaultReply refusal()
     {
@@ -45,20 +35,6 @@ protected:
             return FaultReply::raw("").close();
         return FaultReply::status(GetParam() == Refusal::TooMany ? 429 : 503, "not now");
     }
-    Downloads list() const
-    {
-        Downloads downloads;
-        for (int i = 0; i < kCount; ++i) {
-            downloads.push_back({server.url(nameOf(i)),
-                                 {},
-                                 folder.file(std::to_string(i) + ".download"),
-                                 static_cast<std::int64_t>(bodyOf(i).size())});
-        }
-        return downloads;
-    }
-
-    std::atomic<int> mActive{0};
-    std::atomic<int> mRefused{0};
 };
 
 } // namespace
@@ -66,41 +42,39 @@ protected:
 TEST_P(CurlCrowdTest, everyHeaderRequestIsAnsweredAtLast)
 {
     for (const int limit : {1, 4}) {
-        serveAtOnce(limit);
+        const Downloads downloads = serveAtOnce(limit);
         std::vector<Curl::HeaderRequest> headers;
-        for (const auto& download : list())
+        for (const auto& download : downloads)
             headers.push_back({download.url, {}});
         curl.prefetchHeaders(headers);
         for (const auto& request : headers) {
             ASSERT_TRUE(header(request.url)) << curl.lastAnswer().reason;
             EXPECT_EQ(status, 200) << request.url;
         }
-        EXPECT_GT(mRefused, 0);
-        EXPECT_LE(mRefused, 2 * 16) << "nothing is sent ahead after the first refusals";
+        EXPECT_GT(server.refusedCount(), 0);
+        EXPECT_LE(server.refusedCount(), 2 * 16) << "nothing is sent ahead after the first refusals";
     }
 }
 
 TEST_P(CurlCrowdTest, everyBodyArrivesAtLast)
 {
     for (const int limit : {1, 4}) {
-        serveAtOnce(limit);
-        const Downloads downloads = list();
+        const Downloads downloads = serveAtOnce(limit);
         curl.prefetchDownloads(downloads);
         for (int i = 0; i < kCount; ++i) {
             ASSERT_TRUE(get(downloads[static_cast<std::size_t>(i)])) << i << ": " << reason;
             EXPECT_EQ(readFile(downloads[static_cast<std::size_t>(i)].target), bodyOf(i));
         }
-        EXPECT_GT(mRefused, 0);
-        EXPECT_LE(mRefused, 2 * 16) << "nothing is sent ahead after the first refusals";
+        EXPECT_GT(server.refusedCount(), 0);
+        EXPECT_LE(server.refusedCount(), 2 * 16) << "nothing is sent ahead after the first refusals";
     }
 }
 
 TEST_P(CurlCrowdTest, requestInTurnIsAskedAgainWithoutTheOthers)
 {
-    serveAtOnce(15);
-    curl.prefetchDownloads(list());
+    curl.prefetchDownloads(serveAtOnce(15));
     // One that nobody has announced, while the announced ones are under way.
-    ASSERT_TRUE(header(server.url("/99"))) << curl.lastAnswer().reason;
+    ASSERT_TRUE(header(server.url("/first"))) << curl.lastAnswer().reason;
     EXPECT_EQ(status, 200);
 }
 

@@ -63,10 +63,8 @@ TEST_F(CurlPrefetchDownloadsServersTest, serverThatRefusesMoreThanOneConnectionI
 {
     const Downloads downloads = serve(40);
     FaultServer picky;
-    picky.otherwise([](const FaultRequest& request) {
-        return request.connection == 0 ? FaultReply::ok("body").pauseAt(0, 15ms)
-                                       : FaultReply::raw("").reset();
-    });
+    picky.limitConnections(1);
+    picky.otherwise([](const FaultRequest&) { return FaultReply::ok("body").pauseAt(0, 15ms); });
     Downloads refused = downloads;
     for (int i = 0; i < 40; ++i)
         refused[static_cast<std::size_t>(i)].url = picky.url(nameOf(i));
@@ -82,10 +80,8 @@ TEST_F(CurlPrefetchDownloadsServersTest, whoAsksInTurnIsNotRefusedBecauseOfOneAh
 {
     Downloads downloads = serve(6);
     FaultServer picky;
-    picky.otherwise([](const FaultRequest& request) {
-        return request.connection == 0 ? FaultReply::ok("body").pauseAt(0, 80ms)
-                                       : FaultReply::raw("").reset();
-    });
+    picky.limitConnections(1);
+    picky.otherwise([](const FaultRequest&) { return FaultReply::ok("body").pauseAt(0, 80ms); });
     for (int i = 0; i < 6; ++i)
         downloads[static_cast<std::size_t>(i)].url = picky.url(nameOf(i));
     for (int i = 0; i < 3; ++i)
