@@ -66,6 +66,18 @@ std::string head(int code, const std::vector<std::string>& headerLines)
     return text;
 }
 
+/// The pieces as chunks, with the last, empty one.
+std::string chunks(const std::vector<std::string>& pieces)
+{
+    std::string text;
+    for (const std::string& piece : pieces) {
+        char size[32];
+        std::snprintf(size, sizeof size, "%zx\r\n", piece.size());
+        text += size + piece + "\r\n";
+    }
+    return text + "0\r\n\r\n";
+}
+
 } // namespace
 
 std::string FaultRequest::path() const
@@ -114,12 +126,7 @@ FaultReply FaultReply::chunked(const std::vector<std::string>& pieces,
 {
     FaultReply reply;
     reply.mHead = head(200, headerLines) + "Transfer-Encoding: chunked\r\n\r\n";
-    for (const std::string& piece : pieces) {
-        char size[32];
-        std::snprintf(size, sizeof size, "%zx\r\n", piece.size());
-        reply.mBody += size + piece + "\r\n";
-    }
-    reply.mBody += "0\r\n\r\n";
+    reply.mBody = chunks(pieces);
     return reply;
 }
 
@@ -173,6 +180,18 @@ FaultReply& FaultReply::withoutHeader(const std::string& name)
     for (std::size_t at = findHeader(mHead, name); at != std::string::npos; at = findHeader(mHead, name))
         mHead.erase(at, mHead.find("\r\n", at) + 2 - at);
     return *this;
+}
+
+FaultReply& FaultReply::withStatus(int code)
+{
+    mHead.replace(0, mHead.find("\r\n") + 2, head(code, {}));
+    return *this;
+}
+
+FaultReply& FaultReply::inChunks()
+{
+    mBody = chunks({mBody});
+    return withoutHeader("Content-Length").withHeader("Transfer-Encoding: chunked");
 }
 
 FaultReply& FaultReply::withBody(const std::string& body)

@@ -57,6 +57,9 @@ public:
     /// With this header line, and no other one of its name.
     FaultReply& withHeader(const std::string& line);
     FaultReply& withoutHeader(const std::string& name);
+    FaultReply& withStatus(int code);
+    /// With its body in one chunk, and no length.
+    FaultReply& inChunks();
     /// With another body; its length is told as it is.
     FaultReply& withBody(const std::string& body);
 

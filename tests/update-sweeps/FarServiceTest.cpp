@@ -11,7 +11,6 @@
 using test::FaultReply;
 using test::FaultRequest;
 using test::RequestKind;
-using test::SoundAnswer;
 using namespace std::chrono_literals;
 
 namespace {
@@ -79,8 +78,8 @@ TEST_F(FarService, bodiesAreDiscardedWhenAnInstallationFails)
 {
     mWorld.reset();
     mWorld.setDelay(test::kFar);
-    mWorld.spoil(RequestKind::Body, [](const SoundAnswer& sound, const FaultRequest&) {
-        return FaultReply::ok("", sound.headerLines).pauseAt(0, test::kFar);
+    mWorld.spoil(RequestKind::Body, [](const FaultReply& sound, const FaultRequest&) {
+        return FaultReply(sound).withBody("").pauseAt(0, test::kFar);
     });
     mWorld.run();
     ASSERT_TRUE(mWorld.recorder()->closingData());

@@ -1,6 +1,5 @@
 #include "tests/update-sweeps/UpdateWorld.h"
 
-#include <cstdlib>
 #include <filesystem>
 #include <sstream>
 
@@ -121,21 +120,6 @@ bool isTransient(const std::string& path)
 }
 
 } // namespace
-
-bool isFullSweep()
-{
-    const char* const size = std::getenv("ORV_SWEEP");
-    return size && std::string(size) == "full";
-}
-
-std::vector<std::size_t> sweepCells(std::size_t count, std::size_t cut)
-{
-    const std::size_t wanted = isFullSweep() || count < cut ? count : cut;
-    std::vector<std::size_t> cells;
-    for (std::size_t cell = 0; cell < wanted; ++cell)
-        cells.push_back(cell * count / wanted);
-    return cells;
-}
 
 const std::vector<RequestKind>& spoiltKinds()
 {
@@ -265,22 +249,19 @@ void UpdateWorld::run(const std::function<void()>& runner)
     Curl::install(former);
 }
 
-SoundAnswer UpdateWorld::soundAnswer(const std::string& name, const std::string& condition) const
+FaultReply UpdateWorld::soundAnswer(const std::string& name, const FaultRequest& request) const
 {
     const auto served = mServed.find(name);
     if (served == mServed.end())
-        return {404, {}, "There is no such file."};
-    const std::string tag = "\"" + sha1(served->second) + "\"";
-    if (condition == tag)
-        return {304, {"ETag: " + tag}, {}};
-    return {200, {"ETag: " + tag}, served->second};
+        return FaultReply::status(404, "There is no such file.");
+    return FaultReply::file(request, served->second, "\"" + sha1(served->second) + "\"");
 }
 
-SoundAnswer UpdateWorld::soundAnswer(RequestKind kind) const
+FaultReply UpdateWorld::soundAnswer(RequestKind kind) const
 {
     switch (kind) {
     case RequestKind::Redirect:
-        return {302, {"Location: /content?key=1"}, {}};
+        return FaultReply::redirect("/content?key=1");
     case RequestKind::Index:
         return soundAnswer(kIndex, {});
     case RequestKind::Page:
@@ -310,10 +291,9 @@ FaultReply UpdateWorld::answer(const FaultRequest& request)
     if (hook)
         hook(number);
     const RequestKind kind = kindOf(request);
-    const SoundAnswer sound = kind == RequestKind::Redirect
-                                  ? soundAnswer(kind)
-                                  : soundAnswer(libraryOf(request.target), request.header("If-None-Match"));
-    return spoiler && kind == spoiltKind ? spoiler(sound, request) : sound.reply().pauseAt(0, delay);
+    FaultReply sound =
+        kind == RequestKind::Redirect ? soundAnswer(kind) : soundAnswer(libraryOf(request.target), request);
+    return spoiler && kind == spoiltKind ? spoiler(sound, request) : sound.pauseAt(0, delay);
 }
 
 UpdateWorld::Tree UpdateWorld::snapshot() const

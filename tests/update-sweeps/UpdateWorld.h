@@ -16,13 +16,9 @@
 #include "tests/support/FaultServer.h"
 #include "tests/support/ScopedHost.h"
 #include "tests/support/SlotRecorder.h"
+#include "tests/support/SweepCells.h"
 
 namespace test {
-
-/// Whether the sweeps run at full size: the environment variable `ORV_SWEEP` is "full".
-bool isFullSweep();
-/// Every cell of a full sweep; otherwise about `cut` of them, spread evenly.
-std::vector<std::size_t> sweepCells(std::size_t count, std::size_t cut);
 
 /// The kinds of request that an update makes.
 enum class RequestKind
@@ -38,24 +34,12 @@ enum class RequestKind
 const std::vector<RequestKind>& spoiltKinds();
 const char* kindName(RequestKind kind);
 
-/// What the service answers when nothing is spoilt.
-struct SoundAnswer
-{
-    int status = 200;
-    std::vector<std::string> headerLines;
-    std::string body;
-
-    FaultReply reply() const { return FaultReply::status(status, body, headerLines); }
-    /// The reply's bytes to a request of that method.
-    std::string bytes(const std::string& method) const { return reply().bytes(method); }
-};
-
 /// A small library with something of each kind to update, the web service that has the new files, and the
 /// promise that a disturbed run keeps: see `expectNothingLost` and `expectConverges`.
 class UpdateWorld
 {
 public:
-    using Spoiler = std::function<FaultReply(const SoundAnswer&, const FaultRequest&)>;
+    using Spoiler = std::function<FaultReply(const FaultReply& sound, const FaultRequest&)>;
 
     UpdateWorld();
     ~UpdateWorld();
@@ -80,7 +64,7 @@ public:
     ScopedHost& host() { return mHost; }
     std::size_t requestCount() const;
     /// The service's own answer to a request.
-    SoundAnswer soundAnswer(RequestKind kind) const;
+    FaultReply soundAnswer(RequestKind kind) const;
 
     /// Every data file holds its old or its new content, every stored tag of a new file stands beside the new
     /// file, nothing lies outside the places that belong to an update, and the run was closed once.
@@ -98,7 +82,7 @@ private:
     using Tree = std::map<std::string, std::string>;
 
     FaultReply answer(const FaultRequest& request);
-    SoundAnswer soundAnswer(const std::string& name, const std::string& condition) const;
+    FaultReply soundAnswer(const std::string& name, const FaultRequest& request) const;
     void writeOld();
     Tree snapshot() const;
     void expectKnownContent(const std::string& name, const std::string& content) const;
