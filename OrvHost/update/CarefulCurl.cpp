@@ -141,7 +141,9 @@ std::string CarefulCurl::urlAfterRedirects(const std::string& url)
         answer.reason = kWebPage;
         endpoint.clear();
     }
-    noteRequest(mReport.endpoint, !endpoint.empty(), answer);
+    // What failed before had its consequences: the index is not asked for once more.
+    if (!mReport.endpoint.isAsked || mReport.endpoint.isGood)
+        noteRequest(mReport.endpoint, !endpoint.empty(), answer);
     return endpoint;
 }
 

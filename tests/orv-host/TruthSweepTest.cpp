@@ -1,7 +1,7 @@
-// A broken service disturbs one kind of request of an update. Whatever it does, no run ends well while a
-// newer catalog of the service was not installed; and the next run, which nothing disturbs, installs
-// everything. The tests take every fifth case; all of them where the environment variable ORV_SWEEP is
-// "full".
+// A broken service disturbs one kind of request of an update, near or far, and takes only so many requests at
+// once. Whatever it does, no run ends well, with retries or without, while a newer catalog of the service was
+// not installed; and the next run, which nothing disturbs, installs everything. The tests take some of the
+// cells; all of them where the environment variable ORV_SWEEP is "full".
 #include <atomic>
 #include <filesystem>
 #include <functional>
@@ -16,12 +16,15 @@
 #include "OrvHost/update/CatalogUpdateRun.h"
 #include "tests/orv-host/HostedTest.h"
 #include "tests/support/ArchiveBuilder.h"
+#include "tests/support/BrokenService.h"
 #include "tests/support/ContentService.h"
 #include "tests/support/SampleDatabase.h"
+#include "tests/support/SweepCells.h"
 
 using LibraryCatalogUpdate::UpdateData;
 using OrvHost::CatalogUpdateRun;
 using OrvHost::UpdateOutcome;
+using test::Behaviour;
 using test::FaultReply;
 using test::FaultRequest;
 
@@ -29,17 +32,6 @@ namespace {
 
 constexpr int kTimeoutMilliseconds = 60'000;
 const char* const kIndex = "Orv_Core_Content_Index.txt";
-
-/// Chooses the cases that a test takes.
-class Cut
-{
-public:
-    bool takesNext() { return mIsFull || ++mCount % 5 == 0; }
-
-private:
-    bool mIsFull = qgetenv("ORV_SWEEP") == "full";
-    std::size_t mCount = 0;
-};
 
 /// The smallest host object that an update can have.
 class SweepHost : public QObject
@@ -65,74 +57,36 @@ private:
     OrvHost::CatalogSwapper& mSwapper;
 };
 
-/// A way in which a service is broken.
-struct Behaviour
-{
-    const char* name;
-    std::function<FaultReply(const FaultReply&, const FaultRequest&)> spoil;
-};
-
-const std::vector<std::string> kHtml = {"Content-Type: text/html"};
-
-/// The sound reply with another header line, or another status line, in place of the one that begins with
-/// `from`.
-FaultReply withHead(const FaultReply& sound, const FaultRequest& request, const char* from,
-                    const std::string& to)
-{
-    std::string bytes = sound.bytes(request.method);
-    const std::size_t start = bytes.find(from);
-    if (start != std::string::npos)
-        bytes.replace(start, bytes.find("\r\n", start) + 2 - start, to);
-    return FaultReply::raw(bytes).close();
-}
-
+/// What a service can do to an answer, as far as a test can wait for its end.
 std::vector<Behaviour> behaviours()
 {
     using S = const FaultReply&;
     using R = const FaultRequest&;
-    const std::string page = "<html>" + std::string(3000, ' ');
-    return {
-        {"closed without an answer", [](S, R) { return FaultReply::raw("").close(); }},
-        {"reset without an answer", [](S, R) { return FaultReply::raw("").reset(); }},
-        {"cut in the status line", [](S s, R) { return FaultReply(s).cutAt(9); }},
-        {"cut in the headers", [](S s, R) { return FaultReply(s).cutAt(s.headSize() / 2); }},
-        {"cut before the body", [](S s, R) { return FaultReply(s).cutAt(s.headSize()); }},
-        {"cut in the body", [](S s, R) { return FaultReply(s).cutAt(s.headSize() + 900); }},
-        {"reset in the body", [](S s, R) { return FaultReply(s).cutAt(s.headSize() + 900).reset(); }},
-        {"length too large",
-         [](S s, R r) { return withHead(s, r, "Content-Length", "Content-Length: 99999\r\n"); }},
-        {"length too small",
-         [](S s, R r) { return withHead(s, r, "Content-Length", "Content-Length: 30\r\n"); }},
-        {"no length", [](S s, R r) { return withHead(s, r, "Content-Length", ""); }},
-        {"length that is no number",
-         [](S s, R r) { return withHead(s, r, "Content-Length", "Content-Length: x\r\n"); }},
-        {"no tag", [](S s, R r) { return withHead(s, r, "ETag", ""); }},
-        {"empty tag", [](S s, R r) { return withHead(s, r, "ETag", "ETag:\r\n"); }},
-        {"another tag", [](S s, R r) { return withHead(s, r, "ETag", "ETag: \"other\"\r\n"); }},
-        {"tag with a colon", [](S s, R r) { return withHead(s, r, "ETag", "ETag: \"a:b\"\r\n"); }},
-        {"encoded",
-         [](S s, R r) { return withHead(s, r, "ETag", "ETag: \"x\"\r\nContent-Encoding: gzip\r\n"); }},
-        {"web page", [page](S, R) { return FaultReply::ok(page, kHtml); }},
-        {"web page without a type", [page](S, R) { return FaultReply::ok(page); }},
-        {"nothing", [](S, R) { return FaultReply::ok(""); }},
-        {"zeros",
-         [](S s, R r) {
-             std::string bytes = s.bytes(r.method);
-             for (std::size_t at = s.headSize(); at < bytes.size(); ++at)
-                 bytes[at] = '\0';
-             return FaultReply::raw(bytes).close();
-         }},
-        {"status 206", [](S s, R r) { return withHead(s, r, "HTTP/1.1", "HTTP/1.1 206 Part\r\n"); }},
-        {"status 403", [page](S, R) { return FaultReply::status(403, page, kHtml); }},
+    std::vector<Behaviour> all = {
+        {"another tag", [](S s, R) { return FaultReply(s).withHeader("ETag: \"other\""); }},
+        {"cut behind a kilobyte", [](S s, R) { return FaultReply(s).cutBodyAt(1900); }},
+        {"reset behind a kilobyte", [](S s, R) { return FaultReply(s).cutBodyAt(1900).reset(); }},
+        {"status 403", [](S s, R) { return FaultReply(s).withStatus(403); }},
+        {"status 404", [](S s, R) { return FaultReply(s).withStatus(404); }},
         {"status 429", [](S, R) { return FaultReply::status(429); }},
-        {"status 500", [page](S, R) { return FaultReply::status(500, page, kHtml); }},
+        {"status 500", [](S s, R) { return FaultReply(s).withStatus(500); }},
         {"status 503", [](S, R) { return FaultReply::status(503, "", {"Retry-After: 0"}); }},
         {"status 503 for long", [](S, R) { return FaultReply::status(503, "", {"Retry-After: 3600"}); }},
-        {"redirect in a circle", [](S, R r) { return FaultReply::redirect(r.target); }},
-        {"redirect to nowhere", [](S, R) { return FaultReply::redirect("http://127.0.0.1:1/x?"); }},
-        {"redirect to a page", [](S, R) { return FaultReply::redirect("/login"); }},
-        {"no redirect", [](S, R) { return FaultReply::status(404, "Not here."); }},
     };
+    for (const auto& group : {test::loginPages(), test::brokenServices()}) {
+        for (const Behaviour& behaviour : group) {
+            if (!behaviour.isSilent)
+                all.push_back(behaviour);
+        }
+    }
+    return all;
+}
+
+/// How a service refuses what is too much for it.
+std::vector<FaultReply> refusals()
+{
+    return {FaultReply::status(429), FaultReply::status(503), FaultReply::status(503, "", {"Retry-After: 0"}),
+            FaultReply::raw("").reset(), FaultReply::raw("").close()};
 }
 
 /// A root with old catalogs, and a service with newer ones.
@@ -141,20 +95,30 @@ class TruthSweep : public test::HostedTest
 protected:
     TruthSweep()
     {
-        service.offer(kIndex, "Doors.orvlib\nRoofs.orvlib\n");
         offer("Doors.orvlib", test::sampleDatabase("new doors", 3000));
         offer("Roofs.orvlib", test::sampleDatabase("new roofs", 3000));
         test::ArchiveBuilder archive;
         archive.add("Lamps.orvlib", test::sampleDatabase(test::sampleBytes(3000, 8)));
         service.offer("Lamps.orvlibz", archive.bytes());
         wanted["bonus/Lamps.orvlib"] = test::sampleDatabase(test::sampleBytes(3000, 8));
-        service.server().on("/login", FaultReply::ok("<html>Please sign in.</html>", kHtml));
+        offerMore(4);
     }
 
     void offer(const std::string& name, const std::string& bytes)
     {
         service.offer(name, bytes);
         wanted["core/" + name] = bytes;
+    }
+
+    /// Offers so many more catalogs of the core.
+    void offerMore(int count)
+    {
+        for (int number = 0; number < count; ++number)
+            offer("More " + std::to_string(number) + ".orvlib", test::sampleDatabase("more", 2000));
+        std::string index;
+        for (const auto& [name, bytes] : wanted)
+            index += name.find("core/") == 0 ? name.substr(5) + "\n" : "";
+        service.offer(kIndex, index);
     }
 
     void writeOld()
@@ -174,7 +138,9 @@ protected:
         const UpdateOutcome outcome = run(retries);
         EXPECT_TRUE(!outcome.isGood() || missing() == 0)
             << outcome.name() << " with " << missing() << " old catalogs";
-        EXPECT_TRUE(outcome.isGood() || !outcome.failed.empty()) << outcome.error;
+        EXPECT_TRUE(outcome.isGood() || !outcome.failed.empty())
+            << outcome.error << "\n"
+            << test::readFile(folder.file("root/user/errors.log"));
     }
 
     void expectHealed()
@@ -216,6 +182,29 @@ private:
             count += test::readFile(folder.file("root/" + name)) == bytes ? 0 : 1;
         return count;
     }
+};
+
+constexpr std::chrono::milliseconds kDistances[] = {std::chrono::milliseconds(0),
+                                                    std::chrono::milliseconds(7)};
+constexpr int kLimits[] = {1, 4, 20};
+constexpr int kRetries[] = {0, 3};
+
+/// How the service is reached, and asked again.
+struct Way
+{
+    explicit Way(std::size_t cell)
+        : distance(kDistances[cell % 2]), retries(kRetries[cell / 2 % 2]), limit(kLimits[cell / 4 % 3])
+    {
+    }
+    std::string text() const
+    {
+        return std::to_string(distance.count()) + " ms, retries " + std::to_string(retries) + ", " +
+               std::to_string(limit) + " at once";
+    }
+
+    std::chrono::milliseconds distance;
+    int retries;
+    int limit;
 };
 
 /// The kinds of request that are disturbed.
@@ -294,63 +283,54 @@ protected:
 TEST_F(TruthSweep, noRunEndsWellWithAnOldCatalogWhateverTheServiceDoes)
 {
     const std::vector<Behaviour> all = behaviours();
-    Cut cut;
-    for (const Behaviour& behaviour : all) {
-        for (const std::string kind : kKinds) {
-            for (const int retries : {0, 3}) {
-                if (!cut.takesNext())
-                    continue;
-                // A service that says it has no such bonus catalog is believed.
-                if (kind == "archive header" && behaviour.name == std::string("no redirect"))
-                    continue;
-                SCOPED_TRACE(kind + ": " + behaviour.name + ", retries " + std::to_string(retries));
-                writeOld();
-                std::atomic<int> spoilt{0};
-                service.spoilWith([&](const FaultReply& sound, const FaultRequest& request) {
-                    if (!isOf(kind, request))
-                        return sound;
-                    ++spoilt;
-                    return behaviour.spoil(sound, request);
-                });
-                expectTruth(retries);
-                EXPECT_GT(spoilt, 0);
-                expectHealed();
-                if (HasFailure())
-                    return;
-            }
-        }
+    const std::vector<FaultReply> refused = refusals();
+    EXPECT_GE(all.size(), 80U);
+    constexpr std::size_t kKindCount = std::size(kKinds);
+    constexpr std::size_t kWays = std::size(kDistances) * std::size(kLimits) * std::size(kRetries);
+    for (const std::size_t cell : test::sweepCells(all.size() * kKindCount * kWays, 131)) {
+        const Behaviour& behaviour = all[cell % all.size()];
+        const std::string kind = kKinds[cell / all.size() % kKindCount];
+        const Way way(cell / all.size() / kKindCount);
+        // A service that says it has no such bonus catalog is believed.
+        if (kind == "archive header" && behaviour.name == std::string("status 404"))
+            continue;
+        SCOPED_TRACE(kind + ": " + behaviour.name + ", " + way.text());
+        writeOld();
+        std::atomic<int> spoilt{0};
+        service.spoilWith([&](const FaultReply& sound, const FaultRequest& request) {
+            if (!isOf(kind, request))
+                return FaultReply(sound).pauseAt(0, way.distance);
+            ++spoilt;
+            return behaviour.spoil(sound, request);
+        });
+        service.server().limitRequests(way.limit, refused[cell % refused.size()]);
+        expectTruth(way.retries);
+        EXPECT_TRUE(spoilt > 0 || service.server().refusedCount() > 0);
+        expectHealed();
+        if (HasFailure())
+            return;
     }
 }
 
 TEST_F(TruthSweep, noRunEndsWellWithAnOldCatalogWhateverTheLimitOfRequests)
 {
-    for (int number = 0; number < 24; ++number)
-        offer("More " + std::to_string(number) + ".orvlib", test::sampleDatabase("more", 2000));
-    std::string index;
-    for (const auto& [name, bytes] : wanted)
-        index += name.find("core/") == 0 ? name.substr(5) + "\n" : "";
-    service.offer(kIndex, index);
-    const std::vector<FaultReply> refusals = {FaultReply::status(429),
-                                              FaultReply::status(503, "", {"Retry-After: 0"}),
-                                              FaultReply::raw("").reset()};
-    Cut cut;
-    for (const int milliseconds : {0, 6}) {
-        for (const int limit : {1, 4, 20}) {
-            for (std::size_t refusal = 0; refusal < refusals.size(); ++refusal) {
-                if (!cut.takesNext())
-                    continue;
-                SCOPED_TRACE(std::to_string(milliseconds) + " ms, " + std::to_string(limit) +
-                             " at once, refusal " + std::to_string(refusal));
-                writeOld();
-                service.spoilWith([&](const FaultReply& sound, const FaultRequest&) {
-                    return FaultReply(sound).pauseAt(0, std::chrono::milliseconds(milliseconds));
-                });
-                service.server().limitRequests(limit, refusals[refusal]);
-                expectTruth(limit == 4 ? 0 : 3);
-                expectHealed();
-            }
-        }
+    offerMore(24);
+    Curl::setConnectionLimit(40);
+    const std::vector<FaultReply> refused = refusals();
+    constexpr std::size_t kWays = std::size(kDistances) * std::size(kLimits) * std::size(kRetries);
+    for (const std::size_t cell : test::sweepCells(kWays * refused.size(), 13)) {
+        const Way way(cell % kWays);
+        SCOPED_TRACE(way.text() + ", refusal " + std::to_string(cell / kWays));
+        writeOld();
+        service.spoilWith([&](const FaultReply& sound, const FaultRequest&) {
+            return FaultReply(sound).pauseAt(0, way.distance);
+        });
+        service.server().limitRequests(way.limit, refused[cell / kWays]);
+        expectTruth(way.retries);
+        expectHealed();
     }
+    Curl::setConnectionLimit(16);
+    EXPECT_GT(service.server().refusedCount(), 0);
 }
 
 TEST_F(CancelledTruth, nothingMoreIsAskedInTurn)

@@ -4,7 +4,13 @@
 
 namespace test {
 
+const char* const kLoginPath = "/login";
+
 namespace {
+
+/// Longer than the smallest change that is fetched.
+const std::string kPage = "<html><body>Please sign in.</body></html>" + std::string(2000, ' ');
+const std::vector<std::string> kHtml = {"Content-Type: text/html; charset=utf-8"};
 
 /// A chain of `hops` redirects to the address itself, told apart by a mark at the end.
 FaultReply redirectChain(const FaultReply& sound, const FaultRequest& request, int hops)
@@ -189,8 +195,9 @@ std::vector<Behaviour> redirects()
         {"redirect to an empty address", [](S, R) { return FaultReply::redirect(""); }},
         {"redirect to nonsense", [](S, R) { return FaultReply::redirect("http://[::1"); }},
         {"redirect to a closed port", [](S, R) { return FaultReply::redirect("http://127.0.0.1:1/x?"); }},
+        // Nobody answers the handshake.
         {"redirect to https",
-         [](S, R r) { return FaultReply::redirect("https://" + r.header("Host") + "/x?"); }},
+         [](S, R r) { return FaultReply::redirect("https://" + r.header("Host") + "/x?"); }, false, true},
     };
 }
 
@@ -199,8 +206,7 @@ std::vector<Behaviour> lies()
     using S = const FaultReply&;
     using R = const FaultRequest&;
     return {
-        {"a page in place of the answer",
-         [](S, R) { return FaultReply::ok("<html>Please sign in.</html>" + std::string(2000, ' ')); }, true},
+        {"a page in place of the answer", [](S, R) { return FaultReply::ok(kPage); }, true},
         {"zero bytes in place of the body",
          [](S s, R) { return FaultReply(s).withBody(std::string(s.body().size(), '\0')); }, true},
         {"a range in place of the whole",
@@ -214,6 +220,23 @@ std::vector<Behaviour> lies()
 }
 
 } // namespace
+
+FaultReply loginPage()
+{
+    return FaultReply::ok(kPage, kHtml);
+}
+
+std::vector<Behaviour> loginPages()
+{
+    using S = const FaultReply&;
+    using R = const FaultRequest&;
+    return {
+        {"login page", [](S, R) { return loginPage(); }, true},
+        {"login page without a type", [](S, R) { return FaultReply::ok(kPage); }, true},
+        {"redirect to a login page", [](S, R) { return FaultReply::redirect(kLoginPath); }, true},
+        {"login page of status 511", [](S, R) { return FaultReply::status(511, kPage, kHtml); }},
+    };
+}
 
 std::vector<Behaviour> brokenServices()
 {

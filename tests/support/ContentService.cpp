@@ -8,10 +8,13 @@
 #include <QUrl>
 #include <QUrlQuery>
 
+#include "tests/support/BrokenService.h"
+
 namespace test {
 
 ContentService::ContentService()
 {
+    mServer.on(kLoginPath, loginPage());
     mServer.otherwise([this](const FaultRequest& request) { return answer(request); });
 }
 
@@ -44,6 +47,12 @@ void ContentService::cutBodies(std::size_t bytes)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     mCut = bytes;
+}
+
+void ContentService::cutBodiesInTurn(const std::vector<std::size_t>& places)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mCutsInTurn = places;
 }
 
 void ContentService::spoilAll(const FaultReply& reply)
@@ -110,7 +119,12 @@ FaultReply ContentService::reply(const FaultRequest& request)
         const auto spoilt = mSpoilt.find(name);
         if (spoilt != mSpoilt.end())
             return spoilt->second;
-        return mCut < sound.body().size() ? sound.cutBodyAt(mCut) : sound;
+        std::size_t cut = mCut;
+        if (!mCutsInTurn.empty()) {
+            cut = mCutsInTurn.front();
+            mCutsInTurn.erase(mCutsInTurn.begin());
+        }
+        return cut < sound.body().size() ? sound.cutBodyAt(cut) : sound;
     }
     const auto spoilt = mSpoiltHeaders.find(name);
     return spoilt != mSpoiltHeaders.end() ? spoilt->second : sound;

@@ -28,6 +28,8 @@ public:
     void spoilHeader(const std::string& name, const FaultReply& reply);
     /// Every body that is sent is cut off after so many bytes; a request for a range gets the next ones.
     void cutBodies(std::size_t bytes);
+    /// The same with another place for each body, in turn; those after the last one are whole.
+    void cutBodiesInTurn(const std::vector<std::size_t>& places);
     /// Makes of each sound answer, that of the redirect too, what `spoiler` returns; null for none. Called on
     /// the connection's thread.
     using Spoiler = std::function<FaultReply(const FaultReply& sound, const FaultRequest& request)>;
@@ -55,6 +57,7 @@ private:
     std::map<std::string, FaultReply> mSpoilt;
     std::map<std::string, FaultReply> mSpoiltHeaders;
     std::size_t mCut = std::string::npos;
+    std::vector<std::size_t> mCutsInTurn;
     Spoiler mSpoiler;
     std::vector<std::string> mFetched;
     std::vector<std::string> mAsked;

@@ -118,6 +118,12 @@ void FaultServer::otherwise(Handler handler)
     mOtherwise = std::move(handler);
 }
 
+void FaultServer::onAccept(std::function<void()> hook)
+{
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mOnAccept = std::move(hook);
+}
+
 void FaultServer::delayConnections(std::chrono::milliseconds time)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
@@ -247,6 +253,8 @@ void FaultServer::acceptLoop()
         const int socket = accept4(mListener, nullptr, nullptr, SOCK_CLOEXEC);
         if (socket < 0)
             continue;
+        if (mOnAccept)
+            mOnAccept();
         joinEnded();
         mConnections.emplace_back();
         Connection& connection = mConnections.back();

@@ -43,6 +43,8 @@ public:
     /// Answers all that nothing else was said of. Called on the connection's thread.
     void otherwise(Handler handler);
 
+    /// Called for every connection that was accepted, with a lock held: it is not to ask the server anything.
+    void onAccept(std::function<void()> hook);
     /// Waits so long after accepting a connection before it is read.
     void delayConnections(std::chrono::milliseconds time);
     /// Serves only so many connections at a time, each until the client closes it; the others wait.
@@ -123,6 +125,7 @@ private:
     std::map<std::string, std::vector<FaultReply>> mReplies;
     std::map<int, FaultReply> mNumbered;
     Handler mOtherwise;
+    std::function<void()> mOnAccept;
     std::vector<FaultRequest> mRequests;
     /// Open ones, and a few that have ended.
     std::list<Connection> mConnections;
