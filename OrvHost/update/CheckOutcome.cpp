@@ -20,10 +20,6 @@ namespace {
 using Catalog = CheckOutcome::Catalog;
 using State = CheckOutcome::State;
 
-constexpr std::int64_t kOk = 200;
-constexpr std::int64_t kUnchanged = 304;
-constexpr std::int64_t kNotFound = 404;
-constexpr std::int64_t kGone = 410;
 constexpr std::uint64_t kBytesPerKilobyte = 1000;
 constexpr std::size_t kShownTag = 12;
 
@@ -68,11 +64,11 @@ public:
         takeVersions();
         if (!mVerdict.empty())
             settle(State::Unknown, mVerdict);
-        else if (mReport.status == kNotFound || mReport.status == kGone)
+        else if (mReport.isMissing())
             settle(State::Gone, "the service does not have it (HTTP " + std::to_string(mReport.status) + ")");
-        else if (mReport.status == kUnchanged && mCatalog.installed)
+        else if (mReport.isUnchanged() && mCatalog.installed)
             settle(State::Current, "the service says that it has not changed");
-        else if (mReport.status == kOk)
+        else if (mReport.isFound())
             judgeVersion();
         else
             settle(State::Unknown, mReport.reason.empty() ? reasonWithoutAnswer() : mReport.reason);
@@ -93,9 +89,9 @@ private:
             mCatalog.installed = mRecord.installed ? mRecord.serverETag : mRecord.localHash;
             mIsTagKnown = !mCatalog.place.tag().empty();
         }
-        if (mReport.status == kUnchanged || mReport.status == kOk)
+        if (mReport.isUnchanged() || mReport.isFound())
             mCatalog.offered = mReport.tag;
-        if (mReport.status == kUnchanged && !mReport.tag)
+        if (mReport.isUnchanged() && !mReport.tag)
             mCatalog.offered = mCatalog.installed;
     }
 

@@ -27,7 +27,11 @@ struct CatalogReport
     std::string reason;
 
     /// Whether the service has another version than the installed one, or may have one.
-    bool isNew() const { return status == 200 && (!tag || *tag != sentTag); }
+    bool isNew() const { return isFound() && (!tag || *tag != sentTag); }
+    bool isFound() const { return status == 200; }
+    bool isUnchanged() const { return status == 304; }
+    /// Whether the service says that it does not have it.
+    bool isMissing() const { return status == 404 || status == 410; }
 };
 
 /// The result of a request for something else than a catalog.

@@ -19,10 +19,6 @@ namespace {
 using Failure = UpdateOutcome::Failure;
 using Kind = UpdateOutcome::Kind;
 
-constexpr std::int64_t kOk = 200;
-constexpr std::int64_t kUnchanged = 304;
-constexpr std::int64_t kNotFound = 404;
-constexpr std::int64_t kGone = 410;
 constexpr std::int64_t kBytesPerKilobyte = 1000;
 constexpr std::size_t kMostNamed = 5;
 
@@ -36,14 +32,9 @@ std::string stemOf(const std::string& name)
     return fileString(name).stem().toNativeString();
 }
 
-bool isMissing(const CatalogReport& catalog)
-{
-    return catalog.status == kNotFound || catalog.status == kGone;
-}
-
 bool isChecked(const CatalogReport& catalog)
 {
-    return catalog.status == kOk || catalog.status == kUnchanged || isMissing(catalog);
+    return catalog.isFound() || catalog.isUnchanged() || catalog.isMissing();
 }
 
 /// Finds out what failed.
@@ -88,7 +79,7 @@ private:
     /// HTTP status and reason; no reason where nothing is wrong.
     std::pair<std::int64_t, std::string> problemOf(const CatalogReport& catalog) const
     {
-        if (isMissing(catalog))
+        if (catalog.isMissing())
             return {catalog.status, mService.indexNames.count(catalog.asked) != 0 ? catalog.reason : ""};
         if (catalog.isDownloadTried && !catalog.isDownloaded)
             return {catalog.bodyStatus, catalog.reason};
