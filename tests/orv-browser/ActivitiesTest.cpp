@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include <QAction>
+#include <QApplication>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -136,6 +137,7 @@ TEST_F(BrowserActivitiesTest, listStaysAfterTheUpdateUntilItIsFolded)
     QTest::mouseClick(&child<QToolButton>("activitiesButton"), Qt::LeftButton);
     EXPECT_TRUE(list().isVisible());
     EXPECT_EQ(list().model()->rowCount(), 2);
+    QApplication::setActiveWindow(&window()); // where no window manager does
     QTest::keyClick(&window(), Qt::Key_J, Qt::ControlModifier);
     EXPECT_FALSE(list().isVisible());
 }

@@ -6,7 +6,8 @@
 
 int main(int argc, char** argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen"); // "xcb" drives a real window
     testing::InitGoogleMock(&argc, argv);
     test::WatchedApplication application(argc, argv);
     Translations::install(application);
