@@ -40,13 +40,31 @@ void mergeArchives(const fileString& extracted, const fileString& destination,
     batch.complete();
 }
 
+/// Merges anew where an update has put another archive into the place meanwhile: a merge with the former one
+/// would take away what the update has brought.
+/// @throws std::runtime_error, std::bad_alloc
+void mergeUntilDone(const fileString& extracted, const fileString& destination,
+                    const std::shared_ptr<ProgressSubject>& progress)
+{
+    constexpr int kTries = 5;
+    for (int attempt = 1;; ++attempt) {
+        try {
+            mergeArchives(extracted, destination, progress);
+            return;
+        } catch (const ZipUtils::Overtaken&) {
+            if (attempt == kTries)
+                throw;
+        }
+    }
+}
+
 /// @throws std::runtime_error, std::bad_alloc
 void placeArchive(const fileString& extracted, const fileString& destination,
                   const std::shared_ptr<ProgressSubject>& progress)
 {
     // The destination may appear at any moment: another process imports a library of the same name.
     if (destination.pathExists() || !ZipUtils::moveToNewArchive(extracted, destination, progress))
-        mergeArchives(extracted, destination, progress);
+        mergeUntilDone(extracted, destination, progress);
 }
 
 } // namespace

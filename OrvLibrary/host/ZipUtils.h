@@ -37,6 +37,14 @@ public:
 
 /// ".zip".
 ORVLIBRARY_EXPORT fileString getExtension();
+/// Thrown within the library when another program has replaced the archive that is about to be replaced:
+/// what was written was made of the former one, and is given up. For other code it is a std::runtime_error.
+class Overtaken : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
 /// The text between the archive's path and the member's name in a member address.
 ORVLIBRARY_EXPORT fileString getDelimiter();
 

@@ -2,12 +2,15 @@
 #include "OrvLibrary/IO/LibraryImport.h"
 
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
+#include <utility>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/IO/LibraryImport_p.h"
+#include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "OrvLibrary/host/ZipUtils.h"
 #include "tests/support/ArchiveBuilder.h"
@@ -23,6 +26,17 @@ using testing::ElementsAre;
 namespace {
 
 using Contents = std::vector<std::pair<std::string, std::string>>;
+
+/// Does something whenever a member is told.
+class AtEachStep : public test::RecordingProgress
+{
+public:
+    explicit AtEachStep(std::function<void()> action) : mAction(std::move(action)) {}
+    void increment(const marl::unicode::String&, const marl::unicode::String&) override { mAction(); }
+
+private:
+    std::function<void()> mAction;
+};
 
 class LibraryImportTexturesTest : public testing::Test
 {
@@ -204,6 +218,39 @@ TEST_F(LibraryImportTexturesTest, exceptionOfTheProgressObjectLosesNothing)
     EXPECT_THROW(move(mNew), std::logic_error);
     EXPECT_TRUE(test::readFile(mDestination) == mOld.bytes());
     EXPECT_THAT(texturesFolder(), ElementsAre("Kitchen.zip"));
+}
+
+TEST_F(LibraryImportTexturesTest, anArchiveThatAnUpdateReplacesDuringTheMergeIsMergedAnew)
+{
+    mOld.add("a", "old").method = test::ArchiveMember::kStored;
+    mOld.write(mFolder, "textures/Kitchen.zip");
+    mNew.add("mine", "imported");
+    ArchiveBuilder update;
+    update.add("b", "of the update");
+    int steps = 0;
+    mProgress = std::make_shared<AtEachStep>([&] {
+        if (++steps == 1) {
+            EXPECT_TRUE(FileUtils::moveFile(update.write(mFolder, "update.zip"), mDestination, false));
+        }
+    });
+    EXPECT_TRUE(move(mNew));
+    EXPECT_GT(steps, 1);
+    EXPECT_EQ(contentsOf(mDestination), (Contents{{"b", "of the update"}, {"mine", "imported"}}));
+    expectConsumed();
+    EXPECT_THAT(texturesFolder(), ElementsAre("Kitchen.zip"));
+}
+
+TEST_F(LibraryImportTexturesTest, anArchiveThatIsReplacedAgainAndAgainFailsAndKeepsTheLastOne)
+{
+    mOld.write(mFolder, "textures/Kitchen.zip");
+    mNew.add("mine", "imported");
+    mProgress = std::make_shared<AtEachStep>(
+        [&] { EXPECT_TRUE(FileUtils::moveFile(mOld.write(mFolder, "update.zip"), mDestination, false)); });
+    std::string reason;
+    EXPECT_FALSE(LibraryImport::moveArchivedTextures(mNew.write(mFolder, "extracted.zip"), mDestination,
+                                                     mProgress, reason));
+    EXPECT_THAT(reason, testing::HasSubstr("another program has replaced it meanwhile"));
+    EXPECT_TRUE(test::readFile(mDestination) == mOld.bytes());
 }
 
 TEST_F(LibraryImportTexturesTest, copyNeedsAnExistingTargetAndStopsAtWhatItCannotCopy)

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include "OrvLibrary/host/FileUtils.h"
 #include "tests/host/zip/RawCopyTest.h"
 #include "tests/support/RecordingProgress.h"
 
@@ -93,6 +94,19 @@ TEST_F(ZipUtilsBatchTest, batchStartsAnArchiveAnewWhileTheOldOneCanBeWalked)
     batch.complete();
     EXPECT_EQ(copied, 1);
     EXPECT_EQ(contentsOf(source), (Contents{{"a", "1"}}));
+}
+
+TEST_F(ZipUtilsBatchTest, archiveThatAnotherProgramReplacedIsNotReplacedByTheBatch)
+{
+    mSource.add("a", "1");
+    const fileString source = writeSource("target.zip");
+    ArchiveBatch batch(nullptr);
+    batch.begin(source);
+    ArchiveBuilder other;
+    other.add("b", "2");
+    ASSERT_TRUE(FileUtils::moveFile(other.write(mFolder, "other.zip"), source, false));
+    EXPECT_THROW(batch.complete(), ZipUtils::Overtaken);
+    EXPECT_EQ(contentsOf(source), (Contents{{"b", "2"}}));
 }
 
 TEST_F(ZipUtilsBatchTest, damageInABatchIsFoundByTheWalk)

@@ -33,6 +33,9 @@ public:
     ReplacementFile(const ReplacementFile&) = delete;
     ReplacementFile& operator=(const ReplacementFile&) = delete;
 
+    /// Whether what stood at the target when this object was made still stands there. A program that renames
+    /// a file over the target asks for no lock.
+    bool targetIsUnchanged() const;
     /// The file to write to.
     int descriptor() const { return mFile.get(); }
     /// How sure the new content is to survive a loss of power.
@@ -65,7 +68,6 @@ private:
     Attempt lockTarget(Deadline deadline);
     Attempt createBeside(mode_t newMode, Deadline deadline);
     Attempt removeOld(Deadline deadline);
-    bool targetIsUnchanged() const;
     bool putInPlace() const;
     void abandon();
 

@@ -8,6 +8,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include "OrvLibrary/host/ZipUtils.h"
+
 namespace ZipUtils {
 
 namespace {
@@ -129,6 +131,8 @@ void ZipOutput::advance(std::uint64_t written)
 
 void ZipOutput::publish()
 {
+    if (!mFile->targetIsUnchanged())
+        throw Overtaken(mTarget.toNativeString() + ": another program has replaced it meanwhile");
     if (!mFile->commit(host::ReplacementFile::Durability::Unsynced))
         fail();
 }
