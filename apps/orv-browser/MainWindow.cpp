@@ -13,7 +13,6 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
-#include "OrvLibrary/IO/ErrorLog.h"
 #include "apps/orv-browser/FilterActions.h"
 #include "apps/orv-browser/FocusRing.h"
 #include "apps/orv-browser/ItemActions.h"
@@ -25,15 +24,8 @@
 #include "apps/orv-browser/activities/ResultCard.h"
 #include "apps/orv-browser/activities/SeenCommand.h"
 #include "apps/orv-browser/activities/StatusLine.h"
-#include "apps/orv-browser/activities/UpdateController.h"
 #include "apps/orv-browser/details/DetailsPane.h"
-#include "apps/orv-browser/details/ItemDetails.h"
-#include "apps/orv-browser/details/PlaceDetails.h"
-#include "apps/orv-browser/details/SeveralDetails.h"
-#include "apps/orv-browser/dialogs/LogDialog.h"
-#include "apps/orv-browser/dialogs/ShortcutSheet.h"
 #include "apps/orv-browser/gallery/EmptyPages.h"
-#include "apps/orv-browser/gallery/GalleryBar.h"
 #include "apps/orv-browser/gallery/GalleryModel.h"
 #include "apps/orv-browser/gallery/GalleryPane.h"
 #include "apps/orv-browser/gallery/GalleryViews.h"
@@ -135,99 +127,6 @@ void MainWindow::buildPanes()
     layout->addWidget(main, 1);
     setCentralWidget(content);
     setStatusBar(mStatus);
-}
-
-void MainWindow::connectMenus()
-{
-    const auto on = [this](const QAction* action, auto&& call) {
-        connect(action, &QAction::triggered, this, std::forward<decltype(call)>(call));
-    };
-    on(mMenus->importArchive, [this] { mLibrary->openArchive(); });
-    on(mMenus->preferences, [this] { mLibrary->editPreferences(); });
-    on(mMenus->quit, [this] { close(); });
-    on(mMenus->checkForUpdates, [this] { mLibrary->checkForUpdates(); });
-    on(mMenus->cancelUpdate, [this] { mLibrary->updates().cancel(); });
-    on(mMenus->refreshManufacturers, [this] { mLibrary->refreshManufacturers(); });
-    on(mMenus->markSeen, [this] { markSeen(); });
-    on(mMenus->editFilters, [this] { mFilters->edit(mPlaces->databases()); });
-    on(mMenus->showLog, [this] { LogDialog(Library::ErrorLog::file(), this).exec(); });
-    on(mMenus->search, [this] { mGallery->search().focusField(); });
-    on(mMenus->showGrid, [this] { mGallery->bar().setGrid(true); });
-    on(mMenus->showList, [this] { mGallery->bar().setGrid(false); });
-    on(mMenus->showDetails, [this] { mDetails->setVisible(mMenus->showDetails->isChecked()); });
-    on(mMenus->favourite, [this] { mActions->toggleFavourites(mGallery->views().selectedRows()); });
-    on(mMenus->showInFolder, [this] { showInFolder(); });
-    on(mMenus->shortcuts, [this] { ShortcutSheet(*this).exec(); });
-}
-
-void MainWindow::connectPanes()
-{
-    SearchBar& search = mGallery->search();
-    GalleryViews& views = mGallery->views();
-    connect(&search, &SearchBar::changed, mPlaces, &PlacesPane::applyFilter);
-    connect(mPlaces, &PlacesPane::chosen, mGallery, &GalleryPane::showPlace);
-    connect(mPlaces, &PlacesPane::itemsDropped, mActions, &ItemActions::copy);
-    connect(mGallery, &GalleryPane::placeChosen, this, &MainWindow::goTo);
-    connect(&views, &GalleryViews::selectionChanged, this, &MainWindow::showSelection);
-    connect(&views, &GalleryViews::menuAsked, this, &MainWindow::showItemMenu);
-    connect(&views, &GalleryViews::starClicked, this, [this](int row) { mActions->toggleFavourites({row}); });
-    connect(&views, &GalleryViews::activated, this, [this] {
-        for (const int row : mGallery->views().selectedRows())
-            mActions->noteRecent(mGallery->views().model().itemAt(row));
-    });
-    connect(&views.model(), &QAbstractItemModel::dataChanged, this, &MainWindow::showSelection);
-    connect(mContent, &LibraryContent::indexChanged, this,
-            [this] { mLists->followIndex(*mContent->index()); });
-    connect(mContent, &LibraryContent::catalogsChanged, this, &MainWindow::leaveGonePlace);
-    connect(&mGallery->offer(), &OfferPage::fetchAsked, mLibrary, &LibraryActions::checkForUpdates);
-    connect(&mGallery->offer(), &OfferPage::importAsked, mLibrary, &LibraryActions::openArchive);
-}
-
-void MainWindow::connectDetails()
-{
-    connect(&mDetails->item(), &ItemDetails::folderAsked, this, &MainWindow::showInFolder);
-    connect(&mDetails->item(), &ItemDetails::styleAsked, &mGallery->search(), &SearchBar::chooseStyle);
-    connect(&mDetails->item(), &ItemDetails::makerAsked, this, [this](std::int32_t maker) {
-        goTo({});
-        mGallery->search().chooseMaker(maker);
-    });
-    connect(&mDetails->item(), &ItemDetails::favouriteClicked, mMenus->favourite, &QAction::trigger);
-    connect(&mDetails->several(), &SeveralDetails::favouritesAsked, this, [this](bool areFavourites) {
-        mActions->setFavourites(mGallery->views().selectedRows(), areFavourites);
-    });
-    connect(&mDetails->place(), &PlaceDetails::checkAsked, mLibrary, &LibraryActions::checkForUpdates);
-    connect(&mDetails->place(), &PlaceDetails::seenAsked, this, &MainWindow::markSeen);
-    connect(&mDetails->place(), &PlaceDetails::fetchAgainAsked, mLibrary, &LibraryActions::fetchAgain);
-}
-
-void MainWindow::connectLibrary()
-{
-    connect(mStatus, &StatusLine::cancelAsked, mLibrary, &LibraryActions::cancel);
-    connect(mStatus, &StatusLine::logAsked, mMenus->showLog, &QAction::trigger);
-    connect(mActivities, &Activities::logAsked, mMenus->showLog, &QAction::trigger);
-    connect(mActivities, &Activities::newsAsked, this, [this] { goTo({Place::Kind::News, -1, {}, -1}); });
-    connect(&mLibrary->updates(), &UpdateController::speedChanged, mStatus, &StatusLine::showSpeed);
-    connect(mLibrary, &LibraryActions::catalogChanged, this, &MainWindow::catalogChanged);
-    connect(mLibrary, &LibraryActions::foldersChanged, mContent, &LibraryContent::refresh);
-    connect(mLibrary, &LibraryActions::foldersChanged, mNews, &LibraryNews::refresh);
-    connect(mLibrary, &LibraryActions::runningChanged, this, &MainWindow::showRunning);
-    connect(mLibrary, &LibraryActions::importingChanged, mStatus, &StatusLine::showImporting);
-    connect(mLibrary, &LibraryActions::said, mStatus, &StatusLine::say);
-    connect(mLibrary, &LibraryActions::recordsChanged, mGallery, &GalleryPane::ask);
-    connect(mActions, &ItemActions::libraryChanged, this, &MainWindow::catalogChanged);
-    connect(mActions, &ItemActions::libraryChanged, mStatus,
-            [this](const fileString&, const QString& sentence) { mStatus->say(sentence); });
-}
-
-void MainWindow::connectFilters()
-{
-    SearchBar& search = mGallery->search();
-    connect(&search.filters(), &FilterChip::editAsked, mMenus->editFilters, &QAction::trigger);
-    connect(&search.filters(), &FilterChip::useAsked, mFilters, &FilterActions::use);
-    connect(&search.filters(), &FilterChip::saveAsked, this, [this, &search] {
-        mFilters->saveAs(mGallery->shownDatabases(), search.choices().join(QStringLiteral(", ")));
-    });
-    connect(mFilters, &FilterActions::changed, this, &MainWindow::filtersChanged);
 }
 
 /// A catalog may go while it is shown, or between two starts.
