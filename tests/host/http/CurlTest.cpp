@@ -332,6 +332,25 @@ TEST_F(CurlTest, proxyIsAskedForEveryAddressUntilItIsTakenAway)
     EXPECT_EQ(body, "/a");
 }
 
+TEST_F(CurlTest, answerOfAProxyToTheTunnelIsNoAnswerOfTheServer)
+{
+    const std::string url = "https://catalogs.invalid/a";
+    // Refuses the tunnel, or opens it and hangs up.
+    const FaultReply replies[] = {FaultReply::status(403),
+                                  FaultReply::raw("HTTP/1.1 200 Connection established\r\n\r\n").close()};
+    for (const FaultReply& reply : replies) {
+        server.otherwise([reply](const test::FaultRequest&) { return reply; });
+        curl.setProxy(server.url(""));
+        EXPECT_FALSE(header(url));
+        EXPECT_FALSE(browse(url));
+        EXPECT_FALSE(fetch(url));
+        EXPECT_EQ(curl.urlAfterRedirects(url), "");
+        EXPECT_EQ(curl.lastAnswer().status, 0);
+        EXPECT_NE(curl.lastAnswer().reason, "");
+    }
+    EXPECT_EQ(server.requests().front().method, "CONNECT");
+}
+
 TEST_F(CurlTest, proxyOfTheProcessIsThatOfTheDefaultService)
 {
     server.otherwise([](const test::FaultRequest& request) { return FaultReply::ok(request.target); });

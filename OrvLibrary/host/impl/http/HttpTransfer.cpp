@@ -94,6 +94,8 @@ void HttpTransfer::setOptions()
                      static_cast<curl_off_t>(RateLimit::ofProcess().bytesPerSecond()));
     if (!mRequest.proxy.empty())
         curl_easy_setopt(handle(), CURLOPT_PROXY, mRequest.proxy.c_str());
+    // What a proxy answers to CONNECT is no answer of the server.
+    curl_easy_setopt(handle(), CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     // Requests at the same time share a connection that can carry them.
     curl_easy_setopt(handle(), CURLOPT_PIPEWAIT, HttpAddress::scheme(mRequest.url) == "https" ? 1L : 0L);
     if (mRequest.onNewConnection)
