@@ -292,9 +292,7 @@ try {
 } catch (const std::runtime_error&) {
     // Deliberate: the fixed text instead of the error's own.
     // Kept by: LibraryCatalogUpdaterInstall.permissionsThatCannotBeSetAreLoggedWithTheFixedText
-    log << "Error setting file permissions: "
-        << "Unknown error"
-        << "\n";
+    log << "Error setting file permissions: Unknown error\n";
     mHadError = true;
 }
 
