@@ -5,10 +5,8 @@
 #include <ctime>
 #include <mutex>
 #include <new>
-#include <thread>
 
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
-#include "OrvLibrary/host/impl/http/RateLimit_p.h"
 
 namespace {
 
@@ -132,11 +130,8 @@ void HttpConnections::start(HttpTransfer& transfer)
 
 bool HttpConnections::step()
 {
-    bool isWell = true;
     int running = 0;
-    // What is not read here stays with the system, which slows the server down.
-    if (RateLimit::ofProcess().pause(HttpLimits::Clock::now()).count() == 0)
-        isWell = curl_multi_perform(mMulti, &running) == CURLM_OK;
+    const bool isWell = curl_multi_perform(mMulti, &running) == CURLM_OK;
     collectResults();
     for (AheadWork* const work : mAhead)
         work->advance();
@@ -145,11 +140,7 @@ bool HttpConnections::step()
 
 void HttpConnections::wait()
 {
-    const auto pause = RateLimit::ofProcess().pause(HttpLimits::Clock::now());
-    if (pause.count() > 0)
-        std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(pause, kLongestSleep));
-    else
-        curl_multi_poll(mMulti, nullptr, 0, static_cast<int>(kLongestSleep.count()), nullptr);
+    curl_multi_poll(mMulti, nullptr, 0, static_cast<int>(kLongestSleep.count()), nullptr);
 }
 
 void HttpConnections::collectResults()

@@ -9,18 +9,22 @@
 #include <cstdio>
 #include <cstdlib>
 #include <new>
+#include <thread>
 
 #include <sys/stat.h>
 
 #include "OrvLibrary/host/WebUtils.h"
+#include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 #include "OrvLibrary/host/impl/http/RateLimit_p.h"
 
 namespace {
 
-constexpr long kBodyBuffer = 256 * 1024;
-constexpr long kHeaderBuffer = 16 * 1024;
+constexpr std::int64_t kBodyBuffer = 256 * 1024;
+constexpr std::int64_t kHeaderBuffer = 16 * 1024;
+/// The longest sleep between two cancel questions.
+constexpr std::chrono::milliseconds kLongestSleep{10};
 
 /// The form in which the transfer library wants a line. "Name:" would tell it to leave the header out;
 /// "Name;" sends the header with an empty value.
@@ -88,8 +92,10 @@ void HttpTransfer::setOptions()
     curl_easy_setopt(handle(), CURLOPT_CONNECTTIMEOUT_MS,
                      static_cast<long>(mBody.limits().connectTimeout.count()));
     curl_easy_setopt(handle(), CURLOPT_USERAGENT, "libOrvLibrary");
-    curl_easy_setopt(handle(), CURLOPT_BUFFERSIZE, mRequest.headerOnly ? kHeaderBuffer : kBodyBuffer);
-    // Otherwise one call of the transfer library may read many times as much as a second's share.
+    curl_easy_setopt(
+        handle(), CURLOPT_BUFFERSIZE,
+        static_cast<long>(RateLimit::ofProcess().piece(mRequest.headerOnly ? kHeaderBuffer : kBodyBuffer)));
+    // Otherwise one call of the transfer library may go on for as long as something comes.
     curl_easy_setopt(handle(), CURLOPT_MAX_RECV_SPEED_LARGE,
                      static_cast<curl_off_t>(RateLimit::ofProcess().bytesPerSecond()));
     if (!mRequest.proxy.empty())
@@ -154,10 +160,11 @@ void HttpTransfer::setHeaderLines()
 std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* self)
 {
     auto* transfer = static_cast<HttpTransfer*>(self);
-    transfer->countReceived(size * count);
     // Nothing may be thrown through the transfer library.
     try {
-        return transfer->takeHeader(std::string(data, size * count)) ? size * count : 0;
+        const bool isTaken =
+            transfer->keepToRate(size * count) && transfer->takeHeader(std::string(data, size * count));
+        return isTaken ? size * count : 0;
     } catch (...) {
         transfer->mException = std::current_exception();
         return 0;
@@ -167,19 +174,31 @@ std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t cou
 std::size_t HttpTransfer::onBody(char* data, std::size_t size, std::size_t count, void* self)
 {
     auto* transfer = static_cast<HttpTransfer*>(self);
-    transfer->countReceived(size * count);
     try {
-        return transfer->mBody.take(data, size * count) ? size * count : 0;
+        const bool isTaken = transfer->keepToRate(size * count) && transfer->mBody.take(data, size * count);
+        return isTaken ? size * count : 0;
     } catch (...) {
         transfer->mException = std::current_exception();
         return 0;
     }
 }
 
-void HttpTransfer::countReceived(std::size_t bytes)
+/// Waits until the time of what has come is over. What is not read meanwhile stays with the system, which
+/// slows the server down. Other transfers of the thread wait, too: their bytes have no time left over either.
+bool HttpTransfer::keepToRate(std::size_t bytes)
 {
+    RateLimit& limit = RateLimit::ofProcess();
     mLastArrival = HttpLimits::Clock::now();
-    RateLimit::ofProcess().received(static_cast<std::int64_t>(bytes), mLastArrival);
+    limit.received(static_cast<std::int64_t>(bytes), mLastArrival);
+    for (auto pause = limit.pause(mLastArrival); pause.count() > 0; pause = limit.pause(mLastArrival)) {
+        if (CancelQuestion::isCancelled()) {
+            cancel();
+            return false;
+        }
+        std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(pause, kLongestSleep));
+        mLastArrival = HttpLimits::Clock::now();
+    }
+    return true;
 }
 
 bool HttpTransfer::takeHeader(const std::string& line)

@@ -133,7 +133,7 @@ private:
     void setCertificates();
     void setHeaderLines();
     bool takeHeader(const std::string& line);
-    void countReceived(std::size_t bytes);
+    bool keepToRate(std::size_t bytes);
     void readTimes(HttpAnswer& answer) const;
     /// Ends the transfer for a reason of ours. It counts more than a later one of the transfer library.
     bool fail(CURLcode error, const char* text);

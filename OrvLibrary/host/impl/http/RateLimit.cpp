@@ -35,3 +35,9 @@ std::chrono::nanoseconds RateLimit::pause(TimePoint now)
     const std::lock_guard<std::mutex> lock(mMutex);
     return std::max<std::chrono::nanoseconds>(mFreeAt - now, std::chrono::nanoseconds(0));
 }
+
+std::int64_t RateLimit::piece(std::int64_t largest) const
+{
+    const std::int64_t rate = mBytesPerSecond;
+    return rate == 0 ? largest : std::clamp<std::int64_t>(rate / 10, 1, largest);
+}

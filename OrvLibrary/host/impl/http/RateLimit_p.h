@@ -6,8 +6,8 @@
 
 #include "OrvLibrary/host/impl/http/HttpLimits_p.h"
 
-/// Bounds the bytes that all transfers of the process receive in a second. Each byte received puts off the
-/// time from which more may be read. May be used from any thread.
+/// Bounds the bytes that all transfers of the process receive in a second. Each byte received takes its share
+/// of time, which its transfer waits for before it uses the byte. May be used from any thread.
 class RateLimit
 {
 public:
@@ -22,8 +22,10 @@ public:
     std::int64_t bytesPerSecond() const { return mBytesPerSecond; }
 
     void received(std::int64_t bytes, TimePoint now);
-    /// How long nothing may be read yet; 0 when something may be.
+    /// How long the bytes received until now still need; 0 when their time is over.
     std::chrono::nanoseconds pause(TimePoint now);
+    /// How many bytes a transfer may receive at once: what a tenth of a second allows, and at most `largest`.
+    std::int64_t piece(std::int64_t largest) const;
 
 private:
     std::atomic<std::int64_t> mBytesPerSecond{0};
