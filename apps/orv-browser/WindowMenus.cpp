@@ -22,7 +22,7 @@ WindowMenus::WindowMenus(QMainWindow& window, QUndoStack& undo) : QObject(&windo
     undoAction->setShortcut(QKeySequence::Undo);
     QAction* redoAction = undo.createRedoAction(this, tr("&Redo"));
     redoAction->setObjectName(QStringLiteral("redo"));
-    redoAction->setShortcut(QKeySequence::Redo);
+    redoAction->setShortcuts({Qt::CTRL + Qt::SHIFT + Qt::Key_Z, Qt::CTRL + Qt::Key_Y}); // people know either
     mItemMenu->addAction(undoAction);
     mItemMenu->addAction(redoAction);
     mItemMenu->addSeparator();

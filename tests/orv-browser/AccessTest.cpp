@@ -24,9 +24,6 @@
 
 namespace {
 
-/// Every dialog of the menus that needs no service.
-const char* const kDialogs[] = {"editPreferences", "editFilters", "showLog", "showKeys"};
-
 class BrowserAccessTest : public test::BrowserTest
 {
 protected:
@@ -126,16 +123,6 @@ protected:
         EXPECT_TRUE(fits()) << fresh.x() << ", " << fresh.y() << ": " << fresh.width() << " x "
                             << fresh.height() << " on " << screen.width() << " x " << screen.height();
     }
-
-    void inEachDialog(const std::function<void(QDialog&)>& look)
-    {
-        for (const char* action : kDialogs)
-            inDialog([&] { trigger(action); },
-                     [&](QDialog& dialog) {
-                         look(dialog);
-                         dialog.reject();
-                     });
-    }
 };
 
 } // namespace
@@ -150,7 +137,6 @@ TEST_F(BrowserAccessTest, everyControlOfTheWindowHasAName)
 
 TEST_F(BrowserAccessTest, everyControlOfTheDialogsHasAName)
 {
-    open();
     inEachDialog([](QDialog& dialog) { expectNames(dialog, 1); });
 }
 
@@ -178,7 +164,6 @@ TEST_F(BrowserAccessTest, everyTabStopOfTheWindowShowsItsFocus)
 
 TEST_F(BrowserAccessTest, everyTabStopOfTheDialogsShowsItsFocus)
 {
-    open();
     inEachDialog([](QDialog& dialog) { expectVisibleStops(dialog, 2); });
 }
 
@@ -206,9 +191,7 @@ TEST_F(BrowserAccessTest, windowFitsTheScreenAtTheFirstStart)
 TEST_F(BrowserAccessTest, enterInThePreviewOfManufacturersRefreshesThem)
 {
     test::BrowserService service(folder().path() + "/service");
-    test::writeFile(inRoot("settings.json"),
-                    "{\"manufacturerDataUrl\": \"" + service.manufacturers().toStdString() +
-                        "\", \"manufacturerLogoUrl\": \"" + service.logos().toStdString() + "\"}");
+    test::writeFile(inRoot("settings.json"), service.manufacturerSettings());
     open();
     inDialog([&] { trigger("refreshManufacturers"); },
              [](QDialog& dialog) {

@@ -40,6 +40,12 @@ BrowserService::~BrowserService()
     stop();
 }
 
+std::string BrowserService::manufacturerSettings() const
+{
+    return "{\"manufacturerDataUrl\": \"" + mManufacturers.toStdString() + "\", \"manufacturerLogoUrl\": \"" +
+           mLogos.toStdString() + "\"}";
+}
+
 void BrowserService::stop()
 {
     mProcess.kill();

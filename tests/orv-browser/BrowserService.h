@@ -25,6 +25,9 @@ public:
     const QString& manufacturers() const { return mManufacturers; }
     const QString& logos() const { return mLogos; }
 
+    /// Settings that name this service for the manufacturers alone.
+    std::string manufacturerSettings() const;
+
     /// Ends the process: from now on nobody answers.
     void stop();
 

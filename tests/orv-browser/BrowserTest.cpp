@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QLabel>
 #include <QListView>
+#include <QListWidget>
 #include <QMenu>
 #include <QTest>
 #include <QTimer>
@@ -14,6 +15,7 @@
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/Utility/Chooser.h"
 #include "apps/orv-browser/gallery/GalleryPane.h"
+#include "tests/orv-browser/BrowserService.h"
 
 namespace test {
 
@@ -157,6 +159,22 @@ void BrowserTest::inDialog(const std::function<void()>& act, const std::function
     look.start(1);
     act();
     EXPECT_TRUE(isAnswered) << "no dialog was opened";
+}
+
+void BrowserTest::inEachDialog(const std::function<void(QDialog&)>& look)
+{
+    BrowserService service(mFolder.path() + "/service");
+    writeFile(inRoot("settings.json"), service.manufacturerSettings());
+    open();
+    for (const char* action :
+         {"editPreferences", "editFilters", "showLog", "showKeys", "refreshManufacturers"})
+        inDialog([&] { trigger(action); },
+                 [&](QDialog& dialog) {
+                     const auto* changes = dialog.findChild<QListWidget*>("manufacturerChanges");
+                     EXPECT_TRUE(waitFor([&] { return !changes || changes->count() > 0; })) << action;
+                     look(dialog);
+                     dialog.reject();
+                 });
 }
 
 void BrowserTest::pick(const char* chip, const QString& entry)

@@ -76,6 +76,10 @@ protected:
     QString detail(const char* label);
     /// Runs `act`, which opens a modal dialog, and meanwhile `answer` on the dialog.
     void inDialog(const std::function<void()>& act, const std::function<void(QDialog&)>& answer);
+    /// Opens the dialogs of the menus one after the other, hands each to `look` as soon as it shows what it
+    /// is for, and cancels it. A service of the manufacturers answers meanwhile; the window must not be open
+    /// yet.
+    void inEachDialog(const std::function<void(QDialog&)>& look);
     /// Opens the list of a choice above the gallery and takes the entry that begins with a text; fails the
     /// test when there is none.
     void pick(const char* chip, const QString& entry);

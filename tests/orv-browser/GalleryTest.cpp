@@ -10,6 +10,7 @@
 #include <QTest>
 #include <QToolButton>
 #include <QTreeView>
+#include <QTreeWidget>
 #include <QWheelEvent>
 
 #include <gmock/gmock.h>
@@ -218,6 +219,30 @@ TEST_F(BrowserGalleryTest, starMakesAFavouriteAndUndoTakesItBack)
     EXPECT_EQ(names(), QStringList("Lamp"));
     QTest::keyClick(&window(), Qt::Key_Z, Qt::ControlModifier);
     EXPECT_TRUE(waitFor([&] { return names().isEmpty(); }));
+}
+
+TEST_F(BrowserGalleryTest, redoHasBothKeysThatPeopleKnow)
+{
+    open();
+    const auto isFavourite = [&] {
+        return items().index(names().indexOf("Lamp"), 0).data(GalleryModel::kFavouriteRole).toBool();
+    };
+    clickStar("Lamp");
+    for (const auto& [key, modifiers] : {std::pair(Qt::Key_Y, Qt::KeyboardModifiers(Qt::ControlModifier)),
+                                         std::pair(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier)}) {
+        QTest::keyClick(&window(), Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_FALSE(isFavourite());
+        QTest::keyClick(&window(), key, modifiers);
+        EXPECT_TRUE(isFavourite()) << key;
+    }
+    inDialog([&] { trigger("showKeys"); },
+             [](QDialog& dialog) {
+                 const auto found =
+                     dialog.findChild<QTreeWidget*>("shortcuts")->findItems("Ctrl+Y", Qt::MatchContains, 1);
+                 ASSERT_EQ(found.size(), 1);
+                 EXPECT_EQ(found.first()->text(1), "Ctrl+Shift+Z; Ctrl+Y");
+                 dialog.reject();
+             });
 }
 
 TEST_F(BrowserGalleryTest, favouritesAreKeptForTheNextStart)

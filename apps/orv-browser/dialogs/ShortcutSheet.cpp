@@ -31,7 +31,7 @@ ShortcutSheet::ShortcutSheet(QMainWindow& window) : QDialog(&window)
     for (const QAction* action : window.findChildren<QAction*>())
         if (!action->shortcut().isEmpty() && !action->text().isEmpty())
             addKey(*sheet, QString(action->text()).remove(QLatin1Char('&')),
-                   action->shortcut().toString(QKeySequence::NativeText));
+                   QKeySequence::listToString(action->shortcuts(), QKeySequence::NativeText));
     const QString space = QKeySequence(Qt::Key_Space).toString(QKeySequence::NativeText);
     addKey(*sheet, tr("Show the item large"), space);
     addKey(*sheet, tr("Larger or smaller pictures"), tr("Ctrl and the wheel"));
