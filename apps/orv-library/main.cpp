@@ -1,4 +1,5 @@
 // The command-line host of the library.
+#include <clocale>
 #include <cstdio>
 #include <exception>
 
@@ -42,6 +43,9 @@ int main(int argc, char** argv)
 {
     Interrupt::endsProgram();
     QCoreApplication application(argc, argv);
+    // Qt has chosen the user's locale. The program speaks English, so the system's reasons in its messages
+    // do, too.
+    std::setlocale(LC_MESSAGES, "C");
     const CommandList commands = allCommands();
     CommandLine commandLine(commands);
     switch (commandLine.parse({argv + 1, argv + argc})) {

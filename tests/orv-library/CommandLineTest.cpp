@@ -2,6 +2,7 @@
 #include <filesystem>
 
 #include <gmock/gmock.h>
+#include <locale.h>
 
 #include "tests/orv-library/Program.h"
 
@@ -243,4 +244,15 @@ TEST(CommandLine, rootThatCannotBeMadeFailsWithItsName)
     EXPECT_EQ(program.folder().path() + "/file/root/", absolutePath(result, "root"));
     EXPECT_THAT(result.err, HasSubstr(program.folder().path() + "/file/root"));
     EXPECT_THAT(result.json()["error"].toString().toStdString(), HasSubstr("/file/root"));
+}
+
+TEST(CommandLine, reasonsOfTheSystemAreInTheProgramsLanguage)
+{
+    ASSERT_TRUE(newlocale(LC_MESSAGES_MASK, "de_DE.UTF-8", nullptr)) << "script/setup makes it";
+    test::Program program;
+    program.setEnvironment("LC_ALL", "de_DE.UTF-8");
+    program.folder().write("file", "not a folder");
+    const test::ProgramResult result =
+        program.runBare({"--root", program.folder().path() + "/file/root", "paths", "--create"});
+    EXPECT_THAT(result.err, EndsWith(": Not a directory\n"));
 }
