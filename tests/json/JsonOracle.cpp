@@ -6,7 +6,15 @@
 #include <cstdint>
 #include <cstdlib>
 
+#include <locale.h>
+
 namespace test {
+
+double realOf(const std::string& text)
+{
+    static const locale_t plain = newlocale(LC_ALL_MASK, "C", nullptr);
+    return strtod_l(text.c_str(), nullptr, plain);
+}
 
 namespace {
 
@@ -232,7 +240,7 @@ private:
             throw Malformed();
         Value result;
         result.kind = Kind::Real;
-        result.real = std::strtod(mText.substr(mAt, ahead).c_str(), nullptr);
+        result.real = realOf(mText.substr(mAt, ahead));
         mAt += ahead;
         return result;
     }

@@ -47,6 +47,9 @@ public:
     static Verdict judge(const std::string& text);
 };
 
+/// The real number that a text with a decimal point stands for, in every locale of the process.
+double realOf(const std::string& text);
+
 /// Why what the reader made is not what the oracle says; empty when it is.
 std::string compareWithOracle(const std::string& text, const json::grammar<char>::variant& result);
 

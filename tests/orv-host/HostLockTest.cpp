@@ -1,6 +1,8 @@
 #include "OrvHost/update/HostLock.h"
 
+#include <cerrno>
 #include <chrono>
+#include <cstring>
 #include <optional>
 #include <stdexcept>
 #include <thread>
@@ -103,5 +105,5 @@ TEST_F(HostLockTest, moveTakesTheLockAlong)
 TEST_F(HostLockTest, fileThatCannotBeMadeIsTold)
 {
     EXPECT_THAT([&] { HostLock::ofChange(folder.file("root/missing"), "filters"); },
-                testing::ThrowsMessage<std::runtime_error>(testing::HasSubstr("No such file or directory")));
+                testing::ThrowsMessage<std::runtime_error>(testing::HasSubstr(std::strerror(ENOENT))));
 }

@@ -1,5 +1,7 @@
 #include "OrvLibrary/host/FileUtils.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 
 #include <fcntl.h>
@@ -184,7 +186,7 @@ std::string permissionFailure(const fileString& path)
 TEST_F(FileUtilsTest, setFilePermissionThrowsWithPathAndReason)
 {
     const fileString none = mFolder.file("none");
-    EXPECT_EQ(permissionFailure(none), none.toNativeString() + ": No such file or directory");
+    EXPECT_EQ(permissionFailure(none), none.toNativeString() + ": " + std::strerror(ENOENT));
     const fileString file = mFolder.write("file", "x");
     setMode(file, 0600);
     EXPECT_THROW(FileUtils::setFilePermission(withNul(file)), std::runtime_error);
@@ -197,7 +199,7 @@ TEST_F(FileUtilsTest, setFilePermissionThrowsForTheFileOfAnother)
         GTEST_SKIP() << "needs the superuser, who can become somebody else";
     const fileString file = mFolder.write("file", "x");
     const auto end = test::runWithoutRights([&] {
-        return permissionFailure(file) == file.toNativeString() + ": Operation not permitted" ? 0 : 1;
+        return permissionFailure(file) == file.toNativeString() + ": " + std::strerror(EPERM) ? 0 : 1;
     });
     EXPECT_EQ(end.status, 0);
 }

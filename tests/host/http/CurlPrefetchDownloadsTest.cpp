@@ -1,3 +1,5 @@
+#include <cerrno>
+#include <cstring>
 #include <thread>
 
 #include "tests/host/http/CurlDownloadsFixture.h"
@@ -345,7 +347,7 @@ TEST_F(CurlPrefetchDownloadsTest, targetThatCannotBeWrittenFailsInItsTurn)
     for (std::size_t i = 0; i < downloads.size(); ++i)
         EXPECT_EQ(get(downloads[i]), i != 2);
     EXPECT_FALSE(get(downloads[2]));
-    EXPECT_EQ(reason, "write error: No such file or directory");
+    EXPECT_EQ(reason, std::string("write error: ") + std::strerror(ENOENT));
 }
 
 TEST_F(CurlPrefetchDownloadsTest, addressesOutsideOfTheWebArePassedOver)

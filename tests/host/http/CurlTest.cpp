@@ -1,3 +1,5 @@
+#include <cerrno>
+#include <cstring>
 #include <sys/stat.h>
 #include <thread>
 
@@ -294,7 +296,7 @@ TEST_F(CurlTest, diskFailuresGiveTheSystemsText)
 {
     server.on("/a", FaultReply::ok("x"));
     EXPECT_FALSE(curl.download_to_location(server.url("/a"), folder.file("missing/a"), reason));
-    EXPECT_EQ(reason, "write error: No such file or directory");
+    EXPECT_EQ(reason, std::string("write error: ") + std::strerror(ENOENT));
     folder.write("b/c", "");
     EXPECT_FALSE(curl.download_to_location(server.url("/a"), folder.file("b"), reason));
     EXPECT_EQ(reason, "write error: Is a directory");

@@ -1,3 +1,5 @@
+#include <cerrno>
+#include <cstring>
 #include <thread>
 #include <vector>
 
@@ -153,7 +155,7 @@ TEST_F(FilePrefSetTest, anUnreadableFileWithoutACopyIsNotWrittenOver)
     mFolder.write("preferences.json.bad/in the way", "x");
     std::string reason;
     EXPECT_FALSE(PrefFile(file()).update({{239, PrefValue(1)}}, reason));
-    EXPECT_EQ(reason, file().toNativeString() + ".bad: Is a directory");
+    EXPECT_EQ(reason, file().toNativeString() + ".bad: " + std::strerror(EISDIR));
     EXPECT_EQ(content(), "what only its user understands");
     EXPECT_THAT(test::listTree(mFolder.path()),
                 ElementsAre("preferences.json", "preferences.json.bad/", "preferences.json.bad/in the way"));
@@ -167,7 +169,7 @@ TEST_F(FilePrefSetTest, aFileThatCannotBeReadNowIsNotWrittenOver)
     const auto end = test::runWithoutRights([&] {
         std::string reason;
         const bool isWritten = PrefFile(file()).update({{239, PrefValue(1)}}, reason).has_value();
-        return !isWritten && reason == file().toNativeString() + ": Permission denied" ? 0 : 1;
+        return !isWritten && reason == file().toNativeString() + ": " + std::strerror(EACCES) ? 0 : 1;
     });
     EXPECT_EQ(end.status, 0);
     ASSERT_EQ(chmod(file().toNativeString().c_str(), 0644), 0);

@@ -1,5 +1,7 @@
 #include "OrvLibrary/host/PathUtils.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 
 #include <gtest/gtest.h>
@@ -142,7 +144,7 @@ TEST(PathUtils, aFolderThatCannotBeCreatedIsNamedWithTheReason)
     const RootPathUtils paths(folder.file("root"));
     std::string reason;
     EXPECT_FALSE(paths.createFolders(reason));
-    EXPECT_EQ(reason, folder.path() + "/root/core/: Not a directory");
+    EXPECT_EQ(reason, folder.path() + "/root/core/: " + std::strerror(ENOTDIR));
 }
 
 TEST(PathUtils, installReturnsTheFormerOne)
