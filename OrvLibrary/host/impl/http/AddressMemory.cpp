@@ -4,7 +4,7 @@
 
 namespace {
 
-/// How many times to an answer are kept.
+/// The number of answer times that are kept for each address.
 constexpr std::size_t kLatencies = 3;
 
 } // namespace

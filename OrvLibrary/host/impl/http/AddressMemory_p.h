@@ -8,10 +8,12 @@
 
 #include "OrvLibrary/host/impl/http/HttpTransfer_p.h"
 
-/// Remembers how each address ("host:port") behaves: whether it answers, how long that takes, and whether one
-/// connection to it carries many requests. After some requests in a row without any answer an address is
-/// closed for a while; after that time a single request without an answer closes it again. May be used from
-/// any thread.
+/// Remembers how each address ("host:port") behaves: whether it answers, how long an answer takes, and
+/// whether one connection to it carries many requests (HTTP/2).
+///
+/// After `HttpLimits::unansweredRequests` requests in a row without any answer, the address is closed for
+/// `HttpLimits::refusalTime`: requests to it fail at once. After that time requests are sent again, and one
+/// more without an answer closes the address again. May be used from any thread.
 class AddressMemory
 {
 public:
@@ -19,15 +21,15 @@ public:
 
     /// Whether a request may be sent to `address` now.
     bool isOpen(const std::string& address);
-    /// Why the last request to a closed address got no answer.
+    /// Why the last request to `address` got no answer.
     std::string lastReason(const std::string& address);
-    /// How long an answer takes: the shortest of the last few times. Negative when it is not known.
+    /// How long an answer takes: the shortest of the last few times. Negative while nothing is known.
     std::chrono::microseconds latency(const std::string& address);
-    /// Whether one connection carries many requests at once; false when it is not known.
+    /// Whether one connection carries many requests at once. False while nothing is known.
     bool isMultiplexing(const std::string& address);
 
-    /// Notes whether there was an answer, and what is to be learnt from it. The time of an answer that other
-    /// requests may have delayed does not count; a cancelled request says nothing.
+    /// Learns from one answer, or from its absence. If other requests ran at the same time, they may have
+    /// delayed the answer, so its time is not counted. A cancelled request teaches nothing.
     void note(const std::string& address, const HttpAnswer& answer);
     /// Opens every address that was closed.
     void openAll();

@@ -6,31 +6,32 @@
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/impl/http/HttpTransfer_p.h"
 
-/// A request that will be made, as it was announced.
+/// A request that the caller has announced: the call for it will come later.
 struct AheadRequest
 {
     HttpRequest request;
-    /// Of a download; empty for a header request.
+    /// Where a download goes. Empty for a header request.
     fileString target;
-    /// Of the body, in bytes; 0 for a header request. A body that turns out longer is not fetched ahead.
+    /// The announced size of the body in bytes; 0 for a header request. A body that proves to be longer is
+    /// not fetched ahead.
     std::int64_t size = 0;
 
     bool isDownload() const { return !target.empty(); }
 };
 
-/// The body of a download that is fetched ahead of its call. Its file lies beside the target, and is removed
-/// with this object unless the body was finished.
+/// The body of a download that is fetched before its call comes. It is written to a private file beside the
+/// target. The destructor removes this file unless `FileBody::finish` gave it the target's name.
 class BodyAhead
 {
 public:
-    /// Takes no more than the size that was announced, and leaves room on the disk for all others that are
-    /// fetched ahead.
-    /// @param limits those of ordinary downloads
+    /// The body may not be larger than announced. It leaves enough free space on the disk for all other
+    /// bodies that are fetched ahead.
+    /// @param limits the limits of ordinary downloads
     BodyAhead(const HttpLimits& limits, const AheadRequest& asked);
 
-    /// The call for this download has come: the limits are those of ordinary downloads from now on, and
-    /// `progress` is told.
-    /// @throws what `progress` throws
+    /// The call for this download has come. From now on the limits of ordinary downloads hold, and `progress`
+    /// is called for the bytes that are there and for those that follow.
+    /// @throws whatever `progress` throws
     void beginTurn(const HttpLimits& limits, Curl::ProgressFunction progress, void* context);
     FileBody& file() { return mFile; }
 
@@ -39,7 +40,7 @@ private:
     FileBody mFile;
 };
 
-/// An announced request and what became of it.
+/// An announced request and how far it is.
 struct AheadEntry
 {
     enum class State
@@ -47,21 +48,21 @@ struct AheadEntry
         Waiting,
         Running,
         Arrived,
-        Gone ///< failed, discarded or handed out: the call makes the request itself
+        Gone ///< it failed, was given up or handed out; a call that comes later makes the request itself
     };
 
     AheadRequest asked;
     State state = State::Waiting;
-    /// Takes the body of a header answer, of which there is none.
+    /// The body object of a header request. Such an answer has no body, but every transfer needs an object.
     std::unique_ptr<HttpBody> noBody;
     std::unique_ptr<BodyAhead> body;
-    /// While it runs.
+    /// Set while the request is under way.
     std::unique_ptr<HttpTransfer> transfer;
     HttpAnswer answer;
-    /// What the progress function threw while the body came.
+    /// An exception of the progress function, kept until the call can throw it.
     std::exception_ptr exception;
-    /// Others were under way at the same time.
+    /// Whether other requests ran at the same time.
     bool hadCompany = false;
-    /// Sent on an HTTP/2 connection of its own that does not stand yet.
+    /// Whether the request waits for a new HTTP/2 connection that is still being made.
     bool isOpening = false;
 };

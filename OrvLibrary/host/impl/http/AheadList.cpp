@@ -1,7 +1,8 @@
-// How it works: `advance` (AheadListAdvance.cpp) is called at each step of the transfer loop, and sends
-// requests ahead. Here are the turns of the calls. A call claims its entry. It waits while the entry is
-// running, and takes what has arrived; otherwise it makes the request itself. The first sign of trouble stops
-// the list: whatever waits then is asked in turn, and `makeRoom` sees to it that such a request is alone.
+// How it works: at each step of the transfer loop `advance` (AheadListAdvance.cpp) sends requests ahead. This
+// file holds the other side, the calls that want the answers. A call claims its entry. If the entry is
+// running, the call waits for it; if the answer has arrived, the call takes it. In all other cases the caller
+// makes the request itself. The first sign of trouble stops the list. From then on each request is sent by
+// its own call, and `makeRoom` makes sure that it runs alone, because the server may refuse several at once.
 #include "OrvLibrary/host/impl/http/AheadList_p.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ std::string keyOf(const HttpRequest& request)
     return key;
 }
 
-/// Done at the end of a block, also when an exception ends it.
+/// Runs an action at the end of a block, even if an exception ends the block.
 template <class Action>
 struct AtEnd
 {
@@ -43,11 +44,11 @@ AheadList::AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory
         AheadRequest& asked = mEntries[i].asked;
         asked = std::move(requests[i]);
         if (!asked.isDownload()) {
-            mByKey.emplace(keyOf(asked.request), i); // equal ones stay in their order
+            mByKey.emplace(keyOf(asked.request), i); // equal requests are claimed in this order
             continue;
         }
         const std::string target = asked.target.toNativeString();
-        // Two downloads to one target would be in each other's way.
+        // Two downloads to one target would overwrite each other.
         const bool isFirst = mByKey.count(target) == 0;
         mByKey.emplace(target, i);
         if (!isFirst || asked.size < 1 || asked.size > AheadPolicy::kMostBytes)
@@ -77,7 +78,7 @@ AheadEntry* AheadList::claim(const std::string& key)
         return nullptr;
     AheadEntry& entry = mEntries[found->second];
     mByKey.erase(found);
-    // Also when the answer is there: the others must move on.
+    // Even if the answer has arrived: without this step the other requests would not move on.
     mConnections.step();
     return &entry;
 }
@@ -117,7 +118,8 @@ std::unique_ptr<BodyAhead> AheadList::takeDownload(const HttpRequest& request, c
         waitForEnd(*entry);
     if (entry->exception)
         std::rethrow_exception(entry->exception);
-    // A progress function that has heard of the download must hear its end, too.
+    // If the progress function has seen part of this download, it must also see its end. So a failed download
+    // is then handed out, and not started again.
     const bool isHeard =
         file.isTold() || file.isAborted() || entry->answer.error == CURLE_ABORTED_BY_CALLBACK;
     if (entry->state != State::Arrived && !isHeard)
@@ -128,7 +130,8 @@ std::unique_ptr<BodyAhead> AheadList::takeDownload(const HttpRequest& request, c
     return std::move(entry->body);
 }
 
-/// Ends early, with the entry running, after a cancel, and when the server has not taken the connection.
+/// Returns while the entry is still running in two cases: the caller cancelled, or the server has left our
+/// connection in its queue.
 void AheadList::waitForEnd(AheadEntry& entry)
 {
     const TimePoint turn = HttpLimits::Clock::now();
@@ -152,7 +155,8 @@ void AheadList::waitForEnd(AheadEntry& entry)
     }
 }
 
-/// Whether the service has been silent for long, and may not have taken the entry's connection.
+/// Whether nothing has arrived for so long that the server has probably left the entry's connection in its
+/// queue.
 bool AheadList::isStalled(const AheadEntry& entry, TimePoint turn) const
 {
     TimePoint since = std::max(turn, mCourse.lastEnd);
@@ -162,8 +166,8 @@ bool AheadList::isStalled(const AheadEntry& entry, TimePoint turn) const
     return HttpLimits::Clock::now() - since >= stall && mayBeUntaken(entry);
 }
 
-/// Whether the server may not have taken the entry's connection. On a connection that was served before, or
-/// that others share, the answer is only late.
+/// Whether the entry's connection may still be in the server's queue. If the connection was used before, or
+/// if it is shared with other requests, the server has taken it and is only slow.
 bool AheadList::mayBeUntaken(const AheadEntry& entry) const
 {
     const HttpTransfer& transfer = *entry.transfer;
@@ -171,8 +175,9 @@ bool AheadList::mayBeUntaken(const AheadEntry& entry) const
            (transfer.hasNewConnection() || (!transfer.isConnected() && !situationOf(entry).isMultiplexing));
 }
 
-/// The server has fewer workers than there are connections. Each keeps to a connection that has nothing more
-/// to ask, while the others wait.
+/// Gives up all requests whose connections are in the server's queue. A server with few workers keeps each
+/// worker on one connection until it closes. A worker may thus wait on an idle connection while ours are in
+/// the queue.
 void AheadList::giveUpUntaken()
 {
     const std::vector<AheadEntry*> running = mRunning;

@@ -5,11 +5,10 @@
 #include "OrvLibrary/host/impl/http/AheadList_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 
-/// Ends the transfers that are finished, and starts as many of those that wait, in their order, as the policy
-/// allows.
+/// Ends finished transfers, then starts waiting entries, in their order, as far as `AheadPolicy` allows.
 void AheadList::advance()
 {
-    // The transfer that is waited for must not fail because there is no memory for one that is sent ahead.
+    // No memory for a request that is sent ahead must not fail the transfer that a call waits for.
     try {
         const TimePoint now = HttpLimits::Clock::now();
         const std::vector<AheadEntry*> running = mRunning;
@@ -37,7 +36,7 @@ void AheadList::startWaiting(TimePoint now)
     }
 }
 
-/// Finds out whether the entry may be sent now, and whether on a new HTTP/2 connection.
+/// Whether the entry may be sent now. Sets `isOpening` if it needs a new HTTP/2 connection.
 bool AheadList::mayStart(AheadEntry& entry) const
 {
     if (entry.asked.isDownload() && !AheadPolicy::hasRoom(load(), entry.asked.size))
@@ -77,7 +76,8 @@ AheadPolicy::Load AheadList::load() const
 
 void AheadList::start(AheadEntry& entry, TimePoint now)
 {
-    // Memory is needed first: a call would wait for ever for an entry that is marked as running and is not.
+    // Reserve first. Without memory for `mRunning`, the entry would be marked as running although nothing
+    // runs it, and its call would wait for ever.
     mRunning.reserve(mRunning.size() + 1);
     entry.asked.request.onNewConnection = entry.isOpening;
     TimePoint deadline = TimePoint::max();
@@ -97,14 +97,14 @@ void AheadList::start(AheadEntry& entry, TimePoint now)
     mConnections.start(*entry.transfer);
 }
 
-/// Other requests can be sent on a connection as soon as it stands.
+/// The entry's HTTP/2 connection is ready, so further requests can be sent on it.
 void AheadList::noteOpened(AheadEntry& entry)
 {
     if (std::exchange(entry.isOpening, false))
         ++mCourse.open;
 }
 
-/// The transfer has come to its end. What it brought is kept when it would be the same in its turn.
+/// Called when the transfer has ended. Keeps the answer only if the call would have got the same one.
 void AheadList::finish(AheadEntry& entry)
 {
     const bool isKept = isOfUse(entry);
@@ -126,7 +126,7 @@ bool AheadList::isOfUse(AheadEntry& entry)
         answer.hadCompany = entry.hadCompany;
         if (answer.answered)
             noteOpened(entry);
-        // An answer that took too long here may still come when its request is made in turn.
+        // Our limit for the answer is shorter here than in a call, so the call may still get an answer.
         if (answer.isRefusedInCompany() || answer.error == CURLE_OPERATION_TIMEDOUT) {
             stop();
             return false;
@@ -134,7 +134,7 @@ bool AheadList::isOfUse(AheadEntry& entry)
         if (!entry.body)
             return true;
         FileBody& file = entry.body->file();
-        // When its turn has come, the caller finds out.
+        // If a call is waiting, `FileBody::finish` makes these checks and reports the failure.
         const bool isWhole =
             answer.error == CURLE_OK && file.isTaken() && (mTurn == &entry || file.isSound());
         if (isWhole)
@@ -148,7 +148,7 @@ bool AheadList::isOfUse(AheadEntry& entry)
     }
 }
 
-/// Takes the transfer away, whatever became of it. The body that has arrived stays.
+/// Removes the transfer. A body that has arrived stays.
 void AheadList::end(AheadEntry& entry)
 {
     entry.transfer.reset();

@@ -12,35 +12,36 @@
 #include "OrvLibrary/host/impl/http/AheadWork_p.h"
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 
-/// A list of requests, header requests or downloads, that are sent ahead of the calls that want their
-/// answers, in the order of those calls. They move on whenever their thread waits for any transfer.
-/// `AheadPolicy` says how many are under way at once.
+/// A list of announced requests (header requests or downloads). They are sent before the calls that need
+/// their answers, in the order in which those calls will come. Whenever the thread waits for any transfer,
+/// the list moves on. `AheadPolicy` says how many requests run at once.
 ///
-/// Asking ahead must not be told from asking in turn, except by time. So redirects are not followed here,
-/// nothing is noted of addresses that do not answer, and a request that fails here is simply made again by
-/// its call. After the first refusal, missing answer or stall no further request is sent ahead.
+/// The results must be the same as without the list; only the time may differ. Therefore the list follows no
+/// redirects, does not record addresses that fail to answer, and leaves each failed request to its call,
+/// which makes the request again. After the first refusal, missing answer or stall, the list sends nothing
+/// more.
 class AheadList : public AheadWork
 {
 public:
     using TimePoint = HttpLimits::Clock::time_point;
 
-    /// @param connectionLimit how many connections may be open at once, one for what is asked in turn among
-    /// them
+    /// @param connectionLimit how many connections may be open at once. One of them is kept for the request
+    /// that a call waits for.
     AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory> memory, const HttpLimits& limits,
               std::vector<AheadRequest> requests, int connectionLimit);
-    /// Ends what is under way and removes the files that were not taken.
+    /// Ends the transfers that are still running and removes the files that no call has asked for.
     ~AheadList() override;
 
     /// Sends the first requests.
     void begin();
-    /// Hands out the answer to a header request, once, and waits for it if it is under way.
-    /// @return false when the request is to be made in its turn
+    /// Hands out the answer to a header request, once. Waits for the answer if the request is under way.
+    /// @return false if the caller must make the request itself
     bool takeAnswer(const HttpRequest& request, HttpAnswer& answer);
-    /// Hands out the answer and the body of the download for a target, once. Waits for its end if it is under
-    /// way, and tells `progress` meanwhile. What stands ahead for the target is discarded when the request is
-    /// another one.
-    /// @return null when the download is to be made in its turn
-    /// @throws what `progress` throws
+    /// Hands out the answer and the body of a download, once. Waits for the end if the download is under way,
+    /// and calls `progress` meanwhile. If another request was announced for the same target, its body is
+    /// thrown away.
+    /// @return null if the caller must make the request itself
+    /// @throws whatever `progress` throws
     std::unique_ptr<BodyAhead> takeDownload(const HttpRequest& request, const fileString& target,
                                             Curl::ProgressFunction progress, void* context,
                                             HttpAnswer& answer);
@@ -52,19 +53,20 @@ public:
 
 private:
     using State = AheadEntry::State;
-    /// How far the list is.
+    /// How far the list has got.
     struct Course
     {
-        /// No entry before this one is waiting.
+        /// All entries before this index have been started or dropped.
         std::size_t next = 0;
-        /// HTTP/2 connections that stand. The first one stands already.
+        /// The number of HTTP/2 connections that are ready. It starts at 1: an earlier request has told us
+        /// that the address speaks HTTP/2, and its connection is still open.
         std::size_t open = 1;
         TimePoint lastEnd{};
         int failuresInRow = 0;
         bool isStopped = false;
     };
 
-    // The turn of a call: AheadList.cpp.
+    // These answer the calls: AheadList.cpp.
     AheadEntry* claim(const std::string& key);
     void waitForEnd(AheadEntry& entry);
     bool isStalled(const AheadEntry& entry, TimePoint turn) const;
@@ -72,7 +74,7 @@ private:
     void giveUpUntaken();
     void discard(AheadEntry& entry);
 
-    // What happens ahead of it: AheadListAdvance.cpp.
+    // These send requests ahead: AheadListAdvance.cpp.
     void startWaiting(TimePoint now);
     bool mayStart(AheadEntry& entry) const;
     AheadPolicy::Situation situationOf(const AheadEntry& entry) const;
@@ -88,10 +90,11 @@ private:
     const HttpLimits mLimits;
     const std::size_t mConnectionLimit;
     std::vector<AheadEntry> mEntries;
-    /// Entries whose turn has not come, by what identifies a request.
+    /// Maps the key of a request to its index in `mEntries`. An entry leaves the map when its call comes. The
+    /// key is the address with its header lines, or the target of a download.
     std::multimap<std::string, std::size_t> mByKey;
     std::vector<AheadEntry*> mRunning;
-    /// The entry whose turn it is; null between the calls.
+    /// The download that a call is waiting for; otherwise null.
     const AheadEntry* mTurn = nullptr;
     Course mCourse;
 };

@@ -1,7 +1,7 @@
 #pragma once
 
-/// Requests that are under way beside the one that somebody waits for. The transfer loop moves them on and
-/// knows nothing else of them.
+/// Requests that run beside the one that a call waits for. The transfer loop moves them on through this
+/// interface and knows nothing else about them.
 class AheadWork
 {
 public:
@@ -10,12 +10,13 @@ public:
     AheadWork(const AheadWork&) = delete;
     AheadWork& operator=(const AheadWork&) = delete;
 
-    /// Ends what is finished and starts what is due. Called at each step of the loop. Throws nothing.
+    /// Ends requests that are finished and starts new ones. Called at each step of the transfer loop. Throws
+    /// nothing.
     virtual void advance() = 0;
-    /// Starts nothing more.
+    /// From now on no request is started.
     virtual void stop() = 0;
-    /// Called before a request is sent in turn. After `stop`, the request must be alone: what is under way
-    /// ends within a second or is given up. Otherwise nothing happens.
+    /// Called before a request is sent that was not sent ahead. If `stop` was called, this request must run
+    /// alone: the others get a second to end, and the rest is given up. Without `stop` nothing happens.
     virtual void makeRoom() = 0;
     virtual bool isRunning() const = 0;
 };

@@ -56,7 +56,7 @@ bool takeByteSequence(const std::string& text, std::size_t& at, std::string& byt
     return true;
 }
 
-/// Passes over ";name=value" parameters, which no digest has a use for.
+/// Skips ";name=value" parameters. Digests do not use them.
 void skipParameters(const std::string& text, std::size_t& at)
 {
     if (at < text.size() && text[at] == ';')
@@ -84,7 +84,7 @@ bool parseDigestField(const std::string& text, std::vector<std::pair<std::string
     }
 }
 
-/// One running hash and what it should come to.
+/// One running hash and the digest that it must equal.
 class BodyDigest::Hash
 {
 public:
@@ -128,14 +128,14 @@ void BodyDigest::addField(const WebUtils::HeaderMap& headers, const char* name, 
     const auto found = headers.find(name);
     if (found == headers.end())
         return;
-    // Several lines of one field are one list.
+    // A field on several lines counts as one list.
     std::string text;
     for (const std::string& value : found->second)
         text += (text.empty() ? "" : ", ") + value;
     std::vector<std::pair<std::string, std::string>> members;
     if (!parseDigestField(text, members))
         return;
-    // Of two members with one key the last one counts.
+    // If an algorithm occurs twice, its last digest counts.
     std::map<std::string, std::string> last;
     for (const auto& [algorithm, expected] : members)
         last[algorithm] = expected;

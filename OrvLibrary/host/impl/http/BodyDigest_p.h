@@ -8,9 +8,8 @@
 
 #include "OrvLibrary/host/WebUtils.h"
 
-/// Checks a body against the `Repr-Digest` and `Content-Digest` fields that came with it, as it arrives. The
-/// algorithms are sha-256 and sha-512; others, and fields that are no dictionary of byte sequences, promise
-/// nothing and are passed over.
+/// Checks a body, as it arrives, against the digests in the `Repr-Digest` and `Content-Digest` fields of its
+/// header. It knows sha-256 and sha-512. It ignores other algorithms and fields that it cannot read.
 class BodyDigest
 {
 public:
@@ -19,14 +18,14 @@ public:
     BodyDigest(const BodyDigest&) = delete;
     BodyDigest& operator=(const BodyDigest&) = delete;
 
-    /// Whether anything was announced.
+    /// Whether there is any digest to check.
     bool isWanted() const { return !mHashes.empty(); }
     /// Takes the next bytes of the body.
     void update(const char* data, std::size_t size);
-    /// Takes bytes of the whole file that stand before the part that this answer brings. `Repr-Digest` is of
-    /// the whole file, `Content-Digest` of the part.
+    /// Takes the bytes that the partial file already holds, when the answer brings only the rest.
+    /// `Repr-Digest` covers the whole file, `Content-Digest` only the rest.
     void updateEarlier(const char* data, std::size_t size);
-    /// Whether every digest that was announced is the body's. No bytes can be taken after that.
+    /// Whether the body matches every digest. No more bytes may follow.
     bool matches();
 
 private:
@@ -37,6 +36,6 @@ private:
     std::optional<bool> mMatches;
 };
 
-/// The members of a digest field, algorithm and raw bytes, in the order in which they stand. False when the
-/// text is no dictionary of byte sequences.
+/// Reads a digest field such as "sha-256=:BASE64:". Each member is the algorithm and the raw bytes, in the
+/// order of the text. False if the text is not a dictionary of byte sequences.
 bool parseDigestField(const std::string& text, std::vector<std::pair<std::string, std::string>>& members);

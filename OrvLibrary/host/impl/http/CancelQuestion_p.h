@@ -2,14 +2,14 @@
 
 #include "OrvLibrary/host/Curl.h"
 
-/// The question, of the calling thread, whether its request is to end. Every loop that waits for the network
-/// asks it.
+/// The function that tells whether the calling thread's request has been cancelled. Each thread has its own.
+/// Every loop that waits for the network calls it.
 namespace CancelQuestion {
 
-/// @return the former question, null when there was none
+/// @return the former function; null if there was none
 Curl::CancelQuestion set(Curl::CancelQuestion question);
-/// False when there is no question.
-/// @throws what the question throws
+/// False if the thread has no such function.
+/// @throws whatever the function throws
 bool isCancelled();
 
 } // namespace CancelQuestion

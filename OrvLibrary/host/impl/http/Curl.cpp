@@ -7,7 +7,7 @@
 
 CurlService& defaultCurlService()
 {
-    // Never destroyed: a worker thread may still be on its way when the process ends.
+    // Never destroyed: a worker thread may still use it when the process ends.
     static CurlService* const service = new CurlService;
     return *service;
 }

@@ -1,7 +1,8 @@
-// How it works: each operation makes a request with the settings of the host and lets an `HttpChain` run it
-// on the connections of its thread. The answer is noted as the thread's last one. An exception, such as for
-// lack of memory, ends here and is a failure. Announced requests go to a list of the thread (`AheadList`),
-// where the chain looks for the answer first. Downloads are in CurlServiceDownloads.cpp.
+// How it works: each operation builds a request with the host's settings. An `HttpChain` sends it on the
+// connections of the calling thread and follows redirects. The answer is remembered as the thread's last
+// answer. Announced requests are in a list of the thread (`AheadList`), and the chain asks this list for an
+// answer before it sends a header request. No exception leaves an operation: it becomes a failure with a
+// reason. CurlServiceDownloads.cpp holds the downloads.
 #include "OrvLibrary/host/impl/http/CurlService_p.h"
 
 #include <algorithm>
@@ -15,7 +16,7 @@ namespace {
 
 constexpr std::int64_t kFirstErrorStatus = 400;
 
-/// Runs a request. An exception is the reason for which there is no answer.
+/// Runs a request. An exception becomes the reason why there is no answer.
 template <class Request>
 auto withoutExceptions(const Request& request) -> decltype(request())
 {
@@ -131,7 +132,7 @@ std::string CurlService::urlAfterRedirects(const std::string& url)
         const HttpAnswer answer = ask(walk, body, true, mLimits.totalTimeout);
         if (answer.status == 0)
             return std::string();
-        LastAnswer::noteReason({}); // what became of the body does not matter
+        LastAnswer::noteReason({}); // the header is enough; a body that failed is no failure here
         return HttpAddress::withoutFragment(LastAnswer::get().url);
     });
 }
@@ -152,17 +153,17 @@ void CurlService::prefetchHeaders(const std::vector<HeaderRequest>& requests)
             list.back().request.headerOnly = true;
         }
     } catch (const std::exception&) {
-        list.clear(); // each is asked for when its turn comes
+        list.clear(); // each request is then made by its own call
     }
     announce(&CurlThread::headers, std::move(list));
 }
 
-/// Puts a list in the place of the former one and sends the first requests.
+/// Replaces the thread's list of announced requests and sends the first ones.
 void CurlService::announce(std::unique_ptr<AheadList> CurlThread::*place, std::vector<AheadRequest> requests)
 {
     try {
         CurlThread& thread = CurlThread::get();
-        // From within a progress function: the connections that would be needed are at work.
+        // A progress function made this call, so the thread's connections are in use.
         if (thread.connections.busy())
             return;
         (thread.*place).reset();
@@ -172,6 +173,6 @@ void CurlService::announce(std::unique_ptr<AheadList> CurlThread::*place, std::v
                                                     connectionLimit());
         (thread.*place)->begin();
     } catch (const std::exception&) {
-        // Then each is asked for when its turn comes.
+        // Each request is then made by its own call.
     }
 }

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Without memory for the text it stays empty.
+/// The reason stays empty if there is no memory for its text.
 FileBody::Failure failureOf(const char* text, int error) noexcept
 {
     FileBody::Failure failure;
@@ -23,7 +23,7 @@ FileBody::Failure failureOf(const char* text, int error) noexcept
     return failure;
 }
 
-/// Downloads with `download` and turns what it throws into a failure.
+/// Runs `download`. An exception becomes a failure with a reason and a number.
 template <class Download>
 bool withoutExceptions(std::string& reason, int& errorNumber, const Download& download)
 {
@@ -35,7 +35,7 @@ bool withoutExceptions(std::string& reason, int& errorNumber, const Download& do
     } catch (const std::bad_alloc& error) {
         failure = failureOf(error.what(), CURLE_OUT_OF_MEMORY);
     } catch (const std::exception& error) {
-        // The progress function did not say that the transfer should go on.
+        // An exception of the progress function counts as a cancel.
         failure = failureOf(error.what(), Curl::kAbortedByCallback);
     } catch (...) {
         failure = failureOf("Callback aborted", Curl::kAbortedByCallback);
@@ -46,7 +46,7 @@ bool withoutExceptions(std::string& reason, int& errorNumber, const Download& do
     return false;
 }
 
-/// Why a download failed.
+/// Finds the reason for a download's failure.
 FileBody::Failure failureOf(const HttpAnswer& answer, const FileBody& body)
 {
     if (body.isAborted())
@@ -58,26 +58,26 @@ FileBody::Failure failureOf(const HttpAnswer& answer, const FileBody& body)
     return {answer.errorText, answer.error};
 }
 
-/// Gives the file its name when all went well; otherwise tells why not.
+/// Gives the file its name if all went well. Otherwise sets `failure`.
 bool conclude(HttpConnections& connections, const HttpAnswer& answer, FileBody& body,
               FileBody::Failure& failure)
 {
-    const HttpConnections::Work work(connections); // the progress function may be called once more
+    const HttpConnections::Work work(connections); // because `finish` may call the progress function
     if (answer.error == CURLE_OK && body.isTaken() && body.finish())
         return true;
     failure = failureOf(answer, body);
     return false;
 }
 
-/// Whether a part of the file is there that a download can go on from.
+/// Whether a partial file is there that the download can continue.
 bool hasBytes(const Curl::ResumableDownload& download)
 {
     return !download.partial.empty() && !download.validator.empty() &&
            FileUtils::fileSize(download.partial) > 0;
 }
 
-/// The request for what the partial file of `body` lacks, as far as the validator tells that its bytes can be
-/// used.
+/// Adds the header lines that ask only for the bytes missing from the partial file. The request stays as it
+/// is if the partial file cannot be used.
 HttpRequest requestForRest(HttpRequest request, FileBody& body, const std::string& validator)
 {
     const std::int64_t size = body.resume(validator);
@@ -101,7 +101,7 @@ try {
 } catch (const std::bad_alloc&) {
     return {};
 } catch (const std::exception& error) {
-    // The host does not know where its temporary folder is.
+    // The host could not name its temporary folder.
     LastAnswer::clear();
     LastAnswer::noteReason(error.what());
     return {};
@@ -137,7 +137,7 @@ bool CurlService::downloadResumable(const ResumableDownload& request, void* cont
     });
 }
 
-/// @throws what the progress function throws
+/// @throws whatever the progress function throws
 bool CurlService::downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
                                   FileBody::Failure& failure)
 {
@@ -187,7 +187,7 @@ void CurlService::prefetchDownloads(const std::vector<DownloadRequest>& requests
     announce(&CurlThread::downloads, std::move(list));
 }
 
-/// Whether fetching a body before its turn is likely to gain anything.
+/// Whether fetching the body ahead would save noticeable time.
 bool CurlService::isFar(const std::string& url)
 {
     const std::string address = HttpAddress::hostAndPort(url);

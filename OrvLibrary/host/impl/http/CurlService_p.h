@@ -9,8 +9,8 @@
 
 struct CurlThread;
 
-/// The default download service, on libcurl. May be used from any thread. Threads share the memory of
-/// addresses and the settings.
+/// The default download service, made with libcurl. May be used from any thread. All threads share the
+/// settings and the memory of addresses; each has its own connections.
 class CurlService : public Curl
 {
 public:
@@ -35,14 +35,14 @@ public:
 
     void setProxy(const std::string& proxy);
     void setCertificates(const std::string& fileOrFolder);
-    /// Clamped to what is possible: from 1 to 96.
+    /// Values outside of 1 to 96 are moved to the nearest bound.
     void setConnectionLimit(int connections);
-    /// Opens every address that was closed for lack of answers.
+    /// Opens every address that was closed because it did not answer.
     void forgetUnanswered() { mMemory->openAll(); }
 
 private:
     static constexpr int kMostConnections = 96;
-    /// Unless the host says otherwise.
+    /// The connection limit if the host sets none.
     static constexpr int kConnections = 16;
 
     HttpRequest request(const std::string& url, const std::vector<std::string>& headerLines);
@@ -54,7 +54,7 @@ private:
     void announce(std::unique_ptr<AheadList> CurlThread::*place, std::vector<AheadRequest> requests);
 
     const HttpLimits mLimits;
-    /// Shared with what was announced, which may outlive the service.
+    /// Shared with the lists of announced requests, which may live longer than the service.
     const std::shared_ptr<AddressMemory> mMemory;
     std::mutex mSettingsMutex;
     std::string mProxy;
@@ -62,5 +62,5 @@ private:
     int mConnectionLimit = kConnections;
 };
 
-/// The service that `Curl::get` returns when the host has installed none.
+/// The service that `Curl::get` returns if the host has installed none.
 CurlService& defaultCurlService();

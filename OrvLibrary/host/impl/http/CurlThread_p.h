@@ -8,20 +8,20 @@
 #include "OrvLibrary/host/impl/http/AheadList_p.h"
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 
-/// What the download service keeps for each thread between its requests.
+/// The part of the download service that each thread has for itself.
 struct CurlThread
 {
-    /// That of the calling thread.
+    /// The object of the calling thread.
     static CurlThread& get();
 
     HttpConnections connections;
-    /// Announced requests; null when there are none.
+    /// Lists of announced requests; null if there are none.
     std::unique_ptr<AheadList> headers;
     std::unique_ptr<AheadList> downloads;
 };
 
-/// The connections for one request: the thread's, or fresh ones when the request comes from the progress
-/// function of another one.
+/// The connections for one request. Usually these are the thread's. If a progress function makes a request,
+/// the thread's connections are in use, and the request gets fresh ones.
 class RequestConnections
 {
 public:
@@ -44,7 +44,7 @@ namespace LastAnswer {
 
 void clear();
 void note(const HttpAnswer& answer, const std::string& url);
-/// Leaves the reason as it is when there is no memory for the text.
+/// Changes nothing if there is no memory for the text.
 void noteReason(const std::string& reason) noexcept;
 const Curl::Answer& get();
 

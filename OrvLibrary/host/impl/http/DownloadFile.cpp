@@ -13,7 +13,7 @@
 
 namespace {
 
-/// The transfer library hands out 16 KB at a time. The system takes larger pieces much sooner.
+/// The transfer library delivers at most 16 KB at a time; writing larger pieces is much faster.
 constexpr std::size_t kPiece = 256 * 1024;
 constexpr std::int64_t kWriteBackStep = 8 * 1024 * 1024;
 
@@ -35,7 +35,7 @@ DownloadFile::~DownloadFile()
     std::string reason;
     if (!mGrowing)
         return;
-    flush(reason); // the bytes are for a later attempt
+    flush(reason); // a later download can continue them
     if (mSize == 0)
         discard();
 }
@@ -94,7 +94,7 @@ void DownloadFile::discard()
 
 bool DownloadFile::open(std::string& reason)
 {
-    // Found out before the transfer, not by the rename after it.
+    // Report this before the transfer. Otherwise the rename would fail after it.
     if (isFolder(mTarget)) {
         reason = writeError(EISDIR);
         return false;
@@ -124,7 +124,7 @@ bool DownloadFile::write(const char* data, std::size_t size, std::string& reason
     return true;
 }
 
-/// Writes what was gathered. What was not written stays gathered.
+/// Writes the gathered bytes. After an error, those not yet written stay gathered.
 bool DownloadFile::flush(std::string& reason)
 {
     std::size_t done = 0;
@@ -146,7 +146,7 @@ bool DownloadFile::flush(std::string& reason)
     return mGathered.empty();
 }
 
-/// Lets the disk work while the network does, so that the sync at the end has little left to wait for.
+/// Starts writing to the disk while the network still delivers, so that the sync at the end is short.
 void DownloadFile::startWriteBack()
 {
     sync_file_range(descriptor(), mWrittenBack, mWritten - mWrittenBack, SYNC_FILE_RANGE_WRITE);
@@ -157,7 +157,7 @@ void DownloadFile::restAtEnd()
 {
     std::string reason;
     if (!isOpen() || !flush(reason))
-        return; // `commit` tries once more, and tells
+        return; // `commit` writes again, and reports the error
     mGathered.shrink_to_fit();
     startWriteBack();
 }
@@ -172,14 +172,14 @@ bool DownloadFile::commit(std::string& reason)
     return false;
 }
 
-/// Gives the partial file the target's name; on failure the reason is in `errno`.
+/// Renames the partial file to the target. After a failure `errno` holds the reason.
 bool DownloadFile::nameTarget()
 {
     if (fsync(mGrowing.get()) != 0)
         return false;
     if (rename(mPartial.toNativeString().c_str(), mTarget.toNativeString().c_str()) != 0) {
         const int number = errno;
-        // The partial file may lie on another disk.
+        // `rename` cannot move a file to another disk.
         if (number != EXDEV || !FileUtils::moveFile(mPartial, mTarget, false)) {
             errno = number;
             return false;

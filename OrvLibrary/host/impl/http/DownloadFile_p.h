@@ -10,15 +10,18 @@
 #include "OrvLibrary/host/impl/files/FileHandle_p.h"
 #include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
 
-/// A file that takes its target's name when it is whole. Until then, and for ever after a failure, the target
-/// is as it was. The file is written privately in the target's folder, and removed after a failure; or, when
-/// there is a path for a partial file, it grows there, and stays there after a failure.
+/// A file that gets its target's name only when it is complete. Until then the target is unchanged, and it
+/// stays unchanged if the download fails. There are two ways to write:
+/// - Without a partial path, the bytes go to a private file in the target's folder. It is removed after a
+///   failure.
+/// - With a partial path, the bytes go to that file. It stays after a failure, so that a later download can
+///   continue it.
 ///
-/// Failures give a reason of the form "write error: No space left on device".
+/// Failures give a reason such as "write error: No space left on device".
 class DownloadFile
 {
 public:
-    /// @param partial where the file grows; empty for a private file beside the target
+    /// @param partial path of the partial file; empty for a private file beside the target
     explicit DownloadFile(const fileString& target, const fileString& partial = {})
         : mTarget(target), mPartial(partial)
     {
@@ -27,33 +30,33 @@ public:
     DownloadFile(const DownloadFile&) = delete;
     DownloadFile& operator=(const DownloadFile&) = delete;
 
-    /// Locks the partial file, and goes on at its end: `size` tells how much there is. Without a partial file
-    /// there is nothing.
+    /// Opens and locks the partial file, and continues at its end; `size` then tells how many bytes it has.
+    /// Does nothing without a partial path or if the file does not exist.
     bool resume(std::string& reason);
-    /// Opens the file, empty.
+    /// Opens the file and empties it.
     bool open(std::string& reason);
     bool isOpen() const { return descriptor() >= 0; }
-    /// Hands out what the file holds, in pieces, until `take` returns false.
+    /// Passes the file's bytes to `take`, piece by piece, until `take` returns false.
     bool read(const std::function<bool(const char*, std::size_t)>& take, std::string& reason);
-    /// Takes bytes and writes them in larger pieces. So a failure may concern bytes that were taken before.
+    /// Takes bytes, and writes them in larger pieces. So an error may come from bytes of an earlier call.
     bool write(const char* data, std::size_t size, std::string& reason);
-    /// Releases memory and lets the disk begin to write. For a file that gets no more bytes for a while.
+    /// Frees memory and lets the disk begin to write. For a file that waits for its call.
     void restAtEnd();
-    /// Syncs the file and gives it the target's name. A loss of power soon after may bring back the old
-    /// target, never a part of the file.
+    /// Syncs the file and gives it the target's name. After a power failure the old target may be back, but
+    /// never a part of the new file.
     bool commit(std::string& reason);
 
-    /// Removes the partial file because its bytes are wrong.
+    /// Removes the partial file, because its bytes are wrong.
     void discard();
 
-    /// Of the file's disk, in bytes; -1 when that cannot be told.
+    /// Space on the file's disk, in bytes; -1 if unknown.
     struct Room
     {
         std::int64_t free = -1;
         std::int64_t whole = -1;
     };
     Room room() const;
-    /// Bytes taken.
+    /// Bytes taken so far, with those the partial file had.
     std::int64_t size() const { return mSize; }
 
 private:
@@ -65,13 +68,14 @@ private:
 
     const fileString mTarget;
     const fileString mPartial;
-    /// The private file; null before it is opened. Abandoned, and so removed, when it was not committed.
+    /// The private file; null if it is not open. Its destructor removes the file unless `commit` has renamed
+    /// it.
     std::unique_ptr<host::ReplacementFile> mFile;
     /// The partial file.
     host::FileHandle mGrowing;
     std::int64_t mSize = 0;
     std::string mGathered;
     std::int64_t mWritten = 0;
-    /// How much the system was already asked to write back.
+    /// The system was already asked to write the bytes before this one to the disk.
     std::int64_t mWrittenBack = 0;
 };

@@ -27,15 +27,14 @@ bool isSchemeCharacter(char c)
     return std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '+' || c == '-' || c == '.';
 }
 
-/// An address cut into its parts; each keeps the characters that introduce it, so that joining them gives the
-/// address again.
+/// An address in parts. Each part keeps its separators, so that the parts, joined, give the address again.
 struct Parts
 {
     std::string scheme;    // "http:"
     std::string authority; // "//host:port"
     std::string path;
-    std::string query;    // "?" and what follows, perhaps nothing
-    std::string fragment; // "#" and what follows
+    std::string query;    // "?" and the query, which may be empty
+    std::string fragment; // "#" and the fragment
 };
 
 std::string takeUntil(std::string& rest, const char* ends, std::size_t from = 0)
@@ -62,7 +61,7 @@ Parts split(std::string rest)
     return parts;
 }
 
-/// Takes "." and ".." segments out of a path.
+/// Removes "." and ".." segments from a path.
 std::string withoutDotSegments(const std::string& path)
 {
     std::string result;
@@ -85,14 +84,14 @@ std::string withoutDotSegments(const std::string& path)
     return result;
 }
 
-/// The path of a relative reference, put in the place of what follows the base path's last "/".
+/// A relative path replaces everything after the last "/" of the base path.
 std::string mergedPath(const Parts& base, const std::string& path)
 {
     const std::size_t slash = base.path.rfind('/');
     return withoutDotSegments((slash == std::string::npos ? "/" : base.path.substr(0, slash + 1)) + path);
 }
 
-/// A "//host:port" without user names.
+/// "host:port" without "//" and user name.
 std::string hostText(const std::string& authority)
 {
     const std::size_t at = authority.rfind('@');
@@ -121,7 +120,7 @@ std::string hostAndPort(const std::string& url)
     if (name != "http" && name != "https")
         return {};
     const std::string text = lowered(hostText(split(url).authority));
-    // A colon inside the brackets of an IPv6 host starts no port.
+    // The colons inside the brackets of an IPv6 host are not the port's.
     const std::size_t bracket = text.rfind(']');
     const std::size_t colon = text.find(':', bracket == std::string::npos ? 0 : bracket);
     const std::string host = text.substr(0, colon);

@@ -2,32 +2,32 @@
 
 #include <string>
 
-/// Web addresses as texts. The transfer library's own address parser is not used: it drops a lone trailing
-/// "?", and catalog addresses are built by appending "&library=..." to such a query.
+/// Functions on web addresses. The transfer library's own parser is not used because it drops a "?" at the
+/// end of an address. Catalog addresses need it: "&library=..." is appended to such an empty query.
 namespace HttpAddress {
 
-/// Whether the text is an http or https address with a host, whatever the letter case of the scheme.
+/// Whether the text is an http or https address with a host. The scheme may be in capitals.
 bool isWebAddress(const std::string& url);
-/// The scheme in lower case without its colon; empty when the text has none.
+/// The scheme in lower case, without its colon. Empty if there is none.
 std::string scheme(const std::string& url);
-/// "host:port" in lower case, with the scheme's default port where none is given; empty for anything but a
-/// web address. User names and passwords are not part of it.
+/// "host:port" in lower case, without user name and password. If no port is given, it is the scheme's default
+/// port. Empty if the text is not a web address.
 std::string hostAndPort(const std::string& url);
 
-/// The text as HTTP can carry it: bytes up to 0x20, 0x7F and bytes from 0x80 up are percent-encoded, and so
-/// is a "%" that two hexadecimal digits do not follow. Nothing else is touched.
+/// The address in a form that HTTP can carry. Blanks, control characters and all bytes from 0x7F up are
+/// percent-encoded, and so is a "%" that is not followed by two hexadecimal digits. Nothing else changes.
 std::string wireText(const std::string& url);
-/// A header line without the bytes 0x00-0x1F and 0x7F.
+/// The header line without control characters (0x00-0x1F and 0x7F).
 std::string wireHeaderLine(const std::string& line);
 
-/// The address that `reference`, the text of a `Location`, means when it comes from `base`. Its query stays
-/// as it was sent, even an empty query.
+/// The address that a `Location` header means when an answer from `base` carries it. The query stays as it
+/// was sent, even if it is empty.
 std::string resolve(const std::string& base, const std::string& reference);
 
-/// The text up to its fragment ("#" and what follows).
+/// The address without its fragment ("#" and the rest).
 std::string withoutFragment(const std::string& url);
 
-/// Whether a redirect may be followed: to the web only, and never from a protected to an open connection.
+/// Whether a redirect may be followed: only to a web address, and never from https to http.
 bool mayLead(const std::string& from, const std::string& to);
 
 } // namespace HttpAddress

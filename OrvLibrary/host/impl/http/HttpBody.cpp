@@ -1,7 +1,7 @@
-// How it works: `HttpBody` counts and drops what comes, `PageBody` keeps it in memory, `FileBody` writes a
-// file. `begin` reads the header (length, range, encoding, digests) and measures the disk. `take` checks the
-// room, writes, hashes, and tells the progress function. `finish` compares length and digests and gives the
-// file its name. Each refusal is kept as a failure with its reason and number.
+// How it works: `HttpBody` counts bytes and drops them, `PageBody` keeps them in memory, `FileBody` writes
+// them to a file. In `FileBody`, `begin` reads the header (length, range, encoding, digests) and measures the
+// free space. `take` checks the size, writes and hashes the bytes, and calls the progress function. `finish`
+// compares the length and the digests, then renames the file. Each refusal is kept in `failure`.
 #include "OrvLibrary/host/impl/http/HttpBody_p.h"
 
 #include <algorithm>
@@ -19,14 +19,14 @@ constexpr std::int64_t kPartialContent = 206;
 constexpr std::int64_t kRangeNotSatisfiable = 416;
 constexpr std::int64_t kFirstErrorStatus = 400;
 
-/// The last value of a header; null when there is none.
+/// The last value of a header; null if the header is missing.
 const std::string* lastValue(const WebUtils::HeaderMap& headers, const char* name)
 {
     const auto found = headers.find(name);
     return found == headers.end() ? nullptr : &found->second.back();
 }
 
-/// Takes a number off the front of a text.
+/// Reads a number and moves `at` past it.
 bool takeNumber(const char*& at, const char* end, std::int64_t& number)
 {
     const auto result = std::from_chars(at, end, number);
@@ -34,7 +34,7 @@ bool takeNumber(const char*& at, const char* end, std::int64_t& number)
     return result.ec == std::errc() && number >= 0;
 }
 
-/// The announced length of a body; -1 when there is none that can be read.
+/// The announced length of the body; -1 if it is missing or unreadable.
 std::int64_t contentLength(const WebUtils::HeaderMap& headers)
 {
     const std::string* const text = lastValue(headers, "Content-Length");
@@ -46,7 +46,7 @@ std::int64_t contentLength(const WebUtils::HeaderMap& headers)
     return takeNumber(at, end, length) && at == end ? length : -1;
 }
 
-/// The length of the whole file when the answer brings everything from byte `from` on; -1 otherwise.
+/// The length of the whole file if the answer brings all bytes from `from` on; otherwise -1.
 std::int64_t lengthOfRest(const WebUtils::HeaderMap& headers, std::int64_t from)
 {
     const std::string* const text = lastValue(headers, "Content-Range");
@@ -63,7 +63,7 @@ std::int64_t lengthOfRest(const WebUtils::HeaderMap& headers, std::int64_t from)
     return isWell && first == from && last + 1 == length ? length : -1;
 }
 
-/// Whether nothing in the answer says that it is of another version than the validator's.
+/// Whether the answer can be of the validator's version. If the answer names no version, it can.
 bool isOfVersion(const WebUtils::HeaderMap& headers, const std::string& validator)
 {
     const bool isTag = validator.front() == '"';
@@ -71,7 +71,8 @@ bool isOfVersion(const WebUtils::HeaderMap& headers, const std::string& validato
     return !own || *own == validator;
 }
 
-/// Why a body cannot be stored: what would be stored is not what the tag belongs to. Empty when it can be.
+/// Why a body cannot be stored; empty if it can. An encoded body (gzip, for example) would be stored as a
+/// different file than its tag describes.
 std::string encodingProblem(const WebUtils::HeaderMap& headers)
 {
     const auto found = headers.find("Content-Encoding");
@@ -87,7 +88,7 @@ std::string encodingProblem(const WebUtils::HeaderMap& headers)
     return {};
 }
 
-/// A size for a sentence, rounded up to a unit of 1000.
+/// A size for a message, such as "12 MB". Rounds up; units are powers of 1000.
 std::string sizeText(std::int64_t bytes)
 {
     const char* const units[] = {" bytes", " KB", " MB", " GB", " TB"};
@@ -153,7 +154,7 @@ std::int64_t FileBody::resume(const std::string& validator)
 {
     std::string reason;
     const bool isReady = mFile.resume(reason) || failOnDisk(reason);
-    // A weak tag does not say that the bytes are the same.
+    // With a weak tag the bytes may differ, so they cannot be continued.
     if (validator.empty() || validator.compare(0, 2, "W/") == 0 || !isReady || mFile.size() == 0)
         return 0;
     mValidator = validator;
@@ -202,7 +203,7 @@ bool FileBody::begin(std::int64_t status, const std::string& headerText)
     return checkRoom(mLength);
 }
 
-/// The answer brings the whole file, which takes the place of what was there.
+/// The answer brings the whole file. It replaces the bytes that were there.
 bool FileBody::beginWhole(const WebUtils::HeaderMap& headers)
 {
     mLength = contentLength(headers);
@@ -210,7 +211,7 @@ bool FileBody::beginWhole(const WebUtils::HeaderMap& headers)
     return mFile.open(reason) || failOnDisk(reason);
 }
 
-/// The answer brings the bytes that follow those of the partial file.
+/// The answer brings the bytes that follow the partial file.
 bool FileBody::beginRest(const WebUtils::HeaderMap& headers)
 {
     mLength = lengthOfRest(headers, mFile.size());
@@ -274,7 +275,7 @@ HttpBody::Verdict FileBody::watch(TimePoint now)
 {
     if (!mPacer.tick(now))
         return Verdict::Aborted;
-    // A progress function decides itself when a transfer has lasted too long.
+    // A progress function may end a slow transfer itself, so no speed limit applies.
     return !mPacer.wanted() && mSpeed.tooSlow(now) ? Verdict::TooSlow : Verdict::GoOn;
 }
 

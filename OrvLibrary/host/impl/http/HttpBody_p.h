@@ -12,8 +12,8 @@
 #include "OrvLibrary/host/impl/http/ProgressPacer_p.h"
 #include "OrvLibrary/host/impl/http/SpeedGuard_p.h"
 
-/// Takes the body of an answer, and watches over the transfer while it runs. One object serves all answers of
-/// a redirect chain, which call `begin` one after the other. Belongs to one thread.
+/// Receives the body of an answer and decides whether the transfer may go on. A redirect chain uses one
+/// object for all its answers and calls `begin` for each of them. Belongs to one thread.
 class HttpBody
 {
 public:
@@ -31,18 +31,19 @@ public:
     HttpBody& operator=(const HttpBody&) = delete;
 
     const HttpLimits& limits() const { return mLimits; }
-    /// Called with the number of bytes when a piece of an answer's header has come.
+    /// Called with the number of bytes for each header line that arrives.
     virtual void headerReceived(std::size_t) {}
-    /// A header block is complete and a body may follow.
-    /// @return false to end the transfer here
+    /// Called when a header block is complete and a body may follow.
+    /// @return false to end the transfer
     virtual bool begin(std::int64_t status, const std::string& headerText);
-    /// @return false to end the transfer here
+    /// @return false to end the transfer
     virtual bool take(const char* data, std::size_t size);
-    /// Called at each step of the transfer loop. Says whether the transfer may go on.
+    /// Called at each step of the transfer loop. Tells whether the transfer may go on.
     virtual Verdict watch(TimePoint now);
 
 protected:
-    /// Counts bytes that are not kept. False once more came than are worth reading to keep the connection.
+    /// Counts bytes that nobody needs. They are read only so that the connection can be used again. False
+    /// when there are so many that a new connection is cheaper.
     bool discard(std::size_t size);
 
     const HttpLimits& mLimits;
@@ -51,7 +52,7 @@ private:
     std::int64_t mDiscarded = 0;
 };
 
-/// Keeps a page in memory. A page that is too long is cut.
+/// Keeps a page in memory. If the page is too long, the rest is cut off.
 class PageBody : public HttpBody
 {
 public:
@@ -59,7 +60,7 @@ public:
 
     bool begin(std::int64_t status, const std::string& headerText) override;
     bool take(const char* data, std::size_t size) override;
-    /// Why the page was not taken; empty when it was.
+    /// Why the page was refused; empty if it was not.
     const std::string& reason() const { return mReason; }
 
 private:
@@ -68,28 +69,27 @@ private:
     std::string mReason;
 };
 
-/// Writes the body of a 200 to a file, or the rest of a body that a 206 brings; other bodies are passed over.
+/// Writes a file. An answer of 200 brings the whole file, 206 the missing rest. Other bodies are ignored.
 class FileBody : public HttpBody
 {
 public:
-    /// Why a file did not arrive. Without a reason there is no failure.
+    /// Why a file did not arrive. Without a failure the reason is empty.
     struct Failure
     {
         std::string reason;
-        int error = 0; ///< as of the transfer library
+        int error = 0; ///< a number of the transfer library
     };
 
-    /// @param partial where the file grows and stays after a failure; empty when it does not
-    /// @param progress hears of the bytes; may be null
+    /// @param partial the partial file, which stays after a failure; if empty, nothing stays
+    /// @param progress called with the bytes received; may be null
     FileBody(const HttpLimits& limits, const fileString& target, const fileString& partial = {},
              Curl::ProgressFunction progress = nullptr, void* context = nullptr);
 
-    /// Prepares for an answer that goes on where the partial file ends.
-    /// @param validator entity tag in quotes, or date, of the version that the partial file is of
-    /// @return how many bytes there are; 0 when the file must be asked for from its first byte
+    /// Prepares to continue the partial file.
+    /// @param validator identifies the version of the partial file: its entity tag in quotes, or its date
+    /// @return the bytes that are there; 0 if the whole file must be requested
     std::int64_t resume(const std::string& validator);
-    /// Whether the file must be asked for from its first byte, because the answer did not go on where the
-    /// partial file ends.
+    /// Whether the whole file must be requested, because the answer does not continue the partial file.
     bool mustStartAnew() const { return mMustStartAnew; }
 
     bool begin(std::int64_t status, const std::string& headerText) override;
@@ -97,34 +97,33 @@ public:
     Verdict watch(TimePoint now) override;
     void headerReceived(std::size_t size) override;
 
-    /// Whether length and digest are as announced. To be asked when the transfer has ended without an error.
+    /// Whether the length and all digests are right. Call it after a transfer without error.
     bool isSound();
-    /// Gives the file its name if it is sound.
+    /// Gives the file its name if `isSound`. Makes the last call of the progress function.
     bool finish();
-    /// The call for a body that is fetched ahead of it has come. `progress` hears of what is there and of
-    /// what comes. The disk is measured again, because the limits are those of ordinary downloads from now
-    /// on.
-    /// @throws what `progress` throws
+    /// The call for a body that is fetched ahead has come. `progress` is called for the bytes that are there,
+    /// then for those that follow. The free space is measured again, because the limits have changed.
+    /// @throws whatever `progress` throws
     void beginTurn(Curl::ProgressFunction progress, void* context);
-    /// Whether the progress function was told of any byte.
+    /// Whether the progress function was called with at least one byte.
     bool isTold() const { return mPacer.toldOfBytes(); }
     /// Whether the progress function has ended the transfer.
     bool isAborted() const { return mPacer.aborted(); }
-    /// Releases memory and lets the disk begin to write. For a body that has arrived before its turn.
+    /// Frees memory and lets the disk begin to write, for a complete body whose call has not come yet.
     void restAtEnd() { mFile.restAtEnd(); }
-    /// Whether the answer brought what was asked for, so far as its header says.
+    /// Whether the status means that the answer's body is the file, or its rest.
     bool isTaken() const { return mIsTaken; }
     /// Why the file was refused or could not be written.
     const Failure& failure() const { return mFailure; }
 
 private:
-    /// How large the file may become, with what is already written.
+    /// How large the whole file may become.
     struct Room
     {
         std::int64_t cap = 0;
-        bool isDisks = false; ///< whether the disk sets the bound
+        bool isDisks = false; ///< whether the free space, not `HttpLimits::fileBytes`, sets the limit
         std::int64_t free = 0;
-        std::int64_t kept = 0; ///< to be kept free
+        std::int64_t kept = 0; ///< free space that must remain
     };
 
     bool fail(const std::string& reason);
@@ -139,11 +138,11 @@ private:
     ProgressPacer mPacer;
     SpeedGuard mSpeed;
     std::unique_ptr<BodyDigest> mDigest;
-    /// Of the version that the partial file is of; empty when the file is asked for from its first byte.
+    /// Identifies the version of the partial file. Empty if the whole file is requested.
     std::string mValidator;
     bool mMustStartAnew = false;
     bool mIsTaken = false;
-    /// Of the whole file, as announced; -1 when it was not.
+    /// The announced length of the whole file; -1 if unknown.
     std::int64_t mLength = -1;
     Room mRoom;
     Failure mFailure;

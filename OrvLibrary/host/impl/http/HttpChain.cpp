@@ -9,8 +9,8 @@
 
 namespace {
 
-/// Where an answer leads; empty when it leads nowhere. A whole header block is enough: whatever became of the
-/// body, it does not matter.
+/// The address that an answer redirects to; empty if none. Only the header counts. Even if the body failed,
+/// the redirect is followed.
 std::string redirectTarget(const std::string& url, const HttpAnswer& answer)
 {
     if (answer.error == CURLE_ABORTED_BY_CALLBACK || !isRedirectStatus(answer.status))
@@ -23,7 +23,7 @@ std::string redirectTarget(const std::string& url, const HttpAnswer& answer)
     return HttpAddress::withoutFragment(HttpAddress::resolve(url, location->second.front()));
 }
 
-/// Header lines that are meant for one server only.
+/// Header lines that only the first server may see.
 bool isSecret(const std::string& line)
 {
     const WebUtils::HeaderNameCompare less;

@@ -10,11 +10,11 @@
 
 namespace {
 
-/// The longest sleep between two looks at a transfer. The library sleeps up to 200 ms in
-/// places where data is already there; and the progress function must be called in time.
+/// The longest sleep between two steps. It is short because the transfer library at times sleeps up to 200 ms
+/// although data has arrived, and because the progress function must be called in time.
 constexpr std::chrono::milliseconds kLongestSleep{10};
 constexpr std::size_t kIdleHandles = 100;
-/// Idle connections that are kept.
+/// The number of idle connections to keep.
 constexpr long kKeptConnections = 100;
 
 void initialiseLibrary()
@@ -46,7 +46,7 @@ BrokenPipeBlock::~BrokenPipeBlock()
 HttpConnections::HttpConnections()
 {
     initialiseLibrary();
-    mIdle.reserve(kIdleHandles); // so that giving back a handle needs no memory
+    mIdle.reserve(kIdleHandles); // so that `takeBack` needs no memory
     mMulti = curl_multi_init();
     if (!mMulti)
         throw std::bad_alloc();

@@ -8,8 +8,8 @@
 #include "OrvLibrary/host/impl/http/AheadWork_p.h"
 #include "OrvLibrary/host/impl/http/HttpTransfer_p.h"
 
-/// The connections of one thread, which stay open between requests, and the handles of the transfer library,
-/// which are used again. Each thread has its own.
+/// The connections of one thread and its handles of the transfer library. Both are kept between requests,
+/// because making new ones takes time.
 class HttpConnections
 {
 public:
@@ -20,10 +20,10 @@ public:
     HttpConnections(const HttpConnections&) = delete;
     HttpConnections& operator=(const HttpConnections&) = delete;
 
-    /// Whether a transfer is running. A request that is made meanwhile comes from that transfer's progress
-    /// function, and needs another object.
+    /// Whether a transfer is running. A request made at such a time comes from that transfer's progress
+    /// function and needs another object.
     bool busy() const { return mBusy; }
-    /// Makes the connections busy for the life of a block.
+    /// Marks the connections as busy for the duration of a block.
     class Work
     {
     public:
@@ -36,27 +36,26 @@ public:
         bool& mBusy;
     };
 
-    /// Sends a request and waits for the end of its answer.
-    /// @throws what the body throws
+    /// Sends a request and waits until the answer is complete.
+    /// @throws whatever the body throws
     HttpAnswer perform(const HttpRequest& request, HttpBody& body, TimePoint deadline);
 
-    /// Work that moves on beside the transfers that somebody waits for. Not owned.
+    /// Adds work that moves on while `perform` waits. The caller keeps ownership.
     void addAhead(AheadWork& work) { mAhead.push_back(&work); }
     void removeAhead(AheadWork& work);
-    /// Ends what is asked for ahead, and asks for nothing more ahead: the server serves only so many at a
-    /// time.
+    /// Stops sending ahead, because the server allows only a few requests at a time.
     void stopAhead();
 
-    /// Lends a fresh or reset handle.
+    /// Lends a handle that has no options set.
     CURL* lend();
-    /// Ends the transfer of a handle, if there is one, and resets the handle.
+    /// Ends the handle's transfer, if any, and clears its options.
     void takeBack(CURL* handle) noexcept;
 
-    /// The parts of `perform`, for work that runs several transfers.
+    /// The three parts of `perform`, for work that runs several transfers.
     void start(HttpTransfer& transfer);
-    /// Moves every transfer on. False when the transfer library cannot, for lack of memory.
+    /// Moves all transfers on. False if the transfer library has no memory left.
     bool step();
-    /// Sleeps until there may be more to do.
+    /// Sleeps until there may be something to do, at most for some milliseconds.
     void wait();
 
 private:
@@ -69,8 +68,8 @@ private:
     std::vector<AheadWork*> mAhead;
 };
 
-/// Blocks SIGPIPE for the life of a block: otherwise a write on a closed TLS connection would end the
-/// process. The host's signal handlers stay as they are. Needed around all calls that let connections move.
+/// Blocks SIGPIPE for the duration of a block. Without it, a write to a closed TLS connection would end the
+/// process. The host's signal handlers stay as they are. All code that moves transfers on needs it.
 class BrokenPipeBlock
 {
 public:

@@ -18,7 +18,7 @@ std::string withoutLineEnd(std::string line)
     return line;
 }
 
-/// Joins a folded line to the one before it, with one blank in place of the fold.
+/// Joins a folded line to the line before it, with one blank between them.
 void unfold(std::string& text, const std::string& line)
 {
     std::size_t start = 0;
@@ -52,7 +52,7 @@ void HttpHeaderBlock::addLine(const std::string& line)
 
 std::int64_t HttpHeaderBlock::status() const
 {
-    // The transfer library has checked the line: "HTTP/1.1 200 OK".
+    // The transfer library has checked that the line looks like "HTTP/1.1 200 OK".
     const std::size_t blank = mText.find(' ');
     if (!mComplete || blank == std::string::npos)
         return 0;

@@ -4,21 +4,20 @@
 #include <cstdint>
 #include <string>
 
-/// Collects the header block of one request's final answer, line by line. A status line after a finished
-/// block starts a new block, so that only the last one is kept: an answer of 200 after one of 100, for
-/// example. Other lines after a finished block are trailers of the body, and ignored.
+/// Collects the header lines of the final answer. A status line after a complete block starts a new one, so
+/// only the last block is kept: for example that of 200, which follows 100. Other lines after a complete
+/// block are trailers of the body, and are ignored.
 class HttpHeaderBlock
 {
 public:
-    /// Takes one line with its line end.
+    /// Takes one line, with its line end.
     void addLine(const std::string& line);
 
-    /// The lines, folded ones unfolded, each ended by CR LF, with the blank line.
+    /// All lines, each ended by CR LF, with the blank line at the end. Folded lines are joined.
     const std::string& text() const { return mText; }
-    /// The status of the final answer; 0 while its block is not complete. A block without a blank line was
-    /// cut.
+    /// The status of the final answer; 0 until its block is complete.
     std::int64_t status() const;
-    /// Of all lines that have come, those that are not kept among them.
+    /// The size of all lines received, including those of earlier blocks.
     std::size_t bytes() const { return mBytes; }
 
 private:

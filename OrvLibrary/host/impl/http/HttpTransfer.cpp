@@ -1,8 +1,9 @@
-// How it works: the constructor takes a handle of the transfer library and sets it up. The transfer library
-// calls `onHeader` for each line and `onBody` for each piece. The body object hears of the final header block
-// and takes the pieces, and says whether the transfer goes on. `watch` asks it at each step, too, and looks
-// at the time. The first reason to end counts: one of ours by `fail`, or the transfer library's by `finish`.
-// No exception may pass through the transfer library, so `answer` throws what the body threw.
+// How it works: the constructor borrows a handle of the transfer library and sets its options. The transfer
+// library calls `onHeader` for each header line and `onBody` for each piece of the body. Both pass the data
+// to the body object, which decides whether the transfer goes on. `watch` asks the body object at each step,
+// too, and checks the deadline. The transfer ends with `fail` for our own reasons and with `finish` for those
+// of the transfer library; the first reason counts. Exceptions must not pass through the transfer library, so
+// they are kept until `answer` throws them.
 #include "OrvLibrary/host/impl/http/HttpTransfer_p.h"
 
 #include <algorithm>
@@ -26,8 +27,8 @@ constexpr std::int64_t kHeaderBuffer = 16 * 1024;
 /// The longest sleep between two cancel questions.
 constexpr std::chrono::milliseconds kLongestSleep{10};
 
-/// The form in which the transfer library wants a line. "Name:" would tell it to leave the header out;
-/// "Name;" sends the header with an empty value.
+/// A header line in the transfer library's notation. It takes "Name:" as an order to omit the header; "Name;"
+/// sends the header with an empty value.
 std::string listForm(const std::string& line)
 {
     const std::size_t colon = line.find(':');
@@ -49,7 +50,7 @@ bool isFolder(const std::string& path)
     return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-/// A path that the environment names; null when it names none.
+/// A path from an environment variable; null if it is unset or empty.
 const char* pathFromEnvironment(const char* variable)
 {
     const char* const value = std::getenv(variable);
@@ -95,20 +96,20 @@ void HttpTransfer::setOptions()
     curl_easy_setopt(
         handle(), CURLOPT_BUFFERSIZE,
         static_cast<long>(RateLimit::ofProcess().piece(mRequest.headerOnly ? kHeaderBuffer : kBodyBuffer)));
-    // Otherwise one call of the transfer library may go on for as long as something comes.
+    // Without this option one call of the transfer library may go on as long as bytes arrive.
     curl_easy_setopt(handle(), CURLOPT_MAX_RECV_SPEED_LARGE,
                      static_cast<curl_off_t>(RateLimit::ofProcess().bytesPerSecond()));
     if (!mRequest.proxy.empty())
         curl_easy_setopt(handle(), CURLOPT_PROXY, mRequest.proxy.c_str());
-    // What a proxy answers to CONNECT is no answer of the server.
+    // A proxy's answer to CONNECT is not the server's answer.
     curl_easy_setopt(handle(), CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-    // Requests at the same time share a connection that can carry them.
+    // Wait for a connection that is being made if it may be shared (HTTP/2), rather than open another one.
     curl_easy_setopt(handle(), CURLOPT_PIPEWAIT, HttpAddress::scheme(mRequest.url) == "https" ? 1L : 0L);
     if (mRequest.onNewConnection)
         curl_easy_setopt(handle(), CURLOPT_FRESH_CONNECT, 1L);
     if (mRequest.headerOnly) {
         curl_easy_setopt(handle(), CURLOPT_NOBODY, 1L);
-        // There is no body to measure. The caller reads the length, even one that is no number.
+        // There is no body. The caller reads the length from the header, even if it is not a number.
         curl_easy_setopt(handle(), CURLOPT_IGNORE_CONTENT_LENGTH, 1L);
     }
     curl_easy_setopt(handle(), CURLOPT_ERRORBUFFER, mErrorText);
@@ -119,8 +120,8 @@ void HttpTransfer::setOptions()
     curl_easy_setopt(handle(), CURLOPT_PRIVATE, this);
 }
 
-/// A path from the host replaces everything else. Otherwise each variable of the environment replaces the
-/// system's file or folder.
+/// A path set by the host replaces everything else. Without it, SSL_CERT_FILE and SSL_CERT_DIR replace the
+/// system's certificates.
 void HttpTransfer::setCertificates()
 {
     const std::string& fileOrFolder = mRequest.certificates;
@@ -143,7 +144,7 @@ void HttpTransfer::setCertificates()
 void HttpTransfer::setHeaderLines()
 {
     std::vector<std::string> lines = mRequest.headerLines;
-    // A cache on the way must not answer with what it has kept, such as a former version.
+    // A cache between us and the server must not answer with an old copy.
     if (std::none_of(lines.begin(), lines.end(), isCacheControl))
         lines.push_back("Cache-Control: no-cache");
     for (const std::string& line : lines) {
@@ -160,7 +161,7 @@ void HttpTransfer::setHeaderLines()
 std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* self)
 {
     auto* transfer = static_cast<HttpTransfer*>(self);
-    // Nothing may be thrown through the transfer library.
+    // Exceptions must not pass through the transfer library.
     try {
         const bool isTaken =
             transfer->keepToRate(size * count) && transfer->takeHeader(std::string(data, size * count));
@@ -222,7 +223,7 @@ bool HttpTransfer::fail(CURLcode error, const char* text)
     mResult = error;
     curl_easy_setopt(handle(), CURLOPT_ERRORBUFFER, nullptr);
     std::snprintf(mErrorText, sizeof mErrorText, "%s", text);
-    // Taking the transfer away must not wait for the look-up of a name that nobody answers.
+    // Without this option, removing the transfer would wait for an unanswered name look-up.
     curl_easy_setopt(handle(), CURLOPT_QUICK_EXIT, 1L);
     return false;
 }
@@ -270,7 +271,7 @@ void HttpTransfer::finish(CURLcode result)
     if (mResult)
         return;
     mResult = result;
-    // The transfer library takes a header block that was cut for a whole answer.
+    // The transfer library reports success even if the header was cut off.
     if (result == CURLE_OK && mHeader.status() == 0)
         fail(CURLE_RECV_ERROR, "connection closed within the header");
 }
@@ -301,7 +302,7 @@ void HttpTransfer::readTimes(HttpAnswer& answer) const
     curl_easy_getinfo(handle(), CURLINFO_PRETRANSFER_TIME_T, &sent);
     curl_easy_getinfo(handle(), CURLINFO_STARTTRANSFER_TIME_T, &answered);
     curl_easy_getinfo(handle(), CURLINFO_HTTP_VERSION, &version);
-    // Over a link that delays what passes, connecting can be quick and the answer late.
+    // Some links delay data but not the making of connections, so the larger time counts.
     answer.latency = std::chrono::microseconds(std::max(connected, answered - sent));
     answer.isMultiplexed = version == CURL_HTTP_VERSION_2_0;
 }

@@ -16,27 +16,28 @@
 
 class HttpConnections;
 
-/// A request to a server.
+/// A request to a server, as an `HttpTransfer` sends it.
 struct HttpRequest
 {
-    /// The address as the caller built it. It is encoded for the wire when it is sent.
+    /// The address as the caller built it. It is encoded when it is sent.
     std::string url;
     std::vector<std::string> headerLines;
     bool headerOnly = false;
-    /// Whether the request opens a connection of its own even if another connection could carry it.
+    /// Opens a new connection even if an open one could carry the request.
     bool onNewConnection = false;
-    /// Whether an answer that redirects is followed.
+    /// Whether a redirect will be followed.
     bool isFollowed = false;
-    /// Whether the body matters. The body of a redirect that is followed never matters. The service waits a
-    /// second for the end of such a body, so that its connection can be kept, and then gives it up.
+    /// Whether the caller needs the body. If not, and for each redirect that will be followed, the transfer
+    /// ends `HttpLimits::progressSilence` after the header. If the body arrives within this time, its
+    /// connection can be used again.
     bool wantsBody = true;
-    /// Proxy address; empty for what the environment says.
+    /// The proxy's address. If empty, the environment decides.
     std::string proxy;
-    /// File or folder of the authorities to trust; empty for what the environment says.
+    /// File or folder of trusted certificates. If empty, the environment decides.
     std::string certificates;
 };
 
-/// Whether a status says that the answer is somewhere else.
+/// Whether the status is one of the redirects that are followed.
 constexpr bool isRedirectStatus(std::int64_t status)
 {
     return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
@@ -49,27 +50,28 @@ constexpr std::int64_t kServiceUnavailable = 503;
 struct HttpAnswer
 {
     static HttpAnswer failure(CURLcode error, const std::string& text);
-    /// The caller has cancelled the request.
+    /// The answer for a request that the caller has cancelled.
     static HttpAnswer cancelled() { return failure(CURLE_ABORTED_BY_CALLBACK, "Callback aborted"); }
 
-    /// The transfer library's number; 0 when the answer is whole.
+    /// A number of the transfer library; 0 if the answer is complete.
     int error = 0;
-    /// Its text, or one of ours.
+    /// The text for this number, from the transfer library or from us.
     std::string errorText;
-    /// Status and header block of the final answer; 0 when no whole block came.
+    /// The status and header of the final answer; 0 if no complete header arrived.
     std::int64_t status = 0;
     std::string headerText;
-    /// Whether the server said anything in HTTP at all.
+    /// Whether the server sent anything in HTTP.
     bool answered = false;
-    /// How long the answer took, counted from the sent request, or the connection if that took longer.
+    /// How long the server took: from sending the request to the first byte, or the time to connect if that
+    /// was longer.
     std::chrono::microseconds latency{0};
-    /// Whether its connection carries many requests at once.
+    /// Whether the connection carries many requests at once (HTTP/2).
     bool isMultiplexed = false;
-    /// Whether other requests of ours were under way at the same time.
+    /// Whether other requests of the same thread ran at the same time.
     bool hadCompany = false;
 
-    /// Whether the server may have refused the request because of the others, so that it is to be asked again
-    /// alone.
+    /// Whether the server may have refused this request only because others ran at the same time. If so, it
+    /// is sent again alone.
     bool isRefusedInCompany() const
     {
         const bool isRefused = !answered && error != CURLE_ABORTED_BY_CALLBACK;
@@ -77,16 +79,16 @@ struct HttpAnswer
     }
 };
 
-/// One request on one handle of the transfer library. Redirects are not followed. The constructor sets it up,
-/// `HttpConnections` runs it, and `answer` tells the outcome. The destructor ends it, whatever became of it.
-/// Belongs to one thread.
+/// One request on one handle of the transfer library. Does not follow redirects. The constructor sets the
+/// options, `HttpConnections` runs the transfer, `answer` returns its result, and the destructor ends it at
+/// any stage. Belongs to one thread.
 class HttpTransfer
 {
 public:
     using TimePoint = HttpLimits::Clock::time_point;
 
-    /// @param connections lend a handle; borrowed like `request` and `body`
-    /// @param deadline when the transfer fails for lack of time; `TimePoint::max()` for never
+    /// @param connections lends the handle; must outlive the transfer, like `request` and `body`
+    /// @param deadline after this time the transfer fails; `TimePoint::max()` for no limit
     HttpTransfer(HttpConnections& connections, const HttpRequest& request, HttpBody& body,
                  TimePoint deadline);
     ~HttpTransfer();
@@ -94,25 +96,25 @@ public:
     HttpTransfer& operator=(const HttpTransfer&) = delete;
 
     CURL* handle() const { return mHandle.get(); }
-    /// Called at each step of the transfer loop. False when the transfer must end; the reason is kept.
+    /// Called at each step of the transfer loop. False if the transfer must end; `answer` tells the reason.
     bool watch(TimePoint now);
-    /// Ends the transfer because the caller has cancelled it.
+    /// Ends the transfer because the caller cancelled it.
     void cancel() { fail(CURLE_ABORTED_BY_CALLBACK, "Callback aborted"); }
-    /// The transfer library is done with the transfer.
+    /// Called when the transfer library has ended the transfer.
     void finish(CURLcode result);
     bool finished() const { return mResult.has_value(); }
-    /// Whether the server said anything in HTTP yet.
+    /// Whether the server has sent anything in HTTP.
     bool isAnswered() const { return mHeader.bytes() > 0; }
-    /// When the last byte came; long ago when none has come.
+    /// When the last bytes arrived. If none have, a time long ago.
     TimePoint lastArrival() const { return mLastArrival; }
-    /// Whether a connection was opened for it. Otherwise its connection has carried requests before.
+    /// Whether a new connection was opened for it. If not, the connection has served earlier requests.
     bool hasNewConnection() const;
-    /// Whether it has a connection that stands.
+    /// Whether it has a connection that is ready.
     bool isConnected() const;
-    /// Whether its protected connection stands.
+    /// Whether it has an https connection that is ready.
     bool isConnectedSecurely() const;
 
-    /// @throws what the body threw while the transfer ran
+    /// @throws whatever the body threw during the transfer
     HttpAnswer answer() const;
 
 private:
@@ -135,20 +137,20 @@ private:
     bool takeHeader(const std::string& line);
     bool keepToRate(std::size_t bytes);
     void readTimes(HttpAnswer& answer) const;
-    /// Ends the transfer for a reason of ours. It counts more than a later one of the transfer library.
+    /// Ends the transfer for a reason of our own. A later reason of the transfer library is ignored.
     bool fail(CURLcode error, const char* text);
 
     const HttpRequest& mRequest;
     HttpBody& mBody;
     TimePoint mDeadline;
     std::unique_ptr<curl_slist, ListEnd> mHeaderList;
-    /// Why the transfer failed, in the transfer library's words or ours. No memory is needed for it.
+    /// Text of the failure. A fixed array, so that it needs no memory.
     char mErrorText[CURL_ERROR_SIZE] = "";
     HttpHeaderBlock mHeader;
     TimePoint mLastArrival{};
-    /// None while the transfer runs.
+    /// Empty while the transfer runs.
     std::optional<CURLcode> mResult;
     std::exception_ptr mException;
-    /// The last member, because the transfer library uses the others until it is returned.
+    /// Last, because the transfer library uses the other members until the handle is given back.
     std::unique_ptr<CURL, HandleEnd> mHandle;
 };

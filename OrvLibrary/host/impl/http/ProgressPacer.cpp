@@ -49,7 +49,8 @@ bool ProgressPacer::attach(Curl::ProgressFunction progress, void* context, TimeP
 
 bool ProgressPacer::tick(TimePoint now)
 {
-    // A trickle that takes longer than a second for a step would otherwise leave a cancel unheard.
+    // If bytes trickle in so slowly that a step takes more than a second, call anyway: a cancel must be
+    // noticed.
     const bool isTrickle = mReceived > mTold && mReceived > 0 && now - mLastCall >= mLimits.progressSilence;
     const bool isSilence = now >= mNextCall;
     if (isSilence)

@@ -5,35 +5,35 @@
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/impl/http/HttpLimits_p.h"
 
-/// Calls a progress function at the promised rate: for every step of the body, and at short intervals once a
-/// silence has lasted a while. The first call comes with the first step, not at the start, because a caller
-/// may count the calls that bring no new bytes.
+/// Calls a progress function at the promised rate: for every `HttpLimits::progressStep` bytes, and at short
+/// intervals when nothing arrives. The first call comes with the first step, not at the start, because a
+/// caller may count the calls that bring no new bytes.
 class ProgressPacer
 {
 public:
     using TimePoint = HttpLimits::Clock::time_point;
 
-    /// @param progress may be null: then nothing is called, and nothing aborts the transfer
+    /// @param progress may be null; then nothing is called and nothing cancels the transfer
     ProgressPacer(const HttpLimits& limits, Curl::ProgressFunction progress, void* context, TimePoint start);
 
-    /// Gives a function to a transfer that went on without one: calls it for the steps that have come, and
-    /// counts a silence from `now` on. False once the function aborted.
+    /// Sets the function of a transfer that has run without one. Calls it for the steps so far; a silence
+    /// counts from `now`. False if the function cancelled.
     bool attach(Curl::ProgressFunction progress, void* context, TimePoint now);
-    /// Lets the counts start at `bytes`, because so many bytes are there already.
+    /// The first `bytes` bytes are there already; counting starts there.
     void startAt(std::int64_t bytes) { mReceived = bytes; }
-    /// The body's length as announced, in bytes; 0 when it is not known.
+    /// The announced length of the body in bytes; 0 if unknown.
     void setTotal(std::int64_t bytes) { mTotal = bytes; }
-    /// Takes note of body bytes. False once the function aborted.
+    /// Called for body bytes that arrived. False if the function cancelled.
     bool received(std::int64_t bytes, TimePoint now);
-    /// To be called at each step of the transfer loop. False once the function aborted.
+    /// Called at each step of the transfer loop. False if the function cancelled.
     bool tick(TimePoint now);
-    /// To be called when a body has arrived whole. Makes the last call unless the function knows the count
-    /// already. False once the function aborted.
+    /// Called when the body is complete. Makes a last call if the function does not know the final count.
+    /// False if the function cancelled.
     bool finish(TimePoint now);
 
     bool wanted() const { return mProgress != nullptr; }
     bool aborted() const { return mAborted; }
-    /// Whether the function was told of any byte.
+    /// Whether the function was called with at least one byte.
     bool toldOfBytes() const { return mTold > 0; }
 
 private:
@@ -45,10 +45,10 @@ private:
     void* mContext;
     std::int64_t mTotal = 0;
     std::int64_t mReceived = 0;
-    /// Count of the last call; -1 before the first.
+    /// The count of the last call; -1 before the first call.
     std::int64_t mTold = -1;
     TimePoint mLastCall;
-    /// When the next call of a silence is due.
+    /// When the next call is due if no byte arrives.
     TimePoint mNextCall;
     bool mAborted = false;
 };

@@ -4,7 +4,7 @@
 
 RateLimit& RateLimit::ofProcess()
 {
-    // Never destroyed: a worker thread may still be on its way when the process ends.
+    // Never destroyed: a worker thread may still use it when the process ends.
     static RateLimit* const limit = new RateLimit;
     return *limit;
 }

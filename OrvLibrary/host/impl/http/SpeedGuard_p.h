@@ -5,8 +5,8 @@
 
 #include "OrvLibrary/host/impl/http/HttpLimits_p.h"
 
-/// Watches the speed of a transfer that has no progress function. It says when the transfer was slower than
-/// the lowest allowed speed for a whole stretch of time.
+/// Watches the speed of a transfer without a progress function. Such a transfer ends if it stays below
+/// `HttpLimits::lowestSpeed` for the whole of `HttpLimits::slowTime`.
 class SpeedGuard
 {
 public:
@@ -15,7 +15,7 @@ public:
     SpeedGuard(const HttpLimits& limits, TimePoint start);
 
     void received(std::int64_t bytes) { mReceived += bytes; }
-    /// To be called at each step of the transfer loop. Whether the last stretch was too slow.
+    /// Called at each step of the transfer loop. True if the transfer must end.
     bool tooSlow(TimePoint now);
 
 private:
@@ -27,6 +27,6 @@ private:
 
     const HttpLimits& mLimits;
     std::int64_t mReceived = 0;
-    /// About thirty samples of the last stretch, the oldest first.
+    /// About thirty samples over `slowTime`, oldest first.
     std::deque<Sample> mSamples;
 };

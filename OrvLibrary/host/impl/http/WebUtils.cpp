@@ -50,7 +50,7 @@ std::string getUrlAfterRedirects(const std::string& url)
 void parseReturnHeader(const std::string& text, HeaderMap& map)
 {
     std::istringstream lines(text);
-    lines.exceptions(std::ios_base::badbit); // the lack of memory for a line is not the end of the header
+    lines.exceptions(std::ios_base::badbit); // for lack of memory getline would just stop; now it throws
     std::string line;
     std::string* last = nullptr;
     while (std::getline(lines, line)) {
