@@ -14,41 +14,41 @@
 
 namespace ZipUtils {
 
-/// An archive that was opened for reading and whose structure was found sound: end record, directory, local
-/// headers, and that no two members overlap. The data of the members is another matter (`ZipMember_p.h`).
-/// The file stays open, so that a replacement of its name harms nobody who reads. Several threads may use one
-/// object at once.
+/// An archive that is open for reading and has a sound structure: the end record, the directory and the local
+/// headers agree, and no two members overlap. Whether the members' data is sound is checked elsewhere
+/// (`ZipMember_p.h`). The file stays open, so readers can go on even if another file takes its name. Several
+/// threads may use one object at once.
 class ZipArchive
 {
 public:
-    /// Opens an archive. Its directory is read only when the file is not the one that was opened last.
+    /// Opens an archive. Reads its directory only if `DirectoryCache` does not have it.
     /// @throws std::runtime_error with the path and the reason
     explicit ZipArchive(const fileString& path);
-    /// Opens an archive of which some members may be damaged.
-    /// Where the directory cannot be read, the members are looked for in the whole file.
-    /// @param rejected takes the members that are not sound, which are then not among the entries; one
-    /// without a name stands for the directory
-    /// @throws std::runtime_error when the file cannot be read
+    /// Opens an archive that may be damaged. If its directory cannot be read, the whole file is searched for
+    /// members.
+    /// @param rejected receives the damaged members, which are then not among the entries. One without a name
+    /// stands for the directory.
+    /// @throws std::runtime_error if the file cannot be read
     ZipArchive(const fileString& path, std::vector<DamagedMember>& rejected);
 
     const fileString& path() const { return mPath; }
     const std::vector<ZipEntry>& entries() const { return mDirectory->entries; }
-    /// The archive's own comment.
+    /// The comment of the whole archive.
     const std::string& comment() const { return mDirectory->comment; }
-    /// Bytes before the archive proper, such as a self-extracting program.
+    /// The number of bytes before the archive itself: a self-extracting program, for example.
     std::uint64_t prefixSize() const { return mDirectory->prefixSize(); }
     int descriptor() const { return mFile.get(); }
 
-    /// The last member of that name; null when there is none.
+    /// The last member with this name; null if there is none.
     const ZipEntry* find(std::string_view name) const { return mDirectory->find(name); }
-    /// The member's place among the entries.
+    /// The index of the member in `entries`.
     std::size_t indexOf(const ZipEntry& entry) const;
     /// Reads exactly `size` bytes.
-    /// @throws std::runtime_error at the end of the file, or when reading fails
+    /// @throws std::runtime_error if the file ends early or reading fails
     void readAt(std::uint64_t offset, char* buffer, std::size_t size) const;
-    /// The extra block of a member's local header.
+    /// The extra block of the member's local header.
     std::string localExtra(const ZipEntry& entry) const;
-    /// @throws std::runtime_error always: the path, then the reason
+    /// @throws std::runtime_error always, with the path and the reason
     [[noreturn]] void fail(const std::string& reason) const;
     [[noreturn]] void fail(const ZipEntry& entry, const std::string& reason) const;
 

@@ -8,7 +8,7 @@ namespace ZipUtils {
 
 namespace {
 
-/// One text for all the ways to name a file; links are followed, so that what they lead to is replaced.
+/// Brings all spellings of a path to one. Links are followed, so the file they lead to is replaced.
 std::string resolved(const fileString& path)
 {
     std::error_code error;
@@ -39,7 +39,7 @@ ZipTarget* ZipBatch::find(const fileString& path, bool create)
     const std::string key = resolved(path);
     if (mTargets.count(key) == 0) {
         std::unique_ptr<ZipTarget> begun = ZipTarget::begin(fileString(key), create, mPatience, mMeter);
-        // Where there is only nothing to add to, the next call may create it.
+        // If there was just no archive yet, a later call with `create` may still succeed.
         if (!begun && (create || (errno != ENOENT && errno != 0)))
             mRefused.insert(path.toNativeString());
         if (!begun)
@@ -61,7 +61,7 @@ bool ZipBatch::extract(const fileString& target, const std::shared_ptr<const Zip
 {
     if (isRefused(target))
         return false;
-    // One at a time: two would only share the disk, and the memory that is promised.
+    // One large extraction at a time: two would compete for the disk and need twice the memory.
     for (const auto& other : mExtractions)
         other.second->finish();
     std::unique_ptr<ZipExtraction>& extraction = mExtractions[target.toNativeString()];

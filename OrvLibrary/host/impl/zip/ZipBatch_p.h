@@ -11,8 +11,9 @@
 
 namespace ZipUtils {
 
-/// The files that one walk, or several that belong together, write: archives and extracted members. They take
-/// their places together, after everything that the walks handed out was verified. Used by one thread.
+/// All files that one walk writes, or several walks that belong together: archives and extracted members.
+/// They replace their targets together, at the end, and only if every member that the walks handed out was
+/// sound. Used by one thread.
 class ZipBatch
 {
 public:
@@ -22,27 +23,27 @@ public:
     ZipMeter& meter() { return mMeter; }
     ZipVerification& verification() { return mVerification; }
 
-    /// Whether the target was begun here, under whatever text for its path.
+    /// Whether this batch already writes to the target. Different spellings of the path count as one.
     bool has(const fileString& path) const;
-    /// Whether the target could not be begun and is not tried again.
+    /// Whether writing to the target failed and is not tried again.
     bool isRefused(const fileString& path) const { return mRefused.count(path.toNativeString()) > 0; }
-    /// The target of that path, begun when it was not.
-    /// @return null when it cannot be written, or is no archive and `create` is false
+    /// The target with this path. The first call begins it.
+    /// @return null if it cannot be written, or if there is no archive and `create` is false
     /// @throws Cancelled
     ZipTarget* find(const fileString& path, bool create);
-    /// Begins an empty target, whatever stands there.
-    /// @throws std::runtime_error when it cannot be written; Cancelled
+    /// Begins an empty target. An archive that exists will be replaced.
+    /// @throws std::runtime_error if it cannot be written; Cancelled
     void beginEmpty(const fileString& path);
-    /// As `extractFileFromArchive`.
+    /// Does what `extractFileFromArchive` promises.
     bool extract(const fileString& target, const std::shared_ptr<const ZipArchive>& source,
                  const ZipEntry& entry);
-    /// The end of a walk: everything that it handed out is verified and told.
-    /// @throws std::runtime_error for what is not sound; Cancelled
+    /// Ends a walk: waits until every member that it handed out is verified.
+    /// @throws std::runtime_error if a member is damaged; Cancelled
     void finishWalk();
-    /// A walk ended early: nothing that was written remains, and nothing can be completed.
+    /// Called when a walk ends early. Removes everything that was written; `complete` is no longer possible.
     void giveUp();
-    /// Writes what is left to write, then gives everything its place.
-    /// @throws std::runtime_error when something cannot be written; Cancelled
+    /// Writes the rest, then gives all files their names.
+    /// @throws std::runtime_error if something cannot be written; Cancelled
     void complete();
 
 private:
@@ -50,9 +51,9 @@ private:
     ZipPatience mPatience;
     ZipVerification mVerification;
     std::map<std::string, std::unique_ptr<ZipTarget>> mTargets; ///< by resolved path
-    std::map<std::string, ZipTarget*> mByText;                  ///< as the callers name them
+    std::map<std::string, ZipTarget*> mByText;                  ///< by path, as the callers spell it
     std::set<std::string> mRefused;
-    std::map<std::string, std::unique_ptr<ZipExtraction>> mExtractions; ///< as the callers name the targets
+    std::map<std::string, std::unique_ptr<ZipExtraction>> mExtractions; ///< by path, as the callers spell it
     bool mGivenUp = false;
 };
 

@@ -7,7 +7,7 @@ namespace ZipUtils {
 const ZipEntry* ZipDirectory::find(std::string_view name) const
 {
     std::call_once(mNamesAreKnown, [this] {
-        // Whole or not at all: where memory runs out in between, the next look-up must not miss a member.
+        // Build the whole map first. If memory runs out halfway, an incomplete map must not stay.
         std::unordered_map<std::string_view, std::size_t> byName;
         for (std::size_t i = 0; i < entries.size(); ++i)
             byName[entries[i].name] = i;

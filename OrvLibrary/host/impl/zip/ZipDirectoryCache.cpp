@@ -14,14 +14,14 @@ struct Cached
     std::shared_ptr<const ZipDirectory> directory;
 };
 
-/// Two, because a merge reads two archives by turns.
+/// Two entries, because a merge reads two archives in turns.
 struct Cache
 {
     std::mutex mutex;
     std::array<Cached, 2> newestFirst;
 };
 
-/// Lives until the process ends, since late threads may still read.
+/// Never destroyed: a thread may still read when the process ends.
 Cache& cache()
 {
     static Cache& instance = *new Cache;
@@ -39,7 +39,8 @@ bool isSameFile(const struct stat& a, const struct stat& b)
            isSameTime(a.st_mtim, b.st_mtim) && isSameTime(a.st_ctim, b.st_ctim);
 }
 
-/// File systems count time in steps, some of two seconds.
+/// Whether the next change would change the file's times. File systems count time in steps of up to two
+/// seconds.
 bool isSettled(const struct stat& file)
 {
     constexpr std::time_t kStep = 3;
@@ -64,7 +65,7 @@ void DirectoryCache::keep(const struct stat& file, std::shared_ptr<const ZipDire
     constexpr std::size_t kMostBytes = 16U << 20U;
     if (directory->bytes.size() > kMostBytes || !isSettled(file))
         return;
-    Cached replaced{file, std::move(directory)}; // its former content is freed after the lock
+    Cached replaced{file, std::move(directory)}; // the old content is freed after the lock is released
     const std::lock_guard<std::mutex> lock(cache().mutex);
     for (Cached& cached : cache().newestFirst)
         std::swap(cached, replaced);

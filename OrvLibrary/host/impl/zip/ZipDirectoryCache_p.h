@@ -8,14 +8,15 @@
 
 namespace ZipUtils {
 
-/// The directories that were read last, for those who read one member after the other by its address. They
-/// are found again as long as the file is the same, by its identity, size and times. Any thread may use them.
+/// Keeps the last directories that were read. Callers who read one member after the other by address would
+/// otherwise read the directory each time. A directory is valid as long as the file's identity, size and
+/// times are the same. Any thread may use the cache.
 namespace DirectoryCache {
 
-/// @return null when the file is unknown, or has changed
+/// @return null if the file is not in the cache or has changed
 std::shared_ptr<const ZipDirectory> find(const struct stat& file);
-/// Keeps a directory, unless it is very large, or its file was written to so recently that the next change
-/// might leave the same time.
+/// Keeps a directory, with two exceptions: one that is very large, and one whose file has just been written,
+/// because the next change might leave the same time.
 void keep(const struct stat& file, std::shared_ptr<const ZipDirectory> directory);
 
 } // namespace DirectoryCache

@@ -1,8 +1,8 @@
-// How an archive is read: the end record is looked for from the end of the file, with its zip64 companion
-// where a field is too small for its value. It says where the directory lies. The directory is read as a
-// whole, record by record, and each record is held against the local header in front of the member's data
-// (ZipDirectoryReaderHeaders.cpp). Offsets may be counted from a point behind the start of the file, where a
-// self-extracting program stands in front.
+// How an archive is read: first comes the end record, searched from the end of the file. If one of its fields
+// is too small for the value, a zip64 end record holds the value. Both tell where the directory is. The
+// directory is read into memory at once. Each record in it is compared with the local header before the
+// member's data (ZipDirectoryReaderHeaders.cpp). If a self-extracting program stands before the archive, all
+// offsets count from the end of that program.
 #include <algorithm>
 #include <stdexcept>
 
@@ -12,7 +12,7 @@ namespace ZipUtils {
 
 struct ZipDirectoryReader::EndRecord
 {
-    /// Whether a field says that its value stands in the zip64 record.
+    /// Whether a field is in the zip64 record.
     bool refersToZip64() const
     {
         return members == kSee64In16 || directorySize == kSee64In32 || directoryOffset == kSee64In32;
@@ -20,7 +20,7 @@ struct ZipDirectoryReader::EndRecord
 
     std::uint64_t members = 0;
     std::uint64_t directorySize = 0;
-    std::uint64_t directoryOffset = 0; ///< as written: before a prefix is allowed for
+    std::uint64_t directoryOffset = 0; ///< as written, without the prefix
     std::uint64_t directoryEnd = 0;    ///< from the start of the file
 };
 
@@ -47,8 +47,8 @@ void ZipDirectoryReader::reject(const ZipEntry& entry, const std::exception& rea
 
 namespace {
 
-/// A field of the end record: the 64 bit value where the short one refers to it.
-/// @return false when both speak and disagree
+/// Takes the 64-bit value of a field.
+/// @return false if the short field has another value and does not refer to the zip64 record
 bool takeWide(std::uint64_t& field, std::uint64_t saturated, std::uint64_t wide)
 {
     if (field != saturated && field != wide)
@@ -59,8 +59,8 @@ bool takeWide(std::uint64_t& field, std::uint64_t saturated, std::uint64_t wide)
 
 } // namespace
 
-/// The last end record whose comment ends with the file: what follows a sound archive, or lacks at its end,
-/// is not taken for a comment.
+/// Finds the last end record whose comment reaches exactly to the end of the file. A file that was cut off,
+/// or that has bytes after the archive, has no such record.
 std::size_t ZipDirectoryReader::findEndRecord(const std::string& tail) const
 {
     for (std::size_t at = tail.size() < kEndRecordSize ? 0 : tail.size() - kEndRecordSize + 1; at-- > 0;) {
@@ -94,8 +94,9 @@ ZipDirectoryReader::EndRecord ZipDirectoryReader::readEndRecord()
     return end;
 }
 
-/// The bytes of a locator may also be the end of a member's comment. So they count only where the end record
-/// refers to them. A zip64 record that repeats what the end record says is no part of the directory either.
+/// Reads the zip64 end record if there is one. If the end record does not refer to it, the bytes that look
+/// like its locator may belong to a comment, so an error there is ignored. If they are a locator, the zip64
+/// record is not part of the directory.
 void ZipDirectoryReader::readZip64EndRecords(EndRecord& end) const
 {
     const std::uint64_t locatorOffset = end.directoryEnd - kZip64LocatorSize;
@@ -106,7 +107,7 @@ void ZipDirectoryReader::readZip64EndRecords(EndRecord& end) const
     try {
         readZip64EndRecord(locatorOffset, end);
     } catch (const std::runtime_error&) {
-        // Not meant as a locator.
+        // These bytes were not a locator.
     }
 }
 
@@ -130,7 +131,8 @@ void ZipDirectoryReader::readZip64EndRecord(std::uint64_t locatorOffset, EndReco
     end = wide;
 }
 
-/// The locator does not know of a prefix, so the record is looked for right before it first.
+/// The locator's offset does not count a prefix before the archive. So the record is first searched directly
+/// before the locator, then at that offset.
 std::uint64_t ZipDirectoryReader::findZip64EndRecord(std::uint64_t locatorOffset, const char* locator) const
 {
     const std::uint64_t written = get64(locator + 8);
@@ -157,7 +159,7 @@ void ZipDirectoryReader::placeDirectory(const EndRecord& end)
     if (end.directoryOffset > mDirectory->start)
         mArchive.fail("bad directory offset");
     mBase = mDirectory->start - end.directoryOffset;
-    // Anything with 22 fitting bytes at its end would pass for an empty archive otherwise.
+    // Otherwise every file whose last 22 bytes look like an end record would be an empty archive.
     if (end.members == 0 && mBase != 0)
         mArchive.fail("an empty archive behind other data");
 }
@@ -221,7 +223,7 @@ void ZipDirectoryReader::checkCentralRecord(ZipEntry& entry, std::uint16_t disk)
     checkSizes(entry);
 }
 
-/// The zip64 field holds only the values that the short fields refer to it, in this order.
+/// The zip64 field holds only those values that the short fields refer to, in this order.
 void ZipDirectoryReader::readZip64Sizes(ZipEntry& entry) const
 {
     std::string_view field = findExtraField(entry.extra, kExtraZip64);

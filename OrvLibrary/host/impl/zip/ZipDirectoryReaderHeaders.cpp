@@ -1,4 +1,4 @@
-// The local headers of an archive, held against its directory, and the places of its members.
+// Compares the local headers with the directory and finds where each member's data begins.
 #include <algorithm>
 #include <numeric>
 
@@ -8,7 +8,7 @@ namespace ZipUtils {
 
 namespace {
 
-/// Whether the fields from the version to the checksum and the sizes are just those of the directory.
+/// Whether version, flags, method, times, checksum and sizes are the same as in the directory.
 bool sameFields(const ZipEntry& entry, const char* header)
 {
     return get16(header + 4) == entry.versionNeeded && get16(header + 6) == entry.flags &&
@@ -30,7 +30,7 @@ void ZipDirectoryReader::checkLocalHeaders()
 void ZipDirectoryReader::checkLocalHeader(ZipEntry& entry) const
 {
     entry.headerOffset += mBase;
-    constexpr std::size_t kReadAhead = 128; // most extra blocks come with the header
+    constexpr std::size_t kReadAhead = 128; // enough to read most extra blocks with the header
     const std::uint64_t room = mDirectory->start - entry.headerOffset;
     const std::size_t fixed = kLocalHeaderSize + entry.name.size();
     if (room < fixed)
@@ -75,7 +75,7 @@ void ZipDirectoryReader::checkLocalSizes(const ZipEntry& entry, const char* head
         mArchive.fail(entry, "differs between local header and directory");
 }
 
-/// Of two members that share bytes, the later one in the file is at fault.
+/// If two members share bytes, the one that starts later counts as damaged.
 void ZipDirectoryReader::checkOverlaps()
 {
     std::vector<ZipEntry>& entries = mDirectory->entries;

@@ -7,13 +7,13 @@
 
 namespace ZipUtils {
 
-/// Reads the end record, the directory and the local headers of an archive, and holds them against each
-/// other. Used once, by one thread.
+/// Reads the end record, the directory and the local headers of an archive and compares them. Used once, by
+/// one thread.
 class ZipDirectoryReader
 {
 public:
-    /// @param rejected takes the members that are not sound, which are then left out; null makes the first
-    /// one a failure
+    /// @param rejected receives the damaged members and leaves them out. If null, the first damaged member is
+    /// a failure.
     ZipDirectoryReader(const ZipArchive& archive, std::uint64_t fileSize,
                        std::vector<DamagedMember>* rejected);
 
@@ -41,7 +41,7 @@ private:
     void dropRejected(const std::vector<bool>& isRejected);
 
     /// Runs a check of one member.
-    /// @return false when it failed and the member is left out
+    /// @return false if the check failed and the member is left out
     template <typename Check>
     bool passes(const ZipEntry& entry, Check check);
     void reject(const ZipEntry& entry, const std::exception& reason);
@@ -50,7 +50,7 @@ private:
     std::uint64_t mFileSize;
     std::vector<DamagedMember>* mRejected;
     std::shared_ptr<ZipDirectory> mDirectory = std::make_shared<ZipDirectory>();
-    std::uint64_t mBase = 0; ///< where offset 0 of the directory's offsets lies
+    std::uint64_t mBase = 0; ///< the place in the file from which the directory counts its offsets
 };
 
 template <typename Check>

@@ -11,12 +11,12 @@
 
 namespace ZipUtils {
 
-/// More members than this make an archive unsound.
+/// An archive with more members is refused.
 constexpr std::size_t kMaximumMembers = 100000;
-/// A larger directory makes an archive unsound: it is held in memory as a whole.
+/// An archive with a larger directory is refused, because the directory is kept in memory.
 constexpr std::uint64_t kMaximumDirectorySize = 256U << 20U;
 
-/// One member, as the directory describes it. The texts belong to the directory.
+/// One member, as the directory describes it. Its texts point into the directory's bytes.
 struct ZipEntry
 {
     std::string_view name;
@@ -35,32 +35,33 @@ struct ZipEntry
     std::uint64_t size = 0;           ///< bytes of content
     std::uint64_t headerOffset = 0;   ///< of the local header, from the start of the file
     std::uint64_t dataOffset = 0;     ///< from the start of the file
-    /// Sizes and checksum stand behind the data, according to either header.
+    /// Whether the sizes and the checksum come after the data, according to the directory or the local
+    /// header.
     bool hasDescriptor = false;
-    /// The local header says just what the directory says, so that header and data can be copied in one run.
+    /// Whether the local header equals the directory's record. If so, header and data can be copied together.
     bool headerAgrees = false;
 
     bool isEncrypted() const { return (flags & kFlagEncrypted) != 0; }
     std::uint64_t dataEnd() const { return dataOffset + compressedSize; }
 };
 
-/// The directory of an archive, read and found sound. It does not change once it is read, so that several
-/// threads may use it at once, and it does not keep the file open.
+/// The directory of an archive that was read and found sound. It never changes, so several threads may use it
+/// at once. It does not keep the file open.
 struct ZipDirectory
 {
-    /// The last member of that name; null when there is none.
+    /// The last member with this name; null if there is none.
     const ZipEntry* find(std::string_view name) const;
-    /// Bytes before the archive proper, such as a self-extracting program.
+    /// The number of bytes before the archive itself: a self-extracting program, for example.
     std::uint64_t prefixSize() const;
 
-    std::string bytes;       ///< as they stand in the file
+    std::string bytes;       ///< the directory as it is in the file
     std::string comment;     ///< of the archive
-    std::uint64_t start = 0; ///< from the start of the file
+    std::uint64_t start = 0; ///< its offset in the file
     std::vector<ZipEntry> entries;
 
 private:
     mutable std::once_flag mNamesAreKnown;
-    mutable std::unordered_map<std::string_view, std::size_t> mByName; ///< made when it is first needed
+    mutable std::unordered_map<std::string_view, std::size_t> mByName; ///< built when it is first needed
 };
 
 } // namespace ZipUtils

@@ -1,8 +1,8 @@
-// How a member becomes a file: the file is written beside its target by a ReplacementFile. A small member is
-// inflated into memory and written by the walk's own thread. A large one gets a thread. It is inflated into
-// the file's own pages, for which room on the disk is taken first, so that no write can fail later; where the
-// file system cannot do that, or the member is very large, it goes through a buffer of a megabyte. The walk's
-// thread asks for the progress, and hands the pages to the disk at the end, 8 MB at a time.
+// How a member becomes a file: the file is written beside its target by a `ReplacementFile`. The walk's
+// thread inflates a small member into memory and writes it. A large member gets its own thread. This thread
+// reserves the space on the disk and inflates directly into the mapped file, so that no write can fail later.
+// If the file system cannot do this, or if the member is over 256 MB, the thread inflates it in pieces of a
+// megabyte. The walk's thread reports the progress, and syncs the file at the end, 8 MB at a time.
 #include "OrvLibrary/host/impl/zip/ZipExtraction_p.h"
 
 #include <algorithm>
@@ -23,7 +23,7 @@ namespace ZipUtils {
 
 namespace {
 
-/// Thrown in a thread that shall end.
+/// Thrown in a thread that has to end.
 struct Stopped
 {
 };
@@ -34,11 +34,11 @@ struct Stopped
     throw std::ios_base::failure(target.toNativeString(), code);
 }
 
-/// Pages of a file, for which there is room on the disk.
+/// A file mapped into memory, with its space on the disk reserved.
 class MappedFile
 {
 public:
-    /// @throws std::ios_base::failure when the disk has no room
+    /// @throws std::ios_base::failure if the disk is full
     MappedFile(const fileString& target, int file, std::size_t size) : mSize(size)
     {
         if (fallocate(file, 0, 0, static_cast<off_t>(size)) != 0) {
@@ -57,7 +57,7 @@ public:
     MappedFile(const MappedFile&) = delete;
     MappedFile& operator=(const MappedFile&) = delete;
 
-    /// Null where the file system cannot do it.
+    /// Null if the file system does not support it.
     unsigned char* pages() const { return mPages; }
 
 private:
@@ -114,7 +114,7 @@ void ZipExtraction::extract(std::shared_ptr<const ZipArchive> source, const ZipE
             mThread = std::thread([this] { workOnThread(); });
             return;
         } catch (const std::system_error&) {
-            mHasEnded = true; // no thread to be had
+            mHasEnded = true; // the system gave us no thread
         }
     }
     work([this](std::uint64_t bytes) {
@@ -151,7 +151,7 @@ void ZipExtraction::work(const Piece& onPiece)
         if (isWhole && extractMapped(onPiece))
             return;
     } catch (const std::bad_alloc&) {
-        // There may be enough memory for the pieces.
+        // There may still be enough memory to extract in pieces.
     }
     extractInPieces(onPiece);
 }
@@ -164,7 +164,7 @@ void ZipExtraction::extractSmall(const Piece& onPiece)
     onPiece(content.size());
 }
 
-/// @return false where the file cannot be mapped
+/// @return false if the file cannot be mapped
 bool ZipExtraction::extractMapped(const Piece& onPiece)
 {
     const MappedFile mapped(mTarget, mFile->descriptor(), mEntry->size);
@@ -231,7 +231,7 @@ void ZipExtraction::join()
         mThread.join();
 }
 
-/// One sync of everything would not hear a cancel.
+/// Syncs in portions. During one sync of the whole file a cancel would have no effect.
 void ZipExtraction::sync()
 {
     constexpr unsigned kThrough =

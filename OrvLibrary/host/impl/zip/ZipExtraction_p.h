@@ -11,37 +11,38 @@
 
 namespace ZipUtils {
 
-/// A member that becomes a file. A member over 8 MB is extracted on a thread of its own, while the walk
-/// goes on; up to 256 MB whole, straight into the mapped file, which is twice as fast as the way in pieces. A
-/// stop is heard after a megabyte, or when the whole member is inflated. Used by one thread.
+/// Extracts a member to a file. A member over 8 MB gets its own thread, so the walk can go on meanwhile. Up
+/// to 256 MB, it is inflated in one piece directly into the mapped file, twice as fast as in several pieces.
+/// A cancel takes effect within a megabyte, or in the one-piece case when the whole member is inflated. Used
+/// by one thread.
 class ZipExtraction
 {
 public:
-    /// @return null when the target exists and is read-only or locked by another writer
-    /// @throws std::ios_base::failure when it cannot be written for another reason; Cancelled
+    /// @return null if the target exists and is read-only, or another writer has locked it
+    /// @throws std::ios_base::failure if it cannot be written for another reason; Cancelled
     static std::unique_ptr<ZipExtraction> begin(const fileString& target, ZipPatience& patience,
                                                 ZipMeter& meter);
-    /// Leaves the target as it was, unless it was published.
+    /// Leaves the target unchanged, unless `publish` was called.
     ~ZipExtraction();
     ZipExtraction(const ZipExtraction&) = delete;
     ZipExtraction& operator=(const ZipExtraction&) = delete;
 
-    /// Begins to extract a member, in place of what was extracted before. Its size is told as content as it
-    /// is done.
+    /// Begins to extract a member and replaces the member extracted before. Counts its bytes as content in
+    /// the meter.
     /// @throws std::runtime_error, Cancelled
     void extract(std::shared_ptr<const ZipArchive> source, const ZipEntry& entry);
-    /// Bytes of content that are still to come.
+    /// The bytes still to extract.
     std::uint64_t waiting() const { return size() - mDone; }
-    /// Bytes of the whole file.
+    /// The size of the whole file.
     std::uint64_t size() const;
-    /// Waits for the end of the work.
-    /// @throws std::runtime_error for a member that is not sound; std::ios_base::failure when the file cannot
-    /// be written; Cancelled
+    /// Waits until the member is extracted.
+    /// @throws std::runtime_error if the member is damaged; std::ios_base::failure if the file cannot be
+    /// written; Cancelled
     void finish();
-    /// Hands the file to the disk, portion by portion.
+    /// Writes the file to the disk, portion by portion.
     /// @throws std::ios_base::failure, Cancelled
     void sync();
-    /// Gives the file its place; it is on the disk then.
+    /// Gives the file its name. Its content is on the disk by then.
     /// @throws std::ios_base::failure
     void publish();
 
@@ -65,9 +66,9 @@ private:
     ZipMeter& mMeter;
     std::shared_ptr<const ZipArchive> mSource; ///< null before the first member
     const ZipEntry* mEntry = nullptr;
-    std::uint64_t mTold = 0; ///< bytes of content of this member
+    std::uint64_t mTold = 0; ///< bytes of this member that the meter knows of
     std::thread mThread;
-    std::exception_ptr mFailure; ///< of the thread; read when it has ended
+    std::exception_ptr mFailure; ///< set by the thread; read after it has ended
     std::atomic<std::uint64_t> mDone{0};
     std::atomic<bool> mHasEnded{true};
     std::atomic<bool> mIsStopped{false};

@@ -4,7 +4,7 @@ namespace ZipUtils {
 
 namespace {
 
-/// Size of the field that `extra` starts with, its own header included; 0 when there is no whole one.
+/// The size of the first field in `extra`, with its header; 0 if the field is cut off.
 std::size_t firstFieldSize(std::string_view extra)
 {
     if (extra.size() < 4)

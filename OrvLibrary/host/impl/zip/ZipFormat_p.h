@@ -19,7 +19,7 @@ constexpr std::size_t kEndRecordSize = 22;
 constexpr std::size_t kZip64EndRecordSize = 56;
 constexpr std::size_t kZip64LocatorSize = 20;
 
-/// A 16 or 32 bit field that holds all ones refers to the zip64 record.
+/// A field of 16 or 32 bits with all bits set: the value is in the zip64 record.
 constexpr std::uint16_t kSee64In16 = 0xFFFF;
 constexpr std::uint32_t kSee64In32 = 0xFFFFFFFF;
 
@@ -31,7 +31,7 @@ constexpr std::uint16_t kFlagMaskedDirectory = 0x2000;
 constexpr std::uint16_t kMethodStored = 0;
 constexpr std::uint16_t kMethodDeflated = 8;
 
-/// No deflate stream makes more than this of a byte, by much.
+/// A deflate stream expands to about 1,030 times its size at most. A member that claims more is damaged.
 constexpr std::uint64_t kMostExpansion = 1100;
 
 constexpr std::uint16_t kExtraZip64 = 0x0001;
@@ -72,10 +72,10 @@ inline void put64(std::string& out, std::uint64_t value)
     put32(out, value >> 32);
 }
 
-/// The content of one field of an extra block; empty when the block has none. A block that is not made of
-/// fields (some writers pad with zeros) is read as far as it is.
+/// The content of one field of an extra block; empty if the block has no such field. Some writers pad blocks
+/// with zeros, so bytes that are not a field end the search.
 std::string_view findExtraField(std::string_view extra, std::uint16_t id);
-/// The block without the fields of one kind; bytes that are no field stay.
+/// The block without the fields of one kind. Bytes that are not a field stay.
 std::string withoutExtraField(std::string_view extra, std::uint16_t id);
 
 } // namespace ZipUtils

@@ -1,4 +1,4 @@
-// The way in one piece, several times as fast as the one in pieces.
+// Reads a member in one piece. This is several times as fast as in pieces (ZipMemberStream.cpp).
 #include "OrvLibrary/host/impl/zip/ZipMember_p.h"
 
 #include <algorithm>
@@ -13,8 +13,8 @@ namespace ZipUtils {
 
 namespace {
 
-/// Large pages spare most of the time that the system takes to hand out much memory; where there are none,
-/// nothing is lost.
+/// Asks for large memory pages, which save most of the system's time for large blocks. If the system has
+/// none, nothing changes.
 void askForLargePages(const void* memory, std::size_t size)
 {
     constexpr std::size_t kLargePage = 2U << 20U;
@@ -24,7 +24,7 @@ void askForLargePages(const void* memory, std::size_t size)
         madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
 }
 
-/// Room for the content of a large member.
+/// A buffer for the content of a large member.
 std::vector<unsigned char> makeRoom(std::size_t size)
 {
     std::vector<unsigned char> content;
@@ -51,7 +51,7 @@ void WholeInflater::read(const ZipArchive& archive, const ZipEntry& entry, unsig
 {
     if (mRoom < entry.compressedSize) {
         mRoom = 0;
-        mCompressed.reset(new char[entry.compressedSize]); // left as it comes: the file overwrites it
+        mCompressed.reset(new char[entry.compressedSize]); // not set to zero: the file's bytes replace it all
         mRoom = entry.compressedSize;
         askForLargePages(mCompressed.get(), mRoom);
     }

@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::size_t kBlock = 1U << 20U;
 
-/// A deflate stream of unknown sizes, read to its end.
+/// Reads a deflate stream of unknown size to its end, to measure it.
 class StreamMeasure
 {
 public:
@@ -23,7 +23,8 @@ public:
     StreamMeasure(const StreamMeasure&) = delete;
     StreamMeasure& operator=(const StreamMeasure&) = delete;
 
-    /// @return whether the stream has an end; sizes and checksum of `entry` are then set
+    /// Sets the sizes and the checksum of `entry`.
+    /// @return whether the stream has an end
     bool run(const ZipArchive& archive, ZipEntry& entry, std::uint64_t end)
     {
         std::uint64_t offset = entry.dataOffset;
@@ -96,7 +97,7 @@ std::optional<std::uint64_t> ZipMemberScan::findHeader(std::uint64_t from) const
     constexpr std::string_view kSignature = "PK\x03\x04";
     std::string block;
     for (; from + kLocalHeaderSize <= mFileSize; from += kBlock) {
-        // Blocks overlap, so that no signature is cut.
+        // Blocks overlap, so that a signature across two of them is found.
         block.resize(std::min<std::uint64_t>(mFileSize - from, kBlock + kSignature.size() - 1));
         mArchive.readAt(from, block.data(), block.size());
         const std::size_t at = block.find(kSignature);
@@ -106,7 +107,7 @@ std::optional<std::uint64_t> ZipMemberScan::findHeader(std::uint64_t from) const
     return std::nullopt;
 }
 
-/// @return nothing for bytes that only begin like a header, and for members without an end
+/// @return nothing if the bytes only look like a header, or if the member has no end
 std::optional<ZipEntry> ZipMemberScan::readHeader(std::uint64_t offset, std::string& name) const
 {
     char header[kLocalHeaderSize];
@@ -150,8 +151,8 @@ bool ZipMemberScan::readSizes(ZipEntry& entry, const char* header, std::string_v
            (entry.method == kMethodDeflated || entry.size == entry.compressedSize);
 }
 
-/// Sizes and checksum stand behind the data. The checksum must be that of the data; the stream itself tells
-/// the rest.
+/// Finds the end of a member whose sizes and checksum come after the data. Reading the stream gives them. The
+/// checksum after the data must be the same; it may follow a signature or not.
 bool ZipMemberScan::findEnd(ZipEntry& entry) const
 {
     if (entry.method != kMethodDeflated || !StreamMeasure().run(mArchive, entry, mFileSize))

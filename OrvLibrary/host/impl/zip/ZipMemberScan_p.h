@@ -7,15 +7,15 @@
 
 namespace ZipUtils {
 
-/// Looks for members in an archive whose directory is lost, by their local headers. The scan does not look
-/// into members, unless that member's header is lost too. The content is not verified. Used once, by
-/// one thread.
+/// Searches a file for members by their local headers, for an archive whose directory is lost. The scan skips
+/// the data of each member found, so it finds no archive inside of an archive, unless the outer member's own
+/// header is lost. Does not verify the data. Used once, by one thread.
 class ZipMemberScan
 {
 public:
     ZipMemberScan(const ZipArchive& archive, std::uint64_t fileSize);
 
-    /// @throws std::runtime_error when the file cannot be read
+    /// @throws std::runtime_error if the file cannot be read
     std::shared_ptr<const ZipDirectory> read();
 
 private:

@@ -1,4 +1,4 @@
-// The way in pieces: bounded memory, any size.
+// Reads a member in pieces, so that its size does not matter for the memory.
 #include <algorithm>
 #include <array>
 #include <new>
@@ -15,7 +15,7 @@ bool isReadable(const ZipEntry& entry)
     return !entry.isEncrypted() && (entry.method == kMethodStored || entry.method == kMethodDeflated);
 }
 
-/// One deflate stream of the archive.
+/// Inflates one deflate stream of the archive.
 class ZipMemberStream::Inflater
 {
 public:
@@ -41,7 +41,7 @@ public:
         }
     }
 
-    /// After all content was read: the stream must end here, with the last compressed byte.
+    /// Called after the last content. The stream must end with the last compressed byte.
     void verifyEnd()
     {
         unsigned char spare = 0;
@@ -84,7 +84,7 @@ private:
 
     const ZipArchive& mArchive;
     const ZipEntry& mEntry;
-    std::uint64_t mOffset; ///< of the next compressed byte, from the start of the file
+    std::uint64_t mOffset; ///< the next compressed byte, as an offset in the file
     bool mEnded = false;
     z_stream mStream = {};
     std::array<unsigned char, 256U << 10U> mInput;

@@ -8,39 +8,39 @@
 
 namespace ZipUtils {
 
-/// Tells a progress object how much content is done, and asks it whether to go on. Both happen after every
-/// 8 MB of work, or after 50 ms of waiting, and not before: work below that is neither told nor
-/// asked about until its end. Used by the thread that the progress object belongs to.
+/// Reports the finished content to a progress object and asks it whether to go on. Does both after every 8 MB
+/// of work or 50 ms of waiting. Less work than that is reported only at the end. Used by the thread that owns
+/// the progress object.
 class ZipMeter
 {
 public:
     /// @param subject may be null
     explicit ZipMeter(std::shared_ptr<ProgressSubject> subject);
 
-    /// So much content of the archive is done.
+    /// Counts finished content of the archive.
     /// @throws Cancelled
     void addContent(std::uint64_t bytes);
-    /// So many bytes were moved that are not counted as content, or not yet.
+    /// Counts work that is not content, or that will be counted as content later.
     /// @throws Cancelled
     void addWork(std::uint64_t bytes);
-    /// Time went by without work of this thread.
+    /// Counts time in which this thread only waited.
     /// @throws Cancelled
     void waited(std::chrono::milliseconds time);
-    /// Tells what is left to tell.
+    /// Reports everything not yet reported.
     void tellAll();
-    /// Names the step that comes now, if `bytes` of work lie before it and it will be seen.
+    /// Names the next step for the user, unless its `bytes` of work are done too soon to be seen.
     void label(const char* step, std::uint64_t bytes);
 
 private:
     void ask();
 
     std::shared_ptr<ProgressSubject> mSubject;
-    std::uint64_t mUntold = 0;  ///< bytes of content
-    std::uint64_t mUnasked = 0; ///< bytes of work since the last question
+    std::uint64_t mUntold = 0;  ///< content not yet reported
+    std::uint64_t mUnasked = 0; ///< work since the progress object was last asked
     std::chrono::milliseconds mWaited{0};
 };
 
-/// How much work is done without a question.
+/// The amount of work between two questions.
 constexpr std::uint64_t kPortion = 8U << 20U;
 
 } // namespace ZipUtils

@@ -15,7 +15,7 @@ namespace ZipUtils {
 namespace {
 
 constexpr std::size_t kPiece = 1U << 20U;
-constexpr std::uint64_t kSmall = 32U << 10U; ///< below it, a copy through memory takes fewer system calls
+constexpr std::uint64_t kSmall = 32U << 10U; ///< below it, copying through memory is cheaper
 constexpr std::uint64_t kWriteBackStep = 32U << 20U;
 
 } // namespace
@@ -65,8 +65,8 @@ void ZipOutput::appendSmall(int file, std::uint64_t offset, std::size_t size, co
     }
 }
 
-/// Not every pair of file systems can do it; what is left over is then copied through memory, which also
-/// finds the words for what went wrong.
+/// Some pairs of file systems do not support this. The rest is then copied through memory, and an error is
+/// reported there.
 std::uint64_t ZipOutput::copyInKernel(int file, std::uint64_t offset, std::uint64_t size)
 {
     std::uint64_t copied = 0;
@@ -116,8 +116,8 @@ void ZipOutput::write(const char* bytes, std::size_t size)
     }
 }
 
-/// A file system that sees a file renamed over another begins to write it back first. The disk does it while
-/// the copying goes on.
+/// Begins writing to the disk while copying goes on. Some file systems write a file back before they rename
+/// it over another one; less is left to write by then.
 void ZipOutput::advance(std::uint64_t written)
 {
     mPosition += written;

@@ -12,30 +12,29 @@
 
 namespace ZipUtils {
 
-/// A new file that is written beside `target` and takes its name in one rename at the end. Until then the
-/// target is untouched, and a file that is given up leaves nothing behind. The target is locked against other
-/// writers meanwhile.
+/// A new file that is written beside `target` and renamed to it at the end. Until then the target is
+/// unchanged, but locked against other writers. If the object is destroyed early, nothing is left behind.
 class ZipOutput
 {
 public:
-    /// @param target need not exist; when it does, its permissions are taken over
-    /// @param patience how long another writer is waited for
-    /// @throws std::runtime_error with the path and the system's text; Cancelled
+    /// @param target may be missing; if it exists, the new file takes its permissions
+    /// @param patience how long to wait for another writer
+    /// @throws std::runtime_error with the path and the system's message; Cancelled
     ZipOutput(const fileString& target, ZipPatience& patience, ZipMeter& meter,
               host::ReplacementFile::Mode mode = host::ReplacementFile::Mode::Locked);
 
-    /// Where the next byte goes.
+    /// The position of the next byte.
     std::uint64_t position() const { return mPosition + mPending.size(); }
     void append(std::string_view bytes);
-    /// Appends bytes of another file, without reading them into this process where the system can. The meter
-    /// is told of every 8 MB.
-    /// @param source for the reason when reading fails
+    /// Appends bytes of another file. If the system can copy them itself, they do not pass through this
+    /// process. The meter counts every 8 MB.
+    /// @param source its path, for error messages
     /// @throws std::runtime_error, Cancelled
     void appendRange(int file, std::uint64_t offset, std::uint64_t size, const fileString& source);
-    /// Everything appended is in the file afterwards.
+    /// Writes everything appended so far to the file.
     void flush();
-    /// Gives the file the target's name. It is not synced, on purpose, like the work of any copying program;
-    /// waiting for the disk would take as long as all the rest.
+    /// Renames the file to the target. On purpose without a sync, as file copying programs do: waiting for
+    /// the disk would take as long as all the rest.
     void publish();
 
 private:
@@ -49,9 +48,9 @@ private:
     fileString mTarget;
     ZipMeter& mMeter;
     std::unique_ptr<host::ReplacementFile> mFile;
-    bool mReplaces = false;         ///< the target exists
+    bool mReplaces = false;         ///< whether the target existed
     std::uint64_t mPosition = 0;    ///< bytes in the file
-    std::uint64_t mWrittenBack = 0; ///< bytes that the disk was told of
+    std::uint64_t mWrittenBack = 0; ///< bytes for which writing to the disk has begun
     std::string mPending;           ///< bytes not yet in the file
 };
 

@@ -9,15 +9,15 @@
 
 namespace ZipUtils {
 
-/// How long other writers are still waited for: 5 s in all for everything that one batch begins. A cancel is
-/// heard meanwhile.
+/// Limits the time spent waiting for other writers: 5 s for all files of a batch together. A cancel ends the
+/// waiting.
 class ZipPatience
 {
 public:
     explicit ZipPatience(ZipMeter& meter) : mMeter(meter) {}
 
-    /// Opens a file beside `target` that is to take its place.
-    /// @return null on failure, with the reason in `errno`
+    /// Opens a file beside `target` that will replace it.
+    /// @return null on failure; `errno` has the reason
     /// @throws Cancelled
     std::unique_ptr<host::ReplacementFile>
     open(const fileString& target, host::ReplacementFile::Mode mode = host::ReplacementFile::Mode::Locked);

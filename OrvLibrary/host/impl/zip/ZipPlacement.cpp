@@ -1,4 +1,4 @@
-// An archive that is new where it goes: no other file of its name is touched.
+// Moves an archive to a new name. A file that already has the name is never touched.
 #include <cerrno>
 #include <cstring>
 
@@ -17,8 +17,8 @@ namespace {
     throw std::runtime_error(path.toNativeString() + ": " + std::strerror(reason));
 }
 
-/// The way to another file system, or to one without links.
-/// @return false when something has the name
+/// Copies instead of linking: to another file system, or to one without hard links.
+/// @return false if the name is taken
 bool copyToNew(const host::FileHandle& file, std::uint64_t size, const fileString& source,
                const fileString& target, ZipMeter& meter)
 {
@@ -57,7 +57,7 @@ bool moveToNewArchive(const fileString& source, const fileString& target,
         return false;
     if (!isLinked && !copyToNew(file, static_cast<std::uint64_t>(status.st_size), source, target, meter))
         return false;
-    unlink(from.c_str()); // what cannot be removed stays, as any other name of the file
+    unlink(from.c_str()); // if this fails, the file just keeps its old name, too
     return true;
 }
 

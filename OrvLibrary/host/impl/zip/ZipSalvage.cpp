@@ -10,7 +10,7 @@ namespace ZipUtils {
 
 namespace {
 
-/// Goes through all members of an archive, with a progress object that sees their bytes.
+/// Goes through all members of an archive and reports their bytes to a progress object.
 class MemberInspection
 {
 public:
@@ -21,8 +21,8 @@ public:
 
     ZipMeter& meter() { return mMeter; }
 
-    /// @param onSound is called with every member that is sound, or cannot be looked into
-    /// @throws Cancelled, and what `onSound` throws
+    /// @param onSound called for each member that is sound or cannot be checked
+    /// @throws Cancelled, and whatever `onSound` throws
     void run(const ZipArchive& archive, const std::function<void(const ZipEntry&)>& onSound)
     {
         if (mProgress)
@@ -35,7 +35,7 @@ public:
             mSeen = 0;
             if (isSound(verifier, archive, entry))
                 onSound(entry);
-            mMeter.addContent(entry.size - mSeen); // what could not be read
+            mMeter.addContent(entry.size - mSeen); // count the bytes that could not be read
         }
         mMeter.tellAll();
     }
@@ -58,7 +58,7 @@ private:
     std::shared_ptr<ProgressSubject> mProgress;
     ZipMeter mMeter;
     std::vector<DamagedMember>& mDamaged;
-    std::uint64_t mSeen = 0; ///< bytes of the current member
+    std::uint64_t mSeen = 0; ///< bytes read of the current member
 };
 
 } // namespace

@@ -49,7 +49,7 @@ std::unique_ptr<ZipTarget> ZipTarget::begin(const fileString& path, bool create,
         return nullptr;
     std::unique_ptr<ZipTarget> target;
     try {
-        // Locked before it is read, so that no other writer's members are lost.
+        // The archive is locked before it is read. Otherwise members added by another writer could be lost.
         target = beginEmpty(path, patience, meter);
     } catch (const Cancelled&) {
         throw;
@@ -70,7 +70,7 @@ std::unique_ptr<ZipTarget> ZipTarget::beginEmpty(const fileString& path, ZipPati
     return std::unique_ptr<ZipTarget>(new ZipTarget(path, patience, meter));
 }
 
-/// @return false when there is none, or none that is sound
+/// @return false if there is no archive, or it is damaged
 bool ZipTarget::takeExisting(const fileString& path)
 {
     try {
@@ -83,7 +83,7 @@ bool ZipTarget::takeExisting(const fileString& path)
     return true;
 }
 
-/// The place of a member of that name; the one that had the name before is out.
+/// Makes a place for a member with this name. A former member with the name is dropped.
 ZipTarget::Member* ZipTarget::replaceOrAppend(std::string_view name)
 {
     const auto [former, isNew] = mByName.try_emplace(std::string(name), mMembers.size());
@@ -126,7 +126,7 @@ void ZipTarget::write()
     mOutput.flush();
 }
 
-/// A self-extracting program in front of the archive stays; offsets are counted from its start.
+/// Copies a self-extracting program that stands before the archive. Offsets count from the start of the file.
 void ZipTarget::writePrefix()
 {
     if (mExisting)
@@ -138,7 +138,7 @@ void ZipTarget::writeMember(Member& member)
     const ZipEntry& entry = *member.entry;
     member.isWritten = true;
     member.headerOffset = nextOffset();
-    if (!fits(member)) // a member of an archive that is added to, or one of two of a name
+    if (!fits(member)) // a member of the existing archive, or one of two with the same name
         member.source->fail(entry, "its extra block is too long for its new place");
     if (canGoAsItIs(member)) {
         extendRun(member.source, entry.headerOffset, entry.dataEnd() - entry.headerOffset);
@@ -149,7 +149,7 @@ void ZipTarget::writeMember(Member& member)
     extendRun(member.source, entry.dataOffset, entry.compressedSize);
 }
 
-/// Members that stand one behind the other go over together, up to 8 MB at a time.
+/// Members that lie next to each other are copied together, up to 8 MB at a time.
 void ZipTarget::extendRun(const std::shared_ptr<const ZipArchive>& source, std::uint64_t offset,
                           std::uint64_t size)
 {

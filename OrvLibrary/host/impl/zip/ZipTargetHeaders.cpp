@@ -1,4 +1,4 @@
-// The records of an archive that is written: local headers, the directory, end records.
+// Writes the records of an archive: local headers, directory and end records.
 #include <algorithm>
 
 #include "OrvLibrary/host/impl/zip/ZipTarget_p.h"
@@ -8,7 +8,7 @@ namespace ZipUtils {
 
 namespace {
 
-/// The sizes that do not fit the short fields, as a zip64 field; empty when all fit.
+/// A zip64 field with the sizes that are too large for the short fields; empty if there are none.
 std::string zip64Field(std::initializer_list<std::uint64_t> values)
 {
     std::string content;
@@ -30,7 +30,7 @@ std::uint32_t shortOr64(std::uint64_t value)
     return static_cast<std::uint32_t>(std::min<std::uint64_t>(value, kSee64In32));
 }
 
-/// Everything of an extra block that still holds in the copy.
+/// The fields of an extra block that are still true in the copy.
 std::string keptExtra(std::string_view extra, bool renamed)
 {
     std::string kept = withoutExtraField(extra, kExtraZip64);
@@ -43,7 +43,7 @@ bool isWide(const ZipEntry& entry)
     return entry.size >= kSee64In32 || entry.compressedSize >= kSee64In32;
 }
 
-/// The fields that both headers share: from the version needed up to the sizes.
+/// The fields that both headers have in common, from the version to the sizes.
 void putSharedFields(std::string& out, const ZipEntry& entry, std::string_view name, bool isWide)
 {
     std::uint16_t flags = entry.flags & static_cast<std::uint16_t>(~kFlagDescriptor);
@@ -65,7 +65,7 @@ std::string ZipTarget::localExtra(const Member& member)
 {
     const ZipEntry& entry = *member.entry;
     std::string extra;
-    if (isWide(entry)) { // the local field always holds both sizes
+    if (isWide(entry)) { // the local zip64 field always has both sizes
         put16(extra, kExtraZip64);
         put16(extra, 16);
         put64(extra, entry.size);

@@ -10,40 +10,42 @@
 
 namespace ZipUtils {
 
-/// Whether a raw copy may carry this name: not empty, not absolute, no ".." component, drive letter or NUL,
-/// at most 4,096 bytes. Both kinds of slash separate components, as some system takes either. A drive letter
-/// is a letter and a colon before a separator or the end, so that "a::b.png" is a name like any other.
+/// Whether a member may be written under this name. Refused are names that are empty, absolute or longer than
+/// 4,096 bytes, and names with a ".." component, a drive letter or NUL. Both kinds of slash separate
+/// components, because some systems accept both. A drive letter is a letter and a colon at the start of
+/// the name, before a separator or the end. So "C:/b.png" is refused, and "a::b.png" is an ordinary name.
 bool isSafeMemberName(std::string_view name);
 
-/// An archive that a walk writes to. A member is written as soon as it is added, unless the archive it comes
-/// from has another one of its name further on. The members of the archive that is added to come last: they
-/// are written at the end, without those that were replaced, and stand first in the directory. The archives
-/// that members come from must stay open until the end.
+/// An archive that a walk writes to. Each member is written when it is added, except if its source archive
+/// has a later member with the same name. Members that were already in the archive are copied at the end,
+/// without those that were replaced; in the directory they come first. The source archives must stay open
+/// until the end.
 class ZipTarget
 {
 public:
-    /// Begins a target: a sound archive that is there is added to.
-    /// @param create makes one where none is, or none that is sound
-    /// @return null when there is nothing to add to, or the target cannot be written; `errno` then has the
-    /// reason, 0 when the archive is not sound
+    /// Begins a target. If a sound archive exists, its members are kept.
+    /// @param create if true, a missing or damaged archive is replaced by a new one
+    /// @return null if there is no archive to add to, or if the target cannot be written. `errno` has the
+    /// reason; 0 if the archive is damaged.
     /// @throws Cancelled
     static std::unique_ptr<ZipTarget> begin(const fileString& path, bool create, ZipPatience& patience,
                                             ZipMeter& meter);
-    /// Begins an empty archive, whatever stands there.
-    /// @throws std::runtime_error when the target cannot be written; Cancelled
+    /// Begins an empty archive. One that exists will be replaced.
+    /// @throws std::runtime_error if the target cannot be written; Cancelled
     static std::unique_ptr<ZipTarget> beginEmpty(const fileString& path, ZipPatience& patience,
                                                  ZipMeter& meter);
 
-    /// Adds a member under `name`, in place of one of that name.
-    /// @return false when the target would hold too many, or the member's extra block would be too long
-    /// @throws std::runtime_error when it cannot be written; Cancelled
+    /// Adds a member as `name`, and replaces a member with this name.
+    /// @return false if the archive would have too many members, or the member's extra block would be too
+    /// long
+    /// @throws std::runtime_error if it cannot be written; Cancelled
     bool add(std::string_view name, const std::shared_ptr<const ZipArchive>& source, const ZipEntry& entry);
-    /// Bytes that `write` still has to copy.
+    /// The bytes that `write` will copy.
     std::uint64_t bytesLeft() const;
-    /// Writes what is left, and the directory.
+    /// Writes the rest of the members and the directory.
     /// @throws std::runtime_error, Cancelled
     void write();
-    /// Gives what was written the target's name.
+    /// Renames the written file to the target.
     /// @throws std::runtime_error
     void publish() { mOutput.publish(); }
 
@@ -55,12 +57,12 @@ private:
     struct Member
     {
         std::string name;
-        std::shared_ptr<const ZipArchive> source; ///< null once the member was replaced
+        std::shared_ptr<const ZipArchive> source; ///< null if the member was replaced
         const ZipEntry* entry = nullptr;
         bool isWritten = false;
         std::uint64_t headerOffset = 0; ///< in the new file
     };
-    /// Bytes of one archive that go over as they are.
+    /// A range of bytes that is copied unchanged from one archive.
     struct Run
     {
         std::shared_ptr<const ZipArchive> source;
@@ -78,10 +80,10 @@ private:
     void extendRun(const std::shared_ptr<const ZipArchive>& source, std::uint64_t offset, std::uint64_t size);
     void flushRun();
 
-    /// Whether neither extra block passes the 65,535 bytes that a header has room for, with the zip64 fields
-    /// that the member needs at its place.
+    /// Whether both extra blocks, with the zip64 fields they need, fit into the 65,535 bytes that a header
+    /// allows.
     static bool fits(const Member& member);
-    /// Whether the local header can stay as it is.
+    /// Whether the local header can be copied unchanged.
     static bool canGoAsItIs(const Member& member);
     static std::string localExtra(const Member& member);
     static std::string centralExtra(const Member& member);
@@ -90,8 +92,8 @@ private:
 
     ZipOutput mOutput;
     std::shared_ptr<const ZipArchive> mExisting;          ///< null for a new archive
-    std::vector<Member> mMembers;                         ///< those that were replaced included
-    std::unordered_map<std::string, std::size_t> mByName; ///< places in mMembers
+    std::vector<Member> mMembers;                         ///< including those that were replaced
+    std::unordered_map<std::string, std::size_t> mByName; ///< indexes into mMembers
     Run mRun;
 };
 

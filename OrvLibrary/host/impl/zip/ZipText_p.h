@@ -4,7 +4,7 @@
 
 namespace ZipUtils {
 
-/// Whether a member's name must be marked as UTF-8: it holds more than ASCII, and is UTF-8.
+/// Whether the name needs the UTF-8 flag: it has characters beyond ASCII and is valid UTF-8.
 bool needsUtf8Flag(std::string_view name);
 
 } // namespace ZipUtils

@@ -1,3 +1,7 @@
+// How it works: the functions that need one archive open it as a `ZipArchive`; those that read one member
+// first find the archive's end in its address. `getFilesDataInArchive` makes a `ZipBatch` for everything that
+// is written and an `ArchiveHandle` for the walk. The callback's calls (write, extract, leave out) go to this
+// handle. When the walk is over, the batch gives all written files their names, or none of them.
 #include "OrvLibrary/host/ZipUtils.h"
 
 #include <algorithm>
@@ -30,7 +34,7 @@ OpenMember memberOf(std::shared_ptr<const ZipArchive> archive, const std::string
     return {std::move(archive), entry};
 }
 
-/// The archive of a walk on this thread comes first, so that what is read inside a walk belongs to it.
+/// Finds a walk of this thread over the archive in `address`. What is read inside a walk thus counts for it.
 const ArchiveHandle* walkOf(const std::string& address)
 {
     return ArchiveHandle::findActive([&](const ArchiveHandle& walk) {
@@ -39,8 +43,9 @@ const ArchiveHandle* walkOf(const std::string& address)
     });
 }
 
-/// Opens the member that an address names. The delimiter may occur in the archive's path and in the member's
-/// name as well: it counts where a file is on its left that is an archive and holds the member.
+/// Opens the member that an address names. The archive's path and the member's name may contain the
+/// delimiter, too. So each delimiter is tried: the right one has an archive on its left that holds the
+/// member.
 OpenMember openMember(const std::string& address)
 {
     const auto nameFrom = [&](std::size_t at) { return address.substr(at + std::strlen(kDelimiter)); };

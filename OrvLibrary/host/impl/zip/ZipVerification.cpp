@@ -1,7 +1,7 @@
-// How members are verified: the walk gathers them into portions of about a megabyte of content and puts these
-// into a queue. Threads take portions from it, one more thread for each 4 MB that came in, as far as there
-// are processors. The walk's own thread takes one when more than 32 MB wait, and all that are left at the
-// end. The first failure stops everybody; the walk's thread throws it.
+// How members are verified: the walk gathers members into portions of about a megabyte of content and queues
+// them. Threads take portions from the queue. Each 4 MB added starts another thread, up to the number of
+// processors. The walk's thread verifies a portion itself when more than 32 MB wait, and at the end it helps
+// until the queue is empty. The first failure stops all threads, and the walk's thread throws it.
 #include "OrvLibrary/host/impl/zip/ZipVerification_p.h"
 
 #include <algorithm>
@@ -14,7 +14,7 @@ namespace ZipUtils {
 
 namespace {
 
-/// Thrown in a thread that shall end.
+/// Thrown in a thread that has to end.
 struct Stopped
 {
 };
@@ -50,7 +50,7 @@ void ZipVerification::add(const std::shared_ptr<const ZipArchive>& archive, std:
     tell();
 }
 
-/// Member by member, the threads would spend their time with waking each other.
+/// Queues a portion. With single members the threads would spend their time waking each other.
 void ZipVerification::handOver()
 {
     constexpr std::uint64_t kWorthAThread = 4U << 20U;
@@ -76,7 +76,7 @@ void ZipVerification::startThread()
     try {
         mThreads.emplace_back([this] { work(); });
     } catch (const std::system_error&) {
-        // No thread to be had: those that run, and the walk's own, do it.
+        // The system gave us no more threads. Those that run, and the walk's thread, do the work.
     }
 }
 
@@ -95,7 +95,7 @@ void ZipVerification::finish()
     tell();
 }
 
-/// Verifies a portion, or waits a moment for the threads that have the last ones.
+/// Verifies a portion. If the queue is empty, waits a moment for the threads that have the last portions.
 void ZipVerification::help()
 {
     constexpr std::chrono::milliseconds kMoment(20);
@@ -143,11 +143,11 @@ void ZipVerification::work() noexcept
         while (takeNext(portion, true))
             verify(verifier, portion);
     } catch (...) {
-        // Another thread, or the walk's own, does what this one could not begin.
+        // This thread has no memory to begin. Another one, or the walk's thread, does the work.
     }
 }
 
-/// @return false when there is nothing to take
+/// @return false if the queue is empty
 bool ZipVerification::takeNext(Portion& portion, bool mayWait)
 {
     std::unique_lock<std::mutex> lock(mMutex);

@@ -16,10 +16,10 @@ namespace ZipUtils {
 
 class ZipVerifier;
 
-/// Verifies the streams and checksums of members while a walk goes on: small amounts at its end, large ones
-/// on threads of their own meanwhile. The thread that owns the object helps when the others fall behind, so
-/// that at most 32 MB of content wait. Members that are neither stored nor deflated, or are encrypted, pass.
-/// An object that is destroyed early stops its threads within a megabyte of work.
+/// Verifies members while a walk goes on. Small amounts are verified at its end, large ones on other threads
+/// meanwhile. If these fall behind, the walk's thread helps, so that at most 32 MB of content wait. Encrypted
+/// members and unknown methods cannot be verified and count as sound. The destructor stops the threads within
+/// a megabyte of work.
 class ZipVerification
 {
 public:
@@ -28,18 +28,18 @@ public:
     ZipVerification(const ZipVerification&) = delete;
     ZipVerification& operator=(const ZipVerification&) = delete;
 
-    /// One more member to verify; its size is told as content as it is done.
-    /// @throws std::runtime_error for a member, this or a former one, that is not sound; Cancelled
+    /// Adds a member. Its bytes are reported as content when they are verified.
+    /// @throws std::runtime_error if this or an earlier member is damaged; Cancelled
     void add(const std::shared_ptr<const ZipArchive>& archive, std::size_t index);
-    /// Tells what was done since the last call.
+    /// Reports the content verified since the last call.
     /// @throws Cancelled
     void tell();
-    /// Bytes of content that were added and are not verified.
+    /// The content that was added and is not verified yet.
     std::uint64_t waiting() const { return mAdded - mDone; }
     /// Helps until every member is verified.
-    /// @throws as `add`
+    /// @throws what `add` throws
     void finish();
-    /// Ends the threads. Members that were not verified yet never will be.
+    /// Ends the threads. Members not yet verified stay unverified.
     void stop();
 
 private:
@@ -60,18 +60,18 @@ private:
     void throwFailure();
 
     ZipMeter& mMeter;
-    Portion mGathered;                ///< not handed over yet
+    Portion mGathered;                ///< not yet in the queue
     std::uint64_t mGatheredBytes = 0; ///< of content
-    std::uint64_t mAdded = 0;         ///< bytes of content in all
-    std::uint64_t mTold = 0;          ///< of them, told to the meter
+    std::uint64_t mAdded = 0;         ///< all content added
+    std::uint64_t mTold = 0;          ///< the part of it reported to the meter
     std::vector<std::thread> mThreads;
-    std::unique_ptr<ZipVerifier> mOwnVerifier; ///< of the walk's thread; null until it helps
+    std::unique_ptr<ZipVerifier> mOwnVerifier; ///< for the walk's thread; null until it helps
     std::atomic<std::uint64_t> mDone{0};       ///< bytes of content
     std::atomic<bool> mIsStopped{false};
 
-    std::mutex mMutex; ///< guards what follows
+    std::mutex mMutex; ///< guards the members below
     std::condition_variable mChanged;
-    std::deque<Portion> mPortions; ///< that nobody has taken
+    std::deque<Portion> mPortions; ///< the queue
     std::size_t mTaken = 0;        ///< portions that are being verified
     std::exception_ptr mFailure;
 };

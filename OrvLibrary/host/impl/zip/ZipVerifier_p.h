@@ -8,16 +8,16 @@
 
 namespace ZipUtils {
 
-/// Verifies streams and checksums of members, one after the other, in memory that does not grow with their
-/// sizes. One object belongs to one thread.
+/// Verifies members, one after the other. Its memory does not grow with the size of the members. One object
+/// belongs to one thread.
 class ZipVerifier
 {
 public:
-    /// @param onPiece is told of content that was read and found sound so far, at most 8 MB at a time; what
-    /// it throws ends the work
+    /// @param onPiece called with the number of bytes verified so far, for at most 8 MB at a time. Whatever
+    /// it throws ends the work.
     explicit ZipVerifier(std::function<void(std::uint64_t bytes)> onPiece);
 
-    /// @throws std::runtime_error for a member that is not sound
+    /// @throws std::runtime_error if the member is damaged
     void verify(const ZipArchive& archive, const ZipEntry& entry);
 
 private:

@@ -40,7 +40,7 @@ void ArchiveHandle::walk(const MemberCallback& callback)
     }
 }
 
-/// Members that were handed out are verified to their last byte before a file made of them takes its place.
+/// Verifies the members that were handed out, before the files made from them replace their targets.
 void ArchiveHandle::handOut(const MemberCallback& callback)
 {
     bool goesOn = true;
@@ -67,14 +67,14 @@ bool ArchiveHandle::writeRaw(const fileString& target, const fileString& member,
     const ZipEntry& entry = mArchive->entries().at(info.index());
     if (!isSafeMemberName(member.toNativeString()))
         return false;
-    // The password check of such a member lies in its time or its checksum, depending on the flag that a copy
-    // cannot keep.
+    // An encrypted member checks its password against its time or its checksum; this flag decides which. A
+    // copy cannot keep the flag.
     if (entry.isEncrypted() && entry.hasDescriptor)
         return false;
     ZipTarget* begun = mBatch.find(target, create);
     if (!begun)
         return false;
-    verify(info.index()); // by other threads, while this one copies
+    verify(info.index()); // other threads verify while this one copies
     return begun->add(member.toNativeString(), mArchive, entry);
 }
 

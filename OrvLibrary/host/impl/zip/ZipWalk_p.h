@@ -13,46 +13,47 @@ class RawDataInfo
 {
 public:
     explicit RawDataInfo(std::size_t index) : mIndex(index) {}
-    /// The member's place in the archive's directory.
+    /// The index of the member in the archive's directory.
     std::size_t index() const { return mIndex; }
 
 private:
     std::size_t mIndex;
 };
 
-/// One walk: the archive, which of its members are still to be verified, and the batch that it writes to.
+/// One walk over an archive: which members must still be verified, and the batch that it writes to.
 ///
-/// A thread knows the walks that it is inside of, because a member may be read by its address, and an archive
-/// be asked about by its path, without a word about the walk. The list holds nothing else.
+/// Each thread has a list of its walks, because a caller may read a member by its address without naming the
+/// walk. The list does not own them.
 class ArchiveHandle
 {
 public:
-    /// @param batch outlives the walk
-    /// @throws std::runtime_error for an unsound archive
+    /// @param batch must live longer than the walk
+    /// @throws std::runtime_error if the archive is damaged
     ArchiveHandle(const fileString& archive, ZipBatch& batch);
     ~ArchiveHandle();
     ArchiveHandle(const ArchiveHandle&) = delete;
     ArchiveHandle& operator=(const ArchiveHandle&) = delete;
 
-    /// Hands every member to the callback until it returns false. Every member that was handed out is
-    /// verified when the function returns.
-    /// @throws std::runtime_error, Cancelled, and what the callback throws; the batch is given up then
+    /// Calls the callback for each member, until it returns false. Then waits until each of these members is
+    /// verified.
+    /// @throws std::runtime_error, Cancelled, and whatever the callback throws. The batch is then given up.
     void walk(const MemberCallback& callback);
-    /// As `writeFileToArchiveRaw`.
+    /// Does what `writeFileToArchiveRaw` promises.
     bool writeRaw(const fileString& target, const fileString& member, bool create, const RawDataInfo& info);
-    /// As `extractFileFromArchive`.
+    /// Does what `extractFileFromArchive` promises.
     bool extract(const fileString& target, const RawDataInfo& info);
-    /// As `leaveOutMember`.
+    /// Does what `leaveOutMember` promises.
     void leaveOut(const RawDataInfo& info);
 
-    /// Whoever reads on after the walk keeps it.
+    /// Keep this pointer to read on after the walk.
     const std::shared_ptr<const ZipArchive>& archive() const { return mArchive; }
     const ZipBatch& batch() const { return mBatch; }
 
-    /// Tells the walk of this archive, if there is one, that a member was read to its end and found sound.
+    /// Tells this thread's walk over the archive, if there is one, that a member was read to its end and is
+    /// sound.
     static void noteVerified(const ZipArchive& archive, const ZipEntry& entry);
 
-    /// The innermost of this thread's walks that `accepts` says yes to; null when there is none.
+    /// The innermost walk of this thread that `accepts` agrees to; null if there is none.
     template <typename Predicate>
     static ArchiveHandle* findActive(Predicate accepts)
     {
@@ -64,12 +65,12 @@ public:
     }
 
 private:
-    /// How far a member came.
+    /// How far a member is.
     enum class State : char
     {
-        Open,   ///< nobody looked at its content
+        Open,   ///< nobody has read its content
         Known,  ///< read and sound, or not wanted
-        Queued, ///< somebody verifies it, and tells its size
+        Queued, ///< being verified and reported
     };
 
     static std::vector<ArchiveHandle*>& active();
@@ -78,7 +79,7 @@ private:
     void verify(std::size_t index);
 
     std::shared_ptr<const ZipArchive> mArchive;
-    std::vector<State> mStates; ///< by place in the directory
+    std::vector<State> mStates; ///< by index in the directory
     ZipBatch& mBatch;
 };
 

@@ -8,7 +8,7 @@ struct libdeflate_decompressor;
 
 namespace ZipUtils {
 
-/// A decompressor for whole deflated members, and the memory that it needs again and again.
+/// Inflates whole members. Keeps its decompressor and its buffer for the next one.
 class WholeInflater
 {
 public:
@@ -18,14 +18,14 @@ public:
     WholeInflater(const WholeInflater&) = delete;
     WholeInflater& operator=(const WholeInflater&) = delete;
 
-    /// Fills `content`, which has room for the whole member, and verifies stream and checksum.
-    /// @throws std::runtime_error for what is not sound
+    /// Fills `content`, which must have room for the whole member, and verifies the stream and the checksum.
+    /// @throws std::runtime_error if the member is damaged
     void read(const ZipArchive& archive, const ZipEntry& entry, unsigned char* content);
 
 private:
     libdeflate_decompressor* mDecompressor;
     std::unique_ptr<char[]> mCompressed;
-    std::uint64_t mRoom = 0; ///< bytes of it
+    std::uint64_t mRoom = 0; ///< size of the buffer
 };
 
 } // namespace ZipUtils
