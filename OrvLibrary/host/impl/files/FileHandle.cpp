@@ -34,8 +34,8 @@ bool writeAll(int descriptor, const char* data, std::size_t size)
     return true;
 }
 
-/// Lets the kernel copy, as far as it will.
-/// @return false for a failure that another way of copying would meet too
+/// Lets the system copy as much as it can.
+/// @return false for an error that copying in another way would not avoid
 bool copyInKernel(int from, int to)
 {
     ssize_t copied = 0;
@@ -115,7 +115,7 @@ bool mayWrite(const std::string& path, const struct stat& status)
     const mode_t bits = status.st_uid == geteuid() ? S_IWUSR : S_IWUSR | S_IWGRP | S_IWOTH;
     if ((status.st_mode & bits) == 0)
         return false;
-    // A file that another process has removed since then is in nobody's way.
+    // If another process has just removed the file, nothing prevents writing.
     return faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0 || errno == ENOENT;
 }
 
@@ -144,7 +144,7 @@ FileHandle openRegularFile(const std::string& path)
 
 FileHandle openForLock(const std::string& path, int extraFlags)
 {
-    // A network file system gives an exclusive lock only on a descriptor that is open for writing.
+    // Network file systems give an exclusive lock only if the file is open for writing.
     FileHandle file = openFile(path, O_RDWR | extraFlags);
     if (!file && (errno == EACCES || errno == EPERM || errno == EROFS || errno == ETXTBSY))
         file = openFile(path, O_RDONLY | extraFlags);
@@ -188,7 +188,7 @@ bool namesFile(const std::string& path, int descriptor)
 
 bool copyContent(int from, int to)
 {
-    // The second way also ends the first: some file systems end an in-kernel copy early.
+    // Some file systems end a copy inside the system too early, so the rest is copied by pieces.
     return copyInKernel(from, to) && copyByPieces(from, to);
 }
 

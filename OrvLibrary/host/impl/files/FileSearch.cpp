@@ -4,7 +4,7 @@
 
 namespace {
 
-/// Caches nothing, so that there is nothing to drop.
+/// The default keeps no cache, so there is nothing to drop.
 class UncachedFileSearch : public FileSearch
 {
 public:

@@ -42,8 +42,8 @@ bool isLocked(const std::string& path)
     return file && host::tryLock(file.get(), LOCK_EX) == host::Lock::Busy;
 }
 
-/// The folder without separators at its end, with which a link would be followed; empty when it is none that
-/// may be removed.
+/// The folder without separators at its end, because with them the system would follow a link. Empty if it
+/// must not be removed.
 std::string removableFolder(const fileString& path)
 {
     const std::string& text = path.toNativeString();
@@ -57,7 +57,7 @@ std::string removableFolder(const fileString& path)
     return name == "." || name == ".." ? std::string() : folder.toNativeString();
 }
 
-/// Lets the owner remove what is in the folders.
+/// Makes folders writable for their owner, so that their content can be removed.
 void makeFoldersWritable(const std::filesystem::path& folder)
 {
     namespace fs = std::filesystem;
@@ -134,12 +134,12 @@ bool createDirectoriesWithPerm(const fileString& path, bool privateFolder)
         return false;
     const bool isMade =
         mkdir(folder.toNativeString().c_str(), privateFolder ? kPrivateFolderMode : kFolderMode) == 0;
-    return isMade || (errno == EEXIST && isFolder(name)); // another process may have been faster
+    return isMade || (errno == EEXIST && isFolder(name)); // another process may have made it meanwhile
 }
 
 bool removePath(const fileString& path, int)
 {
-    // Read-only files need no flag here: what counts is whether the folder may be written.
+    // Read-only files need no flag here: only the folder must be writable.
     return isUsable(path) && (unlink(path.toNativeString().c_str()) == 0 || isMissing(path));
 }
 

@@ -22,8 +22,7 @@ std::unique_ptr<host::ReplacementFile> copyBeside(int source, const std::string&
     return copy && host::copyContent(source, copy->descriptor()) ? std::move(copy) : nullptr;
 }
 
-/// A moved file keeps its times and permissions, as by a rename. A time or permission that cannot be kept is
-/// no reason to fail.
+/// Gives the copy the times and permissions of the source, as a rename would. Ignores failures.
 void keepAttributes(int source, int copy)
 {
     struct stat status = {};

@@ -4,8 +4,9 @@
 
 namespace host {
 
-/// Moves a regular file between devices: copied beside the target, synced, renamed, and only then removed.
-/// @return false leaves the target as it was, unless nothing but the removal of the source failed
+/// Moves a regular file to another device: copies it beside the target, syncs the copy, renames it to the
+/// target and then removes the source.
+/// @return false on failure; the target is then unchanged, unless only removing the source failed
 bool moveByCopy(const std::string& from, const std::string& to, bool keepSource);
 
 } // namespace host

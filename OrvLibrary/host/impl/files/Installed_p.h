@@ -4,8 +4,7 @@
 
 namespace host {
 
-/// A default service that lives until the process ends. It is never destroyed, since a thread may still ask
-/// for it while the process ends.
+/// A default service. It is never destroyed, because a thread may still use it when the process ends.
 template <class Service, class Default>
 Service& immortal()
 {
@@ -13,17 +12,17 @@ Service& immortal()
     return sDefault;
 }
 
-/// The place of one installable service: what the host installed, else the default. For example:
+/// Holds one installable service: the host's, or the default. Example:
 ///
 ///     host::Installed<PathUtils> gInstalled(host::immortal<PathUtils, DefaultPathUtils>);
 ///
-/// An object of this class stands at namespace level. It needs no code to be made or destroyed, so it can be
-/// asked at any moment of the process, from any thread.
+/// Objects of this class are global variables. They are initialised at compile time, so they can be used at
+/// any time, from any thread.
 template <class Service>
 class Installed
 {
 public:
-    /// @param fallback gives the default service, which must live until the process ends
+    /// @param fallback returns the default service, which must live until the process ends
     constexpr explicit Installed(Service& (*fallback)()) : mFallback(fallback) {}
 
     Service& get() const
@@ -31,8 +30,8 @@ public:
         Service* const service = mService;
         return service ? *service : mFallback();
     }
-    /// Makes `service` the one that `get` returns; null for the default. The pointer is not owned.
-    /// @return the former one, null when it was the default
+    /// Makes `get` return `service`, or the default if null. The caller keeps ownership.
+    /// @return the former service; null if it was the default
     Service* install(Service* service) { return mService.exchange(service); }
 
 private:

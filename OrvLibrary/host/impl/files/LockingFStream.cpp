@@ -13,7 +13,8 @@ namespace {
 
 constexpr std::size_t kBufferSize = 64 * 1024;
 
-/// Remembers that writing failed, also where it was done past the stream, which then has not noticed.
+/// Remembers the first failed write, even if the caller writes directly to the buffer, where the stream does
+/// not notice.
 class CheckedBuffer : public __gnu_cxx::stdio_filebuf<char>
 {
 public:
@@ -23,7 +24,7 @@ public:
     CheckedBuffer(int descriptor, std::ios_base::openmode mode) : Base(descriptor, mode, kBufferSize) {}
     CheckedBuffer& operator=(CheckedBuffer&&) = default;
 
-    /// The system's reason for the first failure; 0 for none.
+    /// The system's reason for the first failure; 0 if there was none.
     int failure() const { return mFailure; }
 
 protected:
@@ -58,8 +59,8 @@ private:
     int mFailure = 0;
 };
 
-/// Opens a file that is used in place and locks it. A file that was replaced while its lock was waited for is
-/// opened again.
+/// Opens a file that is used in place and locks it. If another file took its name while we waited for the
+/// lock, tries again with that file.
 host::FileHandle openLocked(const std::string& path, bool append)
 {
     const host::Deadline deadline = std::chrono::steady_clock::now() + host::kLockWait;
@@ -117,7 +118,7 @@ void LockingFStream::Private::use(host::FileHandle file, std::ios_base::openmode
         buffer = CheckedBuffer(file.release(), mode | std::ios_base::binary);
 }
 
-/// Hands the last bytes to the system and closes the buffer's file.
+/// Writes the remaining bytes and closes the buffer's file.
 bool LockingFStream::Private::finishBuffer()
 {
     buffer.pubsync();

@@ -1,3 +1,7 @@
+// How it works: `open` repeats three steps until they fit together: it opens and locks the target, makes the
+// file beside it, and checks that the target is still the same file. If a file beside already exists, another
+// writer is at work or a killed process has left it; `removeOld` waits for its lock and removes a leftover.
+// `commit` checks that the file beside is still ours, syncs it and renames it.
 #include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
 
 #include <algorithm>
@@ -20,9 +24,9 @@ namespace {
 
 constexpr int kMostLinks = 40;
 constexpr std::chrono::milliseconds kLeftoverAge{1000};
-constexpr std::size_t kNameBytesKept = 180; // leaves room in the 255 bytes of a name
+constexpr std::size_t kNameBytesKept = 180; // so that the name beside fits into 255 bytes
 
-/// Where a chain of links ends, be there a file or not; empty for a circle.
+/// Follows a chain of links to its end, where a file may exist or not. Empty for a circle.
 std::string withoutLinks(const std::string& path)
 {
     fileString current(path);
@@ -41,7 +45,7 @@ std::string withoutLinks(const std::string& path)
     return {};
 }
 
-/// FNV-1a, which tells names apart that share their first bytes.
+/// FNV-1a. It distinguishes names that begin with the same bytes.
 std::string hashText(const std::string& text)
 {
     std::uint64_t hash = 14695981039346656037u;
@@ -52,7 +56,7 @@ std::string hashText(const std::string& text)
     return digits;
 }
 
-/// Whether nobody writes to the file for a while, which tells a leftover where files have no locks.
+/// Whether nobody writes to the file for a second. This identifies a leftover if there are no locks.
 bool staysUnchanged(int file, Deadline deadline)
 {
     struct stat before = {};
@@ -68,21 +72,21 @@ bool staysUnchanged(int file, Deadline deadline)
     return false;
 }
 
-/// Renames a file to a name that nothing has, also where another process takes that name at the same moment.
+/// Renames a file only if the new name is free, even if another process takes the name at the same moment.
 bool renameWithoutReplacing(const std::string& from, const std::string& to)
 {
     if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0)
         return true;
     if (errno != EINVAL && errno != ENOSYS)
         return false;
-    // Network file systems know no such rename, but links, which never replace anything either.
+    // Network file systems cannot do this, but they have hard links, which never replace a file either.
     if (link(from.c_str(), to.c_str()) == 0) {
-        unlink(from.c_str()); // a second name that stays is a leftover, which the next writer removes
+        unlink(from.c_str()); // if it fails, the next writer removes this leftover
         return true;
     }
     if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS)
         return false;
-    // Without links the name is taken by an empty file of ours, which the rename then replaces.
+    // Without hard links, we take the name with an empty file first. The rename then replaces that file.
     if (!openFile(to, O_WRONLY | O_CREAT | O_EXCL, 0600))
         return false;
     if (rename(from.c_str(), to.c_str()) == 0)
@@ -165,14 +169,14 @@ ReplacementFile::Attempt ReplacementFile::createBeside(mode_t newMode, Deadline 
         return errno == EEXIST ? removeOld(deadline) : Attempt::Failed;
     const bool isLocked = mayUse(waitForLock(mFile.get(), LOCK_EX, deadline));
     if (!namesFile(mBeside, mFile.get()))
-        return Attempt::Again; // taken for a leftover before it was locked
+        return Attempt::Again; // another writer removed it as a leftover before it was locked
     mPending = true;
     if (!isLocked)
         return Attempt::Failed;
     if (!keepsMode)
         return Attempt::Done;
     if (fchown(mFile.get(), old.st_uid, old.st_gid) != 0)
-        errno = 0; // only the superuser may give files away; the owner is then the writer
+        errno = 0; // only the superuser may change the owner; without that, the writer is the owner
     return fchmod(mFile.get(), old.st_mode & 0777) == 0 ? Attempt::Done : Attempt::Failed;
 }
 
@@ -181,7 +185,7 @@ ReplacementFile::Attempt ReplacementFile::removeOld(Deadline deadline)
     const FileHandle old = openForLock(mBeside, O_NOFOLLOW);
     if (!old)
         return errno == ENOENT ? Attempt::Again : Attempt::Failed;
-    // With the lock held, the writer is gone or has renamed its file.
+    // When we get the lock, the writer has ended or has renamed its file.
     const Lock lock = waitForLock(old.get(), LOCK_EX, deadline);
     if (!mayUse(lock) || (lock == Lock::Unknown && !staysUnchanged(old.get(), deadline)))
         return Attempt::Failed;
@@ -204,7 +208,7 @@ bool ReplacementFile::targetIsUnchanged() const
 
 bool ReplacementFile::putInPlace() const
 {
-    // Where files have no locks, another writer may have taken this one for a leftover.
+    // Without locks, another writer may have removed our file as a leftover.
     if (!namesFile(mBeside, mFile.get())) {
         errno = nameIsTaken(mBeside) ? EBUSY : ENOENT;
         return false;

@@ -7,59 +7,61 @@
 
 namespace host {
 
-/// The new content of a file, written beside it and renamed over it at the end, so that the target is old or
-/// new at every instant and never anything else.
+/// New content for a file. It is written to a file beside the target and renamed to it at the end, so the
+/// target always has either the old or the new content.
 ///
-/// The file beside has a name of its own per target (`besideName`) and is locked as long as it is written. So
-/// two writers of one target exclude each other even when the target does not exist yet, and what a killed
-/// process left is recognised, because nobody holds its lock, and removed by the next writer. On a file
-/// system without locks the next writer removes a file beside that nobody has written to for a second.
+/// The name of the file beside (`besideName`) depends on the target's name, and the file is locked while it
+/// is written. This has two effects: two writers of one target exclude each other even if the target does not
+/// exist yet; and the next writer recognises the leftover of a killed process, because nobody has its lock,
+/// and removes it. On a file system without locks, a file beside that has not changed for a second is taken
+/// for a leftover.
 class ReplacementFile
 {
 public:
     enum class Mode
     {
-        Locked, ///< what links lead to; locked against readers and writers, must be writable, keeps its mode
-        Replaced, ///< the name itself, whatever stands there, as by a rename
-        Fresh     ///< a name that nothing has; EEXIST when something has it, also at `commit`
+        Locked,   ///< follows links, locks the target and keeps its mode; it must be writable
+        Replaced, ///< does not follow links; replaces whatever has the name
+        Fresh     ///< the name must be free; otherwise EEXIST, also at `commit`
     };
 
-    /// Opens a file beside `target`. Where no permissions are kept, it has `newMode` less the process's mask.
-    /// @return null on failure, with the reason in `errno`; EWOULDBLOCK when a lock was not to be had
+    /// Opens a file beside `target`. If no mode is kept, it gets `newMode` without the bits of the process's
+    /// umask.
+    /// @return null on failure, with the reason in `errno`; EWOULDBLOCK if another writer has the lock
     static std::unique_ptr<ReplacementFile> open(const std::string& target, Mode mode, mode_t newMode = 0666,
                                                  std::chrono::milliseconds wait = kLockWait);
-    /// Abandons what was not committed: the target stays as it is and the file beside is removed.
+    /// If `commit` was not called, removes the file beside and leaves the target unchanged.
     ~ReplacementFile();
     ReplacementFile(const ReplacementFile&) = delete;
     ReplacementFile& operator=(const ReplacementFile&) = delete;
 
-    /// Whether what stood at the target when this object was made still stands there. A program that renames
-    /// a file over the target asks for no lock.
+    /// Whether the target is still the file that it was when this object was made. Another program may have
+    /// renamed a file over it without asking for our lock.
     bool targetIsUnchanged() const;
-    /// The file to write to.
+    /// The descriptor of the file beside.
     int descriptor() const { return mFile.get(); }
-    /// How sure the new content is to survive a loss of power.
+    /// When the new content is safe from a power failure.
     enum class Durability
     {
-        Synced,        ///< on the disk when `commit` returns, with its name
-        ContentSynced, ///< on the disk before the target has it; the target may still be the old one
-        Unsynced       ///< as after an ordinary copy
+        Synced,        ///< content and name are on the disk when `commit` returns
+        ContentSynced, ///< the content is on the disk before the rename; the old target may come back
+        Unsynced       ///< no promise, as with an ordinary copy
     };
-    /// Syncs the file, renames it over the target and syncs the folder, as far as `durability` asks for it.
-    /// @return false, with the reason in `errno`, leaves the target as it was; when nothing but the sync of
-    /// the folder failed, it has the new content
+    /// Syncs the file, renames it to the target and syncs the folder, as `durability` demands.
+    /// @return false on failure, with the reason in `errno`; the target is then unchanged. If only syncing
+    /// the folder failed, it has the new content.
     bool commit(Durability durability = Durability::Synced);
 
-    /// The path of the file beside: a name that no other program and no other target has.
+    /// The path of the file beside. No other target and no other program uses it.
     static std::string besideName(const std::string& target);
-    /// Removes what a killed process left beside `target`.
+    /// Removes the file beside `target` that a killed process has left.
     static void removeLeftover(const std::string& target);
 
 private:
     enum class Attempt
     {
         Done,
-        Again, ///< the file system changed under us
+        Again, ///< the files changed meanwhile: try again
         Failed
     };
 
@@ -71,12 +73,12 @@ private:
     bool putInPlace() const;
     void abandon();
 
-    std::string mTarget; ///< not a link
+    std::string mTarget; ///< never a link
     std::string mBeside;
     Mode mMode;
-    FileHandle mTargetLock; ///< none when the target does not exist
+    FileHandle mTargetLock; ///< empty if the target does not exist
     FileHandle mFile;
-    bool mPending = false; ///< the file beside exists and is ours
+    bool mPending = false; ///< whether the file beside exists and is ours
 };
 
 } // namespace host

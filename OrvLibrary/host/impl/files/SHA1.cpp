@@ -17,15 +17,15 @@ constexpr std::size_t kPieceSize = 64 * 1024;
 
 using Context = std::unique_ptr<EVP_MD_CTX, decltype(&EVP_MD_CTX_free)>;
 
-/// The algorithm, looked up once because that costs more than hashing a small file; null where the policy of
-/// the machine forbids it.
+/// The algorithm, or null if a security policy forbids it. Looked up once, because the look-up takes longer
+/// than hashing a small file.
 const EVP_MD* sha1Algorithm()
 {
     static EVP_MD* const algorithm = EVP_MD_fetch(nullptr, "SHA1", nullptr);
     return algorithm;
 }
 
-/// Feeds the whole file to `add` in pieces.
+/// Passes the whole file to `add`, piece by piece.
 template <class Add>
 bool readPieces(int file, const Add& add)
 {

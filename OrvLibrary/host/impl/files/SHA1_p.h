@@ -4,8 +4,9 @@
 
 namespace host {
 
-/// SHA-1 of what is left to read of an open file, as lower-case hexadecimal digits; empty when it cannot be
-/// read or hashed. The first is about three times as fast; the second is there where the first is forbidden.
+/// Both return the SHA-1 of the rest of an open file in lower-case hexadecimal digits, or an empty text on
+/// failure. The first is three times as fast; the second works where a security policy forbids SHA-1 in
+/// OpenSSL.
 std::string sha1HexByOpenSsl(int file);
 std::string sha1HexByQt(int file);
 

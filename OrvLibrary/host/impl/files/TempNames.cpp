@@ -19,7 +19,7 @@ constexpr char kPrefix[] = "orv-";
 constexpr char kDigits[] = "0123456789abcdef";
 constexpr std::size_t kDigitCount = 24;
 
-/// Whether the name is a temporary one, or that of a file that was being written beside one.
+/// Whether it is a temporary name, or the name of a file beside a temporary one.
 bool isTempName(std::string name)
 {
     if (name.front() == '.')
@@ -37,11 +37,11 @@ void removeLeftovers(const std::string& folder)
     for (fs::directory_iterator entry(folder, failure), end; !failure && entry != end;
          entry.increment(failure)) {
         if (isTempName(entry->path().filename().native()))
-            unlink(entry->path().c_str()); // which leaves folders alone
+            unlink(entry->path().c_str()); // does not remove folders
     }
 }
 
-/// The folder that this process has claimed. Never destroyed, since threads may still run when the process
+/// The folder that this process uses. Never destroyed, because a thread may still use it when the process
 /// ends.
 struct Claim
 {

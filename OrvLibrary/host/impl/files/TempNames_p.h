@@ -4,12 +4,12 @@
 
 namespace host {
 
-/// A file name that no other call makes, in the form by which it is known as a temporary one.
+/// Makes a unique file name that `claimTempFolder` recognises as temporary.
 std::string makeTempName(const std::string& extension);
 
-/// Says that this process uses temporary names in `folder` from now on, for as long as it lives, by a shared
-/// lock on the folder. Where nobody else does, what killed processes left there is removed first: files whose
-/// names were made by `makeTempName`. A folder that cannot be locked is left alone.
+/// Marks `folder` as used by this process until its end, with a shared lock on the folder. If no other
+/// process uses it, first removes the files that killed processes left there, recognised by the names that
+/// `makeTempName` makes. Does nothing if the folder cannot be locked.
 void claimTempFolder(const std::string& folder);
 
 } // namespace host

@@ -11,14 +11,14 @@ namespace {
 
 constexpr char kSeparator = '/';
 
-/// Where the file name starts: behind the last separator.
+/// The index where the file name starts: after the last separator.
 std::size_t nameStart(const std::string& path)
 {
     const std::size_t separator = path.rfind(kSeparator);
     return separator == std::string::npos ? 0 : separator + 1;
 }
 
-/// Where the extension starts, with its dot; the end of the path when it has none.
+/// The index of the extension's dot; the length of the path if there is no extension.
 std::size_t extensionStart(const std::string& path)
 {
     const std::size_t start = nameStart(path);
@@ -62,7 +62,7 @@ fileString fileString::parentPath() const
     const std::string folder = mNative.substr(0, nameStart(mNative));
     const std::size_t last = folder.find_last_not_of(kSeparator);
     if (last == std::string::npos)
-        return fileString(folder.substr(0, 1)); // the root, or no folder at all
+        return fileString(folder.substr(0, 1)); // the root, or no folder
     return fileString(folder.substr(0, last + 1));
 }
 

@@ -7,7 +7,7 @@
 
 namespace error {
 
-/// Records every message in the logging category "orv.library".
+/// Writes every message to the logging category "orv.library".
 class DefaultMessagingSystem : public MessagingSystem
 {
 public:
@@ -19,7 +19,7 @@ private:
     bool isFirst(int messageNumber);
 
     ThreadMutex mMutex;
-    std::set<int> mShownOnce; ///< informations that were shown in this run; under mMutex
+    std::set<int> mShownOnce; ///< messages already shown in this run; guarded by mMutex
 };
 
 } // namespace error

@@ -14,7 +14,7 @@ struct Text
     const char* english;
 };
 
-// Ascending. A text with %1% is a format; a text that ends in a blank stands before a name.
+// In ascending order. Texts with %1% are formats; a name follows a text that ends with a blank.
 constexpr Text kTexts[] = {
     {2749, "%1%%%"},
     {2750, "%1% of %2%"},
@@ -51,7 +51,7 @@ constexpr Text kTexts[] = {
     {272032391, "The file \"%1%\" cannot be written. It may be read-only or in use by another program."},
 };
 
-/// The translators' text for an id; null when they have none, which they say by giving the id back.
+/// The translators' text for an id; null if they have none. A translator without a text returns the id.
 QString translated(const std::string& id)
 {
     const QString text = qtTrId(id.c_str());

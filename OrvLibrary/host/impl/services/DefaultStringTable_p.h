@@ -4,15 +4,15 @@
 
 #include "OrvLibrary/host/StringTable.h"
 
-/// The texts of the application's translators, else the English ones that are compiled in.
+/// Texts from the application's translators or, if they have none, in English.
 class DefaultStringTable : public StringTable
 {
 public:
     std::string text(std::uint32_t number) const override;
     std::string translation(const std::string& key) const override;
 
-    /// Every number that has an English text, ascending.
+    /// All numbers that have an English text, in ascending order.
     static std::vector<std::uint32_t> numbers();
-    /// The compiled-in text; empty when there is none.
+    /// The English text; empty if there is none.
     static std::string english(std::uint32_t number);
 };

@@ -6,7 +6,7 @@
 #include "OrvLibrary/host/impl/services/Logging_p.h"
 #include "OrvLibrary/host/impl/services/PrefFile_p.h"
 
-/// The content that the file had when it was last read or written, and the declarations of this process.
+/// The file's content as last read or written, and the preferences that this process declared.
 class Q_DECL_HIDDEN FilePrefSet::Private
 {
 public:
@@ -20,7 +20,7 @@ public:
         const auto known = declared.find(id);
         const bool wantsReal = known != declared.end() && std::holds_alternative<double>(known->second.value);
         if (value && wantsReal && std::holds_alternative<int>(*value))
-            return static_cast<double>(std::get<int>(*value)); // another writer's "1" for a real number
+            return static_cast<double>(std::get<int>(*value)); // another program wrote "1" for a real number
         return value;
     }
 
@@ -28,7 +28,7 @@ public:
     PrefFile file;
     QJsonObject members;
     std::map<int, Pref> declared;
-    std::map<int, PrefValue> unsaved; ///< changes that did not get into the file; tried again with the next
+    std::map<int, PrefValue> unsaved; ///< changes that could not be written; tried again with the next one
 };
 
 FilePrefSet::FilePrefSet(const fileString& path) : mPrivate(std::make_unique<Private>(path)) {}

@@ -2,7 +2,7 @@
 
 const QLoggingCategory& orvLibraryLog()
 {
-    // Never destroyed: a thread may still log while the process ends.
+    // Never destroyed: a thread may still log when the process ends.
     static const QLoggingCategory& sCategory = *new QLoggingCategory("orv.library");
     return sCategory;
 }

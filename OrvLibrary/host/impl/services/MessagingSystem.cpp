@@ -26,7 +26,7 @@ std::string joined(const String& text1, const String& text2, const String& text3
     return all;
 }
 
-/// A broken translation shows its raw text; a message must never fail itself.
+/// If a translation is broken, shows it without arguments, because a message must not fail.
 std::string filled(const std::string& text, const String& text1, const String& text2, const String& text3)
 {
     try {

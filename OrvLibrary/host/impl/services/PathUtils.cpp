@@ -4,7 +4,7 @@
 
 namespace {
 
-/// The folders of the default root, which follow the environment.
+/// The folders of the default root. Each call reads the environment anew.
 class DefaultPathUtils : public PathUtils
 {
 public:

@@ -13,13 +13,13 @@
 
 namespace {
 
-constexpr mode_t kNewMode = 0666; // less the mask of the process
+constexpr mode_t kNewMode = 0666; // without the bits of the process's umask
 
 struct Content
 {
     QByteArray bytes;
     QJsonObject members;
-    bool isReadable = true; ///< absent, empty or a JSON object
+    bool isReadable = true; ///< false if the file exists and is not a JSON object
 };
 
 QString fileName(const std::string& path)
@@ -27,7 +27,7 @@ QString fileName(const std::string& path)
     return QFile::decodeName(path.c_str());
 }
 
-/// @return nothing, with the reason in `errno`, for a file that is there and cannot be read
+/// @return empty if the file exists but cannot be read; `errno` has the reason
 std::optional<Content> readContent(const std::string& path)
 {
     Content content;
@@ -111,7 +111,7 @@ std::optional<QJsonObject> PrefFile::update(const std::map<int, PrefValue>& valu
     const auto file = ReplacementFile::open(mPath, ReplacementFile::Mode::Locked, kNewMode, mLockWait);
     if (!file)
         return failed(mPath, reason);
-    // A file that cannot be read now may be whole: it is not written over.
+    // A file that cannot be read may still be intact, so it is not overwritten.
     const auto content = readContent(mPath);
     if (!content)
         return failed(mPath, reason);

@@ -10,22 +10,22 @@
 #include "OrvLibrary/host/PreferenceEngine.h"
 #include "OrvLibrary/host/impl/files/FileHandle_p.h"
 
-/// The JSON file behind `FilePrefSet`: one member per preference number. Several processes may use one file;
-/// a change is made under an advisory lock on what the file holds at that moment.
+/// The JSON file of a `FilePrefSet`, with one member for each preference number. Several processes may share
+/// it: `update` locks the file, reads it anew and then changes it.
 class PrefFile
 {
 public:
     explicit PrefFile(const fileString& path, std::chrono::milliseconds lockWait = host::kLockWait);
 
-    /// The members; none when the file is missing or cannot be read as a JSON object.
+    /// The members. Empty if the file is missing or is not a JSON object.
     QJsonObject read() const;
-    /// Puts values into the file and keeps its other members. The file is replaced as a whole, and what was
-    /// not a JSON object is first copied aside with ".bad" appended.
-    /// @param reason filled with the file and the system's text on failure
-    /// @return what the file holds now; nothing on failure, when the file is as it was
+    /// Changes values and keeps all other members. Replaces the whole file. A file that is not a JSON object
+    /// is first copied to a file with ".bad" appended.
+    /// @param reason on failure, the file and the system's message
+    /// @return the new members; empty on failure, and the file is then unchanged
     std::optional<QJsonObject> update(const std::map<int, PrefValue>& values, std::string& reason) const;
 
-    /// The value of a number; nothing when there is no such member, or one that is no preference value.
+    /// The value of a number. Empty if there is no such member, or if it cannot be a preference value.
     static std::optional<PrefValue> value(const QJsonObject& members, int id);
 
 private:

@@ -37,7 +37,7 @@ void warnOfType(const char* operation, const Pref& pref, const char* expected)
                                              error::Message::kPreferenceType, text, "", "");
 }
 
-/// The default store of one root folder.
+/// The default preferences of one root folder.
 struct RootPrefs
 {
     explicit RootPrefs(const fileString& root) : set(root / fileString("preferences.json")), engine(set)
@@ -49,8 +49,8 @@ struct RootPrefs
     PreferenceEngine engine;
 };
 
-/// Stores of former roots stay, since callers may still hold them; none is ever destroyed, since threads may
-/// still run when the process ends.
+/// The stores of former roots are kept, because callers may still use them. None is destroyed, because a
+/// thread may still use it when the process ends.
 PreferenceEngine& defaultPrefs()
 {
     static auto& sMutex = *new ThreadMutex;

@@ -34,7 +34,7 @@ std::string homeFolder()
     return isKnown ? entry.pw_dir : "/";
 }
 
-/// The path as seen from the current folder, so that a later change of that folder moves nothing.
+/// The absolute path, so that it stays the same if the current folder changes.
 fileString absolutePath(const fileString& path)
 {
     std::error_code failure;
@@ -44,7 +44,7 @@ fileString absolutePath(const fileString& path)
     return fileString(current.native()) / path;
 }
 
-/// Makes the folder unreadable for others, whoever made it.
+/// Makes the folder unreadable for other users, even if another program made it.
 void makePrivate(const fileString& folder)
 {
     FileUtils::createDirectoriesWithPerm(folder.parentPath().parentPath(), false);
@@ -126,7 +126,7 @@ fileString RootPathUtils::defaultRoot()
     if (!given.empty())
         return absolutePath(fileString(given));
     const std::string data = environmentText("XDG_DATA_HOME");
-    if (!data.empty() && data.front() == '/') // a relative one is to be ignored
+    if (!data.empty() && data.front() == '/') // the environment's rules say to ignore a relative path
         return fileString(data) / fileString("orv-library");
     return fileString(homeFolder()) / fileString(".local/share/orv-library");
 }

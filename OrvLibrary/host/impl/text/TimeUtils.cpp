@@ -9,18 +9,18 @@
 
 namespace {
 
-/// The value of two digits; 100 when they are none.
+/// The value of two digits; 100 if they are not digits.
 int twoDigits(const std::string& text, std::size_t at)
 {
     const auto isDigit = [&](std::size_t i) { return i < text.size() && text[i] >= '0' && text[i] <= '9'; };
     return isDigit(at) && isDigit(at + 1) ? (text[at] - '0') * 10 + (text[at + 1] - '0') : 100;
 }
 
-constexpr std::size_t kTime = 9;             ///< where the hours stand
-constexpr std::size_t kFraction = kTime + 6; ///< where the point stands
+constexpr std::size_t kTime = 9;             ///< the index of the hours
+constexpr std::size_t kFraction = kTime + 6; ///< the index of the point
 
-/// Whether the text has the form "YYYYMMDDTHHMM[SS[.F]]". The parser of the date library would take hours
-/// beyond the day, signs, and anything at the end.
+/// Whether the text has the form "YYYYMMDDTHHMM[SS[.F]]". The date library would also accept 25 hours, signs
+/// and trailing characters.
 bool hasFormOfTime(const std::string& text)
 {
     if (text.size() < kTime + 4 || text[kTime - 1] != 'T' ||
@@ -38,7 +38,7 @@ bool hasFormOfTime(const std::string& text)
            text.find_first_not_of("0123456789", kFraction + 1) == std::string::npos;
 }
 
-/// Microseconds; further digits are cut off.
+/// The fraction in microseconds. Further digits are ignored.
 int fraction(const std::string& text)
 {
     int value = 0;
@@ -47,9 +47,9 @@ int fraction(const std::string& text)
     return value;
 }
 
-/// The time in a text of that form. The date library would read it too, but that took a quarter of the time
-/// of a whole manufacturer file.
-/// @throws std::exception when there is no such day
+/// Reads a text of this form. The date library can do it too, but took a quarter of the time needed to load a
+/// manufacturer file.
+/// @throws std::exception if there is no such day
 boost::posix_time::ptime timeFrom(const std::string& text)
 {
     const auto at = [&text](std::size_t place) { return twoDigits(text, place); };
@@ -60,7 +60,7 @@ boost::posix_time::ptime timeFrom(const std::string& text)
                                              boost::posix_time::microseconds(fraction(text)));
 }
 
-/// The number in decimal, with zeros before it up to `width`; the same in every locale.
+/// The number in decimal, filled with zeros to `width`, in every locale the same.
 std::string digits(long long number, std::size_t width)
 {
     const std::string text = std::to_string(number);
@@ -87,7 +87,7 @@ std::string toString(const ptime& time)
 {
     if (time.is_special())
         return boost::posix_time::to_iso_string(time);
-    // Not by the date library, which writes numbers as the process's locale does: "528,207" microseconds.
+    // The date library would follow the process's locale and write "528,207" microseconds.
     const auto day = time.date().year_month_day();
     const boost::posix_time::time_duration clock = time.time_of_day();
     std::string text = digits(day.year, 4) + digits(day.month, 2) + digits(day.day, 2) + "T" +
@@ -105,7 +105,7 @@ ptime fromString(const std::string& text)
     try {
         return isInfinity(text) ? boost::posix_time::from_iso_string(text) : timeFrom(text);
     } catch (const std::bad_alloc&) {
-        throw; // says nothing of the text; a record must not lose its time to it
+        throw; // no memory: the text may be right, and a record must not lose its time
     } catch (const std::exception&) {
         return none;
     }

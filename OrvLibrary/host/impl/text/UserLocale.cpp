@@ -4,7 +4,7 @@ namespace {
 
 struct Collators
 {
-    QLocale application; // what they were made for; cheaper to ask for than the user's locale
+    QLocale application; // the locale they were made for; comparing it is cheaper than asking for the user's
     QCollator exact = make(userLocale(), Qt::CaseSensitive);
     QCollator caseless = make(userLocale(), Qt::CaseInsensitive);
 

@@ -3,10 +3,10 @@
 #include <QCollator>
 #include <QLocale>
 
-/// The locale that texts for the user follow: the application's, or English when that is the C locale, whose
-/// numbers have no thousands separators and whose name order knows no numbers.
+/// The locale for texts that the user sees: the application's. If that is the C locale, English, because the
+/// C locale has no thousands separators and does not sort numbers by value.
 QLocale userLocale();
 
-/// The calling thread's own collator for `userLocale`: numbers by their value. It is made anew when the
-/// application changes its locale.
+/// The calling thread's collator for `userLocale`. It sorts numbers by value. When the application changes
+/// its locale, a new one is made.
 const QCollator& nameCollator(bool ignoreCase);

@@ -20,7 +20,7 @@ bool isAscii(const QString& text)
     return true;
 }
 
-/// The characters of the bytes from 0x80 up, in the order of the bytes.
+/// The characters for the bytes from 0x80 on, in order.
 const QString& upperHalf()
 {
     static const QString& sCharacters = *new QString([] {
@@ -43,8 +43,8 @@ char toByte(uint character)
 
 } // namespace
 
-// Not by the codec, which leaves out what nobody sees, such as a zero width space: two names that differ in
-// it would become one.
+// Qt's codec drops invisible characters such as a zero width space. Two different names would then become
+// one.
 std::string textToWindows1252(const QString& text)
 {
     if (isAscii(text))

@@ -4,8 +4,8 @@
 
 #include <QString>
 
-/// 8-bit Windows-1252; a character that the code page lacks becomes one "?".
+/// Converts to Windows-1252. A character that the code page lacks becomes one "?".
 std::string textToWindows1252(const QString& text);
-/// The five bytes that the code page leaves open become the control characters of the same number, so that
-/// every byte has a text and comes back from it.
+/// Converts from Windows-1252. The code page leaves five bytes undefined; they become the control characters
+/// with the same number, so every byte survives the way there and back.
 QString windows1252ToText(const std::string& bytes);
