@@ -6,8 +6,9 @@
 #include "OrvLibrary/OrvLibraryExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// The questions that the library asks the host's application object. The host installs it before it uses the
-/// library and takes it away after the last call; the operations may be called from any thread.
+/// The host's application object, which answers the library's questions about the host. The host installs it
+/// before it uses the library and removes it after the last call. The operations may be called from any
+/// thread.
 class ORVLIBRARY_EXPORT Application
 {
 public:
@@ -16,15 +17,15 @@ public:
     Application(const Application&) = delete;
     Application& operator=(const Application&) = delete;
 
-    /// The application's own name. It becomes part of the names of the download folders.
+    /// The name of the application. The names of the download folders contain it.
     virtual std::string name() const = 0;
-    /// File name of the core content index, of the form "Product_Core_Content_Index.txt".
+    /// The name of the file that lists the core content, of the form "Product_Core_Content_Index.txt".
     virtual fileString contentIndexName() const = 0;
 
-    /// Makes `application` the one that `gApp` names; null for none. The pointer is not owned.
+    /// Makes `gApp` point to `application`; null for none. The caller keeps ownership.
     /// @return the former one
     static Application* install(Application* application);
 };
 
-/// The installed application object; null when the host has none.
+/// The installed application object; null if there is none.
 extern ORVLIBRARY_EXPORT std::atomic<Application*> gApp;

@@ -3,8 +3,7 @@
 #include "OrvLibrary/OrvLibraryExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// A scope guard that deletes a file when it is destroyed, unless it was cancelled. A missing file is no
-/// error.
+/// Deletes a file when it is destroyed, unless `cancel` was called. A missing file is not an error.
 class ORVLIBRARY_EXPORT FileReaper
 {
 public:

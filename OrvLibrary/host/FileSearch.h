@@ -3,8 +3,8 @@
 #include "OrvLibrary/OrvLibraryExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// The host's cached look-ups of files. The library only says which folders changed; a host that caches
-/// nothing needs none, and the default keeps no cache. May be called from any thread.
+/// The host's cache of file look-ups. The library only tells it which folders have changed. A host without
+/// such a cache needs none; the default does nothing. May be called from any thread.
 class ORVLIBRARY_EXPORT FileSearch
 {
 public:
@@ -13,11 +13,11 @@ public:
     FileSearch(const FileSearch&) = delete;
     FileSearch& operator=(const FileSearch&) = delete;
 
-    /// Drops what is known of the files in `folder`.
+    /// Forgets everything cached about the files in `folder`.
     virtual void resetFileSearch(const fileString& folder) = 0;
 
     static FileSearch& get();
-    /// Makes `service` the one that `get` returns; null for the default. The pointer is not owned.
-    /// @return the former one, null when it was the default
+    /// Makes `get` return `service`, or the default if null. The caller keeps ownership.
+    /// @return the former service; null if it was the default
     static FileSearch* install(FileSearch* service);
 };

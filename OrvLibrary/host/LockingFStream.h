@@ -7,32 +7,32 @@
 #include "OrvLibrary/OrvLibraryExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// A file stream that holds an advisory lock on the file while it is open: shared for reading, exclusive for
-/// writing, waited for at most five seconds; a stream that does not get it does not open.
+/// A file stream that locks its file while it is open: shared for reading, exclusive for writing. The lock is
+/// advisory. If it is not available within five seconds, the stream does not open.
 ///
-/// Output goes to a file beside the target, which a successful `close()` syncs and renames over it. Until
-/// then the target keeps its old content; a stream that is destroyed without `close()`, or whose writing
-/// failed, leaves it so for ever and removes the file beside. A target that is a link is followed; a target
-/// that exists but cannot be written does not open.
+/// Output goes to a file beside the target. `close()` syncs this file and renames it to the target; until
+/// then the target keeps its old content. If the stream is destroyed without `close()`, or if writing failed,
+/// the target stays unchanged and the file beside is removed. A link is followed to its target. If the target
+/// exists and cannot be written, the stream does not open.
 ///
-/// Failures set the stream's state, and so throw `std::ios_base::failure` where the caller asked for
-/// exceptions; opening and closing leave the system's reason for a failure in `errno`. Numbers are written in
-/// the classic locale. One stream belongs to one thread.
+/// Failures set the stream's state, which throws `std::ios_base::failure` if the caller asked for exceptions.
+/// After a failure to open or close, `errno` has the system's reason. Numbers are written in the classic
+/// locale. One stream belongs to one thread.
 class ORVLIBRARY_EXPORT LockingFStream : public std::iostream
 {
 public:
-    /// Opens for reading (`std::ios_base::in`), writing (`out | trunc`) or appending (`app`, which writes in
-    /// place).
+    /// Opens for reading (`std::ios_base::in`), for writing (`out | trunc`) or for appending (`app`, which
+    /// writes directly to the file).
     LockingFStream(const fileString& path, std::ios_base::openmode mode);
-    /// Abandons output that was not closed.
+    /// Drops output if `close` was not called.
     ~LockingFStream() override;
     LockingFStream(const LockingFStream&) = delete;
     LockingFStream& operator=(const LockingFStream&) = delete;
 
     bool is_open() const;
-    /// Ends the stream: for output, the moment at which the target takes its new content. On failure the
-    /// target keeps its old content and `failbit` is set. (Where nothing but the sync of its folder failed,
-    /// the target has the new content, which may not survive a power cut.)
+    /// Ends the stream. For output, this is when the target gets its new content. On failure sets `failbit`,
+    /// and the target keeps its old content. (If only syncing the folder failed, the target has the new
+    /// content, but may lose it in a power failure.)
     void close();
 
 private:

@@ -9,7 +9,7 @@ namespace error {
 namespace Message {
 constexpr int kCannotWriteDataFile = 272032391;  ///< argument: the path
 constexpr int kManufacturerMaterial = 272032338; ///< no argument
-constexpr int kPreferenceType = 272032175;       ///< argument: the whole text
+constexpr int kPreferenceType = 272032175;       ///< argument: the complete text
 } // namespace Message
 
 /// How a message is to be shown.
@@ -32,19 +32,19 @@ private:
     Kind mKind;
 };
 
-/// An error, shown without more ado than its text.
+/// An error that is shown as its text only.
 struct ErrorMinimalTrait : Trait
 {
     constexpr ErrorMinimalTrait() : Trait(Kind::ErrorMinimal) {}
 };
 
-/// A warning: the operation goes on.
+/// A warning; the operation goes on.
 struct WarningTrait : Trait
 {
     constexpr WarningTrait() : Trait(Kind::Warning) {}
 };
 
-/// An information that is shown at most once per run.
+/// An information that is shown only once in each run.
 struct InformationOnceTrait : Trait
 {
     constexpr InformationOnceTrait() : Trait(Kind::InformationOnce) {}
@@ -59,24 +59,23 @@ public:
     MessagingSystem(const MessagingSystem&) = delete;
     MessagingSystem& operator=(const MessagingSystem&) = delete;
 
-    /// Shows or records the text of a message with up to three arguments. May be called from any thread; an
-    /// implementation that shows a window hands the message to its interface thread.
-    /// @param sourceFile, line where it was sent, for support staff
+    /// Shows or records a message with up to three arguments. May be called from any thread, so an
+    /// implementation with a window passes the message to its interface thread.
+    /// @param sourceFile, line the place in the source that sent it, for support staff
     virtual void notify(const char* sourceFile, int line, const Trait& trait, int messageNumber,
                         const marl::unicode::String& text1, const marl::unicode::String& text2,
                         const marl::unicode::String& text3) = 0;
 
-    /// The text of a message with its arguments filled in, UTF-8, translated; the arguments alone when the
-    /// number is unknown.
+    /// The translated text of a message with its arguments filled in, UTF-8. If the number is unknown, only
+    /// the arguments.
     static marl::unicode::String messageText(int messageNumber, const marl::unicode::String& text1,
                                              const marl::unicode::String& text2,
                                              const marl::unicode::String& text3);
 
-    /// The installed message system, or the default, which records each message in the logging category
-    /// "orv.library".
+    /// The installed message system. The default writes each message to the logging category "orv.library".
     static MessagingSystem& control();
-    /// Makes `system` the one that `control` returns; null for the default. The pointer is not owned.
-    /// @return the former one, null when it was the default
+    /// Makes `control` return `system`, or the default if null. The caller keeps ownership.
+    /// @return the former one; null if it was the default
     static MessagingSystem* install(MessagingSystem* system);
 };
 

@@ -5,7 +5,7 @@
 
 #include "OrvLibrary/OrvLibraryExport.h"
 
-/// The host's null-pointer error: a pointer that must not be null was.
+/// The host's error for a pointer that is null although it must not be.
 class ORVLIBRARY_EXPORT NullPointerError : public std::logic_error
 {
 public:
@@ -20,19 +20,19 @@ private:
     std::string mPointerName;
 };
 
-/// Raises the null-pointer error where a required pointer is null.
+/// Throws the error for a required pointer that is null.
 struct ORVLIBRARY_EXPORT NullPointerRaiser
 {
     /// @throws NullPointerError always
     [[noreturn]] static void Throw(const char* name, const char* file, int line);
 };
 
-/// Told of a failed assertion; returns, so that the caller goes on as it documents.
+/// Called when an assertion failed. It returns, and the caller goes on as its documentation says.
 using AssertHandler = void (*)(const char* file, int line, int code, const char* expression);
 
-/// Reports a failed assertion to the installed handler and returns. May be called from any thread.
+/// Calls the installed handler for a failed assertion. May be called from any thread.
 ORVLIBRARY_EXPORT void notifyAssert(const char* file, int line, int code, const char* expression);
-/// Makes `handler` the one that is told; null for the default, which writes a warning to the logging category
-/// "orv.library".
-/// @return the former one, null when it was the default
+/// Installs the handler for failed assertions; null for the default, which writes a warning to the logging
+/// category "orv.library".
+/// @return the former handler; null if it was the default
 ORVLIBRARY_EXPORT AssertHandler installAssertHandler(AssertHandler handler);

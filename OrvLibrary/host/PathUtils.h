@@ -3,9 +3,8 @@
 #include "OrvLibrary/OrvLibraryExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// The host's well-known folders. Every getter returns a folder path that ends with a separator; whether the
-/// folder exists is another matter, except for the temporary folder. All operations may be called from any
-/// thread.
+/// The host's folders. Every path ends with a separator. The folder need not exist, except for the temporary
+/// folder. All operations may be called from any thread.
 class ORVLIBRARY_EXPORT PathUtils
 {
 public:
@@ -26,18 +25,18 @@ public:
     virtual fileString getProprietaryLibraryReferencedFilesPath() const = 0;
     /// The user's texture archives.
     virtual fileString getUserTexturePath() const = 0;
-    /// A private temporary folder. It is made with mode 0700 when it is missing.
+    /// A private temporary folder. If it is missing, it is created with mode 0700.
     virtual fileString getTempPath() const = 0;
 
-    /// The installed path service, or the default: `RootPathUtils` on `RootPathUtils::defaultRoot()`, which
-    /// is looked up anew at every call.
+    /// The installed service. The default is a `RootPathUtils` on `RootPathUtils::defaultRoot()`, which is
+    /// determined anew for each call.
     static PathUtils& getObject();
-    /// Makes `service` the one that `getObject` returns; null for the default. The pointer is not owned.
-    /// @return the former one, null when it was the default
+    /// Makes `getObject` return `service`, or the default if null. The caller keeps ownership.
+    /// @return the former service; null if it was the default
     static PathUtils* install(PathUtils* service);
 };
 
-/// The well-known folders as folders of one root: "user/", "core/", "bonus/", "manufacturer/",
+/// A path service with all folders in one root folder: "user/", "core/", "bonus/", "manufacturer/",
 /// "manufacturer-data/", "referenced/", "textures/" and "temp/".
 class ORVLIBRARY_EXPORT RootPathUtils : public PathUtils
 {
@@ -56,11 +55,12 @@ public:
 
     /// The root, with its final separator.
     const fileString& root() const { return mRoot; }
-    /// Creates the root and every folder that is missing.
-    /// @param reason filled with the folder and the system's text on failure
+    /// Creates the root and all missing folders.
+    /// @param reason on failure, the folder and the system's message
     bool createFolders(std::string& reason) const;
 
-    /// "$ORV_LIBRARY_ROOT"; else "$XDG_DATA_HOME/orv-library"; else "~/.local/share/orv-library".
+    /// "$ORV_LIBRARY_ROOT"; if it is not set, "$XDG_DATA_HOME/orv-library" or "
+    /// /.local/share/orv-library".
     static fileString defaultRoot();
 
 private:

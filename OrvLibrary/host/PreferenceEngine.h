@@ -14,17 +14,17 @@ constexpr int kLastCoreUpdateHadError = 254; ///< bool, written at the end of a 
 constexpr int kExcludeCoreContent = 273;     ///< bool: a full update leaves the core catalogs alone
 } // namespace PrefId
 
-/// A preference's value; the alternative that is held is the preference's type.
+/// The value of a preference. The type it holds is the preference's type.
 using PrefValue = std::variant<bool, int, double, std::string>;
 
-/// One preference: what it is called and what it holds.
+/// One preference: its description and its value.
 struct Pref
 {
     std::string description;
     PrefValue value;
 };
 
-/// The set of preferences of a store.
+/// Stores preferences.
 class ORVLIBRARY_EXPORT PrefSet
 {
 public:
@@ -33,24 +33,24 @@ public:
     PrefSet(const PrefSet&) = delete;
     PrefSet& operator=(const PrefSet&) = delete;
 
-    /// A copy of the preference. One that was never set holds its declared default, or false when the number
-    /// is unknown to the store. May be called from any thread.
+    /// A copy of the preference. If it was never set, it has its declared default, or false if the number is
+    /// unknown. May be called from any thread.
     virtual Pref getPref(int id) const = 0;
-    /// Stores a value and keeps it; the type is checked by the caller. May be called from any thread.
+    /// Stores a value. Does not check its type; the caller does. May be called from any thread.
     virtual void setPref(int id, const PrefValue& value) = 0;
-    /// Whether the store knows the number: declared or set before.
+    /// Whether the number was declared or set.
     virtual bool hasPref(int id) const = 0;
 };
 
-/// The process-wide typed preference store.
+/// The preferences of the process, with their types checked.
 ///
-/// A read of a preference that holds another type sends the warning 272032175 through the message system and
-/// returns false or 0; a write to one sends a warning too and changes nothing. A number unknown to the store
-/// reads as false or 0 without a warning and takes the type of its first write.
+/// Reading a preference as another type than it has sends the warning 272032175 to the message system and
+/// returns false or 0. Writing another type sends a warning, too, and changes nothing. An unknown number
+/// reads as false or 0 without a warning; its first write determines its type.
 class ORVLIBRARY_EXPORT PreferenceEngine
 {
 public:
-    /// @param set where the values are kept; not owned
+    /// @param set stores the values; not owned
     explicit PreferenceEngine(PrefSet& set);
     virtual ~PreferenceEngine();
     PreferenceEngine(const PreferenceEngine&) = delete;
@@ -64,26 +64,26 @@ public:
 
     PrefSet& prefSet() const { return *mSet; }
 
-    /// The installed store, or the default: `FilePrefSet` on "preferences.json" in
+    /// The installed store. The default is a `FilePrefSet` on "preferences.json" in
     /// `RootPathUtils::defaultRoot()`.
     static PreferenceEngine& getThePrefs();
-    /// Makes `engine` the one that `getThePrefs` returns; null for the default. The pointer is not owned.
-    /// @return the former one, null when it was the default
+    /// Makes `getThePrefs` return `engine`, or the default if null. The caller keeps ownership.
+    /// @return the former one; null if it was the default
     static PreferenceEngine* install(PreferenceEngine* engine);
 
 private:
     PrefSet* mSet;
 };
 
-/// Preferences in a JSON file: one member per preference number, which holds a truth value, a text or a
-/// number. A whole number is an `int`, unless the preference is declared as `double`; any other is a
-/// `double`.
+/// Stores preferences in a JSON file, with one member for each number. The member is true or false, a text or
+/// a number. A whole number is an `int`, except if the preference was declared as `double`; every other
+/// number is a `double`.
 ///
-/// The file is read at construction and written at every change, the whole of it at once and synced. Several
-/// processes may use it: a change is made under a lock on what the file holds at that moment, and brings in
-/// what others changed. A change that cannot be written is logged in the category "orv.library", holds for
-/// this object, and is tried again with the next. A file that is not a JSON object leaves the defaults, and
-/// is copied aside with ".bad" appended before it is replaced. Members that are not understood are kept.
+/// The constructor reads the file; each change writes it completely and syncs it. Several processes may share
+/// it: a change locks the file, reads it anew (so changes by others are seen) and then writes. If a change
+/// cannot be written, it is logged in the category "orv.library", holds for this object and is tried again
+/// with the next change. If the file is not a JSON object, all preferences have their defaults, and before it
+/// is replaced it is copied to a file with ".bad" appended. Unknown members are kept.
 class ORVLIBRARY_EXPORT FilePrefSet : public PrefSet
 {
 public:
@@ -94,9 +94,9 @@ public:
     void setPref(int id, const PrefValue& value) override;
     bool hasPref(int id) const override;
 
-    /// Gives a number its name and default; a value that the file holds stays.
+    /// Gives a number its description and default. A value in the file is kept.
     void declare(int id, const std::string& description, const PrefValue& defaultValue);
-    /// Declares the preferences in `PrefId`, as the default store has them.
+    /// Declares the preferences of `PrefId`, as the default store does.
     void declareLibraryPrefs();
 
 private:

@@ -7,7 +7,7 @@
 
 namespace SHA1 {
 
-/// SHA-1 of a file's contents as 40 lower-case hexadecimal digits; empty for what is not a readable regular
+/// The SHA-1 of a file's content as 40 lower-case hexadecimal digits. Empty if it is not a readable regular
 /// file. The file is read in pieces. May be called from any thread.
 ORVLIBRARY_EXPORT std::string fileContentsToSHA1Hex(const fileString& path);
 

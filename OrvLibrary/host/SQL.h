@@ -4,7 +4,7 @@
 
 #include "OrvLibrary/OrvLibraryExport.h"
 
-/// The one service that the library needs of the host's database library.
+/// The only service that the library needs from the host's database library.
 namespace SQL {
 
 /// Single-byte database text (Windows-1252) to UTF-8. Never fails; may be called from any thread.

@@ -2,7 +2,7 @@
 
 #include <mutex>
 
-/// The host's non-recursive mutex. Locking it twice on one thread is an error of the caller.
+/// The host's mutex, not recursive: a thread must not lock it twice.
 class ThreadMutex
 {
 public:
@@ -14,7 +14,7 @@ private:
     std::mutex mMutex;
 };
 
-/// Scoped locks, held from construction to the end of the block.
+/// Locks a mutex from construction to the end of the block.
 template <class Mutex>
 using ThreadLockGuard = std::lock_guard<Mutex>;
 template <class Mutex>

@@ -8,18 +8,17 @@
 namespace marl {
 namespace unicode {
 
-/// The host's text type for what people read. It holds UTF-8; bytes that are not UTF-8 pass through unharmed,
-/// so that a path made from the text is the path that was meant. A plain value: one object belongs to one
-/// thread.
+/// The host's type for texts that people read, in UTF-8. Bytes that are not UTF-8 stay unchanged, so a path
+/// made from the text is the right path. A plain value: one object belongs to one thread.
 class ORVLIBRARY_EXPORT String
 {
 public:
     String() = default;
-    /// Takes UTF-8. Deliberately implicit: literals and standard strings stand for user texts everywhere.
+    /// Takes UTF-8. Not explicit, so that literals and standard strings can be used as texts everywhere.
     String(std::string utf8);
     String(const char* utf8);
 
-    /// The text as UTF-8, byte for byte what it was built from.
+    /// The text in UTF-8, with exactly the bytes it was made from.
     const std::string& toUTF8String() const { return mUtf8; }
     bool empty() const { return mUtf8.empty(); }
 

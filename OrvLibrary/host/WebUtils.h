@@ -6,10 +6,10 @@
 
 #include "OrvLibrary/OrvLibraryExport.h"
 
-/// Helpers around HTTP answers. All may be called from any thread.
+/// Functions for HTTP answers. All may be called from any thread.
 namespace WebUtils {
 
-/// Orders header names without regard to ASCII letter case.
+/// Orders header names and ignores the case of ASCII letters.
 struct ORVLIBRARY_EXPORT HeaderNameCompare
 {
     bool operator()(const std::string& left, const std::string& right) const;
@@ -17,12 +17,12 @@ struct ORVLIBRARY_EXPORT HeaderNameCompare
 
 using HeaderMap = std::map<std::string, std::vector<std::string>, HeaderNameCompare>;
 
-/// The final address after redirects, asked of the download service; empty when it cannot be resolved.
+/// The address at the end of all redirects, from the download service; empty if it cannot be found.
 ORVLIBRARY_EXPORT std::string getUrlAfterRedirects(const std::string& url);
 
-/// Adds the headers of a raw header block to `map`: name to the list of its values, in the order in which
-/// they came, blanks around a value removed. The status line and lines without a colon are passed over; a
-/// header without a value is there with one empty value.
+/// Adds the headers of a raw header block to `map`: each name with its list of values, in their order,
+/// without blanks around them. The status line and lines without a colon are ignored. A header without a
+/// value gets one empty value.
 ORVLIBRARY_EXPORT void parseReturnHeader(const std::string& text, HeaderMap& map);
 
 } // namespace WebUtils

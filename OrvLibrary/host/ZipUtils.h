@@ -12,22 +12,22 @@
 #include "OrvLibrary/host/ProgressSubject.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// Access to zip archives. The walks and reads throw `std::runtime_error`, with the archive and what is wrong
-/// with it, on anything but a sound archive: not a zip, cut, a bad directory or checksum, a broken or
-/// over-long stream, an encrypted member asked to be read, overlapping members, more than 100,000 members, a
-/// member of more than 1,100 times its compressed size plus 1 MiB. The valid empty archive of 22 bytes has no
-/// members.
+/// Access to zip archives. Reading functions throw `std::runtime_error`, with the archive and the problem, if
+/// the archive is not sound. Problems are: not a zip archive, cut off, a wrong directory or checksum, a
+/// broken stream or one that is too long, reading an encrypted member, members that overlap, more than
+/// 100,000 members, or a member larger than 1,100 times its compressed size plus 1 MiB. An empty archive of
+/// 22 bytes is sound.
 ///
-/// All functions may be called from any thread; one archive handle belongs to the walk that made it.
-/// Extensions and names compare exactly, letter case included.
+/// All functions may be called from any thread. An archive handle belongs to the walk that made it.
+/// Extensions and names are compared exactly, including letter case.
 namespace ZipUtils {
 
-/// The open archive of a walk, handed to its callback; lives as long as the walk.
+/// The open archive of a walk. It is passed to the callback and lives as long as the walk.
 class ArchiveHandle;
-/// Where and how the current member of a walk is stored.
+/// How the current member of a walk is stored.
 class RawDataInfo;
 
-/// Thrown by work that its progress object asked to cancel. Nothing that it wrote remains.
+/// Thrown if the progress object cancels the work. Nothing written by the work remains.
 class ORVLIBRARY_EXPORT Cancelled : public std::runtime_error
 {
 public:
@@ -37,72 +37,72 @@ public:
 
 /// ".zip".
 ORVLIBRARY_EXPORT fileString getExtension();
-/// Thrown within the library when another program has replaced the archive that is about to be replaced:
-/// what was written was made of the former one, and is given up. For other code it is a std::runtime_error.
+/// Thrown inside the library if another program has replaced the archive that is about to be replaced. The
+/// new file was made from the former archive, so it is dropped. Other code sees a std::runtime_error.
 class Overtaken : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The text between the archive's path and the member's name in a member address.
+/// The text between the archive's path and the member's name in the address of a member.
 ORVLIBRARY_EXPORT fileString getDelimiter();
 
-/// Total uncompressed size of all members, in bytes.
-/// @throws std::runtime_error for an unsound archive
+/// The sum of the uncompressed sizes of all members, in bytes.
+/// @throws std::runtime_error if the archive is damaged
 ORVLIBRARY_EXPORT std::uint64_t getSizeOfArchive(const fileString& archive);
-/// The member names, in archive order.
-/// @throws std::runtime_error for an unsound archive
+/// The names of the members, in the order of the archive.
+/// @throws std::runtime_error if the archive is damaged
 ORVLIBRARY_EXPORT std::vector<fileString> getFilenamesInArchive(const fileString& archive);
 
 using MemberCallback =
     std::function<bool(const fileString& member, ArchiveHandle& handle, const RawDataInfo& rawInfo)>;
 
-/// Walks the members in archive order until the callback returns false. Members that the callback writes with
-/// `writeFileToArchiveRaw` go to files beside the archives, which take their places when the walk ends. A
-/// walk inside the callback of another one is on its own.
-/// @throws std::runtime_error for an unsound archive, or when an archive written to could not be completed
-/// (it is then as it was before the walk); what the callback throws passes through, and nothing written to
-/// remains
+/// Calls the callback for each member, in the order of the archive, until it returns false. Members that the
+/// callback writes with `writeFileToArchiveRaw` go to files beside the archives; these replace the archives
+/// when the walk ends. A walk inside the callback of another walk is independent of it.
+/// @throws std::runtime_error if the archive is damaged, or if an archive could not be written (it is then
+/// unchanged); whatever the callback throws, and then nothing written remains
 ORVLIBRARY_EXPORT void getFilesDataInArchive(const fileString& archive, const MemberCallback& callback);
 
-/// Copies the current member of a walk, still compressed, into another archive, with all that its directory
-/// entry says. A member of the same name is replaced.
-/// @param create true makes the target when it is missing, adds to a sound one and replaces an unsound one;
-/// false needs a sound archive
-/// @return false for names that are empty, absolute, hold a ".." component, a drive letter or a NUL, or are
-/// over 4,096 bytes, for what cannot be copied, and for a target that cannot be begun; a refusal touches the
-/// target in no way. Another writer of the target is waited for; all waiting of a walk takes at most 5 s. A
-/// target that could not be begun is refused at once for the rest of the walk.
-/// @throws std::runtime_error when the new archive cannot be written, for example on a full disk
+/// Copies the current member of a walk into another archive, still compressed, with all data of its directory
+/// entry. Replaces a member with the same name.
+/// @param create if true, makes a missing target, adds to a sound one and replaces a damaged one; if false,
+/// the target must be a sound archive
+/// @return false if the member is refused; the target is then untouched. Reasons are: a name that is empty,
+/// absolute, over 4,096 bytes, or has a ".." component, a drive letter or a NUL; a member that cannot be
+/// copied; a target that cannot be begun. If another program writes the target, waits for it, for at most 5 s
+/// in all during a walk. A target that could not be begun is refused for the rest of the walk.
+/// @throws std::runtime_error if the new archive cannot be written, on a full disk for example
 ORVLIBRARY_EXPORT bool writeFileToArchiveRaw(const fileString& target, const fileString& member,
                                              ArchiveHandle& handle, bool create, const RawDataInfo& rawInfo);
-/// Whether members may be added: an existing sound archive that can be written, or one that the innermost
-/// walk of this thread began.
+/// Whether members may be added: to a sound archive that can be written, or to an archive begun by the
+/// innermost walk of this thread.
 ORVLIBRARY_EXPORT bool canAddToArchive(const fileString& archive);
-/// The same for the walk of that handle; false at once for an archive that it could not begin.
+/// The same for the walk of this handle. False for an archive that the walk could not begin.
 ORVLIBRARY_EXPORT bool canAddToArchive(const fileString& archive, const ArchiveHandle& handle);
-/// Whether a target of that walk could not be begun, so that nothing was or will be written to it.
+/// Whether the walk could not begin this target. Nothing is written to it then.
 ORVLIBRARY_EXPORT bool isRefused(const fileString& target, const ArchiveHandle& handle);
 
-/// Makes a file of the current member's content, written beside `target`, whose place it takes when the walk
-/// ends. A large member may be extracted on a thread of its own while the walk goes on; damage in it is then
-/// found by the end of the walk. Of several members for one target the last one counts.
-/// @return false for a target that exists and is read-only or locked by another writer, which is left alone
-/// @throws std::ios_base::failure when the target cannot be written; std::runtime_error for an unsound member
+/// Extracts the current member to a file. It is written beside `target` and replaces it when the walk ends. A
+/// large member may be extracted on its own thread while the walk goes on; damage in it is then found before
+/// the walk ends. If several members go to one target, the last one counts.
+/// @return false if the target exists and is read-only or locked by another writer; it is then untouched
+/// @throws std::ios_base::failure if the target cannot be written; std::runtime_error if the member is
+/// damaged
 ORVLIBRARY_EXPORT bool extractFileFromArchive(const fileString& target, ArchiveHandle& handle,
                                               const RawDataInfo& rawInfo);
-/// Tells the walk that the current member is not wanted: its content is not verified.
+/// Tells the walk that the current member is not needed, so its content is not verified.
 ORVLIBRARY_EXPORT void leaveOutMember(ArchiveHandle& handle, const RawDataInfo& rawInfo);
 
-/// Several walks that write to the same archives, which are completed together. A walk belongs to a batch
-/// when it is made by it, and to nothing else. A batch that is destroyed without `complete` leaves every
-/// archive as it was. One object belongs to one thread.
+/// Several walks that write to the same archives, which are then completed together. Only walks started by
+/// `walk` belong to the batch. If the batch is destroyed without `complete`, all archives stay unchanged. One
+/// object belongs to one thread.
 ///
-/// A walk gives the progress object a sub-progress of as many bytes as `getSizeOfArchive` says, and tells it
-/// of the content that is done (`advanceBytes`), over a whole walk just as many. The object is asked for a
-/// cancel after every 8 MB of work; less than that is neither told in between nor asked about. Labels name
-/// what comes after the last member, where that is 8 MB or more: "checking", "putting in place".
+/// Each walk begins a part of the progress with the number of bytes from `getSizeOfArchive`, and reports
+/// finished content with `advanceBytes`, which adds up to this number. The progress object is asked for a
+/// cancel after every 8 MB of work. Work of less than 8 MB is neither reported nor asked about until its end.
+/// If the work after the last member is 8 MB or more, labels name it: "checking", "putting in place".
 class ORVLIBRARY_EXPORT ArchiveBatch
 {
 public:
@@ -112,16 +112,16 @@ public:
     ArchiveBatch(const ArchiveBatch&) = delete;
     ArchiveBatch& operator=(const ArchiveBatch&) = delete;
 
-    /// Begins an empty archive that takes the place of `archive` when the batch is completed; until then what
-    /// stands there stays, and can be walked. Other writers are kept off it.
-    /// @throws std::runtime_error when it cannot be written, or another writer holds it for more than 5 s;
+    /// Begins an empty archive that replaces `archive` in `complete`. Until then the existing archive stays
+    /// and can be walked. Other writers are kept out.
+    /// @throws std::runtime_error if it cannot be written, or if another writer has it for more than 5 s;
     /// Cancelled
     void begin(const fileString& archive);
-    /// Walks an archive as `getFilesDataInArchive` does, but completes nothing.
-    /// @throws as `getFilesDataInArchive`; Cancelled
+    /// Walks an archive like `getFilesDataInArchive`, but does not complete anything.
+    /// @throws what `getFilesDataInArchive` throws; Cancelled
     void walk(const fileString& archive, const MemberCallback& callback);
-    /// Gives everything that was written to its place.
-    /// @throws std::runtime_error when something could not be completed, or a walk had failed; Cancelled
+    /// Gives all written files their names.
+    /// @throws std::runtime_error if something could not be completed or a walk had failed; Cancelled
     void complete();
 
 private:
@@ -129,55 +129,56 @@ private:
     std::unique_ptr<Private> mPrivate;
 };
 
-/// Moves a file as it is to a name that nothing has, also to another file system. A source that cannot be
-/// removed stays.
-/// @param progress is asked for a cancel; may be null
-/// @return false when something has the name; `source` is then still there
-/// @throws std::runtime_error when `source` is no regular file, or `target` cannot be written; Cancelled
+/// Moves a file, unchanged, to a name that must be free; also to another file system. If the source cannot be
+/// removed, it stays.
+/// @param progress asked for a cancel; may be null
+/// @return false if the name is taken; `source` is then still there
+/// @throws std::runtime_error if `source` is not a regular file or `target` cannot be written; Cancelled
 ORVLIBRARY_EXPORT bool moveToNewArchive(const fileString& source, const fileString& target,
                                         const std::shared_ptr<ProgressSubject>& progress);
 
-/// A member that is not sound, and why. The name is empty where the archive as a whole cannot be read.
+/// A damaged member and the reason. Its name is empty if the archive as a whole cannot be read.
 struct DamagedMember
 {
     fileString name;
-    std::string reason; ///< names archive and member
+    std::string reason; ///< with the names of the archive and the member
 };
 
-/// Verifies the structure of an archive and every member of it that is neither encrypted nor compressed by
-/// another method than deflate.
-/// @param progress is told the total in bytes and the bytes that are done, and asked for a cancel; may be
-/// null
-/// @param damaged takes what is not sound, in no certain order; may be null
+/// Verifies the structure of an archive and all members, except those that are encrypted or compressed with
+/// an unknown method.
+/// @param progress receives the total and the finished bytes, and is asked for a cancel; may be null
+/// @param damaged receives the damaged members, in any order; may be null
 /// @return whether the archive is sound
 /// @throws Cancelled
 ORVLIBRARY_EXPORT bool verify(const fileString& archive, const std::shared_ptr<ProgressSubject>& progress,
                               std::vector<DamagedMember>* damaged);
-/// Writes the sound members of a damaged archive, which stays as it is, to a new archive. Where the directory
-/// is lost, the members are looked for in the whole file; only their content, names and dates come back then.
-/// @param target is replaced in one step; may be the archive itself
+/// Writes the sound members of a damaged archive to a new archive. The damaged one stays unchanged. If its
+/// directory is lost, the whole file is searched for members; they then get back only their content, name and
+/// date.
+/// @param target replaced in one step; may be the archive itself
 /// @param progress as for `verify`
-/// @param lost takes the members that are not sound; may be null
-/// @throws std::runtime_error when `archive` cannot be read at all or `target` cannot be written; Cancelled
+/// @param lost receives the damaged members; may be null
+/// @throws std::runtime_error if `archive` cannot be read or `target` cannot be written; Cancelled
 ORVLIBRARY_EXPORT void salvage(const fileString& archive, const fileString& target,
                                const std::shared_ptr<ProgressSubject>& progress,
                                std::vector<DamagedMember>* lost);
 
 using DataCallback = std::function<void(const std::vector<unsigned char>& data)>;
 
-/// Delivers a member's whole data in one piece. Of several members of one name the last one counts.
+/// Delivers the whole content of a member in one piece. If several members have the name, the last one
+/// counts.
 /// @param memberAddress archive path + `getDelimiter()` + member name
-/// @throws std::bad_alloc when the data cannot be allocated or is over 512 MiB; `std::runtime_error` for an
-/// unsound archive or a missing member
+/// @throws std::bad_alloc if memory runs out or the content is over 512 MiB; `std::runtime_error` if the
+/// archive is damaged or the member is missing
 ORVLIBRARY_EXPORT void writeFileDataFromArchive(const fileString& memberAddress,
                                                 const DataCallback& callback);
 
-/// Reads one member in pieces. Like the walks it throws `std::runtime_error` where the archive is not sound;
-/// the member's checksum is verified when its end is reached. One object belongs to one thread.
+/// Reads one member in pieces. Throws `std::runtime_error` if the archive is damaged. The checksum is
+/// verified when the end of the member is reached. One object belongs to one thread.
 class ORVLIBRARY_EXPORT ZipInputStream
 {
 public:
-    /// @throws std::runtime_error when the archive or the member cannot be opened
+    /// @throws std::runtime_error if the archive or the member cannot be opened
     explicit ZipInputStream(const fileString& memberAddress);
     ~ZipInputStream();
     ZipInputStream(const ZipInputStream&) = delete;

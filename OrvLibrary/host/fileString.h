@@ -7,9 +7,9 @@
 #include "OrvLibrary/OrvLibraryExport.h"
 #include "OrvLibrary/host/UnicodeString.h"
 
-/// A path: the bytes that the file system sees, kept exactly as given. A plain value, usable as the key of an
-/// ordered container; one object belongs to one thread. A text with a NUL byte names nothing that can exist:
-/// every question about it is answered as for a missing file.
+/// A path: the bytes that the file system uses, unchanged. A plain value that can be a key of an ordered
+/// container. One object belongs to one thread. A path with a NUL byte cannot exist; all functions treat it
+/// as a missing file.
 class ORVLIBRARY_EXPORT fileString
 {
 public:
@@ -22,16 +22,17 @@ public:
     bool pathExists() const;
     bool empty() const { return mNative.empty(); }
 
-    /// File name without folder and extension: "Doors" for "/a/Doors.orvlib". A leading dot starts no
-    /// extension.
+    /// The file name without folder and extension: "Doors" for "/a/Doors.orvlib". A dot at the start of the
+    /// name does not begin an extension.
     fileString stem() const;
-    /// File name without folder. Empty when the path ends with a separator.
+    /// The file name without folder. Empty if the path ends with a separator.
     fileString stemWithExtension() const;
-    /// Extension with its dot, letter case as it stands; empty when there is none.
+    /// The extension with its dot, in its letter case; empty if there is none.
     fileString extension() const;
-    /// Containing folder without the final separator; for a path that ends with a separator, that folder.
+    /// The folder without the separator at its end. For a path that ends with a separator, this is the path
+    /// without it.
     fileString parentPath() const;
-    /// Containing folder with the final separator; empty when the path names no folder.
+    /// The folder with the separator at its end; empty if the path has no folder.
     fileString parentPathWithSeparator() const;
     /// The whole path without its extension.
     fileString pathAndName() const;
@@ -39,12 +40,12 @@ public:
     marl::unicode::String unicodeString() const;
     const std::string& toNativeString() const { return mNative; }
 
-    /// Last modification, in whole seconds since the epoch; 0 when the file does not exist.
+    /// When the file was last changed, in seconds since 1970; 0 if it does not exist.
     std::time_t modificationTime() const;
 
-    /// Replaces the value with the path of a file that does not exist yet, in the host's temporary folder.
-    /// Before this process first uses the folder, files that killed processes left there under such names are
-    /// removed, provided that no other process uses the folder.
+    /// Sets the path to a new name in the host's temporary folder. Before the process uses this folder for
+    /// the first time, removes the temporary files of killed processes, unless another process is using the
+    /// folder.
     /// @param extension with its dot, such as ".zip"
     void generateAsTempName(const fileString& extension);
     void generateAsTempName(const char* extension);
@@ -53,10 +54,10 @@ private:
     std::string mNative;
 };
 
-/// Joins with exactly one separator, also when the right side starts with one or the left side ends with one.
-/// An empty left side gives the right side as it is.
+/// Joins two paths with exactly one separator, even if either side already has one. If the left side is
+/// empty, returns the right side.
 ORVLIBRARY_EXPORT fileString operator/(const fileString& left, const fileString& right);
-/// Plain concatenation: no separator is added.
+/// Joins the texts without adding a separator.
 ORVLIBRARY_EXPORT fileString operator+(const fileString& left, const fileString& right);
 /// Byte-wise order.
 ORVLIBRARY_EXPORT bool operator<(const fileString& left, const fileString& right);
