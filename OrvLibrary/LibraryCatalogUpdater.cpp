@@ -18,7 +18,7 @@ namespace LibraryCatalogUpdate {
 
 namespace {
 
-/// For the length of a run, a cancel ends the requests of its thread, whatever their kind.
+/// Makes a cancel end all requests of this thread while a run is active.
 class RunCancelQuestion
 {
 public:
@@ -63,7 +63,7 @@ void LibraryCatalogUpdater::operator()()
     const RunCancelQuestion question;
     prepareFolders();
     attempt(&LibraryCatalogUpdater::gatherCatalogs, "Unable to gather the catalogs");
-    // Also after a cancel, which these find out about themselves.
+    // These run after a cancel, too; they check for it themselves.
     attempt(&LibraryCatalogUpdater::checkForUpdates, "Unable to check the catalogs");
     attempt(&LibraryCatalogUpdater::updateCatalogs, "Unable to update the catalogs");
     saveHashFiles();
@@ -71,8 +71,8 @@ void LibraryCatalogUpdater::operator()()
     sendClosingInvocation();
 }
 
-// Deliberate: the download folders are left alone. A catalog may wait there that a run which died had
-// fetched, and a host has not put in place.
+// Deliberate: the download folders stay unchanged. They may hold a catalog that a killed run downloaded and
+// the host has not yet put into place.
 // Kept by: LibraryCatalogUpdaterCheck.checkAloneAsksTheSameAndChangesNothing
 void LibraryCatalogUpdater::check()
 {
@@ -117,9 +117,9 @@ void LibraryCatalogUpdater::gatherCatalogs()
     gatherLibraryCatalogs(mManufacturerFiles, Library::kManufacturerLibrary);
 }
 
-// Deliberate: every hash file of the run is written anew, also after a cancel and when its category was not
-// gathered. What is not remembered then is asked for by the SHA-1 of the installed file the next time. The
-// order is that of the gathering: core, bonus, manufacturer.
+// Deliberate: all hash files are written, even after a cancel and for categories that were not gathered. A
+// tag that is not saved is replaced in the next run by the SHA-1 of the installed file. The order is that of
+// gathering: core, bonus, manufacturer.
 // Kept by: LibraryCatalogUpdaterCheck.aCancelWhileCheckingFinishesTheChecksAndSavesAllHashFiles
 void LibraryCatalogUpdater::saveHashFiles()
 {
@@ -160,7 +160,7 @@ void LibraryCatalogUpdater::sendClosingInvocation()
         whole.updatedCatalogs = mUpdatedCatalogs;
         mHostObject->closeCatalogUpdate(whole);
     } catch (const std::bad_alloc&) {
-        // No memory for the names: that the host hears of the end matters more.
+        // No memory for the names. It is more important that the host learns of the end.
         mHostObject->closeCatalogUpdate(data);
     }
 }
@@ -179,7 +179,7 @@ void LibraryCatalogUpdater::noteException(const char* failure, const fileString&
         const std::string reason = reasonOfException();
         Library::ErrorLog() << failure << subject << "   Reason:  " << reason << "\n";
     } catch (const std::bad_alloc&) {
-        // The run goes on without the entry.
+        // The run goes on without this entry.
     }
 }
 

@@ -21,54 +21,55 @@ class CatalogEvents;
 class CatalogHashesAhead;
 
 /// Brings the catalogs up to date: finds the catalog files, asks the web service which have changed,
-/// downloads and installs those, and remembers their tags in the hash files.
+/// downloads and installs these, and saves their tags in the hash files.
 ///
-/// The host constructs an updater on the thread of its host object and runs it on a worker thread, to which
-/// it can be handed by value; one object serves one run, and only one run may go on at a time. Everything is
-/// reported to the host object by queued invocations of these slots, each of which it may lack:
+/// The host constructs an updater on the thread of its host object. It then runs it on a worker thread, to
+/// which it may pass it by value. One object serves one run, and only one run may be active at a time.
+///
+/// The updater reports to the host object with queued calls of these slots, each of which may be missing:
 /// "onSetText(std::string)", "onSetUnits(std::string)", "onSetRangeInGauge(size_t)",
-/// "onSetValueInGauge(size_t)", "onUpdateInGauge()", "onCatalogUpdatedEvent(FileStringPair)", and at the end
-/// either "closeCatalogUpdateEvent(const LibraryCatalogUpdate::UpdateData&)" or, after a cancel, "onClose()".
-/// The host object may be destroyed at any time; the run then completes in silence.
+/// "onSetValueInGauge(size_t)", "onUpdateInGauge()" and "onCatalogUpdatedEvent(FileStringPair)". The last
+/// call is "closeCatalogUpdateEvent(const LibraryCatalogUpdate::UpdateData&)" or, after a cancel,
+/// "onClose()". The host object may be destroyed at any time; the run then goes on without reporting.
 class ORVLIBRARY_EXPORT LibraryCatalogUpdater : public LibraryProgressBase
 {
 public:
-    /// Ends the effect of a former cancel.
-    /// @param host the object that is told; not owned
-    /// @param coreFiles, bonusFiles, manufacturerFiles full paths of the catalogs of each kind
-    /// @param product, version sent with every request as they are
+    /// Clears an earlier cancel.
+    /// @param host the host object; not owned
+    /// @param coreFiles, bonusFiles, manufacturerFiles the full paths of the catalogs of each kind
+    /// @param product, version sent with every request, unchanged
     /// @param contentRedirect the address that redirects to the web service
-    /// @param onlyCore leaves the bonus and manufacturer catalogs alone
+    /// @param onlyCore if true, bonus and manufacturer catalogs are not updated
     LibraryCatalogUpdater(QObject& host, const std::set<fileString>& coreFiles,
                           const std::set<fileString>& bonusFiles,
                           const std::set<fileString>& manufacturerFiles, const std::string& product,
                           const std::string& version, const std::string& contentRedirect, bool onlyCore);
-    /// Copies share the host object.
+    /// Copies use the same host object.
     LibraryCatalogUpdater(const LibraryCatalogUpdater&);
     LibraryCatalogUpdater& operator=(const LibraryCatalogUpdater&);
     ~LibraryCatalogUpdater() override;
 
-    /// The whole run. A failure, and an exception of a host service, ends the step that it happens in, is
-    /// written to the error log, and is summed up in the closing invocation, which is sent exactly once.
-    /// @throws NullPointerError when there is no application object (`gApp`); nothing is sent or saved then
+    /// Runs the whole update. If a step fails or a host service throws, this step ends and the error log gets
+    /// an entry. The closing call, which is made exactly once, reports it.
+    /// @throws NullPointerError if there is no application object (`gApp`); nothing is then reported or saved
     void operator()();
 
-    /// A run that ends after its check: it asks the web service everything that a whole run asks, and fetches
-    /// nothing. No catalog, hash file or download folder changes. The host object is told what a run that
-    /// is cancelled there tells it, "onClose" at the end. `catalogs` then says what the service answered.
-    /// @throws NullPointerError as the whole run does
+    /// Runs only the check: sends all requests of a full update and downloads nothing. No catalog, hash file
+    /// or download folder changes. The host object gets the calls of an update that is cancelled after its
+    /// check, with "onClose" as the last one. `catalogs` then returns the answers.
+    /// @throws NullPointerError as a full update does
     void check();
 
-    /// The records of the run, with what the service answered for each. To be called on the thread of the
-    /// run, or after its end.
+    /// The records of the run, with the web service's answer to each. Call it on the thread of the run, or
+    /// after its end.
     const CatalogMap& catalogs() const { return mCatalogs; }
 
-    /// Cancels the run, from any thread. The worker notices at its next check; the hash files are still
-    /// saved.
+    /// Cancels the run; may be called from any thread. The worker stops at its next check and still saves the
+    /// hash files.
     static void killDownload();
 
 private:
-    // The stages of a run, in order.
+    // The steps of a run, in order.
     void prepareFolders();
     void gatherCatalogs();
     void checkForUpdates();
@@ -90,7 +91,7 @@ private:
     void fetchErrorPage(const fileString& name, CatalogUpdateData& record);
     void updateTotalDownloadSize();
 
-    // Download and installation; what returns bool is false on a failure that it has written to the log.
+    // Download and installation. Those that return bool return false after a failure that they have logged.
     bool updateCatalog(const fileString& catalogFile, CatalogUpdateData& record, const std::string& prefix,
                        Library::ErrorLog& log);
     fileString prepareDownload(const fileString& catalogFile, const CatalogUpdateData& record,
@@ -110,9 +111,9 @@ private:
     bool installReferencedFile(const fileString& newFile, Library::ErrorLog& log);
     void setFilePermissionIfNotThrow(Library::ErrorLog& log, const fileString& file);
 
-    // What keeps a failure inside its step. The missing application object is thrown on.
+    // These keep a failure inside its step. The error for a missing application object is thrown on.
     void attempt(void (LibraryCatalogUpdater::*stage)(), const char* failure);
-    /// Called while an exception is handled.
+    /// Call it only while an exception is being handled.
     void noteException(const char* failure, const fileString& subject = {});
     std::string hostText(int number);
 
@@ -121,7 +122,7 @@ private:
     std::int32_t mMessageCode;
     bool mCoreOnly;
     bool mCatalogInstalled;
-    std::set<fileString> mCoreFiles; ///< extended by gathering
+    std::set<fileString> mCoreFiles; ///< gathering adds to them
     std::set<fileString> mBonusFiles;
     std::set<fileString> mManufacturerFiles;
     std::string mProduct;

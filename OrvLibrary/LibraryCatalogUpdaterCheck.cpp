@@ -1,4 +1,4 @@
-// The update check: what the web service says of each catalog, and how much there is to download.
+// The check: asks the web service about each catalog and adds up what must be downloaded.
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
 #include <vector>
@@ -19,15 +19,15 @@ constexpr std::int64_t kHttpForbidden = 403;
 constexpr std::int64_t kHttpNotFound = 404;
 constexpr std::uint64_t kBytesPerKilobyte = 1000;
 
-/// Tells the download service which header requests are about to be made, so that it may send them ahead. One
-/// that throws is asked record by record.
+/// Announces the header requests, so that the download service may send them ahead. If it throws, the
+/// requests are sent one by one.
 void announce(const std::vector<Curl::HeaderRequest>& requests)
 try {
     Curl::get().prefetchHeaders(requests);
 } catch (...) {
 }
 
-/// The requests for the records from `first` on, exactly as they will be made.
+/// The requests for the records from `first` on, exactly as they will be sent.
 std::vector<Curl::HeaderRequest> requestsFrom(CatalogMap::const_iterator first, const CatalogMap& catalogs,
                                               const std::string& product, const std::string& version)
 {
@@ -39,8 +39,8 @@ std::vector<Curl::HeaderRequest> requestsFrom(CatalogMap::const_iterator first, 
 
 } // namespace
 
-// Deliberate: no look at the cancel flag here. Every record gets its answer, so that the hash files of a
-// cancelled run are whole.
+// Deliberate: the cancel flag is not checked here. Every record gets its answer, so that the hash files of a
+// cancelled run are complete.
 // Kept by: LibraryCatalogUpdaterCheck.aCancelWhileCheckingFinishesTheChecksAndSavesAllHashFiles
 void LibraryCatalogUpdater::checkForUpdates()
 {
@@ -48,7 +48,7 @@ void LibraryCatalogUpdater::checkForUpdates()
     const std::string prefix = hostText(TextId::kCheckingForUpdates);
     bool isAnnounced = false;
     for (auto next = mCatalogs.begin(); next != mCatalogs.end(); ++next) {
-        // Once the endpoint is known: asking for it here would log its failure once more.
+        // Only if the endpoint is known. Looking for it here would log its failure twice.
         if (!isAnnounced && !kApiEndpoint.empty()) {
             announce(requestsFrom(next, mCatalogs, mProduct, mVersion));
             isAnnounced = true;
@@ -83,7 +83,7 @@ void LibraryCatalogUpdater::fetchErrorPage(const fileString& name, CatalogUpdate
 {
     const Curl::HeaderRequest request = requestFor(name, record, mProduct, mVersion);
     std::string page;
-    // The page of an error counts as failed. Here it is wanted all the same.
+    // An error page counts as a failed request, but its text is needed here.
     if (!request.url.empty())
         Curl::get().browseURL(request.url, request.headerLines, page, true, 0);
     record.errorText = page;
@@ -95,7 +95,7 @@ void LibraryCatalogUpdater::updateTotalDownloadSize()
         return;
     kbytes_to_read = 0;
     for (const auto& [name, record] : mCatalogs) {
-        // Deliberate: whole kilobytes of each file, so that one below 1000 bytes counts for nothing.
+        // Deliberate: kilobytes are rounded down for each file, so a file below 1000 bytes counts as 0.
         // Kept by: LibraryCatalogUpdaterCheck.theTotalIsTheSumOfWholeKilobytes
         if (record.needsUpdate())
             kbytes_to_read = addSaturating(kbytes_to_read, record.contentLength / kBytesPerKilobyte);

@@ -1,4 +1,4 @@
-// Gathering: which catalogs there are, and the tag of the installed copy of each.
+// Gathering: finds the catalogs and the tag of each installed copy.
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
 #include <new>
@@ -21,8 +21,8 @@ namespace LibraryCatalogUpdate {
 
 namespace {
 
-/// The files whose hash will be wanted, one of each name. What may lead out of its folder waits until it is
-/// looked at. None for lack of memory, since each is hashed in its turn at the latest.
+/// The files that need a hash, each name once. Leaves out paths that may lead out of their folder; they are
+/// checked later. Empty if memory runs out; then each file is hashed when it is needed.
 std::vector<fileString> filesToHash(const std::set<fileString>& files, const CatalogMap& catalogs)
 try {
     std::vector<fileString> unknown;
@@ -59,7 +59,7 @@ void LibraryCatalogUpdater::gatherCoreCatalogs(std::set<fileString>& coreFiles)
             return;
         }
     } catch (...) {
-        reasonOfException(); // Only lets the missing application object through.
+        reasonOfException(); // throws again only if the application object is missing
     }
     mHadError = true;
     Library::ErrorLog() << "Failed to Download Core Library Index File:  " << url << "\n";
@@ -94,7 +94,7 @@ void LibraryCatalogUpdater::gatherCatalog(const fileString& file, Library::Libra
                                           const std::string& prefix, CatalogHashesAhead& hashes)
 try {
     const fileString name = file.stemWithExtension();
-    // Deliberate: the name is Windows-1252 behind a translated prefix.
+    // Deliberate: the name is in Windows-1252, after a translated prefix in UTF-8.
     // Kept by: LibraryCatalogUpdaterGather.gatheringTellsHeadingRangeAndEachCatalog
     mHostObject->setText(prefix + StringUtils::toWin1252(name.unicodeString()));
     const auto known = mCatalogs.find(name);
@@ -104,8 +104,8 @@ try {
     }
     CatalogUpdateData record;
     record.category = category;
-    // A file that is not there yet has no hash, so that the web service answers with all of it. The same goes
-    // for a path that leads elsewhere: the service is not told what lies there.
+    // A missing file has no hash, so the web service sends it. The same goes for a path that leads out of its
+    // folder, because the service must not learn what is there.
     if (isInstalledPath(file, category))
         record.localHash = hashes.hashOf(file);
     mCatalogs.emplace(name, record);

@@ -1,4 +1,6 @@
-// Download and installation of the catalogs that changed.
+// How it works: `updateCatalogs` announces all downloads, so that they may be fetched ahead. Then
+// `updateCatalog` downloads and installs one catalog after the other. A packed bonus or manufacturer catalog
+// is unpacked. The host object gets the path of each new file and puts it into place.
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
 #include <algorithm>
@@ -28,10 +30,10 @@ namespace LibraryCatalogUpdate {
 
 namespace {
 
-/// `FileUtils::removePath` also removes what is read-only.
+/// Makes `FileUtils::removePath` remove read-only files, too.
 constexpr int kRemoveReadOnly = 1;
 
-/// The files that a download holds; an empty path for each that it lacks.
+/// The files in a download; a path is empty if there is no such file.
 struct NewFiles
 {
     fileString catalog;
@@ -62,12 +64,12 @@ fileString temporaryFileOf(const fileString& catalogFile, const fileString& fold
     return folder / catalogFile.stem() + fileString(".download");
 }
 
-/// The downloads of a run in their order, exactly as they will be made. Their folders are created.
+/// The downloads of a run in order, exactly as they will be made. Creates their folders.
 std::vector<Curl::DownloadRequest> downloadsOf(const CatalogMap& catalogs, const std::string& product,
                                                const std::string& version)
 {
     std::vector<Curl::DownloadRequest> requests;
-    // Asking for the endpoint here would log its failure once more.
+    // Looking for the endpoint here would log its failure twice.
     if (kApiEndpoint.empty())
         return requests;
     std::map<Library::LibraryCategory, fileString> folders;
@@ -87,15 +89,15 @@ std::vector<Curl::DownloadRequest> downloadsOf(const CatalogMap& catalogs, const
     return requests;
 }
 
-/// Tells the download service which downloads are about to be made, so that it may fetch them ahead. One that
-/// throws is asked record by record.
+/// Announces the downloads, so that the download service may fetch them ahead. If it throws, they are made
+/// one by one.
 void announce(const std::vector<Curl::DownloadRequest>& requests)
 try {
     Curl::get().prefetchDownloads(requests);
 } catch (...) {
 }
 
-/// At the end of the loop, however it ends, what was fetched ahead and not used is discarded.
+/// Drops what was fetched ahead and not used, however the loop ends.
 struct EndOfAnnouncement
 {
     ~EndOfAnnouncement() { announce({}); }
@@ -108,12 +110,11 @@ void LibraryCatalogUpdater::updateCatalogs()
     updateTotalDownloadSize();
     if (kApiEndpoint.empty())
         mMessageCode = kMessageNoEndpoint;
-    // Deliberate: when all that changed is smaller than a kilobyte, nothing is downloaded in this run.
+    // Deliberate: if all changed files are smaller than a kilobyte, this run downloads nothing.
     // Kept by: LibraryCatalogUpdaterInstall.whenAllChangesAreTinyNothingIsDownloaded
     if (kbytes_to_read == 0)
         return;
-    // Deliberate: set to 0 here and by a good download only. After a stall, the next transfer ends at its
-    // first silent call.
+    // Deliberate: only this and a good download reset it. After a stall, the next silent call aborts at once.
     // Kept by: LibraryCatalogUpdaterInstall.afterAStallTheNextSilentCallAborts
     diff_zero_count = 0;
     total_kbytes_read = 0;
@@ -134,7 +135,7 @@ void LibraryCatalogUpdater::updateCatalogs()
     }
 }
 
-/// @return false when the loop ends here; a failed download does not end it
+/// @return false to end the loop; a failed download does not end it
 bool LibraryCatalogUpdater::updateCatalog(const fileString& catalogFile, CatalogUpdateData& record,
                                           const std::string& prefix, Library::ErrorLog& log)
 {
@@ -155,7 +156,7 @@ bool LibraryCatalogUpdater::updateCatalog(const fileString& catalogFile, Catalog
     return installCatalog(temporaryFile, record, catalogFile);
 }
 
-/// @return the path that the catalog is downloaded to
+/// @return the path to download the catalog to
 fileString LibraryCatalogUpdater::prepareDownload(const fileString& catalogFile,
                                                   const CatalogUpdateData& record, const std::string& prefix)
 {
@@ -184,7 +185,7 @@ bool LibraryCatalogUpdater::downloadCatalog(const fileString& catalogFile, const
     if (errorNumber == Curl::kAbortedByCallback)
         mMessageCode = kMessageDownloadCancelled;
     if (isDownloadKilled())
-        announce({}); // what was fetched ahead is not wanted any more
+        announce({}); // drops what was fetched ahead
     return false;
 }
 
@@ -196,7 +197,7 @@ void LibraryCatalogUpdater::noteFailedDownload(const fileString& catalogFile, co
     removeTemporaryFile(temporaryFile);
 }
 
-/// Installs a download; an archive that is not sound throws, which counts as any failed installation.
+/// Installs a download. An exception, such as that for a damaged archive, is a failed installation.
 bool LibraryCatalogUpdater::installCatalog(const fileString& downloadedFile, CatalogUpdateData& record,
                                            const fileString& catalogFile)
 {
@@ -204,7 +205,7 @@ bool LibraryCatalogUpdater::installCatalog(const fileString& downloadedFile, Cat
         if (fileDownloaded(downloadedFile, record, catalogFile))
             return true;
     } catch (...) {
-        reasonOfException(); // Only lets the missing application object through.
+        reasonOfException(); // throws again only if the application object is missing
         Library::ErrorLog() << "Unable to install:  " << catalogFile << "\n";
         removeTemporaryFile(downloadedFile);
     }
@@ -258,13 +259,13 @@ bool LibraryCatalogUpdater::renameCoreFile(const fileString& downloadedFile, con
     return false;
 }
 
-/// The destination lies directly in the category's folder, whatever the record's key says.
+/// The destination is directly in the category's folder, even if the record's key names a subfolder.
 void LibraryCatalogUpdater::handOverCatalog(const fileString& newFile, const CatalogUpdateData& record,
                                             const fileString& catalogFile, Library::ErrorLog& log)
 {
     const fileString destination =
         getDirectoryPathFromCategory(record.category) / catalogFile.stemWithExtension();
-    // Before the host hears of the file: it may move it at once.
+    // Before the call to the host, because the host may move the file at once.
     setFilePermissionIfNotThrow(log, newFile);
     mHostObject->catalogUpdated({destination, newFile});
     mCatalogInstalled = true;
@@ -290,7 +291,7 @@ void LibraryCatalogUpdater::setFilePermissionIfNotThrow(Library::ErrorLog& log, 
 try {
     FileUtils::setFilePermission(file);
 } catch (const std::runtime_error&) {
-    // Deliberate: the fixed text instead of the error's own.
+    // Deliberate: the fixed text, not that of the error.
     // Kept by: LibraryCatalogUpdaterInstall.permissionsThatCannotBeSetAreLoggedWithTheFixedText
     log << "Error setting file permissions: Unknown error\n";
     mHadError = true;

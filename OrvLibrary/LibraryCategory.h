@@ -4,8 +4,8 @@
 
 namespace Library {
 
-/// The kind of library content that a catalog holds. It selects the catalog's folder, the form of its web
-/// address and the way in which it is installed.
+/// The kind of content in a catalog. It determines the catalog's folder, the form of its web address and how
+/// it is installed.
 enum LibraryCategory : std::int32_t
 {
     kCoreLibrary = 1,

@@ -11,7 +11,7 @@ LibraryFilter::LibraryFilter(const std::string& name, long id, const std::vector
 
 void LibraryFilter::removeDatabaseId(const std::string& databaseId)
 {
-    // Deliberate: one entry only, though nothing keeps a list from holding an id twice.
+    // Deliberate: only one entry, although a list may hold an id twice.
     // Kept by: LibraryFilter.removesTheFirstEqualDatabaseOnly
     const auto entry = std::find(mDatabaseIds.begin(), mDatabaseIds.end(), databaseId);
     if (entry != mDatabaseIds.end())

@@ -5,8 +5,8 @@
 
 #include "OrvLibrary/OrvLibraryExport.h"
 
-/// A named selection of library databases, to which the library browser can be narrowed. A plain value; one
-/// object belongs to one thread.
+/// A named selection of library databases. The library browser can show just these. A plain value; one object
+/// belongs to one thread.
 class ORVLIBRARY_EXPORT LibraryFilter
 {
 public:
@@ -18,15 +18,15 @@ public:
     const std::string& getFilterName() const { return mName; }
     void setFilterName(const std::string& name) { mName = name; }
 
-    /// -1 means no filter. A filter file holds ids of 32 bits only.
+    /// -1 means no filter. In a filter file, ids have 32 bits only.
     long getFilterId() const { return mId; }
     void setFilterId(long id) { mId = id; }
 
-    /// The ids of the databases in the user's order; an id may occur more than once.
+    /// The ids of the databases, in the user's order. An id may occur several times.
     const std::vector<std::string>& getDatabaseIds() const { return mDatabaseIds; }
     void setDatabaseIds(const std::vector<std::string>& databaseIds) { mDatabaseIds = databaseIds; }
 
-    /// Removes the first entry that equals `databaseId` byte by byte. Further ones stay.
+    /// Removes the first id equal to `databaseId`, compared byte by byte. Later ones stay.
     void removeDatabaseId(const std::string& databaseId);
 
 private:

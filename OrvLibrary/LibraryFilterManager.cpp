@@ -26,18 +26,18 @@ void LibraryFilterManager::loadFilters()
     try {
         mCurrentFilterId = loadFiltersFromFile(getFilterFullname(), mFilters);
     } catch (...) {
-        // The host could not even say where the file is: no filters, as for a file that cannot be read.
+        // The host could not even name the file: no filters, as for an unreadable file.
     }
 }
 
 void LibraryFilterManager::saveFilters()
 try {
-    // Deliberate: removing the last filter does not reach the file.
+    // Deliberate: removing the last filter does not change the file.
     // Kept by: LibraryFilterManagerTest.emptyListIsNotSaved
     if (!mFilters.empty())
         saveFiltersToFile(getFilterFullname(), mFilters, mCurrentFilterId);
 } catch (...) {
-    // Deliberate: silence. The file has its old content.
+    // Deliberate: no message. The file keeps its old content.
     // Kept by: LibraryFilterManagerTest.failureToSaveIsIgnoredButForTheMessage
 }
 
@@ -82,7 +82,7 @@ LibraryFilter LibraryFilterManager::getLibraryFilterFromId(long id, const std::v
 
 bool LibraryFilterManager::isFilteredDatabase(const std::string& databaseId) const
 {
-    // A browser asks once for each catalog, so the ids are kept in a set until something changes.
+    // A browser asks about every catalog, so the ids are kept in a set until something changes.
     if (!mCurrentDatabases) {
         const LibraryFilter* const filter = currentFilter();
         const std::vector<std::string> none;
@@ -114,7 +114,7 @@ try {
     std::vector<LibraryFilter> merged;
     long currentId = -1;
     const Reading reading = readFilters(path, merged, currentId);
-    // A file that cannot be read now may be whole: it is not written over.
+    // A file that cannot be read now may still be intact, so it is not overwritten.
     if (reading == Reading::Impossible)
         tellThatFileCannotBeWritten(path);
     if (reading == Reading::Impossible || reading == Reading::WithoutMemory)

@@ -10,28 +10,28 @@
 #include "OrvLibrary/host/UnicodeString.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// The user's library filters and the choice of the current one, kept in "catalog_filters.json" in the core
-/// library folder. Nothing is saved but by an explicit call.
+/// The user's library filters and the id of the current one. They are stored in "catalog_filters.json" in the
+/// core library folder, but only by an explicit call.
 ///
-/// The one instance is made at the first use, on whatever thread that is, and lives to the end of the
-/// process; it is used by one thread at a time.
+/// The only instance is made when it is first used, on the thread that uses it, and lives until the process
+/// ends. Only one thread may use it at a time.
 ///
-/// A file that is missing, malformed or cannot be written is no exception: it ends as fewer filters, or as a
-/// result of false. An operation throws only where memory runs out or where a host service, the folders or
-/// the texts, throws; loading, saving and merging do not even then.
+/// A file that is missing, malformed or not writable does not cause an exception; the result is fewer
+/// filters, or false. An operation throws only if memory runs out, or if a host service for folders or texts
+/// throws. Loading, saving and merging do not throw even then.
 class ORVLIBRARY_EXPORT LibraryFilterManager
 {
 public:
-    /// The one instance; the first call loads the filters.
+    /// The only instance. The first call loads the filters.
     static LibraryFilterManager& getLibraryFilterManager();
 
     LibraryFilterManager(const LibraryFilterManager&) = delete;
     LibraryFilterManager& operator=(const LibraryFilterManager&) = delete;
 
-    /// Replaces filters and current id with what the file holds. A missing or unreadable file leaves no
-    /// filter and no current one.
+    /// Replaces the filters and the current id with the content of the file. If the file is missing or
+    /// unreadable, there are no filters and no current one.
     void loadFilters();
-    /// Writes filters and current id to the file. An empty list is not written: the filters in the file
+    /// Writes the filters and the current id to the file. An empty list is not written, so the old filters
     /// return with the next load.
     void saveFilters();
 
@@ -40,77 +40,77 @@ public:
     /// The file in the core library folder.
     fileString getFilterFullname() const;
 
-    /// The filters as loaded or set. The reference holds until the next call that changes the list.
+    /// The current list. The reference is valid until a call changes the list.
     const std::vector<LibraryFilter>& getLibraryFilters() const { return mFilters; }
     void setLibraryFilters(const std::vector<LibraryFilter>& filters);
 
-    /// Stores the id unchecked: it may name no filter at all.
+    /// Sets the current id. It is not checked and may belong to no filter.
     void setCurrentFilterId(long id);
-    /// -1 when there is none.
+    /// -1 if there is none.
     long getCurrentFilterId() const { return mCurrentFilterId; }
-    /// Whether the current id is another than -1, also where no filter has that id.
+    /// Whether the current id is not -1, even if no filter has this id.
     bool hasActiveFilter() const { return mCurrentFilterId != -1; }
 
-    /// The first filter of the list with that id; a default one when there is none.
+    /// The first filter in the list with this id; a default one if there is none.
     static LibraryFilter getLibraryFilterFromId(long id, const std::vector<LibraryFilter>& filters);
-    /// Whether the current filter names the database, byte by byte. The first question after a change takes
-    /// time with the number of the filter's databases, further ones do not.
+    /// Whether the current filter contains the database, compared byte by byte. After a change, the first
+    /// call takes time proportional to the number of the filter's databases; later calls do not.
     bool isFilteredDatabase(const std::string& databaseId) const;
-    /// The databases of the current filter; none without one.
+    /// The databases of the current filter; empty if there is none.
     std::vector<std::string> getCurrentFilteredDatabases() const;
-    /// Removes the first entry of the database from each filter.
+    /// Removes the first occurrence of the database from each filter.
     void removeIdFromLibraryFilters(const std::string& databaseId);
 
-    /// Adds the filters to those of another filter file and takes over the result, with the other file's
-    /// current id. Filters that the file has already, by name and list, are left out; the others get the
-    /// lowest free ids from 0 up and, where their name is taken, the first free "name 1", "name 2" and so on.
-    /// The manager's own file is not written.
-    /// @return false, with nothing changed, when the other file could not be written or is there but could
-    /// not be read. The user is told of both. A file whose text is no JSON is overwritten.
+    /// Adds the filters to another filter file and then takes over the content of that file, with its current
+    /// id. Filters with a name and list that the file already has are left out. All others get the lowest
+    /// free ids, from 0 up. If a name is taken, the filter gets the first free one of "name 1", "name 2" and
+    /// so on. The manager's own file is not written.
+    /// @return false, with nothing changed, if the other file could not be written, or exists and could not
+    /// be read. The user gets a message in both cases. A file that is not JSON is overwritten.
     bool mergeFilters(const fileString& path);
 
-    /// The name of the current filter, UTF-8; the translated label for no filter without one.
+    /// The name of the current filter, UTF-8. If there is none, the translated label for no filter.
     std::string getCurrentFilterString() const;
-    /// The label for no filter, then the names of all filters: what a chooser shows.
+    /// The list for a chooser: the label for no filter, then the names of all filters.
     std::vector<std::string> getFilterStrings() const;
 
-    /// Writes a filter file, replacing it as a whole. For a file that exists but cannot be written the user
-    /// is told. Uses nothing of the manager; may be called from any thread.
+    /// Writes a filter file and replaces the old one. If the file exists and cannot be written, the user gets
+    /// a message. Uses no data of the manager; may be called from any thread.
     /// @param currentFilterId -1 for none
-    /// @return whether the file was written; on failure it is as it was
+    /// @return whether the file was written; if not, it is unchanged
     static bool saveFiltersToFile(const fileString& path, const std::vector<LibraryFilter>& filters,
                                   long currentFilterId);
-    /// Appends the filters of a file to `filters`, the last one in the file first, up to the first that is
-    /// malformed. Filters with the id -1 or without a name are left out. Uses nothing of the manager; may be
-    /// called from any thread.
-    /// @return the current id that the file names; -1 when it names none or cannot be read
+    /// Appends the filters of a file to `filters`, beginning with the last one in the file, and stops at the
+    /// first malformed one. Leaves out filters with the id -1 or without a name. Uses no data of the manager;
+    /// may be called from any thread.
+    /// @return the current id in the file; -1 if there is none or the file cannot be read
     static long loadFiltersFromFile(const fileString& path, std::vector<LibraryFilter>& filters);
-    /// Whether loading reads the file to its end. Of a file of which it does not, the next save keeps only
-    /// what was read: a host may want to keep a copy. May be called from any thread.
+    /// Whether loading can read the file to its end. If not, the next save keeps only the part that was read,
+    /// so a host may want to make a copy first. May be called from any thread.
     static bool isWhollyReadable(const fileString& path);
 
 private:
-    /// How a reading ended.
+    /// The result of reading a file.
     enum class Reading
     {
-        Whole,        ///< also of a missing file
+        Whole,        ///< also for a missing file
         Partial,      ///< up to something malformed
-        Impossible,   ///< the file is there but cannot be opened or read, or is too large
-        WithoutMemory ///< says nothing of the file
+        Impossible,   ///< the file exists, but cannot be opened or read, or is too large
+        WithoutMemory ///< memory ran out; nothing is known about the file
     };
 
     LibraryFilterManager();
-    /// Null when there is none.
+    /// Null if there is none.
     const LibraryFilter* currentFilter() const;
-    /// To be called before anything changes the filters or the current id.
+    /// Call it before changing the filters or the current id.
     void forgetCurrentDatabases();
-    /// Tells the user of a file that is there and cannot be written.
+    /// Tells the user if the file exists and cannot be written.
     static bool isRefused(const fileString& path);
     static void tellThatFileCannotBeWritten(const fileString& path);
     static Reading readFilters(const fileString& path, std::vector<LibraryFilter>& filters, long& currentId);
 
     long mCurrentFilterId = -1;
     std::vector<LibraryFilter> mFilters;
-    /// The databases of the current filter, by which questions are answered; null until one is asked.
+    /// The databases of the current filter, for fast look-up; null until it is needed.
     mutable std::unique_ptr<const std::unordered_set<std::string>> mCurrentDatabases;
 };

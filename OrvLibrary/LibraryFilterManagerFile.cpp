@@ -1,4 +1,4 @@
-// The filter file: writing and reading it.
+// Reads and writes the filter file.
 #include "OrvLibrary/LibraryFilterManager.h"
 
 #include <new>
@@ -29,7 +29,7 @@ json_writer::Object filterObject(const LibraryFilter& filter)
     return object;
 }
 
-/// Deliberate: filters are no array but one repeated key.
+/// Deliberate: the filters are not an array, but members with the same key.
 /// Kept by: LibraryFilterManagerFile.savedFileHasTheMembersInOrder
 json_writer::Object document(const std::vector<LibraryFilter>& filters, long currentFilterId)
 {
@@ -40,8 +40,8 @@ json_writer::Object document(const std::vector<LibraryFilter>& filters, long cur
     return root;
 }
 
-/// The member of that key, or `missing`.
-/// @throws boost::bad_any_cast when it is of another type
+/// The member with this key, or `missing`.
+/// @throws boost::bad_any_cast if it has another type
 template <class Type>
 Type optionalMember(const json::object& object, const std::string& key, const Type& missing)
 {
@@ -49,8 +49,7 @@ Type optionalMember(const json::object& object, const std::string& key, const Ty
     return member == object.end() ? missing : boost::any_cast<const Type&>(*member->second);
 }
 
-/// Reads one filter. The reading of the file ends at one without a list of databases, as at any other that is
-/// malformed.
+/// Reads one filter. A filter without a list of databases is malformed and ends the reading of the file.
 /// @throws boost::bad_any_cast
 LibraryFilter readFilter(const json::object& object)
 {
@@ -65,8 +64,8 @@ LibraryFilter readFilter(const json::object& object)
     return LibraryFilter(name, id, ids);
 }
 
-/// Deliberate: the order is that of the tree, the last filter in the file first, so that every load turns the
-/// list round.
+/// Deliberate: the order is that of the tree, in which the last filter of the file comes first. So every load
+/// reverses the list.
 /// Kept by: LibraryFilterManagerFile.everyLoadTurnsTheListRound
 void readMembers(const json::object& root, std::vector<LibraryFilter>& filters)
 {
@@ -77,9 +76,9 @@ void readMembers(const json::object& root, std::vector<LibraryFilter>& filters)
     }
 }
 
-/// Reads a file up to the first thing that is malformed.
-/// @param currentId untouched until it is known
-/// @throws what the file system or the tree says, with what came before it in the outputs
+/// Reads a file up to the first malformed part.
+/// @param currentId unchanged if the file has none
+/// @throws any exception of the file system or the tree; the outputs then hold what came before
 void readFile(const fileString& path, std::vector<LibraryFilter>& filters, long& currentId)
 {
     const auto root = json::readFile(path);
@@ -121,7 +120,7 @@ void LibraryFilterManager::tellThatFileCannotBeWritten(const fileString& path)
 long LibraryFilterManager::loadFiltersFromFile(const fileString& path, std::vector<LibraryFilter>& filters)
 {
     long currentId = -1;
-    // Deliberate: silence. The filters that were read before a failure count.
+    // Deliberate: no message. The filters read before the failure count.
     // Kept by: LibraryFilterManagerFile.malformedFilterStopsTheLoadThere
     readFilters(path, filters, currentId);
     return currentId;

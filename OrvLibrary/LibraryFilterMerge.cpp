@@ -28,7 +28,7 @@ void LibraryFilterMerge::append(const LibraryFilter& filter)
     mMerged.push_back(filter);
 }
 
-/// Deliberate: a filter never keeps its own id, not even a free one.
+/// Deliberate: a filter never keeps its own id, even if it is free.
 /// Kept by: LibraryFilterMerge.workedCases
 long LibraryFilterMerge::takeId()
 {

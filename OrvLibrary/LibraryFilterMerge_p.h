@@ -8,20 +8,20 @@
 
 #include "OrvLibrary/LibraryFilter.h"
 
-/// Adds filters to a list, one after the other, so that each is there once and ids and names that it adds are
-/// its own. No step looks through the list.
+/// Adds filters to a list so that no filter is in it twice and new ids and names are unique. The time for
+/// each filter does not depend on the length of the list.
 class LibraryFilterMerge
 {
 public:
-    /// @param merged the list that is added to; must outlive the object and is changed by it alone
+    /// @param merged the list to extend; must outlive this object, which must be the only one to change it
     explicit LibraryFilterMerge(std::vector<LibraryFilter>& merged);
 
-    /// Appends the filter under a new id and a free name, unless the list holds one of the same name and the
-    /// same databases in the same order.
+    /// Appends the filter with a new id and a free name. Does nothing if the list already has a filter with
+    /// the same name and the same databases in the same order.
     void add(const LibraryFilter& filter);
 
 private:
-    /// Two filters are the same when these are equal.
+    /// Two filters with equal content are the same filter.
     using Content = std::pair<std::string, std::vector<std::string>>;
 
     static Content contentOf(const LibraryFilter& filter);
@@ -33,7 +33,7 @@ private:
     std::set<Content> mContents;
     std::set<long> mUsedIds;
     std::set<std::string> mUsedNames;
-    long mCounter = 0; ///< every id below is used
+    long mCounter = 0; ///< all ids below are taken
     std::map<std::string, long>
-        mNextSuffix; ///< by wanted name: every suffix below is used; 0 is the bare name
+        mNextSuffix; ///< for each name: all suffixes below are taken; 0 is the name itself
 };

@@ -2,8 +2,8 @@
 
 #include "OrvLibrary/OrvLibraryExport.h"
 
-/// The base of everything that runs library work and reports its progress: no data, only a virtual
-/// destructor.
+/// The base class of everything that runs library work and reports its progress. It has no data, only a
+/// virtual destructor.
 class ORVLIBRARY_EXPORT LibraryProgressBase
 {
 public:

@@ -9,20 +9,20 @@ namespace LibraryCatalogUpdate {
 
 namespace {
 
-/// Returns the text between the first and the last double quote, or the whole text when it has none.
+/// The text between the first and the last double quote; the whole text if there are no quotes.
 std::string unquotedTag(const std::string& value)
 {
     const std::size_t opening = value.find('"');
     std::string tag = opening == std::string::npos ? value : value.substr(opening + 1);
     const std::size_t closing = tag.rfind('"');
-    // Deliberate: a closing quote at the very start stays, so the tag of two quotes alone is one quote.
+    // Deliberate: a closing quote directly after the opening one stays, so two quotes alone become one quote.
     // Kept by: LibraryCatalogUpdaterCheck.tagsLoseTheirQuotes
     if (closing != std::string::npos && closing >= 1)
         tag.resize(closing);
     return tag;
 }
 
-/// A text that is no number leaves what stream extraction leaves.
+/// If the text is not a number, sets what stream extraction sets.
 void readContentLength(const std::string& value, std::uint64_t& length)
 {
     std::istringstream stream(value);

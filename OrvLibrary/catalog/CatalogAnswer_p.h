@@ -7,8 +7,8 @@
 
 namespace LibraryCatalogUpdate {
 
-/// Takes status, `Content-Length` and `ETag` of a header answer over into a record; of a header that comes
-/// several times the last value counts. Fields that the answer lacks stay as they are.
+/// Copies the status, `Content-Length` and `ETag` of an answer into a record. If a header occurs several
+/// times, its last value counts. Fields missing from the answer stay unchanged.
 /// @param headerText the raw header block
 void readAnswer(const std::string& headerText, std::int64_t status, CatalogUpdateData& record);
 

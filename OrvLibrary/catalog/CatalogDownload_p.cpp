@@ -10,10 +10,10 @@ namespace LibraryCatalogUpdate {
 
 namespace {
 
-/// The silent call after this many is the one that aborts. The download service calls ten times a second when
-/// nothing comes, so a stall lasts about a minute.
+/// The next call without a new byte aborts. While nothing arrives, the download service calls ten times a
+/// second, so a stall lasts about a minute.
 constexpr std::int32_t kLastSilentCall = 599;
-/// The gauge moves on the call after this many, to keep the queued invocations few in a fast transfer.
+/// The gauge is updated on the next call. This keeps the number of queued events small in a fast transfer.
 constexpr std::uint64_t kCallsBetweenGauges = 501;
 constexpr double kBytesPerKilobyte = 1000.0;
 
@@ -29,7 +29,7 @@ bool isStalled(double newBytes)
     return false;
 }
 
-/// Deliberate: the count goes on over files and runs, so that the gauge may move early in a file.
+/// Deliberate: the count continues over files and runs, so the first update in a file may come early.
 /// Kept by: CatalogDownloadProgress.theGaugesCountGoesOnWithTheNextDownload
 void tellGauge(CatalogEvents* events)
 {
@@ -55,7 +55,7 @@ try {
     tellGauge(download.events);
     return 0;
 } catch (...) {
-    return 0; // A gauge that misses a step is no reason to end the download.
+    return 0; // A failed update of the gauge must not end the download.
 }
 
 } // namespace LibraryCatalogUpdate

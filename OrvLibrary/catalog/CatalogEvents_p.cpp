@@ -9,8 +9,8 @@ namespace LibraryCatalogUpdate {
 
 namespace {
 
-/// Registers a type by name alone. The types are not ours to declare: a host that declares them itself gets
-/// the same number for the same name, whoever comes first.
+/// Registers a type only by name. Declaring it is up to the host: if the host does, both get the same number
+/// for the same name, in any order.
 template <class T>
 void registerByName(const char* name)
 {
@@ -18,8 +18,8 @@ void registerByName(const char* name)
         qRegisterMetaType<T>(name);
 }
 
-/// The pair is registered under its own name first and under ours as an alias, since that is what Qt does
-/// itself in a host that has declared `fileString`.
+/// Registers the pair under its full name, and under our name as an alias. Qt does the same in a host that
+/// has declared `fileString`.
 void registerFileStringPair()
 {
     registerByName<FileStringPair>("std::pair<fileString,fileString>");
@@ -66,7 +66,8 @@ CatalogEvents::CatalogEvents(QObject& host)
              slotOf(host, "onClose()")}
 {
     mHost->object = &host;
-    // A functor without a receiver runs directly, on the thread that destroys the object.
+    // Without a receiver object, Qt calls this function directly, on the thread that destroys the host
+    // object.
     mDestroyed = QObject::connect(&host, &QObject::destroyed, [watched = mHost] {
         const ThreadLockGuard<ThreadMutex> lock(watched->mutex);
         watched->object = nullptr;
@@ -75,7 +76,8 @@ CatalogEvents::CatalogEvents(QObject& host)
 
 CatalogEvents::~CatalogEvents()
 {
-    // The object cannot go on dying meanwhile. One that is past this point lets go of its connections itself.
+    // The destruction cannot go on while we hold the lock. Once it has passed this point, it removes the host
+    // object's connections itself.
     const ThreadLockGuard<ThreadMutex> lock(mHost->mutex);
     if (mHost->object)
         QObject::disconnect(mDestroyed);

@@ -13,38 +13,39 @@
 
 namespace LibraryCatalogUpdate {
 
-/// The host object of a run: what the worker tells it goes into the object's event queue. Shared by the
-/// copies of an updater, used from any thread.
+/// Sends the events of a run to the host object, as queued calls of its slots. The copies of an updater share
+/// one such object. May be used from any thread.
 ///
-/// Asking a weak pointer and then using it is not enough, since the object may die in between on its own
-/// thread. So the pointer is cleared by the object's destruction, under the mutex that is held while
-/// something is posted, or the watch ended. The slots are looked up once, while the object is certainly
-/// whole; one that the object lacks is passed over in silence, as is everything once the object is gone.
+/// The host object may be destroyed on its own thread at any moment, even between checking a weak pointer and
+/// using it. Therefore its destruction clears our pointer under a mutex, and we hold this mutex whenever we
+/// post a call. The slots are looked up once, at the start, while the host object certainly exists. An event
+/// whose slot is missing is dropped, and so are all events after the host object's destruction.
 class CatalogEvents
 {
 public:
-    /// Registers the types that the invocations carry and starts to watch `host`. To be called on its thread,
-    /// or while that thread does not destroy it.
+    /// Starts to watch `host` and registers the types of the slots' arguments. Call it on the thread of
+    /// `host`, or while that thread cannot destroy it.
     static std::shared_ptr<CatalogEvents> watch(QObject& host);
     ~CatalogEvents();
     CatalogEvents(const CatalogEvents&) = delete;
     CatalogEvents& operator=(const CatalogEvents&) = delete;
 
-    /// A new step or catalog.
+    /// A new step has begun, or the next catalog.
     void setText(const std::string& text);
     /// The unit of the gauge.
     void setUnits(const std::string& unit);
-    /// Items of a step, or kilobytes to download; at most the largest `int`, which is all a gauge can take.
+    /// The number of steps, or the kilobytes to download. At most the largest `int`, because a gauge cannot
+    /// show more.
     void setRangeInGauge(std::uint64_t range);
-    /// Kilobytes downloaded in the run; bounded like the range.
+    /// The kilobytes downloaded so far in this run; limited in the same way.
     void setValueInGauge(std::uint64_t value);
-    /// One item of a step is done.
+    /// One step is finished.
     void updateInGauge();
-    /// A catalog is ready to be put into place.
+    /// A new catalog has been downloaded; the host must put it into place.
     void catalogUpdated(const FileStringPair& destinationAndNewFile);
-    /// The run ended.
+    /// The run has ended.
     void closeCatalogUpdate(const UpdateData& data);
-    /// The run ended after a cancel.
+    /// The run has ended after a cancel.
     void close();
 
 private:
@@ -61,11 +62,11 @@ private:
         SlotCount
     };
 
-    /// Shared with the connection that clears it.
+    /// Shared with the connection that clears it when the host object is destroyed.
     struct Host
     {
         ThreadMutex mutex;
-        /// Null once the object is on its way out; guarded by `mutex`.
+        /// Null when the host object is being destroyed. Guarded by `mutex`.
         QObject* object = nullptr;
     };
 
@@ -73,7 +74,7 @@ private:
     void post(Slot slot, QGenericArgument argument = {});
 
     const std::shared_ptr<Host> mHost = std::make_shared<Host>();
-    /// Of the host object's class, in the order of `Slot`; invalid where it has none.
+    /// The slots of the host object's class, in the order of `Slot`; invalid if it has no such slot.
     std::array<QMetaMethod, SlotCount> mSlots;
     QMetaObject::Connection mDestroyed;
 };

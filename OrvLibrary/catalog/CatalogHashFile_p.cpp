@@ -15,7 +15,7 @@ namespace {
 
 const char kHashFileName[] = "catalog_hash.txt";
 
-/// The whole text of the file, byte for byte; empty when it does not open.
+/// The content of the file, byte for byte; empty if it cannot be opened.
 std::string readWhole(const fileString& path)
 {
     LockingFStream stream(path, std::ios_base::in);
@@ -24,7 +24,7 @@ std::string readWhole(const fileString& path)
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-/// Referenced archives are listed with the catalogs that they belong to, but lie in a folder of their own.
+/// Referenced archives are listed with the catalogs that need them, but have their own folder.
 fileString fileOfEntry(const fileString& name, const fileString& hashFile)
 {
     return catalogFolder(name, hashFile.parentPathWithSeparator()) + name;
@@ -39,8 +39,9 @@ void addEntry(CatalogMap& catalogs, const std::string& line, const fileString& h
     const fileString name(pieces[0]);
     if (!fileOfEntry(name, hashFile).pathExists())
         return;
-    // Deliberate: the record says core, whatever the hash file's category. Gathering re-tags the files of its
-    // set; a file that is listed and still there but in no set moves to the core folder's hash file so.
+    // Deliberate: the record says core for every hash file. Gathering later corrects the category of files in
+    // its sets. A file that is listed and exists, but is in no set, thus moves to the hash file of the core
+    // folder.
     // Kept by: CatalogHashFile.aRecordOfAnyHashFileSaysCore
     CatalogUpdateData record;
     record.localHash = pieces[1];
@@ -59,9 +60,9 @@ void readCatalogHashMap(CatalogMap& catalogs, Library::LibraryCategory category)
 {
     const fileString hashFile = catalogHashFile(category);
     std::istringstream text(readWhole(hashFile));
-    text.exceptions(std::ios_base::badbit); // the lack of memory for a line is not the end of the file
-    // Deliberate: a blank line ends the file, and what follows it is ignored. A carriage return is part of
-    // the tag, so a line of it alone is not blank.
+    text.exceptions(std::ios_base::badbit); // for lack of memory getline would just stop; now it throws
+    // Deliberate: a blank line ends the file; the rest is ignored. A carriage return belongs to the tag, so a
+    // line with nothing else is not blank.
     // Kept by: CatalogHashFile.blankLineEndsTheHashFile
     for (std::string line; std::getline(text, line) && !line.empty();)
         addEntry(catalogs, line, hashFile);

@@ -17,7 +17,7 @@ CatalogHashesAhead::CatalogHashesAhead(std::vector<fileString> files)
             mEntries.push_back({std::move(file), State::Waiting, {}});
         mThread = std::thread([this] { runAhead(); });
     } catch (const std::exception&) {
-        // No memory or thread to be had: each file is hashed when it is asked for.
+        // There is no memory, or the system gave us no thread: each file is hashed when it is asked for.
     }
 }
 
@@ -71,7 +71,7 @@ CatalogHashesAhead::Entry* CatalogHashesAhead::nextWaiting()
     return mNext < mEntries.size() ? &mEntries[mNext] : nullptr;
 }
 
-/// Hashes without the lock, and throws nothing.
+/// Releases the lock while it hashes. Throws nothing.
 void CatalogHashesAhead::hash(Entry& entry, Lock& lock)
 {
     entry.state = State::InHand;

@@ -11,21 +11,21 @@
 
 namespace LibraryCatalogUpdate {
 
-/// Computes the SHA-1 of files that are asked for one after the other. A second thread hashes files ahead.
-/// While the asking thread waits for a file that the second thread is hashing, it hashes others. All
-/// operations are for one thread, that of the update.
+/// Computes the SHA-1 of files on two threads. The updater asks for one file after the other, while a second
+/// thread hashes further files ahead. If the file asked for is the one being hashed there, the asking thread
+/// hashes others until it is ready. Only the thread of the update uses this object.
 class CatalogHashesAhead
 {
 public:
     /// Starts at once.
-    /// @param files ascending; nothing is started for less than two
+    /// @param files in ascending order; with fewer than two, no thread is started
     explicit CatalogHashesAhead(std::vector<fileString> files);
-    /// Waits for the file that the second thread is hashing. Further files are not hashed.
+    /// Waits until the second thread has finished its current file. No further files are hashed.
     ~CatalogHashesAhead();
     CatalogHashesAhead(const CatalogHashesAhead&) = delete;
     CatalogHashesAhead& operator=(const CatalogHashesAhead&) = delete;
 
-    /// The hash of `file`, which need not be one of the announced files; empty when it cannot be read.
+    /// The hash of `file`, which need not be in the list. Empty if the file cannot be read.
     std::string hashOf(const fileString& file);
 
 private:
@@ -34,7 +34,7 @@ private:
         Waiting,
         InHand,
         Done,
-        Failed ///< by an exception: the call for the file hashes it again, and meets the exception
+        Failed ///< by an exception; `hashOf` then hashes the file again, and throws
     };
     struct Entry
     {
@@ -49,10 +49,10 @@ private:
     Entry* nextWaiting();
     void hash(Entry& entry, Lock& lock);
 
-    std::mutex mMutex; ///< guards the members below, except the thread
+    std::mutex mMutex; ///< guards the members below, except for the thread
     std::condition_variable mChanged;
     std::vector<Entry> mEntries;
-    std::size_t mNext = 0; ///< no entry before this one is waiting
+    std::size_t mNext = 0; ///< the entries before this index are not waiting
     bool mIsStopping = false;
 
     std::thread mThread;

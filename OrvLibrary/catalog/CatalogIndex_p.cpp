@@ -22,7 +22,7 @@ void addIndexEntries(const std::string& index, std::set<fileString>& coreFiles)
 {
     const fileString coreFolder = PathUtils::getObject().getCoreLibraryDatabasePath();
     std::istringstream lines(index);
-    lines.exceptions(std::ios_base::badbit); // the lack of memory for a line is not the end of the index
+    lines.exceptions(std::ios_base::badbit); // for lack of memory getline would just stop; now it throws
     for (std::string line; std::getline(lines, line);) {
         const fileString name(StringUtils::removeAllOf(line, "\r"));
         if (!name.empty() && isCatalogName(name))

@@ -7,8 +7,8 @@
 
 namespace LibraryCatalogUpdate {
 
-/// Adds the files that a core content index names, one on each line, as paths: in the core folder, archives
-/// of referenced files in theirs. Lines that name no catalog are passed over.
+/// Adds the paths of all files listed in a core content index, one on each line. Catalogs are in the core
+/// folder, archives of referenced files in their own. Ignores lines without a catalog.
 void addIndexEntries(const std::string& index, std::set<fileString>& coreFiles);
 
 } // namespace LibraryCatalogUpdate

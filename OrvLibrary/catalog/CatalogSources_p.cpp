@@ -15,8 +15,8 @@ namespace {
 
 const char kApplicationPointer[] = "gApp";
 
-/// The name that the web service knows a file by. Bonus and manufacturer catalogs are installed unpacked, but
-/// always fetched as the packed archive.
+/// The name of a file at the web service. Bonus and manufacturer catalogs are installed unpacked, but always
+/// downloaded as packed archives.
 std::string libraryValue(const fileString& file, Library::LibraryCategory category)
 {
     const bool isPacked = category == Library::kBonusLibrary || category == Library::kManufacturerLibrary;
@@ -24,7 +24,7 @@ std::string libraryValue(const fileString& file, Library::LibraryCategory catego
     return name.unicodeString().toUTF8String();
 }
 
-/// Why the last request was not answered; empty when the download service does not know.
+/// Why the last request had no answer; empty if the download service does not know.
 std::string reasonOfLastAnswer()
 try {
     return Curl::get().lastAnswer().reason;
@@ -101,7 +101,7 @@ bool isInstalledPath(const fileString& file, Library::LibraryCategory category)
     const std::string& path = file.toNativeString();
     const std::string folder = catalogFolder(file, getDirectoryPathFromCategory(category)).toNativeString();
     if (folder.empty() || path.compare(0, folder.size(), folder) != 0)
-        return true; // where the host says
+        return true; // outside of our folders the host decides
     const std::size_t name = path.find_first_not_of('/', folder.size());
     const std::filesystem::path below(name == std::string::npos ? std::string() : path.substr(name));
     const std::filesystem::path normal = below.lexically_normal();
@@ -115,7 +115,7 @@ std::string sourceUrl(const fileString& file, Library::LibraryCategory category,
     resolveApiEndpoint();
     if (kApiEndpoint.empty())
         return {};
-    // Deliberate: the values are inserted as they are. The service escapes nothing either, and the transport
+    // Deliberate: the values are inserted without escaping. The service does the same, and the transfer
     // encodes what HTTP cannot carry.
     // Kept by: CatalogSources.valuesAreInsertedAsTheyAre
     return kApiEndpoint + "&library=" + library + "&product=" + product + "&version=" + version;
@@ -125,7 +125,7 @@ void generate_url_and_headers(std::string& url, std::vector<std::string>& header
                               const CatalogUpdateData& record, const std::string& product,
                               const std::string& version)
 {
-    // Deliberate: sent with an empty tag as well.
+    // Deliberate: the header is sent even if the tag is empty.
     // Kept by: CatalogSources.anEmptyTagIsSentAsTwoQuotes
     headers.push_back("If-None-Match: \"" + record.localHash + "\"");
     url = sourceUrl(file, record.category, product, version);

@@ -7,44 +7,45 @@
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/Curl.h"
 
-/// Where the catalogs of a category come from and go to. All run on the thread of the update.
+/// Finds where catalogs come from and where they go. All functions run on the thread of the update.
 namespace LibraryCatalogUpdate {
 
 /// The host's application object.
-/// @throws NullPointerError named "gApp" when there is none
+/// @throws NullPointerError with the name "gApp" if there is none
 Application& hostApplication();
 
-/// The reason of the exception that is being handled. The error of a missing application object is thrown
-/// again instead, because it ends a run.
+/// The reason of the exception being handled. If this is the error for a missing application object, throws
+/// it again, because that error ends the run.
 std::string reasonOfException();
 
-/// Folder of a category's installed catalogs, with its final separator; empty for no category.
+/// The folder of a category's installed catalogs, with its separator at the end. Empty for an unknown
+/// category.
 fileString getDirectoryPathFromCategory(Library::LibraryCategory category);
 
-/// Folder that a category's downloads are put into first, without a final separator. It need not exist, and
-/// holds nothing that is worth keeping between runs.
-/// @throws NullPointerError when there is no application object
+/// The folder for a category's downloads, without a separator at the end. It may be missing. Nothing in it is
+/// needed by the next run.
+/// @throws NullPointerError if there is no application object
 fileString getTempDirectoryPathFromCategory(Library::LibraryCategory category);
 
-/// Folder in which a file of that name is kept: `folder`, or for a ".zip" archive the folder of the
-/// referenced files. With its final separator.
+/// The folder for a file with this name: `folder` or, for a ".zip" archive, the folder of the referenced
+/// files. With a separator at the end.
 fileString catalogFolder(const fileString& name, const fileString& folder);
 
-/// Whether a file of the category may lie at that path. False for a path that starts with the file's folder
-/// and then leaves it, as when the content index names "../other.orvlib".
+/// Whether a file of the category may be at this path. False if the path leaves its folder again, as when the
+/// content index lists "../other.orvlib".
 bool isInstalledPath(const fileString& file, Library::LibraryCategory category);
 
-/// Query address of a file at the web service. Empty when the service cannot be found, which is written to
-/// the error log at every call.
+/// The address of a file at the web service. Empty if the service cannot be found; each such call writes to
+/// the error log.
 std::string sourceUrl(const fileString& file, Library::LibraryCategory category, const std::string& product,
                       const std::string& version);
 
-/// Builds the conditional request for a catalog: `url` is replaced, the header line is appended to `headers`.
+/// Makes the conditional request for a catalog: sets `url` and appends the header line to `headers`.
 void generate_url_and_headers(std::string& url, std::vector<std::string>& headers, const fileString& file,
                               const CatalogUpdateData& record, const std::string& product,
                               const std::string& version);
 
-/// The same as a request of the download service. Its address is empty when the service cannot be found.
+/// The same as a request for the download service. Its address is empty if the service cannot be found.
 Curl::HeaderRequest requestFor(const fileString& file, const CatalogUpdateData& record,
                                const std::string& product, const std::string& version);
 

@@ -44,8 +44,8 @@ ORVLIBRARY_EXPORT void tokenizeString(const std::string& text, char separator,
 /// end.
 ORVLIBRARY_EXPORT std::string formatWithThousandsSeparatorPrecision(double value, int precision);
 
-/// The nearest integer; halves are rounded away from zero. Values that are too large give the largest
-/// integer, and NaN gives 0.
+/// The nearest integer; halves are rounded away from zero. Values beyond the range give its
+/// nearest bound, and NaN gives 0.
 ORVLIBRARY_EXPORT std::int64_t iRoundoff(double value);
 
 /// Converts a number; throws `boost::numeric::bad_numeric_cast` if the value does not fit.
