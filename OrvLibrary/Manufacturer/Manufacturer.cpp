@@ -11,7 +11,7 @@ using boost::posix_time::ptime;
 
 namespace {
 
-/// The word in a contact field that stands for the shared default text.
+/// A contact field with this word means the shared default text.
 const char kDefault[] = "default";
 
 const std::string& resolve(const std::string& field, bool resolveDefault)
@@ -66,7 +66,7 @@ Manufacturer::~Manufacturer() = default;
 
 bool Manufacturer::operator==(const Manufacturer& other) const
 {
-    // Deliberate: records that differ in their time alone are not equal.
+    // Deliberate: records that differ only in their time are not equal.
     // Kept by: ManufacturerRecord.everyFieldTakesPartInEquality
     const auto fields = [](const Manufacturer& record) {
         return std::tie(record.mName, record.mUrl, record.mPhone, record.mFax, record.mLogo, record.mEmail,
@@ -127,7 +127,7 @@ void Manufacturer::setLastModified(const ptime& time)
 
 std::string Manufacturer::getManufacturerFullLogoName() const
 {
-    // Deliberate: the code page, also where the file system speaks another.
+    // Deliberate: Windows-1252, even if the file system uses another encoding.
     // Kept by: ManufacturerRecord.fullLogoNameIsWindows1252
     const fileString path = PathUtils::getObject().getManufacturerDataPath() / mLogo;
     return StringUtils::toWin1252(path.unicodeString());

@@ -8,15 +8,15 @@
 #include "OrvLibrary/OrvLibraryExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// A manufacturer of products whose objects appear in the library catalogs. A value: copies share nothing,
-/// and a record is changed by making a new one. Its id is the key of the table that holds it. One object
-/// belongs to one thread; texts are UTF-8.
+/// A maker of products that appear in the library catalogs. A plain value: copies share nothing, and to
+/// change a record you make a new one. The table that holds it has its id as the key. One object belongs to
+/// one thread. Texts are UTF-8.
 class ORVLIBRARY_EXPORT Manufacturer
 {
 public:
-    /// All texts empty, both flags false, changed now.
+    /// All texts are empty, both flags are false, and the last change is now.
     Manufacturer();
-    /// @param phone, fax, email may be "default", which stands for the manager's shared default text
+    /// @param phone, fax, email may be "default", which means the manager's shared default text
     /// @param logo UTF-8, relative to the manufacturer data folder
     /// @param lastModified may be not-a-date-time
     Manufacturer(const std::string& name, const std::string& url, const std::string& phone,
@@ -26,14 +26,14 @@ public:
     Manufacturer& operator=(const Manufacturer& other);
     ~Manufacturer();
 
-    /// Whether all fields are equal, the time of the last change included.
+    /// Whether all fields are equal, including the time of the last change.
     bool operator==(const Manufacturer& other) const;
 
     const std::string& getManufacturerName() const { return mName; }
     const std::string& getManufacturerUrl() const { return mUrl; }
     /// Whether the user may not edit the record.
     bool isLocked() const { return mLock; }
-    /// Whether the record is marked deleted; it stays in table and file.
+    /// Whether the record is marked as deleted. It still stays in the table and in the file.
     bool isDeleted() const { return mDeleted; }
 
     bool isPhoneDefaulted() const;
@@ -43,22 +43,22 @@ public:
     void setFaxDefaulted();
     void setEmailDefaulted();
 
-    /// A contact field. The reference holds as long as the record and, with `resolveDefault`, the manager
-    /// stay as they are.
-    /// @param resolveDefault true gives the manager's default text for a defaulted field (and makes the
-    /// manager if there is none yet); false gives the field as it is
+    /// A contact field. The reference is valid until the record changes or, with `resolveDefault`, the
+    /// manager.
+    /// @param resolveDefault if true, returns the manager's default text for the word "default" (and makes
+    /// the manager if there is none); if false, returns the field unchanged
     const std::string& getManufacturerPhoneNumber(bool resolveDefault) const;
     const std::string& getManufacturerFaxNumber(bool resolveDefault) const;
     const std::string& getManufacturerEmail(bool resolveDefault) const;
 
     void setLastModified(const boost::posix_time::ptime& time);
-    /// UTC; not-a-date-time when the time is not known.
+    /// In UTC; not-a-date-time if unknown.
     const boost::posix_time::ptime& getLastModified() const { return *mLastModified; }
 
     /// Relative to the manufacturer data folder, as stored.
     fileString getManufacturerLogoName() const { return mLogo; }
-    /// The logo's whole path as Windows-1252 text, for code that takes 8-bit paths; the manufacturer data
-    /// folder itself when there is no logo.
+    /// The full path of the logo as Windows-1252 text, for code that takes 8-bit paths. If there is no logo,
+    /// the manufacturer data folder.
     std::string getManufacturerFullLogoName() const;
 
 private:

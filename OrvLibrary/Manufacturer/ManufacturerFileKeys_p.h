@@ -8,7 +8,7 @@ constexpr char kTemporaryFileName[] = "manufacturer_data_temp.json";
 
 constexpr char kDefaultText[] = "Default_Text";
 constexpr char kManufacturer[] = "Manufacturer";
-/// Of the file as a whole, and of each record.
+/// For the whole file, and for each record.
 constexpr char kLastModified[] = "Last_Modified";
 
 constexpr char kId[] = "Id";

@@ -1,4 +1,4 @@
-// Reading the manufacturer file.
+// Reads the manufacturer file.
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 
 #include "OrvLibrary/Manufacturer/ManufacturerFileKeys_p.h"
@@ -23,8 +23,8 @@ struct Content
     std::string defaultText;
 };
 
-/// The member of that key; null when there is none.
-/// @throws boost::bad_any_cast when it is of another type
+/// The member with this key; null if there is none.
+/// @throws boost::bad_any_cast if it has another type
 template <class Type>
 const Type* member(const json::object& object, const char* key)
 {
@@ -44,7 +44,8 @@ bool flag(const json::object& object, const char* key)
     return found && *found;
 }
 
-/// Makes the record in its place, unless the table has one of that id already; it must be sound all the same.
+/// Makes the record in the table. If the table already has this id, only checks that the record is
+/// well-formed.
 void readRecord(const json::object& object, long id, std::map<long, Manufacturer>& table)
 {
     const auto* time = member<std::string>(object, kLastModified);
@@ -53,10 +54,10 @@ void readRecord(const json::object& object, long id, std::map<long, Manufacturer
                       time ? Library::fromString(*time) : ptime());
 }
 
-/// Equal keys come back last first: the first record of an id is the last one in the file.
+/// The tree returns equal keys in reverse order, so the first record of an id is the last one in the file.
 std::map<long, Manufacturer> readRecords(const json::object& root)
 {
-    // Deliberate: a later record replaces an earlier one of the same id without a warning.
+    // Deliberate: a later record replaces an earlier one with the same id, without a warning.
     // Kept by: ManufacturerManagerLoad.laterRecordOfAnIdReplacesTheEarlierOne
     std::map<long, Manufacturer> table;
     for (auto [entry, end] = root.equal_range(kManufacturer); entry != end; ++entry) {
@@ -120,7 +121,7 @@ void ManufacturerManager::loadManufacturers()
     try {
         read_manufacturer_file(get_manufacturer_fullname(), table, mLastModified.get(), &mDefaultText);
     } catch (...) {
-        table.clear(); // the host could not even say where the file is
+        table.clear(); // the host could not even name the file
     }
     mTable.swap(table);
 }
@@ -130,7 +131,8 @@ bool ManufacturerManager::changeManufacturerDataPath(const fileString& folder)
     std::map<long, Manufacturer> table;
     ptime lastModified;
     std::string defaultText;
-    // Deliberate: plain concatenation; and the folder that is written to stays the standard one.
+    // Deliberate: no separator is added between folder and name; and files are still written to the standard
+    // folder.
     // Kept by: ManufacturerManagerTest.folderIsJoinedWithoutASeparator,
     // ManufacturerManagerTest.writesGoToTheStandardFolderAfterAChange
     if (!read_manufacturer_file(folder + fileString(kFileName), table, &lastModified, &defaultText))

@@ -1,4 +1,4 @@
-// Writing the manufacturer file.
+// Writes the manufacturer file.
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 
 #include "OrvLibrary/Manufacturer/ManufacturerFileKeys_p.h"
@@ -59,14 +59,14 @@ void ManufacturerManager::write_manufacturer_file()
             tellThatFileCannotBeWritten(path);
         else
             json_writer::write_file(path.unicodeString().toUTF8String(), root);
-        // Deliberate: also a file that was refused, so that the next attempt finds it writable.
+        // Deliberate: this is also done for a file that was read-only, so the next attempt can write it.
         // Kept by: ManufacturerManagerSave.readOnlyFileIsToldAndMadeWritableForTheNextTime
         if (path.pathExists()) {
             FileUtils::makeFileWritable(path);
             FileUtils::setFilePermission(path);
         }
     } catch (...) {
-        // Deliberate: silence. The file has its old content.
+        // Deliberate: no message. The file keeps its old content.
         // Kept by: ManufacturerManagerSave.otherFailuresAreSilent
     }
 }
@@ -83,7 +83,7 @@ void ManufacturerManager::checkWriteDataFile()
         if (!FileUtils::canWriteFile(path))
             tellThatFileCannotBeWritten(path);
     } catch (...) {
-        // Deliberate: silence. There is nobody left to tell.
+        // Deliberate: no message, because the message system itself may have failed.
         // Kept by: ManufacturerManagerSave.otherFailuresAreSilent
     }
 }

@@ -1,4 +1,4 @@
-// Bringing the records and their logos up to date from the web service.
+// Refreshes the records and their logos from the web service.
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 
 #include <algorithm>
@@ -21,7 +21,7 @@ namespace {
 constexpr int kAlsoReadOnly = 1;
 constexpr char kLogoPath[] = "&logo-path=";
 
-/// The time itself; the earliest one for a stamp that is no date, so that everything is newer.
+/// The time; the earliest time if it is not a date, so that everything else is newer.
 ptime dateOf(const ptime& time)
 {
     return time.is_not_a_date_time() ? ptime(boost::date_time::min_date_time) : time;
@@ -49,23 +49,22 @@ bool endsWith(const std::string& text, const std::string& end)
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-/// The name without detours, by which two names of one file are equal: "a.png" for "./b/../a.png".
+/// The path in its shortest form, so that two names of one file are equal: "./b/../a.png" becomes "a.png".
 std::string plainName(const fileString& logo)
 {
     return std::filesystem::path(logo.toNativeString()).lexically_normal().native();
 }
 
-/// Whether the name is that of one of our own files in the folder, on a file system that knows no letter
-/// case, too.
+/// Whether the name is one of our own files in the folder. Ignores letter case, because the file system may
+/// do so.
 bool isOwnFile(const std::string& name)
 {
     const std::string lower = lowerCase(name);
     return startsWith(lower, kFileName) || lower == kTemporaryFileName || endsWith(lower, ".orv-new");
 }
 
-/// Whether the name is that of a file in the manufacturer folder that is not one of our own. The service says
-/// how logos are called; it must not choose what is deleted or written elsewhere, or in the data file's
-/// place.
+/// Whether the name is a file in the manufacturer folder and not one of our own. The web service chooses the
+/// names of logos. It must not make us delete or write other files, or the data file.
 bool isLogoName(const fileString& logo)
 {
     const std::string& name = logo.toNativeString();
@@ -88,14 +87,14 @@ fileString logoFile(const fileString& logo)
     return PathUtils::getObject().getManufacturerDataPath() / logo;
 }
 
-/// A failure leaves the folder as it is.
+/// If this fails, the folder stays unchanged.
 void fetchLogo(const fileString& logo, const marl::unicode::String& logoBase)
 try {
     std::string ignoredReason;
     Curl::get().download_to_location(StringUtils::toWin1252(logoBase + logo.unicodeString()), logoFile(logo),
                                      ignoredReason);
 } catch (...) {
-    // A download that throws is a logo that failed; the others are still fetched.
+    // The logo fails if its download throws. The others are still downloaded.
 }
 
 } // namespace
@@ -106,7 +105,7 @@ void ManufacturerManager::checkForManufacturerUpdates(const marl::unicode::Strin
     try {
         fetchUpdate(StringUtils::toWin1252(dataUrl), logoUrl + marl::unicode::String(kLogoPath));
     } catch (...) {
-        // Deliberate: silence, as for every failure of the refresh.
+        // Deliberate: no message, as for every failure of the refresh.
         // Kept by: ManufacturerManagerFault.aRefreshEndsQuietlyWhicheverCallThrows
     }
 }
@@ -129,7 +128,7 @@ void ManufacturerManager::fetchUpdate(const std::string& dataUrl, const marl::un
     if (!isRead || !isNewer(lastModified, *mLastModified))
         return;
     fetchLogos(table, logoBase);
-    // Deliberate: all of the service's records replace all of ours, newer ones and our own included.
+    // Deliberate: the web service's records replace all of ours, even newer ones and those the user made.
     // Kept by: ManufacturerManagerUpdate.newerFileReplacesTheTable
     mTable.swap(table);
     mDefaultText.swap(defaultText);
@@ -137,8 +136,8 @@ void ManufacturerManager::fetchUpdate(const std::string& dataUrl, const marl::un
     write_manufacturer_file();
 }
 
-/// Fetches the logos of records that are new, or newer than ours. The old logo of a newer record goes first,
-/// unless a record of the new table names it: such a logo is replaced when its successor has arrived.
+/// Downloads the logos of records that are new, or newer than ours. The old logo of a newer record is removed
+/// first, except if a record of the new table uses it; that logo is replaced when the new one has arrived.
 void ManufacturerManager::fetchLogos(const std::map<long, Manufacturer>& table,
                                      const marl::unicode::String& logoBase) const
 {
