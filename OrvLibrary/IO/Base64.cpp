@@ -8,8 +8,8 @@
 
 namespace {
 
-// Pieces go through a buffer that stays in the processor's cache: that is cheaper than to clear the whole
-// result before it is filled.
+// Pieces go through a small buffer that stays in the processor's cache. This takes less time than to clear
+// the whole result before filling it.
 constexpr std::size_t kGroups = 4096;
 constexpr std::size_t kPieceBytes = kGroups * 3;
 constexpr std::size_t kPieceText = kGroups * 4;
@@ -20,8 +20,8 @@ bool isAccepted(char c)
            c == '/' || c == '=';
 }
 
-/// Deliberate: a position past the end reads as "A", so that a last group that is cut short is completed with
-/// zero bits, and no length is an error.
+/// Deliberate: a position past the end counts as "A". So an incomplete last group is filled with zero bits,
+/// and every length is valid.
 /// Kept by: Base64.aCutGroupIsCompletedWithZeroBits
 char fetch(const std::string& text, std::size_t position)
 {
@@ -35,7 +35,7 @@ char fetch(const std::string& text, std::size_t position)
     return c;
 }
 
-/// Deliberate: "=" counts as 63 where it is not skipped.
+/// Deliberate: "=" counts as 63 if it is not skipped.
 /// Kept by: Base64.paddingIsTakenAnywhere
 unsigned sixBits(char c)
 {
@@ -48,7 +48,7 @@ unsigned sixBits(char c)
     return c == '+' ? 62 : 63;
 }
 
-/// Any group, with "=", a bad character or the end of the text in it.
+/// Decodes any group: with "=", a wrong character or the end of the text.
 void decodeGroup(const std::string& text, std::size_t position, std::vector<unsigned char>& bytes)
 {
     const char first = fetch(text, position);
@@ -60,8 +60,8 @@ void decodeGroup(const std::string& text, std::size_t position, std::vector<unsi
     const unsigned c = sixBits(third);
     const unsigned d = sixBits(fourth);
     bytes.push_back(static_cast<unsigned char>(a << 2 | b >> 4));
-    // Deliberate: the two tests are independent, so "QQ=A" gives a second byte out of its first and last
-    // pair.
+    // Deliberate: the two tests are independent. So "QQ=A" gives a second byte, made from its third and
+    // fourth character.
     // Kept by: Base64.mutatedTextsAreReadAsTheRulesSay
     if (third != '=')
         bytes.push_back(static_cast<unsigned char>(b << 4 | c >> 2));
@@ -69,7 +69,7 @@ void decodeGroup(const std::string& text, std::size_t position, std::vector<unsi
         bytes.push_back(static_cast<unsigned char>(c << 6 | d));
 }
 
-/// The last one or two bytes.
+/// Encodes the last one or two bytes.
 void encodeRest(const unsigned char* bytes, std::size_t count, std::string& text)
 {
     const std::array<unsigned char, 3> group = {bytes[0],

@@ -6,12 +6,12 @@
 
 #include "OrvLibrary/OrvLibraryExport.h"
 
-/// Bytes to Base64 text and back: the standard alphabet, "=" as padding, no line breaks. May be called from
-/// any thread.
+/// Converts bytes to Base64 text and back: standard alphabet, "=" as padding, no line breaks. May be called
+/// from any thread.
 class ORVLIBRARY_EXPORT Base64
 {
 public:
-    /// A character that is neither of the alphabet nor "=".
+    /// Thrown for a character that is neither "=" nor in the alphabet.
     class ORVLIBRARY_EXPORT InvalidCharacterException : public std::exception
     {
     public:
@@ -23,10 +23,10 @@ public:
         std::string mMessage;
     };
 
-    /// The text, always a multiple of four characters; empty for no bytes.
+    /// The text; its length is a multiple of four. Empty if there are no bytes.
     static std::string encode(const std::vector<unsigned char>& bytes);
-    /// The bytes of a text. A length that is no multiple of four is completed with zero bits, and "=" is
-    /// taken anywhere.
-    /// @throws InvalidCharacterException for the first other character, with its zero-based position
+    /// The bytes of a text. If the length is not a multiple of four, the rest is filled with zero bits. "="
+    /// is accepted at any place.
+    /// @throws InvalidCharacterException for the first other character, with its index
     static std::vector<unsigned char> decode(const std::string& text);
 };

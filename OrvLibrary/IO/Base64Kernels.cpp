@@ -13,7 +13,7 @@ namespace {
 constexpr char kAlphabet[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 constexpr std::uint32_t kNoCharacter = 0x80000000u;
 
-/// Two characters for every twelve bits.
+/// A table with two characters for every twelve bits.
 constexpr std::array<char, 4096 * 2> makePairs()
 {
     std::array<char, 4096 * 2> pairs = {};
@@ -24,7 +24,7 @@ constexpr std::array<char, 4096 * 2> makePairs()
     return pairs;
 }
 
-/// The bits of a character where it stands in a group of 24 bits, for each of its four places.
+/// A table with the bits of each character, for each of the four places in a group.
 constexpr std::array<std::array<std::uint32_t, 256>, 4> makeBits()
 {
     std::array<std::array<std::uint32_t, 256>, 4> bits = {};

@@ -11,7 +11,7 @@ namespace base64 {
 namespace {
 
 constexpr std::size_t kVector = 16;
-constexpr std::size_t kVectorBytes = 12; ///< what sixteen characters stand for
+constexpr std::size_t kVectorBytes = 12; ///< the bytes for sixteen characters
 
 ORV_SSSE3 __m128i load(const void* from)
 {
@@ -23,13 +23,13 @@ ORV_SSSE3 void store(void* to, __m128i value)
     _mm_storeu_si128(static_cast<__m128i*>(to), value);
 }
 
-/// Twelve bytes to sixteen values of six bits.
+/// Splits twelve bytes into sixteen values of six bits.
 ORV_SSSE3 __m128i spread(__m128i bytes)
 {
     // Each lane of 32 bits gets its three bytes as two overlapping words: b0 b1 and b1 b2.
     const __m128i words =
         _mm_shuffle_epi8(bytes, _mm_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10));
-    // Multiplying shifts the two words of a lane by different counts.
+    // A multiplication shifts the two words of a lane by different numbers of bits.
     const __m128i even =
         _mm_mulhi_epu16(_mm_and_si128(words, _mm_set1_epi32(0x0FC0FC00)), _mm_set1_epi32(0x04000040));
     const __m128i odd =
@@ -37,7 +37,7 @@ ORV_SSSE3 __m128i spread(__m128i bytes)
     return _mm_or_si128(even, odd);
 }
 
-/// Values of six bits to characters: the distance of each from its character is constant per range.
+/// Converts values of six bits to characters. Within each range of the alphabet, both differ by a constant.
 ORV_SSSE3 __m128i toCharacters(__m128i values)
 {
     const __m128i upper = _mm_and_si128(_mm_cmpgt_epi8(_mm_set1_epi8(26), values), _mm_set1_epi8(13));
@@ -50,13 +50,13 @@ ORV_SSSE3 __m128i toCharacters(__m128i values)
 
 ORV_SSSE3 void encodeSsse3(const unsigned char* bytes, std::size_t count, char* text)
 {
-    // A load takes four bytes more than it uses.
+    // The load reads four bytes more than it uses.
     for (; count >= kVector; bytes += kVectorBytes, count -= kVectorBytes, text += kVector)
         store(text, toCharacters(spread(load(bytes))));
     scalarKernels().encode(bytes, count, text);
 }
 
-/// The halves of each byte, by which characters are told apart.
+/// The two halves of each byte. Together they tell whether it is a character of the alphabet.
 struct Nibbles
 {
     __m128i high;
@@ -69,8 +69,9 @@ ORV_SSSE3 Nibbles nibbles(__m128i characters)
     return {_mm_and_si128(_mm_srli_epi32(characters, 4), mask), _mm_and_si128(characters, mask)};
 }
 
-/// One bit stands for a kind of high half (1: "+/", 2: digits, 4: first half of the letters, 8: second half,
-/// 16: never a character); the table of low halves names the kinds in which that low half does not occur.
+/// Each bit stands for a group of high halves (1: "+/", 2: digits, 4: first half of the letters, 8: second
+/// half, 16: never in the alphabet). The table of low halves has the groups in which this low half does not
+/// occur.
 ORV_SSSE3 bool areCharacters(const Nibbles& halves)
 {
     const __m128i kinds = _mm_setr_epi8(16, 16, 1, 2, 4, 8, 4, 8, 16, 16, 16, 16, 16, 16, 16, 16);
@@ -83,14 +84,14 @@ ORV_SSSE3 bool areCharacters(const Nibbles& halves)
 
 ORV_SSSE3 __m128i toValues(__m128i characters, const Nibbles& halves)
 {
-    // "/" shares its high half with "+", so it takes the place before.
+    // "/" has the same high half as "+", so it uses the entry before.
     const __m128i slash = _mm_cmpeq_epi8(characters, _mm_set1_epi8('/'));
     const __m128i distances = _mm_setr_epi8(0, 63 - '/', 62 - '+', 52 - '0', -'A', -'A', 26 - 'a', 26 - 'a',
                                             0, 0, 0, 0, 0, 0, 0, 0);
     return _mm_add_epi8(characters, _mm_shuffle_epi8(distances, _mm_add_epi8(halves.high, slash)));
 }
 
-/// Sixteen values of six bits to twelve bytes, followed by four zeros.
+/// Joins sixteen values of six bits to twelve bytes, followed by four zeros.
 ORV_SSSE3 __m128i gather(__m128i values)
 {
     const __m128i pairs = _mm_maddubs_epi16(values, _mm_set1_epi32(0x01400140));
@@ -100,7 +101,7 @@ ORV_SSSE3 __m128i gather(__m128i values)
 
 ORV_SSSE3 std::size_t decodeSsse3(const char* text, std::size_t count, unsigned char* bytes)
 {
-    // A store writes four bytes more than it has, so the last groups are left to the tables.
+    // The store writes four bytes more than needed, so the last groups are left to the table version.
     constexpr std::size_t kReserve = 8;
     std::size_t at = 0;
     for (; at + kVector + kReserve <= count; at += kVector, bytes += kVectorBytes) {

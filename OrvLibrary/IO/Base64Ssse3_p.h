@@ -4,7 +4,7 @@
 
 namespace base64 {
 
-/// Sixteen characters at a time; null where the processor lacks the instructions.
+/// Handles sixteen characters at a time. Null if the processor lacks the instructions.
 const Kernels* ssse3Kernels();
 
 } // namespace base64

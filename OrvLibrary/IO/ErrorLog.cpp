@@ -19,7 +19,7 @@ namespace {
 constexpr double kLongestSilenceSeconds = 604800.0; // seven days
 constexpr char kFileName[] = "errors.log";
 
-/// Whether the log is there and was last written more than seven days ago.
+/// Whether the log exists and was last written more than seven days ago.
 bool isStale(const fileString& log)
 {
     return log.pathExists() &&
@@ -48,11 +48,11 @@ ErrorLog::ErrorLog()
 ErrorLog::~ErrorLog()
 {
     try {
-        // Two steps with two locks: another entry may come between, which does no harm.
+        // Two steps, each with its own lock. Another entry may come in between, which does no harm.
         clear();
         write();
     } catch (...) {
-        // The log is the last resort: there is nowhere else to report to.
+        // There is no other place to report a failure of the log.
     }
 }
 
@@ -109,8 +109,8 @@ void ErrorLog::clear()
     const fileString log = getLogFile();
     if (!isStale(log))
         return;
-    // Another process may have replaced the log since that look, so it is looked at again under the lock that
-    // writers take. A log that cannot be written has no writers.
+    // Another process may have replaced the log meanwhile, so check again under the lock of the writers. A
+    // log that cannot be written has no writers.
     const LockingFStream locked(log, std::ios_base::app);
     if ((locked.is_open() || !FileUtils::canWriteFile(log)) && isStale(log))
         FileUtils::removePath(log, 0);
@@ -133,7 +133,7 @@ void ErrorLog::write()
     stream << "---\n";
     stream << "Time: " << getTimeNowString() << "\n";
     stream << "Thread ID: " << threadText(QThread::currentThreadId()) << "\n";
-    // Deliberate: the lines of the message are not indented, although the block marker suggests it.
+    // Deliberate: the lines of the message are not indented, although "|" suggests it.
     // Kept by: ErrorLogTest.linesOfAMessageAreNotIndented
     stream << "Message: |\n" << text << "...\n";
     stream.close();

@@ -12,22 +12,21 @@
 
 namespace Library {
 
-/// One entry of the diagnostic log "errors.log" in the user library database folder, for support staff. It
-/// lives for a statement or a block, takes text through `operator<<`, and is appended to the file when it is
-/// destroyed; an entry without text is not. Nothing that goes wrong with the log reaches the caller.
+/// One entry of the log "errors.log" in the user library database folder. The log is for support staff. An
+/// entry collects text with `operator<<`. The destructor appends it to the file, unless it is empty. No
+/// failure of the log reaches the caller.
 ///
-/// Any thread may log; one object belongs to one thread.
+/// Any thread may log. One object belongs to one thread.
 class ORVLIBRARY_EXPORT ErrorLog
 {
 public:
     ErrorLog();
-    /// Drops a stale log (see `clear`), then appends the entry as one piece. Never throws.
+    /// Removes an old log (see `clear`), then appends the entry in one piece. Never throws.
     ~ErrorLog();
     ErrorLog(const ErrorLog&) = delete;
     ErrorLog& operator=(const ErrorLog&) = delete;
 
-    /// Each appends the text form of its argument and nothing else: no separator, no line break. A null text
-    /// appends nothing.
+    /// Each appends only its argument: no separator and no line break. A null text appends nothing.
     ErrorLog& operator<<(const char* text);
     ErrorLog& operator<<(const std::string& text);
     ErrorLog& operator<<(const long long& number);
@@ -36,9 +35,9 @@ public:
     ErrorLog& operator<<(const fileString& path);
     ErrorLog& operator<<(const boost::uuids::uuid& id);
 
-    /// The log's path. It is made anew each time, as the host's folders may change.
+    /// The path of the log. It is determined for each call, because the host's folders may change.
     static fileString file();
-    /// Deletes a log that was last written more than seven days ago. There is no other limit to its size.
+    /// Removes the log if it was last written more than seven days ago. Its size has no other limit.
     static void clear();
 
 private:
@@ -47,7 +46,7 @@ private:
 
     std::ostringstream mText;
 
-    static ThreadMutex mMutex; ///< held over every look at or change of the file
+    static ThreadMutex mMutex; ///< held whenever the file is read or changed
 };
 
 } // namespace Library

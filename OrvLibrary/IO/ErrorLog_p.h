@@ -4,7 +4,7 @@
 
 namespace Library {
 
-/// The text form of a thread's handle in the log: a pointer, or "{Not-any-thread}" for none.
+/// How the log shows a thread's handle: as a pointer, or "{Not-any-thread}" for none.
 std::string threadText(const void* handle);
 
 } // namespace Library

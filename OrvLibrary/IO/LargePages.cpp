@@ -15,7 +15,7 @@ void adviseLargePages(const void* block, std::size_t size)
         return;
     const auto begin = (reinterpret_cast<std::uintptr_t>(block) + kPage - 1) / kPage * kPage;
     const auto end = (reinterpret_cast<std::uintptr_t>(block) + size) / kPage * kPage;
-    madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE); // an advice: failure is no matter
+    madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE); // a hint: it may fail
 #else
     static_cast<void>(block);
     static_cast<void>(size);

@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-/// Asks the system for large pages in a block of memory that was just allocated and is about to be filled:
-/// touching fresh memory page by page costs more than converting what goes into it. Small blocks, and systems
-/// without large pages, are left as they are.
+/// Asks the system to use large pages for new memory that will be filled at once. Without them, the first
+/// access to each small page takes more time than the conversion itself. Does nothing for small blocks, or if
+/// the system has no large pages.
 void adviseLargePages(const void* block, std::size_t size);

@@ -35,7 +35,7 @@ bool isSameFile(const fileString& a, const fileString& b)
     return std::filesystem::equivalent(a.toNativeString(), b.toNativeString(), error);
 }
 
-/// A file that `unpack` makes, or may replace.
+/// A file that `unpack` makes or replaces.
 class Output
 {
 public:
@@ -48,9 +48,9 @@ public:
     const fileString& path() const { return mPath; }
     FoundFile found() const { return mIsFound ? FoundFile(true, mPath) : FoundFile(); }
     void setFound() { mIsFound = true; }
-    /// The file was there before and could not be begun.
+    /// The file existed and could not be begun, so it stays.
     void leaveAlone() { mGuard.cancel(); }
-    /// The end of a run that went well.
+    /// Called when the run was successful.
     void keep()
     {
         if (mIsFound)
@@ -59,14 +59,14 @@ public:
 
 private:
     fileString mPath;
-    /// Deliberate: set before anything is written, so that a file that stood beside the archive goes, too,
-    /// when the archive holds no member of its kind.
+    /// Deliberate: set before anything is written. So if the archive has no member of this kind, a file that
+    /// was beside it is removed, too.
     /// Kept by: LibraryImportUnpackTest.filesBesideGoWhenTheArchiveHoldsNoneOfTheirKind
     FileReaper mGuard;
     bool mIsFound = false;
 };
 
-/// One run of `unpack`: the member handler and what it keeps between its calls.
+/// One run of `unpack`: the callback for the members and its data.
 class Unpacking
 {
 public:
@@ -91,7 +91,7 @@ public:
         } catch (const ZipUtils::Cancelled&) {
             return {};
         } catch (const std::exception&) {
-            // A cancel wins over damage, also where it came in the same moment.
+            // If damage and a cancel come together, the cancel counts.
             if (mProgress && mProgress->checkCancel(false))
                 return {};
             throw;
@@ -108,7 +108,7 @@ private:
         if (mProgress && mProgress->checkCancel(false))
             throw ZipUtils::Cancelled();
         updateProgressDialog(mProgress, member.unicodeString());
-        // Deliberate: of several databases each replaces the one before, so that the last one wins.
+        // Deliberate: each database replaces the one before, so the last one counts.
         // Kept by: LibraryImportUnpackTest.lastOfThreeDatabasesWins
         const bool isDatabase = member.extension() == fileString(kDatabaseExtension);
         Output& output = isDatabase ? mDatabase : mReferenced;
@@ -117,7 +117,7 @@ private:
             output.setFound();
         else if (ZipUtils::isRefused(output.path(), handle))
             output.leaveAlone();
-        // Deliberate: a member that could not be copied is skipped, and the walk goes on.
+        // Deliberate: a member that cannot be copied is skipped.
         // Kept by: LibraryImportUnpackTest.unsafeNamesAreSkippedAndNothingLeavesTheTarget
         return true;
     }
@@ -136,7 +136,7 @@ private:
     Output mReferenced;
 };
 
-/// The translated text around a member's name; the text alone when the translation is no format.
+/// The translated text with the member's name. If the translation is broken, the translation alone.
 marl::unicode::String unpackingLabel(const marl::unicode::String& member)
 {
     const std::string text = StringUtils::loadString(TextId::kUnpacking);

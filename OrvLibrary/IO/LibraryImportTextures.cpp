@@ -1,4 +1,4 @@
-// The texture archives of imported libraries: where they live, and how a new one gets there.
+// Finds the place of a library's texture archive and puts a new one there.
 #include <new>
 #include <stdexcept>
 
@@ -15,7 +15,7 @@ namespace LibraryImport {
 namespace {
 
 /// Copies the members of an archive, except those to skip.
-/// @throws std::runtime_error, also for a member that cannot be copied
+/// @throws std::runtime_error, also if a member cannot be copied
 void copyAll(ZipUtils::ArchiveBatch& batch, const fileString& source, const fileString& target,
              const std::shared_ptr<ProgressSubject>& progress, const std::set<fileString>& skippedMembers)
 {
@@ -25,9 +25,9 @@ void copyAll(ZipUtils::ArchiveBatch& batch, const fileString& source, const file
                                  "\": cannot be copied");
 }
 
-/// Builds the merged archive beside the destination, whose place it takes when it is whole. It starts empty:
-/// the members of the old archive that stay, then every new one. The destination is locked before it is read,
-/// so that nothing is lost that another process merges into it.
+/// Makes the merged archive beside the destination and then replaces it. The new archive starts empty. First
+/// come those members of the old archive that stay, then all new ones. The destination is locked before it is
+/// read, so that nothing is lost if another process merges into it.
 /// @throws std::runtime_error, std::bad_alloc
 void mergeArchives(const fileString& extracted, const fileString& destination,
                    const std::shared_ptr<ProgressSubject>& progress)
@@ -40,8 +40,8 @@ void mergeArchives(const fileString& extracted, const fileString& destination,
     batch.complete();
 }
 
-/// Merges anew where an update has put another archive into the place meanwhile: a merge with the former one
-/// would take away what the update has brought.
+/// Merges again if an update has replaced the destination meanwhile. Otherwise the merge, made from the
+/// former archive, would undo the update.
 /// @throws std::runtime_error, std::bad_alloc
 void mergeUntilDone(const fileString& extracted, const fileString& destination,
                     const std::shared_ptr<ProgressSubject>& progress)
@@ -62,7 +62,7 @@ void mergeUntilDone(const fileString& extracted, const fileString& destination,
 void placeArchive(const fileString& extracted, const fileString& destination,
                   const std::shared_ptr<ProgressSubject>& progress)
 {
-    // The destination may appear at any moment: another process imports a library of the same name.
+    // The destination may appear at any moment, when another process imports a library with the same name.
     if (destination.pathExists() || !ZipUtils::moveToNewArchive(extracted, destination, progress))
         mergeUntilDone(extracted, destination, progress);
 }
@@ -87,11 +87,11 @@ bool moveArchivedTextures(const fileString& extracted, const fileString& destina
 bool moveArchivedTextures(const fileString& extracted, const fileString& destination,
                           std::shared_ptr<ProgressSubject> progress, std::string& reason)
 {
-    // Deliberate: there is nothing to move, and that is success.
+    // Deliberate: if there is nothing to move, that is success.
     // Kept by: LibraryImportTexturesTest.missingExtractedArchiveIsSuccessAndChangesNothing
     if (!extracted.pathExists())
         return true;
-    // Consumed whatever happens.
+    // Removed in every case.
     const FileReaper consumed(extracted);
     FileUtils::createDirectoriesWithPerm(destination.parentPath(), false);
     try {
