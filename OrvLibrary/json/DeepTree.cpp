@@ -13,7 +13,7 @@ bool isContainer(const boost::any& value)
     return value.type() == typeid(object) || value.type() == typeid(array);
 }
 
-/// Takes one child out of a container; a null pointer when none is left.
+/// Takes one child out of a container; null if it is empty.
 Node takeChild(boost::any& container)
 {
     Node child;
@@ -48,8 +48,8 @@ DeepTree::~DeepTree()
     }
 }
 
-/// Keeps a container to empty it first. A node that somebody else holds too is only let go of, and so
-/// is a node that was added later and lies deeper than the reserved space.
+/// Keeps a container that must be emptied first. A node that somebody else also holds is simply released, and
+/// so is a node that was added later, deeper than the reserved space.
 void DeepTree::descend(Node node)
 {
     if (node.use_count() == 1 && isContainer(*node) && mPath.size() < mPath.capacity())

@@ -7,13 +7,13 @@
 
 namespace json {
 
-/// Owns a tree and releases it level by level without recursion, and without asking for memory: nodes that
-/// release each other would need the more of the thread's stack the deeper they are nested.
+/// Owns a tree and frees it level by level, without recursion and without allocating memory. Nodes that free
+/// each other would need more stack the deeper they are nested.
 class DeepTree
 {
 public:
     using Node = grammar<char>::variant;
-    /// Trees of so many levels may release themselves anywhere.
+    /// A tree with at most this many levels may be freed in the ordinary way.
     static constexpr std::size_t kShallow = 64;
 
     DeepTree() = default;
@@ -22,7 +22,7 @@ public:
     DeepTree& operator=(const DeepTree&) = delete;
 
     Node& root() { return mRoot; }
-    /// Told the number of levels before the tree gets them.
+    /// Called with the number of levels before the tree gets that deep.
     void prepareFor(std::size_t levels);
     bool isDeep() const { return mPath.capacity() > 0; }
 
@@ -30,7 +30,7 @@ private:
     void descend(Node node);
 
     Node mRoot;
-    std::vector<Node> mPath; ///< from the root to the container that is being emptied; room made beforehand
+    std::vector<Node> mPath; ///< from the root to the container being emptied; reserved beforehand
 };
 
 } // namespace json

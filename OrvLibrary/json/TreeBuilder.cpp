@@ -62,7 +62,7 @@ void TreeBuilder::addNull()
     add(std::make_shared<boost::any>());
 }
 
-/// Puts a value into the innermost container; without one it is the root.
+/// Adds a value to the innermost container. If none is open, the value is the root.
 boost::any& TreeBuilder::add(Node node)
 {
     boost::any& value = *node;
@@ -75,8 +75,8 @@ boost::any& TreeBuilder::add(Node node)
     return value;
 }
 
-/// Deliberate: a member goes before the members of equal key, so that the last one in the text is found
-/// first. The hint spares the search in a run of equal keys, as a filter file has them.
+/// Deliberate: a member goes before members with an equal key, so that `find` returns the last one in the
+/// text. The hint saves a search in a run of equal keys, which a filter file has.
 /// Kept by: JsonReader.equalKeysStandInReverseOrder
 void TreeBuilder::addMember(Container& container, Node node)
 {
@@ -91,7 +91,7 @@ bool TreeBuilder::isLoneBrace() const
     return mOpen.size() == 1 && isEmpty();
 }
 
-/// A deep tree hands out its root together with the care for its release.
+/// For a deep tree, the returned root also frees the tree level by level.
 TreeBuilder::Node TreeBuilder::takeTree()
 {
     if (isOpen())

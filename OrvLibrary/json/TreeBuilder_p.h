@@ -9,11 +9,11 @@
 
 namespace json {
 
-/// The parse stack of one call: takes what the rules recognise, in the order of the text, and makes the tree
-/// of it. A container stands in its parent from the moment it is opened, so the stack holds no more than the
-/// containers that are open; a text that fails throws the whole tree away.
+/// Builds the tree from the tokens that the rules recognise, in the order of the text. A container is added
+/// to its parent when it is opened, so the stack holds only the open containers. If parsing fails, the whole
+/// tree is freed.
 ///
-/// Containers nest on this stack and not on that of the thread, so any depth takes the same room there.
+/// Containers nest on this stack, not on that of the thread, so the depth does not matter for the thread.
 class TreeBuilder
 {
 public:
@@ -24,12 +24,12 @@ public:
     TreeBuilder(const TreeBuilder&) = delete;
     TreeBuilder& operator=(const TreeBuilder&) = delete;
 
-    /// Where the rules put the string last recognised, unescaped, for `takeKey` and `addText`.
+    /// The last string, unescaped. The rules write it here for `takeKey` and `addText`.
     std::string& text() { return mText; }
 
     bool isOpen() const { return !mOpen.empty(); }
     bool mayOpen() const { return mOpen.size() < static_cast<std::size_t>(kDeepestNesting); }
-    /// Of the innermost open container.
+    /// Whether the innermost open container is an array.
     bool inArray() const { return mOpen.back().elements != nullptr; }
     bool isEmpty() const;
     char closer() const { return inArray() ? ']' : '}'; }
@@ -45,13 +45,13 @@ public:
     void addFalse();
     void addNull();
 
-    /// Whether all there is so far is the root's opening brace.
+    /// Whether there is only the opening brace of the root so far.
     bool isLoneBrace() const;
-    /// The tree, once its root is closed; null before. The builder is empty afterwards.
+    /// The tree if its root is closed; otherwise null. The builder is empty afterwards.
     Node takeTree();
 
 private:
-    /// An open container: exactly one of the pointers is set.
+    /// An open container. Exactly one of the pointers is set.
     struct Container
     {
         object* members;

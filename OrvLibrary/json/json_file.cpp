@@ -18,7 +18,7 @@ std::string readText(const fileString& path)
     if (!stream.is_open())
         throw std::runtime_error("cannot open " + path.toNativeString());
     stream.exceptions(std::ios_base::badbit);
-    // The size of the file that is open: by now the path may name another one.
+    // The size of the open file. The path may belong to another file by now.
     const std::streamoff size = stream.seekg(0, std::ios_base::end).tellg();
     if (size < 0 || size > kLargestFile)
         throw std::runtime_error("no file that is read: " + path.toNativeString());

@@ -1,4 +1,7 @@
-// The one source file that sees the parsing engine; nothing of it leaves this file.
+// How it works: the grammar recognises tokens and tells a `TreeBuilder` about each of them. Strings, escapes
+// and simple integers are read by hand-written parsers, which are faster; the parsing library reads all other
+// numbers. The rules are not recursive: the builder knows which container is open, and the grammar asks it.
+// Only this file includes the parsing library.
 #include <boost/spirit/include/classic_core.hpp>
 
 #include "OrvLibrary/json/TreeBuilder_p.h"
@@ -12,7 +15,7 @@ namespace spirit = boost::spirit::classic;
 
 using Node = grammar<char>::variant;
 
-/// The six characters between tokens, whatever the process's locale holds for white space.
+/// The six characters allowed between tokens, in every locale.
 bool isBlank(char character)
 {
     return character == ' ' || (character >= '\t' && character <= '\r');
@@ -37,7 +40,7 @@ int hexDigit(char character)
 }
 
 /// Reads the four digits of a code point.
-/// @return where the escape ends; null when it is not one
+/// @return the end of the escape; null if it is wrong
 const char* readCodePoint(const char* at, const char* last, std::string& text)
 {
     if (last - at < 4)
@@ -53,8 +56,8 @@ const char* readCodePoint(const char* at, const char* last, std::string& text)
     return at;
 }
 
-/// Reads what follows a backslash.
-/// @return where the escape ends; null when it is not one
+/// Reads an escape after its backslash.
+/// @return the end of the escape; null if it is wrong
 const char* readEscape(const char* at, const char* last, std::string& text)
 {
     if (at == last)
@@ -87,7 +90,7 @@ const char* readEscape(const char* at, const char* last, std::string& text)
     }
 }
 
-/// Where the next quote or backslash stands; `last` when there is none.
+/// The place of the next quote or backslash; `last` if there is none.
 const char* endOfRun(const char* at, const char* last)
 {
     while (at != last && *at != '"' && *at != '\\')
@@ -95,12 +98,12 @@ const char* endOfRun(const char* at, const char* last)
     return at;
 }
 
-/// Reads a string from behind its opening quote, in one pass: runs are copied, escapes are resolved.
-/// @return behind the closing quote; null when the string is not one
+/// Reads a string after its opening quote, in one pass: copies runs of characters and resolves escapes.
+/// @return the place after the closing quote; null if the string is wrong
 const char* readString(const char* at, const char* last, std::string& text)
 {
     const char* end = endOfRun(at, last);
-    text = std::string(at, end); // made anew, because a text that grows takes room to grow further
+    text = std::string(at, end); // a new text, because one that grows step by step reserves more memory
     while (end != last && *end == '\\') {
         at = readEscape(end + 1, last, text);
         if (!at)
@@ -111,7 +114,7 @@ const char* readString(const char* at, const char* last, std::string& text)
     return end == last ? nullptr : end + 1;
 }
 
-/// A string; its text goes to the builder.
+/// Recognises a string. Its text goes to the builder.
 class String : public spirit::parser<String>
 {
 public:
@@ -135,8 +138,8 @@ private:
     std::string& mText;
 };
 
-/// A plain run of digits that cannot overflow and does not go on as a real; the usual number, read in one
-/// pass. Whatever else may be a number is left to the engine.
+/// Recognises a few digits that cannot overflow and are not part of a real: the usual number, in one pass.
+/// All others are left to the parsing library.
 class DigitRun : public spirit::parser<DigitRun>
 {
 public:
@@ -173,7 +176,7 @@ private:
     }
 };
 
-/// The character that closes the innermost container.
+/// Recognises the character that closes the innermost container.
 class Closer : public spirit::char_parser<Closer>
 {
 public:
@@ -190,7 +193,7 @@ private:
     const TreeBuilder& mBuilder;
 };
 
-/// Tells the builder of a match; the engine hands over the character, the number or the place.
+/// Tells the builder about a match. The parsing library passes a character, a number or a place.
 template <auto action>
 struct Tell
 {
@@ -208,7 +211,7 @@ struct TellNumber
     void operator()(Number value) const { (builder.*action)(value); }
 };
 
-/// Asks the builder about the innermost container.
+/// Asks the builder a question about the innermost container.
 template <bool (TreeBuilder::*question)() const>
 struct Ask
 {
@@ -218,7 +221,7 @@ struct Ask
 };
 
 /// Runs the rules over a text.
-/// @return where they stopped
+/// @return the place where they stopped
 const char* runRules(const char* first, const char* last, TreeBuilder& builder)
 {
     using B = TreeBuilder;
@@ -227,8 +230,8 @@ const char* runRules(const char* first, const char* last, TreeBuilder& builder)
     using spirit::str_p;
 
     const String string(builder.text());
-    // Deliberate: an integer beyond 32 bits is no number at all, so a text that holds one is not read. Who
-    // reads the tree tests for exactly `int`.
+    // Deliberate: an integer beyond 32 bits is not a number here, so the whole text is not read. The code
+    // that uses the tree expects exactly `int`.
     // Kept by: JsonReader.malformedTextsYieldAnEmptyValue
     const auto number = DigitRun()[TellNumber<int, &B::addInt>{builder}] |
                         spirit::strict_real_p[TellNumber<double, &B::addDouble>{builder}] |
@@ -240,8 +243,8 @@ const char* runRules(const char* first, const char* last, TreeBuilder& builder)
                          (ch_p('{')[Tell<&B::openObject>{builder}] | ch_p('[')[Tell<&B::openArray>{builder}]);
     const auto closing = Closer(builder)[Tell<&B::close>{builder}];
 
-    // The rules do not call each other: an opening bracket starts a container and the builder knows which
-    // one is open, so the nesting of a text costs nothing of the thread's stack.
+    // The rules do not call each other, so nesting needs no stack of the thread: an opening bracket starts a
+    // container, and the builder knows which one is open.
     const auto comma = eps_p(Ask<&B::isEmpty>{builder}) | ',';
     const auto key = eps_p(Ask<&B::inArray>{builder}) | (string[Tell<&B::takeKey>{builder}] >> ':');
     const auto value = string[Tell<&B::addText>{builder}] | number | opening | boolean | null;
@@ -260,7 +263,7 @@ Node parseCharacters(const char* first, const char* last)
         ++stop;
     if (stop != last)
         return std::make_shared<boost::any>();
-    // Deliberate: a lone opening brace leaves its marker, of which no reader can make anything.
+    // Deliberate: a single opening brace leaves its marker, which no caller can use.
     // Kept by: JsonReader.loneOpeningBraceLeavesItsMarker
     if (builder.isLoneBrace())
         return std::make_shared<boost::any>(grammar<char>::object_delimiter());

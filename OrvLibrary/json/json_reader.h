@@ -10,21 +10,21 @@
 
 #include <boost/any.hpp>
 
-/// Reading of JSON files into a tree of type-erased nodes. The functions keep all their state in the call and
-/// may run on any number of threads at once; a tree belongs to its caller.
+/// Reads JSON into a tree of nodes of any type. The functions have no state of their own, so any number of
+/// threads may use them at the same time. A tree belongs to its caller.
 namespace json {
 
-/// The language's types. The rules themselves stand in the one source file that sees the parsing engine.
+/// The types of the reader. The rules are in the only source file that includes the parsing library.
 template <class Char>
 class grammar
 {
 public:
-    /// A node of the tree, never a null pointer. It holds exactly one of `json::object`, `json::array`,
-    /// `std::string`, `double` (a number with a fraction or an exponent), `int` (any other number), `bool`,
-    /// or nothing at all for null.
+    /// A node of the tree; never null. It holds exactly one of `json::object`, `json::array`, `std::string`,
+    /// `double` (a number with a fraction or an exponent), `int` (any other number), `bool`, or nothing for
+    /// null.
     using variant = std::shared_ptr<boost::any>;
 
-    /// The entry on the parse stack for a container that has not been closed yet.
+    /// Marks a container that is not closed.
     struct object_delimiter
     {
     };
@@ -33,35 +33,35 @@ public:
     };
 };
 
-/// The members of an object by key, byte-wise. Equal keys stand in reverse order of the text: `find` gives
-/// the one that comes last in it, and the equal range runs from the last to the first.
+/// The members of an object by key, compared byte by byte. Equal keys are in reverse order of the text:
+/// `find` returns the last one, and the equal range goes from the last to the first.
 using object = std::multimap<std::string, grammar<char>::variant, std::less<std::string>>;
-/// The elements of an array in the order of the text.
+/// The elements of an array, in the order of the text.
 using array = std::deque<grammar<char>::variant>;
 
-/// Containers nested deeper than this are not read.
+/// Text with containers nested deeper than this is not read.
 constexpr int kDeepestNesting = 1000;
 
 namespace unicodecvt {
 
-/// UTF-8 of a code point up to 0xFFFF, in one to three bytes. Surrogates are encoded each by itself.
+/// A code point up to 0xFFFF as UTF-8, in one to three bytes. Each surrogate is encoded on its own.
 std::string convert(int codePoint);
 
 } // namespace unicodecvt
 
-/// `parse` over plain characters.
+/// `parse` for plain characters.
 grammar<char>::variant parseCharacters(const char* first, const char* last);
 
-/// Whether the characters of any range of such iterators lie side by side in memory.
+/// Whether these iterators point into contiguous memory.
 template <class Iterator>
 constexpr bool kIsContiguous =
     std::is_pointer<Iterator>::value || std::is_same<Iterator, std::string::const_iterator>::value ||
     std::is_same<Iterator, std::string::iterator>::value;
 
-/// Reads a whole text, usually given by the iterators of a `std::string`; others are read from a copy.
-/// @return a node that holds the root `json::object`; for a text that is not of the language a node that
-/// holds nothing, and for a lone opening brace one that holds an `object_delimiter`. Only exhaustion of
-/// memory throws.
+/// Parses a whole text, usually given by the iterators of a `std::string`. Text that is not contiguous is
+/// copied first.
+/// @return a node with the root `json::object`. If the text is not valid, the node holds nothing; for a
+/// single opening brace it holds an `object_delimiter`. Throws only if memory runs out.
 template <class Iterator>
 grammar<char>::variant parse(Iterator first, Iterator last)
 {

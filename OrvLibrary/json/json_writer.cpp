@@ -12,7 +12,7 @@ namespace json_writer {
 
 namespace {
 
-/// Appends values to a text, one member or element to a line.
+/// Appends values to a text, with each member or element on its own line.
 class TextWriter : public boost::static_visitor<>
 {
 public:
@@ -20,7 +20,7 @@ public:
 
     void operator()(bool value) { mText += value ? "true" : "false"; }
     void operator()(int value) { integer(value); }
-    /// Deliberate: written as it is, also where the reader takes 32 bits only and will refuse the file.
+    /// Deliberate: written unchanged, although the reader accepts only 32 bits and will refuse the file.
     /// Kept by: JsonWriter.longBeyondAnIntMakesTheTextUnreadable
     void operator()(long value) { integer(value); }
     void operator()(double value);
@@ -124,8 +124,8 @@ void Object::add_element(const std::string& key, const std::string& value)
     mMembers.emplace_back(key, Value(value));
 }
 
-// The nested document is swapped into its place, which copies nothing. It is taken first, since it may be the
-// very document that it is added to.
+// Swaps the nested document into its place, which copies nothing. Takes it out first, because it may be the
+// document that it is added to.
 void Object::add_element(const std::string& key, Object&& value)
 {
     Object taken(std::move(value));

@@ -7,26 +7,26 @@
 
 #include <boost/variant.hpp>
 
-/// Documents that are built in memory, from the inside out, and written to a file in one call. Everything
-/// here is a plain value: adding and copying copy the whole subtree, unless it is moved in, as by
+/// Builds documents in memory, from the inside out, and writes each to a file in one call. All types are
+/// plain values: adding and copying copy the whole subtree, unless it is moved, as in
 /// `root.add_element("Filter", std::move(filter))`. One object belongs to one thread.
 namespace json_writer {
 
 class Object;
 class Array;
 
-/// A value of a document, tagged in this order.
+/// A value in a document. The order of the types is that of `Value::which`.
 using Value = boost::variant<bool, int, long, double, std::string, boost::recursive_wrapper<Object>,
                              boost::recursive_wrapper<Array>>;
 
-/// Whether a document holds values of exactly this type, so that nothing is converted on the way in.
+/// Whether a document can hold exactly this type, so that nothing is converted.
 template <class Type>
 using IfAlternative = std::enable_if_t<std::is_same<Type, bool>::value || std::is_same<Type, int>::value ||
                                        std::is_same<Type, long>::value || std::is_same<Type, double>::value ||
                                        std::is_same<Type, std::string>::value ||
                                        std::is_same<Type, Object>::value || std::is_same<Type, Array>::value>;
 
-/// Members in the order in which they were added. A key may occur any number of times.
+/// Members, in the order in which they were added. A key may occur several times.
 class Object
 {
 public:
@@ -42,7 +42,7 @@ public:
     void add_element(const std::string& key, const std::string& value);
     template <class Type, class = IfAlternative<Type>>
     void add_element(const std::string& key, const Type& value);
-    /// Take the nested document over instead of copying it; it is left empty.
+    /// These move the nested document instead of copying it. It is empty afterwards.
     void add_element(const std::string& key, Object&& value);
     void add_element(const std::string& key, Array&& value);
 
@@ -52,7 +52,7 @@ private:
     Members mMembers;
 };
 
-/// Elements in the order in which they were added.
+/// Elements, in the order in which they were added.
 class Array
 {
 public:
@@ -68,7 +68,7 @@ public:
     void add_element(const std::string& value);
     template <class Type, class = IfAlternative<Type>>
     void add_element(const Type& value);
-    /// Take the nested document over instead of copying it; it is left empty.
+    /// These move the nested document instead of copying it. It is empty afterwards.
     void add_element(Object&& value);
     void add_element(Array&& value);
 
@@ -78,14 +78,14 @@ private:
     Elements mElements;
 };
 
-/// The document as JSON: integers without a point, reals with a point or an exponent and with as many digits
-/// as read back the same value, bytes from 0x80 up as they stand; the process's locale changes nothing.
-/// @throws std::domain_error for a real that is infinite or not a number
+/// The document as JSON. Integers have no point; reals have a point or an exponent, and enough digits to read
+/// back the same value. Bytes from 0x80 up stay unchanged. The process's locale has no effect.
+/// @throws std::domain_error for a real that is infinite or NaN
 std::string toText(const Object& object);
 
-/// Replaces the file as a whole; until that is done the old content stands, and on failure it stays.
+/// Replaces the whole file. Until this is complete, and after a failure, the old content stays.
 /// @param path UTF-8
-/// @throws std::domain_error as `toText`; std::runtime_error when the file cannot be written
+/// @throws std::domain_error as in `toText`; std::runtime_error if the file cannot be written
 void write_file(const std::string& path, const Object& object);
 
 template <class Type, class>
