@@ -7,7 +7,7 @@ Info::Info() = default;
 
 Info::Info(unsigned long categoryMask)
 {
-    // Deliberate: the order of the table, not that of the numbers.
+    // Deliberate: in the order of the table, not of the numbers.
     // Kept by: Info.listsCategoriesInTheOrderOfTheTable
     for (const int category : gLibCatMap) {
         if (categoryMask & 1UL << category)

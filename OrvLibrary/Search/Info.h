@@ -10,19 +10,19 @@
 namespace Library {
 namespace Search {
 
-/// The content categories in the order in which they are listed.
+/// The content categories, in the order of the list.
 constexpr std::array<int, 26> gLibCatMap = {20, 19, 10, 5,  6, 12, 7,  4,  2,  16, 0, 17, 1,
                                             18, 14, 9,  23, 8, 15, 11, 21, 22, 13, 3, 24, 25};
 
-/// A library search: what is looked for, and the restrictions that narrow it. A plain value; what the flags
-/// and the two sets of ids mean is the host's business.
+/// A library search: the text to look for and the restrictions. A plain value. Only the host knows what the
+/// flags and the two sets of ids mean.
 struct ORVLIBRARY_EXPORT Info
 {
     Info();
-    /// @param categoryMask bit `c` stands for category `c`; bits from 26 up are ignored
+    /// @param categoryMask bit `c` stands for category `c`; bits above 25 are ignored
     explicit Info(unsigned long categoryMask);
 
-    /// Whether nothing is looked for and nothing is restricted, whatever the flags say.
+    /// Whether there is no text to look for and no restriction. The flags do not count.
     bool empty() const;
 
     std::vector<std::string> terms;
@@ -36,8 +36,8 @@ struct ORVLIBRARY_EXPORT Info
     std::string text;
 };
 
-/// Replaces each restriction of `dst` (the categories and both sets of ids) that `src` has; one that is empty
-/// in `src` stays, so that no restriction is ever cleared.
+/// Copies each restriction that `src` has (the categories and both sets of ids) to `dst`. A restriction that
+/// is empty in `src` stays in `dst`, so this never removes one.
 ORVLIBRARY_EXPORT void copyRestrictions(Info& dst, const Info& src);
 
 } // namespace Search

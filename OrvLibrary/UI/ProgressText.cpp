@@ -15,8 +15,8 @@ namespace {
 
 constexpr int kCountPrecision = 9; // significant digits
 
-// The translated template with its arguments filled in. A template that a translator broke is shown as it is:
-// an exception must not leave a slot.
+// The translated template with its arguments. If a translation is broken, the template itself, because an
+// exception must not leave a slot.
 template <class... Arguments>
 std::string filledIn(std::uint32_t stringNumber, const Arguments&... arguments)
 {
@@ -50,7 +50,7 @@ void ProgressText::setUnitString(const std::string& unitString)
     mUnitString = unitString;
 }
 
-// Deliberate: a pause is recorded and both texts are sent again, but they do not mention it.
+// Deliberate: a pause is remembered and both texts are sent again, but they do not show it.
 // Kept by: ProgressTextTest.pauseAndResumeSendBothTextsUnchanged
 void ProgressText::onPauseProcess()
 {
@@ -112,7 +112,7 @@ std::string ProgressText::percentageText() const
 {
     if (mRange < 1)
         return filledIn(TextId::kPercentage, 0);
-    // Deliberate: the product stays within 32 bits and wraps above 21,474,836, unsigned because a signed
+    // Deliberate: the product has 32 bits and wraps above 21,474,836. It is unsigned, because a signed
     // overflow would be undefined.
     // Kept by: ProgressTextTest.percentageWrapsInThirtyTwoBits
     const auto done = static_cast<std::uint32_t>(std::min(mValue, mRange));

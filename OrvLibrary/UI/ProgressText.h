@@ -8,35 +8,35 @@
 
 #include "OrvLibrary/OrvLibraryExport.h"
 
-/// How the progress of library work is shown beside its caption. Any other value is shown like the first.
-/// Queued calls know it by its name, see `ProgressText`.
+/// How the progress is shown beside its caption. Any other value counts as the first one. Queued calls use
+/// this type by its name, see `ProgressText`.
 enum ProgressDisplayType : std::int32_t
 {
     kProgressCaptionOnly = 1,
     kProgressPercentage = 2,
-    kProgressCount = 3, ///< done and total, and the unit word
+    kProgressCount = 3, ///< done, total and the unit
 };
 
-/// Composes the two texts of a running library operation: its caption, and a figure such as a count or a
-/// percentage. It shows nothing itself; the panel does, see `LibraryProgressPanel`.
+/// Makes the two texts of a running operation: its caption, and a figure such as a count or a percentage. It
+/// shows nothing itself; `LibraryProgressPanel` does.
 ///
-/// Lives on the interface thread; the slots are private because producers call them by name, queued. How the
-/// figure is shown is read from preference 239 at construction.
+/// Lives on the interface thread. Its slots are private, because they are called by name, through the queue.
+/// The constructor reads from preference 239 how to show the figure.
 class ORVLIBRARY_EXPORT ProgressText : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param parent owns the object and is told of both texts: it must offer the slots
-    /// `setProgressLabelText(QString)` and `setProgressRangeText(QString)`
+    /// @param parent owns the object and receives both texts. It needs the slots
+    /// `setProgressLabelText(QString)` and `setProgressRangeText(QString)`.
     explicit ProgressText(QObject* parent);
     ~ProgressText() override;
 
-    /// Stores the unit word, UTF-8, of the count; the next change of anything else shows it.
+    /// Sets the unit of the count, UTF-8. The next change of any other value shows it.
     void setUnitString(const std::string& unitString);
 
 Q_SIGNALS:
-    // Both are sent at every change, even when the text is the same as before.
+    // Each change sends both texts, even if they are the same as before.
     void setLabelText(const QString& labelText);
     void setRangeText(const QString& rangeText);
 
@@ -58,7 +58,7 @@ private:
     std::int32_t mValue = 0;
     std::int32_t mRange = 0;
     bool mPaused = false;
-    std::string mText;       // UTF-8, as the other texts
-    std::string mRangeText;  // as last composed
+    std::string mText;       // UTF-8, like the other texts
+    std::string mRangeText;  // as sent last
     std::string mUnitString; // empty for none
 };

@@ -7,7 +7,7 @@
 
 namespace Library {
 
-/// A node for one kind of library content, under which the catalogs of that kind stand.
+/// A node for one kind of library content. The catalogs of this kind are its children.
 class ORVLIBRARY_EXPORT LibraryCategoryData : public TreeData
 {
 public:

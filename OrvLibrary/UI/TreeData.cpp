@@ -13,7 +13,7 @@ namespace Library {
 
 namespace {
 
-// Deliberate: not all that an item has by default. A node can be neither edited nor checked nor dropped on.
+// Deliberate: fewer flags than an item has by default. A node cannot be edited, checked or dropped on.
 // Kept by: TreeData.freshNodeHasNoImageNoTypeAndTheFlagsOfALeaf
 constexpr Qt::ItemFlags kNodeFlags = Qt::ItemIsSelectable | Qt::ItemIsDragEnabled | Qt::ItemIsEnabled;
 
@@ -73,7 +73,8 @@ int TreeData::treeOrderComparatorStatic(bool lhsIsLeaf, bool rhsIsLeaf, const st
 
 bool TreeData::treeOrderComparator(const TreeData& rhs) const
 {
-    // Also because two keys of one node would be one object, and the second could take the first one's place.
+    // Needed for correctness, too: both keys would be the same object, and the second could replace the
+    // first.
     if (this == &rhs)
         return false;
     const bool leaf = isLeaf();
@@ -83,7 +84,7 @@ bool TreeData::treeOrderComparator(const TreeData& rhs) const
     return sortKey(locale) < rhs.sortKey(locale);
 }
 
-// The text is asked for every time, since a derived class may compose it anew; what is kept is the key.
+// Asks for the text every time, because a derived class may compute it. Only the key is kept.
 const TreeSortKey& TreeData::sortKey(const QLocale& locale) const
 {
     const QVariant value = data(Qt::DisplayRole);
@@ -101,7 +102,7 @@ const TreeSortKey& TreeData::sortKeyOf(const QString& text, const QLocale& local
 
 bool TreeData::operator<(const QStandardItem& other) const
 {
-    // Siblings are mostly of one class, and asking for that is much cheaper than the cast.
+    // Siblings usually have the same class, and this check is much cheaper than the cast.
     const bool isOfThisClass = typeid(*this) == typeid(other);
     const auto* rhsTreeData =
         isOfThisClass ? static_cast<const TreeData*>(&other) : dynamic_cast<const TreeData*>(&other);

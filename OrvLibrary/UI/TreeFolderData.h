@@ -8,7 +8,7 @@
 
 namespace Library {
 
-/// A folder of the browser's tree. Unlike the other nodes it also accepts drops.
+/// A folder in the browser's tree. Unlike other nodes, it accepts drops.
 class ORVLIBRARY_EXPORT TreeFolderData : public TreeData
 {
 public:

@@ -8,12 +8,12 @@
 
 namespace Library {
 
-/// An object of a library, a leaf of the browser's tree. A value: copies take everything along, the texts and
-/// flags of the model item included; children and the place in a model stay behind.
+/// An object of a library, a leaf of the browser's tree. A plain value: copies have all texts and flags of
+/// the model item, but no children and no place in a model.
 class ORVLIBRARY_EXPORT TreeItemData : public TreeData
 {
 public:
-    /// Nothing in particular: no id, no database.
+    /// An empty item: no id, no database.
     TreeItemData();
     TreeItemData(long long id, const fileString& path);
     /// @param name UTF-8
@@ -23,7 +23,7 @@ public:
     ~TreeItemData() override;
 
     const fileString& getDatabasePath() const override;
-    /// Whether the database exists and the id is one.
+    /// Whether the database exists and the id is valid.
     bool isValid() const override;
     bool isLeaf() const override;
 
@@ -31,8 +31,7 @@ public:
     void setSelectionPaneName(const std::string& name) { mSelectionPaneName = name; }
     std::string getSelectionPaneName() const { return mSelectionPaneName; }
 
-    /// Whether both stand for the same object under the same selection pane name. Name, image and type play
-    /// no part.
+    /// Whether both are the same object with the same selection pane name. Name, image and type do not count.
     bool operator==(const TreeItemData& rhs) const;
     using TreeData::operator==;
 
@@ -41,7 +40,7 @@ private:
     std::string mSelectionPaneName;
 };
 
-/// Orders items by database path, then id; for ordered containers.
+/// Orders items by database path, then by id, for ordered containers.
 struct ORVLIBRARY_EXPORT TreeItemDataLessThan
 {
     bool operator()(const TreeItemData& a, const TreeItemData& b) const;

@@ -7,7 +7,7 @@ namespace Library {
 
 namespace {
 
-// Names are compared as UTF-8, which has no room for half a surrogate pair.
+// The name as it is compared. Names are compared as UTF-8, which cannot hold half of a surrogate pair.
 QString asCompared(const QString& text)
 {
     return text.isValidUtf16() ? text : StringUtils::toQString(StringUtils::toStdString(text));
@@ -27,7 +27,7 @@ bool TreeSortKey::isFor(const QString& text, const QLocale& locale) const
 
 bool TreeSortKey::operator<(const TreeSortKey& rhs) const
 {
-    // The collator puts the empty text before every other one, also before one that it ignores as a whole.
+    // The collator sorts the empty text first, even before a text of which it ignores every character.
     if (mText.isEmpty() || rhs.mText.isEmpty())
         return mText.isEmpty() && !rhs.mText.isEmpty();
     return mKey.compare(rhs.mKey) < 0;

@@ -6,9 +6,8 @@
 
 namespace Library {
 
-/// The place of a name in the browser's name order: comparing two keys gives what
-/// `StringUtils::compareStrings`, without regard to letter case, says of the names, and much sooner. A key
-/// holds for one text in one locale.
+/// A sort key for a name. Comparing two keys gives the same result as `StringUtils::compareStrings` without
+/// letter case, but much faster. A key is valid for one text in one locale.
 class TreeSortKey
 {
 public:

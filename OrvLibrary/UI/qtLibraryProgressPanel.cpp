@@ -11,7 +11,7 @@
 
 namespace {
 
-// Made at first use and kept: by then the host has installed its strings.
+// Made when it is first used: by then the host has installed its texts.
 const QString& translatedObjectName()
 {
     static const QString name = StringUtils::toQString(xl8("LibraryProgressPanel"));
@@ -73,7 +73,7 @@ void LibraryProgressPanel::layOutLabels()
     layout->addWidget(mRangeLabel, 0, Qt::AlignRight);
     for (QLabel* label : {mCaptionLabel, mRangeLabel}) {
         label->setContentsMargins(0, 0, 0, 0);
-        // Captions hold the names of files from a server; what looks like markup is shown as it is.
+        // Captions contain file names from a server, so markup in them must not be interpreted.
         label->setTextFormat(Qt::PlainText);
     }
     mLabelContainer->setLayout(layout);
@@ -86,7 +86,7 @@ void LibraryProgressPanel::reserveTwoLines()
     setProgressRangeText("\n");
 }
 
-// The container is marked for repainting rather than painted at once: a worker may send thousands of texts
+// Marks the widget for repainting instead of painting it now, because a worker may send thousands of texts
 // before the next frame.
 void LibraryProgressPanel::setProgressLabelText(QString labelStr)
 {
@@ -126,8 +126,8 @@ void LibraryProgressPanel::onSetRangeInGauge(int val)
     passOn("onSetRange", val);
 }
 
-// Deliberate: the text hears of the value twice, from the gauge and from here, because it must be current
-// even where there is no gauge.
+// Deliberate: the text gets the value twice, from the gauge and from here, because it must be right even
+// without a gauge.
 // Kept by: LibraryProgressPanelTest.eachValueReachesTheTextTwiceAndEachRangeThrice
 void LibraryProgressPanel::passOn(const char* slot, int val)
 {

@@ -14,13 +14,13 @@
 class QCloseEvent;
 class QLabel;
 
-/// The strip that shows the progress of library work as the last section of the browser's main splitter: a
-/// caption on the left, a figure on the right, and a gauge below them. A progress dialog by descent, it is
-/// docked rather than shown as a window of its own.
+/// Shows the progress of library work: a caption on the left, a figure on the right, and a gauge below them.
+/// It is a progress dialog, but docked as the last section of the browser's main splitter instead of in its
+/// own window.
 ///
-/// The widget lives on the interface thread. Its slots are where worker threads hand their progress over: by
-/// name and queued, which is why the panel registers the argument types under their names. Closing the panel
-/// destroys it once control is back in the event loop.
+/// The widget lives on the interface thread. Worker threads report their progress to its slots, by name and
+/// through the queue. For this, the panel registers the argument types under their names. Closing the panel
+/// deletes it when the event loop runs again.
 class ORVLIBRARY_EXPORT LibraryProgressPanel : public QProgressDialog
 {
     Q_OBJECT
@@ -29,10 +29,10 @@ public:
     explicit LibraryProgressPanel(QWidget* parent);
     ~LibraryProgressPanel() override;
 
-    /// Makes a panel and docks it into the splitter named "libMainSplitter" somewhere below `parent`, with
-    /// room for two lines of text. Where there is no such splitter the panel is a dialog of `parent`, as any
-    /// progress dialog: it shows itself after `minimumDuration()`, four seconds, unless the host shows it
-    /// before. In a layout of another widget it is a strip there.
+    /// Makes a panel and docks it into the splitter named "libMainSplitter" anywhere below `parent`, with
+    /// space for two lines of text. If there is no such splitter, the panel is a progress dialog of `parent`:
+    /// it appears after `minimumDuration()`, four seconds, unless the host shows it earlier. In the layout of
+    /// another widget it is shown as a strip.
     /// @return the panel, owned by its Qt parent
     static LibraryProgressPanel* create(QWidget* parent);
     /// The caption under which the host groups progress panels.
@@ -41,18 +41,18 @@ public:
 public Q_SLOTS:
     void setProgressLabelText(QString labelStr);
     void setProgressRangeText(QString rangeStr);
-    /// One step more.
+    /// One step is finished.
     void onUpdateInGauge();
-    /// @throws boost::numeric::bad_numeric_cast for what an `int` cannot hold
+    /// @throws boost::numeric::bad_numeric_cast if an `int` cannot hold the value
     void onSetValueInGauge(size_t val);
     void onSetValueInGauge(int val);
     /// Starts again at 0 with a new range.
-    /// @throws boost::numeric::bad_numeric_cast for what an `int` cannot hold
+    /// @throws boost::numeric::bad_numeric_cast if an `int` cannot hold it
     void onSetRangeInGauge(size_t val);
     void onSetRangeInGauge(int val);
     /// @param text the caption, UTF-8
     void onSetText(std::string text);
-    /// @param unit_string the unit word of the count, UTF-8; the next change of anything else shows it
+    /// @param unit_string the unit of the count, UTF-8; the next change of any other value shows it
     void onSetUnits(std::string unit_string);
 
 protected:
@@ -63,7 +63,7 @@ private:
     void reserveTwoLines();
     void passOn(const char* slot, int val);
 
-    // Children, as the labels are; guarded because the dialog's `setBar` deletes the bar that it replaces.
+    // A child, like the labels. Guarded, because the dialog's `setBar` deletes the bar it replaces.
     QPointer<ProgressText> mProgressText;
     QPointer<ProgressGauge> mGauge;
     QLabel* mLabelContainer;

@@ -61,7 +61,7 @@ void ProgressGauge::SetRange(int r)
 
 void ProgressGauge::onUpdate()
 {
-    // A bar that stands at the end of what an int can hold stays there.
+    // A bar at the largest `int` stays there.
     SetValue(value() == std::numeric_limits<int>::max() ? value() : value() + 1);
 }
 

@@ -7,17 +7,17 @@
 
 class QMouseEvent;
 
-/// The progress bar of the library progress panel. A left click switches how the figure beside it is shown,
-/// from caption only to percentage to count and round again, and keeps the choice in preference 239.
+/// The progress bar of the library progress panel. A left click changes how the figure beside it is shown:
+/// caption only, percentage, count, and again from the start. The choice is stored in preference 239.
 ///
-/// Lives on the interface thread. Everything that it tells its `ProgressText` is queued, so that the text is
-/// composed after the bar has changed.
+/// Lives on the interface thread. Its calls of `ProgressText` are queued, so the text is made after the bar
+/// has changed.
 class ORVLIBRARY_EXPORT ProgressGauge : public QProgressBar
 {
     Q_OBJECT
 
 public:
-    /// @param text told of values, ranges and the way of showing them; not owned, and must outlive the gauge
+    /// @param text receives values, ranges and the display type; not owned, must outlive the gauge
     ProgressGauge(QWidget* parent, ProgressText& text);
     ~ProgressGauge() override;
 
@@ -25,22 +25,20 @@ public:
     /// @param r the number of steps above the minimum
     virtual void SetRange(int r);
 
-    /// Sets the tool tip that belongs to the way of showing; leaves it alone when that is not one of the
-    /// three.
+    /// Sets the tool tip for the display type. An unknown type changes nothing.
     void updateToolTip();
-    /// Goes on to the next way of showing, which is stored and passed on. A stored value that is not one of
-    /// the three stays.
+    /// Changes to the next display type, stores it and passes it on. An unknown type stays.
     void switchDisplayType();
 
 public Q_SLOTS:
-    /// One step more.
+    /// One step is finished.
     void onUpdate();
     void onSetValue(int size);
     /// Starts again at 0 with a new range.
     void onSetRange(int size);
 
 protected:
-    /// Leaves the event to the parent, whatever the button.
+    /// Passes the event to the parent, for every button.
     void mouseReleaseEvent(QMouseEvent* e) override;
 
 private:

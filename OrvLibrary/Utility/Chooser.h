@@ -6,25 +6,25 @@
 
 namespace Library {
 
-/// The one library item that the user has chosen in the browser, for the rest of the host to read. A default
-/// `TreeItemData` means that nothing is chosen.
+/// Holds the one library item that the user has chosen in the browser, so the host can read it. A default
+/// `TreeItemData` means that none is chosen.
 ///
-/// Making and destroying the instance may happen on any thread; the data is for the interface thread alone.
+/// Any thread may make and destroy the instance. Only the interface thread may use the data.
 class ORVLIBRARY_EXPORT Chooser
 {
 public:
     Chooser(const Chooser&) = delete;
     Chooser& operator=(const Chooser&) = delete;
 
-    /// The instance, made at the first call; never null. It lives until `cleanup`.
+    /// The instance; never null. The first call makes it, and it lives until `cleanup`.
     static Chooser* get();
-    /// Destroys the instance if there is one; the next `get` makes a new one, with nothing chosen.
+    /// Destroys the instance, if there is one. The next `get` makes a new one without a chosen item.
     static void cleanup();
 
     /// A copy of the chosen item.
     TreeItemData getData() const;
     void setData(const TreeItemData& item);
-    /// Nothing is chosen any more.
+    /// Removes the choice.
     void clearData();
 
 private:

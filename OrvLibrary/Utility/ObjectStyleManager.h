@@ -5,9 +5,9 @@
 
 #include "OrvLibrary/OrvLibraryExport.h"
 
-/// The names of object styles. A style's number is also the number of the translated text that names it.
+/// The names of object styles. The number of a style is also the number of its translated name.
 ///
-/// One instance lives from the first use to the end of the process; the host uses it from one thread at a
+/// The only instance lives from the first use until the process ends. The host may use it on one thread at a
 /// time.
 class ORVLIBRARY_EXPORT ObjectStyleManager
 {
@@ -15,14 +15,14 @@ public:
     ObjectStyleManager(const ObjectStyleManager&) = delete;
     ObjectStyleManager& operator=(const ObjectStyleManager&) = delete;
 
-    /// The one instance, which knows the built-in styles 10000 to 10014.
+    /// The only instance. It starts with the built-in styles 10000 to 10014.
     static ObjectStyleManager& getObjectStyleManager();
 
-    /// Fills in the built-in styles when no style is known; else does nothing.
+    /// Adds the built-in styles if no style is known. Otherwise does nothing.
     void loadObjectStyles();
     /// The name; empty for an unknown style. The reference is valid until the style is added again.
     const std::string& getStyleName(long number) const;
-    /// Adds a style, or loads its name again.
+    /// Adds a style. If it is known, loads its name again.
     void addObjectStyle(long number);
 
 private:

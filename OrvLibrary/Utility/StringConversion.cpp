@@ -31,8 +31,8 @@ std::string Library::toWindows1252(const std::string& utf8)
             bytes += utf8[i];
         } else if (isLeadOfTwo(byte) && i + 1 < utf8.size() &&
                    isContinuation(static_cast<unsigned char>(utf8[i + 1]))) {
-            // Deliberate: this is no full mapping to the code page. Files that exist hold names made this
-            // way.
+            // Deliberate: this is not a complete mapping to the code page. Existing files have names made in
+            // this way.
             // Kept by: StringConversionToWindows1252.convertsByItsFixedRule
             ++i;
             bytes += static_cast<char>(byte << 6 | (static_cast<unsigned char>(utf8[i]) & 0x3F));
