@@ -31,7 +31,7 @@ private:
     fileString mContentIndex;
 };
 
-/// The well-known folders, with another temporary folder where one was chosen.
+/// The folders below the root, with another temporary folder if one was chosen.
 class HostPaths : public RootPathUtils
 {
 public:
@@ -84,7 +84,7 @@ public:
     ProgramApplication& application() { return mApplication; }
 
 private:
-    /// The folders come first: the preferences are read from one of them.
+    /// Creates the folders first, because the preferences are in one of them.
     static fileString preparedPreferencesFile(const RootPathUtils& paths, bool createsFolders)
     {
         std::string reason;
@@ -98,7 +98,7 @@ private:
     PreferenceEngine mEngine;
     ProgramApplication mApplication;
     ConsoleMessages mMessages;
-    QTranslator mTranslator; ///< takes itself away at its end
+    QTranslator mTranslator; ///< its destructor removes it from the application
     PathUtils* mFormerPaths = nullptr;
     PreferenceEngine* mFormerEngine = nullptr;
     Application* mFormerApplication = nullptr;

@@ -8,40 +8,40 @@
 
 namespace OrvHost {
 
-/// The one host implementation of our programs: the well-known folders below a root, the preferences in
-/// "preferences.json" there, the application's name and content index, messages on standard error, the
-/// texts in the user's language. The services are installed for the life of the object, and the former ones
-/// put back at its end; one object lives at a time, on the main thread.
+/// The host of our programs. It provides the folders below a root, the preferences in "preferences.json"
+/// there, the application's name and content index, messages on standard error, and the texts in the user's
+/// language. It installs these services when it is constructed and restores the former ones when it is
+/// destroyed. Only one object may exist at a time, on the main thread.
 class ORVHOST_EXPORT AppHost
 {
 public:
-    /// The application's own name: the same for all our programs, because it is part of the names of the
-    /// download folders, and what one program left there another one finds.
+    /// The name of the application. All our programs use the same name, because it is a part of the names of
+    /// the download folders: each program thus finds what another one has left.
     static constexpr const char* kName = "orv-library";
     static constexpr const char* kDefaultContentIndex = "Orv_Core_Content_Index.txt";
 
-    /// The arguments of the constructor.
+    /// The arguments for the constructor.
     struct Settings
     {
-        fileString root; ///< made absolute; the default root when empty
+        fileString root; ///< made absolute; if empty, the default root
         std::string contentIndexName = kDefaultContentIndex;
-        /// Whether folders that are missing are made; without them the services only name the paths.
+        /// Whether to create missing folders. If not, the services still return their paths.
         bool createsFolders = true;
-        /// Where temporary files lie; "temp/" below the root when it is empty.
+        /// The folder for temporary files; if empty, "temp/" below the root.
         fileString temporaryFolder{};
     };
 
-    /// The root that `settings` means: absolute, with its final separator.
+    /// The root that results from `chosen`: absolute, with its separator at the end.
     static fileString rootOf(const fileString& chosen);
 
-    /// Creates the folders that are missing and installs the services.
-    /// @throws std::runtime_error when a folder cannot be created, with the folder and the system's text
+    /// Creates the missing folders and installs the services.
+    /// @throws std::runtime_error if a folder cannot be created, with the folder and the system's message
     explicit AppHost(const Settings& settings);
     ~AppHost();
     AppHost(const AppHost&) = delete;
     AppHost& operator=(const AppHost&) = delete;
 
-    /// Absolute, with its final separator.
+    /// Absolute, with its separator at the end.
     const fileString& root() const;
     /// "preferences.json" below the root.
     fileString preferencesFile() const;

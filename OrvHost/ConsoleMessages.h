@@ -10,8 +10,8 @@
 
 namespace OrvHost {
 
-/// Numbered messages of the library for a program without a window: one line each on standard error, after
-/// the program's name. May be called from any thread.
+/// Shows the library's messages in a program without a window: each as one line on standard error, after the
+/// program's name. May be called from any thread.
 class ORVHOST_EXPORT ConsoleMessages : public error::MessagingSystem
 {
 public:
@@ -19,7 +19,7 @@ public:
                 const marl::unicode::String& text1, const marl::unicode::String& text2,
                 const marl::unicode::String& text3) override;
 
-    /// The texts shown so far, in order.
+    /// All messages shown so far, in their order.
     std::vector<std::string> shown() const;
 
 private:

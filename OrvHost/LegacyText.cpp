@@ -16,7 +16,7 @@ bool continues(const std::string& text, std::size_t position)
     return (byteAt(text, position) & 0xC0) == 0x80;
 }
 
-/// Length of the UTF-8 character at `position`; 0 when there is none.
+/// The length of the UTF-8 character at `position`; 0 if there is none.
 std::size_t characterLength(const std::string& text, std::size_t position)
 {
     const unsigned char first = byteAt(text, position);

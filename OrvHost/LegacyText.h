@@ -3,11 +3,11 @@
 #include "OrvHost/OrvHostExport.h"
 #include <string>
 
-/// Texts of the library that mix UTF-8 (translated prefixes) with Windows-1252 (catalog names).
+/// For texts of the library that mix UTF-8 (translated prefixes) and Windows-1252 (names of catalogs).
 namespace OrvHost::LegacyText {
 
-/// The text as UTF-8: what is UTF-8 stays, every other byte is taken for Windows-1252. May be called from
-/// any thread.
+/// Converts to UTF-8. Parts that are valid UTF-8 stay; every other byte counts as Windows-1252. May be called
+/// from any thread.
 ORVHOST_EXPORT std::string toUtf8(const std::string& text);
 
 } // namespace OrvHost::LegacyText

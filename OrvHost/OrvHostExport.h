@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-// Marks what leaves the shared library; everything else is hidden.
+// Marks the symbols that the shared library exports. All others are hidden.
 #if defined(ORVHOST_BUILDING)
 #define ORVHOST_EXPORT Q_DECL_EXPORT
 #else

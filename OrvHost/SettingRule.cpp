@@ -20,7 +20,7 @@ using Kind = SettingRule::Kind;
 
 constexpr std::int64_t kMostRetries = 100;
 constexpr std::int64_t kMostVersions = 1000;
-/// The largest whole number that every JSON reader keeps exactly.
+/// The largest integer that every JSON reader keeps exactly.
 constexpr std::int64_t kLargest = 9007199254740991;
 
 bool hasControlCharacter(const std::string& text)

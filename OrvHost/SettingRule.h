@@ -8,14 +8,14 @@
 
 namespace OrvHost {
 
-/// The values that a key of the settings may have, and its default.
+/// A key of the settings: the values it may have, and its default.
 struct SettingRule
 {
     enum class Kind
     {
         Address,     ///< http or https
-        Text,        ///< anything that fits into a line
-        Path,        ///< of a file or folder
+        Text,        ///< any text of one line
+        Path,        ///< path of a file or folder
         Proxy,       ///< host and port, with or without a scheme
         CatalogList, ///< file names that end in ".orvlib"
         Number
@@ -30,13 +30,13 @@ struct SettingRule
 
     /// All keys, in the order in which they are documented.
     static const std::vector<SettingRule>& all();
-    /// Null when there is no such key.
+    /// Null if there is no such key.
     static const SettingRule* find(const std::string& key);
 
     QJsonValue defaultValue() const;
-    /// The value that `texts` mean; undefined when they cannot mean one, and `reason` then says why.
+    /// The value for `texts`. If they are not valid, the value is undefined and `reason` says why.
     QJsonValue valueOf(const std::vector<std::string>& texts, std::string& reason) const;
-    /// Why a value that was read cannot be; empty when it can.
+    /// Why a value read from the file is not valid; empty if it is.
     std::string problemOf(const QJsonValue& value) const;
 
 private:

@@ -24,7 +24,7 @@ namespace {
                              std::to_string(before.size() - lineStart + 1) + ": " + reason);
 }
 
-/// Where the value of a member stands, or near it.
+/// The offset of a member's value, or a place near it.
 std::size_t placeOf(const char* key, const std::string& text)
 {
     const std::size_t name = text.find("\"" + std::string(key) + "\"");
@@ -49,7 +49,7 @@ std::vector<std::string> texts(const QJsonValue& list)
     return result;
 }
 
-/// The names of a list that can be; the window took them without their extension, too.
+/// The valid names of a list. The window once accepted names without their extension, too.
 QJsonValue takenOver(const QJsonValue& value, const SettingRule& rule)
 {
     if (!value.isArray())
@@ -120,8 +120,8 @@ void Settings::readMembers(const std::string& text, const fileString& path)
     }
 }
 
-/// A file that cannot be read, or a value that cannot be, gives nothing to take over. Failing to write leaves
-/// that to the next time.
+/// If the file is unreadable or a value is not valid, there is nothing to take over. If saving fails, the
+/// next call tries again.
 void Settings::takeOverBrowserSettings(const fileString& root)
 try {
     static constexpr std::pair<const char*, const char*> kNames[] = {
@@ -147,7 +147,7 @@ try {
     if (!mMembers.isEmpty())
         save(root);
 } catch (const std::exception&) {
-    // as said above
+    // a failure leaves it to the next call
 }
 
 Settings::Values Settings::values() const

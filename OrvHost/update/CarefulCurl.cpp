@@ -1,9 +1,10 @@
-// The requests that ask; CarefulCurlDownload.cpp has those that fetch.
+// This file has the requests that only ask. CarefulCurlDownload.cpp has the downloads.
 //
-// How it works: each operation makes its request through `ForwardingCurl`, again while the answer is one that
-// may pass and `Retries` allows it, and then judges and notes the final answer. The answer is that of
-// `lastAnswer`; a service that knows none is judged by what its operation handed out. The verdict "no catalog
-// service" is part of the report: once it stands, `isEnded` keeps every operation from making a request.
+// How it works: each operation sends its request through `ForwardingCurl`. While the failure may pass and
+// `Retries` agrees, it sends the request again. Then it judges the final answer and adds it to the report.
+// The answer comes from `lastAnswer`; if the service below does not support that, from the operation's
+// results. If the verdict is "no catalog service", the report says so, and `isEnded` prevents all further
+// requests.
 #include "OrvHost/update/CarefulCurl.h"
 
 #include <algorithm>
@@ -62,7 +63,7 @@ bool CarefulCurl::isEnded() const
     return !mReport.verdict.empty();
 }
 
-/// Reaches the verdict. Requests that were sent ahead are dropped.
+/// Decides that this is no catalog service. Requests sent ahead are dropped.
 void CarefulCurl::judgeWebPage(const std::string& url)
 {
     {
@@ -83,7 +84,7 @@ Curl::Answer CarefulCurl::lastAnswer()
     return answer;
 }
 
-/// The last answer; for a service that knows none, what its operation handed out.
+/// The last answer. If the service below does not know it, made from the operation's results.
 Curl::Answer CarefulCurl::answerTo(bool isAnswered, const std::string& headerText, std::int64_t status)
 {
     Answer answer = ForwardingCurl::lastAnswer();
@@ -94,8 +95,9 @@ Curl::Answer CarefulCurl::answerTo(bool isAnswered, const std::string& headerTex
     return answer;
 }
 
-/// Takes the answer to one more try over, and waits when another one makes sense. After a few requests
-/// without an answer the download service leaves an address alone: that says less than the answer before.
+/// Takes over the answer of one more try, and waits if another try makes sense. After some requests without
+/// an answer, the download service itself closes the address; its reason then says less than the answer
+/// before, which is kept.
 bool CarefulCurl::mustTryAgain(Answer& answer, const Answer& next)
 {
     if (!answer.reason.empty() && ServiceAnswer::isLeftAlone(next))
@@ -105,7 +107,7 @@ bool CarefulCurl::mustTryAgain(Answer& answer, const Answer& next)
            mRetries.shouldTryAgain(ServiceAnswer::retryAfter(answer.headerText));
 }
 
-/// Why a request failed, for people; empty after a cancel, which is the user's and no failure.
+/// The reason of a failed request, for people. Empty after a cancel, because that is not a failure.
 std::string CarefulCurl::reasonOf(const Answer& answer) const
 {
     if (mRetries.isCancelled())
@@ -141,7 +143,7 @@ std::string CarefulCurl::urlAfterRedirects(const std::string& url)
         answer.reason = kWebPage;
         endpoint.clear();
     }
-    // What failed before had its consequences: the index is not asked for once more.
+    // An earlier failure stays in the report: because of it, the index was not requested.
     if (!mReport.endpoint.isAsked || mReport.endpoint.isGood)
         noteRequest(mReport.endpoint, !endpoint.empty(), answer);
     return endpoint;
@@ -160,7 +162,7 @@ bool CarefulCurl::browseURL(const std::string& url, const std::vector<std::strin
         isRead = ForwardingCurl::browseURL(url, headerLines, body, followRedirects, timeoutSeconds);
     } while (isIndex && mustTryAgain(answer, answerTo(isRead, {}, kOk)));
     if (!isIndex)
-        return isRead; // the page of an error, which may be a web page
+        return isRead; // an error page, which may be a web page
     if (isRead && (ServiceAnswer::isWebPage(answer) || ServiceAnswer::isMarkup(body))) {
         judgeWebPage(url);
         answer.reason = kWebPage;
@@ -205,7 +207,7 @@ bool CarefulCurl::getURLHeader(const std::string& url, const std::vector<std::st
     return isAnswered && !isPage;
 }
 
-/// The report of a catalog; made when there is none. Called with the lock held.
+/// The report on a catalog, made if there is none. Call it with the lock held.
 CatalogReport& CarefulCurl::reportOf(const std::string& asked)
 {
     for (CatalogReport& report : mReport.catalogs) {

@@ -14,27 +14,26 @@
 
 namespace OrvHost {
 
-/// A download service for one catalog update that does not believe everything. It remembers what each header
-/// request was told, and judges the body by it: a body of another length, or with another entity tag, is a
-/// failed download, before anything is replaced. A web page in place of a catalog, of its header or of the
-/// content index shows that this is no catalog service: every further request then fails at once, without
-/// being made. Requests that failed in a way that may pass are made again, and a body that broke off goes on
-/// where it broke.
+/// A download service for one update that checks what it gets. It remembers the answer to each header
+/// request. A body with another length or entity tag is then a failed download, and nothing is replaced. If
+/// it gets a web page instead of a catalog, a header or the content index, the address is not a catalog
+/// service; all further requests then fail at once without being sent. Requests whose failure may pass are
+/// repeated, and an interrupted download is continued.
 ///
-/// Install it for the length of one run. The requests come from one thread; `report` may be called from any.
+/// Install it for one run. All requests come from one thread; `report` may be called from any thread.
 class ORVHOST_EXPORT CarefulCurl : public ForwardingCurl
 {
 public:
-    /// The service, and how carefully it is asked.
+    /// The service, and how to treat it.
     struct Settings
     {
-        std::string url;          ///< the service's address as the user knows it, for the verdict
-        std::string indexName;    ///< the name of the content index
-        fileString partialFolder; ///< where broken bodies are kept; empty: nowhere
+        std::string url;          ///< the address as the user knows it, for messages
+        std::string indexName;    ///< the file name of the content index
+        fileString partialFolder; ///< folder for interrupted downloads; if empty, none are kept
         Retries::Settings retries;
     };
 
-    /// @param next makes the requests; not owned
+    /// @param next sends the requests; not owned
     CarefulCurl(Curl& next, const Settings& settings);
 
     using ForwardingCurl::download_to_location;
@@ -48,10 +47,10 @@ public:
     void prefetchHeaders(const std::vector<HeaderRequest>& requests) override;
     void prefetchDownloads(const std::vector<DownloadRequest>& requests) override;
     std::string urlAfterRedirects(const std::string& url) override;
-    /// With the verdict as its reason, once there is one.
+    /// If the address is not a catalog service, the reason says so.
     Answer lastAnswer() override;
 
-    /// The requests and answers so far, and how much of the current body has arrived.
+    /// All requests and answers so far, and how much of the current body has arrived.
     ServiceReport report() const;
 
 private:
@@ -75,10 +74,11 @@ private:
     Retries mRetries;
     PartialFiles mPartials;
     mutable std::mutex mMutex;
-    ServiceReport mReport;                          ///< guarded by mMutex, as the next
-    std::string mFetched;                           ///< the catalog whose body comes; empty for none
-    std::atomic<std::int64_t> mReceived{0};         ///< bytes of that body
-    std::map<std::string, std::string> mValidators; ///< catalog name to what a download is resumed with
+    ServiceReport mReport;                  ///< guarded by mMutex, like the next one
+    std::string mFetched;                   ///< the catalog being downloaded; empty for none
+    std::atomic<std::int64_t> mReceived{0}; ///< bytes of its body
+    std::map<std::string, std::string>
+        mValidators; ///< by catalog name: identifies the version, to continue a download
 };
 
 } // namespace OrvHost

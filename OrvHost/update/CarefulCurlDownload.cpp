@@ -1,4 +1,4 @@
-// Downloads of bodies, judged by what their header requests were told.
+// Downloads bodies and compares them with the answers to their header requests.
 #include "OrvHost/update/CarefulCurl.h"
 
 #include <QLocale>
@@ -13,9 +13,9 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// `FileUtils::removePath` also removes a read-only file.
+/// Makes `FileUtils::removePath` remove read-only files, too.
 constexpr int kRemoveReadOnly = 1;
-/// The transfer library's number for an answer that makes no sense.
+/// The transfer library's number for a senseless answer.
 constexpr int kWeirdAnswer = 8;
 
 std::chrono::milliseconds since(Clock::time_point start)
@@ -23,7 +23,7 @@ std::chrono::milliseconds since(Clock::time_point start)
     return std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
 }
 
-/// The progress function of the updater, and who else hears of the bytes.
+/// The updater's progress function, and our counter of bytes.
 struct WatchedProgress
 {
     std::atomic<std::int64_t>& received;
@@ -38,7 +38,7 @@ int watchProgress(void* context, double downloadTotal, double downloaded, double
     return watched.next ? watched.next(watched.context, downloadTotal, downloaded, uploadTotal, uploaded) : 0;
 }
 
-/// With commas between thousands, whatever the user's language: the reasons are English.
+/// With commas between thousands in every locale, because the reasons are in English.
 std::string grouped(std::int64_t number)
 {
     return QLocale(QLocale::English).toString(static_cast<qlonglong>(number)).toStdString();
@@ -103,8 +103,8 @@ bool CarefulCurl::fetch(const ResumableDownload& request, void* context, Progres
     return false;
 }
 
-/// Compares a body that has arrived with what its header request was told.
-/// @return why it is refused; empty when it is not
+/// Compares a downloaded body with the answer to its header request.
+/// @return why the body is refused; empty if it is not
 std::string CarefulCurl::problemOfBody(const std::string& url, const Answer& answer, const fileString& target)
 {
     if (ServiceAnswer::isWebPage(answer)) {

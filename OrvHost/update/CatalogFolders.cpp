@@ -14,7 +14,8 @@ namespace {
 
 const fileString kExtension(".orvlib");
 
-/// The application's name, ".downloads." and the name of the category's folder, in the temporary folder.
+/// The download folder is in the temporary folder. Its name is the application's name, ".downloads." and the
+/// name of the category's folder.
 CatalogFolder catalogFolder(const fileString& folder)
 {
     const Application* application = gApp;

@@ -10,7 +10,7 @@ namespace OrvHost {
 
 namespace {
 
-/// `FileUtils::removePath` also removes a read-only file.
+/// Makes `FileUtils::removePath` remove read-only files, too.
 constexpr int kRemoveReadOnly = 1;
 
 fileString folderOf(const fileString& catalog)
@@ -30,13 +30,13 @@ std::string storedTag(const fileString& catalog)
     return tag == tags.end() ? std::string() : tag->second;
 }
 
-/// @return whether no line of the hash file speaks of the catalog any more
+/// @return whether the hash file has no line for the catalog any more
 bool forget(const fileString& catalog)
 try {
     return HashFile::remove(folderOf(catalog), nameOf(catalog)) ||
            HashFile::readOrThrow(folderOf(catalog)).count(nameOf(catalog)) == 0;
 } catch (const std::exception&) {
-    return false; // it cannot be told
+    return false; // unknown
 }
 
 } // namespace
@@ -44,7 +44,7 @@ try {
 void CatalogSwapper::recover(const std::set<CatalogPlace>& held)
 {
     for (const CatalogFolder& folder : CatalogFolders::all()) {
-        // The library gives a file this extension when it is complete; until then it is a ".download".
+        // The library gives a file this extension when it is complete. Before that it ends with ".download".
         for (const fileString& newFile : CatalogFolders::catalogsIn(folder.downloadFolder)) {
             const fileString destination = folder.path(newFile.stemWithExtension());
             if (held.count(CatalogPlaces::ofPath(destination)) == 0)
@@ -60,11 +60,11 @@ void CatalogSwapper::recoverCatalog(const fileString& destination, const fileStr
         return;
     const std::string tag = storedTag(destination);
     const std::string checksum = SHA1::fileContentsToSHA1Hex(newFile);
-    // The line may be of the former catalog, when the update died before it wrote its hash files, or already
-    // of the new one. A checksum tells which.
+    // If the update was killed before it wrote its hash files, the line belongs to the former catalog;
+    // otherwise to the new one. Comparing the checksum tells which.
     const std::string former = destination.pathExists() ? SHA1::fileContentsToSHA1Hex(destination) : "";
     const bool swapped = swapIn(destination, Sha1Tag::equal(tag, former) ? tag : "", newFile);
-    // Without a line the next check asks with the new file's own checksum.
+    // Without a line, the next check uses the checksum of the new file.
     if (!swapped || (Sha1Tag::isSha1(tag) && !Sha1Tag::equal(tag, checksum)))
         forget(destination);
 }
@@ -85,7 +85,7 @@ bool CatalogSwapper::swapIn(const fileString& destination, const std::string& fo
     return problem.empty();
 }
 
-/// @return what went wrong, for people; empty when nothing did
+/// @return the problem, for people; empty if there is none
 std::string CatalogSwapper::replace(const fileString& destination, const std::string& formerTag,
                                     const fileString& newFile)
 {
@@ -94,7 +94,8 @@ std::string CatalogSwapper::replace(const fileString& destination, const std::st
         FileUtils::removePath(newFile, kRemoveReadOnly);
         return "the new file " + problem;
     }
-    // The same once more, where an update died before it wrote its hash files, is no new version.
+    // If an update was killed before it wrote its hash files, the same file comes again; that is not a new
+    // version.
     const bool isNew = !destination.pathExists();
     const bool isSame = CatalogHistory::hasSameContents(newFile, destination);
     const CatalogPlace place = CatalogPlaces::ofPath(destination);

@@ -12,14 +12,14 @@
 
 namespace OrvHost {
 
-/// Puts new catalogs in their places for a host: those that an update hands over with
-/// "onCatalogUpdatedEvent", and those that an update left behind when it died. The destination is replaced by
-/// one rename, so at every moment it is whole, the old catalog or the new one. A file that is no sound
-/// database is not put in place. One object serves one update, on the thread of the host object.
+/// Puts new catalogs into place for a host: those that an update passes on with "onCatalogUpdatedEvent", and
+/// those that a killed update left behind. Each destination is replaced by one rename, so it is always a
+/// complete catalog, old or new. A file that is not a sound database is refused. One object serves one
+/// update, on the thread of the host object.
 class ORVHOST_EXPORT CatalogSwapper
 {
 public:
-    /// A catalog that stayed as it was.
+    /// A catalog that could not be replaced.
     struct Failure
     {
         fileString destination;
@@ -27,35 +27,35 @@ public:
     };
 
     CatalogSwapper() = default;
-    /// @param bounds how much of the former catalogs is kept
+    /// @param bounds how many former catalogs to keep
     explicit CatalogSwapper(const CatalogHistory::Bounds& bounds) : mHistory(bounds) {}
 
-    /// Whether new catalogs have to be sound databases, which they have to at first. Catalogs of another kind
-    /// need it off.
+    /// Whether new catalogs must be sound databases; at first they must. Turn it off for catalogs of another
+    /// kind.
     void setDatabaseCheck(bool isOn) { mChecksDatabases = isOn; }
 
-    /// To be called before an update starts, because the update empties the download folders: swaps in every
-    /// whole catalog that waits there, and notes the versions that the update may replace. Nobody else may be
-    /// updating meanwhile.
-    /// @param held is left as it is
+    /// Call it before an update starts, because the update empties the download folders. Puts every complete
+    /// catalog in them into place, and notes the current versions of all catalogs. No other update may be
+    /// active.
+    /// @param held these places stay unchanged
     void recover(const std::set<CatalogPlace>& held = {});
-    /// Swaps one catalog in. A new file that is no database is removed. The former catalog goes into the
-    /// history; where that fails, it stays in its place.
-    /// @return false when that failed; the failure is remembered for `forgetFailed`
+    /// Puts one catalog into place. A new file that is not a database is removed. The former catalog moves to
+    /// the history; if this fails, it stays in place.
+    /// @return false after a failure, which is remembered for `forgetFailed`
     bool swapIn(const fileString& destination, const fileString& newFile);
-    /// To be called after the update's closing invocation: takes the lines of catalogs that could not be
-    /// swapped in out of the hash files, so that the next update fetches them again.
-    /// @return the destinations whose line could not be taken out
+    /// Call it after the update's closing call. Removes the hash lines of catalogs that could not be put into
+    /// place, so that the next update downloads them again.
+    /// @return the destinations whose line could not be removed
     std::vector<fileString> forgetFailed() const;
 
-    /// To be called at the end of the update: bounds the history.
+    /// Call it at the end of the update: removes old versions from the history.
     void settleHistory() const { mHistory.settle(); }
-    /// To be called before that: what is new in the catalogs that were swapped in.
+    /// Call it before that: what is new in the catalogs that were put into place.
     std::vector<CatalogChanges> takeNews() { return mNews.take(); }
 
-    /// The destinations that got their new catalogs, in order.
+    /// The destinations that got new catalogs, in their order.
     const std::vector<fileString>& swappedIn() const { return mSwappedIn; }
-    /// Those that did not, in order.
+    /// The destinations that did not, in their order.
     const std::vector<Failure>& failed() const { return mFailed; }
 
 private:

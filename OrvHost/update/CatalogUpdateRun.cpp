@@ -24,8 +24,7 @@ std::set<fileString> catalogSet(const CatalogFolder& folder, const std::vector<s
     return files;
 }
 
-/// Whether the cancel question of the calling thread, which the updater sets for the length of its run, is
-/// answered with yes.
+/// Whether the calling thread's cancel question answers yes. The updater sets it while it runs.
 bool isThreadCancelled()
 {
     const Curl::CancelQuestion question = Curl::setCancelQuestion(nullptr);
@@ -33,7 +32,7 @@ bool isThreadCancelled()
     return question && question();
 }
 
-/// Also for what the run does after the updater, which knows of a cancel by itself. One run goes on at a
+/// For the work before and after the updater, which notices a cancel itself. Only one run is active at a
 /// time.
 std::atomic<bool> isCancelled{false};
 
@@ -61,7 +60,7 @@ void CatalogUpdateRun::start(QObject& host)
     mJournal = std::make_unique<RunJournal>(CatalogFolders::root());
     mJournal->begin(mRequest.onlyChecks ? "check" : "update", mStart);
     if (mRequest.onlyChecks)
-        mPins->forgetReplaced(); // as an update would, which is what a check tells about
+        mPins->forgetReplaced(); // a check tells what an update would do, so it does this, too
     else
         recover();
     const LibraryCatalogUpdater updater(
@@ -118,8 +117,8 @@ void CatalogUpdateRun::work(LibraryCatalogUpdater updater)
     } catch (...) {
         mException = std::current_exception();
     }
-    // Queued behind everything that the updater sent. By name, as the updater does: a pointer to the member
-    // would be counted inside Qt, where the thread sanitizer does not look.
+    // Queued after everything that the updater sent. By name, as the updater does it: with a pointer to the
+    // member, Qt would count references in code that the thread sanitizer does not see.
     QMetaObject::invokeMethod(this, "finished", Qt::QueuedConnection);
 }
 
@@ -211,7 +210,7 @@ CheckOutcome CatalogUpdateRun::checkOutcome(const fileString& root) const
     return CheckOutcome::of(mRecords, mService->report(), isHeld, root);
 }
 
-/// A history that cannot be written is no failure of a check: it has told what it found.
+/// Failing to write the history is not a failure of the check, because its result is known.
 void CatalogUpdateRun::noteAnswers(const CheckOutcome& found, const fileString& root) const
 try {
     CheckHistory history(root);

@@ -26,74 +26,73 @@ namespace OrvHost {
 
 class RunJournal;
 
-/// One catalog update as a host runs it: the lock against a second one, the catalogs that an update which
-/// died had left, the updater on a worker thread, a download service that judges what it is told, and
-/// afterwards the hash lines of what could not be swapped in, the outcome, and the history for `status`.
+/// One complete update for a host. It locks out other updates, puts into place what a killed update has left,
+/// runs the updater on a worker thread with a `CarefulCurl`, and at the end removes the hash lines of
+/// catalogs that could not be put into place, determines the outcome and writes the history for `status`.
 ///
-/// The host object that is handed to `start` has the updater's slots, applies "onCatalogUpdatedEvent" through
-/// `swapper`, and lives at least as long as the run. The run lives on the host object's thread, whose event
-/// loop goes on until `finished`; then the host calls `finish`.
+/// The host object passed to `start` has the updater's slots, calls `swapper` in "onCatalogUpdatedEvent", and
+/// must live as long as the run. The run lives on the host object's thread. Its event loop must run until
+/// `finished`; then the host calls `finish`.
 class ORVHOST_EXPORT CatalogUpdateRun : public QObject
 {
     Q_OBJECT
 
 public:
-    /// The order for an update: the service, and the catalogs to ask for.
+    /// What to update: the service and the catalogs.
     struct Request
     {
-        std::string url; ///< the content redirect address
+        std::string url; ///< the address that redirects to the service
         std::string product;
         std::string productVersion;
         bool coreOnly = false;
-        /// File names that end in ".orvlib", to fetch beside the catalogs that are there.
+        /// File names with the ending ".orvlib", to fetch in addition to the installed catalogs.
         std::vector<std::string> bonus;
         std::vector<std::string> manufacturer;
-        /// Refuses new catalogs that are no databases.
+        /// Whether new catalogs that are not databases are refused.
         bool checksDatabases = true;
         ServiceAccess access;
-        /// How often a request is made again that failed in a way that may pass.
+        /// How often a request is repeated after a failure that may pass.
         int retries = 3;
-        /// Before the first of them; later ones wait longer.
+        /// The pause before the first repetition; later pauses are longer.
         std::chrono::milliseconds firstPause{500};
-        /// Ends after the check: nothing is fetched, put in place or locked.
+        /// Whether to end after the check: nothing is downloaded, put into place or locked.
         bool onlyChecks = false;
-        /// How much of what is replaced is kept.
+        /// How many replaced versions to keep.
         CatalogHistory::Bounds history = {};
     };
 
-    /// Takes the lock on the installed path service's folders.
-    /// @throws std::runtime_error at once when another update is running there, and when the certificates
-    /// cannot be read
+    /// Takes the lock for the folders of the installed path service.
+    /// @throws std::runtime_error if another update is running there, or if the certificates cannot be read
     explicit CatalogUpdateRun(const Request& request);
-    /// Cancels and waits when the worker is still running.
+    /// If the worker is still running, cancels it and waits.
     ~CatalogUpdateRun() override;
 
-    /// Swaps in what an update that died had left, and starts the worker. To be called once.
-    /// @throws std::runtime_error when it cannot be read which catalogs are held
+    /// Puts into place what a killed update has left, and starts the worker. Call it once.
+    /// @throws std::runtime_error if the list of held catalogs cannot be read
     void start(QObject& host);
-    /// Cancels the update; `finished` comes all the same.
+    /// Cancels the update. `finished` is still sent.
     static void cancel();
-    /// Waits for the worker, without the event loop.
+    /// Waits for the worker without running the event loop.
     void wait() { endWorker(); }
-    /// Takes the hash lines of failed catalogs out, puts the outcome together and writes the history. To be
-    /// called once, after `finished`.
-    /// @param closing what "closeCatalogUpdateEvent" brought; none after "onClose"
-    /// @param root where the history is kept
-    /// @throws what left the updater
+    /// Removes the hash lines of failed catalogs, determines the outcome and writes the history. Call it
+    /// once, after `finished`.
+    /// @param closing the argument of "closeCatalogUpdateEvent"; empty after "onClose"
+    /// @param root the folder for the history
+    /// @throws any exception that left the updater
     UpdateOutcome finish(const std::optional<LibraryCatalogUpdate::UpdateData>& closing,
                          const fileString& root);
 
-    /// The same for a run that only checks; `LastCheck` tells the same later.
-    /// @param wasCancelled whether the user ended it
+    /// Does the same for a run that only checks. `LastCheck` returns the result later.
+    /// @param wasCancelled whether the user cancelled the run
     CheckOutcome finishCheck(bool wasCancelled, const fileString& root);
 
     CatalogSwapper& swapper() { return mSwapper; }
-    /// The requests and answers so far, for a list of the catalogs that are under way. May
-    /// be called as often as a window wants, on the run's thread.
+    /// All requests and answers so far, to show the catalogs in progress. May be called at any time on the
+    /// thread of the run.
     ServiceReport service() const { return mService ? mService->report() : ServiceReport(); }
 
 Q_SIGNALS:
-    /// The worker has ended, and all its invocations were delivered.
+    /// Sent when the worker has ended and all its calls have been delivered.
     void finished();
 
 private:
@@ -108,17 +107,17 @@ private:
     CheckOutcome checkOutcome(const fileString& root) const;
     void noteAnswers(const CheckOutcome& found, const fileString& root) const;
 
-    std::optional<HostLock> mLock; ///< none for a check
+    std::optional<HostLock> mLock; ///< empty for a check
     Request mRequest;
     CatalogSwapper mSwapper;
     QDateTime mStart;
     Curl* mFormerService = nullptr;
-    std::optional<CatalogPins> mPins;       ///< as they are when the run starts
-    std::unique_ptr<VersionKeeper> mKeeper; ///< below the service
+    std::optional<CatalogPins> mPins;       ///< as they are when the run begins
+    std::unique_ptr<VersionKeeper> mKeeper; ///< requests pass through mService, then through this
     std::unique_ptr<CarefulCurl> mService;  ///< installed while the worker runs
     std::unique_ptr<RunJournal> mJournal;
-    std::vector<HeldVersions::Failure> mHeldFailures; ///< this and the next two written by the worker
-    LibraryCatalogUpdate::CatalogMap mRecords;        ///< before it ends, read after
+    std::vector<HeldVersions::Failure> mHeldFailures; ///< the worker writes this and the next two
+    LibraryCatalogUpdate::CatalogMap mRecords;        ///< before it ends; they are read afterwards
     std::exception_ptr mException;
     std::thread mWorker;
 };

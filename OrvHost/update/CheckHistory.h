@@ -11,30 +11,30 @@
 
 namespace OrvHost {
 
-/// The results of the last updates: when one was last tried, when one last went through without an error, and
-/// the last answer of the service for each catalog. Kept in "update-history.json" below the root, for
+/// The results of the latest updates: the time of the last one, the time of the last one without an error,
+/// and the service's last answer for each catalog. Stored in "update-history.json" below the root, for
 /// `status`. One object belongs to one thread.
 class ORVHOST_EXPORT CheckHistory
 {
 public:
-    /// The last answer of the service for a catalog.
+    /// The service's last answer for a catalog.
     struct Answer
     {
-        std::int64_t status = 0; ///< HTTP status; 0 when there was no answer
+        std::int64_t status = 0; ///< HTTP status; 0 if there was no answer
         QDateTime time;          ///< UTC
-        std::string reason;      ///< why the catalog could not be brought up to date; empty when it could
+        std::string reason;      ///< why the catalog could not be updated; empty if it could
     };
 
-    /// Reads the history; a file that is missing or not understood is an empty one.
+    /// Reads the history. If the file is missing or not valid, the history is empty.
     explicit CheckHistory(const fileString& root);
 
-    /// When the last update ended, UTC; invalid when there was none.
+    /// When the last update ended, in UTC; invalid if there was none.
     const QDateTime& lastAttempt() const { return mLastAttempt; }
-    /// Why the last attempt failed as a whole; empty when it did not.
+    /// Why the last update failed as a whole; empty if it did not.
     const std::string& lastError() const { return mLastError; }
-    /// UTC; invalid when no update ever went well.
+    /// In UTC; invalid if no update was ever successful.
     const QDateTime& lastGoodCheck() const { return mLastGoodCheck; }
-    /// By the name under which the service was asked.
+    /// By the name used in the request.
     const std::map<std::string, Answer>& answers() const { return mAnswers; }
 
     void noteAttempt(const QDateTime& time, const std::string& error)
@@ -48,9 +48,9 @@ public:
     {
         mAnswers[catalog] = {status, time, reason};
     }
-    /// Drops what an update that asked for everything did not ask for any more.
+    /// Removes a catalog that a complete update did not ask for any more.
     void forgetAnswer(const std::string& catalog) { mAnswers.erase(catalog); }
-    /// @throws std::runtime_error with the path and the system's text; the file is then as it was
+    /// @throws std::runtime_error with the path and the system's message; the file is then unchanged
     void save() const;
 
 private:

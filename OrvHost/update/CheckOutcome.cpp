@@ -1,7 +1,7 @@
-// How it works: every record of the library becomes a catalog, with the state that its answer means. The
-// report of the download service adds what the library does not keep: whether a length and a tag were told at
-// all, and why a request failed. Less than a kilobyte in all is not fetched by an update, which is told of
-// each.
+// How it works: each record of the library becomes a catalog, whose state follows from the answer. The report
+// of the download service adds what the library does not store: whether a length and a tag were sent at all,
+// and why a request failed. If all changes together are less than a kilobyte, an update would download
+// nothing; each catalog then says so.
 #include "OrvHost/update/CheckOutcome.h"
 
 #include <algorithm>
@@ -42,7 +42,7 @@ QJsonValue textOrNull(const std::optional<std::string>& text)
     return text ? QJsonValue(QString::fromUtf8(text->data(), static_cast<int>(text->size()))) : QJsonValue();
 }
 
-/// Makes a catalog of one record.
+/// Makes a catalog from a record.
 class Judge
 {
 public:
@@ -143,7 +143,7 @@ void hold(Catalog& catalog)
     catalog.why = isNewer ? "held at its version; the service has another one" : "held at its version";
 }
 
-/// Says of each catalog that an update would leave why it would.
+/// Explains for each catalog why an update would not download it.
 void explainUnfetched(std::vector<Catalog>& catalogs)
 {
     std::uint64_t kilobytes = 0, bytes = 0;

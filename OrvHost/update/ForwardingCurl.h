@@ -9,7 +9,7 @@
 
 namespace OrvHost {
 
-/// A download service that hands everything on to another one; the base of those that watch.
+/// A download service that passes everything on to another one. Base class for services that watch.
 class ORVHOST_EXPORT ForwardingCurl : public Curl
 {
 public:

@@ -17,8 +17,7 @@ fileString hashFileIn(const fileString& folder)
     return folder / fileString("catalog_hash.txt");
 }
 
-/// Name and hash of a line, cut as the library cuts it; no pieces for a line that does not hold exactly
-/// these.
+/// Splits a line into name and hash, as the library does. Empty if the line is not exactly that.
 std::vector<std::string> entryOf(const std::string& line)
 {
     std::vector<std::string> pieces;

@@ -6,25 +6,25 @@
 #include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// The hash file of a catalog folder, "catalog_hash.txt", as a host sees it: one line "name:hash" for each
-/// file. docs/formats/catalog_hash.md describes it. Functions may be called from any thread, but not while an
-/// update runs on the same folder.
+/// Reads and changes "catalog_hash.txt" for a host. It has one line "name:hash" for each file;
+/// docs/formats/catalog_hash.md describes it. The functions may be called from any thread, but not while an
+/// update runs on the folder.
 namespace OrvHost::HashFile {
 
-/// File name to hash, read as the library reads it: a blank line ends the file, and lines that do not hold
-/// exactly two texts are passed over (colons at either end of a line separate nothing). Empty when the file
+/// The hash of each file name, read in the way of the library: a blank line ends the file, and lines without
+/// exactly two texts are ignored (a colon at either end of a line separates nothing). Empty if the file
 /// cannot be read.
 ORVHOST_EXPORT std::map<std::string, std::string> read(const fileString& folder);
-/// The same, for a caller that must not take a file that cannot be read for an empty one.
-/// @throws std::runtime_error when the file is there and cannot be read
+/// The same, for callers for whom an unreadable file is not an empty one.
+/// @throws std::runtime_error if the file exists and cannot be read
 ORVHOST_EXPORT std::map<std::string, std::string> readOrThrow(const fileString& folder);
-/// Removes the lines of a name; all others stay as they are.
-/// @return false when there is no such line, or the file cannot be written and is as it was
+/// Removes all lines of a name; other lines stay.
+/// @return false if there is no such line, or if the file cannot be written; it is then unchanged
 ORVHOST_EXPORT bool remove(const fileString& folder, const std::string& name);
 
-/// Gives a name this hash, in the place of its former lines; all other lines stay as they are. Lines behind a
-/// blank one, which nobody reads, go.
-/// @throws std::runtime_error with the path and the system's text; the file is then as it was
+/// Sets the hash of a name. The line replaces all former lines of the name; other lines stay. Lines after a
+/// blank line are removed, because nobody reads them.
+/// @throws std::runtime_error with the path and the system's message; the file is then unchanged
 ORVHOST_EXPORT void set(const fileString& folder, const std::string& name, const std::string& hash);
 
 } // namespace OrvHost::HashFile

@@ -29,7 +29,7 @@ constexpr std::chrono::minutes kPatienceOfImport{1};
     throw std::runtime_error("cannot lock " + path + ": " + std::strerror(error));
 }
 
-/// Whether the path still names the open file: its former owner may have removed it meanwhile.
+/// Whether the path still leads to the open file. The former owner of the lock may have removed it.
 bool namesOpenFile(const std::string& path, int descriptor)
 {
     struct stat open
@@ -42,7 +42,7 @@ bool namesOpenFile(const std::string& path, int descriptor)
            open.st_dev == named.st_dev;
 }
 
-/// @return the system's error number; 0 for success, also where the file system has no locks
+/// @return 0 for success, also on file systems without locks; otherwise the system's error number
 int tryLock(int descriptor)
 {
     if (flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno == ENOLCK || errno == EOPNOTSUPP)
@@ -50,7 +50,7 @@ int tryLock(int descriptor)
     return errno;
 }
 
-/// @return as `tryLock`
+/// @return what `tryLock` returns
 int waitForLock(int descriptor, Clock::time_point end, const std::function<bool()>& isCancelled)
 {
     int error = tryLock(descriptor);
@@ -130,7 +130,7 @@ HostLock::HostLock(const fileString& path, const std::string& busyText, Millisec
     } while (!namesOpenFile(mPath, mDescriptor));
 }
 
-/// Opens the file anew.
+/// Opens the file again.
 void HostLock::open()
 {
     if (mDescriptor >= 0)
@@ -149,7 +149,7 @@ HostLock::~HostLock()
 {
     if (mDescriptor < 0)
         return;
-    // Removed while it is still locked, so that it can only be our own.
+    // Removed while it is locked, so it cannot be another program's file.
     unlink(mPath.c_str());
     close(mDescriptor);
 }

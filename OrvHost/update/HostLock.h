@@ -11,37 +11,36 @@
 
 namespace OrvHost {
 
-/// Keeps other programs of ours from doing the same thing at the same time, for as long as the object lives.
-/// It locks a file, which it makes and removes. The lock ends with the process, however it dies; a lock file
-/// that is left over does no harm. A file system without locks is used without them.
+/// Prevents other programs from doing the same thing at the same time, as long as the object lives. It makes
+/// a file, locks it and removes it at the end. The system releases the lock if the process dies; a leftover
+/// file does no harm. On file systems without locks, nothing is locked.
 ///
-/// All functions throw std::runtime_error when another program keeps the lock, or when the file cannot be
-/// made.
+/// All functions throw std::runtime_error if another program has the lock or the file cannot be made.
 class ORVHOST_EXPORT HostLock
 {
 public:
     using Milliseconds = std::chrono::milliseconds;
-    /// How long a change waits for another one.
+    /// How long a change waits for another change.
     static constexpr Milliseconds kPatience{5'000};
 
-    /// Keeps a second update off a root while one runs there. It fails at once. The file is "update.lock" in
-    /// the installed path service's temporary folder.
+    /// The lock of an update; only one update may run on a root. Does not wait. The file is "update.lock" in
+    /// the temporary folder of the installed path service.
     static HostLock ofUpdate();
-    /// Keeps others from changing a thing while one reads it, changes it and writes it back. It waits.
-    /// @param subject what is going to be changed, such as "filters"; the file is then "filters.lock" in the
+    /// The lock for reading something, changing it and writing it back. Waits for other programs.
+    /// @param subject what will be changed, such as "filters"; the file is then "filters.lock" in the
     /// temporary folder
     static HostLock ofChange(const std::string& subject, Milliseconds patience = kPatience);
-    /// The same for a thing in one folder, of whatever root. The file is then ".filters.lock" in that folder.
+    /// The same for something in a folder that several roots may use. The file is then ".filters.lock" in
+    /// that folder.
     static HostLock ofChange(const fileString& folder, const std::string& subject,
                              Milliseconds patience = kPatience);
-    /// Lets one import or undo at a time change the libraries of a root. It waits up to a minute. The file is
-    /// "imports.lock" in `folder`.
-    /// @param isCancelled asked while the lock is waited for; when it says yes, the wait ends with
-    /// "cancelled"
+    /// The lock for an import or an undo; only one may change the libraries of a root. Waits up to a minute.
+    /// The file is "imports.lock" in `folder`.
+    /// @param isCancelled called while waiting; if it returns true, the exception says "cancelled"
     static HostLock ofImport(const fileString& folder, const std::function<bool()>& isCancelled);
 
-    /// The lock file of an update that runs on the root; empty when none does. It makes no file and does not
-    /// wait. For this library's own use.
+    /// The lock file of the update that is running on the root; empty if there is none. Makes no file and
+    /// does not wait. Only for this library.
     Q_DECL_HIDDEN static fileString ofRunningUpdate();
 
     HostLock(HostLock&& other) noexcept;
@@ -57,7 +56,7 @@ private:
     void open();
 
     std::string mPath;
-    int mDescriptor = -1; ///< none after a move
+    int mDescriptor = -1; ///< -1 after a move
 };
 
 } // namespace OrvHost

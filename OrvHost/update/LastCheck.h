@@ -10,18 +10,18 @@
 
 namespace OrvHost {
 
-/// The findings of the last check or update that reached the service, kept in "last-check.json" below the
-/// root, so that a program which looks often need not ask often. A plain value.
+/// The result of the last check or update that reached the service, stored in "last-check.json" below the
+/// root. A program that shows it often thus need not ask the service each time. A plain value.
 struct ORVHOST_EXPORT LastCheck
 {
     QDateTime time; ///< UTC
     int exitStatus = 1;
-    QJsonObject document; ///< of `orv-library check`
+    QJsonObject document; ///< the output of `orv-library check`
 
-    /// None when there was no check, or the file is not understood.
+    /// Empty if there was no check, or if the file is not valid.
     static std::optional<LastCheck> load(const fileString& root);
-    /// Keeps what was found now; does nothing when the service was not reached.
-    /// @throws std::runtime_error when the file cannot be written; it is then as it was
+    /// Stores a result. Does nothing if the service was not reached.
+    /// @throws std::runtime_error if the file cannot be written; it is then unchanged
     static void save(const fileString& root, const CheckOutcome& found);
 };
 

@@ -14,7 +14,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// The first half of a checksum: enough to tell addresses and versions apart.
+/// Half of a checksum, which is enough to distinguish addresses and versions.
 std::string shortHash(const std::string& text)
 {
     const QByteArray hash =
@@ -92,7 +92,7 @@ void PartialFiles::prune(std::int64_t mostBytes) const
         total -= part.bytes;
     }
     std::error_code error;
-    fs::remove(mFolder.toNativeString(), error); // goes only when it is empty
+    fs::remove(mFolder.toNativeString(), error); // succeeds only if it is empty
 }
 
 } // namespace OrvHost

@@ -9,9 +9,8 @@
 
 namespace OrvHost {
 
-/// The parts of downloads that broke off, kept in a folder of their own until a later try, or a later run,
-/// goes on with them. The folder is bounded: in time, by each file's own time, and in size, the oldest files
-/// going first. Used by one thread at a time.
+/// The folder with interrupted downloads, which a later try or a later run continues. Files that are too old
+/// are removed; if the folder is too large, the oldest files go first. Used by one thread at a time.
 class ORVHOST_EXPORT PartialFiles
 {
 public:
@@ -19,15 +18,15 @@ public:
     static constexpr std::chrono::hours kLongestAge{7 * 24};
     static constexpr std::int64_t kMostBytes = 2'000'000'000;
 
-    /// @param folder without a final separator; made when a file is first wanted
+    /// @param folder without a separator at the end; created when it is needed
     explicit PartialFiles(const fileString& folder) : mFolder(folder) {}
-    /// "partial" in the installed path service's temporary folder.
+    /// "partial" in the temporary folder of the installed path service.
     static fileString defaultFolder();
 
-    /// Where the body of an address, in one version, grows. Parts of other versions of it are removed.
-    /// @return empty when the folder cannot be made
+    /// The file for one version of an address. Files for other versions of it are removed.
+    /// @return empty if the folder cannot be created
     fileString fileFor(const std::string& url, const std::string& validator) const;
-    /// Removes what is too old or too much.
+    /// Removes files that are too old, then the oldest until the size fits.
     void prune(std::int64_t mostBytes = kMostBytes) const;
 
 private:

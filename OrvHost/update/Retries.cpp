@@ -10,11 +10,11 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// A cancel is heard within this time.
+/// A cancel takes effect within this time.
 constexpr milliseconds kStep{50};
 constexpr int kMostGivenUp = 3;
 
-/// Half of the time to one and a half of it.
+/// Between half of the time and one and a half of it, at random.
 milliseconds jittered(milliseconds time)
 {
     static thread_local std::minstd_rand generator{std::random_device{}()};

@@ -8,31 +8,31 @@
 
 namespace OrvHost {
 
-/// Decides whether a request that failed is made again, and waits before that. The pauses grow and are
-/// jittered, so that many clients that failed together do not come back together. Where three requests in a
-/// row failed for good, the service is down rather than busy: each further request is then made once, until
-/// one goes well. One object belongs to one thread.
+/// Decides whether a failed request is sent again, and waits before that. The pauses grow and vary at random,
+/// so that clients that failed together do not all return at the same moment. If three requests in a row
+/// failed at every try, the service is down, not busy: from then on each request is sent only once, until one
+/// succeeds. One object belongs to one thread.
 class ORVHOST_EXPORT Retries
 {
 public:
-    /// How often and how soon a request is made again.
+    /// How often and how soon a request is repeated.
     struct Settings
     {
-        int retries = 3; ///< after the first try; 0 for none
+        int retries = 3; ///< after the first try; 0 for no repetition
         std::chrono::milliseconds firstPause{500};
         std::chrono::seconds longestRetryAfter{30};
-        std::function<bool()> isCancelled; ///< asked all the time during a pause; may be empty
+        std::function<bool()> isCancelled; ///< called all the time during a pause; may be empty
     };
 
     explicit Retries(Settings settings) : mSettings(std::move(settings)) {}
 
-    /// To be called before a request's first try.
+    /// Call it before the first try of a request.
     void begin() { mTries = 0; }
-    /// To be called when a try failed in a way that may pass.
-    /// @param retryAfter how long the service asked to be left alone
-    /// @return true, after the pause, when the request should be made again
+    /// Call it after a try whose failure may pass.
+    /// @param retryAfter how long the service wants us to wait
+    /// @return true, after the pause, if the request should be sent again
     bool shouldTryAgain(std::optional<std::chrono::seconds> retryAfter);
-    /// To be called when a request went well.
+    /// Call it when a request has succeeded.
     void succeeded() { mGivenUp = 0; }
 
     /// Whether the run was cancelled.

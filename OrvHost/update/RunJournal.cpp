@@ -43,7 +43,8 @@ const CatalogReport* reportOf(const CheckOutcome::Catalog& catalog, const Servic
     return nullptr;
 }
 
-/// The state of a catalog after the run: as a check tells it, unless this run fetched it or failed to.
+/// The state of a catalog after the run: that of a check, unless this run downloaded the catalog or failed
+/// to.
 std::string stateOf(const CheckOutcome::Catalog& catalog, const CatalogReport* report,
                     const std::vector<Failure>& failed)
 {

@@ -10,8 +10,8 @@
 
 namespace OrvHost {
 
-/// Writes what one run did into the list of runs and keeps what it found for the next `check`. A failure to
-/// write ends no run: it is told once, as a note. One object belongs to one run and one thread.
+/// Adds a run to the list of runs and stores its result for the next `check`. If writing fails, the run goes
+/// on, and one note says so. One object belongs to one run and one thread.
 class RunJournal
 {
 public:
@@ -22,7 +22,7 @@ public:
     void endUpdate(const UpdateOutcome& outcome, const CheckOutcome& found);
     void endCheck(const ServiceReport& service, const CheckOutcome& found, bool isCancelled);
 
-    /// Names the file that could not be written, for people; empty when all were written.
+    /// Names the file that could not be written, for people; empty if there is none.
     const std::string& problem() const { return mProblem; }
 
 private:
@@ -32,7 +32,7 @@ private:
              const std::vector<UpdateOutcome::Failure>& failed);
 
     fileString mRoot;
-    std::int64_t mNumber = 0; ///< 0: the run has no record
+    std::int64_t mNumber = 0; ///< 0 if the run has no record
     std::string mProblem;
 };
 

@@ -16,7 +16,7 @@ namespace OrvHost {
 namespace {
 
 constexpr int kMostRuns = 50;
-/// The member of a run that has not ended: the process that makes it.
+/// A run that has not ended has this member: the process that runs it.
 const QString kProcess = QStringLiteral("process");
 
 fileString fileIn(const fileString& root)
@@ -56,7 +56,7 @@ std::int64_t numberOf(const QJsonObject& run)
     return static_cast<std::int64_t>(run["number"].toDouble());
 }
 
-/// When a killed run ended, nobody knows.
+/// The end of a killed run is unknown.
 void noteKilled(QJsonArray& runs)
 {
     for (auto&& entry : runs) {

@@ -9,29 +9,27 @@
 #include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// The last 50 updates and checks on a root, in "runs.json" there; docs/formats/runs.md describes the file.
-/// Runs are numbered without gaps, from 1 on. May be used from any thread, and by several programs at once.
+/// The last 50 updates and checks of a root, stored in "runs.json" there; docs/formats/runs.md describes the
+/// file. Runs are numbered from 1, without gaps. May be used from any thread and by several programs at once.
 namespace OrvHost::RunRecords {
 
-/// Makes a record for a run that begins. Runs that were begun by a process that is there no more become
-/// "killed".
+/// Adds a record for a run that begins. Runs whose process has died are marked as "killed".
 /// @param kind "update" or "check"
 /// @return the number of the run
-/// @throws std::runtime_error when the file cannot be written
+/// @throws std::runtime_error if the file cannot be written
 ORVHOST_EXPORT std::int64_t begin(const fileString& root, const QString& kind, const QDateTime& start);
 
-/// Completes the record of a run that ended.
+/// Completes the record of a run.
 /// @param result "outcome", "asked", "fetched", "bytes", "failed" and "catalogs"
-/// @throws std::runtime_error when the file cannot be written
+/// @throws std::runtime_error if the file cannot be written
 ORVHOST_EXPORT void end(const fileString& root, std::int64_t number, const QDateTime& end,
                         const QJsonObject& result);
 
-/// The runs that ended, newest first, without "catalogs". A file that is missing or not understood holds
-/// none.
+/// All completed runs, newest first, without "catalogs". Empty if the file is missing or not valid.
 ORVHOST_EXPORT QJsonArray list(const fileString& root);
 
-/// One run that ended, with "catalogs".
-/// @throws std::runtime_error with a text for people when there is no such run
+/// One completed run, with "catalogs".
+/// @throws std::runtime_error with a text for people if there is no such run
 ORVHOST_EXPORT QJsonObject show(const fileString& root, std::int64_t number);
 
 /// "2026-11-21T21:16:35Z".

@@ -11,7 +11,7 @@ void ServiceAccess::apply() const
 {
     std::error_code error;
     if (!certificates.empty() && !std::filesystem::is_directory(certificates, error))
-        TextFile::read(fileString(certificates)); // throws where it cannot be read
+        TextFile::read(fileString(certificates)); // only to throw if it cannot be read
     Curl::setCertificates(certificates);
     Curl::setProxy(proxy);
     Curl::setRateLimit(limitRate);

@@ -7,20 +7,20 @@
 
 namespace OrvHost {
 
-/// How the default download service reaches the web: what a user behind a proxy or a private certificate
-/// authority has to set. A plain value.
+/// How the default download service reaches the network: the settings that a user behind a proxy or with a
+/// private certificate authority needs. A plain value.
 struct ORVHOST_EXPORT ServiceAccess
 {
-    /// A PEM file, or a folder of hashed certificates, of the authorities to trust; empty for what the
-    /// environment says (`SSL_CERT_FILE`, `SSL_CERT_DIR`), or else the system's.
+    /// Trusted certificates, in a PEM file or a folder of hashed certificates. If empty, those of the
+    /// environment (`SSL_CERT_FILE`, `SSL_CERT_DIR`) or of the system.
     std::string certificates;
-    /// Such as "http://proxy.example:3128"; empty for what the environment says.
+    /// Such as "http://proxy.example:3128". If empty, the environment decides.
     std::string proxy;
-    /// Bytes a second that all transfers together may receive; 0 for no bound.
+    /// The bytes per second that all transfers may receive together; 0 for no limit.
     std::int64_t limitRate = 0;
 
-    /// Makes the default download service work so, in the whole process, until the next call.
-    /// @throws std::runtime_error when the certificates cannot be read; nothing is changed then
+    /// Sets up the default download service of the process, until the next call.
+    /// @throws std::runtime_error if the certificates cannot be read; nothing is changed then
     void apply() const;
 };
 

@@ -15,7 +15,7 @@ constexpr std::int64_t kOk = 200;
 constexpr std::int64_t kTooManyRequests = 429;
 constexpr std::int64_t kUnavailable = 503;
 
-/// The last value of a header, which is the one that the library takes.
+/// The last value of a header, which is the one that the library uses.
 std::optional<std::string> lastValue(const std::string& headerText, const char* name)
 {
     WebUtils::HeaderMap headers;
@@ -36,8 +36,8 @@ std::optional<std::int64_t> number(const std::string& text)
     return value;
 }
 
-/// Returns the text between the first and the last double quote, or the whole text when it has none. A
-/// closing quote at the very start stays, as in the library.
+/// The text between the first and the last double quote; the whole text if there are no quotes. As in the
+/// library, a closing quote at the very start stays.
 std::string unquoted(const std::string& value)
 {
     const std::size_t opening = value.find('"');
@@ -53,7 +53,7 @@ bool isBusy(const Curl::Answer& answer)
     return answer.status == kTooManyRequests || answer.status == kUnavailable;
 }
 
-/// The texts of the transfer library for what may be over soon.
+/// Texts of the transfer library for failures that may pass.
 bool isPassingText(const std::string& reason)
 {
     const auto has = [&reason](const char* text) { return reason.find(text) != std::string::npos; };
@@ -63,7 +63,7 @@ bool isPassingText(const std::string& reason)
     return std::any_of(std::begin(texts), std::end(texts), has);
 }
 
-/// The transfer library's numbers for the same.
+/// Numbers of the transfer library for such failures.
 bool isPassingNumber(int errorNumber)
 {
     constexpr int kNoConnection = 7, kHttp2 = 16, kCutBody = 18, kTimeOut = 28, kEmptyReply = 52,

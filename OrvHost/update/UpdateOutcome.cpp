@@ -1,7 +1,7 @@
-// How it works: the report of the service tells what was asked, answered and fetched; the swapper what was
-// put in place; the hash files, as the run left them, what the library counts as installed. `Failures` goes
-// through the three, catalog by catalog. From its list, the library's result and the report follow the error
-// of a run that failed as a whole, and the kind of the outcome.
+// How it works: the service's report tells what was requested, answered and downloaded. The swapper tells
+// what was put into place. The hash files, as written by the run, tell what the library regards as installed.
+// `Failures` compares the three for each catalog. Its list, the library's result and the report determine the
+// error of a run that failed as a whole, and the kind of the outcome.
 #include "OrvHost/update/UpdateOutcome.h"
 
 #include <algorithm>
@@ -76,7 +76,7 @@ private:
         return mService.indexNames.count(catalog.asked) != 0 ? catalog.asked : installedName(catalog.asked);
     }
 
-    /// HTTP status and reason; no reason where nothing is wrong.
+    /// The HTTP status and the reason. The reason is empty if there is no failure.
     std::pair<std::int64_t, std::string> problemOf(const CatalogReport& catalog) const
     {
         if (catalog.isMissing())
@@ -85,7 +85,7 @@ private:
             return {catalog.bodyStatus, catalog.reason};
         if (catalog.isNew() && !catalog.isDownloadTried && catalog.reason.empty())
             return {catalog.status, reasonNotTried(catalog)};
-        // A catalog that is not new was fetched for the history: a version of a held catalog.
+        // If a catalog is not new, this was the download of a held catalog's version for the history.
         if (catalog.isNew() && catalog.isDownloaded && !isInstalled(catalog))
             return {catalog.status, "it could not be installed"};
         return {catalog.status, catalog.reason};
@@ -94,7 +94,7 @@ private:
     std::string reasonNotTried(const CatalogReport& catalog) const
     {
         if (!mOutcome.result)
-            return {}; // the user did not want to wait for it
+            return {}; // the user cancelled, so it did not fail
         if (!catalog.length)
             return "the service did not tell its length, so that it was not fetched";
         if (!catalog.tag)
@@ -122,7 +122,7 @@ private:
         });
     }
 
-    /// Whether the swap failed, which is a failure of its own.
+    /// Whether putting it into place failed, which is reported separately.
     bool isRefused(const std::string& name) const
     {
         return std::any_of(mSwapper.failed().begin(), mSwapper.failed().end(), [&name](const auto& failure) {
@@ -141,8 +141,8 @@ private:
         return false;
     }
 
-    /// A catalog that was put in place after all is no failure: one that a dead run left damaged, and that
-    /// this run fetched again.
+    /// A catalog that was put into place in the end did not fail: a killed run left it damaged, and this run
+    /// downloaded it again.
     void addSwaps()
     {
         for (const CatalogSwapper::Failure& failure : mSwapper.failed()) {
@@ -167,7 +167,7 @@ private:
     std::vector<Failure> mList;
 };
 
-/// Why the run failed as a whole; empty when it did not.
+/// Why the run failed as a whole; empty if it did not.
 std::string errorOf(const UpdateOutcome& outcome)
 {
     const ServiceReport& service = outcome.service;
@@ -196,7 +196,7 @@ Kind kindOf(const UpdateOutcome& outcome)
     return outcome.updatedCatalogs.empty() ? Kind::Current : Kind::Updated;
 }
 
-/// The names that the library reports, without those that were refused afterwards.
+/// The names reported by the library, without those that were refused afterwards.
 std::set<std::string> updatedNames(const UpdateData& closing, const CatalogSwapper& swapper)
 {
     std::set<std::string> names;
