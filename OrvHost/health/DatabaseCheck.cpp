@@ -21,7 +21,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 constexpr std::size_t kHeaderSize = 100;
-constexpr char kMagic[] = "SQLite format 3"; // with its final zero, 16 bytes
+constexpr char kMagic[] = "SQLite format 3"; // 16 bytes, with the zero at its end
 
 const char* const kNoDatabase = "is no database";
 const std::string kDamaged = "is a damaged database: ";
@@ -41,8 +41,8 @@ bool isPageSize(std::uint64_t size)
     return size >= 512 && size <= 65536 && (size & (size - 1)) == 0;
 }
 
-/// The problem that the header alone shows. The number of pages counts only where the last writer kept it up
-/// to date.
+/// The problem that the header shows. It has the number of pages, but that is right only if the last program
+/// to write the file updated it.
 std::string problemOfHeader(const fileString& file)
 {
     constexpr std::size_t kPageSize = 16, kChangeCounter = 24, kPages = 28, kPagesValidFor = 92;
@@ -88,9 +88,8 @@ struct Closer
 using Database = std::unique_ptr<sqlite3, Closer>;
 using Statement = std::unique_ptr<sqlite3_stmt, Closer>;
 
-/// Interrupts the check of a database when its time is over, or when somebody asks for that. The database
-/// library asks its own progress function only between tables, so that one large table would take as long as
-/// it likes.
+/// Interrupts the check of a database after its time limit or after a cancel. The database library calls its
+/// own progress function only between tables, so it could not stop the check of one large table.
 class Watch
 {
 public:
@@ -129,19 +128,19 @@ private:
     std::mutex mMutex;
     std::condition_variable mChanged;
     bool mIsEnded = false; ///< guarded by mMutex
-    std::thread mThread;   ///< last: it uses the others
+    std::thread mThread;   ///< last, because the thread uses the others
 };
 
-/// The last line of what the check found; a heading with the database's name stands before it.
+/// The last line of the result. A heading with the database's name comes before it.
 std::string lastLine(std::string text)
 {
     while (!text.empty() && text.back() == '\n')
         text.pop_back();
-    return text.substr(text.rfind('\n') + 1); // all of it where there is none
+    return text.substr(text.rfind('\n') + 1); // without a line break, the whole text
 }
 
-/// The problem that a result of the database library means. A file that the
-/// library cannot judge, such as one with a sort order that it does not know, has no problem.
+/// The problem for a result of the database library. If the library cannot judge the file, for example
+/// because of an unknown sort order, there is no problem.
 std::string problemOfResult(sqlite3* database, int result)
 {
     switch (result & 0xff) {

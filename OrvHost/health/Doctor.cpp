@@ -1,6 +1,6 @@
-// How it works: each step is a function that gives a text and, on failure, an advice. `take` times it, turns
-// an exception into a failure, and leaves it out where the step before it on the way failed. Here are the
-// steps on this machine; those on the network are in DoctorNetwork.cpp.
+// How it works: each step is a function that returns a text and, after a failure, an advice. `take` measures
+// the step, turns an exception into a failure, and skips the step if one that it needs has failed. This file
+// has the steps on this machine; those on the network are in DoctorNetwork.cpp.
 #include "OrvHost/health/Doctor.h"
 
 #include <algorithm>
@@ -26,7 +26,7 @@ constexpr std::uintmax_t kReserve = 256 * 1024 * 1024;
 const char* const kFolders[] = {"user",       "core",     "bonus", "manufacturer", "manufacturer-data",
                                 "referenced", "textures", "temp"};
 
-/// The existing folder at or above a path.
+/// The path, or the nearest folder above it that exists.
 fs::path existing(fs::path path)
 {
     std::error_code error;
@@ -124,7 +124,7 @@ Doctor::Finding Doctor::space() const
 {
     const fs::space_info found = fs::space(existing(mSubject.root.toNativeString()));
     const std::string text = std::to_string(found.available / 1000000) + " MB free";
-    // The smaller of the two is what the download service leaves free.
+    // The download service leaves the smaller of the two free.
     if (found.available < std::min<std::uintmax_t>(kReserve, found.capacity / 20))
         return {text, "Make room on the disk; downloads leave a reserve free and stop before it."};
     return {text, {}};

@@ -10,40 +10,39 @@
 
 namespace OrvHost {
 
-/// Looks for what keeps updates from working: goes the way of an update step by step, tells how long each
-/// took and, when it fails, what to do. It creates no root and touches no catalog. Needs the host's services,
-/// and the download service as it is set up for updates. One object belongs to one thread, which waits for
-/// the network.
+/// Finds out why updates fail. It follows the steps of an update, measures each one, and gives an advice
+/// after a failure. It creates no root and changes no catalog. Needs the host's services and a download
+/// service set up for updates. One object belongs to one thread, which waits for the network.
 class ORVHOST_EXPORT Doctor
 {
 public:
-    /// A step of the examination, and what came of it.
+    /// A step of the examination and its result.
     struct Step
     {
         std::string name;
-        std::optional<bool> ok; ///< none when it could not be tried after a failure
+        std::optional<bool> ok; ///< empty if an earlier failure prevented this step
         std::int64_t milliseconds = 0;
-        std::string text;   ///< what was found, for people; without secrets
-        std::string advice; ///< what to do; empty when nothing failed
+        std::string text;   ///< the finding, for people; without passwords and keys
+        std::string advice; ///< what to do after a failure; otherwise empty
     };
 
-    /// The root and the settings that are examined.
+    /// What to examine: the root and its settings.
     struct Subject
     {
-        fileString root;             ///< with its final separator
-        Settings::Values values;     ///< what an update would work with
-        std::string settingsProblem; ///< why the settings could not be read; empty when they could
-        std::string indexName;       ///< of the content index
+        fileString root;             ///< with a separator at the end
+        Settings::Values values;     ///< the settings that an update would use
+        std::string settingsProblem; ///< why the settings could not be read; empty if they could
+        std::string indexName;       ///< the name of the content index
     };
 
     explicit Doctor(const Subject& subject) : mSubject(subject) {}
 
-    /// @return the steps in their order: settings, folders, space, locks, proxy, name, connection,
+    /// @return all steps in their order: settings, folders, space, locks, proxy, name, connection,
     /// certificate, redirect, index, header, body
     std::vector<Step> examine();
 
 private:
-    /// The result of a step; one with an advice is a failure.
+    /// The finding of a step. If it has an advice, the step has failed.
     struct Finding
     {
         std::string text;
@@ -69,9 +68,9 @@ private:
 
     Subject mSubject;
     std::vector<Step> mSteps;
-    std::string mProxy;    ///< the proxy on the way to the service; empty for none
-    std::string mEndpoint; ///< where the redirect leads to
-    std::string mCatalog;  ///< a name that the content index lists
+    std::string mProxy;    ///< the proxy for the service; empty if there is none
+    std::string mEndpoint; ///< the address at the end of the redirects
+    std::string mCatalog;  ///< one of the names in the content index
 };
 
 } // namespace OrvHost

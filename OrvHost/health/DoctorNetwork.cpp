@@ -1,5 +1,5 @@
-// The steps of the examination on the network. From the redirect on, the requests are those of an update,
-// through the download service that judges what it is told.
+// The steps on the network. From the redirect on, the requests are the same as in an update and pass through
+// the download service that judges answers.
 #include <unistd.h>
 
 #include <QUrl>
@@ -22,7 +22,7 @@ QUrl urlOf(const std::string& address)
     return QUrl(QString::fromStdString(address));
 }
 
-/// Ends a transfer once enough of it came.
+/// Ends a transfer when enough has arrived.
 int stopWhenEnough(void*, double, double downloaded, double, double)
 {
     return downloaded >= kEnoughOfBody ? 1 : 0;
@@ -151,7 +151,7 @@ Doctor::Finding Doctor::header()
     return {mCatalog + " has " + std::to_string(*answer.length) + " bytes", {}};
 }
 
-/// The beginning of a body is enough; a catalog may be large.
+/// Downloads only the beginning of the body, because a catalog may be large.
 Doctor::Finding Doctor::body() const
 {
     const fileString target =

@@ -13,7 +13,7 @@ constexpr const char* kThread = "Thread ID: ";
 constexpr const char* kMessage = "Message: |\n";
 constexpr const char* kEnd = "...\n";
 
-/// Takes the next line off `text`, without its line break.
+/// Takes the next line from `text`, without its line break.
 std::string takeLine(std::string& text)
 {
     const std::size_t end = text.find('\n');
@@ -38,7 +38,7 @@ void dropEnding(std::string& text, const std::string& ending)
         text.erase(text.size() - ending.size());
 }
 
-/// @param text what stands between the start of an entry and the start of the next one
+/// @param text everything from the start of an entry to the start of the next one
 ErrorLogEntry parseEntry(std::string text)
 {
     ErrorLogEntry entry;
@@ -52,7 +52,8 @@ ErrorLogEntry parseEntry(std::string text)
     return entry;
 }
 
-/// A message may hold the very lines that start an entry; only after the end of an entry do they start one.
+/// A message may contain lines that look like the start of an entry. They count only after the end of an
+/// entry.
 std::size_t findNextStart(const std::string& text, std::size_t from)
 {
     const std::size_t position = text.find(std::string(kEnd) + kStart, from);

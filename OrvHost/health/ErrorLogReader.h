@@ -13,21 +13,21 @@ struct ErrorLogEntry
 {
     std::string time;
     std::string thread;
-    std::string message; ///< without the final line break; may hold several lines
+    std::string message; ///< without the line break at its end; may have several lines
 };
 
-/// Reads "errors.log" for people: the library itself never does. An entry that a killed process left
-/// unfinished is an entry with what there is of it.
+/// Reads "errors.log". The library only writes it. If a killed process left an incomplete entry, the part
+/// that exists counts as an entry.
 class ORVHOST_EXPORT ErrorLogReader
 {
 public:
-    /// The entries of a log's text, oldest first.
+    /// The entries in the text of a log, oldest first.
     static std::vector<ErrorLogEntry> parse(const std::string& text);
-    /// The entries of a log file; none when it does not exist.
-    /// @throws std::runtime_error when it exists but cannot be read, with its path and the system's text
+    /// The entries in a log file; empty if there is no file.
+    /// @throws std::runtime_error if the file exists and cannot be read, with its path and the system's
+    /// message
     static std::vector<ErrorLogEntry> read(const fileString& path);
-    /// The same for one who can do without the log: none when it cannot be read, as where a folder has its
-    /// name.
+    /// The same, but empty if the file cannot be read, for callers that can do without it.
     static std::vector<ErrorLogEntry> readIfPossible(const fileString& path);
 };
 

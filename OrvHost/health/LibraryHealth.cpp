@@ -27,8 +27,8 @@ std::string nameOf(const fileString& file)
     return file.stemWithExtension().toNativeString();
 }
 
-/// Where a line of a hash file says that a file is. Archives are listed with the catalogs that they belong
-/// to, but lie in a folder of their own.
+/// The path of the file for a line in a hash file. Archives are listed with the catalogs that need them, but
+/// have their own folder.
 fileString listedFile(const CatalogFolder& folder, const fileString& name)
 {
     const bool isArchive = name.extension() == ZipUtils::getExtension();
@@ -36,9 +36,9 @@ fileString listedFile(const CatalogFolder& folder, const fileString& name)
                      : folder.path(name);
 }
 
-/// The place whose hash line brings an archive of referenced files: its own, or that of the bonus or
-/// manufacturer catalog that it came with. An empty name when no update brings it. A catalog that was put
-/// back is left by updates, and so is its archive.
+/// The place whose hash line makes an update bring an archive of referenced files: the archive itself, or the
+/// bonus or manufacturer catalog that it came with. The name is empty if no update brings it. A restored
+/// catalog is not replaced by updates, so neither is its archive.
 CatalogPlace bringerOf(const std::string& archive)
 {
     const CatalogPlace place{CatalogCategory::Referenced, archive};
@@ -64,7 +64,7 @@ struct Files
             bytes += FileUtils::fileSize(file);
         }
     }
-    /// "2 unfinished downloads (1500 bytes)"
+    /// Such as "2 unfinished downloads (1500 bytes)".
     std::string text(const std::string& thing) const
     {
         return std::to_string(count) + " " + thing + (count == 1 ? "" : "s") + " (" + std::to_string(bytes) +

@@ -9,49 +9,49 @@
 
 namespace OrvHost {
 
-/// Looks at what is installed: do catalogs match their tags, are archives sound, does a clock lie ahead. It
-/// reads the well-known folders of the installed path service and changes nothing but hash lines, and those
-/// only in `forget`. One object belongs to one thread.
+/// Checks what is installed: whether catalogs match their tags, whether archives are sound, and whether a
+/// time is in the future. It reads the folders of the installed path service. Only `forget` changes
+/// something: hash lines. One object belongs to one thread.
 class ORVHOST_EXPORT LibraryHealth
 {
 public:
-    /// A catalog or archive that is not what it should be.
+    /// A damaged catalog or archive.
     struct Damage
     {
         std::string name;   ///< file name
-        std::string text;   ///< what is wrong, for people
-        bool isListed;      ///< it has a hash line, so that an update can bring it back
-        fileString archive; ///< the path of a damaged archive; empty for anything else
+        std::string text;   ///< the problem, for people
+        bool isListed;      ///< whether it has a hash line, so that an update can bring it back
+        fileString archive; ///< the path, if it is a damaged archive; otherwise empty
     };
 
-    /// Compares core catalogs with their tags where the tag is a SHA-1. The tags of bonus and manufacturer
-    /// catalogs belong to the packed archive and say nothing of the unpacked file.
+    /// Compares core catalogs with their tags, if a tag is a SHA-1. The tags of bonus and manufacturer
+    /// catalogs are those of the packed archive, so they cannot be compared.
     void checkCoreCatalogs();
-    /// Reads every member of the archives in the referenced files and the texture folder.
+    /// Reads every member of the archives of referenced files and of textures.
     void checkArchives();
 
-    /// The damage of a core catalog whose hash line has this tag; empty for a sound one, and when the
-    /// tag is no SHA-1.
+    /// The problem of a core catalog that has this tag in the hash file. Empty if it is sound, or if the tag
+    /// is not a SHA-1.
     static std::string catalogDamage(const fileString& catalog, const std::string& tag);
-    /// Why an archive cannot be read to its end; empty when it can.
+    /// The problem of an archive; empty if it is sound.
     static std::string archiveDamage(const fileString& archive);
 
-    /// Catalogs and archives that were compared.
+    /// The number of catalogs and archives checked.
     std::size_t checkedCount() const { return mChecked; }
     const std::vector<Damage>& damages() const { return mDamages; }
 
-    /// Removes the core hash line of a file, so that the next update fetches it again. An archive that came
-    /// with a bonus or manufacturer catalog has no line: that of the catalog goes.
-    /// @return false when there is none, or the hash file cannot be written; it is then as it was
+    /// Removes the core hash line of a file, so that the next update downloads it again. An archive that came
+    /// with a bonus or manufacturer catalog has no line; for it, the line of the catalog is removed.
+    /// @return false if there is no line, or if the hash file cannot be written; it is then unchanged
     static bool forget(const std::string& name);
 
-    /// Files and records whose time lies in the future, each with a text. Until then nothing newer replaces
+    /// Files and records with a time in the future, each with a text. Until that time, nothing newer replaces
     /// them.
     static std::vector<Damage> futureStamps();
 
-    /// Catalogs and archives that a hash file lists, but that are not there.
+    /// Catalogs and archives that have a hash line but no file.
     static std::vector<Damage> missingFiles();
-    /// The left-overs of former updates in the temporary folder, with their size; no names.
+    /// The leftovers of earlier updates in the temporary folder, with their size but without names.
     static std::vector<Damage> leftOvers();
 
 private:

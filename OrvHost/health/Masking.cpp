@@ -10,8 +10,8 @@ namespace OrvHost {
 
 namespace {
 
-/// The user's names: of the account and of the environment. Very short ones would tear other words apart only
-/// where they stand alone, which the pattern demands.
+/// The user's names: that of the account and those in the environment. The pattern matches whole words only,
+/// so a very short name does not break other words.
 QStringList userNames()
 {
     QStringList names{qEnvironmentVariable("USER"), qEnvironmentVariable("LOGNAME")};

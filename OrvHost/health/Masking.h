@@ -4,13 +4,13 @@
 
 #include "OrvHost/OrvHostExport.h"
 
-/// Takes out of texts what is nobody else's business, before they leave the machine.
+/// Removes private data from texts before they leave the machine.
 namespace OrvHost::Masking {
 
-/// Without passwords in addresses, and without the values of "key", "token", "password", "secret" and "auth"
-/// in queries: "***" stands for them.
+/// Replaces by "***": passwords in addresses, and the values of "key", "token", "password", "secret" and
+/// "auth" in queries.
 ORVHOST_EXPORT std::string withoutSecrets(const std::string& text);
-/// Without the user's name and home folder as well.
+/// Also replaces the user's name and home folder.
 ORVHOST_EXPORT std::string withoutNames(const std::string& text);
 
 } // namespace OrvHost::Masking

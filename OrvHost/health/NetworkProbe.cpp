@@ -31,7 +31,7 @@ Addresses resolve(const std::string& host, const std::string& port, std::string&
     return {error == 0 ? found : nullptr, freeaddrinfo};
 }
 
-/// @return the system's error number; 0 for a connection
+/// @return 0 for a connection; otherwise the system's error number
 int tryToConnect(const addrinfo& address)
 {
     const int descriptor =
@@ -75,7 +75,7 @@ std::string NetworkProbe::proxyFor(const QUrl& address, const std::string& chose
         return {};
     if (!chosen.empty())
         return chosen;
-    // A server's environment may hold HTTP_PROXY from a request's header, so that it does not count.
+    // HTTP_PROXY in capitals is ignored, because in a server's environment it may come from a request header.
     const bool isSecure = address.scheme().toLower() == QLatin1String("https");
     const QString proxy =
         isSecure ? environment("https_proxy", "HTTPS_PROXY") : environment("http_proxy", nullptr);

@@ -4,18 +4,19 @@
 
 #include <QUrl>
 
-/// The first steps of a connection, one by one, so that each can be blamed. The functions wait for the
-/// network at most 10 seconds, but for the system's own lookup of names, and may be called from any thread.
+/// Makes the first steps of a connection one by one, so that a failure can be traced to its step. The
+/// functions wait at most 10 seconds for the network, but as long as the system wants for looking up a name.
+/// They may be called from any thread.
 namespace OrvHost::NetworkProbe {
 
-/// The proxy that is used for an address: the chosen one, else what the environment says; empty for none.
+/// The proxy for an address: the chosen one or, without it, that of the environment. Empty if there is none.
 std::string proxyFor(const QUrl& address, const std::string& chosen);
-/// A proxy's text as an address; a scheme and a port that are not written are filled in.
+/// The text of a proxy as an address. A missing scheme or port is added.
 QUrl proxyUrl(const std::string& proxy);
-/// @param address of the host, as digits
-/// @return why the name cannot be found; empty when it can
+/// @param address set to the host's address in digits
+/// @return why the name cannot be found; empty if it can
 std::string lookUp(const std::string& host, std::string& address);
-/// @return why no connection comes about; empty when one does
+/// @return why there is no connection; empty if there is one
 std::string connectTo(const QUrl& address);
 
 } // namespace OrvHost::NetworkProbe

@@ -39,7 +39,7 @@ std::string examination(const std::vector<Doctor::Step>& steps)
     return text;
 }
 
-/// Relative path, size and time of everything below the root.
+/// The path, size and time of everything below the root.
 std::string listing(const fs::path& root)
 {
     std::vector<std::string> lines;
@@ -59,7 +59,7 @@ std::string listing(const fs::path& root)
     return text;
 }
 
-/// The end of a file; nothing of one that cannot be read.
+/// The end of a file; empty if it cannot be read.
 std::string endOf(const fileString& path)
 try {
     const std::string text = TextFile::read(path);

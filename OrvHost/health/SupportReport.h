@@ -7,12 +7,12 @@
 #include "OrvHost/OrvHostExport.h"
 #include "OrvHost/health/Doctor.h"
 
-/// The facts that support needs about a library, as texts: versions, settings, the last lines of the error
-/// log, the last runs, answers and checks, a listing of the folders, and what the doctor found. Secrets, the
-/// user's names and home folder are taken out of all of them.
+/// Collects facts about a library for support, as texts: versions, settings, the end of the error log, the
+/// last runs, answers and checks, a listing of the folders, and the doctor's findings. Secrets, the user's
+/// names and the home folder are removed from all texts.
 namespace OrvHost::SupportReport {
 
-/// File name to content. Reads the root, and changes nothing; what is not there is left out.
+/// The texts by file name. Reads the root and changes nothing. Leaves out what does not exist.
 ORVHOST_EXPORT std::map<std::string, std::string> files(const fileString& root,
                                                         const std::vector<Doctor::Step>& steps);
 

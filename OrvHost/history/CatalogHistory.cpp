@@ -1,7 +1,6 @@
-// The history is its files: the name of each says when it was replaced and which version it is, so there is
-// no list beside them that could say something else. A version is kept by one link, put back by one rename,
-// and a companion archive is made before and removed after the file that it belongs to. Everything else is
-// swept by `settle`.
+// How it works: the history consists only of its files. The name of each file has the time and the version,
+// so there is no separate list that could differ. One link keeps a version, and one rename restores it. The
+// archive that belongs to a catalog is kept before it and removed after it. `settle` removes everything else.
 #include "OrvHost/history/CatalogHistory.h"
 
 #include <algorithm>
@@ -33,7 +32,7 @@ bool isSameFile(const fileString& left, const fileString& right)
     return fs::equivalent(left.toNativeString(), right.toNativeString(), error) && !error;
 }
 
-/// Gives a file a second name; a copy where that cannot be.
+/// Gives a file a second name. Copies it if that is not possible.
 bool linkOrCopy(const fileString& from, const fileString& to, std::string& reason)
 {
     std::error_code error;
@@ -121,7 +120,7 @@ try {
     if (place.name.empty() || !isRegularFile(file))
         return true;
     const std::vector<HistoryEntry> entries = HistoryEntry::ofOrThrow(place);
-    // Kept already by a run that died or could not go on; as a copy where files cannot have two names.
+    // A run that was killed or failed may have kept it already, as a copy if there are no hard links.
     const HistoryEntry* const newest = entries.empty() ? nullptr : &entries.front();
     if (newest && (newest->tag == tag ? hasSameContents(newest->file, file) : isSameFile(newest->file, file)))
         return true;

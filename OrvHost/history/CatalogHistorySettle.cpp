@@ -15,7 +15,7 @@ using HistoryFolder::namesIn;
 
 namespace {
 
-/// The companion goes last, so that no version is without what came with it.
+/// Removes the archive last, so that no version is ever without it.
 void remove(const HistoryEntry& entry)
 {
     FileUtils::removePath(entry.file);
@@ -31,7 +31,7 @@ std::int64_t sizeOf(const HistoryEntry& entry)
     return size;
 }
 
-/// Removes the left-overs of dead processes: half copies, and companions whose version is gone.
+/// Removes leftovers of killed processes: incomplete copies, and archives without their catalog.
 void removeStrays(const CatalogPlace& place)
 {
     const fileString extension = fileString(place.name).extension();
@@ -45,7 +45,7 @@ void removeStrays(const CatalogPlace& place)
     }
 }
 
-/// Removes a folder, and those in it, where nothing is in them.
+/// Removes a folder and its subfolders as far as they are empty.
 void removeEmptyFolders(const fileString& folder)
 {
     for (const fileString& name : namesIn(folder))

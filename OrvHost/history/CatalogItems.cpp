@@ -12,7 +12,8 @@ namespace OrvHost {
 
 namespace {
 
-/// The address of a file that nobody changes while it is open. A byte of any value can stand in a path.
+/// The address of a database that does not change while it is open. A path may have any bytes, so they are
+/// escaped.
 QString addressOf(const fileString& path)
 {
     const QByteArray bytes = QByteArray::fromStdString(path.toNativeString());
@@ -20,7 +21,7 @@ QString addressOf(const fileString& path)
            QStringLiteral("?immutable=1");
 }
 
-/// One open catalog with a connection of its own, which is gone at the end of the block.
+/// An open catalog with its own connection, which is closed at the end of the block.
 class Connection
 {
 public:
@@ -59,7 +60,7 @@ QStringList columnsOf(const QSqlDatabase& database, const QString& schema)
     return columns;
 }
 
-/// The condition on which item "n" has changed since item "o".
+/// The SQL condition that tells whether item "n" differs from item "o".
 QString difference(const QSqlDatabase& database)
 {
     const QStringList former = columnsOf(database, QStringLiteral("former"));

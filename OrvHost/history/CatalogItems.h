@@ -8,12 +8,12 @@
 #include "OrvHost/OrvHostExport.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// The items in a catalog database. docs/formats/catalog-database.md describes it. The database is opened
-/// read-only and as one that nobody changes, so that nothing appears beside it. May be used from any thread
-/// while there is an application object of Qt's.
+/// Reads the items in a catalog database; docs/formats/catalog-database.md describes it. The database is
+/// opened read-only and as immutable, so that no file appears beside it. May be used from any thread while a
+/// Qt application object exists.
 namespace OrvHost::CatalogItems {
 
-/// How many items a catalog holds; none when it cannot be read.
+/// The number of items in a catalog; empty if it cannot be read.
 ORVHOST_EXPORT std::optional<std::int64_t> count(const fileString& catalog);
 
 /// An item of a catalog's database.
@@ -23,7 +23,7 @@ struct ORVHOST_EXPORT Item
     std::string name; ///< UTF-8
 };
 
-/// The differences between two versions of a catalog. Items are told apart by their ids.
+/// The differences between two versions of a catalog. An item is identified by its id.
 struct ORVHOST_EXPORT Changes
 {
     std::vector<Item> added;
@@ -33,10 +33,10 @@ struct ORVHOST_EXPORT Changes
     bool empty() const { return added.empty() && changed.empty() && gone.empty(); }
 };
 
-/// Compares two versions, each list in the order of the ids. An item has changed when a column that both
-/// versions have says something else.
-/// @param former empty when the catalog is there for the first time: all its items are added then
-/// @return none when one of them cannot be read
+/// Compares two versions. Each list is ordered by id. An item has changed if a column that both versions have
+/// is different.
+/// @param former empty for a catalog that is new; all its items then count as added
+/// @return empty if one of the files cannot be read
 ORVHOST_EXPORT std::optional<Changes> compare(const fileString& former, const fileString& current);
 
 } // namespace OrvHost::CatalogItems

@@ -19,7 +19,7 @@ const char* const kRunsFileName = "runs.json";
 constexpr int kMostRuns = 50;
 constexpr int kMostBytes = 16 << 20;
 
-/// Of one item, what several changes come to.
+/// Several changes of one item, combined.
 struct ItemChange
 {
     enum class Kind
@@ -65,8 +65,8 @@ std::int64_t numberOf(const QJsonValue& run, const char* member)
     return static_cast<std::int64_t>(run.toObject()[member].toDouble());
 }
 
-/// The number of the update that is going on: there is one at most. Where runs are not listed, one more than
-/// the last one here.
+/// The number of the current update; at most one is active. If runs are not listed, the last number here plus
+/// one.
 std::int64_t currentRun(const fileString& root, const QJsonArray& news)
 {
     std::int64_t number = news.isEmpty() ? 1 : numberOf(news.last(), "run") + 1;
@@ -79,7 +79,7 @@ std::int64_t currentRun(const fileString& root, const QJsonArray& news)
     return number;
 }
 
-/// Joins a later change of an item with an earlier one.
+/// Combines a change of an item with an earlier one.
 void apply(ItemMap& items, std::int64_t id, const ItemChange& change)
 {
     using Kind = ItemChange::Kind;

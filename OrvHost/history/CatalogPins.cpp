@@ -19,7 +19,8 @@ namespace {
 
 const char* const kFileName = "catalog-pins.json";
 
-/// Names and tags of any bytes fit into a text: what is no ASCII letter, digit or "/-._~:" stands as "%xx".
+/// Names and tags may have any bytes. All except ASCII letters, digits and "/-._
+/// :" are written as "%xx".
 QString encoded(const std::string& bytes)
 {
     return QString::fromLatin1(QByteArray::fromStdString(bytes).toPercentEncoding("/:"));
@@ -98,7 +99,7 @@ bool CatalogPins::forgetReplaced()
     for (auto record = mRestored.begin(); record != mRestored.end();) {
         const auto& [place, restored] = *record;
         const std::string contents = SHA1::fileContentsToSHA1Hex(place.path());
-        // A file that is there and cannot be read says nothing.
+        // If the file exists and cannot be read, it counts as unchanged.
         const bool isReplaced =
             contents != restored.contents && (!contents.empty() || !place.path().pathExists());
         record = isReplaced ? mRestored.erase(record) : std::next(record);
@@ -110,7 +111,7 @@ bool CatalogPins::reconcile()
 {
     const bool isChanged = forgetReplaced();
     for (const auto& [place, restored] : mRestored) {
-        // An archive that a bonus catalog brought has no line, and the service is not asked for it.
+        // An archive that came with a bonus catalog has no line, and the service is not asked for it.
         if (place.tagOrThrow().empty() && place.category != CatalogCategory::Referenced)
             HashFile::set(place.hashFolder(), place.name, restored.version);
     }
@@ -132,7 +133,7 @@ void CatalogPins::save() const
 
 void CatalogPins::change(const fileString& root, const std::function<void(CatalogPins&)>& changeIt)
 {
-    // The first lock makes changes wait for each other; the second one turns them away while an update runs.
+    // The first lock makes changes wait for each other. The second one refuses a change while an update runs.
     const HostLock changes = HostLock::ofChange(root, "catalog-pins");
     const HostLock update = HostLock::ofUpdate();
     CatalogPins pins(root);

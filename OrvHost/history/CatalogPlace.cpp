@@ -133,7 +133,7 @@ std::vector<CatalogPlace> CatalogPlaces::installed()
 
 CatalogPlace CatalogPlaces::find(const std::string& name, const std::vector<CatalogPlace>& places)
 {
-    // A whole key comes before a file name, and that before a name without extension.
+    // A key takes precedence over a file name, and a file name over a name without extension.
     const std::function<bool(const CatalogPlace&)> ways[] = {
         [&](const CatalogPlace& place) { return place.key() == name; },
         [&](const CatalogPlace& place) { return place.name == name; },

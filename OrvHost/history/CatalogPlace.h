@@ -8,7 +8,7 @@
 
 namespace OrvHost {
 
-/// The kinds of files that an update replaces.
+/// The kinds of files that an update may replace.
 enum class CatalogCategory
 {
     Core,
@@ -17,30 +17,30 @@ enum class CatalogCategory
     Referenced ///< archives of referenced files
 };
 
-/// Where one catalog, or one archive of referenced files, has its place, whether a file is there or not. A
-/// plain value. The functions need the host's services and may be called from any thread.
+/// The place of one catalog or archive of referenced files, whether there is a file or not. A plain value.
+/// The functions need the host's services and may be called from any thread.
 struct ORVHOST_EXPORT CatalogPlace
 {
     CatalogCategory category = CatalogCategory::Core;
-    std::string name; ///< file name with its extension, as the file system has it
+    std::string name; ///< file name with its extension, as in the file system
 
     /// "core", "bonus", "manufacturer" or "referenced".
     std::string categoryName() const;
-    /// "core/Doors.orvlib": unlike the name alone, it stands for one place only.
+    /// Such as "core/Doors.orvlib". Unlike the name, it is unique.
     std::string key() const { return categoryName() + "/" + name; }
-    /// The folder of the category, with its final separator.
+    /// The folder of the category, with a separator at the end.
     fileString folder() const;
     fileString path() const { return folder() + fileString(name); }
-    /// The folder whose hash file has the line of this file: archives of referenced files stand in that of
-    /// the core.
+    /// The folder of the hash file that has this file's line. Archives of referenced files have theirs in the
+    /// core folder.
     fileString hashFolder() const;
-    /// The tag in the hash file; empty when there is none, and when the file cannot be read.
+    /// The tag in the hash file; empty if there is none or the file cannot be read.
     std::string tag() const;
-    /// The same, for a caller that must not take a tag that cannot be read for none.
-    /// @throws std::runtime_error when the hash file is there and cannot be read
+    /// The same, for callers for whom an unreadable tag is not a missing one.
+    /// @throws std::runtime_error if the hash file exists and cannot be read
     std::string tagOrThrow() const;
-    /// The archive of referenced files that a bonus or manufacturer catalog brings along, "Garden.zip" of
-    /// "Garden.orvlib". An empty name for other places.
+    /// The archive of referenced files that comes with a bonus or manufacturer catalog: "Garden.zip" for
+    /// "Garden.orvlib". For other places, the name is empty.
     CatalogPlace companion() const;
 
     bool operator==(const CatalogPlace& other) const
@@ -55,15 +55,15 @@ struct ORVHOST_EXPORT CatalogPlace
 
 namespace CatalogPlaces {
 
-/// The place of a full path; an empty name when the path lies in no category's folder.
+/// The place of a full path. The name is empty if the path is not in the folder of a category.
 ORVHOST_EXPORT CatalogPlace ofPath(const fileString& path);
-/// The place of a key such as "core/Doors.orvlib"; an empty name when it is none.
+/// The place of a key such as "core/Doors.orvlib". The name is empty if the key is not valid.
 ORVHOST_EXPORT CatalogPlace ofKey(const std::string& key);
-/// The files that are there: core, bonus and manufacturer catalogs, archives of referenced files, each kind
-/// in the order of the names.
+/// All files that exist: core, bonus and manufacturer catalogs, then archives of referenced files, each kind
+/// ordered by name.
 ORVHOST_EXPORT std::vector<CatalogPlace> installed();
-/// Finds the one place that a user means: by its key, by the file name, or by the name without extension.
-/// @throws std::runtime_error with a text for people when there is none, or more than one
+/// Finds the place that the user named by its key, its file name, or its name without extension.
+/// @throws std::runtime_error with a text for people if there is no such place, or more than one
 ORVHOST_EXPORT CatalogPlace find(const std::string& name, const std::vector<CatalogPlace>& places);
 
 } // namespace CatalogPlaces

@@ -14,7 +14,7 @@ namespace OrvHost {
 
 namespace {
 
-/// A folder of the run's own, empty at first and gone at the end.
+/// A new folder for this run, removed at its end.
 class WorkFolder
 {
 public:
@@ -45,8 +45,8 @@ bool isThere(const CatalogHistory& history, const VersionKeeper::Offer& offer)
                        [&](const FormerVersion& version) { return version.version == offer.version; });
 }
 
-/// Moves a download into the history, unpacked where the catalog comes packed.
-/// @return what went wrong; empty when nothing did
+/// Moves a download into the history. A packed catalog is unpacked first.
+/// @return the problem; empty if there is none
 std::string install(const VersionKeeper::Offer& offer, const fileString& file, bool checksDatabases)
 {
     fileString catalog = file, companion;

@@ -9,27 +9,27 @@
 
 namespace OrvHost {
 
-/// Newer versions of held catalogs: they are fetched into the history, each once, so that the user can have
-/// them at any time.
+/// Downloads newer versions of held catalogs into the history, each one once, so that the user can take them
+/// at any time.
 namespace HeldVersions {
 
-/// A newer version of a held catalog that could not be fetched.
+/// A newer version of a held catalog that could not be downloaded.
 struct ORVHOST_EXPORT Failure
 {
     CatalogPlace place;
     std::string reason; ///< for people
 };
 
-/// Fetches what is not in the history yet. To be called under the lock of an update.
+/// Downloads all versions that are not in the history. Needs the lock of an update.
 /// @param service makes the downloads
-/// @param checksDatabases refuses catalogs that are no databases
-/// @param isCancelled asked all the time, on the calling thread; true ends the work
-/// @return what could not be fetched; nothing after a cancel
+/// @param checksDatabases whether catalogs that are not databases are refused
+/// @param isCancelled called all the time, on the calling thread; true ends the work
+/// @return the versions that could not be downloaded; empty after a cancel
 ORVHOST_EXPORT std::vector<Failure> fetch(Curl& service, const std::vector<VersionKeeper::Offer>& offers,
                                           bool checksDatabases, const std::function<bool()>& isCancelled);
 
-/// Remembers which of the offers wait in the history for the user.
-/// @return whether the pins changed and have to be saved
+/// Notes which of the offered versions are now in the history.
+/// @return whether the pins have changed and must be saved
 ORVHOST_EXPORT bool note(CatalogPins& pins, const std::vector<VersionKeeper::Offer>& offers);
 
 } // namespace HeldVersions

@@ -13,12 +13,12 @@ namespace {
 
 const QString kTimeFormat = QStringLiteral("yyyyMMdd'T'HHmmsszzz");
 constexpr int kTimeLength = 18;
-/// File names end at 255 bytes; the rest is for the time and the extension.
+/// A file name has at most 255 bytes; the others are for the time and the extension.
 constexpr int kLongestTag = 200;
 
 bool isNewer(const HistoryEntry& left, const HistoryEntry& right)
 {
-    return right.file < left.file; // the times stand at the beginning of the names
+    return right.file < left.file; // names begin with the time
 }
 
 } // namespace
@@ -67,7 +67,7 @@ HistoryEntry HistoryEntry::next(const CatalogPlace& place, const std::string& ta
     QDateTime time = QDateTime::currentDateTimeUtc();
     const std::vector<HistoryEntry> entries = ofOrThrow(place);
     if (!entries.empty() && time <= entries.front().time)
-        time = entries.front().time.addMSecs(1); // the clock was set back, or it is the same millisecond
+        time = entries.front().time.addMSecs(1); // the clock was set back, or the millisecond is the same
     QByteArray encoded = QByteArray::fromStdString(tag).toPercentEncoding({}, "~");
     if (encoded.size() > kLongestTag)
         encoded.clear();

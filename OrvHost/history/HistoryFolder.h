@@ -4,12 +4,12 @@
 
 #include "OrvLibrary/host/fileString.h"
 
-/// How the history looks at its folders. Not for use outside of this room.
+/// Reads the folders of the history. Only for use in this room.
 namespace OrvHost::HistoryFolder {
 
-/// Whether the name is a file, or a link to one; false when that cannot be told.
+/// Whether there is a regular file, or a link to one; false if unknown.
 bool isRegularFile(const fileString& file);
-/// The names in a folder, with their paths; none when it cannot be read.
+/// The paths of everything in a folder; empty if it cannot be read.
 std::vector<fileString> namesIn(const fileString& folder);
 
 } // namespace OrvHost::HistoryFolder

@@ -12,7 +12,7 @@ namespace OrvHost {
 
 namespace {
 
-/// The name under which the service is asked: bonus and manufacturer catalogs travel packed.
+/// The name in requests. Bonus and manufacturer catalogs are requested as packed archives.
 std::string askedName(const CatalogPlace& place)
 {
     if (place.category == CatalogCategory::Bonus || place.category == CatalogCategory::Manufacturer)
@@ -31,7 +31,7 @@ bool isDamaged(const CatalogPlace& place, const std::string& tag)
     case CatalogCategory::Manufacturer:
         break;
     }
-    return false; // the tag belongs to the packed archive and says nothing of the catalog
+    return false; // the tag is that of the packed archive, not of the catalog
 }
 
 InstalledCatalog describe(const CatalogPlace& place, const CheckHistory& history, const CatalogPins& pins)

@@ -16,7 +16,7 @@ std::string lastValue(const WebUtils::HeaderMap& headers, const char* name)
     return values == headers.end() || values->second.empty() ? std::string() : values->second.back();
 }
 
-/// The tag of an answer, without its quotes, as the library reads it; empty for none, and for a web page.
+/// The tag of an answer without quotes, as the library reads it. Empty if there is none, and for a web page.
 std::string versionIn(const std::string& headerText)
 {
     WebUtils::HeaderMap headers;
@@ -29,7 +29,7 @@ std::string versionIn(const std::string& headerText)
     return opening == closing ? value : value.substr(opening + 1, closing - opening - 1);
 }
 
-/// The version at which a catalog, or the archive that comes with it, is held; null when neither is.
+/// The version at which a catalog, or its archive of referenced files, is held; null if neither is.
 const std::string* heldVersion(const CatalogPins& pins, const CatalogPlace& place)
 {
     const auto held = pins.held().find(place);
@@ -57,7 +57,7 @@ bool VersionKeeper::getURLHeader(const std::string& url, const std::vector<std::
     if (held == nullptr)
         return isUnwanted(place, version) ? tellCurrent(status) : true;
     if (version == *held)
-        return true; // the file is not what it should be any more, and comes anew
+        return true; // the file has changed or is missing, so it must be downloaded again
     const std::lock_guard<std::mutex> lock(mMutex);
     mOffers.push_back({place, version, url, headerLines});
     return tellCurrent(status);

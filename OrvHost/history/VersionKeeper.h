@@ -11,20 +11,20 @@
 
 namespace OrvHost {
 
-/// Stands between an update, or a check, and the download service, for the length of one run. May be used
-/// from any thread.
+/// A download service between an update (or a check) and the real service, for one run. May be used from any
+/// thread.
 ///
-/// A header request for a held catalog, and one that is answered with a version which the user has gone back
-/// from, is told as current (304), with the header lines of the true answer: the library then leaves the
-/// catalog and its hash line alone. Newer versions of held catalogs are noted. A service that judges answers
-/// stands over this one, so that it judges what the library is told.
+/// It answers some header requests with "current" (304), so that the library does not touch the catalog and
+/// its hash line: those for held catalogs, and those whose answer is a version that the user has left. All
+/// other header lines are those of the real answer. It remembers newer versions of held catalogs. A service
+/// that judges answers must be above this one, so that it judges the same answers as the library.
 ///
-/// The library itself puts archives of referenced files in their places, so the former one is kept here, just
-/// before the new one is downloaded.
+/// The library itself puts archives of referenced files into place. So this service keeps the former archive
+/// directly before the download of the new one.
 class ORVHOST_EXPORT VersionKeeper : public ForwardingCurl
 {
 public:
-    /// A version of a held catalog that the service has and the user does not want yet.
+    /// A version of a held catalog that the service has and the user has not chosen.
     struct Offer
     {
         CatalogPlace place;
@@ -34,12 +34,12 @@ public:
     };
 
     /// @param next not owned
-    /// @param pins as `CatalogPins::reconcile` leaves them
+    /// @param pins after `CatalogPins::reconcile`
     VersionKeeper(Curl& next, const CatalogPins& pins) : ForwardingCurl(next), mPins(pins) {}
 
     bool getURLHeader(const std::string& url, const std::vector<std::string>& headerLines,
                       std::string& headerText, std::int64_t& status) override;
-    /// The answer as it was told.
+    /// The answer that the caller got.
     Answer lastAnswer() override;
     using ForwardingCurl::download_to_location;
     bool download_to_location(const std::string& url, const fileString& target,
@@ -48,7 +48,7 @@ public:
     bool downloadResumable(const ResumableDownload& request, void* context, ProgressFunction progress,
                            std::string& reason, int& errorNumber) override;
 
-    /// The newer versions of held catalogs that the service has offered so far.
+    /// The newer versions of held catalogs seen so far.
     std::vector<Offer> offers() const;
 
 private:
@@ -60,8 +60,8 @@ private:
     mutable std::mutex mMutex;
     CatalogHistory mHistory; ///< this and the next one guarded by mMutex
     std::vector<Offer> mOffers;
-    /// Whether the calling thread's last request was told as current although it was not. The requests of a
-    /// run come from one thread.
+    /// Whether the last request's answer was replaced by "current". All requests of a run come from one
+    /// thread.
     bool mIsToldCurrent = false;
 };
 

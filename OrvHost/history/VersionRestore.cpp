@@ -1,7 +1,8 @@
-// The order of the steps makes every moment a good one to die at. The file in place gets its second name in
-// the history first. The record that keeps the next update from undoing the change counts only while the
-// restored contents are in place, so it is written before them. The hash line goes before the files change
-// and comes back after: without a line, an update asks with the SHA-1 of what it finds.
+// How it works: the steps are in an order that makes it safe to be killed at any time. First the current file
+// gets a second name in the history. Then the pins are written, which keep the next update from undoing the
+// change; they count only while the restored content is in place. The hash line is removed before the files
+// change and is written again after that, because without a line an update uses the SHA-1 of the file it
+// finds.
 #include "OrvHost/history/VersionRestore.h"
 
 #include <algorithm>
@@ -41,7 +42,7 @@ void keep(CatalogHistory& history, const CatalogPlace& place)
         throw std::runtime_error(reason);
 }
 
-/// Removes the new file of an update that died: the next update would put it over the restored version.
+/// Removes the new file of a killed update. The next update would otherwise put it over the restored version.
 void removeWaiting(const CatalogPlace& place)
 {
     for (const CatalogFolder& folder : CatalogFolders::all()) {
@@ -50,8 +51,8 @@ void removeWaiting(const CatalogPlace& place)
     }
 }
 
-/// A restore that died after it had taken the hash line away left the version in the name of the history's
-/// link.
+/// If a restore was killed after it had removed the hash line, the version is still in the name of the link
+/// in the history.
 void mendTag(const CatalogHistory& history, const CatalogPlace& place)
 {
     const std::string tag = history.newestTag(place);
@@ -81,7 +82,7 @@ void putCompanion(const fileString& file, const CatalogPlace& companion)
     FileSearch::get().resetFileSearch(companion.folder());
 }
 
-/// @throws std::runtime_error when the file cannot be read
+/// @throws std::runtime_error if the file cannot be read
 std::string contentsOf(const fileString& file)
 {
     const std::string contents = SHA1::fileContentsToSHA1Hex(file);
@@ -126,7 +127,7 @@ VersionRestore::Result VersionRestore::restore(const fileString& root, const std
     Result result;
     CatalogPins::change(root, [&](CatalogPins& pins) {
         CatalogHistory history(bounds);
-        pins.reconcile(); // after a restore that died, the hash line may be missing
+        pins.reconcile(); // after a killed restore, the hash line may be missing
         const CatalogPlace place = CatalogPlaces::find(name, history.knownPlaces());
         const FormerVersion chosen = chosenVersion(history, place, version);
         mendTag(history, place);
@@ -135,7 +136,7 @@ VersionRestore::Result VersionRestore::restore(const fileString& root, const std
         keep(history, place.companion());
         keep(history, place);
         record(pins, place, chosen, result.former);
-        // An archive that a bonus catalog brought has no line, and the service must not be asked for it.
+        // An archive that came with a bonus catalog has no line, and the service must not be asked for it.
         const bool isListed = place.category != CatalogCategory::Referenced || !place.tagOrThrow().empty();
         forgetTag(place);
         putCompanion(chosen.companion, place.companion());

@@ -1,6 +1,6 @@
-// An import has two halves. The first one unpacks to the temporary folder and checks what came out; it needs
-// no lock, and `plan` ends there. The second one holds the lock of the former imports and replaces files: the
-// texture archive, the ".bak" file, then the database.
+// How it works: an import has two parts. The first one unpacks to the temporary folder and checks the result.
+// It needs no lock, and `plan` ends here. The second one holds the lock of the former imports and replaces
+// files: the texture archive, then the ".bak" file, then the database.
 #include "OrvHost/imports/ArchiveImport.h"
 
 #include <atomic>
@@ -31,7 +31,7 @@ std::set<fileString> memberNames(const fileString& archive)
     return {names.begin(), names.end()};
 }
 
-/// One import of one source.
+/// The import of one source.
 class Importing
 {
 public:
@@ -73,7 +73,7 @@ public:
     }
 
 private:
-    /// Unpacks the source to the temporary folder and checks what came out.
+    /// Unpacks the source to the temporary folder and checks the files.
     void unpack()
     {
         const fileString stem = mSource.stem();
@@ -102,7 +102,7 @@ private:
             return DatabaseCheck::problemOf(newDatabase(), DatabaseCheck::kLimit,
                                             [&isCancelled] { return isCancelled.load(); });
         });
-        // The progress object is asked on this thread only.
+        // Only this thread may call the progress object.
         while (check.wait_for(std::chrono::milliseconds(20)) != std::future_status::ready)
             isCancelled = mSteps->checkCancel(false);
         const std::string problem = check.get();
@@ -113,7 +113,7 @@ private:
     const fileString& newTextures() const { return mFiles->found.second.second; }
     const fileString& newDatabase() const { return mFiles->found.first.second; }
 
-    /// Fills the result with what the import is going to do.
+    /// Sets the parts of the result that tell what the import will do.
     void foresee()
     {
         if (mHasDatabase)
@@ -127,7 +127,7 @@ private:
             if (mHasTextures && mTextures.pathExists())
                 countReplaced();
         } catch (const std::exception&) {
-            // The archive that is there cannot be read; the merge tells why.
+            // The existing archive cannot be read; the merge will report why.
         }
     }
 
@@ -138,7 +138,7 @@ private:
         mResult.added -= mResult.replaced;
     }
 
-    /// The merge reads those members of the old archive that stay.
+    /// The merge reads the members of the existing archive that stay.
     void foreseeMerge()
     {
         const std::string damage = TextureArchive::damageOf(mTextures, mNames, mSteps);
@@ -155,7 +155,7 @@ private:
         throw std::runtime_error(damage);
     }
 
-    /// The files that this import changes.
+    /// The files that this import will change.
     std::vector<std::string> roles() const
     {
         std::vector<std::string> roles;
@@ -172,7 +172,7 @@ private:
     {
         if (!mHasTextures)
             return;
-        // The library's merge consumes what it is given, also when it fails.
+        // The library's merge removes its source even after a failure.
         const bool isMerge = mTextures.pathExists();
         std::string reason;
         if (merge(isMerge ? copyOf(newTextures()) : newTextures(), reason))
@@ -215,8 +215,8 @@ private:
             throw std::runtime_error(reason);
     }
 
-    /// The former library goes to its ".bak" name first, so that the library's own name always stands for a
-    /// whole library.
+    /// Renames the former library to its ".bak" name before the new one gets the name, so that the name
+    /// always belongs to a complete library.
     void placeDatabase(const FormerImports& former) const
     {
         if (mResult.replaces)
@@ -228,13 +228,13 @@ private:
         moveOver(newDatabase(), mLibrary);
     }
 
-    /// The library is in its place. Should the record not say so, the next import or undo sees it.
+    /// The library is in place. If the record cannot be updated, the next import or undo recognises this.
     static void complete(FormerImports& former)
     {
         try {
             former.commit();
         } catch (const std::exception&) {
-            // Nothing to tell: the import is done.
+            // Nothing to report: the import is complete.
         }
     }
 
@@ -246,14 +246,14 @@ private:
     fileString mLibrary;
     fileString mTextures;
     std::unique_ptr<UnpackedFiles> mFiles;
-    std::set<fileString> mNames; ///< of the new referenced files
+    std::set<fileString> mNames; ///< names of the new referenced files
     bool mHasDatabase = false;
     bool mHasTextures = false;
 };
 
 using Work = void (Importing::*)();
 
-/// The one place where the exceptions of an import end.
+/// All exceptions of an import end here.
 Result perform(Work work, const fileString& root, const Options& options, const std::string& source,
                const std::shared_ptr<ProgressSubject>& progress)
 {

@@ -10,65 +10,65 @@
 
 namespace OrvHost {
 
-/// Takes packed libraries (".orvlibz") into the user's library. The database of an archive goes to the user's
-/// libraries under the archive's name, and its referenced files are merged into the texture archive of that
-/// name. The former files are kept, so that `ImportUndo` can bring it back. For example:
+/// Imports packed libraries (".orvlibz") into the user's library. The database of an archive is placed among
+/// the user's libraries under the archive's name. Its referenced files are merged into the texture archive
+/// with that name. The former files are kept, so that `ImportUndo` can restore them. Example:
 ///
 ///     const ArchiveImport import(host.root(), {});
 ///     const ArchiveImport::Result result = import.run("/home/me/Kitchen.orvlibz", progress);
 ///     if (!result.error.empty())
 ///         show(result.source + ": " + result.error);
 ///
-/// An import changes everything or nothing: after a failure or a cancel the library and its textures are as
-/// before. A program that is killed in between leaves a record of what it did; the next import or undo on
-/// that root completes or takes back the rest. Several programs may import on one root at once; they change
-/// the library one after the other.
+/// An import changes everything or nothing: after a failure or a cancel, the library and its textures are
+/// unchanged. If the program is killed, a record of its steps remains, and the next import or undo on this
+/// root completes the import or takes it back. Several programs may import into one root at the same time;
+/// their changes are made one after the other.
 ///
-/// An object may be used by one thread at a time. The functions run on the caller's thread.
+/// One thread at a time may use an object. The functions run on the caller's thread.
 class ORVHOST_EXPORT ArchiveImport
 {
 public:
-    /// How an archive is imported.
+    /// How to import an archive.
     struct Options
     {
-        /// A manufacturer's library: the database goes to the manufacturer catalogs, the referenced files to
-        /// the referenced files of core content.
+        /// Whether it is a manufacturer's library. Its database is then placed among the manufacturer
+        /// catalogs, and its referenced files among those of core content.
         bool isProprietary = false;
-        /// Refuses an archive whose database is none, such as a web page with the name of a library.
+        /// Whether to refuse an archive whose database is not one: for example a web page with the name of a
+        /// library.
         bool checksDatabase = true;
-        /// Where the texture archive that is there is damaged: keeps it as "NAME.zip.damaged" (or
-        /// ".damaged.2" and so on) and merges with its sound members. Otherwise such an import fails.
+        /// What to do if the existing texture archive is damaged. If true, it is kept as "NAME.zip.damaged"
+        /// (or ".damaged.2" and so on), and its sound members are merged. If false, the import fails.
         bool setsAside = false;
     };
 
-    /// The result of one source, real or foreseen.
+    /// The result of importing one source, or of planning it.
     struct Result
     {
         std::string source;
-        fileString library;       ///< the database in its place; empty when the archive holds none
-        fileString textures;      ///< the texture archive; empty when the archive holds no other files
-        bool replaces = false;    ///< a library of that name was there before
-        std::size_t added = 0;    ///< referenced files whose names the texture archive did not have
-        std::size_t replaced = 0; ///< and those whose names it had
-        fileString setAside; ///< where the damaged texture archive is kept; empty when it was not damaged
-        /// The texture archive whose damage stopped the import, so that the user can be asked whether to set
-        /// it aside; empty for any other reason.
+        fileString library;       ///< the database in its place; empty if the archive has none
+        fileString textures;      ///< the texture archive; empty if the archive has no other files
+        bool replaces = false;    ///< whether a library with this name existed
+        std::size_t added = 0;    ///< number of referenced files that are new in the texture archive
+        std::size_t replaced = 0; ///< number of those that replace a file
+        fileString setAside;      ///< where the damaged texture archive is kept; empty if there was none
+        /// The damaged texture archive that stopped the import, so that a program can ask the user whether to
+        /// set it aside. Empty for all other reasons.
         fileString damaged;
-        bool isCancelled = false; ///< the user cancelled before the library was in its place
-        std::string error;        ///< what failed and why, or "cancelled"; empty when all went well
+        bool isCancelled = false; ///< whether the user cancelled before the library was in place
+        std::string error;        ///< what failed and why, or "cancelled"; empty after success
     };
 
-    /// @param root the folder that holds what earlier imports replaced, in "former-imports";
-    /// `AppHost::root()`
+    /// @param root the folder in which "former-imports" keeps the replaced files; `AppHost::root()`
     ArchiveImport(const fileString& root, const Options& options);
 
-    /// Reads and checks everything as `run` does, and says what `run` would do. Changes nothing.
+    /// Reads and checks everything like `run`, and returns what `run` would do. Changes nothing.
     /// @param source a path, or an http or https address
     /// @param progress must not be null
     Result plan(const std::string& source, const std::shared_ptr<ProgressSubject>& progress) const;
-    /// Imports one archive. The steps are told as labels: "downloading" for an address, "reading",
-    /// "checking", "putting in place". The amount of work is told in bytes (`ProgressSubject::advanceBytes`).
-    /// A cancel is heard until the database has come to its place; after that the import is done.
+    /// Imports one archive. Labels show the steps: "downloading" for an address, "reading", "checking",
+    /// "putting in place". The work is counted in bytes (`ProgressSubject::advanceBytes`). A cancel takes
+    /// effect until the database is in place; then the import is done.
     /// @param source a path, or an http or https address
     /// @param progress must not be null
     Result run(const std::string& source, const std::shared_ptr<ProgressSubject>& progress) const;

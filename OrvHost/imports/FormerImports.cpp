@@ -1,7 +1,7 @@
-// Former files are kept as hard links where the file system has them: a link costs no space, and nobody
-// writes to a file that was replaced. Elsewhere they are copied, with their times, because a file's size and
-// time say whether it is still the one that an import left. A kept file goes back by one rename; when it is
-// gone it had gone back already.
+// How it works: former files are kept as hard links if possible. A link needs no extra space, and nobody
+// changes a file that was replaced. Otherwise they are copied with their times, because size and time tell
+// whether a file is still the one that an import made. One rename restores a kept file; if it is missing, it
+// has already been restored.
 #include "OrvHost/imports/FormerImports_p.h"
 
 #include <algorithm>
@@ -40,7 +40,7 @@ void setModified(const fileString& path, std::int64_t modified)
     utimensat(AT_FDCWD, path.toNativeString().c_str(), times, AT_SYMLINK_NOFOLLOW);
 }
 
-/// Keeps a merge of another program off a texture archive while a former one is put back.
+/// Prevents other programs from merging into a texture archive while a former one is restored.
 std::unique_ptr<LockingFStream> lockArchive(const fileString& path)
 {
     if (path.extension() != ZipUtils::getExtension() || !path.pathExists())
@@ -51,7 +51,7 @@ std::unique_ptr<LockingFStream> lockArchive(const fileString& path)
     return lock;
 }
 
-/// A record that is damaged stops no import: it is kept, and a new one begun.
+/// A damaged record does not stop an import: it is set aside, and a new one begins.
 std::vector<ImportEntry> readOrSetAside(const fileString& folder)
 {
     try {
@@ -62,7 +62,7 @@ std::vector<ImportEntry> readOrSetAside(const fileString& folder)
     }
 }
 
-/// A second name for a file, or where that cannot be a copy with the same times.
+/// Gives a file a second name or, if that is not possible, copies it with its times.
 void linkOrCopy(const fileString& from, const fileString& to, const FileStamp& stamp)
 {
     std::error_code error;
@@ -217,7 +217,7 @@ void FormerImports::save()
     ImportRecord::write(mFolder, mEntries);
 }
 
-/// Removes kept files of imports that are forgotten, and of those that never began.
+/// Removes kept files of dropped imports, and of imports that never began.
 void FormerImports::removeUnlisted() const
 {
     std::set<std::string> listed{"imports.json", "imports.json.unreadable", "imports.lock"};

@@ -12,48 +12,49 @@
 
 namespace OrvHost {
 
-/// The folder "former-imports" of a root, locked: what the last imports replaced, and the record of it.
+/// The folder "former-imports" of a root, with its lock. It holds the files replaced by the last imports and
+/// the record of these imports.
 ///
-/// A change of the library goes in four steps, so that a program may die at any moment: the files that will
-/// be replaced are kept, the record says that an import has begun, the files are replaced (the database
-/// last), the record says that the import is done. Whoever opens the folder next finds out how far it came,
-/// and takes back an import whose database had not come to its place.
+/// An import is done in four steps, so that a program may be killed at any time: the files that will be
+/// replaced are kept; the record says that the import has begun; the files are replaced, the database last;
+/// the record says that the import is done. Whoever opens the folder next finds out how far the import was,
+/// and takes it back if the database was not yet in place.
 class FormerImports
 {
 public:
-    static constexpr std::size_t kMost = 3; ///< imports that can be taken back
+    static constexpr std::size_t kMost = 3; ///< imports that can be undone
 
-    /// The folder of a root; it need not exist.
+    /// The folder for a root; it need not exist.
     static fileString folderOf(const fileString& root);
 
-    /// Makes the folder when it is missing, waits for its lock, and completes or takes back what a program
-    /// left half done.
-    /// @param progress may be null; a cancel ends the wait
+    /// Creates the folder, waits for its lock, and completes or takes back what a killed program left
+    /// unfinished.
+    /// @param progress may be null; a cancel ends the waiting
     /// @throws std::runtime_error
     FormerImports(const fileString& root, const std::shared_ptr<ProgressSubject>& progress);
 
-    /// The imports that can be taken back, the oldest first.
+    /// The imports that can be undone, oldest first.
     const std::vector<ImportEntry>& entries() const { return mEntries; }
 
-    /// An undo that a killed program had begun, and that this object completed.
+    /// The undo that a killed program had begun and this object has completed.
     const std::optional<ImportEntry>& completedUndo() const { return mCompletedUndo; }
 
-    /// Keeps the files that an import is going to change and notes that it has begun.
+    /// Keeps the files that an import will change and records that it has begun.
     /// @param roles as in `ImportPart::role`
-    /// @throws std::runtime_error when a file cannot be kept; nothing is noted then
+    /// @throws std::runtime_error if a file cannot be kept; nothing is recorded then
     void begin(const std::string& name, bool isProprietary, const std::vector<std::string>& roles);
-    /// One more file that the import that has begun is going to make.
+    /// Adds a file that the current import will make.
     void addNewFile(const std::string& role);
-    /// A new file with the content that a file of the import that has begun had before.
-    /// @throws std::runtime_error when it cannot be made
+    /// Makes a new file with the former content of a file in the current import.
+    /// @throws std::runtime_error if it cannot be made
     fileString copyKept(const std::string& role) const;
-    /// Notes that the import that has begun is done, and forgets imports that are too old.
+    /// Records that the current import is done, and drops imports that are too old.
     void commit();
-    /// Puts back what the import that has begun changed, and forgets it.
-    /// @throws std::runtime_error when a file cannot be put back; the next object tries again
+    /// Restores what the current import changed, and drops its record.
+    /// @throws std::runtime_error if a file cannot be restored; the next object tries again
     void rollBack();
-    /// Takes the last import back.
-    /// @throws std::runtime_error as `rollBack`, and when a file was changed after the import
+    /// Takes back the last import.
+    /// @throws std::runtime_error like `rollBack`, and if a file was changed after the import
     void undoLast();
 
 private:

@@ -30,7 +30,7 @@ QJsonValue document(const FileStamp& stamp)
 {
     if (!stamp.exists)
         return {};
-    // Nanoseconds do not fit into a number of the format.
+    // As a text, because a JSON number cannot hold nanoseconds exactly.
     return QJsonObject{{"size", static_cast<qint64>(stamp.size)},
                        {"modified", QString::number(static_cast<qlonglong>(stamp.modified))}};
 }
@@ -42,7 +42,7 @@ QJsonObject document(const ImportEntry& entry)
         parts.append(QJsonObject{{"file", QString::fromStdString(part.role)},
                                  {"before", document(part.before)},
                                  {"after", document(part.after)}});
-    // The name of a file may be of any bytes.
+    // A file name may have any bytes, so it is escaped.
     const QByteArray name = QByteArray::fromStdString(entry.name).toPercentEncoding();
     return {{"number", entry.number},
             {"name", QString::fromLatin1(name)},
@@ -58,7 +58,7 @@ FileStamp stampOf(const QJsonValue& value)
             object["modified"].toString().toLongLong()};
 }
 
-/// Roles become file names, so that a record that was tampered with must not lead elsewhere.
+/// Roles become file names, so a changed record must not lead to other files.
 bool isRole(const std::string& role)
 {
     const bool isKnown = role.compare(0, 7, "library") == 0 || role.compare(0, 8, "textures") == 0;

@@ -7,18 +7,18 @@
 
 namespace OrvHost {
 
-/// The progress object that an import hands to the library's operations. It tells the caller's progress
-/// object the steps of the import as labels, and passes on members, bytes and the cancel question. The labels
-/// that the library's operations set themselves are not passed on: they would come between the steps.
+/// The progress object that an import passes to the library's functions. It shows the steps of the import as
+/// labels and passes on members, bytes and the cancel question. It drops the labels of the library's
+/// functions, which would appear between the steps.
 class ImportSteps : public ProgressSubject
 {
 public:
     /// @param target must not be null
     explicit ImportSteps(std::shared_ptr<ProgressSubject> target);
 
-    /// A new step begins, such as "reading".
+    /// Begins a step such as "reading".
     void begin(const std::string& step);
-    /// @throws std::runtime_error "cancelled" once the user asked for it
+    /// @throws std::runtime_error "cancelled" if the user has cancelled
     void throwIfCancelled();
 
     bool checkCancel(bool processEvents) override;

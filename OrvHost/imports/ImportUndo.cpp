@@ -33,7 +33,7 @@ std::optional<ImportUndo::Import> ImportUndo::last() const
                 return importOf(*entry);
         }
     } catch (const std::exception&) {
-        // A record that cannot be read offers nothing; `run` says why.
+        // An unreadable record offers nothing; `run` reports why.
     }
     return std::nullopt;
 }
@@ -41,7 +41,7 @@ std::optional<ImportUndo::Import> ImportUndo::last() const
 ImportUndo::Import ImportUndo::run()
 {
     const char* const kNone = "there is no import to take back";
-    // Asked first, so that no folder is made where there was never an import.
+    // Checked first, so that no folder is created if there never was an import.
     if (ImportRecord::read(FormerImports::folderOf(mRoot)).empty())
         throw std::runtime_error(kNone);
     FormerImports former(mRoot, nullptr);

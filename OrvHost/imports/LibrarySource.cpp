@@ -13,7 +13,7 @@ namespace OrvHost {
 
 namespace {
 
-/// The progress object of a download, and what it was told.
+/// The progress object of a download, and the last counts.
 struct DownloadProgress
 {
     std::shared_ptr<ProgressSubject> target; ///< may be null
@@ -38,7 +38,7 @@ int tellDownload(void* context, double total, double done, double, double)
     return progress.target->checkCancel(false) ? 1 : 0;
 }
 
-/// The value of "library=" in the query of a catalog address; empty when there is none.
+/// The value of "library=" in the query of a catalog address; empty if there is none.
 std::string askedLibrary(const std::string& query)
 {
     const std::string key = "library=";
@@ -49,8 +49,8 @@ std::string askedLibrary(const std::string& query)
     return {};
 }
 
-/// The address with every byte beyond ASCII escaped: a typed address is UTF-8, as are the names of web
-/// servers, while the download service would take its text for Windows-1252.
+/// The address with all bytes beyond ASCII escaped. Users type UTF-8, and web servers use it, but the
+/// download service would read the text as Windows-1252.
 std::string wireAddress(const std::string& address)
 {
     constexpr char kDigits[] = "0123456789ABCDEF";
@@ -133,7 +133,7 @@ LibrarySource::unpackBeside(const std::shared_ptr<ProgressSubject>& progress) co
     return unpackFile(mText, false, progress);
 }
 
-/// The reason names what the user named, not the temporary file that a download went to.
+/// The reason names the source that the user gave, not the temporary file of its download.
 LibraryImport::UnpackResult LibrarySource::unpackFile(const fileString& archive, bool temporary,
                                                       const std::shared_ptr<ProgressSubject>& progress) const
 {

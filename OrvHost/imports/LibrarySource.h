@@ -10,8 +10,7 @@
 
 namespace OrvHost {
 
-/// Files that an operation made in the temporary folder; those that were not moved away by the end of the
-/// object are removed.
+/// Files made in the temporary folder. The destructor removes those that were not moved away.
 struct UnpackedFiles
 {
     explicit UnpackedFiles(LibraryImport::UnpackResult result);
@@ -23,26 +22,26 @@ private:
     FileReaper mReferencedGuard;
 };
 
-/// A packed library as the user names it: a local path or an address. Used by one thread.
+/// A packed library, given as a local path or an address. Used by one thread.
 class ORVHOST_EXPORT LibrarySource
 {
 public:
     explicit LibrarySource(const std::string& text);
 
     bool isAddress() const { return mIsAddress; }
-    /// The name that the results get: the archive's name without folder and extension. For an address it is
-    /// the name of the file that the address asks for.
-    /// @throws std::runtime_error when that is no name
+    /// The name for the results: the archive's name without folder and extension. For an address, the name of
+    /// the requested file.
+    /// @throws std::runtime_error if there is no valid name
     fileString stem() const;
-    /// Downloads what an address names, once, to the temporary folder, and tells the bytes. Does nothing for
-    /// a path. A cancel is a failure.
-    /// @throws std::runtime_error, naming the address and the reason
+    /// Downloads an address to the temporary folder, once, and reports the bytes. Does nothing for a path. A
+    /// cancel is a failure.
+    /// @throws std::runtime_error with the address and the reason
     void fetch(const std::shared_ptr<ProgressSubject>& progress);
-    /// Unpacks to the temporary folder, after `fetch`. A cancel gives nothing.
-    /// @throws std::runtime_error, naming the source and the reason
+    /// Unpacks to the temporary folder. Call `fetch` first. Null after a cancel.
+    /// @throws std::runtime_error with the source and the reason
     std::unique_ptr<UnpackedFiles> unpack(const std::shared_ptr<ProgressSubject>& progress) const;
-    /// Unpacks beside the archive, which is a local path.
-    /// @throws std::runtime_error, naming the source and the reason
+    /// Unpacks beside the archive, which must be a local path.
+    /// @throws std::runtime_error with the source and the reason
     LibraryImport::UnpackResult unpackBeside(const std::shared_ptr<ProgressSubject>& progress) const;
 
 private:
@@ -52,17 +51,17 @@ private:
                                            const std::shared_ptr<ProgressSubject>& progress) const;
 
     fileString mText;
-    std::string mUrl; ///< as the wire wants it
+    std::string mUrl; ///< encoded for HTTP
     bool mIsAddress;
     fileString mDownloaded; ///< the temporary file; empty until `fetch`
     std::unique_ptr<FileReaper> mDownloadGuard;
 };
 
-/// Moves a file over whatever file has that name.
+/// Moves a file and replaces any file with the new name.
 /// @throws std::runtime_error
 ORVHOST_EXPORT void moveOver(const fileString& from, const fileString& to);
 
-/// The path from the root of the file system, without "." and "..".
+/// The absolute path without "." and "..".
 ORVHOST_EXPORT fileString absolutePath(const fileString& path);
 
 } // namespace OrvHost

@@ -14,7 +14,7 @@ namespace OrvHost {
 
 namespace {
 
-/// A name beside `path` that nothing has yet.
+/// A free name beside `path`.
 fileString freeNameBeside(const fileString& path)
 {
     const fileString name = path + fileString(".unreadable");
@@ -38,7 +38,7 @@ bool areEqual(const LibraryFilter& left, const LibraryFilter& right)
            left.getDatabaseIds() == right.getDatabaseIds();
 }
 
-/// The first filter of that id; null when there is none.
+/// The first filter with this id; null if there is none.
 const LibraryFilter* withId(const std::vector<LibraryFilter>& filters, long id)
 {
     const auto found = std::find_if(filters.begin(), filters.end(),
@@ -46,7 +46,7 @@ const LibraryFilter* withId(const std::vector<LibraryFilter>& filters, long id)
     return found == filters.end() ? nullptr : &*found;
 }
 
-/// The manager does not say whether it could read its file; reading the file once more does.
+/// The manager does not report whether it could read its file, so the file is read once more.
 void demandLoaded(const LibraryFilterManager& manager)
 {
     const fileString path = manager.getFilterFullname();
@@ -58,7 +58,7 @@ void demandLoaded(const LibraryFilterManager& manager)
         throw std::runtime_error("cannot read " + path.toNativeString());
 }
 
-/// The folder without links, so that each has one name.
+/// The folder without links, so that each folder has one name.
 std::string resolved(const fileString& folder)
 {
     std::error_code failure;
@@ -66,8 +66,9 @@ std::string resolved(const fileString& folder)
     return std::filesystem::weakly_canonical(name, failure).string();
 }
 
-/// Locks the folder of the filters, and that of the other file; in the order of their names, since a program
-/// of another root may want the same two. One that cannot be written needs no lock: nothing will be changed.
+/// Locks the folder of the filters and that of the other file, in the order of their names, because another
+/// program may want the same two. A folder that cannot be written needs no lock, because nothing in it will
+/// change.
 std::vector<HostLock> lockFolders(const fileString& other)
 {
     std::set<std::string> folders{resolved(PathUtils::getObject().getCoreLibraryDatabasePath())};
@@ -124,7 +125,7 @@ long FilterChange::add(const std::string& name, const std::vector<std::string>& 
     long id = wantedId.value_or(0);
     while (hasId(id))
         ++id;
-    // The list is that of a load, which has the newest filter first.
+    // The list is in the order of a load, with the newest filter first.
     filters.insert(filters.begin(), LibraryFilter(name, id, databases));
     mFilters.setLibraryFilters(filters);
     return id;
@@ -150,7 +151,7 @@ std::size_t FilterChange::dropDatabase(const std::string& database)
         return count;
     };
     const std::size_t before = entries();
-    // A file of which nothing could be read may name the database all the same.
+    // A file of which nothing could be read may still contain the database.
     const fileString path = mFilters.getFilterFullname();
     if (before == 0 && path.pathExists() && !LibraryFilterManager::isWhollyReadable(path))
         throw std::runtime_error("cannot read " + path.toNativeString());
@@ -186,10 +187,10 @@ fileString FilterChange::save(Order order)
     const fileString path = mFilters.getFilterFullname();
     const fileString copy = prepareToOverwrite(path);
     Filters filters = mFilters.getLibraryFilters();
-    // A load turns the list round, so a list that is to come back as it stands is written from its end.
+    // Loading reverses the list, so to keep its order, it is written in reverse.
     if (order == Order::Kept)
         std::reverse(filters.begin(), filters.end());
-    // The manager's own way of saving does not write an empty list and does not say whether it worked.
+    // The manager's own save does not write an empty list and does not report failures.
     if (!LibraryFilterManager::saveFiltersToFile(path, filters, mFilters.getCurrentFilterId()))
         throw std::runtime_error("cannot write " + path.toNativeString());
     mFilters.loadFilters();

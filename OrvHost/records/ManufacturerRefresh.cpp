@@ -19,13 +19,13 @@ fileString dataFile()
     return PathUtils::getObject().getManufacturerDataPath() / fileString("manufacturer_data.json");
 }
 
-/// The time itself; the earliest one for a stamp that is no date.
+/// The time; the earliest one if it is not a date.
 ptime dateOf(const ptime& time)
 {
     return time.is_not_a_date_time() ? ptime(boost::date_time::min_date_time) : time;
 }
 
-/// Installs a download service for the length of a block.
+/// Installs a download service for the duration of a block.
 class InstalledCurl
 {
 public:
@@ -93,7 +93,7 @@ ManufacturerRefresh::Table ManufacturerRefresh::currentTable()
 
 void ManufacturerRefresh::run(const std::string& dataUrl, const std::string& logoUrl)
 {
-    // Another program may have refreshed or edited the records since the manager read them.
+    // Another program may have changed the records since the manager read them.
     const HostLock lock = HostLock::ofChange("manufacturers");
     ManufacturerManager::getManufacturerManager()->loadManufacturers();
     const Table before = currentTable();
@@ -111,7 +111,7 @@ void ManufacturerRefresh::run(const std::string& dataUrl, const std::string& log
     mChanges = difference(before, currentTable());
 }
 
-/// The library asks for the data first; all that it asks for later are logos.
+/// The library requests the data first. All later downloads are logos.
 bool ManufacturerRefresh::download_to_location(const std::string& url, const fileString& target,
                                                std::string& reason)
 {
@@ -129,7 +129,7 @@ bool ManufacturerRefresh::download_to_location(const std::string& url, const fil
     return mFailure.empty();
 }
 
-/// Looks at the service's file before the library does.
+/// Reads the service's file before the library does.
 void ManufacturerRefresh::takeData(const std::string& url, const fileString& file)
 {
     Table table;
@@ -159,7 +159,8 @@ void ManufacturerRefresh::prepareToOverwrite()
         throw std::runtime_error("cannot keep the former file as " + backup.toNativeString());
 }
 
-/// The library does not say whether it could write the file: what it wrote is no older than what it holds.
+/// The library does not report whether it could write the file. If it did, the file has at least the
+/// manager's time.
 void ManufacturerRefresh::demandWritten()
 {
     ManufacturerManager& manager = *ManufacturerManager::getManufacturerManager();

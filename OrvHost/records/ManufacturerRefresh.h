@@ -11,9 +11,9 @@
 
 namespace OrvHost {
 
-/// A refresh of the manufacturer records that says how it ended and what it changed, which the library does
-/// not. It is a download service that hands every request on to another one and watches the library's
-/// requests. One object serves one refresh, on the thread of the manufacturer manager. For example:
+/// Refreshes the manufacturer records and reports the result and the changes, which the library does not do.
+/// It is a download service that passes every request on and watches the library's requests. One object
+/// serves one refresh, on the thread of the manufacturer manager. Example:
 ///
 ///     ManufacturerRefresh refresh(Curl::get());
 ///     refresh.run(dataUrl, logoUrl);
@@ -23,35 +23,34 @@ class ORVHOST_EXPORT ManufacturerRefresh : public ForwardingCurl
 public:
     using Table = std::map<long, Manufacturer>;
 
-    /// The records that changed, by id.
+    /// The ids of the records that have changed.
     struct Changes
     {
         std::vector<long> added;
         std::vector<long> removed;
         std::vector<long> newer;
         std::vector<long> older;
-        std::vector<long> changed; ///< different, with the same time
+        std::vector<long> changed; ///< different, but with the same time
     };
 
-    /// @param next the service that does the work; not owned
+    /// @param next makes the requests; not owned
     explicit ManufacturerRefresh(Curl& next);
 
-    /// Takes the lock that keeps other programs from changing the records meanwhile, reads the data file anew
-    /// and refreshes through the manager. Before the data file is replaced, the former one is kept beside it
-    /// as "manufacturer_data.json.bak".
-    /// @throws std::runtime_error when another program does not come to its end, when the data could not be
-    /// fetched, read or written, or when the former file could not be kept. The records are as they were
-    /// then. A file that was read-only is writable for the next refresh.
+    /// Locks the records against other programs, reads the data file again and refreshes through the manager.
+    /// Before the data file is replaced, the former one is copied to "manufacturer_data.json.bak" beside it.
+    /// @throws std::runtime_error if another program has the lock too long, if the data cannot be downloaded,
+    /// read or written, or if the former file cannot be kept. The records are then unchanged. A read-only
+    /// file has become writable for the next refresh.
     void run(const std::string& dataUrl, const std::string& logoUrl);
 
     const Changes& changes() const { return mChanges; }
-    /// One line for each logo that could not be fetched: address and reason.
+    /// One line for each logo that could not be downloaded: address and reason.
     const std::vector<std::string>& failedLogos() const { return mFailedLogos; }
 
     using ForwardingCurl::download_to_location;
     bool download_to_location(const std::string& url, const fileString& target, std::string& reason) override;
 
-    /// The records that the manager holds.
+    /// The records in the manager.
     static Table currentTable();
 
 private:
@@ -59,9 +58,9 @@ private:
     static void prepareToOverwrite();
     static void demandWritten();
 
-    bool mIsAsked = false;   ///< whether the service was asked for its file
-    bool mIsApplied = false; ///< whether that file is newer, so that it replaces ours
-    std::string mFailure;    ///< why the file cannot be had or taken over; empty when it can
+    bool mIsAsked = false;   ///< whether the service's file was requested
+    bool mIsApplied = false; ///< whether the service's file is newer, so it replaces ours
+    std::string mFailure;    ///< why the file is not available or not usable; empty if it is
     std::vector<std::string> mFailedLogos;
     Changes mChanges;
 };
