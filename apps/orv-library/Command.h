@@ -13,31 +13,31 @@ enum class ExitStatus
     Done = 0,
     Failed = 1,
     WrongUsage = 2,
-    UpdatesWait = 3, ///< of `check` alone
+    UpdatesWait = 3, ///< only of `check`
     Interrupted = 130
 };
 
-/// The operation failed: one line that says why and names the file or address. Ends the program with
-/// status 1.
+/// Thrown if the operation failed. Its text is one line with the reason and the file or address. The program
+/// ends with status 1.
 class CommandFailure : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// The user asked for what makes no sense: ends the program with status 2 and the place of the help. To be
-/// thrown before anything was changed.
+/// Thrown for wrong arguments, before anything has changed. The program ends with status 2 and tells where
+/// the help is.
 class UsageError : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// One subcommand. To add one, write `NameCommand.{h,cpp}` with a class derived from this one, and add the
-/// source to CMakeLists.txt and one line to `CommandRegistry.cpp`. Its end-to-end test is a file of its own
-/// in tests/orv-library.
+/// One subcommand. To add one, write `NameCommand.h` and `NameCommand.cpp` with a class derived from this
+/// one, add the source to CMakeLists.txt and one line to `CommandRegistry.cpp`. Its end-to-end test is a file
+/// of its own in tests/orv-library.
 ///
-/// `declare` says what the command takes and which member function does the work:
+/// `declare` tells which arguments the command takes and which member function does the work:
 ///
 ///     void PathsCommand::declare(CommandSyntax& syntax)
 ///     {
@@ -45,8 +45,8 @@ public:
 ///         syntax.runs([this](Session& session) { return run(session); });
 ///     }
 ///
-/// The work gets its host, its output and its progress from the session, throws `CommandFailure` or
-/// `UsageError`, and returns its exit status. Any other exception counts as a failure with its text.
+/// The work gets its host, its output and its progress from the session. It throws `CommandFailure` or
+/// `UsageError`, or returns an exit status. Any other exception counts as a failure with its text.
 class Command
 {
 public:
@@ -58,11 +58,11 @@ public:
     virtual std::string name() const = 0;
     /// One line for the list of commands.
     virtual std::string summary() const = 0;
-    /// Called once, before the command line is read. Texts that it binds live as long as the command.
+    /// Called once, before the command line is read. Bound texts must live as long as the command.
     virtual void declare(CommandSyntax& syntax) = 0;
 };
 
 using CommandList = std::vector<std::unique_ptr<Command>>;
 
-/// All commands, in the order in which the help lists them.
+/// All commands, in the order of the help.
 CommandList allCommands();

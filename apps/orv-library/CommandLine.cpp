@@ -14,7 +14,7 @@ constexpr const char* kProgram = "orv-library";
 constexpr const char* kCommandGroup = "Commands";
 constexpr const char* kGlobalGroup = "Global options";
 
-/// Plain decimal, unlike the parsing library's own reading, which takes "010" for eight.
+/// Reads plain decimal. The parsing library itself would read "010" as eight.
 bool readNumber(const std::string& text, std::int64_t& number)
 {
     const char* end = text.data() + text.size();
@@ -30,7 +30,7 @@ void bindNumber(CLI::Option* option, std::int64_t& target)
     });
 }
 
-/// No command has a use for an empty text: it comes from a variable that a script did not set.
+/// Refuses an empty value. It comes from a variable that a script has not set, and no command can use it.
 std::string isGiven(const std::string& value)
 {
     return value.empty() ? "the value must not be empty" : "";
@@ -109,7 +109,7 @@ public:
 
     void runs(Work work) override
     {
-        // An action's turn comes before that of its command.
+        // An action comes before its command.
         mApp.final_callback([this, work = std::move(work)] {
             if (!mChosen)
                 mChosen = work;
@@ -129,14 +129,14 @@ const CLI::App& chosenApp(const CLI::App& app)
     return given.empty() ? app : chosenApp(*given.front());
 }
 
-/// The parser gives some of its reasons in several lines.
+/// Joins the lines of a reason, because the parsing library sometimes uses several.
 std::string oneLine(std::string text)
 {
     std::replace(text.begin(), text.end(), '\n', ' ');
     return text;
 }
 
-/// An empty value after "=" becomes an argument of its own: the parser would take the next word for it.
+/// Makes an empty value after "=" a separate argument. The parsing library would use the next word instead.
 std::vector<std::string> separateEmptyValues(const std::vector<std::string>& arguments)
 {
     std::vector<std::string> separated;
@@ -171,7 +171,7 @@ public:
         addGlobalOptions(mApp);
     }
 
-    /// The same on the program, on every command and on every action: users write them anywhere.
+    /// Adds the global options everywhere, because users write them after any word.
     void addGlobalOptions(CLI::App& app)
     {
         app.set_help_flag("-h,--help", "Print this help and exit")->group(kGlobalGroup);
@@ -191,7 +191,7 @@ public:
             addGlobalOptions(*command);
     }
 
-    /// Applied where it stands, so that the last one of the whole line counts.
+    /// Sets the value at once, so that the last one in the whole line counts.
     static CLI::Option* addTextOption(CLI::App& app, const std::string& name, const std::string& valueName,
                                       std::string& target, const std::string& help)
     {
@@ -219,7 +219,7 @@ public:
     Outcome parse(const std::vector<std::string>& arguments)
     {
         std::vector<std::string> separated = separateEmptyValues(arguments);
-        // The parser takes the words from the back.
+        // The parsing library takes the words from the end.
         std::reverse(separated.begin(), separated.end());
         try {
             mApp.parse(std::move(separated));
@@ -238,7 +238,7 @@ public:
         return Outcome::Help;
     }
 
-    /// The parser's reason for something that is missing, in this program's words where that is a command.
+    /// Replaces the parsing library's text for a missing command by our own.
     std::string missingCommand(const std::string& reason) const
     {
         if (reason.find("subcommand") == std::string::npos)
@@ -247,7 +247,7 @@ public:
         return unknown.empty() ? "no command given" : "'" + unknown.front() + "' is no command";
     }
 
-    /// The words before the chosen command's own name in its usage line.
+    /// The words before the command's own name in its usage line.
     std::string chosenPrefix() const
     {
         std::string prefix;

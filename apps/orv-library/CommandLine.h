@@ -7,15 +7,15 @@
 #include "apps/orv-library/Command.h"
 #include "apps/orv-library/GlobalOptions.h"
 
-/// Reads the command line. The only place that knows the parsing library.
+/// Reads the command line. Only this class uses the parsing library.
 class CommandLine
 {
 public:
     enum class Outcome
     {
-        Run,        ///< `work` and `options` are what the user asked for
-        Help,       ///< `text` goes to standard output
-        WrongUsage, ///< `text` goes to standard error
+        Run,        ///< do `work` with `options`
+        Help,       ///< print `text` to standard output
+        WrongUsage, ///< print `text` to standard error
     };
 
     explicit CommandLine(const CommandList& commands);
@@ -29,7 +29,7 @@ public:
     const GlobalOptions& options() const;
     const CommandSyntax::Work& work() const;
     const std::string& text() const;
-    /// The two lines for wrong usage of the command that was given: the reason, and where its help is.
+    /// Two lines about wrong usage of the given command: the reason, and where its help is.
     std::string usage(const std::string& reason) const;
 
 private:

@@ -8,9 +8,8 @@
 class Session;
 enum class ExitStatus;
 
-/// The options and arguments of a command. Every text that is bound keeps its value when the option is not
-/// given. Values are taken byte for byte; an empty one is refused. Numbers are plain decimal and refused when
-/// they do not fit.
+/// The options and arguments of a command. If an option is not given, its variable keeps its value. Values
+/// are used byte for byte; empty ones are refused. Numbers must be plain decimal and fit into their type.
 class CommandSyntax
 {
 public:
@@ -26,16 +25,16 @@ public:
 
     /// An option without a value, such as "--core-only".
     virtual void flag(const std::string& name, bool& target, const std::string& help) = 0;
-    /// An option with one value, such as "--url"; of several the last one counts.
-    /// @param valueName how the help calls the value, in capitals
+    /// An option with one value, such as "--url". If it is given several times, the last value counts.
+    /// @param valueName the name of the value in the help, in capitals
     virtual void option(const std::string& name, std::string& target, const std::string& valueName,
                         const std::string& help, Presence presence = Presence::Optional) = 0;
     virtual void option(const std::string& name, std::int64_t& target, const std::string& valueName,
                         const std::string& help, Presence presence = Presence::Optional) = 0;
-    /// An option that may be repeated, each time with one value.
+    /// An option that may be given several times, each with one value.
     virtual void list(const std::string& name, std::vector<std::string>& target, const std::string& valueName,
                       const std::string& help) = 0;
-    /// Two options of which at most one may be given.
+    /// At most one of the two options may be given.
     virtual void exclusive(const std::string& first, const std::string& second) = 0;
     /// One argument by position, such as "SOURCE".
     virtual void argument(const std::string& valueName, std::string& target, const std::string& help,
@@ -46,11 +45,11 @@ public:
     virtual void arguments(const std::string& valueName, std::vector<std::string>& target,
                            const std::string& help, Presence presence = Presence::Optional) = 0;
 
-    /// An action of the command, such as "show" of "log"; one of them must be given.
-    /// @return the syntax of the action, owned by this one
+    /// An action of the command, such as "show" in "log show". The user must give one.
+    /// @return the syntax of the action, owned by this object
     virtual CommandSyntax& action(const std::string& name, const std::string& summary) = 0;
-    /// The same for a command that does something without an action, too.
+    /// The same, but the command also works without an action.
     virtual CommandSyntax& optionalAction(const std::string& name, const std::string& summary) = 0;
-    /// The work to do when this command, or this action, was given.
+    /// The work for this command or action.
     virtual void runs(Work work) = 0;
 };

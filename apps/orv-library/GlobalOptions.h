@@ -11,7 +11,7 @@ enum class ProgressMode
     None
 };
 
-/// The options that every command takes.
+/// The options of every command.
 struct GlobalOptions
 {
     std::string root; ///< empty: the default root

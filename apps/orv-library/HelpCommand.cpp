@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Shows the installed page as the user is used to it.
-/// @return false when there is none
+/// Shows the installed page with `man`.
+/// @return false if there is none
 bool showInstalled(const QString& page)
 {
     QProcess search;

@@ -2,7 +2,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `help`: the manual page of a command, also where no manual pages are installed.
+/// `help`: shows the manual page of a command, even if no manual pages are installed.
 class HelpCommand : public Command
 {
 public:

@@ -22,7 +22,7 @@ std::vector<NamedPath> wellKnownPaths(const fileString& root)
         {"manufacturerData", paths.getManufacturerDataPath()},
         {"referenced", paths.getProprietaryLibraryReferencedFilesPath()},
         {"textures", paths.getUserTexturePath()},
-        {"temp", paths.root() + fileString("temp/")}, // its getter would make it
+        {"temp", paths.root() + fileString("temp/")}, // the getter of this folder would create it
         {"errorLog", paths.getUserLibraryDatabasePath() + fileString("errors.log")},
         {"filters", paths.getCoreLibraryDatabasePath() + fileString("catalog_filters.json")},
         {"manufacturerFile", paths.getManufacturerDataPath() + fileString("manufacturer_data.json")},

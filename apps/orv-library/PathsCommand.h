@@ -2,7 +2,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `paths`: every well-known folder and file.
+/// `paths`: lists all folders and files of the library.
 class PathsCommand : public Command
 {
 public:

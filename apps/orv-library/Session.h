@@ -9,8 +9,8 @@
 #include "apps/orv-library/GlobalOptions.h"
 #include "apps/orv-library/console/Console.h"
 
-/// The surroundings of a command: the global options, the output and, once it is asked for, the host with its
-/// folders. The first request decides which kind of host the session has. Used by the main thread.
+/// Everything around a command: the global options, the output and, when first needed, the host with its
+/// folders. The first call decides which kind of host the session has. Used by the main thread.
 class Session
 {
 public:
@@ -22,21 +22,21 @@ public:
     const GlobalOptions& options() const { return mOptions; }
     Console& console() { return mConsole; }
 
-    /// The host on the chosen root, which is made when it is missing. For the few commands that begin a
+    /// The host on the chosen root, which is created if it is missing. Only for commands that start a
     /// library: "update", "import", "settings set" and "paths --create".
-    /// @throws std::runtime_error when a folder cannot be made
+    /// @throws std::runtime_error if a folder cannot be created
     OrvHost::AppHost& host();
-    /// The host on a root that is there already; folders in it that are missing are made. For every other
-    /// command that works on a root.
-    /// @throws CommandFailure when there is no such root; nothing is created then
+    /// The host on an existing root; missing folders in it are created. For all other commands that use a
+    /// root.
+    /// @throws CommandFailure if the root does not exist; nothing is created then
     OrvHost::AppHost& existingHost();
-    /// The same demand alone.
+    /// Only checks that the root exists.
     void requireRoot() const;
-    /// A host for a command that needs no root: it makes none. Temporary files lie in that of a root that is
-    /// there, else in a folder of the system's temporary one, which goes with the session.
+    /// A host for commands that need no root; creates none. Temporary files go to an existing root or,
+    /// without one, to a folder in the system's temporary folder, which is removed with the session.
     OrvHost::AppHost& rootlessHost();
 
-    /// The chosen root, absolute, with its final separator; whether it is there or not.
+    /// The chosen root, absolute, with a separator at the end. It may be missing.
     fileString root() const { return OrvHost::AppHost::rootOf(fileString(mOptions.root)); }
 
 private:

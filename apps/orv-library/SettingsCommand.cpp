@@ -9,7 +9,7 @@ using OrvHost::Settings;
 
 namespace {
 
-/// A value for people; the texts of a list on lines of their own.
+/// A value for people. Each text of a list has its own line.
 std::string readable(const QJsonValue& value)
 {
     if (value.isDouble())
@@ -34,7 +34,7 @@ std::string readable(const QJsonObject& stored)
     return lines.empty() ? "Nothing is set.\n" : lines;
 }
 
-/// What is said of the settings when the file cannot be read.
+/// The document if the file cannot be read.
 void nothingSoFar(Session& session)
 {
     session.console().resultSoFar({{"settings", QJsonObject()}, {"defaults", Settings::defaults()}});
@@ -46,7 +46,7 @@ void print(Session& session, const Settings& settings)
     session.console().result({{"settings", stored}, {"defaults", Settings::defaults()}}, readable(stored));
 }
 
-/// Turns a refusal into wrong usage: it depends on the command line alone.
+/// Reports a refused value as wrong usage, because only the command line is at fault.
 template <class Change>
 void tryOut(Change change)
 try {

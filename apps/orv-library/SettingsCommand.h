@@ -6,7 +6,7 @@
 #include "OrvHost/Settings.h"
 #include "apps/orv-library/Command.h"
 
-/// `settings`: what the user chose once for all programs on the root.
+/// `settings`: shows and changes the settings for all programs on the root.
 class SettingsCommand : public Command
 {
 public:

@@ -23,7 +23,7 @@ int printed(std::FILE* stream, const std::string& text, ExitStatus status)
     return static_cast<int>(status);
 }
 
-/// Runs the chosen command; the one place where its exceptions end.
+/// Runs the chosen command. All exceptions end here.
 int run(const CommandLine& commandLine)
 {
     Session session(commandLine.options());

@@ -4,29 +4,28 @@
 
 #include <QJsonObject>
 
-/// The program's output. With --json, standard output holds exactly one document and all else goes to
-/// standard error; otherwise standard output holds what the user asked for. Used by the main thread only.
+/// The program's output. With --json, standard output has exactly one document and everything else goes to
+/// standard error. Without it, standard output has the result as text. Used only by the main thread.
 class Console
 {
 public:
     explicit Console(bool json);
 
-    /// The result of the command, given once: the document with --json, otherwise the text.
-    /// @param text whole lines; nothing is printed when it is empty
+    /// Prints the result of the command; call it once. Prints the document with --json, otherwise the text.
+    /// @param text complete lines; if empty, nothing is printed
     void result(const QJsonObject& document, const std::string& text);
-    /// Sets the document that is printed should the command fail: the work it has done so far.
-    /// An interrupt that ends the program prints it, too.
+    /// Sets the document that is printed if the command fails or is interrupted: the work done so far.
     void resultSoFar(const QJsonObject& document);
-    /// The command failed: one clear line on standard error and, with --json, the document of what it has
-    /// done until then with the reason as "error", so that a script can always read one. No second document
-    /// after a result.
+    /// Reports a failure: one line on standard error. With --json it also prints the document set so far,
+    /// with the reason as "error", so a script always gets a document. After a result, no second document is
+    /// printed.
     void failure(const std::string& reason);
-    /// One line beside the result, for people: standard output, or standard error with --json.
+    /// Prints a line beside the result, for people: to standard output or, with --json, to standard error.
     void note(const std::string& line);
-    /// One clear line on standard error, after the program's name.
+    /// Prints a line to standard error, after the program's name.
     static void complain(const std::string& line);
 
-    /// Whether all that was printed so far arrived.
+    /// Whether everything printed so far was written.
     static bool flush();
 
 private:
@@ -35,5 +34,5 @@ private:
     QJsonObject mSoFar;
 };
 
-/// A text for a document; bytes that are not UTF-8 become replacement characters.
+/// A text for a document. Bytes that are not UTF-8 become replacement characters.
 QString jsonText(const std::string& utf8);

@@ -3,13 +3,13 @@
 #include "OrvLibrary/host/ProgressSubject.h"
 #include "apps/orv-library/console/ProgressReporter.h"
 
-/// The progress object of the library's import operations, over the reporter; a signal (`Interrupt`) is the
-/// user's cancel. Labels without a step forward are the steps of the work, such as "reading"; labels with one
-/// name the file that is worked on. The scale counts bytes.
+/// The progress object of imports, shown by a `ProgressReporter`. A signal (`Interrupt`) counts as a cancel.
+/// A label without a step is the name of the work, such as "reading"; a label with a step is the name of a
+/// file. The scale counts bytes.
 class ConsoleProgress : public ProgressSubject
 {
 public:
-    /// @param reporter outlives the object
+    /// @param reporter must outlive the object
     explicit ConsoleProgress(ProgressReporter& reporter) : mReporter(reporter) {}
 
     bool checkCancel(bool processEvents) override;

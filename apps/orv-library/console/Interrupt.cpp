@@ -19,18 +19,18 @@ std::atomic<bool> requestedFlag{false};
 int wakePipe[2] = {-1, -1};
 struct sigaction formerActions[2];
 
-/// Only what a signal handler may do: the flag and one byte into the pipe.
+/// Does only what is allowed in a signal handler: sets the flag and writes a byte to the pipe.
 void noteSignal(int)
 {
     const int savedError = errno;
     requestedFlag.store(true);
     const char byte = 1;
-    // A full pipe already wakes the reader.
+    // If the pipe is full, the reader wakes up anyway.
     [[maybe_unused]] const ssize_t written = write(wakePipe[1], &byte, 1);
     errno = savedError;
 }
 
-/// Written by a signal handler, so nothing that it points to is ever freed.
+/// A signal handler reads it at any time, so no text it has pointed to is ever freed.
 std::atomic<const std::string*> lastWords{nullptr};
 
 [[noreturn]] void endProgram(int)

@@ -2,27 +2,26 @@
 
 #include <string>
 
-/// Interrupt and terminate signals as a question and as an event. One object lives at a time; the former
-/// signal actions come back at its end.
+/// Makes SIGINT and SIGTERM available as a question and as an event. Only one object may exist at a time. Its
+/// destructor restores the former signal actions.
 class Interrupt
 {
 public:
-    /// From here on a signal that no object takes over ends the program at once with status 130. A signal
-    /// that the program was started to ignore stays ignored.
+    /// From now on, a signal ends the program at once with status 130, unless an object of this class handles
+    /// it. A signal that was ignored when the program started stays ignored.
     static void endsProgram();
-    /// Sets the text for standard output should a signal end the program; empty for none. Called by
+    /// Sets a text that is printed to standard output if a signal ends the program; empty for none. Called by
     /// the main thread.
     static void setLastWords(const std::string& text);
 
-    /// Takes over SIGINT and SIGTERM. A second signal while the first is being handled ends the program the
-    /// hard way.
+    /// Handles SIGINT and SIGTERM. A second signal ends the program at once.
     Interrupt();
     ~Interrupt();
     Interrupt(const Interrupt&) = delete;
     Interrupt& operator=(const Interrupt&) = delete;
 
-    /// Whether a signal came since construction. May be called from any thread.
+    /// Whether a signal has come since construction. May be called from any thread.
     static bool requested();
-    /// A descriptor that becomes readable when a signal comes; for an event loop's notifier.
+    /// A descriptor that becomes readable when a signal comes, for the notifier of an event loop.
     int descriptor() const;
 };

@@ -6,12 +6,12 @@
 #include <QFile>
 #include <QJsonArray>
 
-/// Appends what the host object receives to a file, one JSON line each, as it arrives.
+/// Appends each call that the host object receives to a file, as one line of JSON.
 class InvocationTrace
 {
 public:
-    /// @param file empty: nothing is written
-    /// @throws std::runtime_error when the file cannot be opened for appending
+    /// @param file if empty, nothing is written
+    /// @throws std::runtime_error if the file cannot be opened for appending
     explicit InvocationTrace(const std::string& file);
 
     void write(const char* event, const QJsonArray& arguments);

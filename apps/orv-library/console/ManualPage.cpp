@@ -7,14 +7,14 @@
 namespace {
 
 constexpr std::size_t kColumns = 79;
-constexpr std::size_t kIndent = 7; ///< of a section's text, and of each further level
+constexpr std::size_t kIndent = 7; ///< of the text in a section, and of each further level
 
 bool isWordCharacter(char character)
 {
     return std::isalnum(static_cast<unsigned char>(character)) != 0;
 }
 
-/// A line without its marks: "*bold*", "_underlined_", and the backslash before a character that is meant.
+/// A line without its marks: "*bold*", "_underlined_" and the backslash of an escaped character.
 std::string withoutMarks(const std::string& line)
 {
     std::string plain;
@@ -30,7 +30,7 @@ std::string withoutMarks(const std::string& line)
     return plain;
 }
 
-/// Takes the page line by line, and fills the lines of each paragraph.
+/// Takes the page line by line and wraps each paragraph.
 class Renderer
 {
 public:
@@ -88,7 +88,7 @@ private:
 
     bool mIsLiteral = false;
     std::size_t mIndent = 0;
-    std::string mWords; ///< of the paragraph under way
+    std::string mWords; ///< of the current paragraph
     std::string mText;
 };
 

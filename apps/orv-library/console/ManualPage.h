@@ -2,14 +2,14 @@
 
 #include <string>
 
-/// The source of a manual page as plain text, for where no page is installed. It knows what our pages use:
-/// headings, paragraphs, indented paragraphs, list items, literal blocks, marked words.
+/// Converts the source of a manual page to plain text, if no page is installed. It knows the marks that our
+/// pages use: headings, paragraphs, indented paragraphs, list items, literal blocks and marked words.
 class ManualPage
 {
 public:
     explicit ManualPage(const std::string& source) : mSource(source) {}
 
-    /// The page for a terminal of 80 columns.
+    /// The page for a terminal with 80 columns.
     std::string text() const;
 
 private:

@@ -11,11 +11,11 @@ namespace {
 
 constexpr int kBarCells = 20;
 constexpr int kDefaultColumns = 80;
-/// Often enough to look alive, rare enough to cost nothing.
+/// Often enough to look alive, and rare enough to need no noticeable time.
 constexpr auto kRedrawInterval = std::chrono::milliseconds(50);
-/// Between two plain lines of one step.
+/// The time between two lines of one step.
 constexpr auto kLineInterval = std::chrono::seconds(1);
-/// Before this, a speed would be a guess.
+/// Before this time, a speed would be a guess.
 constexpr double kSecondsToMeasure = 0.5;
 constexpr double kMegabyte = 1e6;
 constexpr std::uint64_t kSmallestInMegabytes = 10000000;
@@ -50,7 +50,7 @@ std::string shortened(const std::string& text, std::size_t columns)
     return text;
 }
 
-/// Two counts in a unit that suits the larger one: "312 of 800 MB".
+/// Two amounts in the unit that suits the larger one: "312 of 800 MB".
 std::string amountText(std::uint64_t value, std::uint64_t range, const std::string& units)
 {
     if (units == ProgressReporter::kBytes) {
@@ -61,7 +61,7 @@ std::string amountText(std::uint64_t value, std::uint64_t range, const std::stri
     return std::to_string(value) + " of " + std::to_string(range) + (units.empty() ? "" : " ") + units;
 }
 
-/// "5 s" or "2:05".
+/// Such as "5 s" or "2:05".
 std::string durationText(double seconds)
 {
     const auto whole = static_cast<long>(std::ceil(seconds));
@@ -160,7 +160,7 @@ void ProgressReporter::draw(bool always)
         return;
     mLastShown = now;
     const std::string text = mText + (mText.empty() || mDetail.empty() ? "" : ": ") + mDetail;
-    // One column stays free, because some terminals wrap when the last one is written.
+    // The last column stays free, because some terminals wrap the line when it is used.
     print("\r\033[K" + shortened(bar() + " " + text, terminalColumns() - 1));
     mOnLine = true;
 }
@@ -174,7 +174,7 @@ std::string ProgressReporter::bar() const
     return mRange ? text + " " + amountText(value, mRange, mUnits) + speed() : text;
 }
 
-/// ", 95 MB/s, 5 s left" of bytes; otherwise, and too early in a step, nothing.
+/// Such as ", 95 MB/s, 5 s left". Empty if the unit is not bytes, or early in a step.
 std::string ProgressReporter::speed() const
 {
     const double seconds = std::chrono::duration<double>(Clock::now() - mRangeBegan).count();

@@ -11,7 +11,7 @@ void RunLoop::run(OrvHost::CatalogUpdateRun& update, UpdateHost& host)
     QEventLoop loop;
     QObject::connect(&update, &OrvHost::CatalogUpdateRun::finished, &loop, &QEventLoop::quit);
     update.start(host);
-    // From here on, because a cancel before the updater was made has no effect on it.
+    // Only from here on, because a cancel has no effect before the updater exists.
     QSocketNotifier notifier(interrupt.descriptor(), QSocketNotifier::Read);
     QObject::connect(&notifier, &QSocketNotifier::activated, &notifier, [&notifier] {
         notifier.setEnabled(false);

@@ -48,7 +48,7 @@ void DoctorCommand::declare(CommandSyntax& syntax)
     syntax.runs([this](Session& session) { return run(session); });
 }
 
-/// @return why the settings cannot be used; empty when they can
+/// @return why the settings cannot be used; empty if they can
 std::string DoctorCommand::completeOptions(Session& session)
 {
     mOptions.complete(OrvHost::Settings());
@@ -88,7 +88,7 @@ ExitStatus DoctorCommand::run(Session& session)
     return ExitStatus::Failed;
 }
 
-/// @return lines that say what the report contains
+/// @return lines that tell what the report contains
 std::string DoctorCommand::writeReport(const fileString& root, const std::vector<Doctor::Step>& steps) const
 {
     ZipWriter archive(mReport);

@@ -6,7 +6,7 @@
 #include "apps/orv-library/Command.h"
 #include "apps/orv-library/update/ServiceOptions.h"
 
-/// `doctor`: what keeps updates from working, and what to do.
+/// `doctor`: finds out why updates fail, and tells what to do.
 class DoctorCommand : public Command
 {
 public:

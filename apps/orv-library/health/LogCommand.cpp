@@ -17,7 +17,8 @@ fileString logFile(Session& session)
     return PathUtils::getObject().getUserLibraryDatabasePath() + fileString("errors.log");
 }
 
-/// The log's own times are UTC without a mark: "2026-11-21 03:35:12". A text that is no time stays as it is.
+/// Converts a time of the log, which is UTC without saying so: "2026-11-21 03:35:12". Other texts stay
+/// unchanged.
 QString documentTime(const std::string& logTime)
 {
     QDateTime time = QDateTime::fromString(jsonText(logTime), "yyyy-MM-dd HH:mm:ss");

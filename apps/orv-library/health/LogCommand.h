@@ -2,7 +2,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `log show|path|clear`: the library's error log.
+/// `log show|path|clear`: shows or removes the library's error log.
 class LogCommand : public Command
 {
 public:

@@ -37,7 +37,7 @@ std::string details(const QJsonObject& run)
     return lines;
 }
 
-/// What is said of a run that is not known.
+/// The document for an unknown run.
 QJsonObject unknownRun(std::int64_t number)
 {
     QJsonObject run{{"number", static_cast<qint64>(number)}};

@@ -4,7 +4,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `runs`: the last updates and checks.
+/// `runs`: lists the last updates and checks.
 class RunsCommand : public Command
 {
 public:

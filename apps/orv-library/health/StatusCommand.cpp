@@ -13,7 +13,7 @@
 
 namespace {
 
-/// Catalog and text.
+/// A catalog and a text about it.
 using Warning = std::pair<std::string, std::string>;
 
 constexpr std::int64_t kNew = 200;

@@ -2,7 +2,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `status`: the age of the last good check, and what to look after.
+/// `status`: tells how old the last successful check is, and lists warnings.
 class StatusCommand : public Command
 {
 public:

@@ -35,7 +35,7 @@ ExitStatus VerifyCommand::run(Session& session) const
     return damaged.size() == repaired.size() ? ExitStatus::Done : ExitStatus::Failed;
 }
 
-/// What an update can bring back is left to the next one; of any other archive the sound members are kept.
+/// If an update can bring the file back, removes its hash line. For other archives, keeps the sound members.
 bool VerifyCommand::repair(Session& session, const OrvHost::LibraryHealth::Damage& damage)
 {
     if (damage.isListed) {

@@ -3,7 +3,7 @@
 #include "OrvHost/health/LibraryHealth.h"
 #include "apps/orv-library/Command.h"
 
-/// `verify`: core catalogs against their tags, archives against their checksums.
+/// `verify`: compares core catalogs with their tags and checks the archives.
 class VerifyCommand : public Command
 {
 public:

@@ -4,7 +4,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `history NAME`: the former versions of a catalog.
+/// `history NAME`: lists the former versions of a catalog.
 class HistoryCommand : public Command
 {
 public:

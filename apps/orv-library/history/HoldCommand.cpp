@@ -29,7 +29,7 @@ void printHeld(Session& session, const std::vector<std::string>& names)
     session.console().result(document(names), names.empty() ? "No catalog is held.\n" : "Held:\n" + text);
 }
 
-/// What is installed, and what is held although it is not.
+/// All installed files, and those that are held but not installed.
 std::vector<CatalogPlace> knownPlaces(const CatalogPins& pins)
 {
     std::vector<CatalogPlace> places = OrvHost::CatalogPlaces::installed();

@@ -4,7 +4,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `hold NAME`: a catalog stays at its version.
+/// `hold NAME`: keeps a catalog at its version.
 class HoldCommand : public Command
 {
 public:
@@ -18,7 +18,7 @@ private:
     std::string mName;
 };
 
-/// `release NAME`: updates replace a held catalog again.
+/// `release NAME`: lets updates replace a held catalog again.
 class ReleaseCommand : public Command
 {
 public:

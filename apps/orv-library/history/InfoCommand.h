@@ -4,7 +4,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `info NAME`: one installed catalog.
+/// `info NAME`: shows one installed catalog.
 class InfoCommand : public Command
 {
 public:

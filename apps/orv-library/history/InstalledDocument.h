@@ -6,15 +6,15 @@
 
 #include "OrvHost/history/InstalledCatalogs.h"
 
-/// How `list` and `info` tell of an installed catalog.
+/// How `list` and `info` show an installed catalog.
 namespace InstalledDocument {
 
 QJsonObject object(const OrvHost::InstalledCatalog& catalog);
-/// The same of one that is not there.
+/// The same for a catalog that is not installed.
 QJsonObject unknown(const std::string& name);
-/// One line, ended.
+/// One line, with its line break.
 std::string line(const OrvHost::InstalledCatalog& catalog);
-/// Every field with its name, a line each.
+/// All fields with their names, one per line.
 std::string fields(const OrvHost::InstalledCatalog& catalog);
 
 } // namespace InstalledDocument

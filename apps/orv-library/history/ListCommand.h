@@ -2,7 +2,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `list`: the installed catalogs and archives of referenced files.
+/// `list`: lists the installed catalogs and archives of referenced files.
 class ListCommand : public Command
 {
 public:

@@ -4,7 +4,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `news`: what updates changed in the catalogs.
+/// `news`: shows the changes that updates made in the catalogs.
 class NewsCommand : public Command
 {
 public:
@@ -15,5 +15,5 @@ public:
 private:
     ExitStatus run(Session& session) const;
 
-    std::int64_t mSince = 0; ///< 0: not given
+    std::int64_t mSince = 0; ///< 0 if not given
 };

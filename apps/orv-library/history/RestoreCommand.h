@@ -4,7 +4,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `restore NAME [VERSION]`: a former version back into its place.
+/// `restore NAME [VERSION]`: puts a former version back into place.
 class RestoreCommand : public Command
 {
 public:

@@ -34,7 +34,7 @@ bool isFailed(const ArchiveImport::Result& result)
     return !result.error.empty() && !result.isCancelled;
 }
 
-/// The whole document. It has a reason of its own where nothing at all was done because something failed.
+/// The complete document. It has its own reason if a failure prevented all work.
 QJsonObject document(const Results& results, bool isDryRun)
 {
     QJsonArray imports;

@@ -6,8 +6,8 @@
 #include "OrvHost/imports/ArchiveImport.h"
 #include "apps/orv-library/Command.h"
 
-/// `import SOURCE… [--proprietary] [--dry-run] [--set-aside] [--no-database-check]`: packed libraries become
-/// the user's.
+/// `import SOURCE… [--proprietary] [--dry-run] [--set-aside] [--no-database-check]`: imports packed
+/// libraries.
 class ImportCommand : public Command
 {
 public:

@@ -15,16 +15,16 @@
 namespace {
 
 constexpr const char* kDatabaseExtension = ".orvlib";
-constexpr std::int64_t kLargestFile = 0xFFFFFFFE; // what the archive writer holds in one member
-constexpr std::size_t kMostMembers = 65534;       // and how many of them
+constexpr std::int64_t kLargestFile = 0xFFFFFFFE; // the limit of the archive writer for one member
+constexpr std::size_t kMostMembers = 65534;       // and for the number of members
 
 std::string memberName(const std::string& path)
 {
     return fileString(path).stemWithExtension().toNativeString();
 }
 
-/// Why a later update would fail for a file of that name; empty when it would not. Names travel unescaped in
-/// addresses and in lines of "name:tag".
+/// Why later updates would fail for a file with this name; empty if they would not. The name appears without
+/// escapes in addresses and in lines "name:tag".
 std::string nameRefusal(const std::string& name)
 {
     if (name.empty() || name == "." || name == "..")
@@ -150,7 +150,7 @@ std::vector<std::string> PackCommand::inputs() const
     return paths;
 }
 
-/// Every reason not to pack, one line each.
+/// All reasons not to pack, one line each.
 std::vector<std::string> PackCommand::refusals() const
 {
     std::vector<std::string> reasons;

@@ -6,8 +6,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `pack DATABASE FILE… --output OUT.orvlibz [--no-database-check]`: the publisher's side of a packed
-/// library.
+/// `pack DATABASE FILE… --output OUT.orvlibz [--no-database-check]`: makes a packed library, for publishers.
 class PackCommand : public Command
 {
 public:

@@ -45,7 +45,7 @@ void UnpackCommand::declare(CommandSyntax& syntax)
     syntax.runs([this](Session& session) { return run(session); });
 }
 
-/// An archive of another name than usual may be just what one of the results would replace.
+/// Refuses an archive whose own name is that of a result.
 void UnpackCommand::requireOtherFile(const fileString& target) const
 {
     std::error_code error;
@@ -57,7 +57,7 @@ void UnpackCommand::checkUsage() const
 {
     if (mBeside && OrvHost::LibrarySource(mSource).isAddress())
         throw UsageError("--beside needs a local archive");
-    // Beside itself, such an archive would be one of its own results.
+    // With such a name, the archive would be replaced by its own content.
     const std::string extension = fileString(mSource).extension().toNativeString();
     if (mBeside && (extension == ".zip" || extension == ".orvlib"))
         throw UsageError("--beside cannot unpack an archive whose name ends in " + extension);
@@ -78,7 +78,7 @@ ExitStatus UnpackCommand::run(Session& session) const
     return isEmpty ? ExitStatus::Interrupted : ExitStatus::Done;
 }
 
-/// What fails because of a signal is no failure, and gives nothing.
+/// If a signal made it fail, returns an empty result instead of a failure.
 LibraryImport::UnpackResult UnpackCommand::unpackUninterrupted(Session& session) const
 {
     ProgressReporter reporter(session.options().progress);

@@ -5,7 +5,8 @@
 #include "OrvLibrary/IO/LibraryImport.h"
 #include "apps/orv-library/Command.h"
 
-/// `unpack SOURCE [--beside|--output-dir DIR]`: the database and the referenced files of a packed library.
+/// `unpack SOURCE [--beside|--output-dir DIR]`: extracts the database and the referenced files of a packed
+/// library.
 class UnpackCommand : public Command
 {
 public:

@@ -58,21 +58,21 @@ void print(Session& session, const LibraryFilterManager& filters)
     session.console().result(document(filters), text);
 }
 
-/// What is said until the filters are read.
+/// The document until the filters are read.
 void nothingSoFar(Session& session)
 {
     session.console().resultSoFar(
         {{"current", QJsonValue()}, {"filters", QJsonArray()}, {"labels", QJsonArray()}});
 }
 
-/// The manager, on the host's folders.
+/// The filter manager on the host's folders.
 LibraryFilterManager& manager(Session& session)
 {
     session.existingHost();
     return LibraryFilterManager::getLibraryFilterManager();
 }
 
-/// A change of the filters. Should it fail, the document says what they are all the same.
+/// Begins a change. If it fails, the document still has the current filters.
 OrvHost::FilterChange beginChange(Session& session, const fileString& other = {})
 {
     nothingSoFar(session);
@@ -82,7 +82,7 @@ OrvHost::FilterChange beginChange(Session& session, const fileString& other = {}
     return change;
 }
 
-/// Ids that a file can hold and that stand for a filter.
+/// Refuses ids that a file cannot hold or that mean no filter.
 long usableId(std::int64_t id)
 {
     if (id == kNone || id < std::numeric_limits<std::int32_t>::min() ||
@@ -92,7 +92,7 @@ long usableId(std::int64_t id)
     return static_cast<long>(id);
 }
 
-/// The id that the text is; nothing when it is no number, and so may be a name.
+/// The id in a text; empty if it is not a number, and may thus be a name.
 std::optional<long> idFrom(const std::string& text)
 {
     std::int64_t id = kNone;
@@ -105,7 +105,7 @@ std::optional<long> idFrom(const std::string& text)
     return usableId(id);
 }
 
-/// The id of the one filter of that name.
+/// The id of the only filter with this name.
 long idOfName(const LibraryFilterManager& filters, const std::string& name)
 {
     const Filters& list = filters.getLibraryFilters();
@@ -132,7 +132,7 @@ void demandId(const LibraryFilterManager& filters, long id)
                              filters.getFilterFullname().toNativeString());
 }
 
-/// Tells of the copy that keeps what could not be read of a filter file, where there is one.
+/// If there is a copy of a filter file that could not be read completely, tells the user.
 void tellKept(const fileString& path, const fileString& copy)
 {
     if (!copy.empty())
@@ -238,6 +238,6 @@ ExitStatus FiltersCommand::merge(Session& session) const
         tellKept(path, OrvHost::FilterChange::prepareToOverwrite(path));
     if (!change.filters().mergeFilters(file))
         throw CommandFailure("cannot write " + mFile);
-    // Both files hold the same then.
+    // Both files then have the same content.
     return saveAndPrint(session, change, OrvHost::FilterChange::Order::Turned);
 }

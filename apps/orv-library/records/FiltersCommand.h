@@ -7,8 +7,8 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `filters list|show|add|remove|use|drop-database|merge`: the named filters. Every change
-/// prints the list as a fresh start would read it.
+/// `filters list|show|add|remove|use|drop-database|merge`: shows and changes the named filters. Each change
+/// prints the list as a new program would read it.
 class FiltersCommand : public Command
 {
 public:

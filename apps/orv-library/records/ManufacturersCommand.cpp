@@ -13,14 +13,14 @@ namespace {
 
 using Table = OrvHost::ManufacturerRefresh::Table;
 
-/// The manager, on the host's folders.
+/// The manufacturer manager on the host's folders.
 const ManufacturerManager& manager(Session& session)
 {
     session.existingHost();
     return *ManufacturerManager::getManufacturerManager();
 }
 
-/// A time as all documents write it; null when there is none. The file's own form is "20261121T033512.25".
+/// A time in the form of all documents; null if there is none. The file has the form "20261121T033512.25".
 QJsonValue documentTime(const boost::posix_time::ptime& time)
 {
     QDateTime parsed =
@@ -43,7 +43,7 @@ QJsonObject document(long id, const Manufacturer& record, bool resolveDefault)
             {"lastModified", documentTime(record.getLastModified())}};
 }
 
-/// What is said of a record that is not there.
+/// The document for a record that does not exist.
 QJsonObject unknownRecord(std::int64_t id)
 {
     QJsonObject object{{"id", static_cast<qint64>(id)}};
@@ -53,7 +53,7 @@ QJsonObject unknownRecord(std::int64_t id)
     return object;
 }
 
-/// What is said of all until the file is read.
+/// The document until the file is read.
 QJsonObject unknownRecords()
 {
     return {{"lastModified", QJsonValue()}, {"defaultText", QJsonValue()}, {"manufacturers", QJsonArray()}};
@@ -122,14 +122,14 @@ std::string text(const OrvHost::ManufacturerRefresh::Changes& changes)
     return lines.empty() ? "Nothing has changed.\n" : lines;
 }
 
-/// What a refresh that fails leaves: the records as they are.
+/// The document if a refresh fails: the unchanged records.
 void tellSoFar(Session& session, QJsonObject records)
 {
     records["changes"] = document(OrvHost::ManufacturerRefresh::Changes());
     session.console().resultSoFar(records);
 }
 
-/// @throws UsageError when there is neither
+/// @throws UsageError if there is neither
 std::string chosen(const std::string& given, const std::string& setting, const std::string& option)
 {
     if (given.empty() && setting.empty())

@@ -5,7 +5,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `manufacturers list|show|refresh`: the manufacturer records.
+/// `manufacturers list|show|refresh`: shows and refreshes the manufacturer records.
 class ManufacturersCommand : public Command
 {
 public:

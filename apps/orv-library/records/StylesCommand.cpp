@@ -16,7 +16,7 @@ struct Style
     std::string name;
 };
 
-/// The manager, once the host has installed the texts that it takes the names from.
+/// The style manager. The host must be installed first, because its texts are the names.
 const ObjectStyleManager& styleManager(Session& session)
 {
     session.rootlessHost();

@@ -4,7 +4,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `styles list|show`: the names of object styles.
+/// `styles list|show`: lists the names of object styles.
 class StylesCommand : public Command
 {
 public:

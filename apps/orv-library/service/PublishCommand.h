@@ -4,7 +4,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `publish`: writes the folder that the scaled catalog service serves.
+/// `publish`: writes the folder for a catalog service on nginx.
 class PublishCommand : public Command
 {
 public:

@@ -38,7 +38,7 @@ const char* const kSchema[] = {
 const char* const kFinishes[] = {"Oak",    "Walnut", "White", "Graphite", "Birch", "Sand",
                                  "Petrol", "Café",   "Brass", "Grün",     "Ivory", "Slate"};
 
-/// One open database of its own connection, gone at the end of the block.
+/// An open database with its own connection, which is closed at the end of the block.
 class Database
 {
 public:
@@ -76,7 +76,7 @@ QByteArray geometry(std::mt19937& random, int bytes)
 {
     QByteArray data(bytes, '\0');
     for (char& byte : data)
-        byte = static_cast<char>(random() & 0x3F); // so that archives of it shrink as real ones do
+        byte = static_cast<char>(random() & 0x3F); // so that it compresses like real geometry
     return data;
 }
 
@@ -106,7 +106,7 @@ private:
         mDatabase.run("INSERT INTO catalog VALUES (?, ?)", {key, QString::fromStdString(value)});
     }
 
-    /// Every third folder lies in the one before it.
+    /// Every third folder is inside the one before it.
     void writeFolder(int id, const std::string& name)
     {
         const QVariant parent = id % 3 == 0 ? QVariant(id - 1) : QVariant(QVariant::Int);

@@ -4,7 +4,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `sample`: writes a content folder with real content for a first run.
+/// `sample`: writes a content folder to try the programs with.
 class SampleCommand : public Command
 {
 public:

@@ -3,18 +3,18 @@
 #include <string>
 #include <vector>
 
-/// Writes the sample content folder: core catalogs with their index, a referenced archive, bonus and
-/// manufacturer archives with pictures, manufacturer records with logos. All of it is generated, the same
-/// bytes every time.
+/// Writes the sample content folder: core catalogs with their index, an archive of referenced files, bonus
+/// and manufacturer archives with pictures, and manufacturer records with logos. Everything is generated and
+/// always has the same bytes.
 class SampleContent
 {
 public:
-    /// @param folder made when missing; files of the sample's names are replaced, others stay
+    /// @param folder created if missing; files with the names of the sample are replaced, others stay
     explicit SampleContent(std::string folder);
 
     /// @throws std::runtime_error with the file and the reason
     void write();
-    /// The files that were written, relative to the folder.
+    /// The written files, relative to the folder.
     const std::vector<std::string>& files() const { return mFiles; }
 
 private:

@@ -4,13 +4,13 @@
 
 #include <QByteArray>
 
-/// Small pictures for sample content: a plain drawing of a thing in front of a coloured ground, as PNG. The
-/// same seed gives the same bytes.
+/// Makes small pictures for sample content, as PNG: a simple drawing in front of a coloured ground. The same
+/// seed always gives the same bytes.
 namespace SamplePicture {
 
 /// @param side width and height in pixels
 QByteArray png(std::uint32_t seed, int side);
-/// A texture: a pattern that fills the whole square.
+/// A texture: a pattern in the whole square.
 QByteArray texture(std::uint32_t seed, int side);
 
 } // namespace SamplePicture

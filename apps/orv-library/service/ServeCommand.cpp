@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::int64_t kHighestPort = 65535;
 
-/// One line, with --json and without: whoever started the program reads the addresses from it.
+/// One line, with and without --json, so that a program that starts this one can read the addresses.
 QJsonObject addresses(const CatalogService& service)
 {
     return {{"redirect", jsonText(service.redirectUrl())},

@@ -5,7 +5,7 @@
 
 #include "apps/orv-library/Command.h"
 
-/// `serve`: the embedded catalog web service over a content folder.
+/// `serve`: runs the embedded catalog service for a content folder.
 class ServeCommand : public Command
 {
 public:

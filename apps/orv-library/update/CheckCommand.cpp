@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::int64_t kMostHours = 1000000;
 
-/// "24" or "24h".
+/// The number in "24" or "24h".
 std::int64_t hoursOf(std::string text)
 {
     const std::string given = text;
@@ -67,7 +67,7 @@ std::string readable(const QJsonObject& document, bool isExplained)
            " are free.\n";
 }
 
-/// Why the check of a kept document could not tell: "Doors.orvlib: HTTP 500".
+/// Why the check in a stored document is incomplete: "Doors.orvlib: HTTP 500".
 std::string complaintOf(const QJsonObject& document)
 {
     if (document.contains("error"))
@@ -115,7 +115,7 @@ ExitStatus CheckCommand::run(Session& session)
     return ask(session);
 }
 
-/// A time that lies ahead says nothing.
+/// A time in the future does not count.
 bool CheckCommand::isFresh(const OrvHost::LastCheck& last) const
 {
     const qint64 seconds = last.time.secsTo(QDateTime::currentDateTimeUtc());

@@ -7,7 +7,7 @@
 #include "apps/orv-library/Command.h"
 #include "apps/orv-library/update/ServiceOptions.h"
 
-/// `check`: what an update would fetch.
+/// `check`: tells what an update would download.
 class CheckCommand : public Command
 {
 public:

@@ -8,7 +8,7 @@ using OrvHost::Settings;
 
 namespace {
 
-/// A name that the service is asked for and that becomes a file directly in the folder.
+/// Requires names that can be requested and that are files directly in the folder.
 void requireCatalogNames(const std::vector<std::string>& names)
 {
     for (const std::string& name : names) {
@@ -17,7 +17,7 @@ void requireCatalogNames(const std::vector<std::string>& names)
     }
 }
 
-/// A value of the command line keeps to the rule of its setting.
+/// Checks a value of the command line by the rule of its setting.
 void require(const std::string& option, const char* key, std::int64_t number)
 try {
     Settings().set(key, {std::to_string(number)});

@@ -9,24 +9,24 @@
 #include "OrvHost/update/CatalogUpdateRun.h"
 #include "apps/orv-library/CommandSyntax.h"
 
-/// The options of `update`, which every command takes that asks the catalog web service: the address, what
-/// the service is told, which catalogs, and the way to it. What is not given comes from the settings.
+/// The options of `update` and of all other commands that use the catalog web service: its address, the
+/// product, the catalogs and the network. Values that are not given come from the settings.
 class ServiceOptions
 {
 public:
     void declare(CommandSyntax& syntax);
 
-    /// Fills in what was not given.
-    /// @throws UsageError when a value cannot be
+    /// Fills in the values that were not given.
+    /// @throws UsageError if a value is not valid
     void complete(const OrvHost::Settings& settings);
-    /// @throws UsageError when there is no address, neither here nor in the settings
+    /// @throws UsageError if neither the options nor the settings have an address
     void requireAddress() const;
 
-    /// Gives the download service its proxy, certificates and bounds.
-    /// @throws std::runtime_error when the certificates cannot be read
+    /// Sets up the download service: proxy, certificates and limits.
+    /// @throws std::runtime_error if the certificates cannot be read
     void apply() const;
     OrvHost::CatalogUpdateRun::Request request() const;
-    /// Of the content index.
+    /// The name of the content index.
     const std::string& index() const { return mIndex; }
     const OrvHost::Settings::Values& values() const { return mValues; }
 
@@ -36,7 +36,7 @@ private:
 
     static constexpr std::int64_t kNotGiven = std::numeric_limits<std::int64_t>::min();
 
-    // As they were given; empty, or `kNotGiven`, for what was not.
+    // As given; empty or `kNotGiven` for those not given.
     std::string mUrl;
     std::string mProduct;
     std::string mProductVersion;
@@ -49,5 +49,5 @@ private:
     std::int64_t mLimitRate = kNotGiven;
     bool mCoreOnly = false;
     bool mNoDatabaseCheck = false;
-    OrvHost::Settings::Values mValues; ///< what holds; filled by `complete`
+    OrvHost::Settings::Values mValues; ///< the values in force; set by `complete`
 };

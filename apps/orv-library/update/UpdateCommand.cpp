@@ -22,12 +22,12 @@ std::string firstLine(const std::string& text)
     return text.substr(0, text.find('\n'));
 }
 
-/// The first line that the run added to the error log, and where there is more.
+/// The first line that the run added to the error log, and the path of the log if there are more.
 std::string logText(std::size_t formerEntries)
 {
     const fileString file = Library::ErrorLog::file();
     const std::vector<OrvHost::ErrorLogEntry> entries = OrvHost::ErrorLogReader::readIfPossible(file);
-    // A log that was not written for a week starts anew when something is written to it.
+    // If the log was not written for a week, the next entry begins a new log.
     const std::size_t first = formerEntries < entries.size() ? formerEntries : 0;
     if (first >= entries.size())
         return {};

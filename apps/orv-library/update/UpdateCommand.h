@@ -4,7 +4,7 @@
 #include "apps/orv-library/Command.h"
 #include "apps/orv-library/update/ServiceOptions.h"
 
-/// `update`: one catalog update, on a worker thread, with the event loop in the main thread.
+/// `update`: runs one update on a worker thread; the main thread runs the event loop.
 class UpdateCommand : public Command
 {
 public:

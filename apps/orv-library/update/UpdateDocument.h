@@ -6,17 +6,17 @@
 
 #include "OrvHost/update/UpdateOutcome.h"
 
-/// The outcome of an update in words and as the command's document.
+/// The outcome of an update as text and as the command's document.
 namespace UpdateDocument {
 
 /// The document of `update`, without "error".
 QJsonObject document(const OrvHost::UpdateOutcome& outcome);
 /// The members of "failed".
 QJsonArray failures(const OrvHost::UpdateOutcome& outcome);
-/// For people, whole lines.
+/// For people, complete lines.
 std::string text(const OrvHost::UpdateOutcome& outcome);
-/// What went wrong, in one line; empty when nothing did.
-/// @param url the address that the update was asked to use
+/// What went wrong, in one line; empty if nothing did.
+/// @param url the address that the update used
 std::string complaint(const OrvHost::UpdateOutcome& outcome, const std::string& url);
 
 } // namespace UpdateDocument

@@ -77,7 +77,7 @@ void UpdateHost::onCatalogUpdatedEvent(const FileStringPair& catalog)
     const auto& [destination, newFile] = catalog;
     mTrace.write("onCatalogUpdatedEvent",
                  {jsonText(destination.toNativeString()), jsonText(newFile.toNativeString())});
-    mSwapper.swapIn(destination, newFile); // a failure becomes part of the outcome
+    mSwapper.swapIn(destination, newFile); // the outcome reports a failure
 }
 
 void UpdateHost::closeCatalogUpdateEvent(const UpdateData& outcome)

@@ -13,23 +13,23 @@
 
 class QJsonObject;
 
-/// The host object of a catalog update without a window: shows the progress, swaps new catalogs in, keeps the
-/// outcome. It lives on the main thread, where the queued invocations of the worker arrive.
+/// The host object of an update without a window: shows the progress, puts new catalogs into place and keeps
+/// the outcome. It lives on the main thread, which receives the worker's queued calls.
 class UpdateHost : public QObject
 {
     Q_OBJECT
 
 public:
-    /// All three outlive the object.
+    /// The arguments must outlive the object.
     UpdateHost(ProgressReporter& progress, InvocationTrace& trace, OrvHost::CatalogSwapper& swapper);
 
-    /// How the run ended; empty when it was cancelled or has not ended.
+    /// The result of the run; empty if it was cancelled or has not ended.
     const std::optional<LibraryCatalogUpdate::UpdateData>& outcome() const { return mOutcome; }
-    /// Whether one of the closing invocations came.
+    /// Whether a closing call has come.
     bool isClosed() const { return mClosed; }
 
 Q_SIGNALS:
-    /// The closing invocation came.
+    /// Sent when the closing call has come.
     void closed();
 
 public Q_SLOTS:
@@ -52,5 +52,5 @@ private:
     bool mClosed = false;
 };
 
-/// "0x10369189".
+/// Such as "0x10369189".
 std::string messageCodeText(std::int32_t code);
