@@ -30,7 +30,7 @@ ServiceAnswer notFound()
     return textAnswer(404, "This content is not published.\n");
 }
 
-/// The date form of HTTP, in English whatever the process speaks.
+/// A date in HTTP's form, which is English in every locale.
 std::string httpDate(std::time_t time)
 {
     static const char* const days[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
@@ -44,13 +44,13 @@ std::string httpDate(std::time_t time)
     return text;
 }
 
-/// The names that a parameter may mean: decoded first, then as sent.
+/// The names that a parameter may mean: decoded, then as sent.
 std::vector<std::string> namesOf(const std::string& parameter)
 {
     return {percentDecoded(parameter), parameter};
 }
 
-/// A logo's name may arrive, and stand on disk, as UTF-8 or as Windows-1252 bytes.
+/// The names that a logo may have. Both the request and the file may use UTF-8 or Windows-1252.
 std::vector<std::string> logoNamesOf(const std::string& parameter)
 {
     std::vector<std::string> names = namesOf(parameter);
@@ -132,7 +132,7 @@ public:
     }
 
     const std::string mFolderName;
-    /// Looked up when the service starts.
+    /// Set when the service starts.
     std::optional<ContentFolder> mFolder;
     std::string mAddress;
     ServiceServer mServer;

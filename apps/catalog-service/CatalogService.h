@@ -3,16 +3,17 @@
 #include <memory>
 #include <string>
 
-/// The catalog web service over a content folder: DIR/content with the catalogs, DIR/manufacturers with the
-/// manufacturer data and the logos. It serves on threads of its own from `start` until `stop` or its end.
+/// The catalog web service for a content folder. DIR/content has the catalogs, DIR/manufacturers has the
+/// manufacturer data and the logos. The service runs on its own threads from `start` until `stop` or its
+/// destruction.
 ///
 ///     GET /redirect                  302 to "/content?", to which clients append their query
 ///     GET /content?&library=NAME     a file of DIR/content
 ///     GET /manufacturers?            DIR/manufacturers/manufacturer_data.json, or &library=NAME from there
 ///     GET /logos?&logo-path=NAME     a file of DIR/manufacturers
 ///
-/// Files carry a strong tag, the SHA-1 of their contents, and their length; conditional requests and byte
-/// ranges are understood. Belongs to one thread.
+/// Files are sent with their length and a strong tag, the SHA-1 of their content. Conditional requests and
+/// byte ranges are supported. Belongs to one thread.
 class CatalogService
 {
 public:
@@ -21,11 +22,11 @@ public:
     CatalogService(const CatalogService&) = delete;
     CatalogService& operator=(const CatalogService&) = delete;
 
-    /// Begins to serve.
-    /// @param port 0 for a free one
-    /// @param reason one line that says why it cannot
+    /// Starts the service.
+    /// @param port 0 for any free port
+    /// @param reason one line, set if it cannot start
     bool start(const std::string& address, int port, std::string& reason);
-    /// Ends every connection.
+    /// Closes every connection.
     void stop();
 
     int port() const;

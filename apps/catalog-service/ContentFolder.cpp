@@ -13,7 +13,7 @@
 
 namespace {
 
-/// So many tags are remembered; a folder has far fewer files, and replaced ones are forgotten that way.
+/// The number of tags to remember. A folder has far fewer files; the limit removes those of replaced files.
 constexpr std::size_t kRememberedTags = 10000;
 
 std::string descriptorPath(int descriptor)
@@ -21,7 +21,7 @@ std::string descriptorPath(int descriptor)
     return "/proc/self/fd/" + std::to_string(descriptor);
 }
 
-/// A name that can stand below a folder: no NUL, not absolute, no "." or ".." on the way.
+/// Whether the name can only lead below the folder: no NUL, not absolute, no "." and no "..".
 bool isPlainName(const std::string& name)
 {
     if (name.empty() || name.front() == '/' || name.find('\0') != std::string::npos)
@@ -36,7 +36,7 @@ std::string realPath(const std::string& path)
     return realpath(path.c_str(), buffer) ? buffer : "";
 }
 
-/// Where an open file really is.
+/// The real path of an open file.
 std::string openPath(int descriptor)
 {
     char buffer[PATH_MAX];
@@ -85,7 +85,7 @@ std::shared_ptr<ContentFile> ContentFolder::open(const std::string& subfolder, c
     if (!isPlainName(name))
         return nullptr;
     const std::string path = mRoot + "/" + subfolder + "/" + name;
-    // Without waiting: the name may be that of a pipe.
+    // Without waiting, because the name may be that of a pipe.
     const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
     if (descriptor < 0)
         return nullptr;

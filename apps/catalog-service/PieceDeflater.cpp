@@ -11,7 +11,7 @@
 namespace {
 
 constexpr std::size_t kPiece = 1 << 20;
-constexpr std::size_t kDictionary = 32768; // how far a deflate stream looks back
+constexpr std::size_t kDictionary = 32768; // the distance that a deflate stream can refer back
 
 struct Piece
 {
@@ -26,7 +26,7 @@ std::uint32_t checksumOf(const std::string& content)
         crc32(0, reinterpret_cast<const Bytef*>(content.data()), static_cast<uInt>(content.size())));
 }
 
-/// @param dictionary the content right before; empty for the first piece
+/// @param dictionary the content directly before; empty for the first piece
 Piece compressed(const std::string& content, const std::string& dictionary, bool isLast)
 {
     z_stream stream{};
@@ -37,7 +37,7 @@ Piece compressed(const std::string& content, const std::string& dictionary, bool
         deflateSetDictionary(&stream, reinterpret_cast<const Bytef*>(dictionary.data()),
                              static_cast<uInt>(dictionary.size()));
     Piece piece;
-    // The mark between two pieces needs a few bytes more than the bound counts.
+    // The bound does not include the mark between two pieces.
     piece.compressed.resize(deflateBound(&stream, static_cast<uLong>(content.size())) + 16);
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(content.data()));
     stream.avail_in = static_cast<uInt>(content.size());

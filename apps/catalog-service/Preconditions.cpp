@@ -13,7 +13,7 @@ std::string trimmed(const std::string& text)
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-/// Reads a plain decimal number; -1 for anything else.
+/// Reads a plain decimal number; -1 for other texts.
 std::int64_t number(const std::string& text)
 {
     std::int64_t value = -1;
@@ -31,7 +31,7 @@ bool noneMatchNames(const std::string& header, const std::string& tag)
 {
     if (trimmed(header) == "*")
         return true;
-    // Our tags hold neither commas nor quotes within, so looking for one as a whole word is enough.
+    // Our tags contain no commas and no quotes, so a simple search is enough.
     for (std::size_t at = header.find(tag); at != std::string::npos; at = header.find(tag, at + 1)) {
         std::string before = trimmed(header.substr(0, at));
         if (before.size() >= 2 && before.compare(before.size() - 2, 2, "W/") == 0)

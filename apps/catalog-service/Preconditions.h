@@ -3,18 +3,18 @@
 #include <cstdint>
 #include <string>
 
-/// Decides the answer to the conditional headers of a request.
+/// Evaluates the conditional headers of a request.
 namespace Preconditions {
 
-/// Whether an `If-None-Match` names the tag: as one of a list, in the weak form too, or as "*".
+/// Whether an `If-None-Match` contains the tag, also in its weak form, or is "*".
 /// @param tag with its quotes
 bool noneMatchNames(const std::string& header, const std::string& tag);
 
 enum class RangeKind
 {
-    Whole,        ///< none asked for, or one that is answered with everything
+    Whole,        ///< no range, or one that is answered with the whole file
     Part,         ///< the bytes from `first` to `last`
-    Unsatisfiable ///< outside of what there is
+    Unsatisfiable ///< outside of the file
 };
 
 struct ByteRange
@@ -24,8 +24,8 @@ struct ByteRange
     std::int64_t last = 0; ///< included
 };
 
-/// Reads a `Range` of one part. A text that is none, several parts, and a range whose `If-Range` is not the
-/// strong tag, give everything.
+/// Reads a `Range` with one part. If the text is not valid, has several parts, or comes with an `If-Range`
+/// that is not the strong tag, the result is the whole file.
 ByteRange range(const std::string& rangeHeader, const std::string& ifRangeHeader, const std::string& tag,
                 std::int64_t size);
 

@@ -2,14 +2,15 @@
 
 #include <string>
 
-/// The part after the method in a request line: a path and a query, as sent.
+/// The address in a request line: path and query, as sent.
 class RequestTarget
 {
 public:
     explicit RequestTarget(const std::string& target);
 
     const std::string& path() const { return mPath; }
-    /// Whether the query has the parameter; `value` is then its text as sent, of several the first one's.
+    /// Whether the query has the parameter. Sets `value` to its text as sent; if it occurs several times, to
+    /// the first one.
     bool parameter(const std::string& name, std::string& value) const;
 
 private:
@@ -17,5 +18,6 @@ private:
     std::string mQuery;
 };
 
-/// Undoes percent-encoding. An incomplete "%XX" stays as it is, and so does "+": names hold plus signs.
+/// Decodes percent-encoding. An incomplete "%XX" stays unchanged, and so does "+", because names contain plus
+/// signs.
 std::string percentDecoded(const std::string& text);

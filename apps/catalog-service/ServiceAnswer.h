@@ -9,7 +9,7 @@
 
 #include "apps/catalog-service/ContentFolder.h"
 
-/// A request, as far as the service is concerned.
+/// The parts of a request that the service uses.
 struct ServiceRequest
 {
     std::string method;
@@ -19,16 +19,16 @@ struct ServiceRequest
     std::string ifRange;
 };
 
-/// The body of an answer: a short text, or a part of a file.
+/// The body of an answer: a short text or a part of a file.
 struct ServiceAnswer
 {
     int status = 404;
     std::vector<std::pair<std::string, std::string>> headers;
     std::string text;
     std::shared_ptr<const ContentFile> file;
-    std::int64_t first = 0; ///< where the part of the file starts
+    std::int64_t first = 0; ///< where the part begins
     std::int64_t length = 0;
 };
 
-/// Makes the answers; called from many threads at once.
+/// Makes the answers; called on many threads at the same time.
 using ServiceHandler = std::function<ServiceAnswer(const ServiceRequest&)>;

@@ -9,7 +9,8 @@
 
 namespace {
 
-/// nginx takes a key that begins with "~" for a pattern, and these words for its own.
+/// Whether nginx would not read the key as a name: "
+/// " begins a pattern, and some words are its own.
 bool isSpecialKey(const std::string& name)
 {
     return name.front() == '~' || name == "default" || name == "include" || name == "hostnames" ||
@@ -32,7 +33,7 @@ bool isAscii(const std::string& text)
     return std::all_of(text.begin(), text.end(), [](unsigned char c) { return c < 0x80; });
 }
 
-/// The name of a line, whose closing quote is then at `end`; false when the line is of another form.
+/// Reads the name in a line and sets `end` to its closing quote; false if the line has another form.
 bool unquote(const std::string& line, std::string& name, std::size_t& end)
 {
     if (line.empty() || line.front() != '"')

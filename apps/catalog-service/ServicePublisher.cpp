@@ -19,7 +19,7 @@ namespace {
 const char* const kManufacturerFile = "manufacturer_data.json";
 const char* const kIndexEnding = "_Core_Content_Index.txt";
 constexpr std::int64_t kSmallestCountedFile =
-    1000; // clients count whole kilobytes and fetch nothing for a sum of 0
+    1000; // clients count whole kilobytes and download nothing for a sum of 0
 
 bool endsWith(const std::string& text, const std::string& ending)
 {
@@ -45,7 +45,7 @@ bool isUtf8(const std::string& name)
     return QString::fromUtf8(name.c_str()).toUtf8().toStdString() == name;
 }
 
-/// A character of the name that no client can ask for: it would end the parameter, or the name in a hash
+/// A character in the name that prevents requests for it: it would end the parameter, or the name in a hash
 /// file.
 std::string unusableCharacter(const std::string& name)
 {
@@ -58,7 +58,7 @@ std::string unusableCharacter(const std::string& name)
     return {};
 }
 
-/// The first packed archive that an index lists; clients take none as core content.
+/// The first packed archive in an index. Clients do not accept one as core content.
 std::string packedArchiveIn(const QByteArray& index)
 {
     for (QByteArray line : index.split('\n')) {
@@ -69,7 +69,7 @@ std::string packedArchiveIn(const QByteArray& index)
     return {};
 }
 
-/// The first manufacturer id that does not fit into 32 bits; clients cannot read a file that holds one.
+/// The first manufacturer id that does not fit into 32 bits. Clients cannot read a file with such an id.
 std::string oversizedId(const QByteArray& json)
 {
     static const QRegularExpression id(QStringLiteral("\"Id\"\\s*:\\s*([+-]?\\d+)"));
@@ -235,11 +235,11 @@ void ServicePublisher::writeBlobs(const Files& files, const Map& hashes) const
     for (const auto& [name, path] : files) {
         const fileString blob(mTarget + "/blobs/" + hashes.at(name));
         if (FileUtils::fileSize(blob) == FileUtils::fileSize(fileString(path)))
-            continue; // one of another size was damaged, and is written anew
+            continue; // a blob of another size was damaged and is written again
         if (!FileUtils::copyFile(fileString(path), blob, true))
             throw std::runtime_error(blob.toNativeString() + ": cannot be written");
         FileUtils::setFilePermission(blob);
-        if (SHA1::fileContentsToSHA1Hex(blob) != hashes.at(name)) { // the source changed under our hands
+        if (SHA1::fileContentsToSHA1Hex(blob) != hashes.at(name)) { // the source has changed meanwhile
             FileUtils::removePath(blob);
             throw std::runtime_error(path + ": changed while it was published");
         }

@@ -5,12 +5,12 @@
 #include <string>
 #include <vector>
 
-/// Writes the folder that a catalog service on nginx serves: immutable blobs named by their SHA-1, and maps
-/// from names to blobs. Blobs are written first and the maps last, each by one rename, so that a reader of
-/// the folder sees the old or the new publication and never a name without its content.
+/// Writes the folder for a catalog service on nginx: files named by their SHA-1, which never change
+/// ("blobs"), and maps from names to them. The blobs are written first and the maps last, each with one
+/// rename. A reader thus sees the old or the new publication, and never a name without its content.
 ///
-/// Content that would harm clients is refused with a reason; the former publication under its name stays. One
-/// object serves one publication; it belongs to one thread.
+/// Content that would harm clients is refused with a reason; an earlier publication with its name stays. One
+/// object serves one publication and belongs to one thread.
 class ServicePublisher
 {
 public:
@@ -20,16 +20,16 @@ public:
         std::string why;
     };
 
-    /// @param source a content folder: "content/", and "manufacturers/" where there are any
-    /// @param target the folder to write, made when missing: "blobs/", "catalog.d/" and "run/"
+    /// @param source a content folder with "content/" and perhaps "manufacturers/"
+    /// @param target the folder to write, created if missing: "blobs/", "catalog.d/" and "run/"
     ServicePublisher(std::string source, std::string target);
 
-    /// @param reason filled when false: the source cannot be read or the target cannot be written
+    /// @param reason set on failure: the source cannot be read or the target cannot be written
     bool publish(std::string& reason);
 
-    /// How many names of the source were published; refused ones that keep their former content do not count.
+    /// The number of published names. Refused names do not count, even if their earlier content stays.
     std::size_t publishedCount() const { return mPublishedCount; }
-    /// In the order of the names, each with one reason.
+    /// In the order of the names, one reason each.
     const std::vector<Refusal>& refusals() const { return mRefusals; }
 
 private:

@@ -20,13 +20,13 @@
 namespace {
 
 constexpr int kQueuedConnections = 1024;
-/// How long a client may take over one read or write, in milliseconds.
+/// The time limit for one read or write, in milliseconds.
 constexpr int kPatience = 30'000;
-/// How long a connection may be idle.
+/// How long a connection may be idle, in milliseconds.
 constexpr int kIdleTime = 120'000;
 constexpr std::size_t kPieceSize = 256 * 1024;
 
-/// An accepted connection as the HTTP parser wants it.
+/// An accepted connection for the HTTP parser.
 class SocketStream : public httplib::Stream
 {
 public:
@@ -57,12 +57,12 @@ public:
         return is_writable() ? send(mSocket, data, size, MSG_NOSIGNAL | MSG_DONTWAIT) : -1;
     }
 
-    /// Whether a request comes before the connection has been idle for too long.
+    /// Waits for a request; false if the connection was idle for too long.
     bool awaitRequest() const { return mAt < mEnd || wait(POLLIN, kIdleTime); }
 
     void get_remote_ip_and_port(std::string& ip, int& port) const override
     {
-        // Nobody asks for them.
+        // nobody asks for them
         ip.clear();
         port = 0;
     }
@@ -85,7 +85,7 @@ private:
     std::size_t mEnd = 0;
 };
 
-/// A thread for each connection, since a client keeps its connections open and may have a hundred of them.
+/// Makes a thread for each connection, because a client keeps connections open and may have a hundred.
 class ConnectionThreads : public httplib::TaskQueue
 {
 public:
@@ -101,7 +101,7 @@ public:
                 finished();
             }).detach();
         } catch (const std::system_error&) {
-            finished(); // no thread to be had; the client sees its connection closed at the end
+            finished(); // the system gave us no thread; the client sees its connection closed
         }
     }
 
@@ -137,7 +137,7 @@ ServiceRequest toServiceRequest(const httplib::Request& request)
     return result;
 }
 
-/// Sends a piece of the file at each call.
+/// Sends one piece of the file for each call.
 httplib::ContentProvider fileProvider(const ServiceAnswer& answer)
 {
     const auto buffer = std::make_shared<std::string>(kPieceSize, '\0');
@@ -146,7 +146,7 @@ httplib::ContentProvider fileProvider(const ServiceAnswer& answer)
         const std::size_t wanted = std::min(length, buffer->size());
         const std::size_t count =
             file->read(first + static_cast<std::int64_t>(offset), buffer->data(), wanted);
-        // A file that became shorter ends the connection: the client must not take what came for the whole.
+        // If the file became shorter, end the connection, so that the client does not take it for complete.
         return count > 0 && sink.write(buffer->data(), count);
     };
 }
@@ -167,7 +167,7 @@ void apply(const ServiceAnswer& answer, httplib::Response& response)
 
 } // namespace
 
-/// The parser and writer of HTTP, with connections of our own: theirs would make stopping wait for idle ones.
+/// The HTTP parser and writer, with our own connections. With theirs, stopping would wait for idle ones.
 class ServiceServer::Private : public httplib::Server
 {
 public:
@@ -175,14 +175,14 @@ public:
     {
         new_task_queue = [] { return new ConnectionThreads; };
         set_tcp_nodelay(true);
-        // Not the port sharing that is set otherwise: a port that is taken must be an error.
+        // Without the usual sharing of ports: a port that is in use must be an error.
         set_socket_options([this](int socket) {
             const int on = 1;
             setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &on, sizeof on);
             mListener = socket;
         });
         set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
-            // Ranges are answered by us, and so not once more.
+            // We answer ranges ourselves, so the parser must not do it again.
             const_cast<httplib::Request&>(request).ranges.clear();
             apply(mHandler(toServiceRequest(request)), response);
             return HandlerResponse::Handled;
@@ -197,7 +197,7 @@ public:
             mPort = bind_to_port(address, port) ? port : -1;
         if (mPort <= 0)
             return false;
-        // A client may open a hundred connections at once, for which the server's own queue is too short.
+        // A client may open a hundred connections at once, which is more than the parser's own queue holds.
         ::listen(mListener, kQueuedConnections);
         mThread = std::thread([this] { listen_after_bind(); });
         while (!is_running())
@@ -231,7 +231,7 @@ private:
             const auto look = [&hasBody](const httplib::Request& request) {
                 hasBody = request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
             };
-            // A body is not read, and would be taken for the next request.
+            // The body is not read and would be taken for the next request.
             while (!isClosing && !hasBody && stream.awaitRequest() &&
                    process_request(stream, false, isClosing, look)) {
             }

@@ -5,8 +5,8 @@
 
 #include "apps/catalog-service/ServiceAnswer.h"
 
-/// The HTTP side of the service: connections, each on a thread of its own and kept open for as long as the
-/// client likes, and the wire form of requests and answers. Belongs to one thread.
+/// The HTTP side of the service. Each connection has its own thread and stays open as long as the client
+/// wants. Belongs to one thread.
 class ServiceServer
 {
 public:

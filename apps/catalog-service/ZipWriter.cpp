@@ -28,7 +28,7 @@ constexpr uLong kPlainFile = 0100644uL << 16;
 constexpr uLong kFixedDosDate = ((2026uL - 1980) << 25) | (1uL << 21) | (1uL << 16); // 2026-01-01 00:00:00
 constexpr mode_t kMode = 0666;
 
-/// Files that would not become smaller.
+/// Whether compressing the file would not make it smaller.
 bool isCompressedAlready(const std::string& name)
 {
     static const std::array<const char*, 20> kExtensions{
@@ -40,7 +40,7 @@ bool isCompressedAlready(const std::string& name)
     return std::find(kExtensions.begin(), kExtensions.end(), extension) != kExtensions.end();
 }
 
-/// The file beside the archive's place, held by a lock so that two programs never write the same one.
+/// The file beside the archive's path. It is locked, so that two programs never write the same one.
 class FileBeside
 {
 public:
@@ -59,7 +59,7 @@ public:
         }
     }
 
-    /// Removes the file unless it was given the archive's name.
+    /// Removes the file unless it has the archive's name.
     ~FileBeside()
     {
         if (isNamed())
@@ -79,7 +79,7 @@ public:
     const fileString path;
 
 private:
-    /// Whether the path is this file's name still: another program may have renamed or removed it before it
+    /// Whether the path still belongs to this file. Another program may have renamed or removed it before it
     /// was locked.
     bool isNamed() const
     {
@@ -138,7 +138,7 @@ private:
         zip_fileinfo info = {};
         info.dosDate = kFixedDosDate;
         info.external_fa = kPlainFile;
-        const int isRaw = method == Z_DEFLATED ? 1 : 0; // compressed by ourselves
+        const int isRaw = method == Z_DEFLATED ? 1 : 0; // we compress ourselves
         if (zipOpenNewFileInZip4_64(file, name.c_str(), &info, nullptr, 0, nullptr, 0, nullptr, method,
                                     Z_DEFAULT_COMPRESSION, isRaw, -MAX_WBITS, DEF_MEM_LEVEL,
                                     Z_DEFAULT_STRATEGY, nullptr, 0, kMadeOnUnix, kUtf8Names, 0) != ZIP_OK)
