@@ -1,3 +1,7 @@
+// How it works: the object holds the members of the file as they were read, known or not, so that saving
+// loses nothing. `SettingRule` knows each key, its default and its check. `load` checks every known member
+// and names the line of a wrong one; `values` fills in the defaults; `set` checks a new value before it is
+// stored.
 #include "OrvHost/Settings.h"
 
 #include <algorithm>

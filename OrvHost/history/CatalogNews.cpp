@@ -1,3 +1,7 @@
+// How it works: the file has one entry for each run that changed an item, with the new, changed and gone
+// items of each catalog. `since` goes through the entries after a run in order and combines the changes of
+// each item: one that came and went again is not reported, one that went and came back counts as changed.
+// `NewsCollector` compares the catalogs of the current run on its own thread.
 #include "OrvHost/history/CatalogNews.h"
 
 #include <algorithm>

@@ -1,3 +1,6 @@
+// How it works: the constructor takes the locks and makes the filter manager read its file again, so that the
+// change begins with what other programs have written. The operations change the manager's list in memory.
+// `save` keeps a copy of a file that could not be read completely, writes the list and reads it back.
 #include "OrvHost/records/FilterChange.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// How it works: requests go from the updater through `CarefulCurl`, which judges the answers, and
+// `VersionKeeper`, which protects held catalogs, to the installed service. `start` repairs what a killed run
+// left and starts `work` on a thread. `work` runs the updater, then downloads versions of held catalogs, and
+// at the end queues `finished`. `finish` runs on the host object's thread and writes the records.
 #include "OrvHost/update/CatalogUpdateRun.h"
 
 #include <algorithm>

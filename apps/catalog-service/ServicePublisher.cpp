@@ -1,3 +1,6 @@
+// How it works: `publish` lists the source's files, refuses those that clients could not use, and hashes the
+// rest. It then writes a blob for each new content, and the maps last, because a map makes its names visible.
+// A refused name keeps its line from the former map, and so its former content.
 #include "apps/catalog-service/ServicePublisher.h"
 
 #include <algorithm>

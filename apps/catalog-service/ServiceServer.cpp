@@ -1,3 +1,6 @@
+// How it works: the HTTP library parses requests and writes answers. The connections are ours, because a
+// client keeps many of them open: each has its own thread and reads requests until it is idle for too long or
+// the server stops. `end` shuts all connections down, which wakes their threads.
 #include "apps/catalog-service/ServiceServer.h"
 
 #include <algorithm>
@@ -231,7 +234,7 @@ private:
             const auto look = [&hasBody](const httplib::Request& request) {
                 hasBody = request.has_header("Content-Length") || request.has_header("Transfer-Encoding");
             };
-            // The body is not read and would be taken for the next request.
+            // A request with a body ends the connection: its bytes would be taken for the next request.
             while (!isClosing && !hasBody && stream.awaitRequest() &&
                    process_request(stream, false, isClosing, look)) {
             }

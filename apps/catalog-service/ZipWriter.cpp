@@ -1,3 +1,6 @@
+// How it works: the zip library writes the archive to a locked file beside its path. Files that are
+// compressed already, such as pictures, are stored. `PieceDeflater` compresses all others on all processors,
+// and the zip library gets the raw result. `close` completes the archive, syncs the file and renames it.
 #include "apps/catalog-service/ZipWriter.h"
 
 #include <algorithm>

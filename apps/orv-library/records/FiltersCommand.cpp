@@ -1,3 +1,6 @@
+// How it works: each action that changes something begins a `FilterChange`, which locks and reads the file,
+// changes the list and prints the result of saving it. The document begins with the current filters, so that
+// it shows them even if the action fails.
 #include "apps/orv-library/records/FiltersCommand.h"
 
 #include <algorithm>
