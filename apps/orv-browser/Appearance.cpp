@@ -46,7 +46,8 @@ QPalette lightPalette()
                       QColor(20, 90, 180)});
 }
 
-/// Fusion, which takes the frame of a check box from the window's colour: on a dark ground it cannot be seen.
+/// Fusion, but with check boxes that can be seen on a dark ground. Fusion takes their frame from the window's
+/// colour.
 class DarkStyle : public QProxyStyle
 {
 public:
@@ -76,7 +77,8 @@ private:
 
 QStyle* styleFor(const QString& colours, const QString& systemStyle)
 {
-    // Other styles follow their desktop and mind a palette in part only, which would mix two sets of colours.
+    // Other styles follow their desktop and use only a part of a palette, which would mix two sets of
+    // colours.
     if (colours == QLatin1String(Appearance::kDark))
         return new DarkStyle;
     const bool isLight = colours == QLatin1String(Appearance::kLight);

@@ -4,8 +4,8 @@
 #include <QPointer>
 #include <QWidget>
 
-/// Draws a ring around whatever the keyboard has reached, in every window of the program: the styles leave
-/// lists, texts and links without one. Lives on the interface thread.
+/// Draws a ring around the widget with the keyboard focus, in every window of the program, because the styles
+/// draw none for lists, texts and links. Lives on the interface thread.
 class FocusRing : public QObject
 {
     Q_OBJECT
@@ -22,5 +22,5 @@ private:
     void place();
 
     QPointer<QWidget> mFocus;
-    QPointer<QWidget> mRing; ///< a child of the window of the focus, which may take it along
+    QPointer<QWidget> mRing; ///< a child of the focus widget's window, which may delete it
 };

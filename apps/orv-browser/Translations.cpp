@@ -5,7 +5,7 @@
 #include <QLocale>
 #include <QTranslator>
 
-// The linker leaves a static library's resources out unless they are asked for, by a name outside namespaces.
+// The linker leaves out the resources of a static library unless they are named, outside of any namespace.
 static void askForResources()
 {
     Q_INIT_RESOURCE(orvbrowser);
@@ -13,7 +13,7 @@ static void askForResources()
 
 namespace {
 
-/// The user's language; English where the process has none.
+/// The user's language; English if the process has none.
 QLocale language()
 {
     const QLocale locale;
@@ -36,7 +36,7 @@ void Translations::install(QApplication& application)
     askForResources();
     installFrom(application, QStringLiteral("qtbase"),
                 QLibraryInfo::location(QLibraryInfo::TranslationsPath));
-    // Plural forms are translations in English too.
+    // English needs a translation, too, for its plural forms.
     installFrom(application, QStringLiteral("orvbrowser"), QStringLiteral(":/orvbrowser/translations"));
     if (QLocale().textDirection() == Qt::RightToLeft)
         QApplication::setLayoutDirection(Qt::RightToLeft);

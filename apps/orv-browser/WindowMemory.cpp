@@ -18,7 +18,7 @@ namespace {
 
 constexpr QSize kFirstSize(1180, 720);
 
-/// A window that was left on a larger screen still fits this one.
+/// The geometry, changed so that it fits this screen: the window may have been on a larger one.
 QRect onScreen(const QRect& geometry)
 {
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();

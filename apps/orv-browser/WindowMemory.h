@@ -9,17 +9,17 @@ class PlacesPane;
 class QSplitter;
 class QWidget;
 
-/// Brings the window back as the user left it. Lives as long as the window, on the interface thread.
+/// Restores the window as the user left it. Lives as long as the window, on the interface thread.
 class WindowMemory
 {
 public:
-    /// @param root where the state is kept; see `WindowState`
+    /// @param root the folder of the state file, see `WindowState`
     WindowMemory(fileString root, QWidget& window, QSplitter& panes, PlacesPane& places,
                  GalleryPane& gallery);
 
-    /// To be called once the catalogs are known, whether they are read or not.
+    /// Call it when the catalogs are known, even if they have not been read.
     void restore();
-    /// Gives the window its former place, on the screen; part of `restore`.
+    /// Moves the window to its former place on the screen; a part of `restore`.
     void place();
     void save() const;
 
@@ -29,5 +29,5 @@ private:
     QSplitter& mPanes;
     PlacesPane& mPlaces;
     GalleryPane& mGallery;
-    QRect mGeometry; ///< that was kept; null for none
+    QRect mGeometry; ///< the stored one; null if there is none
 };

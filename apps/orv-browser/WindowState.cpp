@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int kMostOpen = 500; // places; more are not kept
+constexpr int kMostOpen = 500; // open places that are stored
 
 const char* const kKinds[] = {"everything", "category", "catalog", "folder", "favourites", "recent", "news"};
 const char* const kOrders[] = {"name", "catalog", "style", "manufacturer"};
@@ -111,6 +111,6 @@ void WindowState::save(const fileString& root) const
     try {
         OrvHost::TextFile::write(fileIn(root), QJsonDocument(document).toJson().toStdString());
     } catch (const std::exception&) {
-        return; // nobody waits for an answer when the window closes
+        return; // the window is closing, so nobody could see a message
     }
 }

@@ -2,12 +2,12 @@
 
 #include <QString>
 
-/// Something that is fetched or imported, or was. A value.
+/// Something that is being downloaded or imported, or was. A plain value.
 struct Activity
 {
     enum class Kind
     {
-        Catalog, ///< of an update
+        Catalog, ///< in an update
         Import
     };
     enum class State
@@ -20,12 +20,11 @@ struct Activity
     };
 
     Kind kind = Kind::Catalog;
-    QString
-        key; ///< tells it from the others of its kind: the name that the service is asked for, or a source
-    QString name; ///< for people
+    QString key;  ///< identifies it within its kind: the name in the request, or the source
+    QString name; ///< name for people
     State state = State::Waiting;
-    QString step;     ///< what goes on, for people; may be empty
+    QString step;     ///< the current step, for people; may be empty
     qint64 done = 0;  ///< bytes
-    qint64 whole = 0; ///< bytes; 0 when it is not known
+    qint64 whole = 0; ///< bytes; 0 if unknown
     QString reason;   ///< why it failed, for people
 };

@@ -6,8 +6,8 @@
 
 #include "apps/orv-browser/activities/Activity.h"
 
-/// The activities of the last update and the last imports: a row each, with its name, how it stands, and
-/// room for a button. Lives on the interface thread.
+/// The activities of the last update and the last imports: one row for each, with its name, its state, and a
+/// cell for a button. Lives on the interface thread.
 class ActivityModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -24,11 +24,11 @@ public:
     using QAbstractTableModel::QAbstractTableModel;
 
     const Activity& at(int row) const { return mActivities[static_cast<std::size_t>(row)]; }
-    /// Changes the activity of this kind and key, or adds it at the end.
+    /// Changes the activity with this kind and key. If there is none, adds it at the end.
     void put(const Activity& activity);
-    /// Forgets all of a kind.
+    /// Removes all activities of a kind.
     void clear(Activity::Kind kind);
-    /// Ends what waits or runs: what was done so far counts for the rest.
+    /// Sets the state of all that are waiting or running.
     void settle(Activity::Kind kind, Activity::State state);
 
     int rowCount(const QModelIndex& parent = {}) const override;

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int kRows = 7; // that can be seen at once, to begin with
+constexpr int kRows = 7; // rows that are visible at first
 
 } // namespace
 

@@ -4,7 +4,7 @@
 
 #include "apps/orv-browser/activities/ActivityModel.h"
 
-/// The list of what is fetched and imported. What failed has a button to try it again.
+/// The list of downloads and imports. A failed one has a button to try again.
 class ActivityPane : public QTreeView
 {
     Q_OBJECT
@@ -17,7 +17,7 @@ public:
     QSize sizeHint() const override;
 
 Q_SIGNALS:
-    /// The user wants this once more.
+    /// The user wants to try this again.
     void retryAsked(const Activity& activity);
 
 private:

@@ -6,12 +6,12 @@
 
 class ImportController;
 
-/// An import on the undo stack. It is done before it comes there. Once it is taken back it leaves the stack,
-/// because the archive may be gone by then.
+/// A finished import on the undo stack. When it is undone, it leaves the stack, because the archive may not
+/// exist any more.
 class ImportCommand : public QUndoCommand
 {
 public:
-    /// @param imports outlives the command
+    /// @param imports must outlive the command
     ImportCommand(ImportController& imports, const OrvHost::ArchiveImport::Result& result);
 
     void redo() override {}

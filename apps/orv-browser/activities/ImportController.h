@@ -11,45 +11,44 @@
 #include "OrvLibrary/host/fileString.h"
 #include "apps/orv-browser/activities/ImportSummary.h"
 
-/// Imports archives one after the other, off the interface thread.
-/// Lives on the interface thread.
+/// Imports archives one after the other, on another thread. Lives on the interface thread.
 class ImportController : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param root of the library, where former imports are kept
+    /// @param root the library's root, which holds the former imports
     ImportController(const fileString& root, QObject* parent);
-    /// Cancels what is under way and waits for it.
+    /// Cancels the current import and waits for it.
     ~ImportController() override;
 
     bool isRunning() const { return mIsRunning; }
     /// Queues sources: paths or addresses.
     void import(const QStringList& sources);
     void cancel();
-    /// Takes the last import back, off the interface thread. Says so, and changes nothing, when the last
-    /// import is another one by now.
-    /// @return whether it begins; false while an import goes on
+    /// Undoes the last import on another thread. If another import has been made meanwhile, changes nothing
+    /// and says so.
+    /// @return whether it has begun; false during an import
     bool takeBack(const OrvHost::ArchiveImport::Result& import);
 
 Q_SIGNALS:
-    /// Sources wait from now on.
-    /// @param isFirst whether there were none before
+    /// Sources have been queued.
+    /// @param isFirst whether the queue was empty before
     void queued(const QStringList& sources, bool isFirst);
-    /// How an import goes on.
+    /// The progress of an import.
     /// @param step for people
-    /// @param done bytes of the step
-    /// @param whole all bytes of the step; 0 when that is not known
+    /// @param done finished bytes of the step
+    /// @param whole all bytes of the step; 0 if unknown
     void progressed(const QString& source, const QString& step, qint64 done, qint64 whole);
-    /// One source is done, well or not.
+    /// An import has ended, successfully or not.
     void ended(const OrvHost::ArchiveImport::Result& result);
-    /// One source was imported.
+    /// A source has been imported.
     void imported(const OrvHost::ArchiveImport::Result& result);
     /// The queue is empty.
-    /// @param summary what became of the sources, for people
+    /// @param summary the result for all sources, for people
     /// @param failed the sources that were not imported
     void finished(const QString& summary, const QStringList& failed);
-    /// An import was taken back, or not.
+    /// An import has been undone, or could not be.
     void takenBack(const fileString& library, const QString& sentence);
 
 private:
@@ -63,7 +62,7 @@ private:
     fileString mRoot;
     QThreadPool mPool;
     QStringList mQueue;
-    ImportSummary mSummary; ///< of the sources since the queue was empty
+    ImportSummary mSummary; ///< for the sources since the queue was last empty
     std::shared_ptr<std::atomic<bool>> mCancelled;
     bool mIsRunning = false;
 };

@@ -23,7 +23,7 @@ void ImportProgress::createSubProgress(std::uint64_t total)
     post();
 }
 
-/// The steps that `OrvHost::ArchiveImport` tells, in the user's language.
+/// The steps of `OrvHost::ArchiveImport` in the user's language.
 void ImportProgress::updateLabels(const marl::unicode::String& label1, const marl::unicode::String&)
 {
     const std::string label = label1.toUTF8String();

@@ -11,18 +11,18 @@
 
 #include "OrvLibrary/host/ProgressSubject.h"
 
-/// Hands how an import goes on to the interface thread, ten times a second at most. Called on the import's
-/// thread.
+/// Passes the progress of an import to the interface thread, at most ten times a second. Called on the
+/// import's thread.
 class ImportProgress : public ProgressSubject
 {
     Q_DECLARE_TR_FUNCTIONS(ImportProgress)
 
 public:
-    /// A step for people, and the bytes of it that are done, and all.
+    /// Receives the step for people, its finished bytes and all its bytes.
     using Show = std::function<void(const QString& step, qint64 done, qint64 whole)>;
 
-    /// @param receiver on whose thread `show` is called; outlives the import
-    /// @param cancelled set by whoever cancels
+    /// @param receiver `show` is called on its thread; must outlive the import
+    /// @param cancelled set to cancel the import
     ImportProgress(QObject& receiver, Show show, std::shared_ptr<std::atomic<bool>> cancelled);
 
     bool checkCancel(bool) override { return *mCancelled; }

@@ -11,9 +11,9 @@
 
 namespace {
 
-constexpr int kMostShown = 4; // older ones make room
+constexpr int kMostShown = 4; // older messages are removed
 
-/// How grave a message is, from 1.
+/// How serious a message is, from 1.
 int gravity(error::Trait::Kind kind)
 {
     switch (kind) {

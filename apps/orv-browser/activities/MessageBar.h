@@ -6,14 +6,13 @@
 class QLabel;
 class WindowMessages;
 
-/// Shows what the library has to tell the user, at the top of the window, until the user puts it away.
-/// Nothing else waits for that.
+/// Shows the library's messages at the top of the window until the user closes them. Everything else goes on.
 class MessageBar : public QFrame
 {
     Q_OBJECT
 
 public:
-    /// @param messages outlives the bar
+    /// @param messages must outlive the bar
     explicit MessageBar(WindowMessages& messages, QWidget* parent = nullptr);
 
 private:

@@ -6,12 +6,12 @@
 
 class LibraryNews;
 
-/// The user has seen what is new. Lives on the interface thread.
+/// Undo command: the user has marked the news as seen. Lives on the interface thread.
 class SeenCommand : public QUndoCommand
 {
 public:
-    /// @param before the update after which things were new so far
-    /// @param news outlives the object
+    /// @param before news before this command were those after this run
+    /// @param news must outlive the object
     SeenCommand(LibraryNews& news, std::int64_t before);
 
     void redo() override;

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr int kSummaryMargin = 7; // pixels; in line with the panes
+constexpr int kSummaryMargin = 7; // pixels, aligned with the panes
 
 } // namespace
 
@@ -46,7 +46,7 @@ void StatusLine::say(const QString& sentence)
     fitSummary();
 }
 
-/// A status bar asks nobody how high a text is at its width.
+/// Needed because a status bar does not ask widgets for their height at a given width.
 void StatusLine::fitSummary()
 {
     layout()->activate();

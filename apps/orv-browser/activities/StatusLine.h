@@ -6,23 +6,23 @@ class QAction;
 class QLabel;
 class QToolButton;
 
-/// The foot of the window: a sentence on what came last, the speed of what goes on, and the buttons for an
-/// update and for the log.
+/// The line at the bottom of the window: a sentence about the last event, the speed of a download, and the
+/// buttons for an update and for the log.
 class StatusLine : public QStatusBar
 {
     Q_OBJECT
 
 public:
-    /// @param update what the button for an update does while none runs
-    /// @param activities what the button that unfolds the list of activities does
+    /// @param update the action of the update button while no update runs
+    /// @param activities the action of the button that shows the list of activities
     StatusLine(QAction& update, QAction& activities, QWidget* parent);
 
-    /// @param sentence empty for silence
+    /// @param sentence if empty, nothing is shown
     void say(const QString& sentence);
     void showSpeed(const QString& text);
-    /// Offers to cancel an update, or to start one.
+    /// Changes the update button: cancel the update, or start one.
     void showRunning(bool isRunning);
-    /// Offers to cancel imports.
+    /// Shows or hides the button that cancels imports.
     void showImporting(bool isImporting);
 
 Q_SIGNALS:

@@ -6,9 +6,9 @@
 
 namespace {
 
-constexpr qint64 kWindow = 5000;          // milliseconds that a speed is taken from
-constexpr qint64 kLeast = 500;            // before that a speed says nothing
-constexpr double kSecondsInMinutes = 100; // from here on a time is told in minutes
+constexpr qint64 kWindow = 5000;          // milliseconds over which the speed is measured
+constexpr qint64 kLeast = 500;            // milliseconds before a speed is shown
+constexpr double kSecondsInMinutes = 100; // longer times are shown in minutes
 constexpr double kMostSecondsLeft = 1e6;
 
 } // namespace

@@ -5,21 +5,21 @@
 #include <QCoreApplication>
 #include <QString>
 
-/// How fast bytes come and how long the rest will take, from what was counted in the last seconds. A value;
-/// the times are handed in.
+/// Computes the speed of a transfer and its remaining time from the counts of the last seconds. A plain
+/// value; the caller passes the times.
 class TransferSpeed
 {
     Q_DECLARE_TR_FUNCTIONS(TransferSpeed)
 
 public:
-    /// @param milliseconds of any clock that goes on evenly
-    /// @param bytes that were there at that time
+    /// @param milliseconds of any steady clock
+    /// @param bytes the count at this time
     void note(qint64 milliseconds, qint64 bytes);
 
-    /// Bytes a second; 0 when nothing came in the last seconds.
+    /// Bytes per second; 0 if nothing arrived in the last seconds.
     double bytesPerSecond() const;
     /// For people, such as "1.3 MB/s, about 20 seconds left"; empty while too little is known.
-    /// @param left bytes that are still to come
+    /// @param left remaining bytes
     QString text(qint64 left) const;
 
 private:

@@ -14,18 +14,17 @@ struct ServiceReport;
 struct UpdateOutcome;
 } // namespace OrvHost
 
-/// How the catalogs of an update stand, as activities. Catalogs that the service has nothing new of are no
-/// activities.
+/// Makes activities from the catalogs of an update. Leaves out those for which the service has nothing new.
 class UpdateActivities
 {
     Q_DECLARE_TR_FUNCTIONS(UpdateActivities)
 
 public:
-    /// While the update goes on.
-    /// @param installed file names of the catalogs that were put in place
+    /// During the update.
+    /// @param installed file names of the catalogs already put into place
     static std::vector<Activity> of(const OrvHost::ServiceReport& service,
                                     const std::set<std::string>& installed);
-    /// The failures of an update that has ended.
+    /// The failures of a finished update.
     static std::vector<Activity> failuresOf(const OrvHost::UpdateOutcome& outcome);
 
 private:

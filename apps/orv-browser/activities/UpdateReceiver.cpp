@@ -8,7 +8,7 @@
 
 namespace {
 
-/// What a gauge can show; a slot must not throw.
+/// A value that the gauge can show. Converting must not throw, because this is called in a slot.
 size_t shown(size_t value)
 {
     return std::min<size_t>(value, std::numeric_limits<int>::max());
@@ -27,7 +27,7 @@ void UpdateReceiver::onSetText(std::string text)
         mPanel->onSetText(OrvHost::LegacyText::toUtf8(text));
 }
 
-// The unit comes when the download begins. It is written as everywhere else in the window.
+// The unit comes when the download begins. It is written as in the rest of the window.
 void UpdateReceiver::onSetUnits(std::string)
 {
     mIsDownloading = true;

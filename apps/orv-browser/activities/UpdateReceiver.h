@@ -9,22 +9,22 @@
 #include "OrvLibrary/CatalogUpdateData.h"
 #include "OrvLibrary/UI/qtLibraryProgressPanel.h"
 
-/// The host object of a catalog update in a window: hands the progress on to the panel, puts new catalogs in
-/// place, and keeps the outcome. Lives on the interface thread.
+/// The host object of an update in a window: passes the progress to the panel, puts new catalogs into place
+/// and keeps the outcome. Lives on the interface thread.
 class UpdateReceiver : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param swapper outlives the object
-    /// @param panel may go at any time
+    /// @param swapper must outlive the object
+    /// @param panel may be destroyed at any time
     UpdateReceiver(OrvHost::CatalogSwapper& swapper, LibraryProgressPanel* panel);
 
-    /// Shows in the gauge how much content is there. The updater tells it every two megabytes only.
-    /// @param kilobytes in the run until now; nothing is shown before the download goes on
+    /// Updates the gauge between the updater's own updates, which come only every two megabytes.
+    /// @param kilobytes received in this run; ignored before the first download
     void showReceived(qint64 kilobytes);
 
-    /// What the updater reported; empty after a cancel.
+    /// The result reported by the updater; empty after a cancel.
     const std::optional<LibraryCatalogUpdate::UpdateData>& outcome() const { return mOutcome; }
 
 Q_SIGNALS:
@@ -44,5 +44,5 @@ private:
     OrvHost::CatalogSwapper& mSwapper;
     QPointer<LibraryProgressPanel> mPanel;
     std::optional<LibraryCatalogUpdate::UpdateData> mOutcome;
-    bool mIsDownloading = false; ///< the gauge counts kilobytes
+    bool mIsDownloading = false; ///< whether the gauge shows kilobytes
 };

@@ -14,7 +14,7 @@ constexpr qint64 kBytesPerKilobyte = 1000;
 struct Bodies
 {
     qint64 there = 0;
-    qint64 left = 0; ///< of those that are still to come, as far as the service told their length
+    qint64 left = 0; ///< bytes of the downloads still to come, as far as their lengths are known
 };
 
 Bodies bodiesOf(const OrvHost::ServiceReport& service)

@@ -12,19 +12,19 @@ struct ServiceReport;
 } // namespace OrvHost
 class UpdateReceiver;
 
-/// Looks five times a second how far an update has come, and shows it: in the gauge, and as speed and time
-/// left. Lives on the interface thread, from before the run starts until it ends.
+/// Checks five times a second how far an update is, and shows it: in the gauge, and as speed and remaining
+/// time. Lives on the interface thread, from before the run until its end.
 class UpdateWatch : public QObject
 {
     Q_OBJECT
 
 public:
-    /// @param run outlives the object
-    /// @param receiver shows the gauge; outlives the object
+    /// @param run must outlive the object
+    /// @param receiver shows the gauge; must outlive the object
     UpdateWatch(const OrvHost::CatalogUpdateRun& run, UpdateReceiver& receiver);
 
 Q_SIGNALS:
-    /// What the service was asked and answered until now.
+    /// All requests and answers so far.
     void looked(const OrvHost::ServiceReport& service);
     /// For people.
     void speedChanged(const QString& text);

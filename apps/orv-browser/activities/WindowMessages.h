@@ -9,9 +9,9 @@
 #include "OrvLibrary/host/MessagingSystem.h"
 #include "OrvLibrary/host/ThreadMutex.h"
 
-/// The numbered messages of the library for a program with a window: kept until the window takes them.
-/// Whoever sends one goes on at once, on any thread. Installed for the life of the object, which outlives the
-/// window; the former message system is put back at its end.
+/// Keeps the library's messages until the window shows them. The sender goes on at once, on any thread.
+/// Installed as long as the object lives, which must outlive the window; the former message system is
+/// restored then.
 class WindowMessages : public QObject, public error::MessagingSystem
 {
     Q_OBJECT
@@ -30,16 +30,16 @@ public:
                 const marl::unicode::String& text1, const marl::unicode::String& text2,
                 const marl::unicode::String& text3) override;
 
-    /// The messages that nobody has taken yet, in order of arrival.
+    /// All messages not yet taken, in order of arrival.
     std::vector<Message> take();
 
 Q_SIGNALS:
-    /// There are messages to take; sent on the interface thread.
+    /// There are messages to take. Sent on the interface thread.
     void arrived();
 
 private:
     error::MessagingSystem* mFormer;
     ThreadMutex mMutex;
-    std::set<int> mShownOnce; ///< informations that were sent in this run; under mMutex, as what follows
+    std::set<int> mShownOnce; ///< messages already sent in this run; guarded by mMutex, like those below
     std::vector<Message> mWaiting;
 };

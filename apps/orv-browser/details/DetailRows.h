@@ -4,7 +4,7 @@
 #include <QLabel>
 #include <QString>
 
-/// Rows of a name and a value, as the details show them. A row without a value is not shown.
+/// The rows of the details pane, each with a name and a value. Rows without a value are hidden.
 class DetailRows : public QFormLayout
 {
     Q_OBJECT
@@ -12,9 +12,9 @@ class DetailRows : public QFormLayout
 public:
     explicit DetailRows(QWidget* parent = nullptr);
 
-    /// @return the value, plain text that can be selected
+    /// @return the label of the value: plain text that can be selected
     QLabel* addText(const QString& title, const QString& objectName);
-    /// @return the value, whose text `setLink` makes one that can be clicked
+    /// @return the label of the value; `setLink` gives it a text that can be clicked
     QLabel* addLink(const QString& title, const QString& objectName);
     void set(QLabel* value, const QString& text);
     void setLink(QLabel* value, const QString& text);

@@ -27,8 +27,8 @@ QString link(const QString& scheme, const QString& address)
     return QStringLiteral("<a href=\"%1%2\">%2</a>").arg(scheme, address.toHtmlEscaped());
 }
 
-/// Web and mail addresses as links, everything else as plain text, whatever marks it holds. What the records
-/// say in place of missing fields ("Please ask your dealer.") stands there once.
+/// Web and mail addresses are shown as links, everything else as plain text, without interpreting markup. The
+/// default text for missing contacts ("Please ask your dealer.") is shown only once.
 QString contactText(const Manufacturer& maker, const QString& defaultText)
 {
     QStringList lines;
@@ -55,7 +55,8 @@ QString contactText(const Manufacturer& maker, const QString& defaultText)
         lines << defaultText.toHtmlEscaped();
     if (lines.isEmpty())
         return {};
-    // What looks like an address runs from left to right in every language, but stands where the others do.
+    // Text that looks like an address is written from left to right in every language, but aligned like the
+    // others.
     const bool isMirrored = QGuiApplication::layoutDirection() == Qt::RightToLeft;
     return QStringLiteral("<div align=\"%1\">%2</div>")
         .arg(isMirrored ? QStringLiteral("right") : QStringLiteral("left"),

@@ -7,7 +7,7 @@
 class QLabel;
 class QPushButton;
 
-/// A maker: logo, name, how to reach it, and the way to all its items. Lives on the interface thread.
+/// Shows a maker: logo, name, contacts, and a link to all its items. Lives on the interface thread.
 class MakerCard : public QWidget
 {
     Q_OBJECT
@@ -15,8 +15,8 @@ class MakerCard : public QWidget
 public:
     explicit MakerCard(QWidget* parent = nullptr);
 
-    /// @param maker a number that a catalog gives; a negative one empties the card
-    /// @param count how many items of the maker there are; negative when that is not known
+    /// @param maker the number in a catalog; a negative one empties the card
+    /// @param count the number of the maker's items; negative if unknown
     void show(std::int32_t maker, int count);
 
 Q_SIGNALS:

@@ -3,7 +3,7 @@
 #include <QPersistentModelIndex>
 #include <QWidget>
 
-/// The picture of one item of the gallery, as large as there is room. Lives on the interface thread.
+/// Shows the picture of one item as large as the space allows. Lives on the interface thread.
 class PictureView : public QWidget
 {
     Q_OBJECT
@@ -11,7 +11,7 @@ class PictureView : public QWidget
 public:
     explicit PictureView(QWidget* parent = nullptr);
 
-    /// @param index of a `GalleryModel`; the view is empty when it is invalid or its row leaves
+    /// @param index of a `GalleryModel`. The view is empty if it is invalid or its row is removed.
     void show(const QModelIndex& index);
 
 protected:

@@ -10,22 +10,22 @@ class LibraryNews;
 class QLabel;
 class QPushButton;
 
-/// A place of which no item is selected: for a catalog its version, size, date and numbers, and what can be
-/// done with it; for any other place its number of items. Lives on the interface thread.
+/// Shows a place if no item is selected: for a catalog its version, size, date and numbers, and its actions;
+/// for other places the number of items. Lives on the interface thread.
 class PlaceDetails : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// @param news outlive the widget
+    /// @param news must outlive the widget
     explicit PlaceDetails(const LibraryNews& news, QWidget* parent = nullptr);
 
-    /// @param count items of the place that are shown
+    /// @param count the number of items shown
     void show(const Place& place, const ItemIndex& index, int count);
 
 Q_SIGNALS:
     void checkAsked();
-    /// The user wants the service's catalog anew, whatever is installed.
+    /// The user wants to download the catalog again.
     void fetchAgainAsked(const Place& place);
     /// The user has seen what is new.
     void seenAsked();

@@ -3,14 +3,14 @@
 #include <QCoreApplication>
 #include <QString>
 
-/// Tells addresses that can be asked for something from other texts. May be used on any thread.
+/// Checks whether a text is a usable address. May be used on any thread.
 class AddressCheck
 {
     Q_DECLARE_TR_FUNCTIONS(AddressCheck)
 
 public:
-    /// Why nothing can be fetched from this text, in a sentence for people. For example, "foo" has no scheme
-    /// and no host.
+    /// Why nothing can be downloaded from this address, in a sentence for people. For example, "foo" has no
+    /// scheme and no host.
     /// @return empty for an http or https address with a host
     static QString problemOf(const QString& address);
 };

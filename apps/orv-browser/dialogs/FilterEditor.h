@@ -10,14 +10,13 @@
 class QListWidget;
 class QListWidgetItem;
 
-/// Edits the named filters: their names and the catalogs that are in them. Nothing is kept before the user
-/// accepts.
+/// Edits the named filters: their names and their catalogs. Nothing is stored before the user accepts.
 class FilterEditor : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// A catalog that can be in a filter.
+    /// A catalog that a filter may contain.
     struct Database
     {
         std::string id;
@@ -39,9 +38,9 @@ private:
     long freeId() const;
 
     std::vector<Database> mDatabases;
-    const std::vector<LibraryFilter> mFormer; ///< as the editor found them
+    const std::vector<LibraryFilter> mFormer; ///< the filters when the editor opened
     std::vector<LibraryFilter> mFilters;
-    int mShown = -1; ///< the filter whose catalogs are shown; -1 for none
+    int mShown = -1; ///< index of the filter whose catalogs are shown; -1 for none
     QListWidget* mNames;
     QListWidget* mCatalogs;
 };

@@ -4,7 +4,7 @@
 
 #include "OrvLibrary/host/fileString.h"
 
-/// Shows the entries of the error log, the newest first.
+/// Shows the entries of the error log, newest first.
 class LogDialog : public QDialog
 {
     Q_OBJECT

@@ -12,8 +12,8 @@ class QDialogButtonBox;
 class QLabel;
 class QListWidget;
 
-/// Shows what a refresh of the manufacturer records would change, and refreshes them when the user accepts.
-/// The records are fetched off the interface thread.
+/// Shows the changes that a refresh of the manufacturer records would make, and makes them if the user
+/// accepts. The records are downloaded on another thread.
 class ManufacturerPreview : public QDialog
 {
     Q_OBJECT
@@ -22,7 +22,7 @@ public:
     ManufacturerPreview(const QString& dataUrl, const QString& logoUrl, QWidget* parent);
     ~ManufacturerPreview() override;
 
-    /// What became of it, for people.
+    /// The result for people.
     const QString& summary() const { return mSummary; }
 
     void accept() override;

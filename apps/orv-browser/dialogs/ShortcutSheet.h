@@ -4,7 +4,7 @@
 
 class QMainWindow;
 
-/// The keys of the window, read from its menus, and those of the gallery.
+/// Lists the keys of the window, read from its menus, and those of the gallery.
 class ShortcutSheet : public QDialog
 {
     Q_OBJECT

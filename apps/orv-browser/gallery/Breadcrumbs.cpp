@@ -8,14 +8,14 @@
 namespace {
 
 constexpr int kLeastWidth = 60;
-constexpr int kMostWidth = 180; // pixels of one step; longer names are cut
+constexpr int kMostWidth = 180; // largest width of a step in pixels
 
 } // namespace
 
 Breadcrumbs::Breadcrumbs(QWidget* parent) : QWidget(parent), mLayout(new QHBoxLayout(this))
 {
     setObjectName(QStringLiteral("breadcrumbs"));
-    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long way must not widen the window
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long path must not widen the window
     setMinimumWidth(kLeastWidth);
     mLayout->setContentsMargins(0, 0, 0, 0);
     mLayout->setSpacing(0);
@@ -26,7 +26,7 @@ void Breadcrumbs::show(const std::vector<Step>& steps)
     while (QLayoutItem* item = mLayout->takeAt(0)) {
         if (item->widget()) {
             item->widget()->hide();
-            item->widget()->deleteLater(); // it may be the one that was clicked
+            item->widget()->deleteLater(); // the button may be the one just clicked
         }
         delete item;
     }

@@ -8,7 +8,7 @@
 
 class QHBoxLayout;
 
-/// The way from everything down to the place that is shown, each step a button that leads there.
+/// The path from "everything" to the current place. Each step is a button that opens it.
 class Breadcrumbs : public QWidget
 {
     Q_OBJECT
@@ -24,7 +24,7 @@ public:
 
     /// @param steps from the top down
     void show(const std::vector<Step>& steps);
-    /// The names that are shown.
+    /// The names of the steps.
     QStringList names() const;
 
 Q_SIGNALS:

@@ -10,19 +10,19 @@ class QLabel;
 class QSlider;
 class QToolButton;
 
-/// The line above the items: where they are, how many they are, their order, grid or list, and the size of
-/// the pictures.
+/// The line above the items: their place and number, the choice between grid and list, and the size of the
+/// pictures.
 class GalleryBar : public QWidget
 {
     Q_OBJECT
 
 public:
-    static constexpr int kLeastSide = 48; ///< pixels of a picture
+    static constexpr int kLeastSide = 48; ///< smallest side of a picture in pixels
     static constexpr int kMostSide = 256;
 
     explicit GalleryBar(QWidget* parent = nullptr);
 
-    /// The tools; owned by whoever lays them out.
+    /// The tools; owned by the widget that lays them out.
     QWidget* tools() const { return mTools; }
     Breadcrumbs& breadcrumbs() { return *mBreadcrumbs; }
     void setCount(int items);

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr int kMargin = 6; // pixels around picture and name
+constexpr int kMargin = 6; // pixels around the picture and the name
 constexpr int kNameLines = 2;
 constexpr int kStarSide = 20;
 constexpr int kListPicture = 28;
@@ -96,7 +96,7 @@ void GalleryDelegate::paintTile(QPainter& painter, const QStyleOptionViewItem& o
     NewBadge::draw(painter, option, tile, Qt::AlignLeft | Qt::AlignTop, index);
 }
 
-/// The name in two lines; what does not fit ends in an ellipsis.
+/// Paints the name in two lines. If it does not fit, it ends with an ellipsis.
 void GalleryDelegate::paintName(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area,
                                 const QString& name) const
 {

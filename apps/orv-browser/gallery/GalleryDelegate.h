@@ -2,14 +2,14 @@
 
 #include <QStyledItemDelegate>
 
-/// Paints the items of the gallery: in the grid a tile with the picture, the name below it and the star of a
-/// favourite; in the list a small picture before the name. Lives on the interface thread.
+/// Paints the items of the gallery: in the grid a picture with the name below it and the star of a favourite;
+/// in the list a small picture before the name. Lives on the interface thread.
 class GalleryDelegate : public QStyledItemDelegate
 {
     Q_OBJECT
 
 public:
-    /// @param isGrid tiles; else rows of a list
+    /// @param isGrid true for the grid, false for the list
     GalleryDelegate(bool isGrid, QObject* parent);
 
     /// The side of the picture in pixels.
@@ -17,7 +17,7 @@ public:
     int side() const { return mSide; }
     /// The size of a tile around such a picture.
     QSize tileSize(const QWidget& view) const;
-    /// Where the star of a tile is clicked.
+    /// The part of a tile where a click changes the star.
     static QRect starArea(const QRect& tile, Qt::LayoutDirection direction);
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,

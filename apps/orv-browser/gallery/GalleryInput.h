@@ -7,8 +7,8 @@
 class QAbstractItemView;
 class QMouseEvent;
 
-/// What keys, wheel and mouse mean in the grid and in the list alike, beyond what every view knows. Lives as
-/// long as the view that it listens to.
+/// Handles the keys, the wheel and the mouse in the grid and the list, as far as views do not do so
+/// themselves. Lives as long as its view.
 class GalleryInput : public QObject
 {
     Q_OBJECT
@@ -19,8 +19,8 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 Q_SIGNALS:
-    /// The user turns the wheel with Ctrl held.
-    /// @param steps positive for larger
+    /// The user turns the wheel while pressing Ctrl.
+    /// @param steps positive for larger pictures
     void zoomAsked(int steps);
     /// The user wants a large picture of the current item.
     void previewAsked();

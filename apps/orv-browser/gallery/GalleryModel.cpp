@@ -12,7 +12,8 @@ GalleryModel::GalleryModel(const UserLists& lists, QObject* parent)
 {
     mFound.index = std::make_shared<const ItemIndex>();
     readFavourites();
-    // Views paint only what is seen, so one change of all is cheaper than a search for the rows of some.
+    // Views paint only visible rows, so announcing a change of all rows is cheaper than finding the right
+    // ones.
     connect(mPictures, &PictureStore::loaded, this, [this] { changeAll({kPictureRole, kPictureStateRole}); });
     connect(&mLists, &UserLists::favouritesChanged, this, [this] {
         readFavourites();

@@ -10,8 +10,8 @@
 #include "apps/orv-browser/models/ItemQuery.h"
 #include "apps/orv-browser/models/UserLists.h"
 
-/// The items that the gallery shows, in their order: what a query has found. Names and pictures are looked up
-/// when a view asks for them, so that 200,000 items cost two megabytes. Lives on the interface thread.
+/// The items in the gallery, as found by a query, in their order. Names and pictures are looked up when a
+/// view needs them, so 200,000 items take only two megabytes. Lives on the interface thread.
 class GalleryModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -26,12 +26,12 @@ public:
         kColumns
     };
     static constexpr int kFavouriteRole = Qt::UserRole + 1;    ///< a bool
-    static constexpr int kPictureRole = Qt::UserRole + 2;      ///< a QImage; null unless it is here
-    static constexpr int kPictureStateRole = Qt::UserRole + 3; ///< PictureStore::State as an int; asks for it
+    static constexpr int kPictureRole = Qt::UserRole + 2;      ///< a QImage; null if it is not loaded
+    static constexpr int kPictureStateRole = Qt::UserRole + 3; ///< PictureStore::State; starts the loading
 
     static constexpr int kNewRole = Qt::UserRole + 4; ///< NewItems::Kind as an int
 
-    /// @param lists outlive the model
+    /// @param lists must outlive the model
     GalleryModel(const UserLists& lists, QObject* parent = nullptr);
 
     /// Shows other items.
@@ -41,10 +41,10 @@ public:
 
     /// An item as the rest of the window knows it.
     ItemDrag::Item itemAt(int row) const;
-    /// The same, with what the gallery knows of it besides.
+    /// The item with everything the gallery knows about it.
     const CatalogContent::Item& contentAt(int row) const;
     const CatalogContent& catalogAt(int row) const;
-    /// The row of an item; -1 when it is not shown.
+    /// The row of an item; -1 if it is not shown.
     int rowOf(const fileString& database, long long item) const;
 
     int rowCount(const QModelIndex& parent = {}) const override;

@@ -14,8 +14,8 @@
 
 namespace {
 
-constexpr int kMostKept = 1000; // selected items that stay selected when the items change
-constexpr int kNameWidth = 260; // pixels of the list's first column, to begin with
+constexpr int kMostKept = 1000; // selected items that are kept when the items change
+constexpr int kNameWidth = 260; // width of the list's first column in pixels, at first
 constexpr int kColumnWidth = 150;
 
 } // namespace
@@ -39,7 +39,7 @@ GalleryViews::GalleryViews(const UserLists& lists, QWidget* parent)
     });
 }
 
-/// The views go first: they ask the model while they live.
+/// Deletes the views first, because they still use the model while they exist.
 GalleryViews::~GalleryViews()
 {
     delete mGrid;
@@ -53,7 +53,7 @@ void GalleryViews::buildGrid()
     mGrid->setModel(mModel);
     mGrid->setSelectionModel(mSelection);
     mGrid->setItemDelegate(mTiles);
-    // Rows that wrap are laid out in a moment, whatever their number; free positions are not.
+    // A view with wrapping rows is laid out quickly, whatever their number; one with free positions is not.
     mGrid->setFlow(QListView::LeftToRight);
     mGrid->setWrapping(true);
     mGrid->setResizeMode(QListView::Adjust);

@@ -17,38 +17,38 @@ class QListView;
 class QTreeView;
 class UserLists;
 
-/// The items as pictures or as a list: two views of one model with one selection. Lives on the interface
-/// thread.
+/// The items as a grid of pictures or as a list: two views of one model, with one selection. Lives on the
+/// interface thread.
 class GalleryViews : public QStackedWidget
 {
     Q_OBJECT
 
 public:
-    /// @param lists outlive the views
+    /// @param lists must outlive the views
     explicit GalleryViews(const UserLists& lists, QWidget* parent = nullptr);
     ~GalleryViews() override;
 
     GalleryModel& model() { return *mModel; }
-    /// Shows other items. Those of the selected items that are still among them stay selected, and where
-    /// they come from the same place the view stays where it is scrolled to.
+    /// Shows other items. Selected items that are still shown stay selected. If they are from the same place,
+    /// the scroll position stays, too.
     void show(const ItemQuery::Found& found, bool isSamePlace);
     void setGrid(bool isGrid);
     void setSide(int side);
-    /// Rows of the selected items, in their order.
+    /// The rows of the selected items, in ascending order.
     std::vector<int> selectedRows() const;
-    /// Selects one item and scrolls to it; does nothing for an item that is not shown.
+    /// Selects one item and scrolls to it. Does nothing if it is not shown.
     bool select(const fileString& database, long long item);
-    /// Gives the keys to the items, and makes the first one current where none is.
+    /// Moves the keyboard focus to the items. If no item is current, the first one becomes current.
     void focusItems();
 
 Q_SIGNALS:
-    /// Other items are selected, or none.
+    /// The selection has changed.
     void selectionChanged();
     void zoomAsked(int steps);
     void starClicked(int row);
     /// The user wants the menu of the selected items.
     void menuAsked(const QPoint& globalPosition);
-    /// The user pressed Enter on an item, or clicked it twice.
+    /// The user pressed Enter on an item, or double-clicked it.
     void activated();
 
 private:
@@ -67,6 +67,6 @@ private:
     QTreeView* mList;
     GalleryDelegate* mTiles;
     GalleryDelegate* mRows;
-    ItemPreview* mPreview = nullptr; ///< made when it is first wanted; owned by the window
+    ItemPreview* mPreview = nullptr; ///< made when first needed; owned by the window
     bool mIsRestoring = false;
 };

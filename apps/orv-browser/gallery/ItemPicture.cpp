@@ -13,7 +13,7 @@ namespace {
 
 constexpr int kMostEnlarged = 2;
 
-/// A scaled picture, which is kept, because scrolling paints it many times.
+/// A scaled picture, which is cached, because scrolling paints it many times.
 QPixmap scaled(const QImage& image, const QSize& size, double ratio)
 {
     const QString key =
@@ -28,7 +28,7 @@ QPixmap scaled(const QImage& image, const QSize& size, double ratio)
     return pixmap;
 }
 
-/// A frame with a mountain for an item without a picture, and an empty frame for one that is on its way.
+/// A frame with a mountain if the item has no picture, and an empty frame while it is loaded.
 void paintPlaceholder(QPainter& painter, const QRect& area, const QPalette& palette, bool isComing)
 {
     const int side = qMin(area.width(), area.height()) * 2 / 3;

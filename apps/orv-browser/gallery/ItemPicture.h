@@ -6,15 +6,15 @@ class QModelIndex;
 class QPainter;
 class QPalette;
 
-/// How the picture of an item is painted wherever it stands: whole, in the middle of its area, and never more
-/// than twice its own size, so that a small one stays sharp. Interface thread.
+/// Paints the picture of an item: complete, in the centre of its area, and enlarged at most to twice its
+/// size, so that a small one stays sharp. Interface thread.
 namespace ItemPicture {
 
-/// The picture, or a placeholder while it is loaded and where there is none.
+/// Paints the picture, or a placeholder while it is loaded or if there is none.
 /// @param index of a `GalleryModel`
 void paint(QPainter& painter, const QRect& area, const QModelIndex& index, const QPalette& palette);
 
-/// The size in which a picture of a given size is shown in an area.
+/// The size at which a picture of this size is shown in this area.
 QSize shownSize(const QSize& picture, const QSize& area);
 
 } // namespace ItemPicture

@@ -4,7 +4,7 @@
 #include <QPersistentModelIndex>
 #include <QPointer>
 
-/// A picture in front of the window: a large one that stays until a key or a click, or a small one beside the
+/// A picture in front of the window: a large one that stays until a key or click, or a small one beside the
 /// pointer. Lives on the interface thread.
 class ItemPreview : public QFrame
 {
@@ -15,11 +15,11 @@ public:
 
     /// Shows the item large, in the middle of the window.
     void showLarge(const QModelIndex& index);
-    /// Shows the item beside the pointer; it does not take the keys.
+    /// Shows the item beside the pointer, without taking the keyboard focus.
     void showSmall(const QModelIndex& index, const QPoint& globalPosition);
 
 Q_SIGNALS:
-    /// The user pressed an arrow key in the large preview and so wants another item.
+    /// The user pressed an arrow key in the large preview to see another item.
     /// @param key Qt::Key_Left and so on
     void stepAsked(int key);
 

@@ -13,7 +13,7 @@ constexpr int kMargin = 4; // pixels
 constexpr int kPadding = 5;
 constexpr double kTextScale = 0.8;
 
-/// White text can be read on both.
+/// White text is readable on both colours.
 const QColor kAdded(45, 125, 70);
 const QColor kChanged(44, 98, 170);
 

@@ -9,14 +9,14 @@ class QPainter;
 class QRect;
 class QStyleOptionViewItem;
 
-/// The badge of an item that an update brought or changed. Interface thread.
+/// Draws the badge of an item that an update has added or changed. Interface thread.
 namespace NewBadge {
 
-/// "New" or "Changed" for people; empty for what is neither.
+/// "New" or "Changed" for people; empty for other items.
 QString text(NewItems::Kind kind);
-/// Draws the badge into a corner or at an edge of an area; nothing for what is not new.
+/// Draws the badge into a corner or at an edge of an area. Draws nothing for items that are not new.
 /// @param index of a `GalleryModel`
-/// @param alignment as if the language ran from left to right
+/// @param alignment as for a language written from left to right
 void draw(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area, int alignment,
           const QModelIndex& index);
 

@@ -8,9 +8,9 @@
 
 namespace {
 
-constexpr int kMostKilobytes = 96 * 1024; // for all pictures that are kept
-constexpr int kMostSide = 512;            // larger ones are kept in this size
-constexpr std::size_t kMostWanted = 400;  // those that were scrolled past are dropped
+constexpr int kMostKilobytes = 96 * 1024; // size of all pictures that are kept
+constexpr int kMostSide = 512;            // larger ones are scaled down to this
+constexpr std::size_t kMostWanted = 400;  // requests for items that were scrolled past are dropped
 constexpr std::size_t kPortion = 24;
 
 QImage decoded(const QByteArray& bytes)
@@ -90,7 +90,7 @@ std::vector<PictureStore::Loaded> PictureStore::read(const std::vector<Loaded>& 
                               : bytes.isEmpty()         ? State::Missing
                                                         : State::Broken;
         } catch (const std::exception&) {
-            one.entry.state = State::Missing; // the place of the catalog says why it cannot be read
+            one.entry.state = State::Missing; // the place of the catalog shows why it cannot be read
         }
     }
     return pictures;
@@ -101,7 +101,7 @@ void PictureStore::keep(const std::vector<Loaded>& pictures)
     mIsLoading = false;
     for (const Loaded& one : pictures) {
         mAsked.erase(one.key);
-        if (one.version == mVersions[one.key.first]) // else the catalog was replaced while it was read
+        if (one.version == mVersions[one.key.first]) // otherwise the catalog was replaced while it was read
             mKept.insert(cacheKey(one.key), new Entry(one.entry),
                          1 + static_cast<int>(one.entry.image.sizeInBytes() / 1024));
     }

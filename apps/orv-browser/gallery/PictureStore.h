@@ -13,35 +13,35 @@
 
 #include "OrvLibrary/host/fileString.h"
 
-/// The pictures of items, loaded off the interface thread when a view asks for them and kept while there is
-/// room. Lives on the interface thread.
+/// Loads the pictures of items on another thread when a view needs them, and keeps as many as fit. Lives on
+/// the interface thread.
 class PictureStore : public QObject
 {
     Q_OBJECT
 
 public:
-    /// Where a picture stands.
+    /// The state of a picture.
     enum class State
     {
-        Waiting, ///< it was asked for and comes
-        Missing, ///< the item has none, or it cannot be read
-        Broken,  ///< the catalog holds something that is no picture
+        Waiting, ///< it is being loaded
+        Missing, ///< the item has none, or the catalog cannot be read
+        Broken,  ///< its data is not a picture
         Here
     };
 
     explicit PictureStore(QObject* parent = nullptr);
-    /// Waits for the load that is under way.
+    /// Waits for the current load.
     ~PictureStore() override;
 
-    /// Asks for the picture of an item when it is not there yet.
+    /// Starts to load the picture of an item, unless it is there.
     State ask(const fileString& database, long long item);
-    /// The picture; null unless `ask` says that it is here.
+    /// The picture; null unless `ask` has returned that it is there.
     QImage picture(const fileString& database, long long item) const;
-    /// Forgets the pictures of a database that was replaced.
+    /// Drops the pictures of a database that was replaced.
     void forget(const fileString& database);
 
 Q_SIGNALS:
-    /// Pictures that were asked for have come.
+    /// Pictures have been loaded.
     void loaded();
 
 private:
@@ -63,10 +63,10 @@ private:
     void load();
     void keep(const std::vector<Loaded>& pictures);
 
-    QThreadPool mPool; ///< one thread: a disk serves one reader best
+    QThreadPool mPool; ///< one thread, because a disk serves one reader best
     QCache<QString, Entry> mKept;
-    std::deque<Key> mWanted;             ///< the last one is the first to be loaded: it is on the screen
+    std::deque<Key> mWanted;             ///< the last one is loaded first, because it is on the screen
     std::set<Key> mAsked;                ///< wanted, or being loaded
-    std::map<fileString, int> mVersions; ///< how often each database was forgotten
+    std::map<fileString, int> mVersions; ///< counts how often each database was dropped
     bool mIsLoading = false;
 };

@@ -7,7 +7,7 @@ class QPainter;
 /// The star that marks a favourite.
 namespace Star {
 
-/// @param isFilled a favourite; else only its outline, as the offer to make it one
+/// @param isFilled whether the item is a favourite; if not, draws only the outline
 void draw(QPainter& painter, const QRectF& area, bool isFilled);
 
 } // namespace Star

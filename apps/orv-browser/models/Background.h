@@ -8,16 +8,16 @@
 
 #include "apps/orv-browser/models/ThreadPassage.h"
 
-/// Work off the interface thread whose result comes back to it.
+/// Runs work on another thread and returns its result to the interface thread.
 namespace Background {
 
 struct ToWorker;
 struct FromWorker;
 
-/// Runs `work` on the pool and then `done` with its result on the thread of `receiver`, or nothing when the
-/// receiver is gone by then. The receiver must wait for its pool before it is destroyed, so that it is there
-/// while it is posted to.
-/// @param priority of what waits in the pool, the highest goes first
+/// Runs `work` on the pool and then calls `done` with its result on the thread of `receiver`. If the receiver
+/// has been destroyed by then, `done` is not called. The receiver's destructor must wait for its pool, so
+/// that the receiver exists while results are posted to it.
+/// @param priority among the work waiting in the pool, the highest is first
 template <class Work, class Done>
 void run(QThreadPool& pool, QObject* receiver, Work work, Done done, int priority = 0)
 {

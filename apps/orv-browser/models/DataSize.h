@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <QString>
 
-/// Sizes of data for people, all in one family of units: kB, MB and GB of 1,000 each, as the library counts.
+/// Sizes of data for people, in kB, MB and GB of 1,000 each, as in the library.
 class DataSize
 {
     Q_DECLARE_TR_FUNCTIONS(DataSize)
@@ -11,8 +11,8 @@ class DataSize
 public:
     /// Such as "4.6 MB".
     static QString text(qint64 bytes);
-    /// Such as "1.3 of 4.6 MB": both in the unit of the whole.
+    /// Such as "1.3 of 4.6 MB": both numbers in the unit of the second one.
     static QString part(qint64 done, qint64 whole);
-    /// The unit of what the library counts in an update, "kB".
+    /// The library's unit in an update, "kB".
     static QString kilobyte() { return QStringLiteral("kB"); }
 };

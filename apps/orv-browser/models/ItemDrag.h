@@ -8,8 +8,7 @@
 
 class QMimeData;
 
-/// What is carried when items are dragged: from which catalogs, and their database ids. Programs that know
-/// nothing of catalogs get the names as text.
+/// The data of dragged items: their catalogs and database ids. Other programs get the names as text.
 namespace ItemDrag {
 
 struct Item
@@ -23,7 +22,7 @@ struct Item
 QString mimeType();
 /// @return owned by the caller
 QMimeData* encode(const std::vector<Item>& items);
-/// The items, without names; none when the data is of another kind or damaged.
+/// The items, without names. Empty if the data is of another kind or damaged.
 std::vector<Item> decode(const QMimeData& data);
 
 } // namespace ItemDrag

@@ -12,8 +12,8 @@
 #include "apps/orv-browser/models/NewItems.h"
 #include "apps/orv-browser/models/Place.h"
 
-/// Which items to show: those of a place that hold every word of a search and pass every choice. A value that
-/// is made on the interface thread and asked on another one.
+/// Selects the items to show: those of a place that contain every word of a search and match every choice. A
+/// plain value, made on the interface thread and run on another one.
 struct ItemQuery
 {
     enum class Order
@@ -23,7 +23,7 @@ struct ItemQuery
         Style,
         Maker
     };
-    /// One choice of the bar above the gallery.
+    /// A choice in the bar above the gallery.
     enum Facet
     {
         kStyleFacet,
@@ -35,13 +35,13 @@ struct ItemQuery
     };
 
     Place place;
-    std::vector<std::string> terms; ///< folded; an item must hold each one somewhere
+    std::vector<std::string> terms; ///< folded words; an item must contain all of them
     std::optional<std::int32_t> style;
     std::optional<std::int32_t> maker;
     std::optional<fileString> catalog;
     bool onlyFavourites = false;
     bool onlyNew = false;
-    /// Ids of the catalogs that a stored filter lets through; none for no filter.
+    /// The ids of the catalogs in the current filter; empty if there is no filter.
     std::optional<std::set<std::string>> filter;
     Order order = Order::Name;
     bool isDescending = false;
@@ -49,10 +49,10 @@ struct ItemQuery
     std::map<std::int32_t, std::string> styleNames; ///< folded, by number
     std::map<std::int32_t, std::string> makerNames;
     std::vector<std::pair<fileString, long long>> favourites; ///< sorted
-    std::vector<std::pair<fileString, long long>> recent;     ///< the last one first
+    std::vector<std::pair<fileString, long long>> recent;     ///< the latest first
     std::shared_ptr<const NewItems> news;                     ///< null for none
 
-    /// What was found, and how many items each choice would leave.
+    /// The found items, and the number of items that each choice would leave.
     struct Found
     {
         std::shared_ptr<const ItemIndex> index;
@@ -60,15 +60,15 @@ struct ItemQuery
         std::vector<ItemRef> items;
         std::map<std::int32_t, int> styles;
         std::map<std::int32_t, int> makers;
-        std::map<std::uint32_t, int> catalogs; ///< by position in the index
+        std::map<std::uint32_t, int> catalogs; ///< by index of the catalog
         int favourites = 0;
         int newItems = 0;
-        int everywhere = 0; ///< items that hold the words, whatever the place and the choices are
-        int unreadable = 0; ///< catalogs of the place that cannot be read
+        int everywhere = 0; ///< items with the words in all places, without the choices
+        int unreadable = 0; ///< unreadable catalogs of the place
     };
 
-    /// @param isCancelled asked now and then; a cancelled search finds nothing of use
+    /// @param isCancelled checked from time to time; the result of a cancelled search is not usable
     Found ask(std::shared_ptr<const ItemIndex> index, const std::atomic<bool>& isCancelled) const;
-    /// Whether anything but the place restricts the items.
+    /// Whether anything except the place restricts the items.
     bool isRestricted() const;
 };

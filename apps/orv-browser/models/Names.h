@@ -6,14 +6,14 @@
 
 #include <QString>
 
-/// The names of styles and makers, which catalogs only number. Interface thread.
+/// The names of styles and makers; catalogs only have their numbers. Interface thread.
 namespace Names {
 
-/// Empty for no style.
+/// Empty if there is no style.
 QString style(std::int32_t number);
-/// A maker without a record is named by its number; empty for no maker.
+/// If there is no record for a maker, its number. Empty if there is no maker.
 QString maker(std::int32_t number);
-/// All names as a search compares them.
+/// All names, folded for searching.
 std::map<std::int32_t, std::string> foldedStyles();
 std::map<std::int32_t, std::string> foldedMakers();
 

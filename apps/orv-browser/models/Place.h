@@ -4,8 +4,8 @@
 
 #include "OrvLibrary/host/fileString.h"
 
-/// A place where items are looked at: everything, one category, one catalog, one folder of it, or one of the
-/// user's own lists. A value.
+/// A place with items: everything, one category, one catalog, one of its folders, or one of the user's lists.
+/// A plain value.
 struct Place
 {
     enum class Kind
@@ -16,12 +16,12 @@ struct Place
         Folder,
         Favourites,
         Recent,
-        News ///< what updates brought since the user last looked
+        News ///< items that updates have added or changed since the user last looked
     };
 
     Kind kind = Kind::Everything;
     int category = -1;     ///< of a category, a catalog and a folder: 0 core to 3 the user's own
-    fileString database;   ///< of a catalog and a folder
+    fileString database;   ///< for a catalog or a folder
     long long folder = -1; ///< the id of a folder
 
     bool isInCatalog() const { return kind == Kind::Catalog || kind == Kind::Folder; }

@@ -19,7 +19,7 @@ std::string foldedAscii(std::string text)
     return text;
 }
 
-/// Letters that have no accent to take away, and yet are typed as others where a keyboard lacks them.
+/// Letters without an accent that are typed as others if a keyboard does not have them.
 QString typed(QChar letter)
 {
     switch (letter.unicode()) {

@@ -4,11 +4,11 @@
 #include <sanitizer/tsan_interface.h>
 #endif
 
-/// Tells the thread sanitizer that a function has gone through one of Qt's queues to another thread. The
-/// queue makes everything that happened before visible there, but the sanitizer does not look into Qt and
-/// would report races that are none. Capture it last in the function, and call `arrive` first in its body.
-/// Without the sanitizer it does nothing.
-/// @tparam Way names the queue, so that the sanitizer keeps different queues apart
+/// Tells the thread sanitizer that a function has passed through one of Qt's queues to another thread. The
+/// queue makes earlier writes visible there, but the sanitizer does not see this and would report races.
+/// Capture it last in the function, and call `arrive` first in its body. Without the sanitizer it does
+/// nothing.
+/// @tparam Way identifies the queue, so that the sanitizer distinguishes queues
 template <class Way>
 class ThreadPassage
 {
@@ -17,7 +17,7 @@ public:
     ThreadPassage(const ThreadPassage&) noexcept { leave(); }
     ThreadPassage(ThreadPassage&&) noexcept { leave(); }
     ThreadPassage& operator=(const ThreadPassage&) = delete;
-    ~ThreadPassage() { arrive(); } // goes before the other captures, also where the function was not called
+    ~ThreadPassage() { arrive(); } // destroyed before the other captures, even if the function was not called
 
     void arrive()
     {

@@ -2,7 +2,7 @@
 
 #include <QStyledItemDelegate>
 
-/// Paints a place with the number of its items at the far side. Lives on the interface thread.
+/// Paints a place, with the number of its items at the other end of the row. Lives on the interface thread.
 class PlaceDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

@@ -37,7 +37,7 @@ void PlaceMemory::noteClosed(const QModelIndex& index)
 
 void PlaceMemory::remember(const fileString& database)
 {
-    mIsRestoring = true; // rows that leave make other rows current
+    mIsRestoring = true; // removed rows change the current row
     const Place current = mModel.placeOf(mView.currentIndex());
     if (current.kind == Place::Kind::Folder && current.database == database)
         mCurrent = current;
@@ -46,7 +46,7 @@ void PlaceMemory::remember(const fileString& database)
 void PlaceMemory::restore(const QModelIndex& catalog)
 {
     const fileString database = mModel.placeOf(catalog).database;
-    for (const Place& place : std::vector<Place>(mOpen)) // each stands behind those above it
+    for (const Place& place : std::vector<Place>(mOpen)) // parents come before their children
         if (place.isInCatalog() && place.database == database)
             if (const QModelIndex index = mModel.indexOf(place); index.isValid())
                 mView.expand(index);

@@ -10,8 +10,8 @@ class PlacesModel;
 class QModelIndex;
 class QTreeView;
 
-/// Keeps what the user has open in the tree of places while catalogs are read again: the same nodes are open
-/// afterwards, and the same place is the current one. Lives as long as the view.
+/// Keeps the state of the tree of places while catalogs are read again: the same nodes are open afterwards,
+/// and the same place is current. Lives as long as the view.
 class PlaceMemory : public QObject
 {
     Q_OBJECT
@@ -21,15 +21,15 @@ public:
 
     /// The places that are open.
     const std::vector<Place>& open() const { return mOpen; }
-    /// Opens places as soon as their catalogs are read.
+    /// Opens places when their catalogs have been read.
     void setOpen(std::vector<Place> places);
-    /// Makes a place the current one as soon as its catalog is read.
+    /// Makes a place the current one when its catalog has been read.
     void wantCurrent(const Place& place) { mCurrent = place; }
-    /// Whether the tree is being put back, so that its current place says nothing about the user.
+    /// Whether the tree is being restored. Its current place is then not a choice of the user.
     bool isRestoring() const { return mIsRestoring; }
 
 Q_SIGNALS:
-    /// The tree is as it was, or as near to that as the new content allows.
+    /// The tree has been restored as far as the new content allows.
     void restored();
 
 private:
@@ -41,6 +41,6 @@ private:
     QTreeView& mView;
     PlacesModel& mModel;
     std::vector<Place> mOpen;
-    Place mCurrent; ///< to become the current place again; everything for none
+    Place mCurrent; ///< will become the current place again; everything for none
     bool mIsRestoring = false;
 };

@@ -7,12 +7,12 @@
 #include "apps/orv-browser/models/ItemIndex.h"
 #include "apps/orv-browser/models/Place.h"
 
-/// How places are named for people, and which places lie above them. Interface thread.
+/// The names of places for people, and the places above them. Interface thread.
 namespace PlaceNames {
 
 QString name(const Place& place, const ItemIndex& index);
 QString category(int category);
-/// The places from everything down to this one.
+/// The places from "everything" down to this one.
 std::vector<Place> way(const Place& place, const ItemIndex& index);
 
 } // namespace PlaceNames

@@ -1,4 +1,4 @@
-// Dropping items on the user's own libraries. The copying itself is done by whoever hears of it.
+// Dropping items on the user's own libraries. The receiver of `itemsDropped` copies them.
 #include <QMimeData>
 
 #include "apps/orv-browser/models/ItemDrag.h"

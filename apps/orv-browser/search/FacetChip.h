@@ -5,8 +5,8 @@
 #include <QToolButton>
 #include <QVariant>
 
-/// A choice above the gallery, such as one style: a button that names it and opens the list of what can be
-/// chosen, each with the number of items that it would leave.
+/// A choice above the gallery, such as the style: a button with its name that opens the list of values, each
+/// with the number of items that it would leave.
 class FacetChip : public QToolButton
 {
     Q_OBJECT
@@ -19,7 +19,7 @@ public:
         int count = 0;
     };
 
-    /// @param title what the choice is about, such as "Style"
+    /// @param title the name of the choice, such as "Style"
     FacetChip(const QString& title, QWidget* parent = nullptr);
 
     /// The chosen value; invalid for none.
@@ -28,12 +28,12 @@ public:
     const QString& valueName() const { return mName; }
     void choose(const QVariant& value, const QString& name);
     void clear();
-    /// What can be chosen now. The chosen value stays, even where it would leave nothing.
+    /// Sets the values that can be chosen now. The chosen value stays, even if it would leave nothing.
     void setValues(std::vector<Value> values);
 
-    /// Shows a choice on a button: its title, and the name of what is chosen; empty for nothing.
+    /// Shows a choice on a button: its title and the name of the chosen value, or nothing.
     static void showOn(QToolButton& button, const QString& title, const QString& name);
-    /// A name as the text of an action, which takes "&" as the mark of a key.
+    /// A name as the text of an action, in which "&" would mark a key.
     static QString escaped(const QString& name);
 
 Q_SIGNALS:

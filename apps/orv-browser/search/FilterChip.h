@@ -2,9 +2,9 @@
 
 #include <QToolButton>
 
-/// The stored filter that is in force, as one more choice above the gallery: a button that names it and opens
-/// the list of filters, with the ways to make one of the current choices and to edit them. What is chosen is
-/// done by whoever hears of it, who then calls `refresh`.
+/// The current filter as one more choice above the gallery: a button with its name that opens the list of
+/// filters, and actions to make a filter of the current choices and to edit filters. The receivers of its
+/// signals change the filters and then call `refresh`.
 class FilterChip : public QToolButton
 {
     Q_OBJECT
@@ -12,9 +12,9 @@ class FilterChip : public QToolButton
 public:
     explicit FilterChip(QWidget* parent = nullptr);
 
-    /// Shows the filter that the library's filter manager holds as current.
+    /// Shows the current filter of the filter manager.
     void refresh();
-    /// Whether there is something to make a filter of.
+    /// Whether there is anything to make a filter of.
     void setSavable(bool isSavable) { mIsSavable = isSavable; }
 
 Q_SIGNALS:

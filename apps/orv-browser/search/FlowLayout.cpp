@@ -38,7 +38,7 @@ QSize FlowLayout::minimumSize() const
     return size;
 }
 
-/// @return the height that the lines take
+/// @return the height of all lines
 int FlowLayout::arrange(const QRect& area, bool isMoving) const
 {
     const Qt::LayoutDirection direction =

@@ -3,8 +3,7 @@
 #include <QLayout>
 #include <QList>
 
-/// Widgets side by side in lines that wrap where the room ends, like words. Follows the direction of the
-/// language.
+/// Places widgets side by side and wraps them into lines, like words. Follows the direction of the language.
 class FlowLayout : public QLayout
 {
     Q_OBJECT

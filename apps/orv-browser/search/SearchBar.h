@@ -11,8 +11,8 @@ class QHBoxLayout;
 class QLineEdit;
 class QToolButton;
 
-/// What restricts the gallery: the search field, and below it the choices of style, maker, catalog,
-/// favourites, what is new, and stored filter, each with the numbers that it would leave.
+/// Everything that restricts the gallery: the search field and, below it, the choices of style, maker,
+/// catalog, favourites, news and filter, each with the number of items that it would leave.
 class SearchBar : public QWidget
 {
     Q_OBJECT
@@ -20,25 +20,25 @@ class SearchBar : public QWidget
 public:
     explicit SearchBar(QWidget* parent = nullptr);
 
-    /// Puts tools of the gallery into the line of the field.
+    /// Adds tools of the gallery beside the field.
     void addBesideField(QWidget* tools);
     FilterChip& filters() { return *mFilters; }
     void focusField();
-    /// Whether `changed` comes as soon as the user has stopped typing.
+    /// Whether the user is typing, and `changed` will be sent soon.
     bool isWaiting() const { return mDelay.isActive(); }
-    /// Adds what is entered and chosen here to a query.
+    /// Adds the words and choices to a query.
     void addTo(ItemQuery& query) const;
-    /// Shows the numbers of what was found.
+    /// Shows the numbers of a result.
     void showNumbers(const ItemQuery::Found& found);
-    /// What restricts the gallery, each for people; empty for nothing.
+    /// The restrictions, each for people; empty if there are none.
     QStringList restrictions() const;
-    /// Forgets the words and all choices, the stored filter too.
+    /// Removes the words and all choices, including the filter.
     void clear();
-    /// Forgets the choices and keeps the words.
+    /// Removes the choices and keeps the words.
     void clearChoices();
-    /// Names of what is chosen, for people; without the words.
+    /// The names of the choices, for people; without the words.
     QStringList choices() const;
-    /// Whether anything but words restricts the gallery.
+    /// Whether anything except words restricts the gallery.
     bool hasChoices() const;
     void chooseStyle(std::int32_t style);
     void chooseMaker(std::int32_t maker);
@@ -46,9 +46,9 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 Q_SIGNALS:
-    /// Words or choices have changed.
+    /// The words or choices have changed.
     void changed();
-    /// The user wants to go on to the items, by Down or Enter.
+    /// The user wants to move on to the items, with Down or Enter.
     void itemsAsked();
 
 private:
@@ -56,7 +56,7 @@ private:
     void buildChips();
     bool isFieldKey(int key);
 
-    QTimer mDelay; ///< from the last key to the search
+    QTimer mDelay; ///< between the last key and the search
     QHBoxLayout* mFirstLine;
     QLineEdit* mField;
     FacetChip* mStyle;
