@@ -1,4 +1,6 @@
-// Finds the place of a library's texture archive and puts a new one there.
+// How it works: the new archive is moved to its place if the name is free. Otherwise both are merged into an
+// archive that starts empty and then replaces the old one. If an update has replaced the old archive
+// meanwhile, the merge is repeated.
 #include <new>
 #include <stdexcept>
 

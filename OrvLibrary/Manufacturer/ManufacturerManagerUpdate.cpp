@@ -1,4 +1,6 @@
-// Refreshes the records and their logos from the web service.
+// How it works: the web service's file is downloaded beside ours and read. If it is newer, the logos of new
+// and newer records are downloaded, then its records replace ours, and our file is written. Names of logos
+// come from the service, so each is checked before a file is removed or written.
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// How it works: the files are a list of entries, and `mNext` is the first one that may be waiting. Both
+// threads take the next waiting entry, mark it as in hand, hash it without the lock, and store the result.
+// `hashOf` hashes its file if it is waiting. If the other thread has it in hand, `hashOf` hashes others until
+// the result is there.
 #include "OrvLibrary/catalog/CatalogHashesAhead_p.h"
 
 #include <algorithm>

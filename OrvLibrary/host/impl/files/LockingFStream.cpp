@@ -1,3 +1,7 @@
+// How it works: a stream for reading or appending locks the file itself. A stream for writing uses a
+// `ReplacementFile`, and its buffer writes to a second descriptor of the file beside. `close` writes the
+// rest, checks that no write has failed, and commits the replacement. Without `close`, the destructor of the
+// replacement removes the file.
 #include "OrvLibrary/host/LockingFStream.h"
 
 #include <cerrno>

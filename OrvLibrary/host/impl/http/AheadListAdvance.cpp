@@ -1,3 +1,7 @@
+// How it works: this part of the list sends requests before their calls. `advance` is called at each step of
+// the transfer loop. It ends transfers that have finished, and starts waiting entries, in their order, until
+// the policy says that enough are running. An answer is kept only if the call would have got the same one.
+// The calls are in AheadList.cpp.
 #include <algorithm>
 #include <new>
 #include <utility>

@@ -1,3 +1,5 @@
+// How it works: the header fields are read as lists of algorithms and digests. Each known algorithm gets a
+// running hash, which takes the body piece by piece. `matches` ends the hashes and compares them.
 #include "OrvLibrary/host/impl/http/BodyDigest_p.h"
 
 #include <algorithm>

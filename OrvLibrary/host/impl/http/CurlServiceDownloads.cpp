@@ -1,3 +1,7 @@
+// How it works: a download first asks the list of announced downloads, which may have the body already.
+// Otherwise a chain sends the request, for the whole file or for the rest of a partial file, and a `FileBody`
+// writes it. If the server's answer does not continue the partial file, the loop starts again with the whole
+// file. `conclude` renames a good file and explains a failure.
 #include <exception>
 #include <new>
 #include <utility>

@@ -1,3 +1,6 @@
+// How it works: bytes are gathered up to 256 KB and then written in one call. After every 8 MB the system is
+// told to begin writing to the disk. The file is either a `ReplacementFile` (private, removed after a
+// failure) or the partial file (locked, kept after a failure). `commit` syncs it and renames it.
 #include "OrvLibrary/host/impl/http/DownloadFile_p.h"
 
 #include <cerrno>

@@ -1,3 +1,7 @@
+// How it works: `run` sends the request, looks for a redirect in the answer, checks the new address and sends
+// the request there, until an answer is final. `send` makes one such step: it refuses a closed address, takes
+// the answer of a request that was sent ahead or sends the request itself, and repeats it alone if the server
+// may have refused it only because of others.
 #include "OrvLibrary/host/impl/http/HttpChain_p.h"
 
 #include <algorithm>

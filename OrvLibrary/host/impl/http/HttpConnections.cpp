@@ -1,3 +1,7 @@
+// How it works: `perform` sends one request and loops until its transfer has finished. Each `step` lets the
+// transfer library move all transfers of the thread, collects those it has ended, and lets the lists of
+// announced requests start new ones. Between two steps `wait` sleeps until bytes arrive, for 10 ms at most.
+// So everything that runs ahead moves on while a call waits, and needs no thread.
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// How it works: targets and extractions are begun when a walk first uses them, and are then found by the path
+// that the caller used. `finishWalk` waits for everything that verifies or inflates the members of this walk.
+// `complete` first writes and syncs all files, and only then renames them, so that a full disk changes
+// nothing.
 #include "OrvLibrary/host/impl/zip/ZipBatch_p.h"
 
 #include <cerrno>

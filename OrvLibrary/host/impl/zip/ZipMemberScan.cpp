@@ -1,3 +1,6 @@
+// How it works: the scan looks for the signature of a local header, reads the header and skips the member's
+// data. If the sizes are only after the data, the deflate stream is read to its end to find them. If the
+// bytes were not a header, the search goes on one byte later.
 #include "OrvLibrary/host/impl/zip/ZipMemberScan_p.h"
 
 #include <algorithm>

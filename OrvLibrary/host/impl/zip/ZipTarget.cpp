@@ -1,3 +1,8 @@
+// How it works: a list has all members of the new archive in the order of its directory, first those of the
+// existing archive. `add` appends a member and writes it at once, unless its source has a later one with the
+// same name. A member that is replaced loses its source, and is not written. Copying is postponed:
+// `extendRun` collects neighbouring ranges of one source, and `flushRun` copies them in one step. `write`
+// writes the members left from the existing archive, then the directory.
 #include "OrvLibrary/host/impl/zip/ZipTarget_p.h"
 
 #include <algorithm>
