@@ -28,6 +28,7 @@ struct Plan
     bool torn = false;
     bool half = false;
     bool late = false;
+    bool stop = false;
     int error = 0;
     int log = -1;
 };
@@ -64,6 +65,7 @@ __attribute__((constructor)) void readPlan()
     plan.torn = std::strcmp(what, "torn") == 0;
     plan.half = std::strcmp(what, "short") == 0;
     plan.late = std::strcmp(what, "late") == 0;
+    plan.stop = std::strcmp(what, "stop") == 0;
     plan.error = std::atoi(what);
     if (*setting("ORV_FAULT_LOG"))
         plan.log = rawOpen(setting("ORV_FAULT_LOG"));
@@ -136,6 +138,10 @@ Outcome count(const char* kind, const char* path)
         return canBeHalf ? Outcome::Half : Outcome::Proceed;
     if (plan.late) {
         usleep(kLateness);
+        return Outcome::Proceed;
+    }
+    if (plan.stop) {
+        syscall(SYS_kill, getpid(), SIGSTOP);
         return Outcome::Proceed;
     }
     errno = plan.error;

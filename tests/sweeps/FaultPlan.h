@@ -11,7 +11,8 @@
 /// - ORV_FAULT_LOG    file to which every call that counts is appended as a line "kind path"
 /// - ORV_FAULT_AT     the call that goes wrong, counted from 1
 /// - ORV_FAULT_DO     "kill", "torn" (a kill in the middle of a write), "short" (half of a read or write),
-///                    "late" (done after a while), or the number of an error
+///                    "late" (done after a while), "stop" (done when the stopped program is continued), or
+///                    the number of an error
 /// - ORV_FAULT_EVER   set: that call and every later one go wrong
 namespace fault {
 

@@ -1,14 +1,16 @@
 #!/usr/bin/env python3
 """Two programs' histories: scripts of commands that two processes run on one root, and kills among them.
 
-    histories.py --program ORV_LIBRARY --shim SHIM [--histories N] [--seed S] [--seconds T] [--only HISTORY]
+    histories.py --program ORV_LIBRARY --shim SHIM [--held N] [--histories N] [--seed S] [--seconds T] [--only HISTORY]
+
+First, pairs of commands of which one is held up at each of N calls until the other one has ended or waits (see held.py).
 
 Each history is made from its seed: what the two run, which commands are killed, and at which call, and which are held up
 at each of some calls. How the two fall
 together is the machine's doing. While they run, every file is looked at again and again: it must be whole, and of a
 version that was brought. When both have ended, every file is one that the commands may have left in some order (see
 history_model.py). Then one command of each kind is run alone; after them everything is new, sound, and nothing is left
-over. 200 histories where the environment variable ORV_SWEEP is "full".
+over. 200 histories, and every call, where the environment variable ORV_SWEEP is "full".
 """
 import argparse
 import hashlib
@@ -26,6 +28,7 @@ import zipfile
 import history_model
 import oracle
 import scenarios
+from held import Held
 from history_model import Step
 from sweep import CHANGING, Sweep, is_full
 
@@ -229,6 +232,9 @@ class Histories:
         shutil.copytree(self.template, sandbox, symlinks=True)
         return sandbox
 
+    def files(self, sandbox):
+        return Files(sandbox, self.core, self.packed)
+
     def execute(self, step, sandbox):
         settings = None
         if step.fault:
@@ -249,7 +255,7 @@ class Histories:
         length = chance.randint(3, 7)
         scripts = [commands.script(chance, length, kinds) for _ in range(2)]
         sandbox = self.copy(f"history{number}")
-        files = Files(sandbox, self.core, self.packed)
+        files = self.files(sandbox)
         complaints, stop = [], threading.Event()
 
         # In two of three histories they begin each command together, or one a moment later.
@@ -298,7 +304,7 @@ class Histories:
         was never added."""
         complaints = []
         for step in steps:
-            killed = {-9} if step.fault else set()
+            killed = {-9} if step.fault and step.fault[1] in ("kill", "torn") else set()
             turned_away = step.status == 1 and step.kind in ("update", "refresh") and BUSY.search(step.said)
             nothing_there = step.status == 1 and step.kind in ("remove", "look")
             if step.status not in killed | {0} and not turned_away and not nothing_there:
@@ -348,13 +354,14 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--program", required=True, type=os.path.abspath)
     parser.add_argument("--shim", required=True, type=os.path.abspath)
+    parser.add_argument("--held", type=int, default=6)
     parser.add_argument("--histories", type=int, default=8)
     parser.add_argument("--seed", default="1")
     parser.add_argument("--seconds", type=float, default=3600)
     parser.add_argument("--only", type=int, action="append", metavar="HISTORY")
     options = parser.parse_args()
     if is_full():
-        options.histories = 200
+        options.histories, options.held = 200, 0
 
     end = time.monotonic() + options.seconds
     ran = failed = 0
@@ -362,6 +369,10 @@ def main():
         histories = Histories(options.program, options.shim, os.path.realpath(folder), options.seed)
         try:
             histories.prepare()
+            held = Held(histories)
+            complaints = held.run(options.held) if not options.only else []
+            failed += len(complaints)
+            print(*complaints, f"held: {held.ran} pairs, {held.waited} of the second ones waited", sep="\n", flush=True)
             for number in options.only or range(options.histories):
                 if time.monotonic() > end:
                     break

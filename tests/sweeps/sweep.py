@@ -110,16 +110,27 @@ class Sweep:
 
     def speak(self, arguments, sandbox, settings=None):
         """The same, with what was said on standard output."""
+        return self.finish(self.start(arguments, sandbox, settings))
+
+    def start(self, arguments, sandbox, settings=None):
+        """The process of a command; whoever starts it finishes it."""
         environment = {**ENVIRONMENT, "ORV_LIBRARY_ROOT": os.path.join(sandbox, "root")}
         if settings:
             environment.update(settings, LD_PRELOAD=self.shim, ORV_FAULT_ROOT=sandbox)
+        return subprocess.Popen([self.program, "--progress", "none", "--trace", sandbox + ".trace"] + arguments,
+                                cwd=os.path.join(sandbox, "work"), env=environment,
+                                stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+
+    @staticmethod
+    def finish(process):
+        """Exit status, and what was said on standard error and standard output."""
         try:
-            done = subprocess.run([self.program, "--progress", "none", "--trace", sandbox + ".trace"] + arguments,
-                                  cwd=os.path.join(sandbox, "work"), env=environment, timeout=DEADLOCK_SECONDS,
-                                  stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+            said, told = process.communicate(timeout=DEADLOCK_SECONDS)
         except subprocess.TimeoutExpired:
+            process.kill()
+            process.communicate()
             return "deadlock", "", ""
-        return done.returncode, done.stderr.decode(errors="replace"), done.stdout.decode(errors="replace")
+        return process.returncode, told.decode(errors="replace"), said.decode(errors="replace")
 
     def run(self, scenario, sandbox, settings=None):
         remove(sandbox + ".trace")
