@@ -19,6 +19,8 @@ enum class Refusal
 class CurlCrowdTest : public CurlDownloadsFixture, public testing::WithParamInterface<Refusal>
 {
 protected:
+    CurlCrowdTest() : CurlDownloadsFixture(patientLimits()) {}
+
     static constexpr int kCount = 60;
 
     /// Each request takes 15 ms; while `limit` are under way, a further one is refused at once.

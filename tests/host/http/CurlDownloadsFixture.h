@@ -35,6 +35,14 @@ struct Listener
 class CurlDownloadsFixture : public CurlFixture
 {
 protected:
+    /// For tests that count requests: a server that other programs keep from the processor for seconds is not
+    /// taken for one that does not serve.
+    static HttpLimits patientLimits()
+    {
+        HttpLimits limits;
+        limits.aheadPatience = 60;
+        return limits;
+    }
     explicit CurlDownloadsFixture(const HttpLimits& limits = HttpLimits()) : CurlFixture(limits)
     {
         server.on("/first", FaultReply::ok("").pauseAt(0, delay));

@@ -20,6 +20,8 @@ constexpr std::size_t kFiles = 6;
 class CurlMemoryTest : public CurlDownloadsFixture
 {
 protected:
+    CurlMemoryTest() : CurlDownloadsFixture(patientLimits()) {}
+
     /// All of them, one after the other.
     void expectAllArrive(const Downloads& downloads)
     {
@@ -94,9 +96,10 @@ TEST_F(CurlMemoryTest, downloadWithoutAHandleAheadIsMadeInItsTurn)
 TEST_F(CurlMemoryTest, downloadThatCannotMoveOnInItsTurnIsAskedForAnew)
 {
     const Downloads downloads = serve(kFiles);
-    server.on(nameOf(0), FaultReply::ok(bodyOf(0)).pauseAt(0, 300ms));
     const int handles = handlesOfARun(downloads);
+    server.on(nameOf(0), FaultReply::ok(bodyOf(0)).silentAt(0));
     announce(downloads);
+    ASSERT_TRUE(server.waitForRequests(requestsBefore + kFiles));
     server.on(nameOf(0), FaultReply::ok(bodyOf(0)));
     {
         // The first look is that of the others; with the second one it waits for its own.

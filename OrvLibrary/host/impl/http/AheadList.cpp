@@ -162,7 +162,7 @@ bool AheadList::isStalled(const AheadEntry& entry, TimePoint turn) const
     TimePoint since = std::max(turn, mCourse.lastEnd);
     for (const AheadEntry* const running : mRunning)
         since = std::max(since, running->transfer->lastArrival());
-    const auto stall = AheadPolicy::stallTime(situationOf(entry).latency);
+    const auto stall = AheadPolicy::stallTime(situationOf(entry).latency) * mLimits.aheadPatience;
     return HttpLimits::Clock::now() - since >= stall && mayBeUntaken(entry);
 }
 
@@ -199,7 +199,7 @@ void AheadList::makeRoom()
 {
     if (!mCourse.isStopped)
         return;
-    const TimePoint latest = HttpLimits::Clock::now() + AheadPolicy::kLongestHold;
+    const TimePoint latest = HttpLimits::Clock::now() + AheadPolicy::kLongestHold * mLimits.aheadPatience;
     while (isRunning() && HttpLimits::Clock::now() < latest && mConnections.step() &&
            !CancelQuestion::isCancelled()) {
         if (isRunning())
