@@ -8,6 +8,7 @@
 #include "OrvLibrary/host/StringUtils.h"
 #include "tests/Manufacturer/ManufacturerFixture.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ClockSpan.h"
 
 namespace {
 
@@ -65,11 +66,10 @@ TEST_F(ManufacturerManagerLoad, missingMembersHaveTheirDefaults)
 
 TEST_F(ManufacturerManagerLoad, emptyObjectIsAnEmptyTableOfNow)
 {
-    const ptime before = Library::getTimeNow();
-    ASSERT_TRUE(read("{}"));
+    const test::ClockSpan span = test::clockSpanOf([this] { EXPECT_TRUE(read("{}")); });
     EXPECT_TRUE(mTable.empty());
-    EXPECT_GE(mTime, before);
-    EXPECT_LE(mTime, Library::getTimeNow());
+    EXPECT_GE(mTime, span.before);
+    EXPECT_LE(mTime, span.after);
     EXPECT_EQ(mText, StringUtils::loadString(10108));
     EXPECT_NE(mText, "");
 }

@@ -4,6 +4,7 @@
 
 #include "OrvLibrary/json/json_writer.h"
 #include "tests/Manufacturer/ManufacturerFixture.h"
+#include "tests/support/ClockSpan.h"
 #include "tests/support/FormatPage.h"
 
 namespace {
@@ -114,28 +115,17 @@ TEST_F(ManufacturerManagerSave, theTwoHalvesMakeTheDocument)
 
 TEST_F(ManufacturerManagerSave, everyWriteHasItsOwnTime)
 {
-    struct Times
-    {
-        ptime before, first, second, after;
-    };
-    const auto writeTwice = [this] {
-        Times times;
-        times.before = Library::getTimeNow();
+    ptime first, second;
+    const test::ClockSpan span = test::clockSpanOf([&] {
         manager().write_manufacturer_file();
-        times.first = stamp();
+        first = stamp();
         EXPECT_EQ(manager().getLastModified(), earliest()) << "the manager's own time is another matter";
         manager().manageManufacturerData();
-        times.second = stamp();
-        times.after = Library::getTimeNow();
-        return times;
-    };
-    Times times = writeTwice();
-    // Somebody has set the clock back meanwhile.
-    if (times.after < times.before)
-        times = writeTwice();
-    EXPECT_GE(times.first, times.before);
-    EXPECT_GT(times.second, times.first);
-    EXPECT_LE(times.second, times.after);
+        second = stamp();
+    });
+    EXPECT_GE(first, span.before);
+    EXPECT_GT(second, first);
+    EXPECT_LE(second, span.after);
 }
 
 TEST_F(ManufacturerManagerSave, folderIsMadeWhenItIsMissing)
@@ -196,20 +186,21 @@ TEST_F(ManufacturerManagerSave, otherFailuresAreSilent)
 TEST_F(ManufacturerManagerSave, changedRecordsGetTheCurrentTime)
 {
     Table edited;
-    for (const long id : {1L, 2L, 3L})
-        edited.emplace(id, named("n" + std::to_string(id)));
-    manager().saveModifiedManufacturers(edited, "");
-
-    edited.at(2) = named("changed");
-    edited.erase(3);
-    edited.emplace(4, named("new", "20010101T000000"));
-    const ptime before = Library::getTimeNow();
-    manager().saveModifiedManufacturers(edited, "t");
+    const test::ClockSpan span = test::clockSpanOf([&] {
+        edited.clear();
+        for (const long id : {1L, 2L, 3L})
+            edited.emplace(id, named("n" + std::to_string(id)));
+        manager().saveModifiedManufacturers(edited, "");
+        edited.at(2) = named("changed");
+        edited.erase(3);
+        edited.emplace(4, named("new", "20010101T000000"));
+        manager().saveModifiedManufacturers(edited, "t");
+    });
 
     EXPECT_EQ(names(), "1:n1 2:changed 4:new ");
     EXPECT_EQ(manager().getManufacturer(1).getLastModified(), time("20200101T000000"));
-    EXPECT_GE(manager().getManufacturer(2).getLastModified(), before);
-    EXPECT_GE(edited.at(2).getLastModified(), before) << "the caller's table is stamped too";
+    EXPECT_GE(manager().getManufacturer(2).getLastModified(), span.before);
+    EXPECT_GE(edited.at(2).getLastModified(), span.before) << "the caller's table is stamped too";
     EXPECT_EQ(manager().getManufacturer(4).getLastModified(), time("20010101T000000"));
     EXPECT_EQ(manager().getDefaultText(), "t");
 }

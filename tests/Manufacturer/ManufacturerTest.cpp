@@ -1,6 +1,9 @@
 #include "OrvLibrary/Manufacturer/Manufacturer.h"
 
+#include <optional>
+
 #include "tests/Manufacturer/ManufacturerFixture.h"
+#include "tests/support/ClockSpan.h"
 
 namespace {
 
@@ -21,8 +24,9 @@ class ManufacturerRecord : public test::ManufacturerFixture
 
 TEST_F(ManufacturerRecord, defaultIsEmptyAndChangedNow)
 {
-    const ptime before = Library::getTimeNow();
-    const Manufacturer record;
+    std::optional<Manufacturer> made;
+    const test::ClockSpan span = test::clockSpanOf([&] { made.emplace(); });
+    const Manufacturer& record = *made;
     EXPECT_EQ(record.getManufacturerName(), "");
     EXPECT_EQ(record.getManufacturerUrl(), "");
     EXPECT_EQ(record.getManufacturerPhoneNumber(true), "");
@@ -31,8 +35,8 @@ TEST_F(ManufacturerRecord, defaultIsEmptyAndChangedNow)
     EXPECT_TRUE(record.getManufacturerLogoName().empty());
     EXPECT_FALSE(record.isLocked());
     EXPECT_FALSE(record.isDeleted());
-    EXPECT_GE(record.getLastModified(), before);
-    EXPECT_LE(record.getLastModified(), Library::getTimeNow());
+    EXPECT_GE(record.getLastModified(), span.before);
+    EXPECT_LE(record.getLastModified(), span.after);
 }
 
 TEST_F(ManufacturerRecord, keepsWhatItIsMadeOf)
