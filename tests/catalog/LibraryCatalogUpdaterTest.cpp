@@ -1,5 +1,7 @@
 #include "OrvLibrary/LibraryCatalogUpdater.h"
 
+#include <cstdio>
+#include <set>
 #include <thread>
 #include <type_traits>
 
@@ -123,6 +125,38 @@ TEST_F(LibraryCatalogUpdaterRun, anOutcomeThatCannotBeRememberedIsAnError)
     EXPECT_EQ(logMessages()[0].rfind("Unable to remember the outcome of the update   Reason:  ", 0), 0u);
     EXPECT_EQ(mRecorder->closings(), 1u);
     EXPECT_EQ(result(), 1);
+}
+
+TEST_F(LibraryCatalogUpdaterRun, eachStepThatThrowsSaysInTheLogWhichItWas)
+{
+    std::set<std::string> steps;
+    for (const test::Service service :
+         {test::Service::Paths, test::Service::Preferences, test::Service::Strings, test::Service::Curl}) {
+        bool isReached = true;
+        for (std::size_t call = 1; isReached; ++call) {
+            SCOPED_TRACE(std::string(test::serviceName(service)) + " " + std::to_string(call));
+            mRecorder = std::make_unique<test::SlotRecorder>();
+            std::remove(path("user/errors.log").toNativeString().c_str());
+            mArguments.bonus = {installed("bonus/Lamps.orvlib", "x")};
+            serve("Lamps.orvlibz", "x", test::sha1Of("x"));
+            changed("Doors.orvlib");
+            test::ForwardingServices services;
+            services.calls().planFault(service, call, test::Fault::Throw);
+            run();
+            isReached = services.calls().faults() > 0;
+            const std::vector<std::string> messages = logMessages();
+            EXPECT_EQ(result() == 0, !messages.empty());
+            for (const std::string& message : messages)
+                steps.insert(message.substr(0, message.find("   Reason:  ")));
+        }
+    }
+    for (const char* step :
+         {"Unable to create the referenced files folder", "Unable to empty a download folder",
+          "Unable to read a preference", "Unable to read a hash file", "Unable to load a text",
+          "Unable to check:  Doors.orvlib", "Unable to list the downloads",
+          "Unable to install:  Doors.orvlib\n", "Failed To Download File:  Doors",
+          "Unable to save a hash file"})
+        EXPECT_EQ(steps.count(step), 1u) << step << " in " << testing::PrintToString(steps);
 }
 
 TEST_F(LibraryCatalogUpdaterRun, aFullRunDoesNotTouchThatMemory)

@@ -3,10 +3,74 @@
 
 #include <gtest/gtest.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/fileString.h"
 #include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
+#include "tests/host/files/LocklessSystem.h"
 #include "tests/support/TempFolder.h"
+
+namespace {
+
+/// Where files have no locks: what a writer finds that begins while another one's file stands beside the
+/// target, and the other one does `meanwhile` with it, which is given its path.
+class ReplacementFileWithoutLocks : public testing::Test
+{
+protected:
+    ReplacementFileWithoutLocks()
+    {
+        test::writeFile(mBeside, "of another writer");
+        setTime(kTime);
+    }
+    void setTime(const timespec& time) const
+    {
+        const timespec times[] = {{0, UTIME_OMIT}, time};
+        ASSERT_EQ(utimensat(AT_FDCWD, mBeside.c_str(), times, 0), 0);
+    }
+    template <class Meanwhile>
+    bool opens(Meanwhile meanwhile) const
+    {
+        const test::LocklessSystem system(meanwhile);
+        return host::ReplacementFile::open(mTarget, host::ReplacementFile::Mode::Locked) != nullptr;
+    }
+
+    static constexpr timespec kTime{1'700'000'000, 5'000};
+    test::TempFolder mFolder;
+    const std::string mTarget = mFolder.write("data", "old").toNativeString();
+    const std::string mBeside = host::ReplacementFile::besideName(mTarget);
+};
+
+} // namespace
+
+TEST_F(ReplacementFileWithoutLocks, aFileThatNobodyWritesToIsALeftover)
+{
+    bool hasWaited = false;
+    EXPECT_TRUE(opens([&] { hasWaited = true; }));
+    EXPECT_TRUE(hasWaited);
+    EXPECT_EQ(test::listTree(mFolder.path()), std::vector<std::string>{"data"}) << "ours is gone, too";
+}
+
+TEST_F(ReplacementFileWithoutLocks, aFileThatGrowsIsNone)
+{
+    EXPECT_FALSE(opens([this] {
+        test::writeFile(mBeside, "of another writer, more");
+        setTime(kTime);
+    }));
+    EXPECT_EQ(errno, EWOULDBLOCK);
+    EXPECT_EQ(test::readFile(fileString(mBeside)), "of another writer, more");
+}
+
+TEST_F(ReplacementFileWithoutLocks, aFileWhoseTimeGoesOnIsNone)
+{
+    EXPECT_FALSE(opens([this] { setTime({kTime.tv_sec, kTime.tv_nsec + 1}); }));
+    EXPECT_EQ(errno, EWOULDBLOCK);
+    setTime(kTime);
+    EXPECT_FALSE(opens([this] { setTime({kTime.tv_sec + 1, kTime.tv_nsec}); }));
+    EXPECT_EQ(errno, EWOULDBLOCK);
+    EXPECT_EQ(test::readFile(fileString(mBeside)), "of another writer");
+}
 
 TEST(ReplacementFile, theNameBesideFitsAndBelongsToItsTargetAlone)
 {

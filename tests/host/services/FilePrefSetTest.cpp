@@ -48,6 +48,13 @@ pid_t inChild(Action action)
     return child;
 }
 
+std::vector<std::string> warnings;
+
+void keepWarning(QtMsgType, const QMessageLogContext&, const QString& text)
+{
+    warnings.push_back(text.toStdString());
+}
+
 bool wentWell(pid_t child)
 {
     int status = -1;
@@ -197,7 +204,11 @@ TEST_F(FilePrefSetTest, aChangeThatCannotBeWrittenHoldsAndIsTriedAgain)
     mFolder.write("blocked", "a file where a folder is needed");
     const fileString path = mFolder.file("blocked/preferences.json");
     FilePrefSet set(path);
+    warnings.clear();
+    const QtMessageHandler former = qInstallMessageHandler(keepWarning);
     set.setPref(1, 5);
+    qInstallMessageHandler(former);
+    EXPECT_THAT(warnings, ElementsAre(testing::StartsWith("Unable to write preferences: ")));
     EXPECT_EQ(set.getPref(1).value, PrefValue(5));
     EXPECT_EQ(unlink(mFolder.file("blocked").toNativeString().c_str()), 0);
     set.setPref(2, 6);

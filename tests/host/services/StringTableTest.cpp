@@ -147,6 +147,7 @@ TEST(StringTable, germanHasEveryText)
 TEST(StringTable, germanTextsEndAsTheEnglishOnesDo)
 {
     const GermanTexts german;
+    EXPECT_FALSE(DefaultStringTable::numbers().empty());
     for (const std::uint32_t number : DefaultStringTable::numbers()) {
         const bool isPrefix = DefaultStringTable::english(number).back() == ' ';
         EXPECT_EQ(StringUtils::loadString(number).back() == ' ', isPrefix) << number;

@@ -87,6 +87,27 @@ TEST_F(ZipUtilsTargetTest, memberOfTheSameNameIsReplaced)
     EXPECT_EQ(test::readFile(target()).find("old a"), std::string::npos);
 }
 
+TEST_F(ZipUtilsTargetTest, whatStandsBeforeTheArchiveEndsAtItsFirstMember)
+{
+    ArchiveBuilder old;
+    old.prefix = "#!/bin/sh\n";
+    old.add("a", "former a");
+    old.add("b", "former b");
+    old.write(mFolder, "target.zip");
+    mSource.add("a", "new a");
+    mSource.add("b", "new b");
+    EXPECT_EQ(copyAll(writeSource(), target()), (std::vector<bool>{true, true}));
+    EXPECT_EQ(contentsOf(target()), (Contents{{"a", "new a"}, {"b", "new b"}}));
+    EXPECT_EQ(test::readFile(target()).find("former"), std::string::npos);
+
+    ArchiveBuilder empty;
+    empty.prefix = old.prefix;
+    empty.write(mFolder, "target.zip");
+    EXPECT_TRUE(copyFirstAs(mFolder.file("source.zip"), target(), "c"));
+    EXPECT_EQ(contentsOf(target()), (Contents{{"c", "new a"}}));
+    EXPECT_EQ(test::readFile(target()).substr(0, 14), "#!/bin/sh\nPK\x03\x04");
+}
+
 TEST_F(ZipUtilsTargetTest, archiveCanBeAddedToItself)
 {
     mSource.add("a", "1");

@@ -1,0 +1,60 @@
+#include "tests/host/files/LocklessSystem.h"
+
+#include <cerrno>
+#include <ctime>
+#include <utility>
+
+#include <dlfcn.h>
+#include <sys/file.h>
+
+namespace {
+
+bool gHasNoLocks = false;
+std::function<void()> gMeanwhile;
+
+/// The C library's own function.
+template <class Function>
+Function* next(Function*, const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+// These stand before the C library's own.
+extern "C" {
+
+int flock(int file, int operation) noexcept
+{
+    static auto* const own = next(&flock, "flock");
+    if (!gHasNoLocks)
+        return own(file, operation);
+    errno = ENOLCK;
+    return -1;
+}
+
+int nanosleep(const struct timespec* time, struct timespec* left)
+{
+    static auto* const own = next(&nanosleep, "nanosleep");
+    if (!gHasNoLocks)
+        return own(time, left);
+    gMeanwhile();
+    return 0;
+}
+
+} // extern "C"
+
+namespace test {
+
+LocklessSystem::LocklessSystem(std::function<void()> meanwhile)
+{
+    gMeanwhile = std::move(meanwhile);
+    gHasNoLocks = true;
+}
+
+LocklessSystem::~LocklessSystem()
+{
+    gHasNoLocks = false;
+}
+
+} // namespace test
