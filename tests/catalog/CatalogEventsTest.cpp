@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <limits>
+#include <optional>
 #include <thread>
 
 #include <QCoreApplication>
@@ -103,11 +104,15 @@ TEST(CatalogEvents, textsKeepEveryByte)
 
 TEST(CatalogEvents, aDestroyedHostIsToldNothing)
 {
-    auto host = std::make_unique<SlotRecorder>();
+    std::optional<SlotRecorder> host(std::in_place);
     const auto events = CatalogEvents::watch(*host);
+    const SlotRecorder* const former = &*host;
     host.reset();
+    host.emplace();
+    ASSERT_EQ(&*host, former) << "whoever still sends to the address reaches another object";
     sendEverything(*events);
     QCoreApplication::sendPostedEvents();
+    EXPECT_THAT(host->texts(), testing::IsEmpty());
 }
 
 TEST(CatalogEvents, theHostMayOutliveTheEvents)
