@@ -30,10 +30,7 @@ constexpr auto kNoCategory = static_cast<Library::LibraryCategory>(3);
 
 } // namespace
 
-using testing::AllOf;
 using testing::ElementsAre;
-using testing::EndsWith;
-using testing::StartsWith;
 
 TEST_F(CatalogSources, eachCategoryHasItsFolder)
 {
@@ -131,7 +128,7 @@ TEST_F(CatalogSources, anUnknownEndpointIsLoggedAtEveryCall)
     EXPECT_THAT(logMessages(), ElementsAre(message, message, message));
 }
 
-TEST_F(CatalogSources, theReasonIsTheNextLineOfTheEntry)
+TEST_F(CatalogSources, theEntryIsTheSameWhateverTheServiceSays)
 {
     test::FaultServer server;
     server.stopListening();
@@ -141,10 +138,8 @@ TEST_F(CatalogSources, theReasonIsTheNextLineOfTheEntry)
     kContentRedirect = "service.test/redirect";
     EXPECT_EQ(sourceUrl(fileString("a.orvlib"), Library::kCoreLibrary, "Orv", "7"), "");
     Curl::install(scripted);
-    const std::string first = "Unable to determine api endpoint\nReason:  ";
-    EXPECT_THAT(logMessages(), ElementsAre(AllOf(StartsWith(first + "Failed to connect to 127.0.0.1 port "),
-                                                 EndsWith(" (" + server.url("/redirect") + ")\n")),
-                                           first + "not a web address (service.test/redirect)\n"));
+    const std::string message = "Unable to determine api endpoint\n";
+    EXPECT_THAT(logMessages(), ElementsAre(message, message));
 }
 
 TEST_F(CatalogSources, theHeaderLineIsAppendedAndTheUrlReplaced)
