@@ -95,6 +95,8 @@ private:
     {
         if (!mOutcome.result)
             return {}; // the user cancelled, so it did not fail
+        if (!mService.verdict.empty())
+            return mService.verdict;
         if (!catalog.length)
             return "the service did not tell its length, so that it was not fetched";
         if (!catalog.tag)

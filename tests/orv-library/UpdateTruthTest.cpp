@@ -146,6 +146,18 @@ TEST_F(UpdateTruth, loginThatExpiresBetweenHeaderAndBodyEndsTheRun)
     EXPECT_EQ(0U, downloadsOf("Roofs.orvlib") - 1) << "only the download before the expiry";
 }
 
+TEST_F(UpdateTruth, catalogsAfterALoginPageAreLeftOutForItsSake)
+{
+    service.spoil("Doors.orvlib", FaultReply::ok(kPage, kHtml));
+    const test::ProgramResult result = update();
+    expectNoCatalogService(result);
+    const QJsonArray failed = result.json()["failed"].toArray();
+    ASSERT_EQ(2, failed.size()) << result.out;
+    EXPECT_EQ("a web page instead of a catalog", failed[0].toObject()["reason"].toString());
+    EXPECT_EQ("Roofs.orvlib", failed[1].toObject()["catalog"].toString());
+    EXPECT_EQ(result.json()["error"], failed[1].toObject()["reason"]);
+}
+
 TEST_F(UpdateTruth, noFormOfALoginPageReplacesACatalogOrCountsAsAGoodCheck)
 {
     const std::string newDoors = test::sampleDatabase("new doors", 3000);
