@@ -244,7 +244,9 @@ public:
         if (reason.find("subcommand") == std::string::npos)
             return reason;
         const std::vector<std::string> unknown = chosenApp(mApp).remaining();
-        return unknown.empty() ? "no command given" : "'" + unknown.front() + "' is no command";
+        if (unknown.empty())
+            return "no command given";
+        return "'" + unknown.front() + (unknown.front()[0] == '-' ? "' is no option" : "' is no command");
     }
 
     /// The words before the command's own name in its usage line.

@@ -7,6 +7,7 @@
 
 #include "apps/orv-library/CommandLine.h"
 #include "apps/orv-library/Session.h"
+#include "apps/orv-library/console/Console.h"
 #include "apps/orv-library/console/Interrupt.h"
 
 namespace {
@@ -17,10 +18,21 @@ int fail(Session& session, const std::string& reason)
     return static_cast<int>(ExitStatus::Failed);
 }
 
-int printed(std::FILE* stream, const std::string& text, ExitStatus status)
+constexpr const char* kCannotPrint = "cannot write standard output";
+
+int refused(const std::string& usage)
 {
-    std::fwrite(text.data(), 1, text.size(), stream);
-    return static_cast<int>(status);
+    std::fwrite(usage.data(), 1, usage.size(), stderr);
+    return static_cast<int>(ExitStatus::WrongUsage);
+}
+
+int helped(const std::string& text)
+{
+    std::fwrite(text.data(), 1, text.size(), stdout);
+    if (Console::flush())
+        return static_cast<int>(ExitStatus::Done);
+    Console::complain(kCannotPrint);
+    return static_cast<int>(ExitStatus::Failed);
 }
 
 /// Runs the chosen command. All exceptions end here.
@@ -29,9 +41,9 @@ int run(const CommandLine& commandLine)
     Session session(commandLine.options());
     try {
         const ExitStatus status = commandLine.work()(session);
-        return Console::flush() ? static_cast<int>(status) : fail(session, "cannot write standard output");
+        return Console::flush() ? static_cast<int>(status) : fail(session, kCannotPrint);
     } catch (const UsageError& error) {
-        return printed(stderr, commandLine.usage(error.what()), ExitStatus::WrongUsage);
+        return refused(commandLine.usage(error.what()));
     } catch (const std::exception& error) {
         return fail(session, error.what());
     }
@@ -50,9 +62,9 @@ int main(int argc, char** argv)
     CommandLine commandLine(commands);
     switch (commandLine.parse({argv + 1, argv + argc})) {
     case CommandLine::Outcome::Help:
-        return printed(stdout, commandLine.text(), ExitStatus::Done);
+        return helped(commandLine.text());
     case CommandLine::Outcome::WrongUsage:
-        return printed(stderr, commandLine.text(), ExitStatus::WrongUsage);
+        return refused(commandLine.text());
     case CommandLine::Outcome::Run:
         break;
     }

@@ -173,6 +173,19 @@ TEST(CommandLine, unknownCommandIsNamed)
     EXPECT_THAT(program.run({"upgrade"}).err, StartsWith("orv-library: 'upgrade' is no command\n"));
     EXPECT_THAT(program.run({"log", "delete"}).err, StartsWith("orv-library: 'delete' is no command\n"));
     EXPECT_THAT(program.run({"log"}).err, StartsWith("orv-library: no command given\n"));
+    EXPECT_THAT(program.run({"--nonsense"}).err, StartsWith("orv-library: '--nonsense' is no option\n"));
+}
+
+TEST(CommandLine, helpThatCannotBePrintedIsAFailure)
+{
+    for (const char* const argument : {"--help", "--version"}) {
+        QProcess process;
+        process.setStandardOutputFile("/dev/full");
+        process.start(ORV_LIBRARY_PROGRAM, {argument});
+        ASSERT_TRUE(process.waitForFinished(120'000));
+        EXPECT_EQ(1, process.exitCode());
+        EXPECT_EQ("orv-library: cannot write standard output\n", process.readAllStandardError());
+    }
 }
 
 TEST(CommandLine, helpAndVersionWorkOnEveryCommand)
