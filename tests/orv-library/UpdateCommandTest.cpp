@@ -243,6 +243,14 @@ TEST_F(Update, traceHoldsEveryInvocationInOrder)
     EXPECT_THAT(test::readFile(trace), HasSubstr("{\"event\":\"onUpdateInGauge\",\"args\":[]}\n"));
 }
 
+TEST_F(Update, traceThatBreaksOffIsToldOnce)
+{
+    const test::ProgramResult result = update({"--trace", "/dev/full", "--progress", "none"});
+    EXPECT_EQ(0, result.status);
+    EXPECT_EQ("orv-library: the trace breaks off: cannot write /dev/full: No space left on device\n",
+              result.err);
+}
+
 TEST_F(Update, traceThatCannotBeWrittenFailsBeforeAnythingIsAsked)
 {
     const test::ProgramResult result = update({"--trace", program.folder().path() + "/no/folder"});

@@ -1,24 +1,30 @@
 #include "apps/orv-library/console/InvocationTrace.h"
 
+#include <cerrno>
+#include <cstring>
 #include <stdexcept>
 
 #include <QJsonDocument>
 
-InvocationTrace::InvocationTrace(const std::string& file)
+#include "apps/orv-library/console/Console.h"
+
+InvocationTrace::InvocationTrace(const std::string& file) : mPath(file)
 {
     if (file.empty())
         return;
-    mFile = std::make_unique<QFile>(QFile::decodeName(file.c_str()));
-    // Unbuffered, so that the file is complete even if the program is killed.
-    if (!mFile->open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered))
-        throw std::runtime_error("cannot write " + file + ": " + mFile->errorString().toStdString());
+    mFile.open(file, std::ios::app | std::ios::binary);
+    if (!mFile)
+        throw std::runtime_error("cannot write " + file + ": " + std::strerror(errno));
 }
 
 void InvocationTrace::write(const char* event, const QJsonArray& arguments)
 {
-    if (!mFile)
+    if (!mFile.is_open() || !mFile)
         return;
-    // Composed by hand, because a JSON object would sort its members by name.
-    const QByteArray list = QJsonDocument(arguments).toJson(QJsonDocument::Compact);
-    mFile->write(QByteArray("{\"event\":\"") + event + "\",\"args\":" + list + "}\n");
+    // Written by hand around the arguments, because an object's members would be sorted by name.
+    const std::string list = QJsonDocument(arguments).toJson(QJsonDocument::Compact).toStdString();
+    // Line by line: the trace of a run that is killed ends with the last invocation before.
+    mFile << "{\"event\":\"" << event << "\",\"args\":" << list << "}\n" << std::flush;
+    if (!mFile)
+        Console::complain("the trace breaks off: cannot write " + mPath + ": " + std::strerror(errno));
 }

@@ -1,9 +1,8 @@
 #pragma once
 
-#include <memory>
+#include <fstream>
 #include <string>
 
-#include <QFile>
 #include <QJsonArray>
 
 /// Appends each call that the host object receives to a file, as one line of JSON.
@@ -14,8 +13,10 @@ public:
     /// @throws std::runtime_error if the file cannot be opened for appending
     explicit InvocationTrace(const std::string& file);
 
+    /// After a line that could not be written, which the user is told, there are no more.
     void write(const char* event, const QJsonArray& arguments);
 
 private:
-    std::unique_ptr<QFile> mFile;
+    std::string mPath;
+    std::ofstream mFile;
 };
