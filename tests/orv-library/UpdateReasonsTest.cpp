@@ -148,6 +148,21 @@ TEST_F(UpdateReasons, proxyThatAnswersWithAPageIsNoCatalogService)
     expectTold(kHttp, {"--proxy", proxy.url("")}, "answers with web pages (a login page?)");
 }
 
+TEST_F(UpdateReasons, proxyOfTheEnvironmentCountsMoreThanTheSetting)
+{
+    EXPECT_EQ(0, program.run({"settings", "set", "proxy", "http://127.0.0.1:1"}).status);
+    expectTold(kHttp, {}, "Failed to connect to 127.0.0.1 port 1");
+    for (const std::vector<std::string>& command :
+         {std::vector<std::string>{"import", kHttp},
+          std::vector<std::string>{"manufacturers", "refresh", "--data-url", kHttp, "--logo-url", kHttp}})
+        EXPECT_THAT(program.run(command).err, HasSubstr("Failed to connect to 127.0.0.1 port 1"));
+    test::FaultServer proxy;
+    proxy.otherwise([](const test::FaultRequest&) { return FaultReply::status(403, "Not through here."); });
+    program.setEnvironment("http_proxy", proxy.url(""));
+    expectTold(kHttp, {}, "HTTP 403");
+    expectTold(kHttp, {"--proxy", "http://127.0.0.1:1"}, "Failed to connect to 127.0.0.1 port 1");
+}
+
 TEST_F(UpdateReasonsTls, certificateThatNobodyVouchesForIsTold)
 {
     expectLogged(url, {}, "self-signed certificate");
@@ -160,8 +175,11 @@ TEST_F(UpdateReasonsTls, privateAuthorityIsTrustedWhereItIsNamed)
     EXPECT_EQ(1, update(url).status) << "for that run alone";
     EXPECT_EQ(0, program.run({"settings", "set", "certificates", tls.certificate}).status);
     EXPECT_EQ(0, update(url).status);
-    EXPECT_EQ(0, program.run({"settings", "unset", "certificates"}).status);
+    EXPECT_EQ(0, program.run({"settings", "set", "certificates", tls.key}).status);
+    EXPECT_EQ(1, update(url).status) << "that file names no authority";
     program.setEnvironment("SSL_CERT_FILE", tls.certificate);
+    EXPECT_EQ(0, update(url).status) << "the environment counts more than the setting";
+    EXPECT_EQ(0, program.run({"settings", "unset", "certificates"}).status);
     EXPECT_EQ(0, update(url).status);
     program.setEnvironment("SSL_CERT_FILE", "");
     expectLogged(url, {}, "self-signed certificate");

@@ -4,9 +4,11 @@
 
 #include <QJsonArray>
 
+#include "OrvLibrary/host/Curl.h"
 #include "apps/orv-library/Session.h"
 #include "apps/orv-library/console/ConsoleProgress.h"
 #include "apps/orv-library/console/Interrupt.h"
+#include "apps/orv-library/update/ServiceOptions.h"
 
 namespace {
 
@@ -27,6 +29,18 @@ QJsonObject document(const ArchiveImport::Result& result)
             {"added", static_cast<qint64>(result.added)},
             {"replaced", static_cast<qint64>(result.replaced)},
             {"error", result.error.empty() ? QJsonValue() : QJsonValue(jsonText(result.error))}};
+}
+
+bool isAddress(const std::string& source)
+{
+    return Curl::get().downloadable(source);
+}
+
+void applyNetworkSettings(const fileString& root)
+{
+    ServiceOptions options;
+    options.complete(OrvHost::Settings::load(root));
+    options.apply();
 }
 
 bool isFailed(const ArchiveImport::Result& result)
@@ -109,6 +123,8 @@ ExitStatus ImportCommand::run(Session& session) const
 
 Results ImportCommand::importAll(Session& session) const
 {
+    if (std::any_of(mSources.begin(), mSources.end(), isAddress))
+        applyNetworkSettings(session.root());
     Results results;
     for (const std::string& source : mSources)
         results.push_back(importOne(session, source));

@@ -3,11 +3,11 @@
 #include <QDateTime>
 #include <QJsonArray>
 
-#include "OrvHost/Settings.h"
 #include "OrvHost/records/ManufacturerRefresh.h"
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "OrvLibrary/host/TimeUtils.h"
 #include "apps/orv-library/Session.h"
+#include "apps/orv-library/update/ServiceOptions.h"
 
 namespace {
 
@@ -179,9 +179,11 @@ ExitStatus ManufacturersCommand::show(Session& session) const
 ExitStatus ManufacturersCommand::refresh(Session& session) const
 {
     tellSoFar(session, unknownRecords());
-    const OrvHost::Settings::Values settings = OrvHost::Settings::load(session.root()).values();
-    const std::string dataUrl = chosen(mDataUrl, settings.manufacturerDataUrl, "--data-url");
-    const std::string logoUrl = chosen(mLogoUrl, settings.manufacturerLogoUrl, "--logo-url");
+    ServiceOptions options;
+    options.complete(OrvHost::Settings::load(session.root()));
+    const std::string dataUrl = chosen(mDataUrl, options.values().manufacturerDataUrl, "--data-url");
+    const std::string logoUrl = chosen(mLogoUrl, options.values().manufacturerLogoUrl, "--logo-url");
+    options.apply();
     tellSoFar(session, document(manager(session), OrvHost::ManufacturerRefresh::currentTable()));
     OrvHost::ManufacturerRefresh refresh(Curl::get());
     refresh.run(dataUrl, logoUrl);
