@@ -12,7 +12,6 @@
 
 #include "OrvHost/history/CatalogAddress.h"
 #include "OrvHost/update/ServiceAnswer.h"
-#include "OrvLibrary/IO/ErrorLog.h"
 
 namespace OrvHost {
 
@@ -40,14 +39,6 @@ std::set<std::string> linesOf(const std::string& index)
             lines.insert(line);
     }
     return lines;
-}
-
-/// The library's own entry says that the service was not found, but neither where nor why.
-void logMissingService(const std::string& url, const ServiceReport& report)
-{
-    const std::string& reason = report.verdict.empty() ? report.endpoint.reason : report.verdict;
-    if (!reason.empty())
-        Library::ErrorLog() << "Catalog web service not found:  " << url << "   Reason:  " << reason << "\n";
 }
 
 } // namespace
@@ -153,10 +144,8 @@ std::string CarefulCurl::urlAfterRedirects(const std::string& url)
         endpoint.clear();
     }
     // An earlier failure stays in the report: because of it, the index was not requested.
-    if (!mReport.endpoint.isAsked || mReport.endpoint.isGood) {
+    if (!mReport.endpoint.isAsked || mReport.endpoint.isGood)
         noteRequest(mReport.endpoint, !endpoint.empty(), answer);
-        logMissingService(url, mReport);
-    }
     return endpoint;
 }
 

@@ -24,12 +24,25 @@ std::string libraryValue(const fileString& file, Library::LibraryCategory catego
     return name.unicodeString().toUTF8String();
 }
 
+/// Why the last request had no answer; empty if the download service does not know.
+std::string reasonOfLastAnswer()
+try {
+    return Curl::get().lastAnswer().reason;
+} catch (const std::exception&) {
+    return {};
+}
+
 void resolveApiEndpoint()
 {
     if (kApiEndpoint.empty())
         kApiEndpoint = WebUtils::getUrlAfterRedirects(kContentRedirect);
-    if (kApiEndpoint.empty())
-        Library::ErrorLog() << "Unable to determine api endpoint\n";
+    if (!kApiEndpoint.empty())
+        return;
+    Library::ErrorLog log;
+    log << "Unable to determine api endpoint\n";
+    const std::string reason = reasonOfLastAnswer();
+    if (!reason.empty())
+        log << "Reason:  " << reason << " (" << kContentRedirect << ")\n";
 }
 
 } // namespace

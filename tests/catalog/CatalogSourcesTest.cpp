@@ -30,7 +30,10 @@ constexpr auto kNoCategory = static_cast<Library::LibraryCategory>(3);
 
 } // namespace
 
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::EndsWith;
+using testing::StartsWith;
 
 TEST_F(CatalogSources, eachCategoryHasItsFolder)
 {
@@ -128,7 +131,7 @@ TEST_F(CatalogSources, anUnknownEndpointIsLoggedAtEveryCall)
     EXPECT_THAT(logMessages(), ElementsAre(message, message, message));
 }
 
-TEST_F(CatalogSources, theEntryIsTheSameWhateverTheServiceSays)
+TEST_F(CatalogSources, theReasonIsTheNextLineOfTheEntry)
 {
     test::FaultServer server;
     server.stopListening();
@@ -138,8 +141,10 @@ TEST_F(CatalogSources, theEntryIsTheSameWhateverTheServiceSays)
     kContentRedirect = "service.test/redirect";
     EXPECT_EQ(sourceUrl(fileString("a.orvlib"), Library::kCoreLibrary, "Orv", "7"), "");
     Curl::install(scripted);
-    const std::string message = "Unable to determine api endpoint\n";
-    EXPECT_THAT(logMessages(), ElementsAre(message, message));
+    const std::string first = "Unable to determine api endpoint\nReason:  ";
+    EXPECT_THAT(logMessages(), ElementsAre(AllOf(StartsWith(first + "Failed to connect to 127.0.0.1 port "),
+                                                 EndsWith(" (" + server.url("/redirect") + ")\n")),
+                                           first + "not a web address (service.test/redirect)\n"));
 }
 
 TEST_F(CatalogSources, theHeaderLineIsAppendedAndTheUrlReplaced)

@@ -392,7 +392,7 @@ class Formats(unittest.TestCase):
         self.write("root/user/errors.log", text)
         self.assertEqual(self.program("log", "show")["entries"], [{
             "time": "2026-11-21T03:35:12Z", "thread": "0x7f3a5c7fe6c0",
-            "message": "Failed To Download File:  Doors   Reason:  HTTP 503"}])
+            "message": "Failed To Download File:  /home/ann/.local/share/orv-library/core/Doors.orvlib   Reason:  HTTP 503"}])
 
     def test_content_index_and_request(self):
         request, index = self.examples("content-index")

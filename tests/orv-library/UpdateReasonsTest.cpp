@@ -48,10 +48,11 @@ protected:
         std::string log;
         for (const QJsonValue entry : program.run({"--json", "log", "show"}).json()["entries"].toArray())
             log += entry.toObject()["message"].toString().toStdString() + "\n";
-        const std::size_t start = log.find("Catalog web service not found:  " + url + "   Reason:  ");
+        const std::size_t start = log.find("Reason:  ");
         ASSERT_NE(std::string::npos, start) << log;
-        EXPECT_THAT(log.substr(start, log.find('\n', start) - start), HasSubstr(reason));
-        EXPECT_THAT(log, HasSubstr("\nUnable to determine api endpoint\n"));
+        const std::string line = log.substr(start, log.find('\n', start) - start);
+        EXPECT_THAT(line, HasSubstr(reason));
+        EXPECT_THAT(line, HasSubstr("(" + url + ")"));
     }
 
     test::Program program;
