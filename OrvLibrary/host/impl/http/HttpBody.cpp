@@ -236,7 +236,7 @@ bool FileBody::digestEarlier()
 
 void FileBody::measureRoom()
 {
-    const DownloadFile::Room disk = mFile.room();
+    const host::DownloadFile::Room disk = mFile.room();
     mRoom.free = disk.free;
     mRoom.kept = std::min(mLimits.spareBytes, disk.whole / mLimits.spareShare) + mLimits.spareForOthers;
     const std::int64_t size = std::max<std::int64_t>(mFile.size() + mRoom.free - mRoom.kept, 0);

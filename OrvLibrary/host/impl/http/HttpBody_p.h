@@ -6,8 +6,8 @@
 #include <string>
 
 #include "OrvLibrary/host/fileString.h"
+#include "OrvLibrary/host/impl/files/DownloadFile_p.h"
 #include "OrvLibrary/host/impl/http/BodyDigest_p.h"
-#include "OrvLibrary/host/impl/http/DownloadFile_p.h"
 #include "OrvLibrary/host/impl/http/HttpLimits_p.h"
 #include "OrvLibrary/host/impl/http/ProgressPacer_p.h"
 #include "OrvLibrary/host/impl/http/SpeedGuard_p.h"
@@ -134,7 +134,7 @@ private:
     void measureRoom();
     bool checkRoom(std::int64_t size);
 
-    DownloadFile mFile;
+    host::DownloadFile mFile;
     ProgressPacer mPacer;
     SpeedGuard mSpeed;
     std::unique_ptr<BodyDigest> mDigest;

@@ -10,6 +10,8 @@
 #include "OrvLibrary/host/impl/files/FileHandle_p.h"
 #include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
 
+namespace host {
+
 /// A file that gets its target's name only when it is complete. Until then the target is unchanged, and it
 /// stays unchanged if the download fails. There are two ways to write:
 /// - Without a partial path, the bytes go to a private file in the target's folder. It is removed after a
@@ -70,12 +72,14 @@ private:
     const fileString mPartial;
     /// The private file; null if it is not open. Its destructor removes the file unless `commit` has renamed
     /// it.
-    std::unique_ptr<host::ReplacementFile> mFile;
+    std::unique_ptr<ReplacementFile> mFile;
     /// The partial file.
-    host::FileHandle mGrowing;
+    FileHandle mGrowing;
     std::int64_t mSize = 0;
     std::string mGathered;
     std::int64_t mWritten = 0;
     /// The system was already asked to write the bytes before this one to the disk.
     std::int64_t mWrittenBack = 0;
 };
+
+} // namespace host

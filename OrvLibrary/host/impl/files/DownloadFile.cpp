@@ -1,7 +1,7 @@
 // How it works: bytes are gathered up to 256 KB and then written in one call. After every 8 MB the system is
 // told to begin writing to the disk. The file is either a `ReplacementFile` (private, removed after a
 // failure) or the partial file (locked, kept after a failure). `commit` syncs it and renames it.
-#include "OrvLibrary/host/impl/http/DownloadFile_p.h"
+#include "OrvLibrary/host/impl/files/DownloadFile_p.h"
 
 #include <cerrno>
 #include <system_error>
@@ -13,6 +13,8 @@
 #include <unistd.h>
 
 #include "OrvLibrary/host/FileUtils.h"
+
+namespace host {
 
 namespace {
 
@@ -45,13 +47,13 @@ DownloadFile::~DownloadFile()
 
 bool DownloadFile::openPartial(int flags, std::string& reason)
 {
-    mGrowing = host::openFile(mPartial.toNativeString(), O_RDWR | O_NOFOLLOW | flags, 0666);
+    mGrowing = openFile(mPartial.toNativeString(), O_RDWR | O_NOFOLLOW | flags, 0666);
     if (!mGrowing)
         return false;
     struct stat status;
-    const host::Lock lock = host::tryLock(mGrowing.get(), LOCK_EX);
+    const Lock lock = tryLock(mGrowing.get(), LOCK_EX);
     const bool isOurs = fstat(mGrowing.get(), &status) == 0 && S_ISREG(status.st_mode) &&
-                        (lock == host::Lock::Held || lock == host::Lock::Unknown);
+                        (lock == Lock::Held || lock == Lock::Unknown);
     if (!isOurs) {
         reason = "the partial file is in use";
         mGrowing.reset();
@@ -112,7 +114,7 @@ bool DownloadFile::open(std::string& reason)
             reason = writeError(errno);
         return false;
     }
-    mFile = host::ReplacementFile::open(mTarget.toNativeString(), host::ReplacementFile::Mode::Replaced);
+    mFile = ReplacementFile::open(mTarget.toNativeString(), ReplacementFile::Mode::Replaced);
     if (!mFile)
         reason = writeError(errno);
     return mFile != nullptr;
@@ -169,7 +171,7 @@ bool DownloadFile::commit(std::string& reason)
 {
     if (!flush(reason))
         return false;
-    if (mFile ? mFile->commit(host::ReplacementFile::Durability::ContentSynced) : nameTarget())
+    if (mFile ? mFile->commit(ReplacementFile::Durability::ContentSynced) : nameTarget())
         return true;
     reason = writeError(errno);
     return false;
@@ -201,3 +203,5 @@ DownloadFile::Room DownloadFile::room() const
     return {static_cast<std::int64_t>(status.f_bavail) * block,
             static_cast<std::int64_t>(status.f_blocks) * block};
 }
+
+} // namespace host

@@ -7,7 +7,7 @@
 
 #include <sys/resource.h>
 
-#include "OrvLibrary/host/impl/http/DownloadFile_p.h"
+#include "OrvLibrary/host/impl/files/DownloadFile_p.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TempFolder.h"
 
@@ -59,7 +59,7 @@ protected:
     }
 
     TempFolder folder;
-    DownloadFile file{folder.file("a.orvlib")};
+    host::DownloadFile file{folder.file("a.orvlib")};
     std::string reason;
     const std::string piece = std::string(16 * 1024, 'x');
 };
@@ -119,7 +119,7 @@ TEST(DownloadFile, whatTheDiskRefusesAtLastFailsTheCommitAndKeepsTheOldFile)
     folder.write("a.orvlib", "old");
     {
         const FileSizeLimit limit(100'000);
-        DownloadFile file(folder.file("a.orvlib"));
+        host::DownloadFile file(folder.file("a.orvlib"));
         std::string reason;
         const std::string content(200'000, 'x');
         ASSERT_TRUE(file.open(reason)) << reason;
@@ -139,7 +139,7 @@ TEST(DownloadFile, partialFileOnAnotherDiskLeavesItsPlaceForTheTarget)
         GTEST_SKIP() << "needs a second disk";
     const TempFolder folder;
     const fileString partial(other.path() + "/partial");
-    DownloadFile file(folder.file("a.orvlib"), partial);
+    host::DownloadFile file(folder.file("a.orvlib"), partial);
     std::string reason;
     ASSERT_TRUE(file.open(reason)) << reason;
     ASSERT_TRUE(file.write("whole", 5, reason));
