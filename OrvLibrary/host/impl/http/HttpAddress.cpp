@@ -4,18 +4,9 @@
 #include <cctype>
 #include <iterator>
 
+#include "OrvLibrary/host/impl/text/Ascii_p.h"
+
 namespace {
-
-char lower(char c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-std::string lowered(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(), lower);
-    return text;
-}
 
 bool isHexDigit(char c)
 {
@@ -106,7 +97,7 @@ std::string scheme(const std::string& url)
 {
     const auto end = std::find_if_not(url.begin(), url.end(), isSchemeCharacter);
     const bool startsWell = !url.empty() && std::isalpha(static_cast<unsigned char>(url.front())) != 0;
-    return startsWell && end != url.end() && *end == ':' ? lowered({url.begin(), end}) : std::string();
+    return startsWell && end != url.end() && *end == ':' ? Ascii::lowered({url.begin(), end}) : std::string();
 }
 
 bool isWebAddress(const std::string& url)
@@ -119,7 +110,7 @@ std::string hostAndPort(const std::string& url)
     const std::string name = scheme(url);
     if (name != "http" && name != "https")
         return {};
-    const std::string text = lowered(hostText(split(url).authority));
+    const std::string text = Ascii::lowered(hostText(split(url).authority));
     // The colons inside the brackets of an IPv6 host are not the port's.
     const std::size_t bracket = text.rfind(']');
     const std::size_t colon = text.find(':', bracket == std::string::npos ? 0 : bracket);

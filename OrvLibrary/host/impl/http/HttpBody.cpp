@@ -11,6 +11,7 @@
 #include <curl/curl.h>
 
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
+#include "OrvLibrary/host/impl/text/Ascii_p.h"
 
 namespace {
 
@@ -79,10 +80,7 @@ std::string encodingProblem(const WebUtils::HeaderMap& headers)
     if (found == headers.end())
         return {};
     for (const std::string& value : found->second) {
-        std::string name = value;
-        std::transform(name.begin(), name.end(), name.begin(),
-                       [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-        if (!name.empty() && name != "identity")
+        if (!value.empty() && !Ascii::equal(value, "identity"))
             return "the body is encoded (Content-Encoding: " + value + ")";
     }
     return {};

@@ -10,6 +10,7 @@
 #include "OrvLibrary/host/WebUtils.h"
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
+#include "OrvLibrary/host/impl/text/Ascii_p.h"
 
 namespace {
 
@@ -30,10 +31,8 @@ std::string redirectTarget(const std::string& url, const HttpAnswer& answer)
 /// Header lines that only the first server may see.
 bool isSecret(const std::string& line)
 {
-    const WebUtils::HeaderNameCompare less;
     const std::string name = line.substr(0, line.find(':'));
-    const auto equals = [&](const char* secret) { return !less(name, secret) && !less(secret, name); };
-    return equals("Authorization") || equals("Cookie");
+    return Ascii::equal(name, "Authorization") || Ascii::equal(name, "Cookie");
 }
 
 void removeSecrets(std::vector<std::string>& lines)

@@ -14,11 +14,11 @@
 
 #include <sys/stat.h>
 
-#include "OrvLibrary/host/WebUtils.h"
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 #include "OrvLibrary/host/impl/http/RateLimit_p.h"
+#include "OrvLibrary/host/impl/text/Ascii_p.h"
 
 namespace {
 
@@ -39,15 +39,22 @@ std::string listForm(const std::string& line)
 
 bool isCacheControl(const std::string& line)
 {
-    const WebUtils::HeaderNameCompare less;
-    const std::string name = line.substr(0, line.find(':'));
-    return !less(name, "Cache-Control") && !less("Cache-Control", name);
+    return Ascii::equal(line.substr(0, line.find(':')), "Cache-Control");
 }
 
 bool isFolder(const std::string& path)
 {
     struct stat status;
     return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// A number that the transfer library keeps for a transfer; 0 if it has none.
+template <class Number>
+Number info(CURL* handle, CURLINFO what)
+{
+    Number number = 0;
+    curl_easy_getinfo(handle, what, &number);
+    return number;
 }
 
 /// A path from an environment variable; null if it is unset or empty.
@@ -250,20 +257,17 @@ bool HttpTransfer::watch(TimePoint now)
 
 bool HttpTransfer::hasNewConnection() const
 {
-    long count = 0;
-    return curl_easy_getinfo(handle(), CURLINFO_NUM_CONNECTS, &count) == CURLE_OK && count > 0;
+    return info<long>(handle(), CURLINFO_NUM_CONNECTS) > 0;
 }
 
 bool HttpTransfer::isConnected() const
 {
-    curl_off_t time = 0;
-    return curl_easy_getinfo(handle(), CURLINFO_PRETRANSFER_TIME_T, &time) == CURLE_OK && time > 0;
+    return info<curl_off_t>(handle(), CURLINFO_PRETRANSFER_TIME_T) > 0;
 }
 
 bool HttpTransfer::isConnectedSecurely() const
 {
-    curl_off_t time = 0;
-    return curl_easy_getinfo(handle(), CURLINFO_APPCONNECT_TIME_T, &time) == CURLE_OK && time > 0;
+    return info<curl_off_t>(handle(), CURLINFO_APPCONNECT_TIME_T) > 0;
 }
 
 void HttpTransfer::finish(CURLcode result)
@@ -294,15 +298,10 @@ HttpAnswer HttpTransfer::answer() const
 
 void HttpTransfer::readTimes(HttpAnswer& answer) const
 {
-    curl_off_t connected = 0;
-    curl_off_t sent = 0;
-    curl_off_t answered = 0;
-    long version = 0;
-    curl_easy_getinfo(handle(), CURLINFO_CONNECT_TIME_T, &connected);
-    curl_easy_getinfo(handle(), CURLINFO_PRETRANSFER_TIME_T, &sent);
-    curl_easy_getinfo(handle(), CURLINFO_STARTTRANSFER_TIME_T, &answered);
-    curl_easy_getinfo(handle(), CURLINFO_HTTP_VERSION, &version);
+    const auto connected = info<curl_off_t>(handle(), CURLINFO_CONNECT_TIME_T);
+    const auto sent = info<curl_off_t>(handle(), CURLINFO_PRETRANSFER_TIME_T);
+    const auto answered = info<curl_off_t>(handle(), CURLINFO_STARTTRANSFER_TIME_T);
     // Some links delay data but not the making of connections, so the larger time counts.
     answer.latency = std::chrono::microseconds(std::max(connected, answered - sent));
-    answer.isMultiplexed = version == CURL_HTTP_VERSION_2_0;
+    answer.isMultiplexed = info<long>(handle(), CURLINFO_HTTP_VERSION) == CURL_HTTP_VERSION_2_0;
 }

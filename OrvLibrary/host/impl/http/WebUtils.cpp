@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "OrvLibrary/host/Curl.h"
+#include "OrvLibrary/host/impl/text/Ascii_p.h"
 
 namespace {
 
@@ -11,7 +12,7 @@ const char kBlanks[] = " \t\r\n";
 
 unsigned char lower(char c)
 {
-    return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
+    return static_cast<unsigned char>(Ascii::lower(c));
 }
 
 std::string trimmed(const std::string& text)
