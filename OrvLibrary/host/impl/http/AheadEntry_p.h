@@ -19,27 +19,6 @@ struct AheadRequest
     bool isDownload() const { return !target.empty(); }
 };
 
-/// The body of a download that is fetched before its call comes. It is written to a private file beside the
-/// target. The destructor removes this file unless `FileBody::finish` gave it the target's name.
-class BodyAhead
-{
-public:
-    /// The body may not be larger than announced. It leaves enough free space on the disk for all other
-    /// bodies that are fetched ahead.
-    /// @param limits the limits of ordinary downloads
-    BodyAhead(const HttpLimits& limits, const AheadRequest& asked);
-
-    /// The call for this download has come. From now on the limits of ordinary downloads hold, and `progress`
-    /// is called for the bytes that are there and for those that follow.
-    /// @throws whatever `progress` throws
-    void beginTurn(const HttpLimits& limits, Curl::ProgressFunction progress, void* context);
-    FileBody& file() { return mFile; }
-
-private:
-    HttpLimits mLimits;
-    FileBody mFile;
-};
-
 /// An announced request and how far it is.
 struct AheadEntry
 {
@@ -55,7 +34,9 @@ struct AheadEntry
     State state = State::Waiting;
     /// The body object of a header request. Such an answer has no body, but every transfer needs an object.
     std::unique_ptr<HttpBody> noBody;
-    std::unique_ptr<BodyAhead> body;
+    /// The body of a download. Its private file beside the target is removed with it, unless the call for the
+    /// download has given it the target's name.
+    std::unique_ptr<FileBody> body;
     /// Set while the request is under way.
     std::unique_ptr<HttpTransfer> transfer;
     HttpAnswer answer;

@@ -97,9 +97,9 @@ bool AheadList::takeAnswer(const HttpRequest& request, HttpAnswer& answer)
     return true;
 }
 
-std::unique_ptr<BodyAhead> AheadList::takeDownload(const HttpRequest& request, const fileString& target,
-                                                   Curl::ProgressFunction progress, void* context,
-                                                   HttpAnswer& answer)
+std::unique_ptr<FileBody> AheadList::takeDownload(const HttpRequest& request, const fileString& target,
+                                                  Curl::ProgressFunction progress, void* context,
+                                                  HttpAnswer& answer)
 {
     const BrokenPipeBlock block;
     AheadEntry* const entry = claim(target.toNativeString());
@@ -113,7 +113,7 @@ std::unique_ptr<BodyAhead> AheadList::takeDownload(const HttpRequest& request, c
     const AtEnd endOfTurn{[&] { mTurn = nullptr; }};
     const HttpConnections::Work work(mConnections);
     entry->body->beginTurn(mLimits, progress, context);
-    const FileBody& file = entry->body->file();
+    const FileBody& file = *entry->body;
     if (!file.isAborted())
         waitForEnd(*entry);
     if (entry->exception)

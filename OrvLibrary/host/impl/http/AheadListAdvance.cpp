@@ -86,12 +86,13 @@ void AheadList::start(AheadEntry& entry, TimePoint now)
     entry.asked.request.onNewConnection = entry.isOpening;
     TimePoint deadline = TimePoint::max();
     if (entry.asked.isDownload()) {
-        entry.body = std::make_unique<BodyAhead>(mLimits, entry.asked);
+        entry.body = std::make_unique<FileBody>(AheadPolicy::limitsAhead(mLimits, entry.asked.size),
+                                                entry.asked.target);
     } else {
         entry.noBody = std::make_unique<HttpBody>(mLimits);
         deadline = now + std::min<HttpLimits::Milliseconds>(mLimits.totalTimeout, AheadPolicy::kLongestWait);
     }
-    HttpBody& body = entry.body ? entry.body->file() : *entry.noBody;
+    HttpBody& body = entry.body ? *entry.body : *entry.noBody;
     entry.transfer = std::make_unique<HttpTransfer>(mConnections, entry.asked.request, body, deadline);
     entry.state = State::Running;
     entry.hadCompany = isRunning();
@@ -137,7 +138,7 @@ bool AheadList::isOfUse(AheadEntry& entry)
         }
         if (!entry.body)
             return true;
-        FileBody& file = entry.body->file();
+        FileBody& file = *entry.body;
         // If a call is waiting, `FileBody::finish` makes these checks and reports the failure.
         const bool isWhole =
             answer.error == CURLE_OK && file.isTaken() && (mTurn == &entry || file.isSound());

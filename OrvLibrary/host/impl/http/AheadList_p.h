@@ -42,9 +42,9 @@ public:
     /// thrown away.
     /// @return null if the caller must make the request itself
     /// @throws whatever `progress` throws
-    std::unique_ptr<BodyAhead> takeDownload(const HttpRequest& request, const fileString& target,
-                                            Curl::ProgressFunction progress, void* context,
-                                            HttpAnswer& answer);
+    std::unique_ptr<FileBody> takeDownload(const HttpRequest& request, const fileString& target,
+                                           Curl::ProgressFunction progress, void* context,
+                                           HttpAnswer& answer);
 
     void advance() override;
     void stop() override { mCourse.isStopped = true; }

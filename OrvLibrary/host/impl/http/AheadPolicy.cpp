@@ -24,6 +24,14 @@ bool AheadPolicy::hasRoom(const Load& load, std::int64_t size)
            (size <= kLarge || load.largeRunning < kMostLarge);
 }
 
+HttpLimits AheadPolicy::limitsAhead(const HttpLimits& limits, std::int64_t size)
+{
+    HttpLimits ahead = limits;
+    ahead.fileBytes = std::min(limits.fileBytes, size);
+    ahead.spareForOthers = kMostBytes;
+    return ahead;
+}
+
 AheadPolicy::Microseconds AheadPolicy::stallTime(Microseconds latency)
 {
     constexpr Microseconds kShortest{1'000'000};

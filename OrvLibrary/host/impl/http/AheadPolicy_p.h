@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "OrvLibrary/host/impl/http/HttpLimits_p.h"
+
 /// Decides how many requests are sent ahead of their calls. All numbers and rules for this are here. Nothing
 /// in this class knows a server, so a table of cases can test it.
 ///
@@ -69,6 +71,10 @@ struct AheadPolicy
     static std::size_t width(const Situation& situation, std::size_t open, std::size_t opening);
     /// Whether one more body of `size` bytes may be fetched ahead.
     static bool hasRoom(const Load& load, std::int64_t size);
+    /// The limits of such a body until its call comes: it may not be larger than announced, and it leaves
+    /// free space for all others that are fetched ahead.
+    /// @param limits those of ordinary downloads
+    static HttpLimits limitsAhead(const HttpLimits& limits, std::int64_t size);
     /// How long to wait for a sign of life while a request waits on a new connection. After that time the
     /// server is taken to have left the connection in its queue: it may have fewer workers than we have
     /// connections.

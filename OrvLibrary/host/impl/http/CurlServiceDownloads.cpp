@@ -157,7 +157,7 @@ bool CurlService::downloadOrThrow(const ResumableDownload& download, void* conte
             list ? list->takeDownload(asked, download.target, progress, context, answer) : nullptr) {
         mMemory->note(HttpAddress::hostAndPort(download.url), answer);
         LastAnswer::note(answer, download.url);
-        return conclude(connections.get(), answer, ahead->file(), failure);
+        return conclude(connections.get(), answer, *ahead, failure);
     }
     bool mustStartAnew = false;
     do {

@@ -143,8 +143,8 @@ FileBody::FileBody(const HttpLimits& limits, const fileString& target, const fil
                    Curl::ProgressFunction progress, void* context)
     : HttpBody(limits),
       mFile(target, partial),
-      mPacer(limits, progress, context, HttpLimits::Clock::now()),
-      mSpeed(limits, HttpLimits::Clock::now())
+      mPacer(mLimits, progress, context, HttpLimits::Clock::now()),
+      mSpeed(mLimits, HttpLimits::Clock::now())
 {
 }
 
@@ -242,8 +242,9 @@ void FileBody::measureRoom()
     mRoom.cap = mRoom.isDisks ? size : mLimits.fileBytes;
 }
 
-void FileBody::beginTurn(Curl::ProgressFunction progress, void* context)
+void FileBody::beginTurn(const HttpLimits& limits, Curl::ProgressFunction progress, void* context)
 {
+    mLimits = limits;
     if (mFile.isOpen())
         measureRoom();
     mPacer.attach(progress, context, HttpLimits::Clock::now());

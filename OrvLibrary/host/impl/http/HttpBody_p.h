@@ -46,7 +46,7 @@ protected:
     /// when there are so many that a new connection is cheaper.
     bool discard(std::size_t size);
 
-    const HttpLimits& mLimits;
+    HttpLimits mLimits;
 
 private:
     std::int64_t mDiscarded = 0;
@@ -102,9 +102,10 @@ public:
     /// Gives the file its name if `isSound`. Makes the last call of the progress function.
     bool finish();
     /// The call for a body that is fetched ahead has come. `progress` is called for the bytes that are there,
-    /// then for those that follow. The free space is measured again, because the limits have changed.
+    /// then for those that follow.
+    /// @param limits those of ordinary downloads, which hold from now on; the free space is measured again
     /// @throws whatever `progress` throws
-    void beginTurn(Curl::ProgressFunction progress, void* context);
+    void beginTurn(const HttpLimits& limits, Curl::ProgressFunction progress, void* context);
     /// Whether the progress function was called with at least one byte.
     bool isTold() const { return mPacer.toldOfBytes(); }
     /// Whether the progress function has ended the transfer.
