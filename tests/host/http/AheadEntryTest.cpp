@@ -26,11 +26,11 @@ TEST_F(AheadEntryTest, takesNoMoreThanWasAnnouncedUntilItsTurn)
 {
     const auto body = bodyOf(10);
     ASSERT_TRUE(body->begin(200, ""));
-    EXPECT_TRUE(body->take("0123456789", 10));
-    EXPECT_FALSE(body->take("a", 1));
+    EXPECT_TRUE(body->receive("0123456789", 10));
+    EXPECT_FALSE(body->receive("a", 1));
     EXPECT_EQ(body->failure().reason, "file too large");
     body->beginTurn(mLimits, nullptr, nullptr);
-    EXPECT_TRUE(body->take("a", 1));
+    EXPECT_TRUE(body->receive("a", 1));
 }
 
 TEST_F(AheadEntryTest, takesNoMoreThanAnyFileMayHave)
@@ -38,8 +38,8 @@ TEST_F(AheadEntryTest, takesNoMoreThanAnyFileMayHave)
     mLimits.fileBytes = 5;
     const auto body = bodyOf(10);
     ASSERT_TRUE(body->begin(200, ""));
-    EXPECT_TRUE(body->take("01234", 5));
-    EXPECT_FALSE(body->take("a", 1));
+    EXPECT_TRUE(body->receive("01234", 5));
+    EXPECT_FALSE(body->receive("a", 1));
 }
 
 TEST_F(AheadEntryTest, leavesRoomOnTheDiskForAllOthersThatAreAhead)

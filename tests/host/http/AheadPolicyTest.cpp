@@ -52,14 +52,14 @@ TEST(AheadPolicyTest, connectionThatIsBeingMadeCarriesOneRequest)
 
 TEST(AheadPolicyTest, bodiesAheadAreBounded)
 {
-    EXPECT_TRUE(AheadPolicy::hasRoom({}, 64'000'000));
-    EXPECT_FALSE(AheadPolicy::hasRoom({}, 64'000'001));
-    EXPECT_TRUE(AheadPolicy::hasRoom({127, 63'000'000, 0}, 1'000'000));
-    EXPECT_FALSE(AheadPolicy::hasRoom({127, 63'000'000, 0}, 1'000'001));
-    EXPECT_FALSE(AheadPolicy::hasRoom({128, 0, 0}, 1));
-    EXPECT_TRUE(AheadPolicy::hasRoom({2, 0, 1}, 8'000'001));
-    EXPECT_FALSE(AheadPolicy::hasRoom({2, 0, 2}, 8'000'001));
-    EXPECT_TRUE(AheadPolicy::hasRoom({2, 0, 2}, 8'000'000));
+    EXPECT_TRUE(AheadPolicy::allowsBody({}, 64'000'000));
+    EXPECT_FALSE(AheadPolicy::allowsBody({}, 64'000'001));
+    EXPECT_TRUE(AheadPolicy::allowsBody({127, 63'000'000, 0}, 1'000'000));
+    EXPECT_FALSE(AheadPolicy::allowsBody({127, 63'000'000, 0}, 1'000'001));
+    EXPECT_FALSE(AheadPolicy::allowsBody({128, 0, 0}, 1));
+    EXPECT_TRUE(AheadPolicy::allowsBody({2, 0, 1}, 8'000'001));
+    EXPECT_FALSE(AheadPolicy::allowsBody({2, 0, 2}, 8'000'001));
+    EXPECT_TRUE(AheadPolicy::allowsBody({2, 0, 2}, 8'000'000));
 }
 
 TEST(AheadPolicyTest, stallIsASecondOrEightTimesAnAnswer)

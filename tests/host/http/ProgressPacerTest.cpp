@@ -50,25 +50,25 @@ TEST_F(ProgressPacerTest, countsRiseEvenlyBy4KiBHoweverTheBytesArrive)
     EXPECT_EQ(recorder.total, 20000);
     EXPECT_TRUE(pacer.received(3616, start));
     EXPECT_EQ(recorder.counts.size(), 4u);
-    EXPECT_TRUE(pacer.finish(start));
+    EXPECT_TRUE(pacer.callAtEnd(start));
     EXPECT_THAT(recorder.counts, ElementsAre(4096, 8192, 12288, 16384, 20000));
 }
 
 TEST_F(ProgressPacerTest, finishMakesNoSecondCallForTheSameCount)
 {
     pacer.received(4096, start);
-    pacer.finish(start);
+    pacer.callAtEnd(start);
     EXPECT_THAT(recorder.counts, ElementsAre(4096));
 }
 
 TEST_F(ProgressPacerTest, smallAndEmptyBodiesAreToldOnce)
 {
-    EXPECT_TRUE(pacer.finish(start));
+    EXPECT_TRUE(pacer.callAtEnd(start));
     EXPECT_THAT(recorder.counts, ElementsAre(0));
     Recorder other;
     ProgressPacer small(limits, &Recorder::call, &other, start);
     small.received(10, start);
-    small.finish(start);
+    small.callAtEnd(start);
     EXPECT_THAT(other.counts, ElementsAre(10));
 }
 
@@ -122,7 +122,7 @@ TEST_F(ProgressPacerTest, abortEndsTheCalls)
     EXPECT_FALSE(pacer.received(16384, start));
     EXPECT_TRUE(pacer.aborted());
     EXPECT_FALSE(pacer.tick(start + 10s));
-    EXPECT_FALSE(pacer.finish(start));
+    EXPECT_FALSE(pacer.callAtEnd(start));
     EXPECT_THAT(recorder.counts, ElementsAre(4096, 8192));
 }
 
@@ -132,7 +132,7 @@ TEST_F(ProgressPacerTest, withoutAFunctionNothingAborts)
     EXPECT_FALSE(silent.wanted());
     EXPECT_TRUE(silent.received(100000, start));
     EXPECT_TRUE(silent.tick(start + 1h));
-    EXPECT_TRUE(silent.finish(start + 1h));
+    EXPECT_TRUE(silent.callAtEnd(start + 1h));
 }
 
 TEST(SpeedGuard, thirtySecondsBelowAByteASecondAreTooSlow)

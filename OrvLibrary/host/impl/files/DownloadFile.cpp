@@ -38,7 +38,7 @@ bool isFolder(const fileString& path)
 DownloadFile::~DownloadFile()
 {
     std::string reason;
-    if (!mGrowing)
+    if (!mPartialFile)
         return;
     flush(reason); // a later download can continue them
     if (mSize == 0)
@@ -47,16 +47,16 @@ DownloadFile::~DownloadFile()
 
 bool DownloadFile::openPartial(int flags, std::string& reason)
 {
-    mGrowing = openFile(mPartial.toNativeString(), O_RDWR | O_NOFOLLOW | flags, 0666);
-    if (!mGrowing)
+    mPartialFile = openFile(mPartial.toNativeString(), O_RDWR | O_NOFOLLOW | flags, 0666);
+    if (!mPartialFile)
         return false;
     struct stat status;
-    const Lock lock = tryLock(mGrowing.get(), LOCK_EX);
-    const bool isOurs = fstat(mGrowing.get(), &status) == 0 && S_ISREG(status.st_mode) &&
+    const Lock lock = tryLock(mPartialFile.get(), LOCK_EX);
+    const bool isOurs = fstat(mPartialFile.get(), &status) == 0 && S_ISREG(status.st_mode) &&
                         (lock == Lock::Held || lock == Lock::Unknown);
     if (!isOurs) {
         reason = "the partial file is in use";
-        mGrowing.reset();
+        mPartialFile.reset();
         return false;
     }
     mSize = mWritten = mWrittenBack = status.st_size;
@@ -92,9 +92,9 @@ bool DownloadFile::read(const std::function<bool(const char*, std::size_t)>& tak
 
 void DownloadFile::discard()
 {
-    if (mGrowing)
+    if (mPartialFile)
         unlink(mPartial.toNativeString().c_str());
-    mGrowing.reset();
+    mPartialFile.reset();
 }
 
 bool DownloadFile::open(std::string& reason)
@@ -106,7 +106,7 @@ bool DownloadFile::open(std::string& reason)
     }
     if (!mPartial.empty()) {
         mGathered.clear();
-        if ((mGrowing || openPartial(O_CREAT, reason)) && ftruncate(mGrowing.get(), 0) == 0) {
+        if ((mPartialFile || openPartial(O_CREAT, reason)) && ftruncate(mPartialFile.get(), 0) == 0) {
             mSize = mWritten = mWrittenBack = 0;
             return true;
         }
@@ -180,7 +180,7 @@ bool DownloadFile::commit(std::string& reason)
 /// Renames the partial file to the target. After a failure `errno` holds the reason.
 bool DownloadFile::nameTarget()
 {
-    if (fsync(mGrowing.get()) != 0)
+    if (fsync(mPartialFile.get()) != 0)
         return false;
     if (rename(mPartial.toNativeString().c_str(), mTarget.toNativeString().c_str()) != 0) {
         const int number = errno;
@@ -190,11 +190,11 @@ bool DownloadFile::nameTarget()
             return false;
         }
     }
-    mGrowing.reset();
+    mPartialFile.reset();
     return true;
 }
 
-DownloadFile::Room DownloadFile::room() const
+DownloadFile::Space DownloadFile::space() const
 {
     struct statvfs status;
     if (fstatvfs(descriptor(), &status) != 0)

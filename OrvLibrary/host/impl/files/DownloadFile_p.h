@@ -52,17 +52,17 @@ public:
     void discard();
 
     /// Space on the file's disk, in bytes; -1 if unknown.
-    struct Room
+    struct Space
     {
         std::int64_t free = -1;
         std::int64_t whole = -1;
     };
-    Room room() const;
+    Space space() const;
     /// Bytes taken so far, with those the partial file had.
     std::int64_t size() const { return mSize; }
 
 private:
-    int descriptor() const { return mFile ? mFile->descriptor() : mGrowing.get(); }
+    int descriptor() const { return mFile ? mFile->descriptor() : mPartialFile.get(); }
     bool openPartial(int flags, std::string& reason);
     bool nameTarget();
     bool flush(std::string& reason);
@@ -74,7 +74,7 @@ private:
     /// it.
     std::unique_ptr<ReplacementFile> mFile;
     /// The partial file.
-    FileHandle mGrowing;
+    FileHandle mPartialFile;
     std::int64_t mSize = 0;
     std::string mGathered;
     std::int64_t mWritten = 0;

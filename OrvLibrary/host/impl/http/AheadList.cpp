@@ -2,7 +2,8 @@
 // file holds the other side, the calls that want the answers. A call claims its entry. If the entry is
 // running, the call waits for it; if the answer has arrived, the call takes it. In all other cases the caller
 // makes the request itself. The first sign of trouble stops the list. From then on each request is sent by
-// its own call, and `makeRoom` makes sure that it runs alone, because the server may refuse several at once.
+// its own call, and `letRunAlone` makes sure that it runs alone, because the server may refuse several at
+// once.
 #include "OrvLibrary/host/impl/http/AheadList_p.h"
 
 #include <algorithm>
@@ -195,7 +196,7 @@ void AheadList::discard(AheadEntry& entry)
     entry.body.reset();
 }
 
-void AheadList::makeRoom()
+void AheadList::letRunAlone()
 {
     if (!mCourse.isStopped)
         return;

@@ -43,7 +43,7 @@ void AheadList::startWaiting(TimePoint now)
 /// Whether the entry may be sent now. Sets `isOpening` if it needs a new HTTP/2 connection.
 bool AheadList::mayStart(AheadEntry& entry) const
 {
-    if (entry.asked.isDownload() && !AheadPolicy::hasRoom(load(), entry.asked.size))
+    if (entry.asked.isDownload() && !AheadPolicy::allowsBody(load(), entry.asked.size))
         return false;
     const AheadPolicy::Situation situation = situationOf(entry);
     const auto opening = static_cast<std::size_t>(std::count_if(
@@ -139,9 +139,9 @@ bool AheadList::isOfUse(AheadEntry& entry)
         if (!entry.body)
             return true;
         FileBody& file = *entry.body;
-        // If a call is waiting, `FileBody::finish` makes these checks and reports the failure.
+        // If a call is waiting, `FileBody::complete` makes these checks and reports the failure.
         const bool isWhole =
-            answer.error == CURLE_OK && file.isTaken() && (mTurn == &entry || file.isSound());
+            answer.error == CURLE_OK && file.bringsFile() && (mTurn == &entry || file.isSound());
         if (isWhole)
             file.restAtEnd();
         return isWhole;

@@ -48,7 +48,7 @@ public:
 
     void advance() override;
     void stop() override { mCourse.isStopped = true; }
-    void makeRoom() override;
+    void letRunAlone() override;
     bool isRunning() const override { return !mRunning.empty(); }
 
 private:

@@ -18,7 +18,7 @@ std::size_t AheadPolicy::width(const Situation& situation, std::size_t open, std
     return situation.connectionLimit - 1;
 }
 
-bool AheadPolicy::hasRoom(const Load& load, std::int64_t size)
+bool AheadPolicy::allowsBody(const Load& load, std::int64_t size)
 {
     return load.bodies < kMostBodies && load.bytes + size <= kMostBytes &&
            (size <= kLarge || load.largeRunning < kMostLarge);

@@ -70,7 +70,7 @@ struct AheadPolicy
     /// @param opening HTTP/2 connections that are being made; each has one request waiting
     static std::size_t width(const Situation& situation, std::size_t open, std::size_t opening);
     /// Whether one more body of `size` bytes may be fetched ahead.
-    static bool hasRoom(const Load& load, std::int64_t size);
+    static bool allowsBody(const Load& load, std::int64_t size);
     /// The limits of such a body until its call comes: it may not be larger than announced, and it leaves
     /// free space for all others that are fetched ahead.
     /// @param limits those of ordinary downloads

@@ -17,6 +17,6 @@ public:
     virtual void stop() = 0;
     /// Called before a request is sent that was not sent ahead. If `stop` was called, this request must run
     /// alone: the others get a second to end, and the rest is given up. Without `stop` nothing happens.
-    virtual void makeRoom() = 0;
+    virtual void letRunAlone() = 0;
     virtual bool isRunning() const = 0;
 };

@@ -57,7 +57,7 @@ FileBody::Failure failureOf(const HttpAnswer& answer, const FileBody& body)
         return {"Callback aborted", Curl::kAbortedByCallback};
     if (!body.failure().reason.empty())
         return body.failure();
-    if (answer.status != 0 && !body.isTaken())
+    if (answer.status != 0 && !body.bringsFile())
         return {"HTTP " + std::to_string(answer.status), CURLE_HTTP_RETURNED_ERROR};
     return {answer.errorText, answer.error};
 }
@@ -66,8 +66,8 @@ FileBody::Failure failureOf(const HttpAnswer& answer, const FileBody& body)
 bool conclude(HttpConnections& connections, const HttpAnswer& answer, FileBody& body,
               FileBody::Failure& failure)
 {
-    const HttpConnections::Work work(connections); // because `finish` may call the progress function
-    if (answer.error == CURLE_OK && body.isTaken() && body.finish())
+    const HttpConnections::Work work(connections); // because `complete` may call the progress function
+    if (answer.error == CURLE_OK && body.bringsFile() && body.complete())
         return true;
     failure = failureOf(answer, body);
     return false;

@@ -1,7 +1,7 @@
 // How it works: `HttpBody` counts bytes and drops them, `PageBody` keeps them in memory, `FileBody` writes
 // them to a file. In `FileBody`, `begin` reads the header (length, range, encoding, digests) and measures the
-// free space. `take` checks the size, writes and hashes the bytes, and calls the progress function. `finish`
-// compares the length and the digests, then renames the file. Each refusal is kept in `failure`.
+// free space. `receive` checks the size, writes and hashes the bytes, and calls the progress function.
+// `complete` compares the length and the digests, then renames the file. Each refusal is kept in `failure`.
 #include "OrvLibrary/host/impl/http/HttpBody_p.h"
 
 #include <algorithm>
@@ -104,7 +104,7 @@ bool HttpBody::begin(std::int64_t, const std::string&)
     return true;
 }
 
-bool HttpBody::take(const char*, std::size_t size)
+bool HttpBody::receive(const char*, std::size_t size)
 {
     return discard(size);
 }
@@ -132,7 +132,7 @@ bool PageBody::begin(std::int64_t status, const std::string& headerText)
     return HttpBody::begin(status, headerText);
 }
 
-bool PageBody::take(const char* data, std::size_t size)
+bool PageBody::receive(const char* data, std::size_t size)
 {
     const auto room = static_cast<std::size_t>(mCap) - mPage.size();
     mPage.append(data, std::min(size, room));
@@ -171,22 +171,22 @@ bool FileBody::failOnDisk(const std::string& reason)
     return false;
 }
 
-bool FileBody::checkRoom(std::int64_t size)
+bool FileBody::checkSize(std::int64_t size)
 {
-    if (size <= mRoom.cap)
+    if (size <= mSpace.cap)
         return true;
-    if (!mRoom.isDisks)
+    if (!mSpace.isFromDisk)
         return fail("file too large");
-    return failOnDisk("disk full: " + sizeText(size - mFile.size()) + " needed, " + sizeText(mRoom.free) +
-                      " free, " + sizeText(mRoom.kept) + " kept free");
+    return failOnDisk("disk full: " + sizeText(size - mFile.size()) + " needed, " + sizeText(mSpace.free) +
+                      " free, " + sizeText(mSpace.kept) + " kept free");
 }
 
 bool FileBody::begin(std::int64_t status, const std::string& headerText)
 {
     const bool isRest = !mValidator.empty() && status == kPartialContent;
-    mIsTaken = status == kOk || isRest;
+    mBringsFile = status == kOk || isRest;
     mMustStartAnew = !mValidator.empty() && status == kRangeNotSatisfiable;
-    if (!mIsTaken)
+    if (!mBringsFile)
         return HttpBody::begin(status, headerText);
     WebUtils::HeaderMap headers;
     WebUtils::parseReturnHeader(headerText, headers);
@@ -197,8 +197,8 @@ bool FileBody::begin(std::int64_t status, const std::string& headerText)
     if (!(isRest ? beginRest(headers) : beginWhole(headers)))
         return false;
     mPacer.setTotal(std::max<std::int64_t>(mLength, 0));
-    measureRoom();
-    return checkRoom(mLength);
+    measureSpace();
+    return checkSize(mLength);
 }
 
 /// The answer brings the whole file. It replaces the bytes that were there.
@@ -232,21 +232,21 @@ bool FileBody::digestEarlier()
     return reason.empty() ? fail("Callback aborted") : failOnDisk(reason);
 }
 
-void FileBody::measureRoom()
+void FileBody::measureSpace()
 {
-    const host::DownloadFile::Room disk = mFile.room();
-    mRoom.free = disk.free;
-    mRoom.kept = std::min(mLimits.spareBytes, disk.whole / mLimits.spareShare) + mLimits.spareForOthers;
-    const std::int64_t size = std::max<std::int64_t>(mFile.size() + mRoom.free - mRoom.kept, 0);
-    mRoom.isDisks = disk.free >= 0 && size < mLimits.fileBytes;
-    mRoom.cap = mRoom.isDisks ? size : mLimits.fileBytes;
+    const host::DownloadFile::Space disk = mFile.space();
+    mSpace.free = disk.free;
+    mSpace.kept = std::min(mLimits.spareBytes, disk.whole / mLimits.spareShare) + mLimits.spareForOthers;
+    const std::int64_t size = std::max<std::int64_t>(mFile.size() + mSpace.free - mSpace.kept, 0);
+    mSpace.isFromDisk = disk.free >= 0 && size < mLimits.fileBytes;
+    mSpace.cap = mSpace.isFromDisk ? size : mLimits.fileBytes;
 }
 
 void FileBody::beginTurn(const HttpLimits& limits, Curl::ProgressFunction progress, void* context)
 {
     mLimits = limits;
     if (mFile.isOpen())
-        measureRoom();
+        measureSpace();
     mPacer.attach(progress, context, HttpLimits::Clock::now());
 }
 
@@ -255,12 +255,12 @@ void FileBody::headerReceived(std::size_t size)
     mSpeed.received(static_cast<std::int64_t>(size));
 }
 
-bool FileBody::take(const char* data, std::size_t size)
+bool FileBody::receive(const char* data, std::size_t size)
 {
-    if (!mIsTaken)
+    if (!mBringsFile)
         return discard(size);
     const auto bytes = static_cast<std::int64_t>(size);
-    if (!checkRoom(mFile.size() + bytes))
+    if (!checkSize(mFile.size() + bytes))
         return false;
     std::string reason;
     if (!mFile.write(data, size, reason))
@@ -285,13 +285,13 @@ bool FileBody::isSound()
     return mDigest->matches() || fail("digest mismatch");
 }
 
-bool FileBody::finish()
+bool FileBody::complete()
 {
     if (!isSound()) {
         mFile.discard();
         return false;
     }
-    if (!mPacer.finish(HttpLimits::Clock::now()))
+    if (!mPacer.callAtEnd(HttpLimits::Clock::now()))
         return false;
     std::string reason;
     return mFile.commit(reason) || failOnDisk(reason);

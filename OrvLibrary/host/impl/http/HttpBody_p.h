@@ -37,7 +37,7 @@ public:
     /// @return false to end the transfer
     virtual bool begin(std::int64_t status, const std::string& headerText);
     /// @return false to end the transfer
-    virtual bool take(const char* data, std::size_t size);
+    virtual bool receive(const char* data, std::size_t size);
     /// Called at each step of the transfer loop. Tells whether the transfer may go on.
     virtual Verdict watch(TimePoint now);
 
@@ -59,7 +59,7 @@ public:
     PageBody(const HttpLimits& limits, std::string& page) : HttpBody(limits), mPage(page) {}
 
     bool begin(std::int64_t status, const std::string& headerText) override;
-    bool take(const char* data, std::size_t size) override;
+    bool receive(const char* data, std::size_t size) override;
     /// Why the page was refused; empty if it was not.
     const std::string& reason() const { return mReason; }
 
@@ -93,14 +93,14 @@ public:
     bool mustStartAnew() const { return mMustStartAnew; }
 
     bool begin(std::int64_t status, const std::string& headerText) override;
-    bool take(const char* data, std::size_t size) override;
+    bool receive(const char* data, std::size_t size) override;
     Verdict watch(TimePoint now) override;
     void headerReceived(std::size_t size) override;
 
     /// Whether the length and all digests are right. Call it after a transfer without error.
     bool isSound();
     /// Gives the file its name if `isSound`. Makes the last call of the progress function.
-    bool finish();
+    bool complete();
     /// The call for a body that is fetched ahead has come. `progress` is called for the bytes that are there,
     /// then for those that follow.
     /// @param limits those of ordinary downloads, which hold from now on; the free space is measured again
@@ -113,16 +113,16 @@ public:
     /// Frees memory and lets the disk begin to write, for a complete body whose call has not come yet.
     void restAtEnd() { mFile.restAtEnd(); }
     /// Whether the status means that the answer's body is the file, or its rest.
-    bool isTaken() const { return mIsTaken; }
+    bool bringsFile() const { return mBringsFile; }
     /// Why the file was refused or could not be written.
     const Failure& failure() const { return mFailure; }
 
 private:
     /// How large the whole file may become.
-    struct Room
+    struct Space
     {
         std::int64_t cap = 0;
-        bool isDisks = false; ///< whether the free space, not `HttpLimits::fileBytes`, sets the limit
+        bool isFromDisk = false; ///< whether the free space, not `HttpLimits::fileBytes`, sets the limit
         std::int64_t free = 0;
         std::int64_t kept = 0; ///< free space that must remain
     };
@@ -132,8 +132,8 @@ private:
     bool beginWhole(const WebUtils::HeaderMap& headers);
     bool beginRest(const WebUtils::HeaderMap& headers);
     bool digestEarlier();
-    void measureRoom();
-    bool checkRoom(std::int64_t size);
+    void measureSpace();
+    bool checkSize(std::int64_t size);
 
     host::DownloadFile mFile;
     ProgressPacer mPacer;
@@ -142,9 +142,9 @@ private:
     /// Identifies the version of the partial file. Empty if the whole file is requested.
     std::string mValidator;
     bool mMustStartAnew = false;
-    bool mIsTaken = false;
+    bool mBringsFile = false;
     /// The announced length of the whole file; -1 if unknown.
     std::int64_t mLength = -1;
-    Room mRoom;
+    Space mSpace;
     Failure mFailure;
 };

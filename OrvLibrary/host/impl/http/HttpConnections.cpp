@@ -93,7 +93,7 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, 
     const BrokenPipeBlock block;
     const Work busy(*this);
     for (AheadWork* const work : mAhead)
-        work->makeRoom();
+        work->letRunAlone();
     const bool hadCompany = hasCompany();
     HttpTransfer transfer(*this, request, body, deadline);
     start(transfer);

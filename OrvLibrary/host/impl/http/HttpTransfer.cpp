@@ -170,9 +170,9 @@ std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t cou
     auto* transfer = static_cast<HttpTransfer*>(self);
     // Exceptions must not pass through the transfer library.
     try {
-        const bool isTaken =
+        const bool isAccepted =
             transfer->keepToRate(size * count) && transfer->takeHeader(std::string(data, size * count));
-        return isTaken ? size * count : 0;
+        return isAccepted ? size * count : 0;
     } catch (...) {
         transfer->mException = std::current_exception();
         return 0;
@@ -183,8 +183,9 @@ std::size_t HttpTransfer::onBody(char* data, std::size_t size, std::size_t count
 {
     auto* transfer = static_cast<HttpTransfer*>(self);
     try {
-        const bool isTaken = transfer->keepToRate(size * count) && transfer->mBody.take(data, size * count);
-        return isTaken ? size * count : 0;
+        const bool isAccepted =
+            transfer->keepToRate(size * count) && transfer->mBody.receive(data, size * count);
+        return isAccepted ? size * count : 0;
     } catch (...) {
         transfer->mException = std::current_exception();
         return 0;

@@ -58,7 +58,7 @@ bool ProgressPacer::tick(TimePoint now)
     return isTrickle || isSilence ? call(mReceived, now) : !mAborted;
 }
 
-bool ProgressPacer::finish(TimePoint now)
+bool ProgressPacer::callAtEnd(TimePoint now)
 {
     return mTold == mReceived ? !mAborted : call(mReceived, now);
 }

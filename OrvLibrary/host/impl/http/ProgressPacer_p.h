@@ -29,7 +29,7 @@ public:
     bool tick(TimePoint now);
     /// Called when the body is complete. Makes a last call if the function does not know the final count.
     /// False if the function cancelled.
-    bool finish(TimePoint now);
+    bool callAtEnd(TimePoint now);
 
     bool wanted() const { return mProgress != nullptr; }
     bool aborted() const { return mAborted; }

@@ -151,9 +151,9 @@ std::uint64_t ZipDirectoryReader::findZip64EndRecord(std::uint64_t locatorOffset
 
 void ZipDirectoryReader::placeDirectory(const EndRecord& end)
 {
-    if (end.members > kMaximumMembers)
+    if (end.members > kMostMembers)
         mArchive.fail("more than 100,000 members");
-    if (end.directorySize > kMaximumDirectorySize || end.directorySize > end.directoryEnd)
+    if (end.directorySize > kLargestDirectory || end.directorySize > end.directoryEnd)
         mArchive.fail("bad directory size");
     mDirectory->start = end.directoryEnd - end.directorySize;
     if (end.directoryOffset > mDirectory->start)

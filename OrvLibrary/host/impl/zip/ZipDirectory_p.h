@@ -12,9 +12,9 @@
 namespace ZipUtils {
 
 /// An archive with more members is refused.
-constexpr std::size_t kMaximumMembers = 100000;
+constexpr std::size_t kMostMembers = 100000;
 /// An archive with a larger directory is refused, because the directory is kept in memory.
-constexpr std::uint64_t kMaximumDirectorySize = 256U << 20U;
+constexpr std::uint64_t kLargestDirectory = 256U << 20U;
 
 /// One member, as the directory describes it. Its texts point into the directory's bytes.
 struct ZipEntry

@@ -81,7 +81,7 @@ std::shared_ptr<const ZipDirectory> ZipMemberScan::read()
         std::string name;
         const std::optional<ZipEntry> entry = readHeader(*offset, name);
         from = entry ? entry->dataEnd() : *offset + 1;
-        if (!entry || directory->entries.size() >= kMaximumMembers)
+        if (!entry || directory->entries.size() >= kMostMembers)
             continue;
         directory->entries.push_back(*entry);
         directory->bytes += name;

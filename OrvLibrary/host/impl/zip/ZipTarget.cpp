@@ -103,7 +103,7 @@ bool ZipTarget::add(std::string_view name, const std::shared_ptr<const ZipArchiv
 {
     Member member{std::string(name), source, &entry};
     member.headerOffset = nextOffset();
-    if ((mByName.size() >= kMaximumMembers && mByName.count(member.name) == 0) || !fits(member))
+    if ((mByName.size() >= kMostMembers && mByName.count(member.name) == 0) || !fits(member))
         return false;
     const ZipEntry* last = source->find(name);
     if (last == nullptr || last <= &entry)
