@@ -85,11 +85,33 @@ bool CatalogSwapper::swapIn(const fileString& destination, const std::string& fo
     return problem.empty();
 }
 
+void CatalogSwapper::examine(const fileString& newFile)
+{
+    if (!mChecksDatabases)
+        return;
+    const std::string problem = DatabaseCheck::problemOf(newFile);
+    const std::lock_guard<std::mutex> lock(mMutex);
+    mExamined[newFile] = problem;
+}
+
+std::string CatalogSwapper::problemOf(const fileString& newFile)
+{
+    if (!mChecksDatabases)
+        return {};
+    {
+        const std::lock_guard<std::mutex> lock(mMutex);
+        const auto examined = mExamined.extract(newFile);
+        if (!examined.empty())
+            return examined.mapped();
+    }
+    return DatabaseCheck::problemOf(newFile);
+}
+
 /// @return the problem, for people; empty if there is none
 std::string CatalogSwapper::replace(const fileString& destination, const std::string& formerTag,
                                     const fileString& newFile)
 {
-    std::string problem = mChecksDatabases ? DatabaseCheck::problemOf(newFile) : std::string();
+    std::string problem = problemOf(newFile);
     if (!problem.empty()) {
         FileUtils::removePath(newFile, kRemoveReadOnly);
         return "the new file " + problem;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+#include <mutex>
 #include <set>
 #include <string>
 #include <vector>
@@ -15,7 +17,7 @@ namespace OrvHost {
 /// Puts new catalogs into place for a host: those that an update passes on with "onCatalogUpdatedEvent", and
 /// those that a killed update left behind. Each destination is replaced by one rename, so it is always a
 /// complete catalog, old or new. A file that is not a sound database is refused. One object serves one
-/// update, on the thread of the host object.
+/// update. One thread at a time may use it, except for `examine`.
 class ORVHOST_EXPORT CatalogSwapper
 {
 public:
@@ -39,6 +41,9 @@ public:
     /// active.
     /// @param held these places stay unchanged
     void recover(const std::set<CatalogPlace>& held = {});
+    /// Checks a new file, so that `swapIn` need not and takes no longer than its rename. May be called on any
+    /// thread. `CatalogUpdateRun` calls it before the host object hears of the file.
+    void examine(const fileString& newFile);
     /// Puts one catalog into place. A new file that is not a database is removed. The former catalog moves to
     /// the history; if this fails, it stays in place.
     /// @return false after a failure, which is remembered for `forgetFailed`
@@ -63,10 +68,13 @@ private:
     bool swapIn(const fileString& destination, const std::string& formerTag, const fileString& newFile);
     std::string replace(const fileString& destination, const std::string& formerTag,
                         const fileString& newFile);
+    std::string problemOf(const fileString& newFile);
 
     CatalogHistory mHistory;
     NewsCollector mNews;
     bool mChecksDatabases = true;
+    std::mutex mMutex;
+    std::map<fileString, std::string> mExamined; ///< guarded by mMutex; the problem of each new file
     std::vector<fileString> mSwappedIn;
     std::vector<Failure> mFailed;
 };

@@ -12,6 +12,7 @@
 #include "OrvHost/update/CheckHistory.h"
 #include "OrvHost/update/PartialFiles.h"
 #include "OrvHost/update/RunJournal.h"
+#include "OrvHost/update/UpdateRelay_p.h"
 #include "OrvLibrary/host/Application.h"
 
 namespace OrvHost {
@@ -66,15 +67,13 @@ void CatalogUpdateRun::start(QObject& host)
     if (mRequest.onlyChecks)
         mPins->forgetReplaced(); // a check tells what an update would do, so it does this, too
     else
-        recover();
-    const LibraryCatalogUpdater updater(
-        host, CatalogFolders::core().catalogs(), catalogSet(CatalogFolders::bonus(), mRequest.bonus),
-        catalogSet(CatalogFolders::manufacturer(), mRequest.manufacturer), mRequest.product,
-        mRequest.productVersion, mRequest.url, mRequest.coreOnly);
+        reconcile();
+    mRelay = std::make_unique<UpdateRelay>(host, mSwapper);
+    connect(mRelay.get(), SIGNAL(ended()), this, SIGNAL(finished()));
     mKeeper = std::make_unique<VersionKeeper>(Curl::get(), *mPins);
     mService = std::make_unique<CarefulCurl>(*mKeeper, serviceSettings());
     mFormerService = Curl::install(mService.get());
-    mWorker = std::thread([this, updater] { work(updater); });
+    mWorker = std::thread([this] { work(); });
 }
 
 CarefulCurl::Settings CatalogUpdateRun::serviceSettings() const
@@ -92,14 +91,18 @@ CarefulCurl::Settings CatalogUpdateRun::serviceSettings() const
     return settings;
 }
 
-void CatalogUpdateRun::recover()
+void CatalogUpdateRun::reconcile()
 {
     mSwapper.setDatabaseCheck(mRequest.checksDatabases);
+    if (mPins->reconcile())
+        mPins->save();
+}
+
+void CatalogUpdateRun::recover()
+{
     std::set<CatalogPlace> held;
     for (const auto& [place, version] : mPins->held())
         held.insert(place);
-    if (mPins->reconcile())
-        mPins->save();
     mSwapper.recover(held);
     PartialFiles(PartialFiles::defaultFolder()).prune();
 }
@@ -110,20 +113,33 @@ void CatalogUpdateRun::cancel()
     LibraryCatalogUpdater::killDownload();
 }
 
-void CatalogUpdateRun::work(LibraryCatalogUpdater updater)
+void CatalogUpdateRun::work()
 {
     try {
-        mRequest.onlyChecks ? updater.check() : updater();
-        mRecords = updater.catalogs();
-        if (!mRequest.onlyChecks)
-            mHeldFailures = HeldVersions::fetch(*mService, mKeeper->offers(), mRequest.checksDatabases,
-                                                [] { return isCancelled.load(); });
+        askAndFetch();
     } catch (...) {
         mException = std::current_exception();
     }
     // Queued after everything that the updater sent. By name, as the updater does it: with a pointer to the
     // member, Qt would count references in code that the thread sanitizer does not see.
-    QMetaObject::invokeMethod(this, "finished", Qt::QueuedConnection);
+    QMetaObject::invokeMethod(mRelay.get(), "end", Qt::QueuedConnection);
+}
+
+void CatalogUpdateRun::askAndFetch()
+{
+    if (!mRequest.onlyChecks)
+        recover();
+    LibraryCatalogUpdater updater(*mRelay, CatalogFolders::core().catalogs(),
+                                  catalogSet(CatalogFolders::bonus(), mRequest.bonus),
+                                  catalogSet(CatalogFolders::manufacturer(), mRequest.manufacturer),
+                                  mRequest.product, mRequest.productVersion, mRequest.url, mRequest.coreOnly);
+    if (isCancelled)
+        LibraryCatalogUpdater::killDownload(); // a cancel that came before, which a new updater forgets
+    mRequest.onlyChecks ? updater.check() : updater();
+    mRecords = updater.catalogs();
+    if (!mRequest.onlyChecks)
+        mHeldFailures = HeldVersions::fetch(*mService, mKeeper->offers(), mRequest.checksDatabases,
+                                            [] { return isCancelled.load(); });
 }
 
 void CatalogUpdateRun::endWorker()
@@ -131,6 +147,7 @@ void CatalogUpdateRun::endWorker()
     if (!mWorker.joinable())
         return;
     mWorker.join();
+    mRelay->drain();
     Curl::install(mFormerService);
 }
 

@@ -25,6 +25,7 @@
 namespace OrvHost {
 
 class RunJournal;
+class UpdateRelay;
 
 /// One complete update for a host. It locks out other updates, puts into place what a killed update has left,
 /// runs the updater on a worker thread with a `CarefulCurl`, and at the end removes the hash lines of
@@ -67,7 +68,7 @@ public:
     /// If the worker is still running, cancels it and waits.
     ~CatalogUpdateRun() override;
 
-    /// Puts into place what a killed update has left, and starts the worker. Call it once.
+    /// Starts the worker, which first puts into place what a killed update has left. Call it once.
     /// @throws std::runtime_error if the list of held catalogs cannot be read
     void start(QObject& host);
     /// Cancels the update. `finished` is still sent.
@@ -97,8 +98,10 @@ Q_SIGNALS:
 
 private:
     CarefulCurl::Settings serviceSettings() const;
+    void reconcile();
     void recover();
-    void work(LibraryCatalogUpdate::LibraryCatalogUpdater updater);
+    void work();
+    void askAndFetch();
     void endWorker();
     void noteHeld(UpdateOutcome& outcome);
     void noteNews(const std::vector<CatalogChanges>& news, UpdateOutcome& outcome) const;
@@ -115,6 +118,7 @@ private:
     std::optional<CatalogPins> mPins;       ///< as they are when the run begins
     std::unique_ptr<VersionKeeper> mKeeper; ///< requests pass through mService, then through this
     std::unique_ptr<CarefulCurl> mService;  ///< installed while the worker runs
+    std::unique_ptr<UpdateRelay> mRelay;    ///< between the worker and the host object
     std::unique_ptr<RunJournal> mJournal;
     std::vector<HeldVersions::Failure> mHeldFailures; ///< the worker writes this and the next two
     LibraryCatalogUpdate::CatalogMap mRecords;        ///< before it ends; they are read afterwards

@@ -1,5 +1,7 @@
 #include "OrvHost/update/CatalogSwapper.h"
 
+#include <thread>
+
 #include <gmock/gmock.h>
 
 #include "tests/orv-host/HostedTest.h"
@@ -79,4 +81,32 @@ TEST_F(CatalogSwapperTest, recoveryLeavesWhatIsNoDatabaseAside)
     EXPECT_FALSE(left.pathExists());
     EXPECT_EQ("former", test::readFile(folder.file("root/core/Doors.orvlib")));
     EXPECT_EQ("", test::readFile(folder.file("root/core/catalog_hash.txt")));
+}
+
+TEST_F(CatalogSwapperTest, examinedFileIsNotLookedAtAgain)
+{
+    const fileString page = folder.write("page", kPage),
+                     sound = folder.write("sound", test::sampleDatabase("s"));
+    swapper.setDatabaseCheck(true);
+    std::thread([&] {
+        swapper.examine(page);
+        swapper.examine(sound);
+    }).join();
+    folder.write("page", test::sampleDatabase("s"));
+    folder.write("sound", kPage);
+    EXPECT_FALSE(swapper.swapIn(folder.file("root/core/Page.orvlib"), page));
+    EXPECT_EQ("the new file is no database", swapper.failed()[0].reason);
+    EXPECT_TRUE(swapper.swapIn(folder.file("root/core/Sound.orvlib"), sound));
+    // What is said of a file counts once: the next one of its name is another file.
+    folder.write("page", test::sampleDatabase("s"));
+    folder.write("sound", kPage);
+    EXPECT_TRUE(swapper.swapIn(folder.file("root/core/Page.orvlib"), page));
+    EXPECT_FALSE(swapper.swapIn(folder.file("root/core/Other.orvlib"), sound));
+}
+
+TEST_F(CatalogSwapperTest, withoutTheCheckNothingIsExamined)
+{
+    const fileString page = folder.write("page", kPage);
+    swapper.examine(page);
+    EXPECT_TRUE(swapper.swapIn(folder.file("root/core/Page.orvlib"), page));
 }

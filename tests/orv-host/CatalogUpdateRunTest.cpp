@@ -1,8 +1,14 @@
 #include "OrvHost/update/CatalogUpdateRun.h"
 
+#include <filesystem>
+#include <map>
 #include <memory>
 #include <stdexcept>
+#include <thread>
+#include <utility>
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QSignalSpy>
 
 #include <gmock/gmock.h>
@@ -11,7 +17,10 @@
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "tests/orv-host/HostedTest.h"
+#include "tests/support/ArchiveBuilder.h"
 #include "tests/support/ContentService.h"
+#include "tests/support/SampleDatabase.h"
+#include "tests/support/SlotRecorder.h"
 
 namespace {
 
@@ -116,4 +125,93 @@ TEST_F(CatalogUpdateRunTest, whatLeavesTheUpdaterReachesTheCaller)
     ASSERT_TRUE(finished.wait(kTimeoutMilliseconds));
     EXPECT_THROW(run.finish(std::nullopt, host.root()), NullPointerError);
     Application::install(former);
+}
+
+TEST_F(CatalogUpdateRunTest, newCatalogsAreLookedAtBeforeTheHostHearsOfThem)
+{
+    test::ArchiveBuilder packed;
+    packed.add("Party.orvlib", test::sampleDatabase("party"));
+    service.offer("Orv_Core_Content_Index.txt", "Doors.orvlib\nRoofs.orvlib\n");
+    service.offer("Doors.orvlib", test::sampleDatabase("doors"));
+    service.offer("Roofs.orvlib", std::string(5000, 'r'));
+    service.offer("Party.orvlibz", packed.bytes());
+    OrvHost::CatalogUpdateRun::Request asked = request();
+    asked.checksDatabases = true;
+    asked.bonus = {"Party.orvlib"};
+    OrvHost::CatalogUpdateRun run(asked);
+    test::SlotRecorder recorder;
+    recorder.swapsIn = false;
+    std::map<std::string, bool> swapped;
+    recorder.onEvent = [&](std::size_t) {
+        if (recorder.events().back().slot != "onCatalogUpdatedEvent")
+            return;
+        // Whoever looked at the file only now would come to the opposite.
+        const auto& [destination, newFile] = recorder.updatedFiles().back();
+        const std::string name = destination.stem().toNativeString();
+        test::writeFile(newFile.toNativeString(), name == "Roofs" ? test::sampleDatabase("roofs") : "a page");
+        swapped[name] = run.swapper().swapIn(destination, newFile);
+    };
+    QSignalSpy finished(&run, &OrvHost::CatalogUpdateRun::finished);
+    run.start(recorder);
+    ASSERT_TRUE(finished.wait(kTimeoutMilliseconds));
+    EXPECT_THAT(swapped, testing::ElementsAre(std::pair("Doors", true), std::pair("Party", true),
+                                              std::pair("Roofs", false)));
+    const OrvHost::UpdateOutcome outcome = run.finish(recorder.closingData(), host.root());
+    EXPECT_EQ(OrvHost::UpdateOutcome::Kind::Incomplete, outcome.kind);
+    ASSERT_EQ(1U, outcome.failed.size());
+    EXPECT_EQ("the new file is no database", outcome.failed[0].reason);
+}
+
+TEST_F(CatalogUpdateRunTest, hostHearsWhatTheUpdaterSaysInItsOrder)
+{
+    service.offer("Orv_Core_Content_Index.txt", "Doors.orvlib\nRoofs.orvlib\n");
+    service.offer("Roofs.orvlib", std::string(7000, 'r'));
+    test::SlotRecorder alone, relayed;
+    LibraryCatalogUpdate::LibraryCatalogUpdater updater(alone, {}, {}, {}, "P", "1", service.redirect(),
+                                                        false);
+    std::thread([&] { updater(); }).join();
+    QCoreApplication::sendPostedEvents(&alone);
+    ASSERT_EQ(2U, alone.count("onCatalogUpdatedEvent"));
+    ASSERT_EQ(1U, alone.closings());
+
+    std::filesystem::remove_all(folder.path() + "/root/core");
+    OrvHost::CatalogUpdateRun run(request());
+    QSignalSpy finished(&run, &OrvHost::CatalogUpdateRun::finished);
+    run.start(relayed);
+    ASSERT_TRUE(finished.wait(kTimeoutMilliseconds));
+    EXPECT_EQ(alone.texts(), relayed.texts());
+}
+
+TEST_F(CatalogUpdateRunTest, hostObjectThatIsGoneHearsNothing)
+{
+    service.spoil("Doors.orvlib", test::FaultReply::ok(std::string(5000, 'd')).silentAt(300));
+    auto recorder = std::make_unique<test::SlotRecorder>();
+    OrvHost::CatalogUpdateRun run(request());
+    QSignalSpy finished(&run, &OrvHost::CatalogUpdateRun::finished);
+    run.start(*recorder);
+    ASSERT_TRUE(service.waitUntilFetched("Doors.orvlib"));
+    recorder.reset();
+    OrvHost::CatalogUpdateRun::cancel();
+    EXPECT_TRUE(finished.wait(kTimeoutMilliseconds));
+}
+
+TEST_F(CatalogUpdateRunTest, cancelIsHeardThatComesWhileLeftCatalogsAreLookedAt)
+{
+    folder.write("root/temp/orv-library.downloads.core/Roofs.orvlib", test::slowDatabase());
+    OrvHost::CatalogUpdateRun::Request asked = request();
+    asked.checksDatabases = true;
+    OrvHost::CatalogUpdateRun run(asked);
+    test::SlotRecorder recorder;
+    QSignalSpy finished(&run, &OrvHost::CatalogUpdateRun::finished);
+    QElapsedTimer timer;
+    timer.start();
+    run.start(recorder);
+    EXPECT_LT(timer.elapsed(), 1000) << "the host's thread waits for the check";
+    OrvHost::CatalogUpdateRun::cancel();
+    ASSERT_TRUE(finished.wait(kTimeoutMilliseconds));
+    EXPECT_GE(timer.elapsed(), 1000) << "the check ended early";
+    EXPECT_EQ(1U, recorder.count("onClose"));
+    EXPECT_THAT(service.takeAsked(), testing::IsEmpty());
+    EXPECT_EQ(OrvHost::UpdateOutcome::Kind::Cancelled, run.finish(std::nullopt, host.root()).kind);
+    EXPECT_EQ(test::slowDatabase(), test::readFile(folder.file("root/core/Roofs.orvlib")));
 }

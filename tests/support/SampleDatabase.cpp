@@ -4,6 +4,8 @@
 
 #include <sqlite3.h>
 
+#include "tests/support/TempFolder.h"
+
 namespace test {
 
 namespace {
@@ -26,15 +28,18 @@ void insert(sqlite3* database, const std::string& content)
     require(isDone, database);
 }
 
+void run(sqlite3* database, const char* statement)
+{
+    require(sqlite3_exec(database, statement, nullptr, nullptr, nullptr) == SQLITE_OK, database);
+}
+
 } // namespace
 
 std::string sampleDatabase(const std::string& content, std::size_t bytes)
 {
     sqlite3* database = nullptr;
     require(sqlite3_open(":memory:", &database) == SQLITE_OK, database);
-    require(sqlite3_exec(database, "CREATE TABLE Sample (Content BLOB)", nullptr, nullptr, nullptr) ==
-                SQLITE_OK,
-            database);
+    run(database, "CREATE TABLE Sample (Content BLOB)");
     insert(database, content);
     if (bytes > 0)
         insert(database, std::string(bytes, 'x'));
@@ -45,6 +50,30 @@ std::string sampleDatabase(const std::string& content, std::size_t bytes)
     sqlite3_free(image);
     sqlite3_close(database);
     return result;
+}
+
+std::string slowDatabase()
+{
+    const TempFolder folder;
+    const std::string file = folder.file("slow").toNativeString();
+    slowDownCheck(file);
+    return readFile(file);
+}
+
+void slowDownCheck(const std::string& file)
+{
+    sqlite3* database = nullptr;
+    require(sqlite3_open(file.c_str(), &database) == SQLITE_OK, database);
+    run(database, "CREATE TABLE Slow (Number INTEGER)");
+    run(database, "WITH RECURSIVE Numbers(Number) AS (SELECT 1 UNION ALL SELECT Number + 1 FROM Numbers "
+                  "WHERE Number < 10000) INSERT INTO Slow SELECT Number FROM Numbers");
+    // A check computes the column of each row, which takes a millisecond. So would the insertion: it comes
+    // before.
+    run(database, "PRAGMA writable_schema = 1");
+    run(database,
+        "UPDATE sqlite_master SET sql = 'CREATE TABLE Slow (Number INTEGER, Digits INTEGER NOT NULL "
+        "AS (length(hex(zeroblob(200000 + Number)))))' WHERE name = 'Slow'");
+    sqlite3_close(database);
 }
 
 } // namespace test
