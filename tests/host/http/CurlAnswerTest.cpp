@@ -1,4 +1,5 @@
 // What the service tells of the calling thread's last request.
+#include <map>
 #include <thread>
 
 #include "tests/host/http/CurlFixture.h"
@@ -67,6 +68,30 @@ TEST_F(CurlAnswerTest, missingAnswerHasAReasonAndNoStatus)
     server.dropConnections();
     EXPECT_EQ(curl.urlAfterRedirects(url), "");
     EXPECT_THAT(curl.lastAnswer().reason, HasSubstr("connect"));
+}
+
+TEST_F(CurlAnswerTest, headerThatIsTooLargeIsToldAsSuch)
+{
+    const std::string longText(301 * 1024, 'x');
+    std::string manyLines = "X-Many: 0";
+    for (int count = 0; count < 301; ++count)
+        manyLines += "\r\nX-Many: " + std::string(1024, 'x');
+    const std::map<std::string, FaultReply> replies = {
+        {"/line", FaultReply::ok("body", {"X-Long: " + longText})},
+        {"/lines", FaultReply::ok("body", {manyLines})},
+        {"/status", FaultReply::raw("HTTP/1.1 200 " + longText + "\r\n\r\n")},
+        {"/endless", FaultReply::raw("HTTP/1.1 200 OK\r\nX-Endless: " + longText).silentAt(301 * 1024)},
+    };
+    for (const auto& [path, reply] : replies) {
+        server.on(path, reply);
+        EXPECT_FALSE(header(server.url(path))) << path;
+        EXPECT_EQ(curl.lastAnswer().reason, "header too large") << path;
+        EXPECT_EQ(curl.lastAnswer().status, 0) << path;
+        EXPECT_FALSE(fetch(server.url(path))) << path;
+        EXPECT_EQ(reason, "header too large") << path;
+        EXPECT_EQ(curl.urlAfterRedirects(server.url(path)), "") << path;
+        EXPECT_EQ(curl.lastAnswer().reason, "header too large") << path;
+    }
 }
 
 TEST_F(CurlAnswerTest, closedAddressTellsWhatItWasClosedFor)

@@ -10,11 +10,9 @@
 #include <cstdio>
 #include <cstdlib>
 #include <new>
-#include <thread>
 
 #include <sys/stat.h>
 
-#include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 #include "OrvLibrary/host/impl/http/RateLimit_p.h"
@@ -24,8 +22,7 @@ namespace {
 
 constexpr std::int64_t kBodyBuffer = 256 * 1024;
 constexpr std::int64_t kHeaderBuffer = 16 * 1024;
-/// The longest sleep between two cancel questions.
-constexpr std::chrono::milliseconds kLongestSleep{10};
+const char* const kHeaderTooLarge = "header too large";
 
 /// A header line in the transfer library's notation. It takes "Name:" as an order to omit the header; "Name;"
 /// sends the header with an empty value.
@@ -168,46 +165,29 @@ void HttpTransfer::setHeaderLines()
 std::size_t HttpTransfer::onHeader(char* data, std::size_t size, std::size_t count, void* self)
 {
     auto* transfer = static_cast<HttpTransfer*>(self);
-    // Exceptions must not pass through the transfer library.
-    try {
-        const bool isAccepted =
-            transfer->keepToRate(size * count) && transfer->takeHeader(std::string(data, size * count));
-        return isAccepted ? size * count : 0;
-    } catch (...) {
-        transfer->mException = std::current_exception();
-        return 0;
-    }
+    return transfer->receive(size * count,
+                             [&] { return transfer->takeHeader(std::string(data, size * count)); });
 }
 
 std::size_t HttpTransfer::onBody(char* data, std::size_t size, std::size_t count, void* self)
 {
     auto* transfer = static_cast<HttpTransfer*>(self);
-    try {
-        const bool isAccepted =
-            transfer->keepToRate(size * count) && transfer->mBody.receive(data, size * count);
-        return isAccepted ? size * count : 0;
-    } catch (...) {
-        transfer->mException = std::current_exception();
-        return 0;
-    }
+    return transfer->receive(size * count, [&] { return transfer->mBody.receive(data, size * count); });
 }
 
-/// Waits until the time of what has come is over. What is not read meanwhile stays with the system, which
-/// slows the server down. Other transfers of the thread wait, too: their bytes have no time left over either.
-bool HttpTransfer::keepToRate(std::size_t bytes)
-{
-    RateLimit& limit = RateLimit::ofProcess();
+/// @return `size` when the transfer goes on, otherwise 0. Exceptions must not pass through the transfer
+/// library.
+template <class Take>
+std::size_t HttpTransfer::receive(std::size_t size, const Take& take)
+try {
     mLastArrival = HttpLimits::Clock::now();
-    limit.received(static_cast<std::int64_t>(bytes), mLastArrival);
-    for (auto pause = limit.pause(mLastArrival); pause.count() > 0; pause = limit.pause(mLastArrival)) {
-        if (CancelQuestion::isCancelled()) {
-            cancel();
-            return false;
-        }
-        std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(pause, kLongestSleep));
-        mLastArrival = HttpLimits::Clock::now();
-    }
-    return true;
+    if (RateLimit::ofProcess().keep(static_cast<std::int64_t>(size), mLastArrival))
+        return take() ? size : 0;
+    cancel();
+    return 0;
+} catch (...) {
+    mException = std::current_exception();
+    return 0;
 }
 
 bool HttpTransfer::takeHeader(const std::string& line)
@@ -216,7 +196,7 @@ bool HttpTransfer::takeHeader(const std::string& line)
     mHeader.addLine(line);
     mBody.headerReceived(line.size());
     if (mHeader.bytes() > mBody.limits().headerBytes)
-        return fail(CURLE_WEIRD_SERVER_REPLY, "header too large");
+        return fail(CURLE_WEIRD_SERVER_REPLY, kHeaderTooLarge);
     const std::int64_t status = mHeader.status();
     if (hadStatus || status == 0)
         return true;
@@ -271,14 +251,25 @@ bool HttpTransfer::isConnectedSecurely() const
     return info<curl_off_t>(handle(), CURLINFO_APPCONNECT_TIME_T) > 0;
 }
 
+/// Whether the server has sent anything, be it a part of a line only.
+bool HttpTransfer::hasBegun() const
+{
+    return info<curl_off_t>(handle(), CURLINFO_STARTTRANSFER_TIME_T) > 0;
+}
+
 void HttpTransfer::finish(CURLcode result)
 {
     if (mResult)
         return;
     mResult = result;
-    // The transfer library reports success even if the header was cut off.
-    if (result == CURLE_OK && mHeader.status() == 0)
+    if (mHeader.status() != 0)
+        return;
+    // The transfer library reports success even if the header was cut off, and a lack of memory if a line is
+    // longer than it allows.
+    if (result == CURLE_OK)
         fail(CURLE_RECV_ERROR, "connection closed within the header");
+    else if (result == CURLE_OUT_OF_MEMORY && hasBegun())
+        fail(CURLE_WEIRD_SERVER_REPLY, kHeaderTooLarge);
 }
 
 HttpAnswer HttpTransfer::answer() const

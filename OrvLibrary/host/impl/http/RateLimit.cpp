@@ -1,6 +1,16 @@
 #include "OrvLibrary/host/impl/http/RateLimit_p.h"
 
 #include <algorithm>
+#include <thread>
+
+#include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
+
+namespace {
+
+/// The longest sleep between two cancel questions.
+constexpr std::chrono::milliseconds kLongestSleep{10};
+
+} // namespace
 
 RateLimit& RateLimit::ofProcess()
 {
@@ -14,6 +24,18 @@ void RateLimit::set(std::int64_t bytesPerSecond)
     const std::lock_guard<std::mutex> lock(mMutex);
     mBytesPerSecond = std::max<std::int64_t>(bytesPerSecond, 0);
     mFreeAt = TimePoint();
+}
+
+bool RateLimit::keep(std::int64_t bytes, TimePoint& now)
+{
+    received(bytes, now);
+    for (auto rest = pause(now); rest.count() > 0; rest = pause(now)) {
+        if (CancelQuestion::isCancelled())
+            return false;
+        std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(rest, kLongestSleep));
+        now = HttpLimits::Clock::now();
+    }
+    return true;
 }
 
 void RateLimit::received(std::int64_t bytes, TimePoint now)

@@ -21,6 +21,12 @@ public:
     /// 0 if there is no limit.
     std::int64_t bytesPerSecond() const { return mBytesPerSecond; }
 
+    /// Counts bytes and waits until their time is over. What is not read meanwhile stays with the system,
+    /// which slows the server down. Other transfers of the thread wait, too: there is no time for their bytes
+    /// either.
+    /// @param now receives the end of the waiting
+    /// @return false after a cancel
+    bool keep(std::int64_t bytes, TimePoint& now);
     void received(std::int64_t bytes, TimePoint now);
     /// How long to wait until the time of all bytes received is over.
     std::chrono::nanoseconds pause(TimePoint now);
