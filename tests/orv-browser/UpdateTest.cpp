@@ -6,6 +6,7 @@
 
 #include <QAction>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLabel>
 #include <QListView>
@@ -25,6 +26,7 @@
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
 #include "tests/orv-browser/EventWatch.h"
+#include "tests/support/SampleDatabase.h"
 
 namespace {
 
@@ -80,6 +82,20 @@ protected:
         test::writeFile(index, test::readFile(index) + "Large.orvlib\n");
         test::writeFile(service.content() + "/Large.orvlib", "x");
         std::filesystem::resize_file(service.content() + "/Large.orvlib", 600'000'000);
+    }
+
+    /// Offers a core catalog and a bonus catalog whose checks take longer than anybody waits for them.
+    void offerCatalogsThatAreSlowToCheck() const
+    {
+        const std::string index = service.content() + "/Orv_Core_Content_Index.txt";
+        const std::string slow = service.content() + "/Slow.orvlib";
+        test::writeFile(index, test::readFile(index) + "Slow.orvlib\n");
+        std::filesystem::copy_file(service.content() + "/Doors.orvlib", slow);
+        test::slowDownCheck(slow);
+        const std::string archive = service.content() + "/Garden Party.orvlibz";
+        std::filesystem::remove(archive);
+        test::BrowserService::runProgram({"pack", QString::fromStdString(slow), "--output",
+                                          QString::fromStdString(archive), "--no-database-check"});
     }
 
     test::BrowserService service;
@@ -257,4 +273,23 @@ TEST_F(BrowserUpdateTest, noEventTakesLongWhileItRuns)
         name = watch.longestName();
     }
     EXPECT_LT(longest, kMostMilliseconds) << name;
+}
+
+TEST_F(BrowserUpdateTest, slowCheckOfACatalogHoldsNoEventUp)
+{
+    constexpr int kMostMilliseconds = 500; // the check of each takes a second
+    offerCatalogsThatAreSlowToCheck();
+    test::writeFile(inRoot("bonus/Garden Party.orvlib"), "an old one");
+    test::writeFile(inRoot("temp/orv-library.downloads.core/Floors.orvlib"), test::slowDatabase());
+    open(service.redirect());
+    const test::EventWatch watch;
+    QElapsedTimer timer;
+    timer.start();
+    update();
+    EXPECT_GE(timer.elapsed(), 3000);
+    EXPECT_LT(watch.longest(), kMostMilliseconds) << watch.longestName();
+    EXPECT_TRUE(summary().startsWith("Updated: ")) << summary().toStdString();
+    EXPECT_TRUE(place({"Core", "Slow"}).isValid());
+    EXPECT_EQ(test::readFile(inRoot("bonus/Garden Party.orvlib")),
+              test::readFile(inRoot("core/Slow.orvlib")));
 }

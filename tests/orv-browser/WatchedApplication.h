@@ -4,13 +4,14 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QThread>
 
 #include "tests/orv-browser/EventWatch.h"
 
 namespace test {
 
-/// An application that tells the EventWatch, while there is one, how long each event takes, whatever is
-/// handled within it.
+/// An application that tells the EventWatch, while there is one, how long each event of the interface thread
+/// takes, whatever is handled within it.
 class WatchedApplication : public QApplication
 {
 public:
@@ -18,7 +19,7 @@ public:
 
     bool notify(QObject* receiver, QEvent* event) override
     {
-        if (mDepth > 0 || !EventWatch::current())
+        if (QThread::currentThread() != thread() || mDepth > 0 || !EventWatch::current())
             return QApplication::notify(receiver, event);
         const std::string name =
             std::string(receiver->metaObject()->className()) + ", event " + std::to_string(event->type());
