@@ -44,7 +44,10 @@ void BrowserTest::open(const QString& service)
     mWindow->resize(1180, 720); // whatever the screen of the platform is
     mWindow->show();
     mWindow->library().start();
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(mWindow.get()));
+    // Keys that menus know work in the active window only, and a bare screen has no window manager that would
+    // make it so.
+    mWindow->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(mWindow.get()));
 }
 
 void BrowserTest::close()

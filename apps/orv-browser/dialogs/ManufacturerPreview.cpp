@@ -85,6 +85,7 @@ ManufacturerPreview::ManufacturerPreview(const QString& dataUrl, const QString& 
     layout->addWidget(mButtons);
     // Without a default of its own the box would let Enter mean Cancel.
     mButtons->button(QDialogButtonBox::Apply)->setDefault(true);
+    mButtons->button(QDialogButtonBox::Cancel)->setAutoDefault(false); // also while it alone can have the focus
     mButtons->button(QDialogButtonBox::Apply)->setEnabled(false);
     connect(mButtons->button(QDialogButtonBox::Apply), &QPushButton::clicked, this,
             &ManufacturerPreview::accept);
