@@ -5,6 +5,7 @@
 #include <QJsonObject>
 
 #include "OrvHost/TextFile.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 namespace {
 
@@ -34,7 +35,7 @@ bool BrowserSettings::save(const fileString& root, QString& reason) const
         OrvHost::TextFile::write(fileIn(root), QJsonDocument(document).toJson().toStdString());
         return true;
     } catch (const std::exception& error) {
-        reason = QString::fromUtf8(error.what());
+        reason = Reasons::text(error.what());
         return false;
     }
 }

@@ -8,6 +8,7 @@
 #include <QUndoStack>
 
 #include "OrvLibrary/LibraryFilterManager.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 using OrvHost::FilterChange;
 
@@ -82,7 +83,7 @@ void FilterActions::use(long id)
         change.save();
         mUndo.push(new Command(*this, tr("Filter"), before));
     } catch (const std::runtime_error& error) {
-        problem = tr("The choice of the filter was not saved: %1").arg(QString::fromUtf8(error.what()));
+        problem = tr("The choice of the filter was not saved: %1").arg(Reasons::text(error.what()));
     }
     Q_EMIT changed();
     tell(problem);
@@ -120,7 +121,7 @@ bool FilterActions::add(const std::vector<FilterEditor::Database>& databases, co
         change.save();
         mUndo.push(new Command(*this, tr("Save as filter"), before));
     } catch (const std::runtime_error& error) {
-        return tell(tr("The filter was not saved: %1").arg(QString::fromUtf8(error.what())));
+        return tell(tr("The filter was not saved: %1").arg(Reasons::text(error.what())));
     }
     Q_EMIT changed();
     return true;
@@ -146,7 +147,7 @@ bool FilterActions::change(const State& from, const State& to)
             change.use(to.current);
         change.save();
     } catch (const std::runtime_error& error) {
-        problem = tr("The filters were not changed: %1").arg(QString::fromUtf8(error.what()));
+        problem = tr("The filters were not changed: %1").arg(Reasons::text(error.what()));
     }
     Q_EMIT changed();
     return tell(problem);

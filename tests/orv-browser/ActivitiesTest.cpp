@@ -147,8 +147,9 @@ TEST_F(BrowserActivitiesTest, cardCountsWhatIsNewAndStaysUntilItIsPutAway)
     openAndUpdate();
     ASSERT_TRUE(ends());
     EXPECT_TRUE(isCardShown());
-    EXPECT_EQ(card(), "2 catalogs, 3 new items");
+    EXPECT_EQ(card(), "2 catalogs, 3 items");
     EXPECT_FALSE(child<QPushButton>("resultNews").isVisible()); // all is
+    ASSERT_TRUE(settle());
     offer("Alpha", {"Door"});
     offer("Beta", {"Lamp", "Torch", "Candle"});
     trigger("checkForUpdates");
@@ -207,11 +208,11 @@ TEST_F(BrowserActivitiesTest, failedCatalogSaysWhyAndItsButtonFetchesItAgain)
     ASSERT_TRUE(ends());
     EXPECT_EQ(stateOf("Alpha"), "installed");
     EXPECT_EQ(stateOf("Beta"), "failed: HTTP 404");
-    EXPECT_TRUE(
-        card().startsWith("1 catalog, 2 new items\nSome catalogs could not be updated: Beta.orvlib: "))
+    EXPECT_TRUE(card().startsWith("1 catalog, 2 items\nSome catalogs could not be updated: Beta.orvlib: "))
         << card().toStdString();
     QTest::mouseClick(&child<QToolButton>("activitiesButton"), Qt::LeftButton);
     auto& retry = child<QPushButton>("retry", &list());
+    ASSERT_TRUE(settle());
     EXPECT_EQ(retry.accessibleName(), "Retry Beta");
     service.spoil("Beta.orvlib", FaultReply::ok(offer("Beta", {"Lamp"})));
     QTest::mouseClick(&retry, Qt::LeftButton);
@@ -256,7 +257,7 @@ TEST_F(BrowserActivitiesTest, cancelledUpdateIsNoFailureAndNamesWhatCame)
     EXPECT_EQ(summary(), "The update was cancelled. Updated: Alpha.");
     EXPECT_EQ(stateOf("Alpha"), "installed");
     EXPECT_EQ(stateOf("Beta"), "cancelled");
-    EXPECT_EQ(card(), "1 catalog, 2 new items");
+    EXPECT_EQ(card(), "1 catalog, 2 items");
     EXPECT_FALSE(child<QPushButton>("resultRetry").isVisible());
 }
 

@@ -91,6 +91,7 @@ TEST_F(BrowserNewsTest, whatTheFirstFetchBroughtIsNotNew)
     update();
     EXPECT_TRUE(place({"Core", "Fresh"}).isValid());
     EXPECT_EQ(newsCount(), 0);
+    EXPECT_EQ(child<QLabel>("resultText").text(), "1 catalog, 3 items");
     EXPECT_EQ(chip(), "New");
     ASSERT_TRUE(goTo({"What's new"}));
     EXPECT_TRUE(names().isEmpty());
@@ -101,6 +102,7 @@ TEST_F(BrowserNewsTest, itemsThatAnUpdateAddedOrChangedAreNew)
 {
     openWithNews();
     EXPECT_EQ(newsCount(), 2);
+    EXPECT_EQ(child<QLabel>("resultText").text(), "1 catalog, 1 new item, 1 changed, 1 gone");
     EXPECT_EQ(chip(), "New (2)");
     EXPECT_EQ(stateOf(place({"Core", "Fresh"})), PlacesModel::State::New);
     EXPECT_TRUE(place({"Core", "Fresh"}).data(Qt::AccessibleTextRole).toString().startsWith("Fresh, 2 item"));

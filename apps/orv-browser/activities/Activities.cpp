@@ -15,6 +15,7 @@
 #include "apps/orv-browser/activities/UpdateActivities.h"
 #include "apps/orv-browser/activities/UpdateController.h"
 #include "apps/orv-browser/activities/UpdateSummary.h"
+#include "apps/orv-browser/models/Reasons.h"
 #include "apps/orv-browser/models/UserLists.h"
 
 namespace {
@@ -103,7 +104,7 @@ void Activities::connectImports()
         Activity activity = importOf(QFile::decodeName(result.source.c_str()));
         const State good = result.isCancelled ? State::Cancelled : State::Done;
         activity.state = result.isCancelled || result.error.empty() ? good : State::Failed;
-        activity.reason = QString::fromStdString(result.error);
+        activity.reason = Reasons::text(result.error);
         mModel.put(activity);
     });
     connect(&imports, &ImportController::finished, this, &Activities::showImportsEnd);
@@ -123,8 +124,9 @@ void Activities::showUpdateEnd(const UpdateSummary& summary, const OrvHost::Upda
     mModel.settle(Kind::Catalog, summary.isCancelled() ? State::Cancelled : State::Done);
     mFailedImports.clear();
     // The first content of all is not new to the window.
-    const bool hasNews = mLists.seenRun() && outcome.newItems + outcome.changedItems > 0;
-    const QString numbers = summary.numbers();
+    const bool isFirst = !mLists.seenRun();
+    const bool hasNews = !isFirst && outcome.newItems + outcome.changedItems > 0;
+    const QString numbers = summary.numbers(isFirst);
     if (summary.hasFailed())
         mCard->showFailure(
             numbers.isEmpty() ? summary.problem() : numbers + QLatin1Char('\n') + summary.problem(), hasNews);

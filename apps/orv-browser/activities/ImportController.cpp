@@ -7,6 +7,7 @@
 #include "OrvHost/imports/ImportUndo.h"
 #include "apps/orv-browser/activities/ImportProgress.h"
 #include "apps/orv-browser/models/Background.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ QString takeBackNow(const fileString& root, const OrvHost::ArchiveImport::Result
         undo.run();
         return {};
     } catch (const std::exception& error) {
-        return QString::fromUtf8(error.what());
+        return Reasons::text(error.what());
     }
 }
 

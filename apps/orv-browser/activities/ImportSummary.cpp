@@ -4,6 +4,7 @@
 #include <QFileInfo>
 
 #include "OrvLibrary/IO/ErrorLog.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 void ImportSummary::add(const OrvHost::ArchiveImport::Result& result)
 {
@@ -16,7 +17,7 @@ void ImportSummary::add(const OrvHost::ArchiveImport::Result& result)
     if (result.error.empty()) {
         mImported << name;
     } else if (mFailures.size() < kMostFailures) {
-        mFailures << tr("%1 was not imported: %2").arg(name, QString::fromUtf8(result.error.c_str()));
+        mFailures << tr("%1 was not imported: %2").arg(name, Reasons::text(result.error));
     } else {
         ++mLeftOut;
         Library::ErrorLog() << (name.toStdString() + " was not imported: " + result.error + "\n");

@@ -3,6 +3,7 @@
 #include <QFileInfo>
 
 #include "OrvHost/update/UpdateOutcome.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 namespace {
 
@@ -41,7 +42,7 @@ Activity UpdateActivities::activityOf(const OrvHost::CatalogReport& catalog,
         activity.whole = 0;
     } else if (catalog.isDownloadTried && !catalog.reason.empty()) {
         activity.state = Activity::State::Failed;
-        activity.reason = QString::fromStdString(catalog.reason);
+        activity.reason = Reasons::text(catalog.reason);
     } else if (catalog.received > 0) {
         activity.state = Activity::State::Running;
     }
@@ -56,7 +57,7 @@ std::vector<Activity> UpdateActivities::failuresOf(const OrvHost::UpdateOutcome&
             continue;
         Activity activity = named(*failure.catalog);
         activity.state = Activity::State::Failed;
-        activity.reason = QString::fromStdString(failure.reason);
+        activity.reason = Reasons::text(failure.reason);
         activities.push_back(activity);
     }
     return activities;

@@ -13,6 +13,7 @@
 #include "apps/orv-browser/activities/UpdateReceiver.h"
 #include "apps/orv-browser/activities/UpdateSummary.h"
 #include "apps/orv-browser/activities/UpdateWatch.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 namespace {
 
@@ -71,7 +72,7 @@ void UpdateController::start(const OrvHost::Settings::Values& settings)
     try {
         mRun = std::make_unique<OrvHost::CatalogUpdateRun>(requestOf(settings));
     } catch (const std::exception& error) {
-        Q_EMIT refused(QString::fromUtf8(error.what()));
+        Q_EMIT refused(Reasons::text(error.what()));
         return;
     }
     mPanel = LibraryProgressPanel::create(&mWindow);
@@ -111,9 +112,9 @@ std::unique_ptr<OrvHost::CatalogUpdateRun> UpdateController::conclude()
     try {
         outcome = mRun->finish(mReceiver->outcome(), mRoot);
         for (const std::string& note : outcome.notes)
-            notes << QString::fromStdString(note);
+            notes << Reasons::text(note);
     } catch (const std::exception& error) {
-        notes << tr("The update failed: %1").arg(QString::fromUtf8(error.what()));
+        notes << tr("The update failed: %1").arg(Reasons::text(error.what()));
     }
     mWatch.reset();
     std::unique_ptr<OrvHost::CatalogUpdateRun> run = std::move(mRun);

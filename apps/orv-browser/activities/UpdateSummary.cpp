@@ -5,12 +5,14 @@
 #include "OrvHost/LegacyText.h"
 #include "OrvHost/health/ErrorLogReader.h"
 #include "OrvLibrary/IO/ErrorLog.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 namespace {
 
 using Kind = OrvHost::UpdateOutcome::Kind;
 
 constexpr int kMostNames = 5;
+constexpr int kMostFailures = 5;
 
 QString listed(const std::set<std::string>& names)
 {
@@ -62,13 +64,15 @@ QString UpdateSummary::text() const
     return (sentences + mNotes).join(QLatin1Char(' '));
 }
 
-QString UpdateSummary::numbers() const
+QString UpdateSummary::numbers(bool isFirst) const
 {
     const auto number = [](std::size_t count) { return static_cast<int>(count); };
     if (mUpdated.empty())
         return {};
     QStringList parts{tr("%Ln catalog(s)", nullptr, number(mUpdated.size()))};
-    if (mOutcome.newItems > 0)
+    if (isFirst)
+        parts << tr("%Ln item(s)", nullptr, number(mOutcome.newItems));
+    else if (mOutcome.newItems > 0)
         parts << tr("%Ln new item(s)", nullptr, number(mOutcome.newItems));
     if (mOutcome.changedItems > 0)
         parts << tr("%Ln changed", nullptr, number(mOutcome.changedItems));
@@ -77,20 +81,37 @@ QString UpdateSummary::numbers() const
     return parts.join(tr(", "));
 }
 
+/// Each failure with its reason; the last ones are counted where there are many.
+QString UpdateSummary::failures() const
+{
+    QStringList parts;
+    for (const OrvHost::UpdateOutcome::Failure& failure : mOutcome.failed) {
+        const QString what =
+            failure.catalog ? QString::fromStdString(*failure.catalog) : tr("the content index");
+        if (parts.size() < kMostFailures)
+            parts << tr("%1: %2").arg(what, Reasons::text(failure.reason));
+    }
+    const int rest = static_cast<int>(mOutcome.failed.size()) - static_cast<int>(parts.size());
+    if (rest > 0)
+        parts << tr("and %n more", nullptr, rest);
+    return parts.join(QStringLiteral("; "));
+}
+
 QString UpdateSummary::problem() const
 {
     const OrvHost::ServiceReport& service = mOutcome.service;
     if (!service.verdict.empty())
-        return QString::fromStdString(service.verdict) + QLatin1Char('.');
+        return Reasons::text(service.verdict) + QLatin1Char('.');
     if (service.endpoint.isAsked && !service.endpoint.isGood)
         return tr("The catalog service cannot be reached; the library stays as it is.");
     const QString problems = tr("Some catalogs could not be updated: %1");
     if (!mOutcome.failed.empty())
-        return problems.arg(QString::fromStdString(mOutcome.failedText()) + QLatin1Char('.'));
+        return problems.arg(failures() + QLatin1Char('.'));
     const auto entries = OrvHost::ErrorLogReader::readIfPossible(Library::ErrorLog::file());
     if (entries.size() <= mLogEntriesBefore)
         return tr("Some catalogs could not be checked.");
     const QString reason =
         QString::fromStdString(OrvHost::LegacyText::toUtf8(entries[mLogEntriesBefore].message));
-    return problems.arg(reason.section(QLatin1Char('\n'), 0, 0).simplified() + QLatin1Char('.'));
+    return problems.arg(Reasons::text(reason.section(QLatin1Char('\n'), 0, 0).simplified()) +
+                        QLatin1Char('.'));
 }

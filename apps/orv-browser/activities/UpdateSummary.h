@@ -32,11 +32,14 @@ public:
     /// In sentences: what came, and what went wrong.
     QString text() const;
     /// In numbers, such as "16 catalogs, 42 new items, 3 gone"; empty when nothing came.
-    QString numbers() const;
+    /// @param isFirst whether this is the first content of all, which is not new to the window
+    QString numbers(bool isFirst) const;
     /// What went wrong; where the run itself does not know, the first line that it added to the log.
     QString problem() const;
 
 private:
+    QString failures() const;
+
     const OrvHost::UpdateOutcome& mOutcome;
     std::set<std::string> mUpdated; ///< names of the catalogs that came
     QStringList mNotes;

@@ -14,6 +14,7 @@
 
 #include "OrvHost/records/FilterChange.h"
 #include "OrvLibrary/LibraryFilterManager.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 namespace {
 
@@ -188,7 +189,7 @@ bool FilterEditor::save()
             change.filters().loadFilters(); // as if nothing had been changed
         }
     } catch (const std::runtime_error& error) {
-        problem = tr("The filters could not be saved.") + "\n" + QString::fromUtf8(error.what());
+        problem = tr("The filters could not be saved.") + "\n" + Reasons::text(error.what());
     }
     QMessageBox::warning(this, windowTitle(), problem);
     return false;

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "OrvHost/health/ErrorLogReader.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 namespace {
 
@@ -17,7 +18,7 @@ QString entriesText(const fileString& log)
             text += QString::fromStdString(entry->time) + QLatin1Char('\n') +
                     QString::fromStdString(entry->message) + QLatin1String("\n\n");
     } catch (const std::exception& error) {
-        return QString::fromUtf8(error.what());
+        return Reasons::text(error.what());
     }
     return text.isEmpty() ? LogDialog::tr("The log is empty.") : text.trimmed();
 }

@@ -15,6 +15,7 @@
 #include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "apps/orv-browser/models/Background.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 namespace {
 
@@ -85,7 +86,8 @@ ManufacturerPreview::ManufacturerPreview(const QString& dataUrl, const QString& 
     layout->addWidget(mButtons);
     // Without a default of its own the box would let Enter mean Cancel.
     mButtons->button(QDialogButtonBox::Apply)->setDefault(true);
-    mButtons->button(QDialogButtonBox::Cancel)->setAutoDefault(false); // also while it alone can have the focus
+    mButtons->button(QDialogButtonBox::Cancel)
+        ->setAutoDefault(false); // also while it alone can have the focus
     mButtons->button(QDialogButtonBox::Apply)->setEnabled(false);
     connect(mButtons->button(QDialogButtonBox::Apply), &QPushButton::clicked, this,
             &ManufacturerPreview::accept);
@@ -137,8 +139,7 @@ void ManufacturerPreview::accept()
             mSummary += " " + tr("%n logo(s) could not be fetched.", nullptr,
                                  static_cast<int>(refresh.failedLogos().size()));
     } catch (const std::runtime_error& error) {
-        mSummary =
-            tr("The manufacturer records were not refreshed: %1").arg(QString::fromStdString(error.what()));
+        mSummary = tr("The manufacturer records were not refreshed: %1").arg(Reasons::text(error.what()));
     }
     QGuiApplication::restoreOverrideCursor();
     QDialog::accept();

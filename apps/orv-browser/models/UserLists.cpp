@@ -8,6 +8,7 @@
 
 #include "OrvHost/TextFile.h"
 #include "apps/orv-browser/models/ItemIndex.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 namespace {
 
@@ -99,7 +100,7 @@ void UserLists::save()
         OrvHost::TextFile::write(fileIn(mRoot), QJsonDocument(document).toJson().toStdString());
         mProblem.clear();
     } catch (const std::exception& error) {
-        mProblem = QString::fromUtf8(error.what());
+        mProblem = Reasons::text(error.what());
     }
 }
 

@@ -51,10 +51,24 @@
     </message>
 </context>
 <context>
+    <name>ArchiveDrop</name>
+    <message>
+        <source>Drop the archive to import it</source>
+        <translation>Archiv ablegen, um es zu importieren</translation>
+    </message>
+</context>
+<context>
     <name>Breadcrumbs</name>
     <message>
         <source>Go to %1</source>
         <translation>Zu %1</translation>
+    </message>
+</context>
+<context>
+    <name>CatalogBoxes</name>
+    <message>
+        <source>%1 (%2)</source>
+        <translation>%1 (%2)</translation>
     </message>
 </context>
 <context>
@@ -192,6 +206,79 @@
     <message>
         <source>The filters could not be saved.</source>
         <translation>Die Filter konnten nicht gespeichert werden.</translation>
+    </message>
+</context>
+<context>
+    <name>FirstStart</name>
+    <message>
+        <source>Asking the service…</source>
+        <translation>Der Dienst wird gefragt …</translation>
+    </message>
+    <message>
+        <source>No catalogs can be fetched from there: %1</source>
+        <translation>Von dort können keine Kataloge geladen werden: %1</translation>
+    </message>
+    <message>
+        <source>The service answers, but it has no catalogs.</source>
+        <translation>Der Dienst antwortet, hat aber keine Kataloge.</translation>
+    </message>
+    <message>
+        <source>The service answers: %1, %2</source>
+        <translation>Der Dienst antwortet: %1, %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln catalog(s)</source>
+        <translation>
+            <numerusform>%Ln Katalog</numerusform>
+            <numerusform>%Ln Kataloge</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>The sample content could not be made: %1</source>
+        <translation>Die Beispiele konnten nicht erzeugt werden: %1</translation>
+    </message>
+</context>
+<context>
+    <name>FirstStartPage</name>
+    <message>
+        <source>Bonus catalogs</source>
+        <translation>Zusatzkataloge</translation>
+    </message>
+    <message>
+        <source>Manufacturer catalogs</source>
+        <translation>Herstellerkataloge</translation>
+    </message>
+    <message>
+        <source>The library is empty.</source>
+        <translation>Die Bibliothek ist leer.</translation>
+    </message>
+    <message>
+        <source>&amp;Address of the catalog service:</source>
+        <translation>&amp;Adresse des Katalogdienstes:</translation>
+    </message>
+    <message>
+        <source>Address of the catalog service</source>
+        <translation>Adresse des Katalogdienstes</translation>
+    </message>
+    <message>
+        <source>Fetch the content</source>
+        <translation>Inhalte laden</translation>
+    </message>
+    <message>
+        <source>Import an archive…</source>
+        <translation>Archiv importieren …</translation>
+    </message>
+    <message>
+        <source>Try with sample content</source>
+        <translation>Mit Beispielen ausprobieren</translation>
+    </message>
+    <message>
+        <source>The catalogs are on their way. Each one appears as soon as it is here.</source>
+        <translation>Die Kataloge sind unterwegs. Jeder erscheint, sobald er da ist.</translation>
+    </message>
+    <message>
+        <source>Fetch the catalogs from a service, or import an archive that you have. You can also drop an archive anywhere on this window.</source>
+        <translation>Laden Sie die Kataloge von einem Dienst, oder importieren Sie ein Archiv, das Sie haben. Sie können ein Archiv auch irgendwo auf diesem Fenster ablegen.</translation>
     </message>
 </context>
 <context>
@@ -635,29 +722,6 @@
     </message>
 </context>
 <context>
-    <name>OfferPage</name>
-    <message>
-        <source>The library is empty.</source>
-        <translation>Die Bibliothek ist leer.</translation>
-    </message>
-    <message>
-        <source>Fetch the content</source>
-        <translation>Inhalte laden</translation>
-    </message>
-    <message>
-        <source>Import an archive…</source>
-        <translation>Archiv importieren …</translation>
-    </message>
-    <message>
-        <source>The catalogs are on their way. Each one appears as soon as it is here.</source>
-        <translation>Die Kataloge sind unterwegs. Jeder erscheint, sobald er da ist.</translation>
-    </message>
-    <message>
-        <source>Fetch the catalogs from the service, or import an archive that you have. You can also drop an archive on this window.</source>
-        <translation>Laden Sie die Kataloge vom Dienst, oder importieren Sie ein Archiv, das Sie haben. Sie können ein Archiv auch auf dieses Fenster ziehen.</translation>
-    </message>
-</context>
-<context>
     <name>PlaceDetails</name>
     <message>
         <source>Items:</source>
@@ -901,6 +965,465 @@
     <message>
         <source>All of them &amp;together:</source>
         <translation>Alle &amp;zusammen:</translation>
+    </message>
+</context>
+<context>
+    <name>Reasons</name>
+    <message>
+        <source>%1 answers with web pages (a login page?), not as a catalog service</source>
+        <translation>%1 antwortet mit Webseiten (einer Anmeldeseite?) und nicht wie ein Katalogdienst</translation>
+    </message>
+    <message>
+        <source>a web page instead of an answer</source>
+        <translation>eine Webseite statt einer Antwort</translation>
+    </message>
+    <message>
+        <source>a web page instead of a catalog</source>
+        <translation>eine Webseite statt eines Katalogs</translation>
+    </message>
+    <message>
+        <source>another version than announced: %1 bytes instead of %2</source>
+        <translation>eine andere Fassung als angekündigt: %1 statt %2 Bytes</translation>
+    </message>
+    <message>
+        <source>another version than announced: tag %1 instead of %2</source>
+        <translation>eine andere Fassung als angekündigt: Kennung %1 statt %2</translation>
+    </message>
+    <message>
+        <source>no answer</source>
+        <translation>keine Antwort</translation>
+    </message>
+    <message>
+        <source>the catalog web service was not found: %1</source>
+        <translation>der Katalogdienst wurde nicht gefunden: %1</translation>
+    </message>
+    <message>
+        <source>the content index could not be fetched: %1</source>
+        <translation>das Inhaltsverzeichnis konnte nicht geladen werden: %1</translation>
+    </message>
+    <message>
+        <source>no catalog could be checked: %1</source>
+        <translation>kein Katalog konnte geprüft werden: %1</translation>
+    </message>
+    <message>
+        <source>an error was written to the log</source>
+        <translation>ein Fehler steht im Protokoll</translation>
+    </message>
+    <message>
+        <source>it could not be installed</source>
+        <translation>er konnte nicht eingesetzt werden</translation>
+    </message>
+    <message>
+        <source>the service did not tell its length, so that it was not fetched</source>
+        <translation>der Dienst nannte seine Länge nicht, darum wurde er nicht geladen</translation>
+    </message>
+    <message>
+        <source>the service did not tell its version, so that it was not fetched</source>
+        <translation>der Dienst nannte seine Fassung nicht, darum wurde er nicht geladen</translation>
+    </message>
+    <message>
+        <source>less than a kilobyte has changed in all, which is not fetched</source>
+        <translation>insgesamt hat sich weniger als ein Kilobyte geändert, das wird nicht geladen</translation>
+    </message>
+    <message>
+        <source>it was not fetched, because an installation before it failed</source>
+        <translation>er wurde nicht geladen, weil ein Einsetzen vor ihm fehlschlug</translation>
+    </message>
+    <message>
+        <source>its newer version was not fetched: %1</source>
+        <translation>seine neuere Fassung wurde nicht geladen: %1</translation>
+    </message>
+    <message>
+        <source>the hash file still lists %1</source>
+        <translation>die Liste der Kennungen nennt noch %1</translation>
+    </message>
+    <message>
+        <source>no catalog is in the archive</source>
+        <translation>im Archiv ist kein Katalog</translation>
+    </message>
+    <message>
+        <source>the new file %1</source>
+        <translation>die neue Datei %1</translation>
+    </message>
+    <message>
+        <source>the download failed</source>
+        <translation>das Laden schlug fehl</translation>
+    </message>
+    <message>
+        <source>is no database</source>
+        <translation>ist keine Datenbank</translation>
+    </message>
+    <message>
+        <source>is a damaged database: it is cut off</source>
+        <translation>ist eine beschädigte Datenbank: das Ende fehlt</translation>
+    </message>
+    <message>
+        <source>is a damaged database: %1</source>
+        <translation>ist eine beschädigte Datenbank: %1</translation>
+    </message>
+    <message>
+        <source>another update is running on this root: %1 is locked</source>
+        <translation>hier läuft schon eine andere Aktualisierung: %1 ist gesperrt</translation>
+    </message>
+    <message>
+        <source>another import is running on this root: %1 is locked</source>
+        <translation>hier läuft schon ein anderer Import: %1 ist gesperrt</translation>
+    </message>
+    <message>
+        <source>cannot lock %1: another program is changing the settings</source>
+        <translation>%1 kann nicht gesperrt werden: ein anderes Programm ändert gerade die Einstellungen</translation>
+    </message>
+    <message>
+        <source>cannot lock %1: another program is changing the filters</source>
+        <translation>%1 kann nicht gesperrt werden: ein anderes Programm ändert gerade die Filter</translation>
+    </message>
+    <message>
+        <source>cannot lock %1: another program is changing the manufacturers</source>
+        <translation>%1 kann nicht gesperrt werden: ein anderes Programm ändert gerade die Hersteller</translation>
+    </message>
+    <message>
+        <source>cannot lock %1: another program is changing the %2</source>
+        <translation>%1 kann nicht gesperrt werden: ein anderes Programm ändert gerade „%2“</translation>
+    </message>
+    <message>
+        <source>cannot lock %1: %2</source>
+        <translation>%1 kann nicht gesperrt werden: %2</translation>
+    </message>
+    <message>
+        <source>cannot keep the unreadable filter file as %1</source>
+        <translation>die unlesbare Filterdatei kann nicht als %1 aufgehoben werden</translation>
+    </message>
+    <message>
+        <source>cannot keep the former file as %1</source>
+        <translation>die bisherige Datei kann nicht als %1 aufgehoben werden</translation>
+    </message>
+    <message>
+        <source>cannot keep %1 as %2: %3</source>
+        <translation>%1 kann nicht als %2 aufgehoben werden: %3</translation>
+    </message>
+    <message>
+        <source>cannot create the folder %1</source>
+        <translation>der Ordner %1 kann nicht angelegt werden</translation>
+    </message>
+    <message>
+        <source>cannot create %1</source>
+        <translation>%1 kann nicht angelegt werden</translation>
+    </message>
+    <message>
+        <source>cannot read what came from %1</source>
+        <translation>was von %1 kam, ist nicht lesbar</translation>
+    </message>
+    <message>
+        <source>cannot read %1: %2</source>
+        <translation>%1 kann nicht gelesen werden: %2</translation>
+    </message>
+    <message>
+        <source>cannot read %1</source>
+        <translation>%1 kann nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>cannot write the hash file in %1</source>
+        <translation>die Liste der Kennungen in %1 kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>cannot write %1: it was read-only; the next refresh may write it</source>
+        <translation>%1 kann nicht geschrieben werden: die Datei war schreibgeschützt, das nächste Mal kann es gehen</translation>
+    </message>
+    <message>
+        <source>cannot write %1: %2</source>
+        <translation>%1 kann nicht geschrieben werden: %2</translation>
+    </message>
+    <message>
+        <source>cannot write %1</source>
+        <translation>%1 kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>cannot replace %1</source>
+        <translation>%1 kann nicht ersetzt werden</translation>
+    </message>
+    <message>
+        <source>cannot move %1 to %2: %3</source>
+        <translation>%1 kann nicht nach %2 verschoben werden: %3</translation>
+    </message>
+    <message>
+        <source>cannot move %1 to %2</source>
+        <translation>%1 kann nicht nach %2 verschoben werden</translation>
+    </message>
+    <message>
+        <source>cannot fetch %1: %2</source>
+        <translation>%1 kann nicht geladen werden: %2</translation>
+    </message>
+    <message>
+        <source>cannot understand %1: repair or remove it, which releases all catalogs</source>
+        <translation>%1 ist unverständlich: berichtigen oder entfernen Sie die Datei, dann wird kein Katalog mehr festgehalten</translation>
+    </message>
+    <message>
+        <source>cannot understand %1</source>
+        <translation>%1 ist unverständlich</translation>
+    </message>
+    <message>
+        <source>%1 answers no manufacturer file</source>
+        <translation>%1 antwortet ohne Herstellerdatei</translation>
+    </message>
+    <message>
+        <source>no filter has the id %1: %2</source>
+        <translation>kein Filter hat die Nummer %1: %2</translation>
+    </message>
+    <message>
+        <source>another filter has the id %1</source>
+        <translation>ein anderer Filter hat die Nummer %1</translation>
+    </message>
+    <message>
+        <source>another filter has the name %1; its id is %2</source>
+        <translation>ein anderer Filter heißt %1; seine Nummer ist %2</translation>
+    </message>
+    <message>
+        <source>%1: names no library</source>
+        <translation>%1: benennt keine Bibliothek</translation>
+    </message>
+    <message>
+        <source>%1: no such file</source>
+        <translation>%1: diese Datei gibt es nicht</translation>
+    </message>
+    <message>
+        <source>%1: no such archive</source>
+        <translation>%1: dieses Archiv gibt es nicht</translation>
+    </message>
+    <message>
+        <source>%1: is a folder</source>
+        <translation>%1: ist ein Ordner</translation>
+    </message>
+    <message>
+        <source>%1: cannot be written</source>
+        <translation>%1: kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>%1: cannot be removed</source>
+        <translation>%1: kann nicht entfernt werden</translation>
+    </message>
+    <message>
+        <source>%1: cannot be put back</source>
+        <translation>%1: kann nicht zurückgelegt werden</translation>
+    </message>
+    <message>
+        <source>%1: cannot be kept for a later undo</source>
+        <translation>%1: kann nicht für ein späteres Zurücknehmen aufgehoben werden</translation>
+    </message>
+    <message>
+        <source>%1: the damaged archive cannot be kept there</source>
+        <translation>%1: das beschädigte Archiv kann dort nicht aufgehoben werden</translation>
+    </message>
+    <message>
+        <source>%1: holds neither a library nor referenced files</source>
+        <translation>%1: enthält weder eine Bibliothek noch zugehörige Dateien</translation>
+    </message>
+    <message>
+        <source>%1: the library in it %2</source>
+        <translation>%1: die Bibliothek darin %2</translation>
+    </message>
+    <message>
+        <source>%1: is no record of imports</source>
+        <translation>%1: ist kein Verzeichnis von Importen</translation>
+    </message>
+    <message>
+        <source>%1: another program is changing it</source>
+        <translation>%1: ein anderes Programm ändert die Datei gerade</translation>
+    </message>
+    <message>
+        <source>%1: was changed after the import, and the change would be lost; to undo all the same, move the file away first</source>
+        <translation>%1: wurde nach dem Import geändert, und die Änderung ginge verloren; um ihn trotzdem zurückzunehmen, legen Sie die Datei vorher beiseite</translation>
+    </message>
+    <message>
+        <source>%1: not enough memory</source>
+        <translation>%1: zu wenig Speicher</translation>
+    </message>
+    <message>
+        <source>there is no import to take back</source>
+        <translation>es gibt keinen Import, der sich zurücknehmen lässt</translation>
+    </message>
+    <message>
+        <source>cancelled</source>
+        <translation>abgebrochen</translation>
+    </message>
+    <message>
+        <source>%1 has no former versions</source>
+        <translation>%1 hat keine früheren Fassungen</translation>
+    </message>
+    <message>
+        <source>%1 has no former version &apos;%2&apos;</source>
+        <translation>%1 hat keine frühere Fassung „%2“</translation>
+    </message>
+    <message>
+        <source>no catalog is called &apos;%1&apos;</source>
+        <translation>kein Katalog heißt „%1“</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; can be %2</source>
+        <translation>„%1“ kann %2 sein</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is no setting</source>
+        <translation>„%1“ ist keine Einstellung</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is no http or https address</source>
+        <translation>„%1“ ist keine Adresse mit http oder https</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is no proxy, such as http://proxy.example:3128</source>
+        <translation>„%1“ ist kein Proxy wie http://proxy.example:3128</translation>
+    </message>
+    <message>
+        <source>&apos;%1&apos; is not a file name that ends in .orvlib</source>
+        <translation>„%1“ ist kein Dateiname, der auf .orvlib endet</translation>
+    </message>
+    <message>
+        <source>%1 must be a number from %2 to %3</source>
+        <translation>%1 muss eine Zahl von %2 bis %3 sein</translation>
+    </message>
+    <message>
+        <source>%1 must be a number from %2 on</source>
+        <translation>%1 muss eine Zahl ab %2 sein</translation>
+    </message>
+    <message>
+        <source>%1 must be one line of UTF-8 text</source>
+        <translation>%1 muss eine Zeile Text in UTF-8 sein</translation>
+    </message>
+    <message>
+        <source>%1 must be a list of texts</source>
+        <translation>%1 muss eine Liste von Texten sein</translation>
+    </message>
+    <message>
+        <source>%1 must be a text</source>
+        <translation>%1 muss ein Text sein</translation>
+    </message>
+    <message>
+        <source>%1 must be one object</source>
+        <translation>%1 muss ein einziges Objekt sein</translation>
+    </message>
+    <message>
+        <source>%1 must not be empty</source>
+        <translation>%1 darf nicht leer sein</translation>
+    </message>
+    <message>
+        <source>%1 needs a value</source>
+        <translation>%1 braucht einen Wert</translation>
+    </message>
+    <message>
+        <source>%1 takes one value</source>
+        <translation>%1 nimmt einen Wert</translation>
+    </message>
+    <message>
+        <source>disk full: %1 needed, %2 free, %3 kept free</source>
+        <translation>Datenträger voll: %1 nötig, %2 frei, %3 werden frei gehalten</translation>
+    </message>
+    <message>
+        <source>write error: %1</source>
+        <translation>Schreibfehler: %1</translation>
+    </message>
+    <message>
+        <source>read error: %1</source>
+        <translation>Lesefehler: %1</translation>
+    </message>
+    <message>
+        <source>the partial file is in use</source>
+        <translation>die angefangene Datei ist in Gebrauch</translation>
+    </message>
+    <message>
+        <source>Failed to connect to %1 port %2 after %3 ms: %4</source>
+        <translation>Keine Verbindung zu %1, Port %2, nach %3 ms: %4</translation>
+    </message>
+    <message>
+        <source>Failed to connect to %1 port %2: %3</source>
+        <translation>Keine Verbindung zu %1, Port %2: %3</translation>
+    </message>
+    <message>
+        <source>Couldn&apos;t connect to server</source>
+        <translation>der Rechner nimmt keine Verbindung an</translation>
+    </message>
+    <message>
+        <source>Connection refused</source>
+        <translation>Verbindung abgelehnt</translation>
+    </message>
+    <message>
+        <source>Could not resolve host: %1</source>
+        <translation>den Rechner %1 gibt es nicht</translation>
+    </message>
+    <message>
+        <source>Could not resolve proxy: %1</source>
+        <translation>den Proxy %1 gibt es nicht</translation>
+    </message>
+    <message>
+        <source>Empty reply from server</source>
+        <translation>leere Antwort</translation>
+    </message>
+    <message>
+        <source>Operation timed out after %1</source>
+        <translation>zu lange gewartet: %1</translation>
+    </message>
+    <message>
+        <source>Operation too slow. %1</source>
+        <translation>zu langsam: %1</translation>
+    </message>
+    <message>
+        <source>Recv failure: %1</source>
+        <translation>Empfang abgebrochen: %1</translation>
+    </message>
+    <message>
+        <source>Send failure: %1</source>
+        <translation>Senden abgebrochen: %1</translation>
+    </message>
+    <message>
+        <source>Connection reset by peer</source>
+        <translation>die Gegenseite hat die Verbindung abgebrochen</translation>
+    </message>
+    <message>
+        <source>SSL certificate problem: %1</source>
+        <translation>das Zertifikat des Dienstes gilt nicht: %1</translation>
+    </message>
+    <message>
+        <source>no answer from %1 a moment ago: %2</source>
+        <translation>eben noch keine Antwort von %1: %2</translation>
+    </message>
+    <message>
+        <source>%1: line %2, column %3: %4</source>
+        <translation>%1: Zeile %2, Spalte %3: %4</translation>
+    </message>
+    <message>
+        <source>must be one object</source>
+        <translation>muss ein einziges Objekt sein</translation>
+    </message>
+    <message>
+        <source>transfer closed with %1 bytes remaining to read</source>
+        <translation>die Verbindung endete, als noch %1 Bytes fehlten</translation>
+    </message>
+    <message>
+        <source>Permission denied</source>
+        <translation>keine Berechtigung</translation>
+    </message>
+    <message>
+        <source>No such file or directory</source>
+        <translation>Datei oder Ordner fehlt</translation>
+    </message>
+    <message>
+        <source>No space left on device</source>
+        <translation>kein Platz mehr auf dem Datenträger</translation>
+    </message>
+    <message>
+        <source>Is a directory</source>
+        <translation>ist ein Ordner</translation>
+    </message>
+    <message>
+        <source>Not a directory</source>
+        <translation>ist kein Ordner</translation>
+    </message>
+    <message>
+        <source>Read-only file system</source>
+        <translation>nur lesbarer Datenträger</translation>
+    </message>
+    <message>
+        <source>Input/output error</source>
+        <translation>Fehler beim Lesen oder Schreiben des Datenträgers</translation>
     </message>
 </context>
 <context>
@@ -1177,6 +1700,28 @@
     <message>
         <source>Some catalogs could not be checked.</source>
         <translation>Einige Kataloge konnten nicht geprüft werden.</translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln item(s)</source>
+        <translation>
+            <numerusform>%Ln Objekt</numerusform>
+            <numerusform>%Ln Objekte</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>the content index</source>
+        <translation>das Inhaltsverzeichnis</translation>
+    </message>
+    <message>
+        <source>%1: %2</source>
+        <translation>%1: %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>and %n more</source>
+        <translation>
+            <numerusform>und %n weiterer</numerusform>
+            <numerusform>und %n weitere</numerusform>
+        </translation>
     </message>
 </context>
 <context>

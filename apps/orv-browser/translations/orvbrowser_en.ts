@@ -2,6 +2,16 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US">
 <context>
+    <name>FirstStart</name>
+    <message numerus="yes">
+        <source>%Ln catalog(s)</source>
+        <translation>
+            <numerusform>%Ln catalog</numerusform>
+            <numerusform>%Ln catalogs</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>GalleryBar</name>
     <message numerus="yes">
         <source>%Ln item(s)</source>
@@ -130,6 +140,20 @@
         <translation>
             <numerusform>%Ln gone</numerusform>
             <numerusform>%Ln gone</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln item(s)</source>
+        <translation>
+            <numerusform>%Ln item</numerusform>
+            <numerusform>%Ln items</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>and %n more</source>
+        <translation>
+            <numerusform>and %n more</numerusform>
+            <numerusform>and %n more</numerusform>
         </translation>
     </message>
 </context>

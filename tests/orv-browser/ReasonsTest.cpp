@@ -1,0 +1,113 @@
+// The reasons of the careful host in the language of the window.
+#include <algorithm>
+#include <filesystem>
+
+#include <QApplication>
+#include <QLocale>
+#include <QRegularExpression>
+#include <QTranslator>
+
+#include <gmock/gmock.h>
+
+#include "apps/orv-browser/models/Reasons.h"
+#include "tests/support/TempFolder.h"
+
+namespace {
+
+class BrowserReasonsTest : public testing::Test
+{
+protected:
+    ~BrowserReasonsTest() override { QApplication::removeTranslator(&mGerman); }
+
+    void speakGerman()
+    {
+        ASSERT_TRUE(mGerman.load(QLocale("de_DE"), "orvbrowser", "_", ":/orvbrowser/translations"));
+        QApplication::installTranslator(&mGerman);
+    }
+
+    /// The texts in quotes of at least two words in the sources that reach the window. What a doctor, a
+    /// status or a check says is the command line's.
+    static QStringList textsOfTheHost()
+    {
+        const QStringList others{"health/Doctor",       "health/LibraryHealth", "health/SupportReport",
+                                 "update/CheckOutcome", "update/RunRecords",    "ConsoleMessages"};
+        const QRegularExpression quoted(R"("((?:[^"\\]|\\.)*)\")");
+        QStringList texts;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(ORV_HOST_SOURCES)) {
+            const QString path = QString::fromStdString(entry.path().string());
+            const bool isOther = std::any_of(others.begin(), others.end(),
+                                             [&](const QString& other) { return path.contains(other); });
+            if (!path.endsWith(".cpp") || isOther)
+                continue;
+            const QString source = QString::fromStdString(test::readFile(entry.path().string()));
+            for (const QString& line : source.split('\n')) {
+                if (line.trimmed().startsWith("//") || line.startsWith("#include"))
+                    continue;
+                auto matches = quoted.globalMatch(line);
+                while (matches.hasNext())
+                    texts << matches.next().captured(1);
+            }
+        }
+        return texts.filter(QRegularExpression("[a-z]+ [a-z]+"));
+    }
+
+private:
+    QTranslator mGerman;
+};
+
+} // namespace
+
+TEST_F(BrowserReasonsTest, areLeftAsTheyAreInEnglish)
+{
+    for (const QString& reason : Reasons::known())
+        EXPECT_EQ(Reasons::text(reason), reason);
+    EXPECT_EQ(Reasons::text("cannot read /root/x: Permission denied"),
+              "cannot read /root/x: Permission denied");
+}
+
+TEST_F(BrowserReasonsTest, areGermanInGermanWithTheirPartsAndTheReasonsInThem)
+{
+    speakGerman();
+    const std::pair<const char*, const char*> reasons[] = {
+        {"cannot read /a/b: c: Permission denied", "/a/b kann nicht gelesen werden: c: Permission denied"},
+        {"cannot read /a/b: Permission denied", "/a/b kann nicht gelesen werden: keine Berechtigung"},
+        {"/a/x.orvlibz: the library in it is a damaged database: it is cut off",
+         "/a/x.orvlibz: die Bibliothek darin ist eine beschädigte Datenbank: das Ende fehlt"},
+        {"another version than announced: 5 bytes instead of 1,000",
+         "eine andere Fassung als angekündigt: 5 statt 1,000 Bytes"},
+        {"http://x/redirect answers with web pages (a login page?), not as a catalog service",
+         "http://x/redirect antwortet mit Webseiten (einer Anmeldeseite?) und nicht wie ein Katalogdienst"},
+        {"/r/settings.json: line 2, column 14: retries must be a number from 0 to 100",
+         "/r/settings.json: Zeile 2, Spalte 14: retries muss eine Zahl von 0 bis 100 sein"},
+        {"HTTP 503", "HTTP 503"},
+        {"something that nobody foresaw", "something that nobody foresaw"},
+    };
+    for (const auto& [english, german] : reasons)
+        EXPECT_EQ(Reasons::text(english), QString::fromUtf8(german)) << english;
+}
+
+TEST_F(BrowserReasonsTest, haveAGermanTextEach)
+{
+    speakGerman();
+    for (const QString& reason : Reasons::known())
+        EXPECT_NE(Reasons::text(reason), reason) << reason.toStdString();
+}
+
+TEST_F(BrowserReasonsTest, knowEveryTextOfTheHost)
+{
+    // What no person is told: statements, names of steps that have texts of their own, and words that are
+    // looked for in answers.
+    const QRegularExpression inner(
+        "^(SELECT |PRAGMA |SQLite format|putting in place$|HTTP/2 stream$|timed out$|"
+        "too slow$|to connect$|o answer$|Empty reply$|Recv failure$|"
+        "Send failure$|Catalog web service not found:$|a moment ago$|moment ago$)");
+    const QStringList texts = textsOfTheHost();
+    EXPECT_GE(texts.size(), 60);
+    for (const QString& text : texts) {
+        const QString part = text.trimmed();
+        const auto known = Reasons::known();
+        const bool isKnown = std::any_of(known.begin(), known.end(),
+                                         [&](const QString& reason) { return reason.contains(part); });
+        EXPECT_TRUE(isKnown || inner.match(part).hasMatch()) << part.toStdString();
+    }
+}
