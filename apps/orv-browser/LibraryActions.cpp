@@ -41,7 +41,6 @@ void LibraryActions::start()
         checkForUpdates();
 }
 
-/// @return whether they can be used; if not, the user is told why
 bool LibraryActions::readShared()
 {
     QString problem = mShared.reload();
@@ -81,6 +80,15 @@ void LibraryActions::checkForUpdates()
     Q_EMIT runningChanged(true);
     Q_EMIT said(QString()); // the panel speaks now
     mUpdates->start(asked);
+}
+
+void LibraryActions::fetchWith(const SharedSettings::Changes& changes)
+{
+    QString reason;
+    if (!changes.empty() && !mShared.change(changes, reason))
+        Q_EMIT said(tr("The preferences were not saved: %1").arg(reason));
+    else
+        checkForUpdates();
 }
 
 /// Without its line in the hash file the service is asked for the catalog as if it were not there.

@@ -27,6 +27,12 @@ public:
 
     /// What goes before the settings from now on.
     void overrideService(const ServiceOverrides& overrides) { mShared.overrideService(overrides); }
+    const ServiceOverrides& overrides() const { return mShared.overrides(); }
+    /// Reads the settings anew, and tells the user why where that cannot be.
+    /// @return whether they can be used
+    bool readShared();
+    /// What the window works with, as it was read last.
+    OrvHost::Settings::Values settings() const { return mShared.values(); }
     /// Checks for updates when the preferences say so.
     void start();
     /// Cancels whatever is under way, without waiting for it.
@@ -37,6 +43,8 @@ public:
     UpdateController& updates() { return *mUpdates; }
     ImportController& imports() { return *mImports; }
     void checkForUpdates();
+    /// Changes settings, and checks for updates with them.
+    void fetchWith(const SharedSettings::Changes& changes);
     /// Fetches a catalog of the service again, whatever is installed, and checks the others.
     void fetchAgain(const Place& catalog);
     void openArchive();
@@ -56,7 +64,6 @@ Q_SIGNALS:
     void recordsChanged();
 
 private:
-    bool readShared();
     void updateEnded(const UpdateSummary& summary);
     void updateRefused(const QString& reason);
     void archiveImported(const OrvHost::ArchiveImport::Result& result);

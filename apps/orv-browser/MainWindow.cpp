@@ -6,11 +6,8 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QDragEnterEvent>
 #include <QMenu>
-#include <QMimeData>
 #include <QSplitter>
-#include <QUrl>
 #include <QVBoxLayout>
 
 #include "apps/orv-browser/FilterActions.h"
@@ -25,7 +22,6 @@
 #include "apps/orv-browser/activities/SeenCommand.h"
 #include "apps/orv-browser/activities/StatusLine.h"
 #include "apps/orv-browser/details/DetailsPane.h"
-#include "apps/orv-browser/gallery/EmptyPages.h"
 #include "apps/orv-browser/gallery/GalleryModel.h"
 #include "apps/orv-browser/gallery/GalleryPane.h"
 #include "apps/orv-browser/gallery/GalleryViews.h"
@@ -35,6 +31,8 @@
 #include "apps/orv-browser/places/PlacesPane.h"
 #include "apps/orv-browser/search/FilterChip.h"
 #include "apps/orv-browser/search/SearchBar.h"
+#include "apps/orv-browser/start/ArchiveDrop.h"
+#include "apps/orv-browser/start/FirstStart.h"
 
 namespace {
 
@@ -43,17 +41,6 @@ constexpr int kLeastPlaces = 170;
 constexpr int kLeastGallery = 470;
 constexpr int kLeastDetails = 140; // so that a window of half a screen may hide them
 constexpr int kNarrow = 900;       // a window below this width has no room for the details
-
-QStringList droppedSources(const QMimeData& data)
-{
-    QStringList sources;
-    for (const QUrl& url : data.urls()) {
-        const QString source = url.isLocalFile() ? url.toLocalFile() : url.toString();
-        if (source.endsWith(QLatin1String(".orvlibz")))
-            sources << source;
-    }
-    return sources;
-}
 
 } // namespace
 
@@ -73,11 +60,12 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
       mLibrary(new LibraryActions(*this, root, mActions->undoStack())),
       mActivities(new Activities(*mLibrary, *mLists, *mMenus->showActivities, this)),
       mFilters(new FilterActions(*this, mActions->undoStack())),
+      mFirstStart(new FirstStart(*mLibrary, mGallery->firstStart(), this)),
+      mDrop(new ArchiveDrop(*this)),
       mMemory(root, *this, *mPanes, *mPlaces, *mGallery)
 {
     setObjectName(QStringLiteral("libraryBrowser"));
     setWindowTitle(tr("Library"));
-    setAcceptDrops(true);
     new FocusRing(this);
     buildPanes();
     connectMenus();
@@ -207,7 +195,7 @@ void MainWindow::resizeEvent(QResizeEvent* event)
 
 void MainWindow::catalogChanged(const fileString& database)
 {
-    mGallery->views().model().pictures().forget(database);
+    mGallery->views().model().pictures().forget(database); // also one that is as it was
     mContent->reload(database);
 }
 
@@ -216,7 +204,6 @@ void MainWindow::showRunning(bool isRunning)
     mMenus->checkForUpdates->setEnabled(!isRunning);
     mMenus->cancelUpdate->setEnabled(isRunning);
     mStatus->showRunning(isRunning);
-    mGallery->offer().showFetching(isRunning);
 }
 
 void MainWindow::filtersChanged()
@@ -229,18 +216,7 @@ void MainWindow::filtersChanged()
 void MainWindow::closeEvent(QCloseEvent* event)
 {
     mMemory.save();
+    mFirstStart->stop();
     mLibrary->cancel();
     QMainWindow::closeEvent(event);
-}
-
-void MainWindow::dragEnterEvent(QDragEnterEvent* event)
-{
-    if (!droppedSources(*event->mimeData()).isEmpty())
-        event->acceptProposedAction();
-}
-
-void MainWindow::dropEvent(QDropEvent* event)
-{
-    event->acceptProposedAction();
-    mLibrary->importArchives(droppedSources(*event->mimeData()));
 }

@@ -7,8 +7,10 @@
 #include "apps/orv-browser/models/Place.h"
 
 class Activities;
+class ArchiveDrop;
 class DetailsPane;
 class FilterActions;
+class FirstStart;
 class GalleryPane;
 class ItemActions;
 class LibraryActions;
@@ -43,8 +45,6 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
-    void dragEnterEvent(QDragEnterEvent* event) override;
-    void dropEvent(QDropEvent* event) override;
 
 private:
     void buildPanes();
@@ -78,5 +78,7 @@ private:
     LibraryActions* mLibrary;
     Activities* mActivities;
     FilterActions* mFilters;
+    FirstStart* mFirstStart;
+    ArchiveDrop* mDrop;
     WindowMemory mMemory;
 };

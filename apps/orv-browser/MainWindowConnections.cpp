@@ -18,7 +18,6 @@
 #include "apps/orv-browser/details/SeveralDetails.h"
 #include "apps/orv-browser/dialogs/LogDialog.h"
 #include "apps/orv-browser/dialogs/ShortcutSheet.h"
-#include "apps/orv-browser/gallery/EmptyPages.h"
 #include "apps/orv-browser/gallery/GalleryBar.h"
 #include "apps/orv-browser/gallery/GalleryModel.h"
 #include "apps/orv-browser/gallery/GalleryPane.h"
@@ -29,6 +28,7 @@
 #include "apps/orv-browser/places/PlacesPane.h"
 #include "apps/orv-browser/search/FilterChip.h"
 #include "apps/orv-browser/search/SearchBar.h"
+#include "apps/orv-browser/start/ArchiveDrop.h"
 
 void MainWindow::connectMenus()
 {
@@ -72,8 +72,7 @@ void MainWindow::connectPanes()
     connect(mContent, &LibraryContent::indexChanged, this,
             [this] { mLists->followIndex(*mContent->index()); });
     connect(mContent, &LibraryContent::catalogsChanged, this, &MainWindow::leaveGonePlace);
-    connect(&mGallery->offer(), &OfferPage::fetchAsked, mLibrary, &LibraryActions::checkForUpdates);
-    connect(&mGallery->offer(), &OfferPage::importAsked, mLibrary, &LibraryActions::openArchive);
+    connect(mDrop, &ArchiveDrop::dropped, mLibrary, &LibraryActions::importArchives);
 }
 
 void MainWindow::connectDetails()

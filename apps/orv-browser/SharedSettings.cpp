@@ -5,6 +5,7 @@
 #include "OrvHost/update/HostLock.h"
 #include "OrvHost/update/ServiceAccess.h"
 #include "OrvLibrary/host/Curl.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 namespace {
 
@@ -38,6 +39,20 @@ OrvHost::Settings::Values ServiceOverrides::over(OrvHost::Settings::Values value
     return values;
 }
 
+void ServiceOverrides::drop(const std::string& key)
+{
+    if (key == "url")
+        serviceUrl.clear();
+    else if (key == "product")
+        product.clear();
+    else if (key == "productVersion")
+        productVersion.clear();
+    else if (key == "bonus")
+        bonusCatalogs.clear();
+    else if (key == "manufacturer")
+        manufacturerCatalogs.clear();
+}
+
 QString SharedSettings::reload()
 try {
     mFile = OrvHost::Settings::load(mRoot);
@@ -45,7 +60,7 @@ try {
 } catch (const std::exception& error) {
     mFile = OrvHost::Settings();
     return QCoreApplication::translate("SharedSettings", "The settings cannot be read: %1")
-        .arg(QString::fromUtf8(error.what()));
+        .arg(Reasons::text(error.what()));
 }
 
 QString SharedSettings::apply() const
@@ -60,7 +75,7 @@ try {
     return {};
 } catch (const std::exception& error) {
     return QCoreApplication::translate("SharedSettings", "The certificates cannot be read: %1")
-        .arg(QString::fromUtf8(error.what()));
+        .arg(Reasons::text(error.what()));
 }
 
 bool SharedSettings::change(const Changes& changes, QString& reason)
@@ -76,9 +91,11 @@ try {
     if (!changes.empty())
         settings.save(mRoot);
     mFile = settings;
+    for (const auto& [key, texts] : changes)
+        mOverrides.drop(key);
     return true;
 } catch (const std::exception& error) {
-    reason = QString::fromUtf8(error.what());
+    reason = Reasons::text(error.what());
     return false;
 }
 

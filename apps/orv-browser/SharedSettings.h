@@ -19,6 +19,8 @@ struct ServiceOverrides
     QStringList bonusCatalogs;
     QStringList manufacturerCatalogs;
 
+    /// Holds no more for this setting.
+    void drop(const std::string& key);
     OrvHost::Settings::Values over(OrvHost::Settings::Values values) const;
 };
 
@@ -34,6 +36,7 @@ public:
 
     /// What goes before the file from now on.
     void overrideService(const ServiceOverrides& overrides) { mOverrides = overrides; }
+    const ServiceOverrides& overrides() const { return mOverrides; }
     /// Reads the file.
     /// @return why that cannot be, for people, and nothing is set then; empty when it can
     QString reload();
@@ -43,7 +46,8 @@ public:
     /// Makes the download service work as the settings say.
     /// @return why that cannot be, for people; empty when it can
     QString apply() const;
-    /// Changes the file, whatever it holds by now.
+    /// Changes the file, whatever it holds by now. What the user changes here goes before what the command
+    /// line said.
     /// @param reason filled on failure; the file is then as it was
     bool change(const Changes& changes, QString& reason);
 

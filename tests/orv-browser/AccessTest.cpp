@@ -7,6 +7,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialogButtonBox>
+#include <QFile>
 #include <QGuiApplication>
 #include <QListView>
 #include <QListWidget>
@@ -18,6 +19,8 @@
 
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 #include "apps/orv-browser/Appearance.h"
+#include "apps/orv-browser/gallery/GalleryPane.h"
+#include "apps/orv-browser/start/FirstStartPage.h"
 #include "tests/orv-browser/BrowserService.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
@@ -175,6 +178,20 @@ TEST_F(BrowserAccessTest, tabStopsShowTheirFocusOnADarkGround)
     select("Oak door");
     expectVisibleStops(window(), 8);
     Appearance::apply(Appearance::kSystem);
+}
+
+TEST_F(BrowserAccessTest, pageOfAnEmptyLibraryIsNamedAndShowsItsFocus)
+{
+    ASSERT_TRUE(QFile::remove(QString::fromStdString(inRoot("core/Doors.orvlib"))));
+    open();
+    FirstStartPage& page = window().gallery().firstStart();
+    ServiceOffer offer;
+    offer.bonus = {{"Garden Party.orvlib", 400'000}};
+    page.showCatalogs(offer, {});
+    page.offerSamples(true);
+    page.setFetchable(true);
+    expectNames(page, 5);
+    expectVisibleStops(window(), 8);
 }
 
 TEST_F(BrowserAccessTest, windowThatWasLargerThanTheScreenFitsIt)

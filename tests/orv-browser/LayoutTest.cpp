@@ -5,6 +5,7 @@
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QComboBox>
+#include <QFile>
 #include <QLabel>
 #include <QLocale>
 #include <QSplitterHandle>
@@ -14,6 +15,9 @@
 #include <gmock/gmock.h>
 
 #include "apps/orv-browser/Appearance.h"
+#include "apps/orv-browser/dialogs/AddressCheck.h"
+#include "apps/orv-browser/gallery/GalleryPane.h"
+#include "apps/orv-browser/start/FirstStartPage.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
 
@@ -127,6 +131,35 @@ protected:
             }
         }
     }
+    /// The page of an empty library, with all that it may say.
+    void inspectFirstStart()
+    {
+        ASSERT_TRUE(QFile::remove(QString::fromStdString(inRoot("core/Doors.orvlib"))));
+        open();
+        ASSERT_TRUE(settle());
+        FirstStartPage& page = window().gallery().firstStart();
+        ServiceOffer offer;
+        offer.bonus = {{"Garden Party.orvlib", 400'000}, {"Holiday D\u00e9cor & Lights.orvlib", 0}};
+        offer.manufacturer = {{"Atelier Lumi\u00e8re, \u00c9clairages et Suspensions.orvlib", 1'234'567'890}};
+        page.showCatalogs(offer, {});
+        page.offerSamples(true);
+        page.say(AddressCheck::problemOf("an address that is long and none at all"));
+        for (const QString& colours : {QString(Appearance::kLight), QString(Appearance::kDark)}) {
+            Appearance::apply(colours);
+            for (const QSize& size : kSizes) {
+                window().resize(size);
+                QCoreApplication::sendPostedEvents();
+                QTest::qWait(1);
+                ASSERT_TRUE(settle());
+                QCoreApplication::sendPostedEvents();
+                const std::string what = "first start, " + colours.toStdString() + " at " +
+                                         std::to_string(size.width()) + " x " + std::to_string(size.height());
+                expectSound(window(), what);
+                expectSound(*page.widget(), what);
+                EXPECT_LE(page.widget()->width(), page.viewport()->width()) << what;
+            }
+        }
+    }
     void inspectDialogs()
     {
         inEachDialog([this](QDialog& dialog) {
@@ -190,6 +223,22 @@ TEST_F(BrowserLayoutTest, windowIsSoundFromRightToLeftAtEverySize)
 {
     QApplication::setLayoutDirection(Qt::RightToLeft);
     inspectWindow();
+}
+
+TEST_F(BrowserLayoutTest, firstStartIsSoundInEnglishAtEverySize)
+{
+    inspectFirstStart();
+}
+
+TEST_F(GermanLayoutTest, firstStartIsSoundInGermanAtEverySize)
+{
+    inspectFirstStart();
+}
+
+TEST_F(BrowserLayoutTest, firstStartIsSoundFromRightToLeftAtEverySize)
+{
+    QApplication::setLayoutDirection(Qt::RightToLeft);
+    inspectFirstStart();
 }
 
 TEST_F(BrowserLayoutTest, longSentenceInTheFootIsNotCut)

@@ -137,7 +137,10 @@ void saveUpdate(const OrvHost::AppHost& host, const QString& service)
     WindowMessages messages;
     MainWindow window(host.root(), messages);
     show(window, service);
-    save(window, "empty");
+    const auto* state = window.findChild<QLabel*>("serviceState");
+    if (!QTest::qWaitFor([&] { return state->text().contains(':'); }))
+        throw std::runtime_error("the service was not asked");
+    save(window, "first-start");
     auto& summary = *window.findChild<QLabel*>("summary");
     auto& speed = *window.findChild<QLabel*>("speed");
     auto& action = *window.findChild<QAction*>("checkForUpdates");

@@ -58,29 +58,3 @@ void NothingFoundPage::show(const QString& place, const QStringList& restriction
     mEverywhere->setVisible(elsewhere > 0);
     mClear->setVisible(!restrictions.isEmpty());
 }
-
-OfferPage::OfferPage(QWidget* parent) : QWidget(parent)
-{
-    auto* layout = new QVBoxLayout(this);
-    layout->addStretch();
-    addText(*layout, tr("The library is empty."), true);
-    mText = addText(*layout, QString(), false);
-    layout->addSpacing(kGap);
-    auto* fetch = addButton(*layout, tr("Fetch the content"), QStringLiteral("fetchContent"));
-    auto* import = addButton(*layout, tr("Import an archive…"), QStringLiteral("importFirst"));
-    layout->addStretch();
-    mFetch = fetch;
-    mImport = import;
-    connect(fetch, &QPushButton::clicked, this, &OfferPage::fetchAsked);
-    connect(import, &QPushButton::clicked, this, &OfferPage::importAsked);
-    showFetching(false);
-}
-
-void OfferPage::showFetching(bool isFetching)
-{
-    mText->setText(isFetching ? tr("The catalogs are on their way. Each one appears as soon as it is here.")
-                              : tr("Fetch the catalogs from the service, or import an archive that you have. "
-                                   "You can also drop an archive on this window."));
-    mFetch->setVisible(!isFetching);
-    mImport->setVisible(!isFetching);
-}

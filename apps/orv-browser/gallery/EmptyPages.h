@@ -25,24 +25,3 @@ private:
     QWidget* mEverywhere;
     QWidget* mClear;
 };
-
-/// What stands there while nothing is installed: the offer to fetch the catalogs or to import an archive.
-class OfferPage : public QWidget
-{
-    Q_OBJECT
-
-public:
-    explicit OfferPage(QWidget* parent = nullptr);
-
-    /// Says that the catalogs are on their way, while they are.
-    void showFetching(bool isFetching);
-
-Q_SIGNALS:
-    void fetchAsked();
-    void importAsked();
-
-private:
-    QLabel* mText;
-    QWidget* mFetch;
-    QWidget* mImport;
-};

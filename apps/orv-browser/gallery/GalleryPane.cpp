@@ -17,6 +17,7 @@
 #include "apps/orv-browser/models/UserLists.h"
 #include "apps/orv-browser/places/PlaceNames.h"
 #include "apps/orv-browser/search/SearchBar.h"
+#include "apps/orv-browser/start/FirstStartPage.h"
 
 namespace {
 
@@ -35,14 +36,14 @@ GalleryPane::GalleryPane(const LibraryContent& content, const UserLists& lists, 
       mBar(new GalleryBar),
       mViews(new GalleryViews(lists)),
       mNothing(new NothingFoundPage),
-      mOffer(new OfferPage),
+      mFirstStart(new FirstStartPage),
       mPages(new QStackedWidget)
 {
     mPages->setObjectName(QStringLiteral("galleryPages"));
     mPages->addWidget(mViews);
     mPages->addWidget(mNothing);
-    mPages->addWidget(mOffer);
-    mPages->setCurrentWidget(mOffer); // until a catalog is known
+    mPages->addWidget(mFirstStart);
+    mPages->setCurrentWidget(mFirstStart); // until a catalog is known
     auto* layout = new QVBoxLayout(this);
     mSearch->addBesideField(mBar->tools());
     layout->addWidget(mSearch);
@@ -150,7 +151,7 @@ void GalleryPane::showFound(const ItemQuery::Found& found)
 void GalleryPane::showPage(const ItemQuery::Found& found)
 {
     if (mContent.catalogs().empty())
-        mPages->setCurrentWidget(mOffer);
+        mPages->setCurrentWidget(mFirstStart);
     else if (found.items.empty() && !mContent.isReading()) {
         mNothing->show(PlaceNames::name(mPlace, *mContent.index()), mSearch->restrictions(),
                        mPlace.kind == Place::Kind::Everything && !mSearch->hasChoices() ? 0

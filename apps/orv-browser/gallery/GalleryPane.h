@@ -6,13 +6,13 @@
 #include "apps/orv-browser/models/ItemQuery.h"
 #include "apps/orv-browser/models/Place.h"
 
+class FirstStartPage;
 class GalleryBar;
 class GalleryViews;
 class ItemSearch;
 class LibraryNews;
 class LibraryContent;
 class NothingFoundPage;
-class OfferPage;
 class QStackedWidget;
 class SearchBar;
 class UserLists;
@@ -35,7 +35,7 @@ public:
     SearchBar& search() { return *mSearch; }
     GalleryBar& bar() { return *mBar; }
     GalleryViews& views() { return *mViews; }
-    OfferPage& offer() { return *mOffer; }
+    FirstStartPage& firstStart() { return *mFirstStart; }
     /// Asks for the items anew.
     void ask();
     /// The catalogs that hold the items that are shown, as far as a filter can name them.
@@ -70,6 +70,6 @@ private:
     GalleryBar* mBar;
     GalleryViews* mViews;
     NothingFoundPage* mNothing;
-    OfferPage* mOffer;
+    FirstStartPage* mFirstStart;
     QStackedWidget* mPages;
 };

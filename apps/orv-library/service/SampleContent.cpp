@@ -12,6 +12,8 @@
 namespace {
 
 const char* const kIndexName = "Orv_Core_Content_Index.txt";
+const char* const kBonusListName = "Orv_Bonus_Content_Index.txt";
+const char* const kManufacturerListName = "Orv_Manufacturer_Content_Index.txt";
 const char* const kReferencedName = "Core Textures.zip";
 constexpr int kTextureSide = 96;
 constexpr int kLogoSide = 64;
@@ -156,7 +158,9 @@ void SampleContent::writeReferencedArchive()
 void SampleContent::writeArchives()
 {
     std::uint32_t seed = 100;
+    std::string bonus, manufacturer;
     for (const Archive& source : kArchives) {
+        (source.manufacturer == 0 ? bonus : manufacturer) += std::string(source.name) + ".orvlib\n";
         SampleCatalogPlan plan = planOf(source.name, source.folders, ++seed);
         plan.itemsPerFolder = 15;
         plan.geometryBytes = 2000;
@@ -174,6 +178,8 @@ void SampleContent::writeArchives()
                             .toStdString());
         archive.close();
     }
+    writeText(std::string("content/") + kBonusListName, bonus);
+    writeText(std::string("content/") + kManufacturerListName, manufacturer);
 }
 
 void SampleContent::writeManufacturers()
