@@ -27,6 +27,7 @@
 #include "apps/orv-browser/gallery/GalleryViews.h"
 #include "apps/orv-browser/models/LibraryContent.h"
 #include "apps/orv-browser/models/LibraryNews.h"
+#include "apps/orv-browser/models/LibraryWatch.h"
 #include "apps/orv-browser/models/UserLists.h"
 #include "apps/orv-browser/places/PlacesPane.h"
 #include "apps/orv-browser/search/FilterChip.h"
@@ -62,6 +63,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
       mFilters(new FilterActions(*this, mActions->undoStack())),
       mFirstStart(new FirstStart(*mLibrary, mGallery->firstStart(), this)),
       mDrop(new ArchiveDrop(*this)),
+      mWatch(new LibraryWatch(root, this)),
       mMemory(root, *this, *mPanes, *mPlaces, *mGallery)
 {
     setObjectName(QStringLiteral("libraryBrowser"));
@@ -73,6 +75,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
     connectDetails();
     connectLibrary();
     connectFilters();
+    connectWatch();
     mContent->refresh();
     mNews->refresh();
     mMemory.restore();

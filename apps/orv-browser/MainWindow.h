@@ -16,6 +16,7 @@ class ItemActions;
 class LibraryActions;
 class LibraryContent;
 class LibraryNews;
+class LibraryWatch;
 class MessageBar;
 class PlacesPane;
 class QSplitter;
@@ -62,6 +63,7 @@ private:
     void catalogChanged(const fileString& database);
     void showRunning(bool isRunning);
     void filtersChanged();
+    void connectWatch();
 
     fileString mRoot;
     UserLists* mLists;
@@ -80,5 +82,6 @@ private:
     FilterActions* mFilters;
     FirstStart* mFirstStart;
     ArchiveDrop* mDrop;
+    LibraryWatch* mWatch;
     WindowMemory mMemory;
 };

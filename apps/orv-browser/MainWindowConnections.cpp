@@ -4,6 +4,7 @@
 #include <QAction>
 
 #include "OrvLibrary/IO/ErrorLog.h"
+#include "OrvLibrary/LibraryFilterManager.h"
 #include "apps/orv-browser/FilterActions.h"
 #include "apps/orv-browser/ItemActions.h"
 #include "apps/orv-browser/LibraryActions.h"
@@ -24,6 +25,7 @@
 #include "apps/orv-browser/gallery/GalleryViews.h"
 #include "apps/orv-browser/models/LibraryContent.h"
 #include "apps/orv-browser/models/LibraryNews.h"
+#include "apps/orv-browser/models/LibraryWatch.h"
 #include "apps/orv-browser/models/UserLists.h"
 #include "apps/orv-browser/places/PlacesPane.h"
 #include "apps/orv-browser/search/FilterChip.h"
@@ -72,6 +74,8 @@ void MainWindow::connectPanes()
     connect(mContent, &LibraryContent::indexChanged, this,
             [this] { mLists->followIndex(*mContent->index()); });
     connect(mContent, &LibraryContent::catalogsChanged, this, &MainWindow::leaveGonePlace);
+    connect(mContent, &LibraryContent::catalogChanged, this,
+            [this](const fileString& database) { mGallery->views().model().pictures().forget(database); });
     connect(mDrop, &ArchiveDrop::dropped, mLibrary, &LibraryActions::importArchives);
 }
 
@@ -120,4 +124,17 @@ void MainWindow::connectFilters()
         mFilters->saveAs(mGallery->shownDatabases(), search.choices().join(QStringLiteral(", ")));
     });
     connect(mFilters, &FilterActions::changed, this, &MainWindow::filtersChanged);
+}
+
+/// What this window does itself is told at once; what others do, by the files that they leave.
+void MainWindow::connectWatch()
+{
+    connect(mWatch, &LibraryWatch::libraryChanged, this, [this] {
+        mContent->refresh();
+        mNews->refresh();
+    });
+    connect(mWatch, &LibraryWatch::filtersChanged, this, [this] {
+        LibraryFilterManager::getLibraryFilterManager().loadFilters();
+        filtersChanged();
+    });
 }

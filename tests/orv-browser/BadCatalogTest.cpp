@@ -103,10 +103,11 @@ TEST_F(BadCatalogTest, catalogThatIsRemovedWhileItIsShownLeavesTheWindowAlive)
     }
     open();
     ASSERT_TRUE(goTo({"Core", "Gone", "Folder"}));
-    ASSERT_TRUE(FileUtils::removePath(fileString(inRoot("core/Gone.orvlib"))));
     select("Chair");
     EXPECT_EQ(detail("detailsTitle"), "Chair");
-    ASSERT_TRUE(goTo({"Core", "Gone", "Folder", "Deep"}));
+    ASSERT_TRUE(FileUtils::removePath(fileString(inRoot("core/Gone.orvlib"))));
+    ASSERT_TRUE(waitFor([&] { return !place({"Core", "Gone"}).isValid(); }));
+    EXPECT_TRUE(waitFor([&] { return !child<QLabel>("detailsTitle").isVisible(); }));
     expectGoodWorks();
 }
 

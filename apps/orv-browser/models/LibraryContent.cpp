@@ -9,6 +9,7 @@
 #include "OrvLibrary/UI/TreeData.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "apps/orv-browser/models/Background.h"
+#include "apps/orv-browser/models/FileStamp.h"
 
 namespace {
 
@@ -21,6 +22,8 @@ std::vector<LibraryContent::Catalog> installedCatalogs()
         for (const QString& name : dir.entryList({QStringLiteral("*.orvlib")}, QDir::Files))
             catalogs.push_back({category, folder + fileString(QFile::encodeName(name).toStdString())});
     }
+    for (LibraryContent::Catalog& catalog : catalogs)
+        catalog.stamp = FileStamp::of(catalog.database);
     std::stable_sort(catalogs.begin(), catalogs.end(), [](const auto& left, const auto& right) {
         return left.category != right.category
                    ? left.category < right.category
@@ -83,15 +86,30 @@ fileString LibraryContent::folderOf(int category)
 void LibraryContent::refresh()
 {
     std::vector<Catalog> found = installedCatalogs();
-    if (std::equal(found.begin(), found.end(), mCatalogs.begin(), mCatalogs.end(), isSame))
-        return;
-    for (const Catalog& catalog : found)
-        if (std::none_of(mCatalogs.begin(), mCatalogs.end(),
-                         [&](const Catalog& known) { return isSame(known, catalog); }))
-            mUnread.insert(catalog.database);
+    const bool areSame = std::equal(found.begin(), found.end(), mCatalogs.begin(), mCatalogs.end(), isSame);
+    const bool haveChanged = noteChanges(found);
     mCatalogs = std::move(found);
-    Q_EMIT catalogsChanged();
-    read();
+    if (!areSame)
+        Q_EMIT catalogsChanged();
+    if (!areSame || haveChanged)
+        read();
+}
+
+/// @return whether any catalog is to be read
+bool LibraryContent::noteChanges(const std::vector<Catalog>& found)
+{
+    bool haveChanged = false;
+    for (const Catalog& catalog : found) {
+        const auto known = std::find_if(mCatalogs.begin(), mCatalogs.end(),
+                                        [&](const Catalog& one) { return isSame(one, catalog); });
+        if (known != mCatalogs.end() && known->stamp == catalog.stamp)
+            continue;
+        haveChanged = true;
+        mUnread.insert(catalog.database);
+        if (known != mCatalogs.end())
+            Q_EMIT catalogChanged(catalog.database);
+    }
+    return haveChanged;
 }
 
 void LibraryContent::reload(const fileString& database)

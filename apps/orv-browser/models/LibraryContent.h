@@ -29,13 +29,15 @@ public:
     {
         int category;
         fileString database;
+        QString stamp = {}; ///< of the file when it was looked at; see `FileStamp`
     };
 
     explicit LibraryContent(QObject* parent = nullptr);
     /// Waits for the reading that is under way.
     ~LibraryContent() override;
 
-    /// Looks into the folders again. Catalogs that stayed are not read again.
+    /// Looks into the folders again, and reads what came or was changed. Catalogs that stayed as they were
+    /// are not read again.
     void refresh();
     /// Reads one catalog again, because its file was replaced or changed.
     void reload(const fileString& database);
@@ -51,10 +53,13 @@ public:
 Q_SIGNALS:
     /// Catalogs have come or gone; `index` does not know of them yet.
     void catalogsChanged();
+    /// A catalog file was replaced or changed; `index` does not know of it yet.
+    void catalogChanged(const fileString& database);
     /// A new index is there.
     void indexChanged();
 
 private:
+    bool noteChanges(const std::vector<Catalog>& found);
     void read();
     void take(std::shared_ptr<const ItemIndex> index);
 

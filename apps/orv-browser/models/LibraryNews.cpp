@@ -98,11 +98,15 @@ void LibraryNews::take(const Notes& notes)
 {
     mIsReading = false;
     mLastRun = notes.lastRun;
-    if (!mLists.seenRun() && !notes.isLibraryEmpty)
+    // The first fetch of all is noted when it is over; what it has brought until then is not new either.
+    if (!mLists.seenRun() && !notes.isLibraryEmpty && notes.lastRun > 0)
         mLists.setSeenRun(mLastRun);
-    mItems = std::make_shared<const NewItems>(notes.items);
+    const bool isSame = *mItems == notes.items && mWaiting == notes.waiting;
     mWaiting = notes.waiting;
-    Q_EMIT changed();
+    if (!isSame) {
+        mItems = std::make_shared<const NewItems>(notes.items);
+        Q_EMIT changed();
+    }
     if (mIsStale)
         refresh();
 }

@@ -25,6 +25,7 @@ struct NewItems
         const auto found = catalog->second.find(item);
         return found == catalog->second.end() ? Kind::Old : found->second;
     }
+    bool operator==(const NewItems& other) const { return catalogs == other.catalogs && gone == other.gone; }
     /// In one catalog.
     int count(const fileString& database) const
     {
