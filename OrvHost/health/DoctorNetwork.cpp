@@ -4,6 +4,7 @@
 
 #include <QUrl>
 
+#include "OrvHost/health/CertificateAdvice.h"
 #include "OrvHost/health/Doctor.h"
 #include "OrvHost/health/NetworkProbe.h"
 #include "OrvHost/update/CarefulCurl.h"
@@ -20,6 +21,12 @@ constexpr std::int64_t kOk = 200;
 QUrl urlOf(const std::string& address)
 {
     return QUrl(QString::fromStdString(address));
+}
+
+std::string adviceOn(const std::string& reason, const char* otherwise)
+{
+    const std::string advice = CertificateAdvice::of(reason);
+    return advice.empty() ? otherwise : advice;
 }
 
 /// Ends a transfer when enough has arrived.
@@ -93,8 +100,8 @@ Doctor::Finding Doctor::certificate() const
         return {"the service's certificate is good", {}};
     const std::string reason = Curl::get().lastAnswer().reason;
     return {reason.empty() ? "no answer" : reason,
-            "Look at this machine's clock. A company's own authority is named with --cacert or the setting "
-            "'certificates'."};
+            adviceOn(reason, "The service may be down, or speak no https here; compare the address with the "
+                             "publisher's, or try again later.")};
 }
 
 Doctor::Finding Doctor::redirect()
@@ -105,7 +112,8 @@ Doctor::Finding Doctor::redirect()
     if (!report.verdict.empty())
         return {report.verdict, "Log in to the network with a web browser, or correct the address."};
     if (mEndpoint.empty())
-        return {"the address leads nowhere: " + report.endpoint.reason, "Correct the address."};
+        return {"the address leads nowhere: " + report.endpoint.reason,
+                adviceOn(report.endpoint.reason, "Correct the address.")};
     return {"leads to " + mEndpoint, {}};
 }
 
@@ -119,7 +127,7 @@ Doctor::Finding Doctor::index()
         return {report.verdict, "Log in to the network with a web browser, or correct the address."};
     if (!isRead)
         return {mSubject.indexName + ": " + report.index.reason,
-                "Correct the address, or tell the publisher of the service."};
+                adviceOn(report.index.reason, "Correct the address, or tell the publisher of the service.")};
     std::size_t count = 0;
     for (const std::string& name : report.indexNames) {
         const fileString extension = fileString(name).extension();

@@ -9,9 +9,11 @@
 #include "tests/support/ArchiveReader.h"
 #include "tests/support/ContentService.h"
 
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 namespace fs = std::filesystem;
 
@@ -163,4 +165,10 @@ TEST_F(Doctor, reportThatCannotBeWrittenFailsWithTheStepsInTheDocument)
     EXPECT_EQ(12, result.json()["steps"].toArray().size());
     EXPECT_TRUE(result.json()["report"].isNull());
     EXPECT_THAT(result.json()["error"].toString().toStdString(), HasSubstr(report));
+    const test::ProgramResult read = program.run({"doctor", "--report", report});
+    EXPECT_EQ(1, read.status);
+    EXPECT_THAT(read.out, HasSubstr("FAILED  settings: "));
+    EXPECT_THAT(read.out, HasSubstr("  -     body: "));
+    EXPECT_THAT(read.err, AllOf(StartsWith("orv-library: "), HasSubstr(report)));
+    EXPECT_FALSE(fs::exists(report));
 }

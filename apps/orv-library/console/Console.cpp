@@ -32,9 +32,10 @@ Console::Console(bool json) : mJson(json)
     resultSoFar({});
 }
 
-void Console::resultSoFar(const QJsonObject& document)
+void Console::resultSoFar(const QJsonObject& document, const std::string& text)
 {
     mSoFar = document;
+    mTextSoFar = text;
     if (mJson)
         Interrupt::setLastWords(line(withError(document, "interrupted")));
 }
@@ -51,6 +52,8 @@ void Console::result(const QJsonObject& document, const std::string& text)
 
 void Console::failure(const std::string& reason)
 {
+    if (!mJson && !mHasResult)
+        print(stdout, mTextSoFar);
     complain(reason);
     if (mJson && !mHasResult)
         result(withError(mSoFar, reason), {});

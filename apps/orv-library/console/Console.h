@@ -14,8 +14,9 @@ public:
     /// Prints the result of the command; call it once. Prints the document with --json, otherwise the text.
     /// @param text complete lines; if empty, nothing is printed
     void result(const QJsonObject& document, const std::string& text);
-    /// Sets the document that is printed if the command fails or is interrupted: the work done so far.
-    void resultSoFar(const QJsonObject& document);
+    /// Sets what is printed if the command fails or is interrupted: the work done so far.
+    /// @param text whole lines for people, without --json; not printed after an interrupt
+    void resultSoFar(const QJsonObject& document, const std::string& text = {});
     /// Reports a failure: one line on standard error. With --json it also prints the document set so far,
     /// with the reason as "error", so a script always gets a document. After a result, no second document is
     /// printed.
@@ -32,6 +33,7 @@ private:
     bool mJson;
     bool mHasResult = false;
     QJsonObject mSoFar;
+    std::string mTextSoFar;
 };
 
 /// A text for a document. Bytes that are not UTF-8 become replacement characters.

@@ -73,7 +73,7 @@ ExitStatus DoctorCommand::run(Session& session)
     const std::vector<Doctor::Step> steps =
         Doctor({session.root(), mOptions.values(), settingsProblem, index}).examine();
     QJsonObject result = document(steps);
-    session.console().resultSoFar(result);
+    session.console().resultSoFar(result, readable(steps));
     std::string contents;
     if (!mReport.empty()) {
         contents = writeReport(session.root(), steps);
