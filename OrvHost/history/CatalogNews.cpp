@@ -163,6 +163,12 @@ std::vector<CatalogChanges> CatalogNews::since(const fileString& root, std::opti
     return runs.isEmpty() ? std::vector<CatalogChanges>() : sum({runs.last()}, -1);
 }
 
+std::int64_t CatalogNews::lastRun(const fileString& root)
+{
+    const QJsonArray runs = readRuns(root);
+    return runs.isEmpty() ? 0 : numberOf(runs.last(), "run");
+}
+
 bool CatalogNews::isKnown(const fileString& root, std::int64_t run)
 {
     const auto has = [run](const QJsonArray& runs, const char* member) {

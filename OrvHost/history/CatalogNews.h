@@ -29,6 +29,8 @@ namespace CatalogNews {
 /// @param run the number of a run; without it, the changes of the last update that changed an item
 /// @return by place; empty if nothing has changed
 ORVHOST_EXPORT std::vector<CatalogChanges> since(const fileString& root, std::optional<std::int64_t> run);
+/// The number of the last update with changes; 0 if there is none.
+ORVHOST_EXPORT std::int64_t lastRun(const fileString& root);
 /// Adds the changes of the current update, under its number in the list of runs. Does nothing if there are
 /// none. Keeps the last 50 runs with changes, and at most 16 MB.
 /// @throws std::runtime_error if the file cannot be written; it is then unchanged

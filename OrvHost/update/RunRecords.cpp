@@ -9,6 +9,7 @@
 #include <QJsonDocument>
 
 #include "OrvHost/TextFile.h"
+#include "OrvHost/history/CatalogNews.h"
 #include "OrvHost/update/HostLock.h"
 
 namespace OrvHost {
@@ -81,7 +82,8 @@ std::int64_t RunRecords::begin(const fileString& root, const QString& kind, cons
     const HostLock lock = HostLock::ofChange("runs");
     QJsonArray runs = read(root);
     noteKilled(runs);
-    const std::int64_t number = runs.isEmpty() ? 1 : numberOf(runs.last().toObject()) + 1;
+    const std::int64_t last = runs.isEmpty() ? CatalogNews::lastRun(root) : numberOf(runs.last().toObject());
+    const std::int64_t number = last + 1;
     runs.append(QJsonObject{{"number", static_cast<qint64>(number)},
                             {"start", timeText(start)},
                             {"end", QJsonValue()},

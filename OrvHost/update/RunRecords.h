@@ -10,7 +10,8 @@
 #include "OrvLibrary/host/fileString.h"
 
 /// The last 50 updates and checks of a root, stored in "runs.json" there; docs/formats/runs.md describes the
-/// file. Runs are numbered from 1, without gaps. May be used from any thread and by several programs at once.
+/// file. Runs are numbered from 1, without gaps. If the file was removed, the numbers continue after those of
+/// the news. May be used from any thread and by several programs at once.
 namespace OrvHost::RunRecords {
 
 /// Adds a record for a run that begins. Runs whose process has died are marked as "killed".

@@ -174,6 +174,28 @@ TEST_F(BrowserNewsTest, whatWasSeenIsNewNoMoreUntilUndo)
     EXPECT_EQ(names(), QStringList("Beams"));
 }
 
+TEST_F(BrowserNewsTest, notesThatWereRemovedHideNoNews)
+{
+    open(service.redirect());
+    update();
+    for (int i = 0; i < 3; ++i)
+        update(); // brings nothing, and is numbered all the same
+    changeCatalog();
+    update();
+    trigger("markAllSeen");
+    ASSERT_EQ(newsCount(), 0);
+    ASSERT_TRUE(QFile::remove(QString::fromStdString(inRoot("runs.json"))));
+    change({"UPDATE item SET name = 'Beams' WHERE name = 'Beam'"});
+    update();
+    EXPECT_EQ(newsCount(), 1);
+    trigger("markAllSeen");
+    for (const char* name : {"runs.json", "catalog-news.json"})
+        ASSERT_TRUE(QFile::remove(QString::fromStdString(inRoot(name))));
+    change({"UPDATE item SET name = 'Beamer' WHERE name = 'Beams'"});
+    update();
+    EXPECT_EQ(newsCount(), 1);
+}
+
 TEST_F(BrowserNewsTest, newsAddUpOverUpdatesAndStarts)
 {
     openWithNews();

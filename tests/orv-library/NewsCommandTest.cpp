@@ -1,4 +1,6 @@
 // `news`: what updates changed in the catalogs, item by item.
+#include <filesystem>
+
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -107,6 +109,18 @@ TEST_F(News, sinceARunEachItemIsToldOnce)
     EXPECT_THAT(news({"--since", "2"}),
                 ElementsAre("Doors.orvlib added 3=Elm changed 1=Oak 2=Ash 5=Yew gone 4=Fir"));
     EXPECT_THAT(news({"--since", "3"}), testing::IsEmpty());
+}
+
+TEST_F(News, listOfRunsThatWasRemovedTakesNoNewsAlong)
+{
+    updateItems({{1, "Oak"}});
+    update();
+    updateItems({{1, "Oak"}, {2, "Ash"}});
+    ASSERT_TRUE(std::filesystem::remove(program.root() + "/runs.json"));
+    updateItems({{1, "Oak"}, {2, "Ash"}, {3, "Elm"}});
+    EXPECT_EQ(4, program.run({"--json", "runs"}).json()["runs"].toArray()[0].toObject()["number"].toInt());
+    EXPECT_THAT(news({"--since", "3"}), ElementsAre("Doors.orvlib added 3=Elm changed gone"));
+    EXPECT_THAT(news({"--since", "1"}), ElementsAre("Doors.orvlib added 2=Ash 3=Elm changed gone"));
 }
 
 TEST_F(News, filesThatAreNoDatabasesHaveNoNews)

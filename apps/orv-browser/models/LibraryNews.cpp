@@ -7,7 +7,6 @@
 
 #include "OrvHost/history/CatalogNews.h"
 #include "OrvHost/update/LastCheck.h"
-#include "OrvHost/update/RunRecords.h"
 #include "apps/orv-browser/models/Background.h"
 #include "apps/orv-browser/models/UserLists.h"
 
@@ -54,10 +53,10 @@ std::set<fileString> waitingCatalogs(const fileString& root)
     return waiting;
 }
 
-std::int64_t lastRunOf(const fileString& root)
+/// Where the news are gone that the user saw, runs are numbered anew, and all that there are came since.
+std::int64_t seenOf(std::int64_t seen, std::int64_t lastRun)
 {
-    const QJsonArray runs = OrvHost::RunRecords::list(root);
-    return runs.isEmpty() ? 0 : static_cast<std::int64_t>(runs.first().toObject()["number"].toDouble());
+    return seen <= lastRun ? seen : 0;
 }
 
 } // namespace
@@ -84,9 +83,10 @@ void LibraryNews::refresh()
         mPool, this,
         [root = mRoot, seen = mLists.seenRun()] {
             Notes notes;
-            notes.lastRun = lastRunOf(root); // first: what comes meanwhile is not seen yet
+            notes.lastRun =
+                OrvHost::CatalogNews::lastRun(root); // first: what comes meanwhile is not seen yet
             if (seen)
-                notes.items = itemsSince(root, *seen);
+                notes.items = itemsSince(root, seenOf(*seen, notes.lastRun));
             notes.waiting = waitingCatalogs(root);
             notes.isLibraryEmpty = installed().empty();
             return notes;
@@ -101,6 +101,8 @@ void LibraryNews::take(const Notes& notes)
     // The first fetch of all is noted when it is over; what it has brought until then is not new either.
     if (!mLists.seenRun() && !notes.isLibraryEmpty && notes.lastRun > 0)
         mLists.setSeenRun(mLastRun);
+    else if (mLists.seenRun() && *mLists.seenRun() > mLastRun)
+        mLists.setSeenRun(seenOf(*mLists.seenRun(), mLastRun));
     const bool isSame = *mItems == notes.items && mWaiting == notes.waiting;
     mWaiting = notes.waiting;
     if (!isSame) {

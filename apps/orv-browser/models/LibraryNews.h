@@ -32,7 +32,7 @@ public:
     /// Reads again what is noted, in the background.
     void refresh();
     bool isReading() const { return mIsReading; }
-    /// The number of the update up to which all has been read.
+    /// The number of the last update that brought news.
     std::int64_t lastRun() const { return mLastRun; }
     /// From now on only what came after an update is new.
     void setSeen(std::int64_t run);
