@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 
 #include "OrvHost/AppHost.h"
+#include "OrvHost/Settings.h"
 #include "OrvLibrary/OrvLibraryVersion.h"
 #include "OrvLibrary/host/Curl.h"
 
@@ -43,6 +44,15 @@ bool isProxy(const std::string& text)
     return kForm.match(QString::fromStdString(text)).hasMatch();
 }
 
+/// "'a' or 'b'".
+std::string joined(const std::vector<std::string>& choices)
+{
+    std::string text;
+    for (const std::string& choice : choices)
+        text += (text.empty() ? "'" : " or '") + choice + "'";
+    return text;
+}
+
 QString qText(const std::string& text)
 {
     return QString::fromStdString(text);
@@ -65,6 +75,7 @@ const std::vector<SettingRule>& SettingRule::all()
         {"retries", Kind::Number, 0, kMostRetries, 3},
         {"connections", Kind::Number, 1, 96, 16},
         {"limitRate", Kind::Number, 0, kLargest, 0},
+        {"metered", Kind::Choice, 0, 0, 0, Settings::kPostpone, {Settings::kFetch, Settings::kPostpone}},
         {"historyVersions", Kind::Number, 1, kMostVersions, 3},
         {"historyBytes", Kind::Number, 0, kLargest, 2147483648},
     };
@@ -106,6 +117,8 @@ std::string SettingRule::problemOfText(const std::string& text) const
         return "'" + text + "' is no http or https address";
     if (kind == Kind::Proxy && !isProxy(text))
         return "'" + text + "' is no proxy, such as http://proxy.example:3128";
+    if (kind == Kind::Choice && std::find(choices.begin(), choices.end(), text) == choices.end())
+        return "must be " + joined(choices);
     if (kind == Kind::CatalogList && !isCatalogName(text))
         return "'" + text + "' is not a file name that ends in .orvlib";
     return {};

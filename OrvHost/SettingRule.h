@@ -18,7 +18,8 @@ struct SettingRule
         Path,        ///< path of a file or folder
         Proxy,       ///< host and port, with or without a scheme
         CatalogList, ///< file names that end in ".orvlib"
-        Number
+        Number,
+        Choice ///< one of `choices`
     };
 
     const char* key;
@@ -27,6 +28,7 @@ struct SettingRule
     std::int64_t highest = 0;
     std::int64_t defaultNumber = 0;
     const char* defaultText = "";
+    std::vector<std::string> choices = {};
 
     /// All keys, in the order in which they are documented.
     static const std::vector<SettingRule>& all();

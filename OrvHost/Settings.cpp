@@ -176,6 +176,7 @@ Settings::Values Settings::values() const
     values.retries = static_cast<int>(number("retries"));
     values.connections = static_cast<int>(number("connections"));
     values.limitRate = number("limitRate");
+    values.postponesOnMetered = text("metered") == kPostpone;
     values.historyVersions = static_cast<int>(number("historyVersions"));
     values.historyBytes = number("historyBytes");
     return values;

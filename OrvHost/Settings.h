@@ -37,12 +37,17 @@ public:
         std::string manufacturerLogoUrl;       ///< empty for none
         std::string proxy;                     ///< empty: the environment decides
         std::string certificates;              ///< file or folder; empty: the environment decides
-        int retries = 0;               ///< how often a request is repeated after a failure that may pass
-        int connections = 0;           ///< to one host at once; 1 to 96
-        std::int64_t limitRate = 0;    ///< bytes per second; 0 for no limit
-        int historyVersions = 0;       ///< former versions to keep of each catalog; at least 1
-        std::int64_t historyBytes = 0; ///< size of all former versions together
+        int retries = 0;                 ///< how often a request is repeated after a failure that may pass
+        int connections = 0;             ///< to one host at once; 1 to 96
+        std::int64_t limitRate = 0;      ///< bytes per second; 0 for no limit
+        bool postponesOnMetered = false; ///< whether nothing is fetched while the connection is metered
+        int historyVersions = 0;         ///< former versions to keep of each catalog; at least 1
+        std::int64_t historyBytes = 0;   ///< size of all former versions together
     };
+
+    /// The values of "metered": what an update does while the connection is metered.
+    static constexpr const char* kFetch = "fetch";
+    static constexpr const char* kPostpone = "postpone";
 
     /// Reads "settings.json". If it does not exist, nothing is set. If there is only a "browser.json" of an
     /// earlier version, its settings for the service are taken over and saved, once.

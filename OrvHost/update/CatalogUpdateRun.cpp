@@ -10,6 +10,7 @@
 
 #include "OrvHost/update/CatalogFolders.h"
 #include "OrvHost/update/CheckHistory.h"
+#include "OrvHost/update/MeteredConnection.h"
 #include "OrvHost/update/PartialFiles.h"
 #include "OrvHost/update/RunJournal.h"
 #include "OrvHost/update/UpdateRelay_p.h"
@@ -129,15 +130,17 @@ void CatalogUpdateRun::askAndFetch()
 {
     if (!mRequest.onlyChecks)
         recover();
+    mIsPostponed = !mRequest.onlyChecks && mRequest.postponesOnMetered && MeteredConnection::isMetered();
+    const bool onlyChecks = mRequest.onlyChecks || mIsPostponed;
     LibraryCatalogUpdater updater(*mRelay, CatalogFolders::core().catalogs(),
                                   catalogSet(CatalogFolders::bonus(), mRequest.bonus),
                                   catalogSet(CatalogFolders::manufacturer(), mRequest.manufacturer),
                                   mRequest.product, mRequest.productVersion, mRequest.url, mRequest.coreOnly);
     if (isCancelled)
         LibraryCatalogUpdater::killDownload(); // a cancel that came before, which a new updater forgets
-    mRequest.onlyChecks ? updater.check() : updater();
+    onlyChecks ? updater.check() : updater();
     mRecords = updater.catalogs();
-    if (!mRequest.onlyChecks)
+    if (!onlyChecks)
         mHeldFailures = HeldVersions::fetch(*mService, mKeeper->offers(), mRequest.checksDatabases,
                                             [] { return isCancelled.load(); });
 }
@@ -159,7 +162,9 @@ UpdateOutcome CatalogUpdateRun::finish(const std::optional<LibraryCatalogUpdate:
     const std::vector<CatalogChanges> news = mSwapper.takeNews();
     mSwapper.settleHistory();
     PartialFiles(PartialFiles::defaultFolder()).prune();
-    UpdateOutcome outcome = UpdateOutcome::of(mService->report(), mSwapper, closing);
+    UpdateOutcome outcome = mIsPostponed && !isCancelled
+                                ? UpdateOutcome::ofPostponed(mService->report(), mSwapper, checkOutcome(root))
+                                : UpdateOutcome::of(mService->report(), mSwapper, closing);
     outcome.start = mStart;
     outcome.end = QDateTime::currentDateTimeUtc();
     noteHeld(outcome);
@@ -249,9 +254,9 @@ void CatalogUpdateRun::saveHistory(const UpdateOutcome& outcome, const fileStrin
 {
     CheckHistory history(root);
     history.noteAttempt(outcome.end, outcome.error);
-    if (outcome.isGood())
+    if (outcome.hasCheckedAll())
         history.noteGoodCheck(outcome.end);
-    const bool askedAll = outcome.isGood() || outcome.kind == UpdateOutcome::Kind::Incomplete;
+    const bool askedAll = outcome.hasCheckedAll() || outcome.kind == UpdateOutcome::Kind::Incomplete;
     const auto former = history.answers();
     for (const auto& [catalog, answer] : former) {
         const bool isPacked = installedName(catalog) != catalog;

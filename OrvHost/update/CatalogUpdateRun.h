@@ -58,6 +58,8 @@ public:
         std::chrono::milliseconds firstPause{500};
         /// Whether to end after the check: nothing is downloaded, put into place or locked.
         bool onlyChecks = false;
+        /// Whether the run ends after the check while the connection is metered. What is new then waits.
+        bool postponesOnMetered = false;
         /// How many replaced versions to keep.
         CatalogHistory::Bounds history = {};
     };
@@ -120,8 +122,9 @@ private:
     std::unique_ptr<CarefulCurl> mService;  ///< installed while the worker runs
     std::unique_ptr<UpdateRelay> mRelay;    ///< between the worker and the host object
     std::unique_ptr<RunJournal> mJournal;
-    std::vector<HeldVersions::Failure> mHeldFailures; ///< the worker writes this and the next two
+    std::vector<HeldVersions::Failure> mHeldFailures; ///< the worker writes this and the next three
     LibraryCatalogUpdate::CatalogMap mRecords;        ///< before it ends; they are read afterwards
+    bool mIsPostponed = false;
     std::exception_ptr mException;
     std::thread mWorker;
 };

@@ -129,11 +129,6 @@ private:
     bool mIsTagKnown = false;
 };
 
-bool waits(const Catalog& catalog)
-{
-    return catalog.state == State::New || catalog.state == State::Missing;
-}
-
 void hold(Catalog& catalog)
 {
     if (catalog.state == State::Unknown || catalog.state == State::Gone)
@@ -149,11 +144,11 @@ void explainUnfetched(std::vector<Catalog>& catalogs)
     std::uint64_t kilobytes = 0, bytes = 0;
     for (const Catalog& catalog : catalogs) {
         const auto length = static_cast<std::uint64_t>(catalog.bytes.value_or(0));
-        kilobytes += waits(catalog) ? length / kBytesPerKilobyte : 0;
-        bytes += waits(catalog) ? length : 0;
+        kilobytes += catalog.waits() ? length / kBytesPerKilobyte : 0;
+        bytes += catalog.waits() ? length : 0;
     }
     for (Catalog& catalog : catalogs) {
-        if (!waits(catalog))
+        if (!catalog.waits())
             continue;
         if (!catalog.bytes)
             catalog.why += "; an update does not fetch it, because the service does not tell its length";
@@ -181,7 +176,8 @@ CheckOutcome::Kind kindOf(const CheckOutcome& outcome)
     };
     if (!outcome.error.empty() || has([](const Catalog& catalog) { return catalog.state == State::Unknown; }))
         return CheckOutcome::Kind::Failed;
-    return has(waits) ? CheckOutcome::Kind::Waiting : CheckOutcome::Kind::Current;
+    return has([](const Catalog& catalog) { return catalog.waits(); }) ? CheckOutcome::Kind::Waiting
+                                                                       : CheckOutcome::Kind::Current;
 }
 
 bool isReached(const ServiceReport& service)
@@ -205,7 +201,7 @@ CheckOutcome CheckOutcome::of(const LibraryCatalogUpdate::CatalogMap& records, c
     }
     explainUnfetched(outcome.catalogs);
     for (const Catalog& catalog : outcome.catalogs)
-        outcome.bytes += waits(catalog) ? catalog.bytes.value_or(0) : 0;
+        outcome.bytes += catalog.waits() ? catalog.bytes.value_or(0) : 0;
     std::error_code error;
     const auto space = std::filesystem::space(root.toNativeString(), error);
     outcome.free = error ? 0 : static_cast<std::int64_t>(space.available);

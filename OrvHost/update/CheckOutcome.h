@@ -48,6 +48,9 @@ struct ORVHOST_EXPORT CheckOutcome
         std::optional<std::string> installed; ///< version; empty if there is no file
         std::optional<std::string> offered;   ///< version; empty if unknown
         std::string why;                      ///< explanation for people
+
+        /// Whether an update would fetch it.
+        bool waits() const { return state == State::New || state == State::Missing; }
     };
 
     Kind kind = Kind::Failed;

@@ -89,7 +89,7 @@ void RunJournal::begin(const char* kind, const QDateTime& start)
 void RunJournal::endUpdate(const UpdateOutcome& outcome, const CheckOutcome& found)
 {
     end(outcome.name(), found, outcome.service, outcome.failed);
-    if (outcome.result)
+    if (outcome.kind != UpdateOutcome::Kind::Cancelled)
         attempt([&] { LastCheck::save(mRoot, found); });
 }
 

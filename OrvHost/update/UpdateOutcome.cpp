@@ -20,7 +20,6 @@ using Failure = UpdateOutcome::Failure;
 using Kind = UpdateOutcome::Kind;
 
 constexpr std::int64_t kBytesPerKilobyte = 1000;
-constexpr std::size_t kMostNamed = 5;
 
 std::optional<std::int64_t> known(std::int64_t status)
 {
@@ -182,6 +181,8 @@ std::string errorOf(const UpdateOutcome& outcome)
     const auto& catalogs = service.catalogs;
     if (!catalogs.empty() && std::none_of(catalogs.begin(), catalogs.end(), isChecked))
         return "no catalog could be checked: " + outcome.failedText();
+    if (!outcome.result)
+        return {};
     const bool hasError = *outcome.result == LibraryCatalogUpdate::kResultFailed ||
                           *outcome.result == LibraryCatalogUpdate::kResultCoreFailed;
     return hasError && outcome.failed.empty() ? "an error was written to the log" : "";
@@ -196,6 +197,18 @@ Kind kindOf(const UpdateOutcome& outcome)
     if (!outcome.failed.empty())
         return Kind::Incomplete;
     return outcome.updatedCatalogs.empty() ? Kind::Current : Kind::Updated;
+}
+
+/// Adds what could not be checked and is not in the list yet.
+void addUnknown(std::vector<Failure>& failed, const CheckOutcome& found)
+{
+    for (const CheckOutcome::Catalog& catalog : found.catalogs) {
+        const bool isListed = std::any_of(failed.begin(), failed.end(), [&catalog](const Failure& failure) {
+            return failure.catalog == catalog.place.name;
+        });
+        if (catalog.state == CheckOutcome::State::Unknown && !isListed)
+            failed.push_back({catalog.place.name, known(catalog.status), catalog.why});
+    }
 }
 
 /// The names reported by the library, without those that were refused afterwards.
@@ -233,41 +246,26 @@ UpdateOutcome UpdateOutcome::of(const ServiceReport& service, const CatalogSwapp
     return outcome;
 }
 
-const char* UpdateOutcome::name() const
+UpdateOutcome UpdateOutcome::ofPostponed(const ServiceReport& service, const CatalogSwapper& swapper,
+                                         const CheckOutcome& found)
 {
-    const char* const names[] = {"updated", "current", "incomplete", "failed", "cancelled"};
-    return names[static_cast<int>(kind)];
-}
-
-std::string UpdateOutcome::failedText() const
-{
-    std::string text;
-    for (std::size_t index = 0; index < std::min(failed.size(), kMostNamed); ++index) {
-        const Failure& failure = failed[index];
-        text +=
-            (index == 0 ? "" : "; ") + failure.catalog.value_or("the content index") + ": " + failure.reason;
+    UpdateOutcome outcome;
+    outcome.service = service;
+    outcome.swappedIn = swapper.swappedIn();
+    outcome.failed = Failures(service, swapper, outcome).all();
+    addUnknown(outcome.failed, found);
+    for (const CheckOutcome::Catalog& catalog : found.catalogs) {
+        if (catalog.waits())
+            outcome.postponed.push_back({catalog.place.name, catalog.bytes});
     }
-    if (failed.size() > kMostNamed)
-        text += "; and " + std::to_string(failed.size() - kMostNamed) + " more";
-    return text;
-}
-
-std::string UpdateOutcome::reasonOf(const CatalogReport& catalog) const
-{
-    for (const Failure& failure : failed) {
-        if (failure.catalog &&
-            (*failure.catalog == catalog.asked || *failure.catalog == installedName(catalog.asked)))
-            return failure.reason;
-    }
-    return {};
-}
-
-std::string installedName(const std::string& asked)
-{
-    const std::string packed = ".orvlibz";
-    const bool isPacked = asked.size() > packed.size() &&
-                          asked.compare(asked.size() - packed.size(), packed.size(), packed) == 0;
-    return isPacked ? asked.substr(0, asked.size() - 1) : asked;
+    outcome.error = errorOf(outcome);
+    if (!outcome.error.empty())
+        outcome.kind = Kind::Failed;
+    else if (!outcome.failed.empty())
+        outcome.kind = Kind::Incomplete;
+    else
+        outcome.kind = outcome.postponed.empty() ? Kind::Current : Kind::Waiting;
+    return outcome;
 }
 
 } // namespace OrvHost

@@ -64,13 +64,24 @@ void LibraryActions::stop()
 
 void LibraryActions::checkForUpdates()
 {
+    update(false);
+}
+
+void LibraryActions::updateOnMetered()
+{
+    update(true);
+}
+
+void LibraryActions::update(bool evenOnMetered)
+{
     if (mUpdates->isRunning() || !readShared())
         return;
     if (mShared.values().url.empty())
         editPreferences();
-    const OrvHost::Settings::Values asked = mShared.values();
+    OrvHost::Settings::Values asked = mShared.values();
     if (asked.url.empty())
         return;
+    asked.postponesOnMetered = asked.postponesOnMetered && !evenOnMetered;
     const QString problem = AddressCheck::problemOf(QString::fromStdString(asked.url));
     if (!problem.isEmpty()) {
         Q_EMIT said(problem);

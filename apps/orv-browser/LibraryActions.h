@@ -43,6 +43,8 @@ public:
     UpdateController& updates() { return *mUpdates; }
     ImportController& imports() { return *mImports; }
     void checkForUpdates();
+    /// The same, and fetches what is new although the connection is metered.
+    void updateOnMetered();
     /// Changes settings, and checks for updates with them.
     void fetchWith(const SharedSettings::Changes& changes);
     /// Fetches a catalog of the service again, whatever is installed, and checks the others.
@@ -64,6 +66,8 @@ Q_SIGNALS:
     void recordsChanged();
 
 private:
+    bool readShared();
+    void update(bool evenOnMetered);
     void updateEnded(const UpdateSummary& summary);
     void updateRefused(const QString& reason);
     void archiveImported(const OrvHost::ArchiveImport::Result& result);

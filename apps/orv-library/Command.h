@@ -13,7 +13,7 @@ enum class ExitStatus
     Done = 0,
     Failed = 1,
     WrongUsage = 2,
-    UpdatesWait = 3, ///< only of `check`
+    UpdatesWait = 3, ///< of `check`, and of `update` on a metered connection
     Interrupted = 130
 };
 

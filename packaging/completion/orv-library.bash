@@ -39,7 +39,7 @@ _orv_library() {
     commands+=" help settings check runs doctor"
     local common="--root --json --progress --trace --help --version"
     local keys="url product productVersion bonus manufacturer manufacturerDataUrl manufacturerLogoUrl proxy"
-    keys+=" certificates retries connections limitRate historyVersions historyBytes"
+    keys+=" certificates retries connections limitRate metered historyVersions historyBytes"
     # The words before the current one, from the command on, without options and values of the global ones.
     local command="" word before=""
     local -a root=() words=()
@@ -58,6 +58,7 @@ _orv_library() {
         --root | --output-dir) COMPREPLY=($(compgen -d -- "$current")); return ;;
         --trace | --output | --cacert | --report) COMPREPLY=($(compgen -f -- "$current")); return ;;
         --progress) COMPREPLY=($(compgen -W "auto bar plain none" -- "$current")); return ;;
+        --metered) COMPREPLY=($(compgen -W "fetch postpone" -- "$current")); return ;;
         --since) _orv_library_values '"number":[0-9]+' runs; return ;;
     esac
     [[ $current != -* ]] && case $previous in
@@ -65,6 +66,7 @@ _orv_library() {
         manufacturers) COMPREPLY=($(compgen -W "list show refresh" -- "$current")); return ;;
         styles) COMPREPLY=($(compgen -W "list show" -- "$current")); return ;;
         settings) COMPREPLY=($(compgen -W "list get set unset" -- "$current")); return ;;
+        metered) [[ ${words[1]} == set ]] && COMPREPLY=($(compgen -W "fetch postpone" -- "$current")) && return ;;
         get | set | unset) [[ $command == settings ]] && COMPREPLY=($(compgen -W "$keys" -- "$current")) && return ;;
         runs) COMPREPLY=($(compgen -W "show" -- "$current")); return ;;
         help) COMPREPLY=($(compgen -W "$commands" -- "$current")); return ;;
@@ -77,7 +79,7 @@ _orv_library() {
         COMPREPLY=($(compgen -f -- "$current"))
         return
     fi
-    local service="--url --product --product-version --retries --no-database-check --cacert --proxy --limit-rate"
+    local service="--url --product --product-version --retries --no-database-check --cacert --proxy --limit-rate --metered"
     service+=" --core-only --index --bonus --manufacturer"
     local options=""
     case $command in

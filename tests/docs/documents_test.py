@@ -82,7 +82,7 @@ class Commands(unittest.TestCase):
         self.servers = []
         self.ports = {"8480": str(free_port())}
         self.environment = dict(
-            os.environ, HOME=self.work, QT_QPA_PLATFORM="offscreen",
+            os.environ, HOME=self.work, QT_QPA_PLATFORM="offscreen", DBUS_SYSTEM_BUS_ADDRESS="unix:path=/nonexistent",
             PATH=os.pathsep.join([os.path.dirname(PROGRAM), os.environ["PATH"], "/usr/sbin"]))
         subprocess.run([PROGRAM, "sample", os.path.join(self.work, "CONTENT")], check=True, capture_output=True)
 

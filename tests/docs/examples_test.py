@@ -107,7 +107,7 @@ class Examples(unittest.TestCase):
             result = subprocess.run(["bash", "-c", "set -o pipefail; " + self.here(line)], cwd=self.folder, text=True,
                                     timeout=120, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                     env=dict(os.environ, PATH=path, ORV_LIBRARY_ROOT=self.root, LC_ALL="C.UTF-8",
-                                             HOME=self.folder))
+                                             HOME=self.folder, DBUS_SYSTEM_BUS_ADDRESS="unix:path=/nonexistent"))
             self.assertEqual(result.returncode, STATUS.get(line, 0), f"{page}: {line}\n{result.stdout}")
         shutil.rmtree(self.root)
 

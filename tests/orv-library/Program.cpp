@@ -36,6 +36,7 @@ QProcessEnvironment cleanEnvironment(const std::string& home)
     environment.insert("LC_ALL", "C.UTF-8");
     environment.insert("TZ", "UTC");
     environment.insert("QT_QPA_PLATFORM", "offscreen");
+    environment.insert("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent");
     return environment;
 }
 

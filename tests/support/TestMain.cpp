@@ -12,6 +12,7 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("TZ", "UTC");
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent"); // the machine's network is no matter
     if (qEnvironmentVariableIsSet("ORV_TEST_GROUPING"))
         std::locale::global(test::groupingLocale());
     testing::InitGoogleMock(&argc, argv);

@@ -54,7 +54,8 @@ LATE = {"ORV_FAULT_CALLS": "recv", "ORV_FAULT_AT": "1", "ORV_FAULT_DO": "late", 
 DEADLOCK_SECONDS = 120
 # A body that is not whole yet, or whose turn has not come.
 DOWNLOAD = re.compile(r"\.downloads\.\w+/\.[^/]+\.orv-new$")
-ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8", "TZ": "UTC", "QT_QPA_PLATFORM": "offscreen"}
+ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8", "TZ": "UTC", "QT_QPA_PLATFORM": "offscreen",
+               "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nonexistent"}
 
 
 def remove(path):

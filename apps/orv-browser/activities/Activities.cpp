@@ -57,6 +57,10 @@ Activities::Activities(LibraryActions& library, const UserLists& lists, QAction&
     connect(&mModel, &QAbstractItemModel::rowsInserted, this, [this] { mShown.setEnabled(true); });
     connect(mPane, &ActivityPane::retryAsked, this, &Activities::retry);
     connect(mCard, &ResultCard::retryAsked, this, &Activities::retryAll);
+    connect(mCard, &ResultCard::fetchAsked, this, [this] {
+        mCard->hide();
+        mLibrary.updateOnMetered();
+    });
     connect(mCard, &ResultCard::newsAsked, this, &Activities::newsAsked);
     connect(mCard, &ResultCard::logAsked, this, &Activities::logAsked);
     connectUpdates();
@@ -121,7 +125,9 @@ void Activities::showUpdateEnd(const UpdateSummary& summary, const OrvHost::Upda
     showService(outcome.service);
     for (const Activity& failure : UpdateActivities::failuresOf(outcome))
         mModel.put(failure);
-    mModel.settle(Kind::Catalog, summary.isCancelled() ? State::Cancelled : State::Done);
+    // What waits for another connection goes on waiting.
+    if (outcome.postponed.empty())
+        mModel.settle(Kind::Catalog, summary.isCancelled() ? State::Cancelled : State::Done);
     mFailedImports.clear();
     // The first content of all is not new to the window.
     const bool isFirst = !mLists.seenRun();
@@ -130,6 +136,8 @@ void Activities::showUpdateEnd(const UpdateSummary& summary, const OrvHost::Upda
     if (summary.hasFailed())
         mCard->showFailure(
             numbers.isEmpty() ? summary.problem() : numbers + QLatin1Char('\n') + summary.problem(), hasNews);
+    else if (!summary.waiting().isEmpty())
+        mCard->showWaiting(summary.waiting());
     else if (!numbers.isEmpty())
         mCard->showGood(numbers, hasNews);
 }

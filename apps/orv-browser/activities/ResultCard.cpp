@@ -11,6 +11,7 @@ namespace {
 
 const QColor kFailure(200, 60, 45);
 const QColor kSuccess(60, 150, 80);
+const QColor kWaiting(70, 110, 190);
 constexpr double kTint = 0.16; // of the colour in the ground, so that texts stay readable
 constexpr int kStripe = 4;     // pixels
 
@@ -34,6 +35,7 @@ ResultCard::ResultCard(QWidget* parent) : QFrame(parent), mIcon(new QLabel), mTe
     layout()->addWidget(mText);
     static_cast<QHBoxLayout*>(layout())->setStretch(1, 1);
     mRetry = addButton(tr("&Retry"), QStringLiteral("resultRetry"));
+    mFetch = addButton(tr("&Fetch all the same"), QStringLiteral("resultFetch"));
     mNews = addButton(tr("Show what’s &new"), QStringLiteral("resultNews"));
     QPushButton* log = addButton(tr("&Log"), QStringLiteral("resultLog"));
     auto* close = new QToolButton;
@@ -45,6 +47,7 @@ ResultCard::ResultCard(QWidget* parent) : QFrame(parent), mIcon(new QLabel), mTe
     layout()->addWidget(close);
     hide();
     connect(mRetry, &QPushButton::clicked, this, &ResultCard::retryAsked);
+    connect(mFetch, &QPushButton::clicked, this, &ResultCard::fetchAsked);
     connect(mNews, &QPushButton::clicked, this, &ResultCard::newsAsked);
     connect(log, &QPushButton::clicked, this, &ResultCard::logAsked);
     connect(close, &QToolButton::clicked, this, &QWidget::hide);
@@ -60,31 +63,43 @@ QPushButton* ResultCard::addButton(const QString& text, const QString& name)
 
 void ResultCard::showGood(const QString& text, bool hasNews)
 {
-    show(text, false, hasNews);
+    show(Kind::Good, text, hasNews);
 }
 
 void ResultCard::showFailure(const QString& text, bool hasNews)
 {
-    show(text, true, hasNews);
+    show(Kind::Failure, text, hasNews);
 }
 
-void ResultCard::show(const QString& text, bool isFailure, bool hasNews)
+void ResultCard::showWaiting(const QString& text)
 {
-    mIsFailure = isFailure;
+    show(Kind::Waiting, text, false);
+}
+
+void ResultCard::show(Kind kind, const QString& text, bool hasNews)
+{
+    mKind = kind;
     const int side = style()->pixelMetric(QStyle::PM_ButtonIconSize);
-    const auto icon = isFailure ? QStyle::SP_MessageBoxCritical : QStyle::SP_DialogApplyButton;
-    mIcon->setPixmap(style()->standardIcon(icon).pixmap(side, side));
+    mIcon->setPixmap(style()->standardIcon(iconOf()).pixmap(side, side));
     mText->setText(text);
-    mRetry->setVisible(isFailure);
+    mRetry->setVisible(kind == Kind::Failure);
+    mFetch->setVisible(kind == Kind::Waiting);
     mNews->setVisible(hasNews);
     setVisible(true);
     update();
 }
 
+QStyle::StandardPixmap ResultCard::iconOf() const
+{
+    if (mKind == Kind::Waiting)
+        return QStyle::SP_MessageBoxInformation;
+    return mKind == Kind::Failure ? QStyle::SP_MessageBoxCritical : QStyle::SP_DialogApplyButton;
+}
+
 void ResultCard::paintEvent(QPaintEvent* event)
 {
     QFrame::paintEvent(event);
-    const QColor colour = mIsFailure ? kFailure : kSuccess;
+    const QColor colour = mKind == Kind::Failure ? kFailure : mKind == Kind::Waiting ? kWaiting : kSuccess;
     QPainter painter(this);
     painter.fillRect(rect(), mixed(palette().color(QPalette::Window), colour));
     const int x = layoutDirection() == Qt::RightToLeft ? width() - kStripe : 0;

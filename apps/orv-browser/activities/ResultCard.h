@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QFrame>
+#include <QStyle>
 
 class QLabel;
 class QPushButton;
@@ -17,22 +18,34 @@ public:
     /// @param hasNews whether there is something new to show
     void showGood(const QString& text, bool hasNews);
     void showFailure(const QString& text, bool hasNews);
+    /// With a button to fetch what waits.
+    void showWaiting(const QString& text);
 
 Q_SIGNALS:
     void newsAsked();
     void logAsked();
     void retryAsked();
+    void fetchAsked();
 
 protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    enum class Kind
+    {
+        Good,
+        Failure,
+        Waiting
+    };
+
     QPushButton* addButton(const QString& text, const QString& name);
-    void show(const QString& text, bool isFailure, bool hasNews);
+    void show(Kind kind, const QString& text, bool hasNews);
+    QStyle::StandardPixmap iconOf() const;
 
     QLabel* mIcon;
     QLabel* mText;
     QPushButton* mRetry;
+    QPushButton* mFetch;
     QPushButton* mNews;
-    bool mIsFailure = false;
+    Kind mKind = Kind::Good;
 };

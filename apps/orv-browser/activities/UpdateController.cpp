@@ -28,6 +28,7 @@ OrvHost::CatalogUpdateRun::Request requestOf(const OrvHost::Settings::Values& se
     request.access.certificates = settings.certificates;
     request.access.proxy = settings.proxy;
     request.access.limitRate = settings.limitRate;
+    request.postponesOnMetered = settings.postponesOnMetered;
     request.retries = settings.retries;
     request.history.versions = settings.historyVersions;
     request.history.bytes = settings.historyBytes;

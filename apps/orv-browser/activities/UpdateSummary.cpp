@@ -5,6 +5,7 @@
 #include "OrvHost/LegacyText.h"
 #include "OrvHost/health/ErrorLogReader.h"
 #include "OrvLibrary/IO/ErrorLog.h"
+#include "apps/orv-browser/models/DataSize.h"
 #include "apps/orv-browser/models/Reasons.h"
 
 namespace {
@@ -59,9 +60,23 @@ QString UpdateSummary::text() const
         sentences << tr("Updated: %1.").arg(listed(mUpdated));
     if (mOutcome.kind == Kind::Current)
         sentences << tr("All catalogs are up to date.");
+    if (!mOutcome.postponed.empty() && !mIsCancelled)
+        sentences << waiting();
     if (mHasFailed)
         sentences << problem();
     return (sentences + mNotes).join(QLatin1Char(' '));
+}
+
+QString UpdateSummary::waiting() const
+{
+    if (mOutcome.postponed.empty())
+        return {};
+    qint64 bytes = 0;
+    for (const auto& catalog : mOutcome.postponed)
+        bytes += catalog.bytes.value_or(0);
+    return tr("The connection is metered, so %Ln update(s) wait: %1.", nullptr,
+              static_cast<int>(mOutcome.postponed.size()))
+        .arg(DataSize::text(bytes));
 }
 
 QString UpdateSummary::numbers(bool isFirst) const

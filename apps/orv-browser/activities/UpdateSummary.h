@@ -31,6 +31,8 @@ public:
 
     /// In sentences: what came, and what went wrong.
     QString text() const;
+    /// What waits because the connection is metered, in a sentence; empty when nothing does.
+    QString waiting() const;
     /// In numbers, such as "16 catalogs, 42 new items, 3 gone"; empty when nothing came.
     /// @param isFirst whether this is the first content of all, which is not new to the window
     QString numbers(bool isFirst) const;

@@ -81,6 +81,9 @@ QWidget* PreferencesDialog::networkPage()
     rate->setSuffix(tr(" KB/s"));
     rate->setSpecialValueText(tr("no limit"));
     layout->addRow(tr("Receive at &most:"), rate);
+    layout->addRow(tr("On a metere&d connection:"),
+                   mFields.addChoice("metered", {{tr("only look what is new"), OrvHost::Settings::kPostpone},
+                                                 {tr("fetch updates, too"), OrvHost::Settings::kFetch}}));
     return page;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QJsonArray>
 #include <QLineEdit>
@@ -99,6 +100,20 @@ QSpinBox* SettingFields::addNumber(const char* key, int lowest, int highest, int
     return box;
 }
 
+QComboBox* SettingFields::addChoice(const char* key, const std::vector<std::pair<QString, QString>>& choices)
+{
+    const QString name = QLatin1String(key);
+    auto* box = new QComboBox;
+    box->setObjectName(name);
+    for (const auto& [text, value] : choices)
+        box->addItem(text, value);
+    const QJsonObject stored = mSettings.stored();
+    const QString value = (stored.contains(name) ? stored : OrvHost::Settings::defaults())[name].toString();
+    box->setCurrentIndex(box->findData(value));
+    mChoices.push_back({key, box, box->currentIndex()});
+    return box;
+}
+
 SharedSettings::Changes SettingFields::changes() const
 {
     SharedSettings::Changes changes;
@@ -109,6 +124,10 @@ SharedSettings::Changes SettingFields::changes() const
         if (number.box->value() != number.shown)
             changes.emplace_back(number.key, std::vector<std::string>{std::to_string(
                                                  std::int64_t{number.box->value()} * number.unit)});
+    for (const Choice& choice : mChoices)
+        if (choice.box->currentIndex() != choice.shown)
+            changes.emplace_back(
+                choice.key, std::vector<std::string>{choice.box->currentData().toString().toStdString()});
     return changes;
 }
 

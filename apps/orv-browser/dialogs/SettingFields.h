@@ -1,10 +1,14 @@
 #pragma once
 
 #include <string>
+#include <utility>
 #include <vector>
+
+#include <QString>
 
 #include "apps/orv-browser/SharedSettings.h"
 
+class QComboBox;
 class QLineEdit;
 class QSpinBox;
 class QWidget;
@@ -23,6 +27,9 @@ public:
     QLineEdit* addCatalogs(const char* key);
     /// @param unit what the field counts in, such as 1000 for bytes told as KB
     QSpinBox* addNumber(const char* key, int lowest, int highest, int unit = 1);
+
+    /// @param choices the texts of the values for people, and the values
+    QComboBox* addChoice(const char* key, const std::vector<std::pair<QString, QString>>& choices);
 
     SharedSettings::Changes changes() const;
     /// The first field with a text that cannot be; null when all are fine.
@@ -45,9 +52,17 @@ private:
         int unit;
     };
 
+    struct Choice
+    {
+        std::string key;
+        QComboBox* box;
+        int shown; ///< to begin with
+    };
+
     QLineEdit* addLine(const char* key, const QString& shown, bool isList);
 
     const OrvHost::Settings& mSettings;
     std::vector<Text> mTexts;
     std::vector<Number> mNumbers;
+    std::vector<Choice> mChoices;
 };

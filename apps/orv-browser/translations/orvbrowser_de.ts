@@ -955,6 +955,18 @@
         <translation>&amp;Höchstens empfangen:</translation>
     </message>
     <message>
+        <source>On a metere&amp;d connection:</source>
+        <translation>Bei &amp;getakteter Verbindung:</translation>
+    </message>
+    <message>
+        <source>only look what is new</source>
+        <translation>nur nachsehen, was neu ist</translation>
+    </message>
+    <message>
+        <source>fetch updates, too</source>
+        <translation>Neues auch holen</translation>
+    </message>
+    <message>
         <source>Former &amp;versions of a catalog:</source>
         <translation>Frühere &amp;Fassungen eines Katalogs:</translation>
     </message>
@@ -1433,6 +1445,10 @@
         <translation>&amp;Wiederholen</translation>
     </message>
     <message>
+        <source>&amp;Fetch all the same</source>
+        <translation>&amp;Trotzdem holen</translation>
+    </message>
+    <message>
         <source>Show what’s &amp;new</source>
         <translation>&amp;Neues zeigen</translation>
     </message>
@@ -1643,6 +1659,13 @@
         <translation>
             <numerusform>%1 und %n weiterer</numerusform>
             <numerusform>%1 und %n weitere</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>The connection is metered, so %Ln update(s) wait: %1.</source>
+        <translation>
+            <numerusform>Die Verbindung ist getaktet, daher wartet %Ln Aktualisierung: %1.</numerusform>
+            <numerusform>Die Verbindung ist getaktet, daher warten %Ln Aktualisierungen: %1.</numerusform>
         </translation>
     </message>
     <message>

@@ -115,6 +115,13 @@
         </translation>
     </message>
     <message numerus="yes">
+        <source>The connection is metered, so %Ln update(s) wait: %1.</source>
+        <translation>
+            <numerusform>The connection is metered, so %Ln update waits: %1.</numerusform>
+            <numerusform>The connection is metered, so %Ln updates wait: %1.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
         <source>%Ln catalog(s)</source>
         <translation>
             <numerusform>%Ln catalog</numerusform>

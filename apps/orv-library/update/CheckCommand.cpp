@@ -6,6 +6,7 @@
 #include <QStringList>
 
 #include "apps/orv-library/Session.h"
+#include "apps/orv-library/console/ByteText.h"
 #include "apps/orv-library/console/Interrupt.h"
 #include "apps/orv-library/console/RunLoop.h"
 
@@ -27,23 +28,13 @@ std::int64_t hoursOf(std::string text)
     return hours;
 }
 
-std::string sizeText(double bytes)
-{
-    const char* const units[] = {" bytes", " KB", " MB", " GB"};
-    int unit = 0;
-    for (; bytes >= 1000 && unit < 3; ++unit)
-        bytes /= 1000;
-    const QString number = QString::number(bytes, 'f', unit == 0 ? 0 : 1);
-    return number.toStdString() + units[unit];
-}
-
 std::string lineOf(const QJsonObject& catalog, bool isExplained)
 {
     const QJsonValue bytes = catalog["bytes"];
     std::string line =
         catalog["name"].toString().toStdString() + ": " + catalog["state"].toString().toStdString();
     if (!bytes.isNull())
-        line += ", " + sizeText(bytes.toDouble());
+        line += ", " + byteText(bytes.toDouble());
     if (isExplained)
         line += " (" + catalog["why"].toString().toStdString() + ")";
     return line + "\n";
@@ -63,7 +54,7 @@ std::string readable(const QJsonObject& document, bool isExplained)
     if (document["outcome"] == "current")
         return lines + "Everything is current.\n";
     return lines + std::to_string(waiting) + (waiting == 1 ? " catalog waits, " : " catalogs wait, ") +
-           sizeText(document["bytes"].toDouble()) + " in all; " + sizeText(document["free"].toDouble()) +
+           byteText(document["bytes"].toDouble()) + " in all; " + byteText(document["free"].toDouble()) +
            " are free.\n";
 }
 

@@ -22,9 +22,9 @@ void requireCatalogNames(const std::vector<std::string>& names)
 }
 
 /// Checks a value of the command line by the rule of its setting.
-void require(const std::string& option, const char* key, std::int64_t number)
+void require(const std::string& option, const char* key, const std::string& value)
 try {
-    Settings().set(key, {std::to_string(number)});
+    Settings().set(key, {value});
 } catch (const Settings::Refusal& refusal) {
     const std::string text = refusal.what();
     throw UsageError(option + text.substr(text.find(':')));
@@ -64,6 +64,8 @@ void ServiceOptions::declare(CommandSyntax& syntax)
     syntax.option("--cacert", mCertificates, "FILE", "Trust these certificate authorities (PEM)");
     syntax.option("--proxy", mProxy, "URL", "Proxy; else what the environment says");
     syntax.option("--limit-rate", mLimitRate, "BYTES", "Receive at most so many bytes a second");
+    syntax.option("--metered", mMetered, "fetch|postpone",
+                  "While the connection is metered: fetch, or only tell what waits (default)");
     syntax.flag("--core-only", mCoreOnly, "Leave bonus and manufacturer catalogs alone");
     syntax.option("--index", mIndex, "NAME",
                   std::string("Core content index; otherwise ") + OrvHost::AppHost::kDefaultContentIndex);
@@ -77,9 +79,11 @@ void ServiceOptions::checkGiven() const
     requireCatalogNames(mBonus);
     requireCatalogNames(mManufacturer);
     if (mRetries != kNotGiven)
-        require("--retries", "retries", mRetries);
+        require("--retries", "retries", std::to_string(mRetries));
     if (mLimitRate != kNotGiven)
-        require("--limit-rate", "limitRate", mLimitRate);
+        require("--limit-rate", "limitRate", std::to_string(mLimitRate));
+    if (!mMetered.empty())
+        require("--metered", "metered", mMetered);
 }
 
 void ServiceOptions::complete(const Settings& settings)
@@ -98,6 +102,8 @@ void ServiceOptions::complete(const Settings& settings)
         mValues.retries = static_cast<int>(mRetries);
     if (mLimitRate != kNotGiven)
         mValues.limitRate = mLimitRate;
+    if (!mMetered.empty())
+        mValues.postponesOnMetered = mMetered == Settings::kPostpone;
 }
 
 void ServiceOptions::requireAddress() const
@@ -134,6 +140,7 @@ OrvHost::CatalogUpdateRun::Request ServiceOptions::request() const
     request.checksDatabases = !mNoDatabaseCheck;
     request.retries = mValues.retries;
     request.access = access();
+    request.postponesOnMetered = mValues.postponesOnMetered;
     request.history.versions = mValues.historyVersions;
     request.history.bytes = mValues.historyBytes;
     return request;

@@ -43,6 +43,7 @@ private:
     std::string mIndex;
     std::string mCertificates;
     std::string mProxy;
+    std::string mMetered;
     std::vector<std::string> mBonus;
     std::vector<std::string> mManufacturer;
     std::int64_t mRetries = kNotGiven;

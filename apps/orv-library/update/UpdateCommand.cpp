@@ -82,5 +82,7 @@ ExitStatus UpdateCommand::report(Session& session, const OrvHost::UpdateOutcome&
         Console::complain(complaint);
     if (outcome.kind == Kind::Cancelled)
         return ExitStatus::Interrupted;
+    if (outcome.kind == Kind::Waiting)
+        return ExitStatus::UpdatesWait;
     return outcome.isGood() ? ExitStatus::Done : ExitStatus::Failed;
 }

@@ -2,6 +2,7 @@
 
 #include <QJsonArray>
 
+#include "apps/orv-library/console/ByteText.h"
 #include "apps/orv-library/console/Console.h"
 #include "apps/orv-library/update/UpdateHost.h"
 
@@ -13,6 +14,31 @@ template <typename Text>
 QJsonValue textOrNull(const std::optional<Text>& text)
 {
     return text ? QJsonValue(jsonText(*text)) : QJsonValue();
+}
+
+QJsonArray postponed(const UpdateOutcome& outcome)
+{
+    QJsonArray list;
+    for (const UpdateOutcome::Postponed& catalog : outcome.postponed) {
+        const QJsonValue bytes =
+            catalog.bytes ? QJsonValue(static_cast<qint64>(*catalog.bytes)) : QJsonValue();
+        list.append(QJsonObject{{"catalog", jsonText(catalog.catalog)}, {"bytes", bytes}});
+    }
+    return list;
+}
+
+std::string postponedText(const UpdateOutcome& outcome)
+{
+    std::string text;
+    double bytes = 0;
+    for (const UpdateOutcome::Postponed& catalog : outcome.postponed) {
+        text += "  " + catalog.catalog + "\n";
+        bytes += static_cast<double>(catalog.bytes.value_or(0));
+    }
+    const std::size_t count = outcome.postponed.size();
+    return "The connection is metered: " + std::to_string(count) +
+           (count == 1 ? " catalog waits, " : " catalogs wait, ") + byteText(bytes) + " in all.\n" + text +
+           "'orv-library update --metered fetch' fetches all the same.\n";
 }
 
 std::string counted(std::size_t count, const std::string& thing)
@@ -46,12 +72,15 @@ QJsonObject UpdateDocument::document(const UpdateOutcome& outcome)
     const std::optional<std::string> code =
         outcome.messageCode ? std::optional<std::string>(messageCodeText(*outcome.messageCode))
                             : std::nullopt;
-    return {{"outcome", outcome.name()},
-            {"result", outcome.result ? QJsonValue(*outcome.result) : QJsonValue()},
-            {"messageCode", textOrNull(code)},
-            {"updatedCatalogs", updated},
-            {"swappedIn", swappedIn},
-            {"failed", failures(outcome)}};
+    QJsonObject object{{"outcome", outcome.name()},
+                       {"result", outcome.result ? QJsonValue(*outcome.result) : QJsonValue()},
+                       {"messageCode", textOrNull(code)},
+                       {"updatedCatalogs", updated},
+                       {"swappedIn", swappedIn},
+                       {"failed", failures(outcome)}};
+    if (!outcome.postponed.empty())
+        object["postponed"] = postponed(outcome);
+    return object;
 }
 
 std::string UpdateDocument::text(const UpdateOutcome& outcome)
@@ -60,6 +89,8 @@ std::string UpdateDocument::text(const UpdateOutcome& outcome)
         return {};
     if (outcome.kind == UpdateOutcome::Kind::Current)
         return "Everything is current.\n";
+    if (!outcome.postponed.empty())
+        return postponedText(outcome);
     if (outcome.updatedCatalogs.empty())
         return "Nothing was updated.\n";
     std::string text = "Updated " + counted(outcome.updatedCatalogs.size(), "catalog") + ":\n";
