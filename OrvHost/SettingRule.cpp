@@ -76,6 +76,7 @@ const std::vector<SettingRule>& SettingRule::all()
         {"connections", Kind::Number, 1, 96, 16},
         {"limitRate", Kind::Number, 0, kLargest, 0},
         {"metered", Kind::Choice, 0, 0, 0, Settings::kPostpone, {Settings::kFetch, Settings::kPostpone}},
+        {"diskReserve", Kind::Number, 0, kLargest, 0},
         {"historyVersions", Kind::Number, 1, kMostVersions, 3},
         {"historyBytes", Kind::Number, 0, kLargest, 2147483648},
     };

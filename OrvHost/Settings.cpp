@@ -177,6 +177,7 @@ Settings::Values Settings::values() const
     values.connections = static_cast<int>(number("connections"));
     values.limitRate = number("limitRate");
     values.postponesOnMetered = text("metered") == kPostpone;
+    values.diskReserve = number("diskReserve");
     values.historyVersions = static_cast<int>(number("historyVersions"));
     values.historyBytes = number("historyBytes");
     return values;

@@ -41,6 +41,7 @@ public:
         int connections = 0;             ///< to one host at once; 1 to 96
         std::int64_t limitRate = 0;      ///< bytes per second; 0 for no limit
         bool postponesOnMetered = false; ///< whether nothing is fetched while the connection is metered
+        std::int64_t diskReserve = 0;    ///< bytes that downloads leave free on the disk, at least
         int historyVersions = 0;         ///< former versions to keep of each catalog; at least 1
         std::int64_t historyBytes = 0;   ///< size of all former versions together
     };

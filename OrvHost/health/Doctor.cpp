@@ -124,8 +124,9 @@ Doctor::Finding Doctor::space() const
 {
     const fs::space_info found = fs::space(existing(mSubject.root.toNativeString()));
     const std::string text = std::to_string(found.available / 1000000) + " MB free";
-    // The download service leaves the smaller of the two free.
-    if (found.available < std::min<std::uintmax_t>(kReserve, found.capacity / 20))
+    // The download service leaves the smaller of the two free; the user may want more.
+    const auto wanted = static_cast<std::uintmax_t>(mSubject.values.diskReserve);
+    if (found.available < std::max(wanted, std::min<std::uintmax_t>(kReserve, found.capacity / 20)))
         return {text, "Make room on the disk; downloads leave a reserve free and stop before it."};
     return {text, {}};
 }

@@ -183,7 +183,7 @@ void CarefulCurl::prefetchHeaders(const std::vector<HeaderRequest>& requests)
 void CarefulCurl::prefetchDownloads(const std::vector<DownloadRequest>& requests)
 {
     if (!isEnded())
-        ForwardingCurl::prefetchDownloads(requests);
+        ForwardingCurl::prefetchDownloads(fitting(requests));
 }
 
 bool CarefulCurl::getURLHeader(const std::string& url, const std::vector<std::string>& headerLines,

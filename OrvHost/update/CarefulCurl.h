@@ -3,6 +3,7 @@
 #include <atomic>
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,8 @@ public:
         std::string indexName;    ///< the file name of the content index
         fileString partialFolder; ///< folder for interrupted downloads; if empty, none are kept
         Retries::Settings retries;
+        /// Bytes that downloads leave free on the disk; the next service may leave more.
+        std::int64_t diskReserve = 0;
     };
 
     /// @param next sends the requests; not owned
@@ -65,6 +68,8 @@ private:
                     std::chrono::milliseconds time);
     bool fetch(const ResumableDownload& request, void* context, ProgressFunction progress,
                std::string& reason, int& errorNumber, Answer& answer);
+    std::vector<DownloadRequest> fitting(const std::vector<DownloadRequest>& requests);
+    std::string problemOfRoom(const ResumableDownload& request);
     void beginBody(const std::string& asked);
     std::string problemOfBody(const std::string& url, const Answer& answer, const fileString& target);
     void noteBody(const std::string& url, const Answer& answer, const std::string& reason, std::int64_t bytes,
@@ -73,6 +78,7 @@ private:
     Settings mSettings;
     Retries mRetries;
     PartialFiles mPartials;
+    std::set<fileString> mAhead; ///< targets that were found to have room, and are being fetched
     mutable std::mutex mMutex;
     ServiceReport mReport;                  ///< guarded by mMutex, like the next one
     std::string mFetched;                   ///< the catalog being downloaded; empty for none

@@ -1,6 +1,10 @@
 // Downloads bodies and compares them with the answers to their header requests.
 #include "OrvHost/update/CarefulCurl.h"
 
+#include <filesystem>
+#include <iterator>
+#include <limits>
+
 #include <QLocale>
 
 #include "OrvHost/history/CatalogAddress.h"
@@ -17,6 +21,8 @@ using Clock = std::chrono::steady_clock;
 constexpr int kRemoveReadOnly = 1;
 /// The transfer library's number for a senseless answer.
 constexpr int kWeirdAnswer = 8;
+/// And for a disk that takes no more.
+constexpr int kWriteError = 23;
 
 std::chrono::milliseconds since(Clock::time_point start)
 {
@@ -44,7 +50,61 @@ std::string grouped(std::int64_t number)
     return QLocale(QLocale::English).toString(static_cast<qlonglong>(number)).toStdString();
 }
 
+/// Rounded up, in units of 1000, as the download service says it.
+std::string sizeText(std::int64_t bytes)
+{
+    const char* const units[] = {" bytes", " KB", " MB", " GB", " TB"};
+    std::size_t unit = 0;
+    for (; bytes >= 1000 && unit + 1 < std::size(units); ++unit)
+        bytes = (bytes + 999) / 1000;
+    return std::to_string(bytes) + units[unit];
+}
+
+/// Bytes that the disk of a file to be made has left; the most there can be when that is not known.
+std::int64_t freeAt(const fileString& target)
+{
+    std::error_code error;
+    const auto space = std::filesystem::space(target.parentPath().toNativeString(), error);
+    constexpr std::uintmax_t kMost = std::numeric_limits<std::int64_t>::max();
+    return static_cast<std::int64_t>(error ? kMost : std::min(space.available, kMost));
+}
+
 } // namespace
+
+/// The downloads that leave the reserve free, all together. The others are refused in their turn, or find
+/// room by then.
+std::vector<Curl::DownloadRequest> CarefulCurl::fitting(const std::vector<DownloadRequest>& requests)
+{
+    mAhead.clear();
+    if (mSettings.diskReserve == 0 || requests.empty())
+        return requests;
+    std::int64_t room = freeAt(requests.front().target) - mSettings.diskReserve;
+    std::vector<DownloadRequest> fitting;
+    for (const DownloadRequest& request : requests) {
+        if (request.size > room)
+            continue;
+        room -= request.size;
+        mAhead.insert(request.target);
+        fitting.push_back(request);
+    }
+    return fitting;
+}
+
+/// @return why the disk takes no more; empty when there is room
+std::string CarefulCurl::problemOfRoom(const ResumableDownload& request)
+{
+    if (mSettings.diskReserve == 0 || mAhead.count(request.target) != 0)
+        return {};
+    const std::lock_guard<std::mutex> lock(mMutex);
+    const std::int64_t there =
+        request.partial.empty() ? 0 : std::max<std::int64_t>(FileUtils::fileSize(request.partial), 0);
+    const std::int64_t needed = reportOf(CatalogAddress::nameIn(request.url)).length.value_or(0) - there;
+    const std::int64_t free = freeAt(request.target);
+    if (needed <= free - mSettings.diskReserve)
+        return {};
+    return "disk full: " + sizeText(needed) + " needed, " + sizeText(free) + " free, " +
+           sizeText(mSettings.diskReserve) + " kept free";
+}
 
 bool CarefulCurl::download_to_location(const std::string& url, const fileString& target,
                                        const std::vector<std::string>& headerLines, void* context,
@@ -60,6 +120,12 @@ bool CarefulCurl::download_to_location(const std::string& url, const fileString&
     ResumableDownload request{url, headerLines, target, {}, mValidators[asked]};
     if (!request.validator.empty() && !mSettings.partialFolder.empty())
         request.partial = mPartials.fileFor(url.substr(0, url.find('?')) + "?" + asked, request.validator);
+    reason = problemOfRoom(request);
+    if (!reason.empty()) {
+        errorNumber = kWriteError;
+        noteBody(url, {}, reason, 0, since(start));
+        return false;
+    }
     beginBody(asked);
     Answer answer;
     WatchedProgress watched{mReceived, context, progress};

@@ -86,6 +86,7 @@ CarefulCurl::Settings CatalogUpdateRun::serviceSettings() const
         settings.indexName =
             application->contentIndexName().stemWithExtension().unicodeString().toUTF8String();
     settings.partialFolder = PartialFiles::defaultFolder();
+    settings.diskReserve = mRequest.diskReserve;
     settings.retries.retries = mRequest.retries;
     settings.retries.firstPause = mRequest.firstPause;
     settings.retries.isCancelled = isThreadCancelled;

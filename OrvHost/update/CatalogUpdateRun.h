@@ -60,6 +60,8 @@ public:
         bool onlyChecks = false;
         /// Whether the run ends after the check while the connection is metered. What is new then waits.
         bool postponesOnMetered = false;
+        /// Bytes that downloads leave free on the disk, at least. The download service always leaves some.
+        std::int64_t diskReserve = 0;
         /// How many replaced versions to keep.
         CatalogHistory::Bounds history = {};
     };

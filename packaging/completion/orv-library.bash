@@ -39,7 +39,7 @@ _orv_library() {
     commands+=" help settings check runs doctor"
     local common="--root --json --progress --trace --help --version"
     local keys="url product productVersion bonus manufacturer manufacturerDataUrl manufacturerLogoUrl proxy"
-    keys+=" certificates retries connections limitRate metered historyVersions historyBytes"
+    keys+=" certificates retries connections limitRate metered diskReserve historyVersions historyBytes"
     # The words before the current one, from the command on, without options and values of the global ones.
     local command="" word before=""
     local -a root=() words=()

@@ -61,11 +61,9 @@ TEST_F(BrowserPreferencesTest, everyFieldIsKeptForTheNextStart)
         {"proxy", "http://127.0.0.1:9"},
         {"certificates", "/etc/ssl/certs"},
     };
-    const std::map<const char*, int> numbers = {{"retries", 1},
-                                                {"connections", 4},
-                                                {"limitRate", 250},
-                                                {"historyVersions", 2},
-                                                {"historyBytes", 1000}};
+    const std::map<const char*, int> numbers = {{"retries", 1},         {"connections", 4},
+                                                {"limitRate", 250},     {"diskReserve", 4000},
+                                                {"historyVersions", 2}, {"historyBytes", 1000}};
     open();
     inDialog([&] { trigger("editPreferences"); },
              [&](QDialog& dialog) {

@@ -46,10 +46,10 @@ TEST_F(Settings, nothingIsSetAtFirstAndDefaultsAreTold)
     const QJsonObject document = settings({}).json();
     EXPECT_EQ(QJsonObject(), document["settings"].toObject());
     const QJsonObject defaults = document["defaults"].toObject();
-    EXPECT_EQ(15, defaults.size());
+    EXPECT_EQ(16, defaults.size());
     EXPECT_EQ("postpone", defaults["metered"].toString());
     EXPECT_EQ(3, defaults["retries"].toInt());
-    EXPECT_EQ(15, defaults["connections"].toInt());
+    EXPECT_EQ(16, defaults["connections"].toInt());
     EXPECT_EQ(QJsonArray(), defaults["bonus"].toArray());
     EXPECT_EQ(document, settings({"list"}).json());
     EXPECT_EQ("3\n", get("retries"));
@@ -102,6 +102,7 @@ TEST_F(Settings, valuesThatCannotBeAreRefused)
         {"set", "retries", "3x"},
         {"set", "limitRate", "1.5"},
         {"set", "metered", "yes"},
+        {"set", "diskReserve", "-1"},
         {"set", "historyVersions", "0"},
         {"set", "historyBytes", "9007199254740992"},
     };

@@ -335,3 +335,17 @@ TEST_F(UpdateTruth, serviceIsToldTheProgramUnlessAnotherOneIsNamed)
     EXPECT_THAT(service.server().requests().back().target,
                 HasSubstr("&product=orv-library&version=" ORVLIBRARY_VERSION_STRING));
 }
+
+TEST_F(UpdateTruth, whatTheSettingsReserveOnTheDiskStaysFree)
+{
+    ASSERT_EQ(0, program.run({"settings", "set", "diskReserve", "9007199254740991"}).status);
+    const test::ProgramResult result = update();
+    EXPECT_EQ(1, result.status);
+    EXPECT_EQ("incomplete", result.json()["outcome"].toString());
+    EXPECT_THAT(result.err,
+                AllOf(HasSubstr("Doors.orvlib: disk full: 9 KB needed"), HasSubstr("9008 TB kept free")));
+    EXPECT_EQ(oldDoors, content("core/Doors.orvlib"));
+    ASSERT_EQ(0, program.run({"settings", "set", "diskReserve", "1"}).status);
+    EXPECT_EQ(0, update().status);
+    EXPECT_NE(oldDoors, content("core/Doors.orvlib"));
+}

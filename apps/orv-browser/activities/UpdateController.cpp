@@ -30,6 +30,7 @@ OrvHost::CatalogUpdateRun::Request requestOf(const OrvHost::Settings::Values& se
     request.access.limitRate = settings.limitRate;
     request.postponesOnMetered = settings.postponesOnMetered;
     request.retries = settings.retries;
+    request.diskReserve = settings.diskReserve;
     request.history.versions = settings.historyVersions;
     request.history.bytes = settings.historyBytes;
     return request;

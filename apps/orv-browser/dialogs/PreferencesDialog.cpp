@@ -33,7 +33,7 @@ PreferencesDialog::PreferencesDialog(const OrvHost::Settings& shared, const Brow
     mPages->setObjectName(QStringLiteral("preferencePages"));
     mPages->addTab(servicePage(), tr("Service"));
     mPages->addTab(networkPage(), tr("Network"));
-    mPages->addTab(historyPage(), tr("History"));
+    mPages->addTab(diskPage(), tr("Disk"));
     mPages->addTab(windowPage(own), tr("This window"));
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel);
     connect(buttons, &QDialogButtonBox::accepted, this, &PreferencesDialog::accept);
@@ -87,7 +87,7 @@ QWidget* PreferencesDialog::networkPage()
     return page;
 }
 
-QWidget* PreferencesDialog::historyPage()
+QWidget* PreferencesDialog::diskPage()
 {
     auto* page = new QWidget;
     auto* layout = new QFormLayout(page);
@@ -96,6 +96,10 @@ QWidget* PreferencesDialog::historyPage()
     QSpinBox* size = mFields.addNumber("historyBytes", 0, kMost, kMegabyte);
     size->setSuffix(tr(" MB"));
     layout->addRow(tr("All of them &together:"), size);
+    QSpinBox* reserve = mFields.addNumber("diskReserve", 0, kMost, kMegabyte);
+    reserve->setSuffix(tr(" MB"));
+    reserve->setSpecialValueText(tr("as usual"));
+    layout->addRow(tr("Leave &free on the disk:"), reserve);
     return page;
 }
 

@@ -30,7 +30,7 @@ public:
 private:
     QWidget* servicePage();
     QWidget* networkPage();
-    QWidget* historyPage();
+    QWidget* diskPage();
     QWidget* windowPage(const BrowserSettings& own);
 
     SettingFields mFields;

@@ -923,8 +923,8 @@
         <translation>Netz</translation>
     </message>
     <message>
-        <source>History</source>
-        <translation>Verlauf</translation>
+        <source>Disk</source>
+        <translation>Platte</translation>
     </message>
     <message>
         <source>This window</source>
@@ -953,6 +953,14 @@
     <message>
         <source>Receive at &amp;most:</source>
         <translation>&amp;Höchstens empfangen:</translation>
+    </message>
+    <message>
+        <source>Leave &amp;free on the disk:</source>
+        <translation>Auf der Platte &amp;frei lassen:</translation>
+    </message>
+    <message>
+        <source>as usual</source>
+        <translation>wie üblich</translation>
     </message>
     <message>
         <source>On a metere&amp;d connection:</source>

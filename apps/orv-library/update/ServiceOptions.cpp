@@ -141,6 +141,7 @@ OrvHost::CatalogUpdateRun::Request ServiceOptions::request() const
     request.retries = mValues.retries;
     request.access = access();
     request.postponesOnMetered = mValues.postponesOnMetered;
+    request.diskReserve = mValues.diskReserve;
     request.history.versions = mValues.historyVersions;
     request.history.bytes = mValues.historyBytes;
     return request;
