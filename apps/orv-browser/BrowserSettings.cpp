@@ -24,13 +24,15 @@ BrowserSettings BrowserSettings::load(const fileString& root)
         return settings;
     const QJsonObject document = QJsonDocument::fromJson(file.readAll()).object();
     settings.checkAtStart = document["checkAtStart"].toBool();
+    settings.checkAgeHours = qBound(0, document["checkAgeHours"].toInt(settings.checkAgeHours), kMostHours);
     settings.colours = document["colours"].toString(settings.colours);
     return settings;
 }
 
 bool BrowserSettings::save(const fileString& root, QString& reason) const
 {
-    const QJsonObject document{{"checkAtStart", checkAtStart}, {"colours", colours}};
+    const QJsonObject document{
+        {"checkAtStart", checkAtStart}, {"checkAgeHours", checkAgeHours}, {"colours", colours}};
     try {
         OrvHost::TextFile::write(fileIn(root), QJsonDocument(document).toJson().toStdString());
         return true;

@@ -8,7 +8,10 @@
 /// `SharedSettings` are those of all programs. Lives on the interface thread.
 struct BrowserSettings
 {
+    static constexpr int kMostHours = 8760; ///< a year
+
     bool checkAtStart = false;
+    int checkAgeHours = 24;                     ///< no check at start while the last one is younger
     QString colours = QStringLiteral("system"); ///< see Appearance
 
     /// What the file says; the defaults where it says nothing or cannot be read.

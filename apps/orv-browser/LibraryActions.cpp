@@ -1,5 +1,7 @@
 #include "apps/orv-browser/LibraryActions.h"
 
+#include <utility>
+
 #include <QFileDialog>
 #include <QMessageBox>
 #include <QUndoStack>
@@ -9,6 +11,7 @@
 #include "apps/orv-browser/Appearance.h"
 #include "apps/orv-browser/activities/ImportCommand.h"
 #include "apps/orv-browser/activities/ImportController.h"
+#include "apps/orv-browser/activities/QuietCheck.h"
 #include "apps/orv-browser/activities/UpdateController.h"
 #include "apps/orv-browser/activities/UpdateSummary.h"
 #include "apps/orv-browser/dialogs/AddressCheck.h"
@@ -24,12 +27,14 @@ LibraryActions::LibraryActions(QMainWindow& window, const fileString& root, QUnd
       mSettings(BrowserSettings::load(root)),
       mShared(root),
       mUpdates(new UpdateController(window, root)),
+      mQuietCheck(new QuietCheck(root, &window)),
       mImports(new ImportController(root, &window))
 {
     Appearance::apply(mSettings.colours);
     connect(mUpdates, &UpdateController::catalogReplaced, this, &LibraryActions::catalogChanged);
     connect(mUpdates, &UpdateController::ended, this, &LibraryActions::updateEnded);
     connect(mUpdates, &UpdateController::refused, this, &LibraryActions::updateRefused);
+    connect(mQuietCheck, &QuietCheck::ended, this, &LibraryActions::quietCheckEnded);
     connect(mImports, &ImportController::imported, this, &LibraryActions::archiveImported);
     connect(mImports, &ImportController::finished, this, &LibraryActions::importsEnded);
     connect(mImports, &ImportController::takenBack, this, &LibraryActions::importTakenBack);
@@ -37,8 +42,18 @@ LibraryActions::LibraryActions(QMainWindow& window, const fileString& root, QUnd
 
 void LibraryActions::start()
 {
-    if (readShared() && mSettings.checkAtStart && !mShared.values().url.empty())
-        checkForUpdates();
+    const bool isWanted = mSettings.checkAtStart && mQuietCheck->isDue(mSettings.checkAgeHours);
+    if (readShared() && isWanted && !mShared.values().url.empty())
+        mQuietCheck->start(mShared.values());
+}
+
+/// Only one of the two can go on at a time.
+void LibraryActions::quietCheckEnded()
+{
+    Q_EMIT checked();
+    const std::optional<bool> wanted = std::exchange(mWanted, std::nullopt);
+    if (wanted)
+        update(*wanted);
 }
 
 bool LibraryActions::readShared()
@@ -55,11 +70,14 @@ void LibraryActions::cancel()
 {
     mImports->cancel();
     mUpdates->cancel();
+    mWanted.reset();
+    mQuietCheck->cancel();
 }
 
 void LibraryActions::stop()
 {
     mUpdates->stop();
+    mQuietCheck->stop();
 }
 
 void LibraryActions::checkForUpdates()
@@ -85,6 +103,11 @@ void LibraryActions::update(bool evenOnMetered)
     const QString problem = AddressCheck::problemOf(QString::fromStdString(asked.url));
     if (!problem.isEmpty()) {
         Q_EMIT said(problem);
+        return;
+    }
+    if (mQuietCheck->isRunning()) {
+        mWanted = evenOnMetered;
+        mQuietCheck->cancel();
         return;
     }
     Curl::forgetFailures(); // the user may have repaired the network

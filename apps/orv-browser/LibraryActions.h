@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include <QMainWindow>
 #include <QObject>
 
@@ -10,6 +12,7 @@
 #include "apps/orv-browser/models/Place.h"
 
 class ImportController;
+class QuietCheck;
 class QUndoStack;
 class UpdateController;
 class UpdateSummary;
@@ -33,7 +36,7 @@ public:
     bool readShared();
     /// What the window works with, as it was read last.
     OrvHost::Settings::Values settings() const { return mShared.values(); }
-    /// Checks for updates when the preferences say so.
+    /// Looks what is new, without a word, when the preferences say so and nobody has looked of late.
     void start();
     /// Cancels whatever is under way, without waiting for it.
     void cancel();
@@ -59,6 +62,8 @@ Q_SIGNALS:
     void catalogChanged(const fileString& database);
     /// Catalogs may have come or gone.
     void foldersChanged();
+    /// It may be known now what waits.
+    void checked();
     void runningChanged(bool isRunning);
     void importingChanged(bool isImporting);
     /// A sentence for people on how something ended; empty for silence.
@@ -66,7 +71,7 @@ Q_SIGNALS:
     void recordsChanged();
 
 private:
-    bool readShared();
+    void quietCheckEnded();
     void update(bool evenOnMetered);
     void updateEnded(const UpdateSummary& summary);
     void updateRefused(const QString& reason);
@@ -80,5 +85,7 @@ private:
     BrowserSettings mSettings; ///< of this window
     SharedSettings mShared;
     UpdateController* mUpdates;
+    QuietCheck* mQuietCheck;
+    std::optional<bool> mWanted; ///< the update that waits for the quiet check: whether on metered, too
     ImportController* mImports;
 };

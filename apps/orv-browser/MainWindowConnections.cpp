@@ -106,6 +106,7 @@ void MainWindow::connectLibrary()
     connect(mLibrary, &LibraryActions::catalogChanged, this, &MainWindow::catalogChanged);
     connect(mLibrary, &LibraryActions::foldersChanged, mContent, &LibraryContent::refresh);
     connect(mLibrary, &LibraryActions::foldersChanged, mNews, &LibraryNews::refresh);
+    connect(mLibrary, &LibraryActions::checked, mNews, &LibraryNews::refresh);
     connect(mLibrary, &LibraryActions::runningChanged, this, &MainWindow::showRunning);
     connect(mLibrary, &LibraryActions::importingChanged, mStatus, &StatusLine::showImporting);
     connect(mLibrary, &LibraryActions::said, mStatus, &StatusLine::say);

@@ -72,12 +72,14 @@ TEST_F(BrowserPreferencesTest, everyFieldIsKeptForTheNextStart)
                  for (const auto& [name, number] : numbers)
                      dialog.findChild<QSpinBox*>(name)->setValue(number);
                  dialog.findChild<QCheckBox*>("checkAtStart")->click();
+                 dialog.findChild<QSpinBox*>("checkAgeHours")->setValue(6);
                  dialog.findChild<QComboBox*>("colours")->setCurrentIndex(2);
                  press(dialog, QDialogButtonBox::Ok);
              });
     close();
     const BrowserSettings kept = BrowserSettings::load(fileString(inRoot("")));
     EXPECT_TRUE(kept.checkAtStart);
+    EXPECT_EQ(kept.checkAgeHours, 6);
     EXPECT_EQ(kept.colours, Appearance::kDark);
     test::writeFile(inRoot("browser.json"), [&] { // no check now
         std::string text = test::readFile(inRoot("browser.json"));

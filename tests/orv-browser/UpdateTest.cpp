@@ -232,16 +232,6 @@ TEST_F(BrowserUpdateTest, damagedCatalogIsNamedAndTheOthersCome)
     EXPECT_EQ(test::readFile(inRoot("bonus/Garden Party.orvlib")), "an old one");
 }
 
-TEST_F(BrowserUpdateTest, preferencesMayAskForACheckAtStart)
-{
-    test::writeFile(inRoot("browser.json"), R"({"checkAtStart": true})");
-    test::writeFile(inRoot("settings.json"), "{\"url\": \"" + service.redirect().toStdString() + "\"}");
-    open();
-    EXPECT_FALSE(check().isEnabled());
-    ASSERT_TRUE(ends());
-    EXPECT_TRUE(summary().startsWith("Updated: "));
-}
-
 TEST_F(BrowserUpdateTest, closedPanelDoesNotEndTheUpdate)
 {
     open(service.redirect());

@@ -11,30 +11,12 @@
 #include "OrvLibrary/IO/ErrorLog.h"
 #include "OrvLibrary/UI/qtLibraryProgressPanel.h"
 #include "apps/orv-browser/activities/UpdateReceiver.h"
+#include "apps/orv-browser/activities/UpdateRequest.h"
 #include "apps/orv-browser/activities/UpdateSummary.h"
 #include "apps/orv-browser/activities/UpdateWatch.h"
 #include "apps/orv-browser/models/Reasons.h"
 
 namespace {
-
-OrvHost::CatalogUpdateRun::Request requestOf(const OrvHost::Settings::Values& settings)
-{
-    OrvHost::CatalogUpdateRun::Request request;
-    request.url = settings.url;
-    request.product = settings.product;
-    request.productVersion = settings.productVersion;
-    request.bonus = settings.bonus;
-    request.manufacturer = settings.manufacturer;
-    request.access.certificates = settings.certificates;
-    request.access.proxy = settings.proxy;
-    request.access.limitRate = settings.limitRate;
-    request.postponesOnMetered = settings.postponesOnMetered;
-    request.retries = settings.retries;
-    request.diskReserve = settings.diskReserve;
-    request.history.versions = settings.historyVersions;
-    request.history.bytes = settings.historyBytes;
-    return request;
-}
 
 std::vector<OrvHost::ErrorLogEntry> logEntries()
 {
@@ -72,7 +54,7 @@ void UpdateController::start(const OrvHost::Settings::Values& settings)
     mLogEntriesBefore = logEntries().size();
     mIsCancelled = false;
     try {
-        mRun = std::make_unique<OrvHost::CatalogUpdateRun>(requestOf(settings));
+        mRun = std::make_unique<OrvHost::CatalogUpdateRun>(UpdateRequest::of(settings));
     } catch (const std::exception& error) {
         Q_EMIT refused(Reasons::text(error.what()));
         return;

@@ -111,6 +111,12 @@ QWidget* PreferencesDialog::windowPage(const BrowserSettings& own)
     mCheckAtStart->setObjectName(QStringLiteral("checkAtStart"));
     mCheckAtStart->setChecked(own.checkAtStart);
     layout->addRow(mCheckAtStart);
+    mCheckAge = new QSpinBox;
+    mCheckAge->setObjectName(QStringLiteral("checkAgeHours"));
+    mCheckAge->setRange(0, BrowserSettings::kMostHours);
+    mCheckAge->setSuffix(tr(" h"));
+    mCheckAge->setValue(own.checkAgeHours);
+    layout->addRow(tr("…if the last check is &older than:"), mCheckAge);
     mColours = new QComboBox;
     mColours->setObjectName(QStringLiteral("colours"));
     mColours->addItem(tr("As the system"), QString(Appearance::kSystem));
@@ -123,7 +129,7 @@ QWidget* PreferencesDialog::windowPage(const BrowserSettings& own)
 
 BrowserSettings PreferencesDialog::own() const
 {
-    return {mCheckAtStart->isChecked(), mColours->currentData().toString()};
+    return {mCheckAtStart->isChecked(), mCheckAge->value(), mColours->currentData().toString()};
 }
 
 void PreferencesDialog::accept()

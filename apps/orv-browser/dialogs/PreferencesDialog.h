@@ -36,5 +36,6 @@ private:
     SettingFields mFields;
     QTabWidget* mPages;
     QCheckBox* mCheckAtStart;
+    QSpinBox* mCheckAge;
     QComboBox* mColours;
 };

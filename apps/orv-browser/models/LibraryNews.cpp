@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -65,6 +66,9 @@ LibraryNews::LibraryNews(fileString root, UserLists& lists, QObject* parent)
     : QObject(parent), mRoot(std::move(root)), mLists(lists), mItems(std::make_shared<const NewItems>())
 {
     mPool.setMaxThreadCount(1);
+    // Another program may check or update at any time. Files there are replaced, which changes the folder.
+    mWatcher.addPath(QFile::decodeName(mRoot.toNativeString().c_str()));
+    connect(&mWatcher, &QFileSystemWatcher::directoryChanged, this, &LibraryNews::refresh);
 }
 
 LibraryNews::~LibraryNews()

@@ -4,6 +4,7 @@
 #include <memory>
 #include <set>
 
+#include <QFileSystemWatcher>
 #include <QObject>
 #include <QThreadPool>
 
@@ -52,5 +53,6 @@ private:
     std::int64_t mLastRun = 0;
     bool mIsReading = false;
     bool mIsStale = false; ///< whether to read again after the reading that is under way
+    QFileSystemWatcher mWatcher;
     QThreadPool mPool;
 };

@@ -963,6 +963,14 @@
         <translation>wie üblich</translation>
     </message>
     <message>
+        <source>…if the last check is &amp;older than:</source>
+        <translation>…wenn die &amp;letzte Suche älter ist als:</translation>
+    </message>
+    <message>
+        <source> h</source>
+        <translation> Std.</translation>
+    </message>
+    <message>
         <source>On a metere&amp;d connection:</source>
         <translation>Bei &amp;getakteter Verbindung:</translation>
     </message>
