@@ -1,8 +1,12 @@
 #include "OrvHost/health/LibraryHealth.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <ctime>
 #include <vector>
 
+#include "OrvHost/health/FileHash_p.h"
+#include "OrvHost/health/FilesProgress_p.h"
 #include "OrvHost/history/CatalogPins.h"
 #include "OrvHost/history/CatalogPlace.h"
 #include "OrvHost/update/CatalogFolders.h"
@@ -21,6 +25,7 @@ namespace OrvHost {
 namespace {
 
 const char* const kFuture = "its time stamp lies in the future";
+const char* const kWrongTag = "its content does not match its SHA-1 tag";
 
 std::string nameOf(const fileString& file)
 {
@@ -50,6 +55,39 @@ CatalogPlace bringerOf(const std::string& archive)
             return catalog;
     }
     return {};
+}
+
+/// A core catalog whose hash line can be compared with its content.
+struct TaggedFile
+{
+    fileString file;
+    std::string tag;
+};
+
+std::vector<TaggedFile> taggedCatalogs()
+{
+    const CatalogFolder core = CatalogFolders::core();
+    std::vector<TaggedFile> catalogs;
+    for (const auto& [name, tag] : HashFile::read(core.folder)) {
+        const fileString file = core.path(fileString(name));
+        if (Sha1Tag::isSha1(tag) && file.extension() == fileString(".orvlib") && file.pathExists())
+            catalogs.push_back({file, tag});
+    }
+    return catalogs;
+}
+
+/// In bytes; 0 for what has no size.
+std::uint64_t sizeOf(const fileString& file)
+{
+    return static_cast<std::uint64_t>(std::max<std::int64_t>(FileUtils::fileSize(file), 0));
+}
+
+/// @param progress may be null
+std::string firstDamage(const fileString& archive, const std::shared_ptr<ProgressSubject>& progress)
+{
+    std::vector<ZipUtils::DamagedMember> damaged;
+    ZipUtils::verify(archive, progress, &damaged);
+    return damaged.empty() ? std::string() : damaged.front().reason;
 }
 
 struct Files
@@ -109,30 +147,8 @@ std::vector<LibraryHealth::Damage> LibraryHealth::leftOvers()
 
 void LibraryHealth::checkCoreCatalogs()
 {
-    const CatalogFolder core = CatalogFolders::core();
-    for (const auto& [name, tag] : HashFile::read(core.folder)) {
-        const fileString file = core.path(fileString(name));
-        if (!Sha1Tag::isSha1(tag) || file.extension() != fileString(".orvlib") || !file.pathExists())
-            continue;
-        ++mChecked;
-        const std::string text = catalogDamage(file, tag);
-        if (!text.empty())
-            mDamages.push_back({name, text, true, {}});
-    }
-}
-
-std::string LibraryHealth::catalogDamage(const fileString& catalog, const std::string& tag)
-{
-    if (!Sha1Tag::isSha1(tag) || Sha1Tag::equal(tag, SHA1::fileContentsToSHA1Hex(catalog)))
-        return {};
-    return "its content does not match its SHA-1 tag";
-}
-
-std::string LibraryHealth::archiveDamage(const fileString& archive)
-{
-    std::vector<ZipUtils::DamagedMember> damaged;
-    ZipUtils::verify(archive, nullptr, &damaged);
-    return damaged.empty() ? std::string() : damaged.front().reason;
+    for (const TaggedFile& catalog : taggedCatalogs())
+        note(catalog.file, catalogDamage(catalog.file, catalog.tag), true);
 }
 
 void LibraryHealth::checkArchives()
@@ -143,13 +159,68 @@ void LibraryHealth::checkArchives()
 
 void LibraryHealth::checkArchivesIn(const fileString& folder, bool areReferenced)
 {
-    for (const fileString& archive : CatalogFolders::filesIn(folder, ZipUtils::getExtension())) {
-        ++mChecked;
-        const std::string text = archiveDamage(archive);
-        const std::string name = nameOf(archive);
-        if (!text.empty())
-            mDamages.push_back({name, text, areReferenced && !bringerOf(name).name.empty(), archive});
+    FilesProgress nobody(nullptr, 0);
+    checkArchivesIn(folder, areReferenced, nobody);
+}
+
+void LibraryHealth::checkAll(const std::shared_ptr<ProgressSubject>& progress)
+{
+    const fileString referenced = PathUtils::getObject().getProprietaryLibraryReferencedFilesPath();
+    const fileString textures = PathUtils::getObject().getUserTexturePath();
+    std::uint64_t bytes = 0;
+    for (const TaggedFile& catalog : taggedCatalogs())
+        bytes += sizeOf(catalog.file);
+    for (const fileString& folder : {referenced, textures})
+        for (const fileString& archive : CatalogFolders::filesIn(folder, ZipUtils::getExtension()))
+            bytes += sizeOf(archive);
+    FilesProgress files(progress, bytes);
+    checkCoreCatalogs(files);
+    checkArchivesIn(referenced, true, files);
+    checkArchivesIn(textures, false, files);
+}
+
+void LibraryHealth::checkCoreCatalogs(FilesProgress& progress)
+{
+    for (const TaggedFile& catalog : taggedCatalogs()) {
+        progress.begin(nameOf(catalog.file), sizeOf(catalog.file));
+        const bool isSound = Sha1Tag::equal(catalog.tag, FileHash::sha1Hex(catalog.file, progress));
+        progress.end();
+        note(catalog.file, isSound ? "" : kWrongTag, true);
     }
+}
+
+void LibraryHealth::checkArchivesIn(const fileString& folder, bool areReferenced, FilesProgress& progress)
+{
+    // The reader wants a shared object; this one lives longer.
+    const std::shared_ptr<ProgressSubject> shared(std::shared_ptr<ProgressSubject>(), &progress);
+    for (const fileString& archive : CatalogFolders::filesIn(folder, ZipUtils::getExtension())) {
+        const std::string name = nameOf(archive);
+        progress.begin(name, sizeOf(archive));
+        const std::string text = firstDamage(archive, shared);
+        progress.end();
+        note(archive, text, areReferenced && !text.empty() && !bringerOf(name).name.empty());
+    }
+}
+
+/// One more file was compared; an empty text is a sound one.
+void LibraryHealth::note(const fileString& file, const std::string& text, bool isListed)
+{
+    ++mChecked;
+    const bool isArchive = file.extension() == ZipUtils::getExtension();
+    if (!text.empty())
+        mDamages.push_back({nameOf(file), text, isListed, isArchive ? file : fileString()});
+}
+
+std::string LibraryHealth::catalogDamage(const fileString& catalog, const std::string& tag)
+{
+    if (!Sha1Tag::isSha1(tag) || Sha1Tag::equal(tag, SHA1::fileContentsToSHA1Hex(catalog)))
+        return {};
+    return kWrongTag;
+}
+
+std::string LibraryHealth::archiveDamage(const fileString& archive)
+{
+    return firstDamage(archive, nullptr);
 }
 
 bool LibraryHealth::forget(const std::string& name)

@@ -1,13 +1,17 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "OrvHost/OrvHostExport.h"
+#include "OrvLibrary/host/ProgressSubject.h"
 #include "OrvLibrary/host/fileString.h"
 
 namespace OrvHost {
+
+class FilesProgress;
 
 /// Checks what is installed: whether catalogs match their tags, whether archives are sound, and whether a
 /// time is in the future. It reads the folders of the installed path service. Only `forget` changes
@@ -29,6 +33,11 @@ public:
     void checkCoreCatalogs();
     /// Reads every member of the archives of referenced files and of textures.
     void checkArchives();
+    /// Does both.
+    /// @param progress may be null; told the name of each file and the bytes of all on the disk, and asked
+    /// for a cancel after every 8 MB at the latest. A label, "checking", and the total come from 8 MB on
+    /// @throws ZipUtils::Cancelled; what was found until then stays
+    void checkAll(const std::shared_ptr<ProgressSubject>& progress);
 
     /// The problem of a core catalog that has this tag in the hash file. Empty if it is sound, or if the tag
     /// is not a SHA-1.
@@ -56,6 +65,9 @@ public:
 
 private:
     void checkArchivesIn(const fileString& folder, bool areReferenced);
+    void checkCoreCatalogs(FilesProgress& progress);
+    void note(const fileString& file, const std::string& text, bool isListed);
+    void checkArchivesIn(const fileString& folder, bool areReferenced, FilesProgress& progress);
 
     std::size_t mChecked = 0;
     std::vector<Damage> mDamages;

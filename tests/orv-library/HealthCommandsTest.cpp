@@ -1,4 +1,5 @@
 // `status` and `verify`: what they say of a library that is sound, and of one that is not.
+#include <csignal>
 #include <filesystem>
 
 #include <QCryptographicHash>
@@ -8,6 +9,7 @@
 #include "OrvHost/update/CheckHistory.h"
 #include "apps/catalog-service/ZipWriter.h"
 #include "tests/orv-library/Program.h"
+#include "tests/support/ArchiveBuilder.h"
 #include "tests/support/ArchiveReader.h"
 
 using testing::ElementsAre;
@@ -71,6 +73,18 @@ protected:
         ASSERT_EQ(1, list.size());
         EXPECT_EQ(catalog, list[0].toObject()["catalog"].toString().toStdString());
         EXPECT_THAT(list[0].toObject()["text"].toString().toStdString(), HasSubstr(part));
+    }
+
+    /// An archive of 20 MB under as many names.
+    void writeLargeArchives(int count) const
+    {
+        {
+            ZipWriter archive(path("textures/0.zip"));
+            archive.add("Oak.jpg", test::sampleBytes(20000000, 1));
+            archive.close();
+        }
+        for (int i = 1; i < count; ++i)
+            fs::create_hard_link(path("textures/0.zip"), path("textures/" + std::to_string(i) + ".zip"));
     }
 
     test::Program mProgram;
@@ -223,4 +237,50 @@ TEST_F(HealthCommands, repairKeepsTheSoundFilesOfAnArchiveThatNoUpdateBrings)
     ASSERT_EQ(1U, sound.size());
     EXPECT_EQ("Elm.png", sound[0].first);
     EXPECT_EQ(0, mProgram.run({"verify"}).status);
+}
+
+TEST_F(HealthCommands, verifyShowsHowFarItIs)
+{
+    writeArchive("textures/Small.zip");
+    EXPECT_EQ(mProgram.run({"--progress", "plain", "verify"}).err, "") << "nobody could read it in time";
+    writeLargeArchives(2);
+    EXPECT_EQ(mProgram.run({"--progress", "plain", "verify"}).err.substr(0, 9), "checking\n");
+    const test::ProgramResult result = mProgram.run({"--progress", "bar", "verify"});
+    EXPECT_THAT(result.err, HasSubstr("] checking"));
+    EXPECT_THAT(result.err, HasSubstr("[####################] 40 of 40 MB"));
+    EXPECT_THAT(result.err, testing::EndsWith("\r\033[K")) << "the bar goes from the line";
+    EXPECT_EQ(mProgram.run({"--progress", "none", "verify"}).err, "");
+}
+
+TEST_F(HealthCommands, verifyHearsAnInterrupt)
+{
+    writeLargeArchives(400); // 8 GB to read
+    const auto process = mProgram.start({"--json", "--progress", "plain", "verify", "--repair"});
+    process->setReadChannel(QProcess::StandardError);
+    ASSERT_TRUE(process->waitForReadyRead(10000)) << "it says that it checks";
+    ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+    const test::ProgramResult result = test::Program::finish(*process);
+    EXPECT_EQ(result.status, 130) << result.err;
+    EXPECT_EQ(result.json()["error"].toString(), "interrupted");
+    EXPECT_LT(result.json()["checked"].toInt(), 400);
+    EXPECT_THAT(result.err, testing::EndsWith("interrupted\n"));
+}
+
+TEST_F(HealthCommands, interruptedRepairLeavesTheArchiveAsItWas)
+{
+    writeLargeArchives(1);
+    damage("textures/0.zip");
+    const std::string damaged = test::readFile(path("textures/0.zip"));
+    const auto process = mProgram.start({"--json", "--progress", "plain", "verify", "--repair"});
+    process->setReadChannel(QProcess::StandardError);
+    while (process->waitForReadyRead(10000) && !process->peek(1000).contains("repairing"))
+        continue;
+    ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+    const test::ProgramResult result = test::Program::finish(*process);
+    // An interrupt after the result ends the program with 130 as well.
+    const bool isDone = result.json()["repaired"].toArray().size() == 1;
+    EXPECT_TRUE(result.status == 130 || (isDone && result.status == 0)) << result.status << result.err;
+    EXPECT_EQ(fs::exists(path("textures/0.zip.damaged")), isDone);
+    EXPECT_EQ(test::readFile(path("textures/0.zip")) == damaged, !isDone);
+    EXPECT_EQ(test::listTree(path("textures")).size(), isDone ? 2U : 1U);
 }

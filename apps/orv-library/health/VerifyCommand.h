@@ -13,7 +13,7 @@ public:
 
 private:
     ExitStatus run(Session& session) const;
-    static bool repair(Session& session, const OrvHost::LibraryHealth::Damage& damage);
+    static bool check(Session& session, OrvHost::LibraryHealth& health);
 
     bool mRepair = false;
 };
