@@ -1,6 +1,6 @@
 // How a member becomes a file: the file is written beside its target by a `ReplacementFile`. The walk's
 // thread inflates a small member into memory and writes it. A large member gets its own thread. This thread
-// reserves the space on the disk and inflates directly into the mapped file, so that no write can fail later.
+// inflates directly into the mapped file (`MappedFile`), whose space on the disk is reserved.
 // If the file system cannot do this, or if the member is over 256 MB, the thread inflates it in pieces of a
 // megabyte. The walk's thread reports the progress, and syncs the file at the end, 8 MB at a time.
 #include "OrvLibrary/host/impl/zip/ZipExtraction_p.h"
@@ -13,9 +13,9 @@
 #include <system_error>
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
+#include "OrvLibrary/host/impl/zip/ZipMappedFile_p.h"
 #include "OrvLibrary/host/impl/zip/ZipMember_p.h"
 #include "OrvLibrary/host/impl/zip/ZipWholeInflater_p.h"
 
@@ -33,37 +33,6 @@ struct Stopped
     const std::error_code code(reason, std::generic_category());
     throw std::ios_base::failure(target.toNativeString(), code);
 }
-
-/// A file mapped into memory, with its space on the disk reserved.
-class MappedFile
-{
-public:
-    /// @throws std::ios_base::failure if the disk is full
-    MappedFile(const fileString& target, int file, std::size_t size) : mSize(size)
-    {
-        if (fallocate(file, 0, 0, static_cast<off_t>(size)) != 0) {
-            if (errno == ENOSPC || errno == EDQUOT || errno == EFBIG)
-                failWith(target, errno);
-            return;
-        }
-        void* pages = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
-        mPages = pages == MAP_FAILED ? nullptr : static_cast<unsigned char*>(pages);
-    }
-    ~MappedFile()
-    {
-        if (mPages)
-            munmap(mPages, mSize);
-    }
-    MappedFile(const MappedFile&) = delete;
-    MappedFile& operator=(const MappedFile&) = delete;
-
-    /// Null if the file system does not support it.
-    unsigned char* pages() const { return mPages; }
-
-private:
-    std::size_t mSize;
-    unsigned char* mPages = nullptr;
-};
 
 } // namespace
 
@@ -167,7 +136,9 @@ void ZipExtraction::extractSmall(const Piece& onPiece)
 /// @return false if the file cannot be mapped
 bool ZipExtraction::extractMapped(const Piece& onPiece)
 {
-    const MappedFile mapped(mTarget, mFile->descriptor(), mEntry->size);
+    const MappedFile mapped(mFile->descriptor(), mEntry->size);
+    if (mapped.refusal() != 0)
+        failWith(mTarget, mapped.refusal());
     if (!mapped.pages())
         return false;
     WholeInflater().read(*mSource, *mEntry, mapped.pages());
