@@ -4,8 +4,10 @@
 #include <cstring>
 #include <exception>
 #include <memory>
+#include <string>
 
 #include "OrvLibrary/IO/LibraryImport.h"
+#include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/ZipUtils.h"
 
 namespace {
@@ -25,6 +27,15 @@ bool merge(const fileString& extracted, const fileString& destination)
     return LibraryImport::moveArchivedTextures(extracted, destination, std::make_shared<NoProgress>());
 }
 
+/// Unpacks a library to temporary files, which are removed.
+bool unpack(const fileString& source, const std::shared_ptr<ProgressSubject>& progress)
+{
+    const LibraryImport::UnpackResult result = LibraryImport::unpack(source, true, progress);
+    const FileReaper library(result.first.second);
+    const FileReaper textures(result.second.second);
+    return result.first.first && result.second.first;
+}
+
 /// Copies every member into another archive.
 bool copy(const fileString& source, const fileString& target)
 {
@@ -41,12 +52,19 @@ bool copy(const fileString& source, const fileString& target)
 int main(int argc, char** argv)
 {
     if (argc != 4) {
-        std::fprintf(stderr, "usage: bench_import merge EXTRACTED DESTINATION | copy SOURCE TARGET\n");
+        std::fprintf(stderr, "usage: bench_import merge EXTRACTED DESTINATION | copy SOURCE TARGET |"
+                             " unpack SOURCE asked | unpack SOURCE unasked\n");
         return 2;
     }
     try {
-        const bool isMerge = std::strcmp(argv[1], "merge") == 0;
-        return (isMerge ? merge : copy)(fileString(argv[2]), fileString(argv[3])) ? 0 : 1;
+        const std::string mode = argv[1];
+        const fileString first(argv[2]);
+        if (mode == "merge")
+            return merge(first, fileString(argv[3])) ? 0 : 1;
+        if (mode == "copy")
+            return copy(first, fileString(argv[3])) ? 0 : 1;
+        const bool isAsked = std::strcmp(argv[3], "asked") == 0;
+        return unpack(first, isAsked ? std::make_shared<NoProgress>() : nullptr) ? 0 : 1;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "%s\n", error.what());
         return 1;
