@@ -1,5 +1,10 @@
 #include "tests/orv-browser/EventWatch.h"
 
+#include <cstdlib>
+
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace test {
 
 namespace {
@@ -21,6 +26,18 @@ EventWatch::~EventWatch()
 EventWatch* EventWatch::current()
 {
     return gCurrent;
+}
+
+double EventWatch::waitForProcessor()
+{
+    static const thread_local int file = open("/proc/thread-self/schedstat", O_RDONLY | O_CLOEXEC);
+    char text[100] = "";
+    if (pread(file, text, sizeof text - 1, 0) <= 0)
+        return 0;
+    // The time of running, then that of waiting, in nanoseconds.
+    char* waited = nullptr;
+    std::strtoll(text, &waited, 10);
+    return static_cast<double>(std::strtoll(waited, nullptr, 10)) / 1e6;
 }
 
 void EventWatch::note(double milliseconds, const std::string& name)

@@ -29,8 +29,9 @@ protected:
     /// status or a check says is the command line's.
     static QStringList textsOfTheHost()
     {
-        const QStringList others{"health/Doctor",       "health/LibraryHealth", "health/SupportReport",
-                                 "update/CheckOutcome", "update/RunRecords",    "ConsoleMessages"};
+        const QStringList others{"health/Doctor",        "health/CertificateAdvice", "health/LibraryHealth",
+                                 "health/SupportReport", "update/CheckOutcome",      "update/RunRecords",
+                                 "ConsoleMessages"};
         const QRegularExpression quoted(R"("((?:[^"\\]|\\.)*)\")");
         QStringList texts;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(ORV_HOST_SOURCES)) {

@@ -24,12 +24,15 @@ public:
         const std::string name =
             std::string(receiver->metaObject()->className()) + ", event " + std::to_string(event->type());
         ++mDepth;
+        const double waitedBefore = EventWatch::waitForProcessor();
         QElapsedTimer timer;
         timer.start();
         const bool result = QApplication::notify(receiver, event);
         --mDepth;
         if (auto* watch = EventWatch::current())
-            watch->note(static_cast<double>(timer.nsecsElapsed()) / 1e6, name);
+            watch->note(static_cast<double>(timer.nsecsElapsed()) / 1e6 -
+                            (EventWatch::waitForProcessor() - waitedBefore),
+                        name);
         return result;
     }
 

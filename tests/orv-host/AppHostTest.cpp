@@ -1,10 +1,13 @@
 #include "OrvHost/AppHost.h"
 
+#include <QLocale>
+
 #include <gmock/gmock.h>
 
 #include "OrvLibrary/host/Application.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/PreferenceEngine.h"
+#include "OrvLibrary/host/StringUtils.h"
 #include "tests/orv-host/HostedTest.h"
 
 using AppHostTest = test::HostedTest;
@@ -23,6 +26,19 @@ TEST(AppHost, servicesAreInstalledForItsLifeOnly)
     }
     EXPECT_EQ(nullptr, gApp.load());
     EXPECT_EQ(formerPaths, &PathUtils::getObject());
+}
+
+TEST(AppHost, textsAreInTheUsersLanguageForItsLife)
+{
+    const test::TempFolder folder;
+    const QLocale former;
+    QLocale::setDefault(QLocale(QLocale::German, QLocale::Germany));
+    {
+        const OrvHost::AppHost host({folder.file("root")});
+        EXPECT_EQ("Kein Filter", StringUtils::loadString(8930));
+    }
+    EXPECT_EQ("No Filter", StringUtils::loadString(8930));
+    QLocale::setDefault(former);
 }
 
 TEST_F(AppHostTest, preferencesAreKeptInTheRoot)

@@ -2,6 +2,7 @@
 #include "OrvHost/imports/ArchiveImport.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <map>
 
 #include <gmock/gmock.h>
@@ -45,6 +46,22 @@ protected:
         return found;
     }
 
+    /// Leaves the record of the last import as a process that died in the middle leaves it.
+    void setLastState(const std::string& state) const
+    {
+        const std::string path = host.root().toNativeString() + "former-imports/imports.json";
+        std::string record = test::readFile(path);
+        record.replace(record.rfind("\"done\""), 6, "\"" + state + "\"");
+        test::writeFile(path, record);
+    }
+    /// Puts the former library back in its place, from where the last import kept it.
+    void putLibraryBack(int import) const
+    {
+        const std::string root = host.root().toNativeString();
+        std::filesystem::rename(root + "former-imports/" + std::to_string(import) + ".library",
+                                root + "user/Kitchen.orvlib");
+    }
+
     std::shared_ptr<test::RecordingProgress> mProgress = std::make_shared<test::RecordingProgress>();
 };
 
@@ -84,6 +101,20 @@ TEST_F(ArchiveImportTest, stepsAreToldOnceEachInOrder)
             steps.push_back(call);
     EXPECT_THAT(
         steps, testing::ElementsAre("labels reading | ", "labels checking | ", "labels putting in place | "));
+}
+
+TEST_F(ArchiveImportTest, workIsAnnouncedAndToldToItsEnd)
+{
+    import(writeKitchen("1"));
+    mProgress = std::make_shared<test::RecordingProgress>();
+    import(writeKitchen("2"));
+    std::uint64_t total = 0;
+    for (const std::string& call : mProgress->calls()) {
+        if (call.rfind("total ", 0) == 0)
+            total += std::stoull(call.substr(6));
+    }
+    EXPECT_GT(total, 0U);
+    EXPECT_EQ(mProgress->sumOfBytes(), total);
 }
 
 TEST_F(ArchiveImportTest, planForetellsWhatTheImportSays)
@@ -141,12 +172,73 @@ TEST_F(ArchiveImportTest, undoOffersTheLastImportAndTakesItBack)
     EXPECT_THROW(undo.run(), std::runtime_error);
 }
 
+TEST_F(ArchiveImportTest, anImportThatDiedBehindItsLastStepCounts)
+{
+    import(writeKitchen("1"));
+    const auto before = files();
+    import(writeKitchen("2"));
+    const auto after = files();
+    setLastState("begun");
+    EXPECT_TRUE(ImportUndo(host.root()).last());
+    import(writeKitchen("3"));
+    ImportUndo(host.root()).run();
+    EXPECT_EQ(files(), after);
+    ImportUndo(host.root()).run();
+    EXPECT_EQ(files(), before);
+}
+
+TEST_F(ArchiveImportTest, anImportThatDiedBeforeItsLastStepIsTakenBack)
+{
+    import(writeKitchen("1"));
+    const auto before = files();
+    import(writeKitchen("2"));
+    setLastState("begun");
+    putLibraryBack(2);
+    EXPECT_NE(files(), before) << "the textures are those of the second one";
+    const auto offered = ImportUndo(host.root()).last();
+    ASSERT_TRUE(offered) << "the first one";
+    ImportUndo(host.root()).run();
+    EXPECT_TRUE(files().empty());
+    EXPECT_FALSE(ImportUndo(host.root()).last());
+}
+
+TEST_F(ArchiveImportTest, theNextImportTakesBackOneThatDied)
+{
+    import(writeKitchen("1"));
+    const auto before = files();
+    import(writeKitchen("2"));
+    setLastState("begun");
+    putLibraryBack(2);
+    ASSERT_EQ(import(writeKitchen("3")).error, "");
+    ImportUndo(host.root()).run();
+    EXPECT_EQ(files(), before);
+}
+
+TEST_F(ArchiveImportTest, anUndoThatDiedIsEndedByTheNextOneAndToldOnce)
+{
+    import(writeKitchen("1"));
+    const auto before = files();
+    const ArchiveImport::Result second = import(writeKitchen("2"));
+    setLastState("undoing");
+    putLibraryBack(2);
+    EXPECT_TRUE(ImportUndo(host.root()).last()) << "the first one";
+    EXPECT_EQ(ImportUndo(host.root()).run().library, second.library);
+    EXPECT_EQ(files(), before) << "the first one was not taken back, too";
+}
+
 TEST_F(ArchiveImportTest, recordThatCannotBeReadStopsNoImport)
 {
     import(writeKitchen("1"));
     const std::string record = host.root().toNativeString() + "former-imports/imports.json";
     for (const char* text :
          {"", "no record", "{\"imports\":[{\"number\":1,\"name\":\"../x\",\"state\":\"done\"}]}",
+          "{\"imports\":[{\"number\":0,\"name\":\"x\",\"state\":\"done\"}]}",
+          "{\"imports\":[{\"number\":1,\"name\":\"\",\"state\":\"done\"}]}",
+          "{\"imports\":[{\"number\":1,\"name\":\".\",\"state\":\"done\"}]}",
+          "{\"imports\":[{\"number\":1,\"name\":\"..\",\"state\":\"done\"}]}",
+          "{\"imports\":[{\"number\":1,\"name\":\"x%00\",\"state\":\"done\"}]}",
+          "{\"imports\":[{\"number\":1,\"name\":\"x\",\"state\":\"over\"}]}",
+          "{\"imports\":[{\"number\":1,\"name\":\"x\",\"state\":\"done\",\"files\":[{\"file\":\"other\"}]}]}",
           "{\"imports\":[{\"number\":1,\"name\":\"x\",\"state\":\"done\",\"files\":"
           "[{\"file\":\"library/../../x\"}]}]}"}) {
         test::writeFile(record, text);

@@ -37,6 +37,7 @@ public:
     std::deque<Step> steps;
     std::vector<std::string> asked;
     std::vector<ResumableDownload> resumed;
+    std::vector<std::string> announced; ///< "2 headers" and so on
 
     bool downloadable(const std::string&) override { return true; }
     fileString download(const std::string&) override { return {}; }
@@ -80,6 +81,14 @@ public:
         return take(url).answer.status == 0 ? std::string() : "http://service.example/c?";
     }
     Answer lastAnswer() override { return mLast; }
+    void prefetchHeaders(const std::vector<HeaderRequest>& requests) override
+    {
+        announced.push_back(std::to_string(requests.size()) + " headers");
+    }
+    void prefetchDownloads(const std::vector<DownloadRequest>& requests) override
+    {
+        announced.push_back(std::to_string(requests.size()) + " downloads");
+    }
 
 private:
     Step take(const std::string& url)
@@ -206,6 +215,23 @@ TEST_F(CarefulCurlTest, webPageEndsAllRequests)
     EXPECT_EQ("", curl.urlAfterRedirects(kRedirect));
     EXPECT_EQ(curl.report().verdict, curl.lastAnswer().reason);
     EXPECT_THAT(script.asked, SizeIs(1));
+}
+
+TEST_F(CarefulCurlTest, nothingIsAnnouncedBehindAWebPageAndWhatWasIsDropped)
+{
+    CarefulCurl curl = careful();
+    const auto announce = [&curl] {
+        curl.prefetchHeaders({{kHeaderUrl, {}}});
+        curl.prefetchDownloads({{kHeaderUrl, {}, fileString("a"), 1}});
+    };
+    announce();
+    EXPECT_THAT(script.announced, testing::ElementsAre("1 headers", "1 downloads"));
+    script.announced.clear();
+    script.steps = {{{200, kPage, "", ""}}};
+    EXPECT_FALSE(askHeader(curl));
+    EXPECT_THAT(script.announced, testing::ElementsAre("0 headers", "0 downloads"));
+    announce();
+    EXPECT_THAT(script.announced, SizeIs(2));
 }
 
 TEST_F(CarefulCurlTest, indexHasItsNamesAndMarkupIsNone)

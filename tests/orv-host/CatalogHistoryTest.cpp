@@ -62,6 +62,15 @@ TEST_F(CatalogHistoryTest, formerVersionsAreListedNewestFirst)
     EXPECT_LT(found[1].replaced, found[0].replaced);
 }
 
+TEST_F(CatalogHistoryTest, otherUsersMayReadWhatIsKeptAsTheyMayTheCatalogs)
+{
+    replace(kDoors, "", "one");
+    replace(kDoors, "1", "two");
+    for (const fileString& kept : {CatalogHistory::folder(), CatalogHistory::folderOf(kDoors)})
+        EXPECT_EQ(fs::status(folder.path() + "/root/core").permissions(),
+                  fs::status(kept.toNativeString()).permissions());
+}
+
 TEST_F(CatalogHistoryTest, aVersionWithoutATagIsToldByItsContents)
 {
     replace(kDoors, "", "hello");
@@ -187,6 +196,9 @@ TEST_F(CatalogHistoryTest, aCatalogTakesAlongTheArchiveThatItsSuccessorReplaces)
     replace(kGarden, "2", "catalog 3");
     CatalogHistory({1, 1 << 20}).settle();
     EXPECT_THAT(files(kGarden), SizeIs(2)) << "the companion goes with its version";
+    replace(kGarden, "3", "catalog 4");
+    CatalogHistory({3, 1}).settle();
+    EXPECT_THAT(files(kGarden), SizeIs(2)) << "also where there is too much in all";
 }
 
 TEST_F(CatalogHistoryTest, aCatalogIsNotKeptWithAnArchiveThatMayBeAnotherVersions)

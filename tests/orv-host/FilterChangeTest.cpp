@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include "OrvHost/update/HostLock.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "tests/orv-host/HostedTest.h"
 
@@ -116,6 +117,32 @@ TEST_F(FilterChangeTest, keepsACopyOfAFileThatIsReadInPartOnly)
     const fileString copy = change.save();
     EXPECT_EQ(test::readFile(copy), halfMalformed);
     EXPECT_THAT(names(), ElementsAre("B"));
+}
+
+TEST_F(FilterChangeTest, keepsOthersOutOfBothFoldersUntilItsEnd)
+{
+    const auto isFree = [](const fileString& path) {
+        try {
+            OrvHost::HostLock::ofChange(path, "filters", std::chrono::milliseconds(1));
+            return true;
+        } catch (const std::runtime_error&) {
+            return false;
+        }
+    };
+    const fileString own = folder.file("root/core"), other = folder.file("other");
+    folder.write("other/catalog_filters.json", "{}");
+    {
+        const FilterChange change;
+        EXPECT_FALSE(isFree(own));
+        EXPECT_TRUE(isFree(other));
+    }
+    {
+        const FilterChange change(other / fileString("catalog_filters.json"));
+        EXPECT_FALSE(isFree(own));
+        EXPECT_FALSE(isFree(other));
+    }
+    EXPECT_TRUE(isFree(own));
+    EXPECT_TRUE(isFree(other));
 }
 
 TEST_F(FilterChangeTest, anIdThatNoFilterHasIsNoFilterInForce)

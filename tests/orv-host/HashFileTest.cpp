@@ -71,6 +71,21 @@ TEST_F(HashFileTest, allLinesOfANameAreRemovedAndNoOthers)
     EXPECT_EQ(content(), "stray\na.orvlib:3:4\n\naa.orvlib:6\n");
 }
 
+TEST_F(HashFileTest, aLineIsSetAtItsPlaceAndEveryOtherOfItsNameGoes)
+{
+    const auto set = [this](const std::string& name, const std::string& hash) {
+        OrvHost::HashFile::set(fileString(folder.path()), name, hash);
+    };
+    set("b.orvlib", "1");
+    EXPECT_EQ(content(), "b.orvlib:1\n");
+    set("a.orvlib", "2");
+    set("c.orvlib", "3");
+    EXPECT_EQ(content(), "a.orvlib:2\nb.orvlib:1\nc.orvlib:3\n");
+    write("stray\na.orvlib:2\nb.orvlib:1\n:b.orvlib:4\nd.orvlib:5\n\ne.orvlib:6\n");
+    set("b.orvlib", "9");
+    EXPECT_EQ(content(), "stray\na.orvlib:2\nb.orvlib:9\nd.orvlib:5\n") << "a blank line ends the file";
+}
+
 TEST_F(HashFileTest, aNameWithoutALineLeavesTheFileAlone)
 {
     write("a.orvlib:1\nstray");

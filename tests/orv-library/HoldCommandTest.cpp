@@ -132,6 +132,22 @@ TEST_F(Hold, heldArchivesAndBonusCatalogsStayToo)
     EXPECT_NE(files, content("referenced/Garden.zip"));
 }
 
+TEST_F(Hold, whatIsNoDatabaseDoesNotWaitAndNothingOfItIsLeft)
+{
+    service.offer("Garden.orvlibz", test::packed(std::string(3000, '1'), "x"));
+    updateTo('a');
+    update({"--bonus", "Garden.orvlib"});
+    held({"hold", "Garden.orvlib"});
+    service.offer("Garden.orvlibz", test::packed("<html>sign in</html>", "y"));
+    const test::ProgramResult result = program.run(
+        {"--json", "update", "--url", service.redirect(), "--product", "Orv", "--product-version", "7"});
+    EXPECT_EQ(1, result.status);
+    EXPECT_THAT(result.err, HasSubstr("the new file is no database"));
+    EXPECT_THAT(versions("Garden.orvlib"), testing::IsEmpty());
+    EXPECT_THAT(test::listTree(program.root() + "/temp"), testing::IsEmpty());
+    EXPECT_EQ(std::string(3000, '1'), content("bonus/Garden.orvlib"));
+}
+
 TEST_F(Hold, aDamagedHeldCatalogComesAnew)
 {
     updateTo('a');

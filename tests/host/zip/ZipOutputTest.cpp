@@ -25,6 +25,20 @@ TEST(ZipOutput, aSourceThatWasCutMeanwhileIsNamedAndNothingIsLeft)
     EXPECT_EQ(test::listTree(folder.path()), std::vector<std::string>{"source.zip"});
 }
 
+TEST(ZipOutput, oneByteIsCopiedToo)
+{
+    const test::TempFolder folder;
+    const fileString source = folder.write("source.zip", "ab");
+    const host::FileHandle file = host::openFile(source.toNativeString(), O_RDONLY);
+    ZipUtils::ZipMeter meter(nullptr);
+    ZipUtils::ZipPatience patience(meter);
+    ZipUtils::ZipOutput output(folder.file("target.zip"), patience, meter);
+    output.appendRange(file.get(), 1, 1, source);
+    output.flush();
+    output.publish();
+    EXPECT_EQ(test::readFile(folder.file("target.zip")), "b");
+}
+
 TEST(ZipOutput, aSourceThatCannotBeReadIsToldWithTheSystemsReason)
 {
     const test::TempFolder folder;
