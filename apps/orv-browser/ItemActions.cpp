@@ -7,8 +7,6 @@
 
 #include "OrvLibrary/Utility/Chooser.h"
 #include "apps/orv-browser/gallery/GalleryModel.h"
-#include "apps/orv-browser/models/Background.h"
-#include "apps/orv-browser/models/CatalogDatabase.h"
 
 namespace {
 
@@ -41,50 +39,12 @@ private:
     bool mAreFavourites;
 };
 
-/// A copy that was made; to make it again after it was undone copies anew.
-class ItemActions::Copy : public QUndoCommand
-{
-public:
-    Copy(ItemActions& actions, fileString database, std::vector<long long> items)
-        : QUndoCommand(ItemActions::tr("Copy")),
-          mActions(actions),
-          mDatabase(std::move(database)),
-          mItems(std::move(items))
-    {
-    }
-
-    void redo() override {} // it is done before it comes onto the stack
-    void undo() override
-    {
-        mActions.undoCopy(mDatabase, mItems);
-        setObsolete(true);
-    }
-
-private:
-    ItemActions& mActions;
-    fileString mDatabase;
-    std::vector<long long> mItems;
-};
-
-/// What became of a copying.
-struct ItemActions::Copied
-{
-    std::vector<long long> items; ///< ids of the copies
-    QString problem;              ///< why not all were copied
-};
-
 ItemActions::ItemActions(const GalleryModel& model, UserLists& lists, QObject* parent)
     : QObject(parent), mModel(model), mLists(lists)
 {
-    mPool.setMaxThreadCount(1);
     mLook.setSingleShot(true);
     mLook.setInterval(kLookMilliseconds);
     connect(&mLook, &QTimer::timeout, this, [this] { noteRecent(mLooked); });
-}
-
-ItemActions::~ItemActions()
-{
-    mPool.waitForDone();
 }
 
 void ItemActions::choose(const std::vector<int>& rows)
@@ -131,47 +91,4 @@ void ItemActions::setFavourites(const std::vector<int>& rows, bool areFavourites
 void ItemActions::toggleFavourites(const std::vector<int>& rows)
 {
     setFavourites(rows, !areFavourites(rows));
-}
-
-void ItemActions::copy(const std::vector<ItemDrag::Item>& items, const Place& target)
-{
-    const QString name = QString::fromStdString(target.database.stem().toNativeString());
-    Background::run(
-        mPool, this,
-        [items, target] {
-            Copied copied;
-            try {
-                for (const ItemDrag::Item& item : items)
-                    copied.items.push_back(
-                        CatalogDatabase::copyItem(item.database, item.id, target.database, target.folder));
-            } catch (const std::exception& error) {
-                copied.problem = QString::fromUtf8(error.what());
-            }
-            return copied;
-        },
-        [this, name, database = target.database](const Copied& copied) {
-            if (!copied.items.empty())
-                mUndo.push(new Copy(*this, database, copied.items));
-            Q_EMIT libraryChanged(database, copied.problem.isEmpty()
-                                                ? tr("Copied to %1.").arg(name)
-                                                : tr("Not copied to %1: %2").arg(name, copied.problem));
-        });
-}
-
-void ItemActions::undoCopy(const fileString& database, const std::vector<long long>& items)
-{
-    Background::run(
-        mPool, this,
-        [database, items] {
-            try {
-                CatalogDatabase::removeItems(database, items);
-                return QString();
-            } catch (const std::exception& error) {
-                return QString::fromUtf8(error.what());
-            }
-        },
-        [this, database](const QString& problem) {
-            Q_EMIT libraryChanged(database, problem.isEmpty() ? tr("The copies are gone again.")
-                                                              : tr("Not undone: %1").arg(problem));
-        });
 }

@@ -3,18 +3,16 @@
 #include <vector>
 
 #include <QObject>
-#include <QThreadPool>
 #include <QTimer>
 #include <QUndoStack>
 
 #include "apps/orv-browser/models/ItemDrag.h"
-#include "apps/orv-browser/models/Place.h"
 #include "apps/orv-browser/models/UserLists.h"
 
 class GalleryModel;
 
-/// What the user does with items: favourites, copies into own libraries, and the one item that the rest of
-/// the host knows as chosen. What can be taken back goes onto the undo stack. Lives on the interface thread.
+/// What the user does with items: favourites, and the one item that the rest of the host knows as chosen.
+/// What can be taken back goes onto the undo stack. Lives on the interface thread.
 class ItemActions : public QObject
 {
     Q_OBJECT
@@ -22,8 +20,6 @@ class ItemActions : public QObject
 public:
     /// @param model and lists outlive the object
     ItemActions(const GalleryModel& model, UserLists& lists, QObject* parent);
-    /// Waits for the copying that is under way.
-    ~ItemActions() override;
 
     QUndoStack& undoStack() { return mUndo; }
     /// Tells the host's chooser of the selection: one item, or none.
@@ -34,26 +30,15 @@ public:
     /// Makes them favourites unless all are.
     void toggleFavourites(const std::vector<int>& rows);
     bool areFavourites(const std::vector<int>& rows) const;
-    /// Copies items into one of the user's own libraries; can be undone.
-    void copy(const std::vector<ItemDrag::Item>& items, const Place& target);
     /// Notes an item as looked at.
     void noteRecent(const ItemDrag::Item& item);
 
-Q_SIGNALS:
-    /// An own library was changed, or could not be, for a reason.
-    void libraryChanged(const fileString& database, const QString& sentence);
-
 private:
     class FavouritesChange;
-    class Copy;
-    struct Copied;
-
-    void undoCopy(const fileString& database, const std::vector<long long>& items);
 
     const GalleryModel& mModel;
     UserLists& mLists;
     QUndoStack mUndo;
-    QThreadPool mPool;
     QTimer mLook; ///< an item counts as looked at once it has been selected for a while
     ItemDrag::Item mLooked;
 };

@@ -29,6 +29,8 @@
 #include "apps/orv-browser/models/LibraryNews.h"
 #include "apps/orv-browser/models/LibraryWatch.h"
 #include "apps/orv-browser/models/UserLists.h"
+#include "apps/orv-browser/own/OwnActions.h"
+#include "apps/orv-browser/own/OwnLibraries.h"
 #include "apps/orv-browser/places/PlacesPane.h"
 #include "apps/orv-browser/search/FilterChip.h"
 #include "apps/orv-browser/search/SearchBar.h"
@@ -64,6 +66,8 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
       mFirstStart(new FirstStart(*mLibrary, mGallery->firstStart(), this)),
       mDrop(new ArchiveDrop(*this)),
       mWatch(new LibraryWatch(root, this)),
+      mOwn(new OwnLibraries(root, *mLists, mActions->undoStack(), this)),
+      mOwnActions(new OwnActions({*this, *mMenus, *mContent, *mPlaces, *mGallery}, *mOwn)),
       mMemory(root, *this, *mPanes, *mPlaces, *mGallery)
 {
     setObjectName(QStringLiteral("libraryBrowser"));
@@ -76,6 +80,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
     connectLibrary();
     connectFilters();
     connectWatch();
+    connectOwn();
     mContent->refresh();
     mNews->refresh();
     mMemory.restore();
@@ -87,7 +92,8 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
 
 MainWindow::~MainWindow()
 {
-    mLibrary->stop(); // while there is a window to tell
+    mLibrary->stop();   // while there is a window to tell
+    delete mOwnActions; // while there are panes to look at
 }
 
 void MainWindow::buildPanes()
@@ -147,30 +153,12 @@ void MainWindow::showSelection()
     mMenus->favourite->setEnabled(!rows.empty());
     mMenus->favourite->setChecked(mActions->areFavourites(rows));
     mMenus->showInFolder->setEnabled(rows.size() == 1);
+    mOwnActions->update();
 }
 
 void MainWindow::showItemMenu(const QPoint& globalPosition)
 {
     mMenus->itemMenu()->popup(globalPosition);
-}
-
-void MainWindow::showInFolder()
-{
-    const std::vector<int> rows = mGallery->views().selectedRows();
-    if (rows.size() != 1)
-        return;
-    const GalleryModel& model = mGallery->views().model();
-    const CatalogContent& catalog = model.catalogAt(rows.front());
-    const CatalogContent::Item& item = model.contentAt(rows.front());
-    const bool hasFolder = item.folder >= 0;
-    const Place place{hasFolder ? Place::Kind::Folder : Place::Kind::Catalog, catalog.category(),
-                      catalog.database(),
-                      hasFolder ? catalog.folders()[static_cast<std::size_t>(item.folder)].id : -1};
-    const fileString database = catalog.database();
-    const long long id = item.id;
-    mGallery->search().clear();
-    mGallery->showItem(place, database, id);
-    mPlaces->setCurrent(place);
 }
 
 void MainWindow::markSeen()

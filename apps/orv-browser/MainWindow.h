@@ -18,6 +18,8 @@ class LibraryContent;
 class LibraryNews;
 class LibraryWatch;
 class MessageBar;
+class OwnActions;
+class OwnLibraries;
 class PlacesPane;
 class QSplitter;
 class StatusLine;
@@ -54,6 +56,8 @@ private:
     void connectDetails();
     void connectLibrary();
     void connectFilters();
+    void connectOwn();
+    void followLibrary(const fileString& from, const fileString& to);
     void leaveGonePlace();
     void showSelection();
     void showItemMenu(const QPoint& globalPosition);
@@ -83,5 +87,7 @@ private:
     FirstStart* mFirstStart;
     ArchiveDrop* mDrop;
     LibraryWatch* mWatch;
+    OwnLibraries* mOwn;
+    OwnActions* mOwnActions;
     WindowMemory mMemory;
 };

@@ -27,6 +27,9 @@
 #include "apps/orv-browser/models/LibraryNews.h"
 #include "apps/orv-browser/models/LibraryWatch.h"
 #include "apps/orv-browser/models/UserLists.h"
+#include "apps/orv-browser/own/OwnActions.h"
+#include "apps/orv-browser/own/OwnLibraries.h"
+#include "apps/orv-browser/places/PlaceMemory.h"
 #include "apps/orv-browser/places/PlacesPane.h"
 #include "apps/orv-browser/search/FilterChip.h"
 #include "apps/orv-browser/search/SearchBar.h"
@@ -61,7 +64,6 @@ void MainWindow::connectPanes()
     GalleryViews& views = mGallery->views();
     connect(&search, &SearchBar::changed, mPlaces, &PlacesPane::applyFilter);
     connect(mPlaces, &PlacesPane::chosen, mGallery, &GalleryPane::showPlace);
-    connect(mPlaces, &PlacesPane::itemsDropped, mActions, &ItemActions::copy);
     connect(mGallery, &GalleryPane::placeChosen, this, &MainWindow::goTo);
     connect(&views, &GalleryViews::selectionChanged, this, &MainWindow::showSelection);
     connect(&views, &GalleryViews::menuAsked, this, &MainWindow::showItemMenu);
@@ -111,9 +113,6 @@ void MainWindow::connectLibrary()
     connect(mLibrary, &LibraryActions::importingChanged, mStatus, &StatusLine::showImporting);
     connect(mLibrary, &LibraryActions::said, mStatus, &StatusLine::say);
     connect(mLibrary, &LibraryActions::recordsChanged, mGallery, &GalleryPane::ask);
-    connect(mActions, &ItemActions::libraryChanged, this, &MainWindow::catalogChanged);
-    connect(mActions, &ItemActions::libraryChanged, mStatus,
-            [this](const fileString&, const QString& sentence) { mStatus->say(sentence); });
 }
 
 void MainWindow::connectFilters()
@@ -138,4 +137,53 @@ void MainWindow::connectWatch()
         LibraryFilterManager::getLibraryFilterManager().loadFilters();
         filtersChanged();
     });
+}
+
+void MainWindow::connectOwn()
+{
+    connect(mPlaces, &PlacesPane::itemsDropped, mOwn, &OwnLibraries::copy);
+    connect(mOwn, &OwnLibraries::changed, this, &MainWindow::catalogChanged);
+    connect(mOwn, &OwnLibraries::created, this, [this](const fileString& database) {
+        goTo({Place::Kind::Catalog, LibraryContent::kUserCategory, database, -1});
+    });
+    connect(mOwn, &OwnLibraries::moved, this, &MainWindow::followLibrary);
+    connect(mOwn, &OwnLibraries::said, mStatus, &StatusLine::say);
+    connect(mOwnActions, &OwnActions::said, mStatus, &StatusLine::say);
+    mDetails->item().setCopyMenu(mMenus->copyTo);
+    mDetails->several().setCopyMenu(mMenus->copyTo);
+}
+
+/// The user sees the same library under its new name.
+void MainWindow::followLibrary(const fileString& from, const fileString& to)
+{
+    Place place = mGallery->place();
+    std::vector<Place> open = mPlaces->memory().open();
+    for (Place& one : open)
+        if (one.database == from)
+            one.database = to;
+    mContent->refresh();
+    mPlaces->memory().setOpen(open);
+    if (place.database != from)
+        return;
+    place.database = to;
+    goTo(place);
+}
+
+void MainWindow::showInFolder()
+{
+    const std::vector<int> rows = mGallery->views().selectedRows();
+    if (rows.size() != 1)
+        return;
+    const GalleryModel& model = mGallery->views().model();
+    const CatalogContent& catalog = model.catalogAt(rows.front());
+    const CatalogContent::Item& item = model.contentAt(rows.front());
+    const bool hasFolder = item.folder >= 0;
+    const Place place{hasFolder ? Place::Kind::Folder : Place::Kind::Catalog, catalog.category(),
+                      catalog.database(),
+                      hasFolder ? catalog.folders()[static_cast<std::size_t>(item.folder)].id : -1};
+    const fileString database = catalog.database();
+    const long long id = item.id;
+    mGallery->search().clear();
+    mGallery->showItem(place, database, id);
+    mPlaces->setCurrent(place);
 }

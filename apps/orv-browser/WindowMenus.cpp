@@ -29,6 +29,12 @@ WindowMenus::WindowMenus(QMainWindow& window, QUndoStack& undo) : QObject(&windo
     favourite = add(*mItemMenu, tr("&Favourite"), "toggleFavourite", {Qt::CTRL + Qt::Key_D});
     favourite->setCheckable(true);
     showInFolder = add(*mItemMenu, tr("Show in f&older"), "showInFolder", {Qt::CTRL + Qt::Key_Return});
+    mItemMenu->addSeparator();
+    copyTo = mItemMenu->addMenu(tr("&Copy to"));
+    copyTo->setObjectName(QStringLiteral("copyTo"));
+    rename = add(*mItemMenu, tr("Re&name…"), "rename", {Qt::Key_F2});
+    remove = add(*mItemMenu, tr("De&lete"), "remove", QKeySequence::Delete);
+    mItemMenu->setToolTipsVisible(true); // which say why something cannot be done
 
     QMenu* view = window.menuBar()->addMenu(tr("&View"));
     search = add(*view, tr("&Search"), "search", QKeySequence::Find);
@@ -46,6 +52,7 @@ WindowMenus::WindowMenus(QMainWindow& window, QUndoStack& undo) : QObject(&windo
     cancelUpdate = add(*library, tr("&Cancel the update"), "cancelUpdate", {Qt::CTRL + Qt::Key_Period});
     cancelUpdate->setEnabled(false);
     refreshManufacturers = add(*library, tr("Refresh &manufacturers…"), "refreshManufacturers", {});
+    newLibrary = add(*library, tr("&New library…"), "newLibrary", QKeySequence::New);
     library->addSeparator();
     markSeen = add(*library, tr("Mark all as &seen"), "markAllSeen", {});
     editFilters = add(*library, tr("Edit &filters…"), "editFilters", {});

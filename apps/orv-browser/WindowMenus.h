@@ -33,6 +33,10 @@ public:
     QAction* showActivities; ///< checkable
     QAction* favourite;
     QAction* showInFolder;
+    QMenu* copyTo; ///< filled by whoever knows the libraries
+    QAction* rename;
+    QAction* remove;
+    QAction* newLibrary;
     QAction* shortcuts;
 
     /// What can be done with the selected items, for a menu at the pointer.

@@ -113,6 +113,7 @@ void saveDialogs(MainWindow& window)
     saveDialog(window, "editFilters", "filters");
     saveDialog(window, "editPreferences", "preferences");
     saveDialog(window, "showLog", "log");
+    saveDialog(window, "newLibrary", "new-library");
     error::MessagingSystem::control().notify(__FILE__, __LINE__, error::InformationOnceTrait(),
                                              error::Message::kManufacturerMaterial, {}, {}, {});
     save(window, "message");

@@ -1,6 +1,7 @@
 #include "apps/orv-browser/details/ItemDetails.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -27,6 +28,7 @@ ItemDetails::ItemDetails(QWidget* parent)
       mPicture(new PictureView),
       mPictureNote(new QLabel),
       mFavourite(new QToolButton),
+      mCopy(new QPushButton(tr("Copy to"))),
       mRows(new DetailRows),
       mMakerCard(new MakerCard)
 {
@@ -36,6 +38,7 @@ ItemDetails::ItemDetails(QWidget* parent)
     mFavourite->setCheckable(true);
     mFavourite->setFocusPolicy(Qt::TabFocus);
     mFavourite->setAccessibleName(tr("Favourite"));
+    mCopy->setObjectName(QStringLiteral("detailsCopy"));
     mTitle = mRows->addTitle(QStringLiteral("detailsTitle"));
     mRows->addRow(mPicture);
     mRows->addRow(mPictureNote);
@@ -48,6 +51,7 @@ ItemDetails::ItemDetails(QWidget* parent)
     mMaker = mRows->addLink(tr("Manufacturer:"), QStringLiteral("detailsManufacturer"));
     auto* layout = new QVBoxLayout(this);
     layout->addLayout(mRows);
+    layout->addWidget(mCopy, 0, Qt::AlignLeft);
     layout->addWidget(mMakerCard);
     layout->addStretch();
     connect(mFolder, &QLabel::linkActivated, this, &ItemDetails::folderAsked);
@@ -55,6 +59,11 @@ ItemDetails::ItemDetails(QWidget* parent)
     connect(mMaker, &QLabel::linkActivated, this, [this] { Q_EMIT makerAsked(mMakerNumber); });
     connect(mMakerCard, &MakerCard::allAsked, this, &ItemDetails::makerAsked);
     connect(mFavourite, &QToolButton::clicked, this, &ItemDetails::favouriteClicked);
+}
+
+void ItemDetails::setCopyMenu(QMenu* menu)
+{
+    mCopy->setMenu(menu);
 }
 
 void ItemDetails::show(const GalleryModel& model, int row)

@@ -10,6 +10,8 @@ class GalleryModel;
 class MakerCard;
 class PictureView;
 class QLabel;
+class QMenu;
+class QPushButton;
 class QToolButton;
 
 /// One item: its picture, where it lies, its style and its maker. Lives on the interface thread.
@@ -21,6 +23,8 @@ public:
     explicit ItemDetails(QWidget* parent = nullptr);
 
     void show(const GalleryModel& model, int row);
+    /// @param menu the libraries that the item can be copied to; outlives the widget
+    void setCopyMenu(QMenu* menu);
 
 Q_SIGNALS:
     /// The user wants to see the item where it lies.
@@ -36,6 +40,7 @@ private:
     PictureView* mPicture;
     QLabel* mPictureNote;
     QToolButton* mFavourite;
+    QPushButton* mCopy;
     DetailRows* mRows;
     QLabel* mNew;
     QLabel* mCatalog;

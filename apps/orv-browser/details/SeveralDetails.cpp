@@ -6,7 +6,7 @@
 
 #include "apps/orv-browser/details/DetailRows.h"
 
-SeveralDetails::SeveralDetails(QWidget* parent) : QWidget(parent)
+SeveralDetails::SeveralDetails(QWidget* parent) : QWidget(parent), mCopy(new QPushButton(tr("Copy to")))
 {
     auto* rows = new DetailRows;
     mTitle = rows->addTitle(QStringLiteral("severalTitle"));
@@ -18,9 +18,16 @@ SeveralDetails::SeveralDetails(QWidget* parent) : QWidget(parent)
     remove->setObjectName(QStringLiteral("removeFavourites"));
     layout->addWidget(add, 0, Qt::AlignLeft);
     layout->addWidget(remove, 0, Qt::AlignLeft);
+    mCopy->setObjectName(QStringLiteral("severalCopy"));
+    layout->addWidget(mCopy, 0, Qt::AlignLeft);
     layout->addStretch();
     connect(add, &QPushButton::clicked, this, [this] { Q_EMIT favouritesAsked(true); });
     connect(remove, &QPushButton::clicked, this, [this] { Q_EMIT favouritesAsked(false); });
+}
+
+void SeveralDetails::setCopyMenu(QMenu* menu)
+{
+    mCopy->setMenu(menu);
 }
 
 void SeveralDetails::show(int count)

@@ -3,6 +3,8 @@
 #include <QWidget>
 
 class QLabel;
+class QMenu;
+class QPushButton;
 
 /// Several items: how many they are, and what can be done with all of them. Lives on the interface thread.
 class SeveralDetails : public QWidget
@@ -13,6 +15,8 @@ public:
     explicit SeveralDetails(QWidget* parent = nullptr);
 
     void show(int count);
+    /// @param menu the libraries that the items can be copied to; outlives the widget
+    void setCopyMenu(QMenu* menu);
 
 Q_SIGNALS:
     /// Make all of them favourites, or none of them.
@@ -20,4 +24,5 @@ Q_SIGNALS:
 
 private:
     QLabel* mTitle;
+    QPushButton* mCopy;
 };

@@ -157,6 +157,24 @@ void UserLists::addRecent(const Key& key, const QString& name)
     Q_EMIT recentChanged();
 }
 
+void UserLists::moveCatalog(const fileString& from, const fileString& to)
+{
+    for (Entries* const entries : {&mFavourites, &mRecent})
+        for (Entry& entry : *entries)
+            if (entry.key.first == from)
+                entry.key.first = to;
+    save();
+}
+
+void UserLists::renameItem(const Key& key, const QString& name)
+{
+    for (Entries* const entries : {&mFavourites, &mRecent})
+        for (Entry& entry : *entries)
+            if (entry.key == key)
+                entry.name = name;
+    save();
+}
+
 void UserLists::setSeenRun(std::int64_t run)
 {
     mSeenRun = run;

@@ -38,6 +38,10 @@ public:
     std::vector<Key> recent() const;
     void addRecent(const Key& key, const QString& name);
 
+    /// Follows a catalog that was given another name, and an item.
+    void moveCatalog(const fileString& from, const fileString& to);
+    void renameItem(const Key& key, const QString& name);
+
     /// The number of the update up to which the user has seen what is new; none before the window first saw
     /// a catalog.
     const std::optional<std::int64_t>& seenRun() const { return mSeenRun; }

@@ -143,6 +143,15 @@ QIcon PlaceIcons::damaged()
     return icon;
 }
 
+QIcon PlaceIcons::addition()
+{
+    return drawn([](QPainter& painter) {
+        painter.setPen(QPen(kViolet, 8, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(32, 12, 32, 52);
+        painter.drawLine(12, 32, 52, 32);
+    });
+}
+
 void PlaceIcons::drawSign(QPainter& painter, const QRect& area, bool isWaiting)
 {
     painter.save();

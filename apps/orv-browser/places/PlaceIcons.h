@@ -15,6 +15,8 @@ namespace PlaceIcons {
 QIcon of(const Place& place);
 /// The icon of a list of the user: favourites, recent or news.
 QIcon list(Place::Kind kind);
+/// The icon of what makes something new.
+QIcon addition();
 /// The icon of a catalog that cannot be read.
 QIcon damaged();
 

@@ -4,6 +4,7 @@
 
 #include <QEventLoop>
 #include <QMimeData>
+#include <QToolButton>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -13,6 +14,7 @@
 #include "apps/orv-browser/models/LibraryNews.h"
 #include "apps/orv-browser/models/UserLists.h"
 #include "apps/orv-browser/places/PlaceDelegate.h"
+#include "apps/orv-browser/places/PlaceIcons.h"
 #include "apps/orv-browser/places/PlaceMemory.h"
 #include "apps/orv-browser/places/PlacesModel.h"
 
@@ -29,7 +31,9 @@ PlacesPane::PlacesPane(LibraryContent& content, const UserLists& lists, const Li
     buildTree();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
     layout->addWidget(mTree);
+    layout->addWidget(newLibraryButton());
     connect(&mLists, &UserLists::favouritesChanged, this, &PlacesPane::showListCounts);
     connect(&mLists, &UserLists::recentChanged, this, &PlacesPane::showListCounts);
     connect(&mNews, &LibraryNews::changed, this, &PlacesPane::showListCounts);
@@ -66,6 +70,25 @@ void PlacesPane::buildTree()
     mTree->setDragDropMode(QAbstractItemView::DropOnly);
     mTree->setDefaultDropAction(Qt::CopyAction);
     mTree->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    mTree->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(mTree, &QWidget::customContextMenuRequested, this,
+            [this](const QPoint& at) { Q_EMIT menuAsked(mTree->viewport()->mapToGlobal(at)); });
+}
+
+/// It stands right below the user's own libraries, which are the last ones in the tree.
+QWidget* PlacesPane::newLibraryButton()
+{
+    auto* button = new QToolButton;
+    button->setObjectName(QStringLiteral("addLibrary"));
+    button->setText(tr("New library…"));
+    button->setToolTip(tr("Make a library of your own"));
+    button->setIcon(PlaceIcons::addition());
+    button->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::TabFocus);
+    button->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    connect(button, &QToolButton::clicked, this, &PlacesPane::newLibraryAsked);
+    return button;
 }
 
 void PlacesPane::showListCounts()

@@ -41,9 +41,13 @@ Q_SIGNALS:
     void chosen(const Place& place);
     /// The user dropped items on one of the own libraries.
     void itemsDropped(const std::vector<ItemDrag::Item>& items, const Place& target);
+    void newLibraryAsked();
+    /// The user wants to know what can be done with the current place.
+    void menuAsked(const QPoint& globalPosition);
 
 private:
     void buildTree();
+    QWidget* newLibraryButton();
     void chooseCurrent();
     void showListCounts();
     void openNewCategories();

@@ -72,13 +72,6 @@
     </message>
 </context>
 <context>
-    <name>CatalogDatabase</name>
-    <message>
-        <source>Items</source>
-        <translation>Objekte</translation>
-    </message>
-</context>
-<context>
     <name>DataSize</name>
     <message>
         <source>%1 of %2</source>
@@ -446,26 +439,6 @@
         <source>Remove from favourites</source>
         <translation>Aus den Favoriten entfernen</translation>
     </message>
-    <message>
-        <source>Copy</source>
-        <translation>Kopieren</translation>
-    </message>
-    <message>
-        <source>Copied to %1.</source>
-        <translation>Nach %1 kopiert.</translation>
-    </message>
-    <message>
-        <source>Not copied to %1: %2</source>
-        <translation>Nicht nach %1 kopiert: %2</translation>
-    </message>
-    <message>
-        <source>The copies are gone again.</source>
-        <translation>Die Kopien sind wieder entfernt.</translation>
-    </message>
-    <message>
-        <source>Not undone: %1</source>
-        <translation>Nicht rückgängig gemacht: %1</translation>
-    </message>
 </context>
 <context>
     <name>ItemDetails</name>
@@ -525,6 +498,10 @@
         <source>News:</source>
         <translation>Neuigkeit:</translation>
     </message>
+    <message>
+        <source>Copy to</source>
+        <translation>Kopieren nach</translation>
+    </message>
 </context>
 <context>
     <name>ItemPreview</name>
@@ -550,6 +527,48 @@
     <message>
         <source>The preferences were not saved: %1</source>
         <translation>Die Einstellungen wurden nicht gespeichert: %1</translation>
+    </message>
+</context>
+<context>
+    <name>LibraryCopy</name>
+    <message>
+        <source>the library cannot be written</source>
+        <translation>die Bibliothek kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>the library is gone</source>
+        <translation>die Bibliothek ist nicht mehr da</translation>
+    </message>
+    <message>
+        <source>another program keeps changing the library</source>
+        <translation>ein anderes Programm ändert die Bibliothek fortwährend</translation>
+    </message>
+</context>
+<context>
+    <name>LibraryName</name>
+    <message>
+        <source>A name is needed.</source>
+        <translation>Ein Name ist nötig.</translation>
+    </message>
+    <message>
+        <source>The name must not hold %1.</source>
+        <translation>Der Name darf %1 nicht enthalten.</translation>
+    </message>
+    <message>
+        <source>The name is too long.</source>
+        <translation>Der Name ist zu lang.</translation>
+    </message>
+    <message>
+        <source>The name holds half a letter.</source>
+        <translation>Der Name enthält einen halben Buchstaben.</translation>
+    </message>
+    <message>
+        <source>The name must not begin or end with a full stop.</source>
+        <translation>Der Name darf nicht mit einem Punkt anfangen oder enden.</translation>
+    </message>
+    <message>
+        <source>There is a library of that name already.</source>
+        <translation>Eine Bibliothek dieses Namens gibt es schon.</translation>
     </message>
 </context>
 <context>
@@ -722,6 +741,198 @@
     </message>
 </context>
 <context>
+    <name>OwnActions</name>
+    <message>
+        <source>Select items first.</source>
+        <translation>Wählen Sie zuerst Objekte aus.</translation>
+    </message>
+    <message>
+        <source>&amp;New library…</source>
+        <translation>&amp;Neue Bibliothek…</translation>
+    </message>
+    <message>
+        <source>New library</source>
+        <translation>Neue Bibliothek</translation>
+    </message>
+    <message>
+        <source>Name of the new library:</source>
+        <translation>Name der neuen Bibliothek:</translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation>Umbenennen</translation>
+    </message>
+    <message>
+        <source>New name of %1:</source>
+        <translation>Neuer Name von %1:</translation>
+    </message>
+</context>
+<context>
+    <name>OwnCatalog</name>
+    <message>
+        <source>Items</source>
+        <translation>Objekte</translation>
+    </message>
+    <message>
+        <source>an item is gone</source>
+        <translation>ein Objekt ist nicht mehr da</translation>
+    </message>
+    <message>
+        <source>the library cannot be written</source>
+        <translation>die Bibliothek kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>the items are gone already</source>
+        <translation>die Objekte sind schon weg</translation>
+    </message>
+    <message>
+        <source>it is gone already</source>
+        <translation>es ist schon weg</translation>
+    </message>
+</context>
+<context>
+    <name>OwnFiles</name>
+    <message>
+        <source>%1 cannot be written</source>
+        <translation>%1 kann nicht geschrieben werden</translation>
+    </message>
+    <message>
+        <source>the library is gone</source>
+        <translation>die Bibliothek ist nicht mehr da</translation>
+    </message>
+    <message>
+        <source>the bin does not take it</source>
+        <translation>der Papierkorb nimmt sie nicht an</translation>
+    </message>
+    <message>
+        <source>it is not in the bin any more</source>
+        <translation>sie liegt nicht mehr im Papierkorb</translation>
+    </message>
+    <message>
+        <source>%1 is there again</source>
+        <translation>%1 ist wieder da</translation>
+    </message>
+    <message>
+        <source>%1 is there already</source>
+        <translation>%1 gibt es schon</translation>
+    </message>
+</context>
+<context>
+    <name>OwnLibraries</name>
+    <message>
+        <source>%1 was not renamed: %2</source>
+        <translation>%1 wurde nicht umbenannt: %2</translation>
+    </message>
+    <message>
+        <source>New library</source>
+        <translation>Neue Bibliothek</translation>
+    </message>
+    <message>
+        <source>%1 is there.</source>
+        <translation>%1 ist da.</translation>
+    </message>
+    <message>
+        <source>%1 is in the bin.</source>
+        <translation>%1 liegt im Papierkorb.</translation>
+    </message>
+    <message>
+        <source>%1 was not made: %2</source>
+        <translation>%1 wurde nicht angelegt: %2</translation>
+    </message>
+    <message>
+        <source>Delete %1</source>
+        <translation>%1 löschen</translation>
+    </message>
+    <message>
+        <source>%1 is in the bin. Undo brings it back.</source>
+        <translation>%1 liegt im Papierkorb. Rückgängig holt sie zurück.</translation>
+    </message>
+    <message>
+        <source>%1 is back.</source>
+        <translation>%1 ist wieder da.</translation>
+    </message>
+    <message>
+        <source>%1 was not deleted: %2</source>
+        <translation>%1 wurde nicht gelöscht: %2</translation>
+    </message>
+    <message>
+        <source>%1 is now called %2.</source>
+        <translation>%1 heißt jetzt %2.</translation>
+    </message>
+    <message>
+        <source>Rename</source>
+        <translation>Umbenennen</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>Copied to %1.</source>
+        <translation>Nach %1 kopiert.</translation>
+    </message>
+    <message>
+        <source>The copies are gone again.</source>
+        <translation>Die Kopien sind wieder weg.</translation>
+    </message>
+    <message>
+        <source>Not copied to %1: %2</source>
+        <translation>Nicht nach %1 kopiert: %2</translation>
+    </message>
+    <message numerus="yes">
+        <source>Delete %Ln item(s)</source>
+        <translation>
+            <numerusform>%Ln Objekt löschen</numerusform>
+            <numerusform>%Ln Objekte löschen</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln item(s) deleted. Undo brings them back.</source>
+        <translation>
+            <numerusform>%Ln Objekt gelöscht. Rückgängig holt es zurück.</numerusform>
+            <numerusform>%Ln Objekte gelöscht. Rückgängig holt sie zurück.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln item(s) are back.</source>
+        <translation>
+            <numerusform>%Ln Objekt ist wieder da.</numerusform>
+            <numerusform>%Ln Objekte sind wieder da.</numerusform>
+        </translation>
+    </message>
+    <message>
+        <source>Not deleted: %1</source>
+        <translation>Nicht gelöscht: %1</translation>
+    </message>
+    <message>
+        <source>Not done again: %1</source>
+        <translation>Nicht wiederholt: %1</translation>
+    </message>
+    <message>
+        <source>Not undone: %1</source>
+        <translation>Nicht rückgängig gemacht: %1</translation>
+    </message>
+</context>
+<context>
+    <name>OwnSubject</name>
+    <message>
+        <source>%1 comes from the service. Only your own libraries can be changed.</source>
+        <translation>%1 kommt vom Dienst. Nur eigene Bibliotheken können geändert werden.</translation>
+    </message>
+    <message>
+        <source>Select an item or a library of your own first.</source>
+        <translation>Wählen Sie zuerst ein Objekt oder eine eigene Bibliothek aus.</translation>
+    </message>
+    <message>
+        <source>Only one item can be renamed at a time.</source>
+        <translation>Es kann immer nur ein Objekt umbenannt werden.</translation>
+    </message>
+    <message>
+        <source>Folders cannot be deleted; select the items in it, or the library.</source>
+        <translation>Ordner können nicht gelöscht werden; wählen Sie die Objekte darin aus oder die Bibliothek.</translation>
+    </message>
+</context>
+<context>
     <name>PlaceDetails</name>
     <message>
         <source>Items:</source>
@@ -842,6 +1053,14 @@
     <message>
         <source>Places</source>
         <translation>Orte</translation>
+    </message>
+    <message>
+        <source>New library…</source>
+        <translation>Neue Bibliothek…</translation>
+    </message>
+    <message>
+        <source>Make a library of your own</source>
+        <translation>Eine eigene Bibliothek anlegen</translation>
     </message>
 </context>
 <context>
@@ -1567,6 +1786,10 @@
             <numerusform>%Ln Objekte ausgewählt</numerusform>
         </translation>
     </message>
+    <message>
+        <source>Copy to</source>
+        <translation>Kopieren nach</translation>
+    </message>
 </context>
 <context>
     <name>SharedSettings</name>
@@ -1860,6 +2083,22 @@
     <message>
         <source>&amp;Activities</source>
         <translation>&amp;Vorgänge</translation>
+    </message>
+    <message>
+        <source>&amp;Copy to</source>
+        <translation>&amp;Kopieren nach</translation>
+    </message>
+    <message>
+        <source>Re&amp;name…</source>
+        <translation>&amp;Umbenennen…</translation>
+    </message>
+    <message>
+        <source>De&amp;lete</source>
+        <translation>&amp;Löschen</translation>
+    </message>
+    <message>
+        <source>&amp;New library…</source>
+        <translation>&amp;Neue Bibliothek…</translation>
     </message>
 </context>
 </TS>

@@ -69,6 +69,30 @@
     </message>
 </context>
 <context>
+    <name>OwnLibraries</name>
+    <message numerus="yes">
+        <source>Delete %Ln item(s)</source>
+        <translation>
+            <numerusform>Delete %Ln item</numerusform>
+            <numerusform>Delete %Ln items</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln item(s) deleted. Undo brings them back.</source>
+        <translation>
+            <numerusform>%Ln item deleted. Undo brings it back.</numerusform>
+            <numerusform>%Ln items deleted. Undo brings them back.</numerusform>
+        </translation>
+    </message>
+    <message numerus="yes">
+        <source>%Ln item(s) are back.</source>
+        <translation>
+            <numerusform>%Ln item is back.</numerusform>
+            <numerusform>%Ln items are back.</numerusform>
+        </translation>
+    </message>
+</context>
+<context>
     <name>PlacesModel</name>
     <message numerus="yes">
         <source>%Ln item(s) new or changed</source>

@@ -1,0 +1,181 @@
+// The database goes first to the bin and comes back last, and while a library is renamed its textures have
+// both names; so a library that can be seen has all that belongs to it, at every instant.
+#include "apps/orv-browser/own/OwnFiles.h"
+
+#include <filesystem>
+#include <memory>
+#include <stdexcept>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include "OrvLibrary/IO/LibraryImport.h"
+#include "OrvLibrary/host/FileReaper.h"
+#include "OrvLibrary/host/FileSearch.h"
+#include "OrvLibrary/host/FileUtils.h"
+#include "OrvLibrary/host/SHA1.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+QString translated(const char* text)
+{
+    return QCoreApplication::translate("OwnFiles", text);
+}
+
+[[noreturn]] void fail(const QString& reason)
+{
+    throw std::runtime_error(reason.toStdString());
+}
+
+QString textOf(const fileString& path)
+{
+    return QFile::decodeName(path.toNativeString().c_str());
+}
+
+fileString pathOf(const QString& text)
+{
+    return fileString(QFile::encodeName(text).toStdString());
+}
+
+bool exists(const fileString& path)
+{
+    std::error_code error;
+    return fs::exists(fs::symlink_status(path.toNativeString(), error));
+}
+
+/// What belongs to a library besides its database, whether it is there or not.
+std::vector<fileString> companionsOf(const fileString& database)
+{
+    return {LibraryImport::getArchivedTexturePath(database, false), database + fileString(".bak")};
+}
+
+/// A second name, which a rename that was killed left, or something else of that name.
+bool isSameFile(const fileString& left, const fileString& right)
+{
+    std::error_code error;
+    if (fs::equivalent(left.toNativeString(), right.toNativeString(), error))
+        return true;
+    return FileUtils::fileSize(left) == FileUtils::fileSize(right) &&
+           SHA1::fileContentsToSHA1Hex(left) == SHA1::fileContentsToSHA1Hex(right);
+}
+
+/// Never replaces what has that name.
+void move(const fileString& from, const fileString& to)
+{
+    QFile file(textOf(from));
+    if (!file.rename(textOf(to)))
+        fail(file.errorString());
+}
+
+/// Gives a file a second name, or where the file system has none, a copy.
+void addName(const fileString& from, const fileString& to)
+{
+    std::error_code error;
+    fs::create_hard_link(from.toNativeString(), to.toNativeString(), error);
+    if (error && !FileUtils::copyFile(from, to, false))
+        fail(translated(QT_TRANSLATE_NOOP("OwnFiles", "%1 cannot be written")).arg(textOf(to)));
+}
+
+void forgetSearches(const fileString& path)
+{
+    FileSearch::get().resetFileSearch(path.parentPathWithSeparator());
+}
+
+/// The note of the bin on a file that is no longer in it.
+void removeNote(const fileString& inBin)
+{
+    const QFileInfo file(textOf(inBin));
+    QFile::remove(file.absolutePath() + QStringLiteral("/../info/") + file.fileName() +
+                  QStringLiteral(".trashinfo"));
+}
+
+/// Moves a file to the bin of the desktop. Qt takes the current folder for the bin where the user's own
+/// cannot be made, so that folder is made first, and what went astray comes back.
+/// @return where it is now; empty when it could not be moved
+fileString binned(const fileString& path)
+{
+    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+    QString inBin;
+    if (data.isEmpty() || !QDir().mkpath(data) || !QFile::moveToTrash(textOf(path), &inBin))
+        return {};
+    if (QFileInfo(inBin).isAbsolute())
+        return pathOf(inBin);
+    move(pathOf(inBin), path);
+    removeNote(pathOf(inBin));
+    return {};
+}
+
+} // namespace
+
+OrvHost::HostLock OwnFiles::lock(const fileString& root, const std::function<bool()>& isCancelled)
+{
+    const fileString folder = root / fileString("former-imports");
+    if (!FileUtils::createDirectoriesWithPerm(folder, true))
+        fail(translated(QT_TRANSLATE_NOOP("OwnFiles", "%1 cannot be written")).arg(textOf(folder)));
+    return OrvHost::HostLock::ofImport(folder, isCancelled);
+}
+
+OwnFiles::Binned OwnFiles::moveToBin(const fileString& database)
+{
+    if (!exists(database))
+        fail(translated(QT_TRANSLATE_NOOP("OwnFiles", "the library is gone")));
+    Binned files;
+    std::vector<fileString> parts = companionsOf(database);
+    parts.insert(parts.begin(), database);
+    for (const fileString& part : parts) {
+        const fileString inBin = exists(part) ? binned(part) : fileString();
+        if (!inBin.empty())
+            files.emplace_back(part, inBin);
+        if (files.empty())
+            fail(translated(QT_TRANSLATE_NOOP("OwnFiles", "the bin does not take it")));
+        forgetSearches(part);
+    }
+    return files;
+}
+
+void OwnFiles::takeBack(const Binned& files)
+{
+    for (const auto& [path, inBin] : files) {
+        if (!exists(inBin))
+            fail(translated(QT_TRANSLATE_NOOP("OwnFiles", "it is not in the bin any more")));
+        if (exists(path))
+            fail(translated(QT_TRANSLATE_NOOP("OwnFiles", "%1 is there again")).arg(textOf(path)));
+    }
+    for (auto file = files.rbegin(); file != files.rend(); ++file) {
+        move(file->second, file->first);
+        removeNote(file->second);
+        forgetSearches(file->first);
+    }
+}
+
+void OwnFiles::rename(const fileString& from, const fileString& to)
+{
+    if (!exists(from))
+        fail(translated(QT_TRANSLATE_NOOP("OwnFiles", "the library is gone")));
+    const std::vector<fileString> former = companionsOf(from);
+    const std::vector<fileString> next = companionsOf(to);
+    for (std::size_t i = 0; i < former.size(); ++i)
+        if (exists(former[i]) && exists(next[i]) && !isSameFile(former[i], next[i]))
+            fail(translated(QT_TRANSLATE_NOOP("OwnFiles", "%1 is there already")).arg(textOf(next[i])));
+    std::vector<std::unique_ptr<FileReaper>> added; // removes the second names again unless all goes well
+    for (std::size_t i = 0; i < former.size(); ++i)
+        if (exists(former[i]) && !exists(next[i])) {
+            addName(former[i], next[i]);
+            added.push_back(std::make_unique<FileReaper>(next[i]));
+        }
+    move(from, to);
+    for (const auto& name : added)
+        name->cancel();
+    for (std::size_t i = 0; i < former.size(); ++i) {
+        if (exists(former[i]))
+            FileUtils::removePath(former[i], 1);
+        forgetSearches(former[i]);
+        forgetSearches(next[i]);
+    }
+    forgetSearches(to);
+}
