@@ -113,6 +113,7 @@ void MainWindow::connectLibrary()
     connect(mLibrary, &LibraryActions::importingChanged, mStatus, &StatusLine::showImporting);
     connect(mLibrary, &LibraryActions::said, mStatus, &StatusLine::say);
     connect(mLibrary, &LibraryActions::recordsChanged, mGallery, &GalleryPane::ask);
+    connect(mLibrary, &LibraryActions::recordsChanged, mPlaces, &PlacesPane::forgetLogos);
 }
 
 void MainWindow::connectFilters()

@@ -1,4 +1,5 @@
 #include <QDialogButtonBox>
+#include <QIcon>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -8,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "apps/orv-browser/places/PlacesPane.h"
 #include "tests/orv-browser/BrowserService.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
@@ -33,12 +35,24 @@ protected:
         open();
     }
 
+    /// Refreshes the records in the preview.
+    void refresh();
+
     test::BrowserService service;
 };
 
 QPushButton& apply(QDialog& dialog)
 {
     return *dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Apply);
+}
+
+void BrowserManufacturersTest::refresh()
+{
+    inDialog([&] { trigger("refreshManufacturers"); },
+             [](QDialog& dialog) {
+                 ASSERT_TRUE(waitFor([&] { return apply(dialog).isEnabled(); }));
+                 QTest::mouseClick(&apply(dialog), Qt::LeftButton);
+             });
 }
 
 } // namespace
@@ -63,6 +77,39 @@ TEST_F(BrowserManufacturersTest, previewShowsTheChangesAndApplyMakesThem)
     EXPECT_FALSE(child<QLabel>("detailsLogo").pixmap(Qt::ReturnByValue).isNull());
     EXPECT_EQ(child<QLabel>("detailsContact").text().count("dealer"), 1);
     EXPECT_EQ(child<QPushButton>("showAllOfMaker").text(), "Show all 1");
+}
+
+TEST_F(BrowserManufacturersTest, logosStandBesideTheirCatalogsOnceTheyAreThere)
+{
+    for (const auto& [name, maker] : {std::pair("Oakline", 103), std::pair("Nobody", 7)}) {
+        CatalogMaker catalog(inRoot(std::string("manufacturer/") + name + ".orvlib"), name);
+        const int all = catalog.addFolder("All");
+        catalog.addItem(all, {"Other", "", std::nullopt, 101});
+        for (const char* const item : {"Chair", "Table"})
+            catalog.addItem(all, {item, "", std::nullopt, maker});
+    }
+    openWith(service.manufacturers(), service.logos());
+    const auto icon = [&](const QString& catalog) {
+        return place({"Manufacturers", catalog}).data(Qt::DecorationRole).value<QIcon>();
+    };
+    const QIcon plain = icon("Nobody");
+    EXPECT_EQ(icon("Oakline").cacheKey(), plain.cacheKey()); // there is no record yet
+    refresh();
+    ASSERT_TRUE(waitFor([&] { return icon("Oakline").cacheKey() != plain.cacheKey(); }));
+    EXPECT_EQ(icon("Nobody").cacheKey(), plain.cacheKey());
+    const QImage plate = icon("Oakline").pixmap(64, 64).toImage();
+    EXPECT_EQ(plate.pixelColor(0, 0).alpha(), 0);
+    EXPECT_EQ(plate.pixelColor(32, 2), QColor(Qt::white)); // logos are made for white
+    EXPECT_NE(plate.pixelColor(32, 32), QColor(Qt::white));
+
+    const Manufacturer& record = ManufacturerManager::getManufacturerManager()->getManufacturer(103);
+    const fileString logo = fileString(inRoot("manufacturer-data")) / record.getManufacturerLogoName();
+    ASSERT_TRUE(logo.pathExists());
+    test::writeFile(logo.toNativeString(), "no picture");
+    child<PlacesPane>("placesPane").forgetLogos();
+    EXPECT_EQ(icon("Oakline").cacheKey(), plain.cacheKey());
+    ASSERT_TRUE(goTo({"Core", "Doors"}));
+    EXPECT_EQ(icon("Oakline").cacheKey(), plain.cacheKey());
 }
 
 TEST_F(BrowserManufacturersTest, cancelledPreviewChangesNothing)

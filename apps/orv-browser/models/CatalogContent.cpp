@@ -84,6 +84,7 @@ void CatalogContent::readFrom(const CatalogDatabase& database)
     orderFolders(std::move(raw));
     readItems(database);
     countItems();
+    countMakers();
 }
 
 void CatalogContent::orderFolders(std::vector<RawFolder> raw)
@@ -161,6 +162,21 @@ void CatalogContent::countItems()
     mItemsBefore.assign(1, 0);
     for (const int count : own)
         mItemsBefore.push_back(mItemsBefore.back() + count);
+}
+
+/// Among makers of equally many items the one with the lowest number counts.
+void CatalogContent::countMakers()
+{
+    std::map<std::int32_t, int> counts;
+    for (const Item& item : mItems)
+        if (item.maker != kNone)
+            ++counts[item.maker];
+    int most = 0;
+    for (const auto& [maker, count] : counts)
+        if (count > most) {
+            most = count;
+            mMaker = maker;
+        }
 }
 
 std::uint32_t CatalogContent::keep(const std::string& text)

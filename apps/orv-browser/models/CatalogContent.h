@@ -62,6 +62,9 @@ public:
     int itemAt(long long id) const;
     /// How many items a folder and all folders below it hold; the whole catalog for -1.
     int itemCount(int folder) const;
+    /// The maker of most of its items, which stands for a manufacturer's catalog; `kNone` where they have
+    /// none.
+    std::int32_t maker() const { return mMaker; }
     /// Names of the folders from the top down to this one.
     QStringList pathOf(int folder) const;
 
@@ -78,6 +81,7 @@ private:
     void appendFolders(const std::vector<RawFolder>& raw, std::size_t first);
     void readItems(const CatalogDatabase& database);
     void countItems();
+    void countMakers();
     std::uint32_t keep(const std::string& text);
 
     int mCategory = 0;
@@ -85,6 +89,7 @@ private:
     std::string mId;
     std::string mVersion;
     QString mProblem;
+    std::int32_t mMaker = kNone;
     std::vector<Folder> mFolders;
     std::vector<std::pair<long long, int>> mFolderIds; ///< id and position, sorted by id
     std::vector<int>

@@ -9,6 +9,7 @@
 #include "OrvLibrary/UI/TreeCatalogData.h"
 #include "OrvLibrary/UI/TreeFolderData.h"
 #include "apps/orv-browser/models/LibraryNews.h"
+#include "apps/orv-browser/places/MakerLogos.h"
 #include "apps/orv-browser/places/PlaceIcons.h"
 #include "apps/orv-browser/places/PlaceNames.h"
 
@@ -49,7 +50,11 @@ Library::LibraryCategory libraryCategory(int category)
 } // namespace
 
 PlacesModel::PlacesModel(const LibraryContent& content, const LibraryNews& news, QObject* parent)
-    : QStandardItemModel(parent), mContent(content), mNews(news), mShown(content.index())
+    : QStandardItemModel(parent),
+      mContent(content),
+      mNews(news),
+      mLogos(new MakerLogos(this)),
+      mShown(content.index())
 {
     for (const Place::Kind kind : kLists) {
         auto* list = new QStandardItem(PlaceIcons::list(kind), PlaceNames::name({kind, -1, {}, -1}, *mShown));
@@ -66,6 +71,7 @@ PlacesModel::PlacesModel(const LibraryContent& content, const LibraryNews& news,
     connect(&mContent, &LibraryContent::catalogsChanged, this, &PlacesModel::showCatalogs);
     connect(&mContent, &LibraryContent::indexChanged, this, &PlacesModel::showIndex);
     connect(&mNews, &LibraryNews::changed, this, &PlacesModel::showStates);
+    connect(mLogos, &MakerLogos::changed, this, &PlacesModel::showLogos);
 }
 
 PlacesModel::~PlacesModel()
@@ -141,13 +147,6 @@ void PlacesModel::forEachCatalog(const std::function<void(const QModelIndex&, Tr
     for (int row = kFirstCategory; row < rowCount(); ++row)
         for (int child = 0; child < item(row)->rowCount(); ++child)
             call(index(row, 0), dynamic_cast<TreeData&>(*item(row)->child(child)));
-}
-
-void PlacesModel::setListCounts(int favourites, int recent, int news)
-{
-    item(0)->setData(favourites, kCountRole);
-    item(1)->setData(recent, kCountRole);
-    item(2)->setData(news, kCountRole);
 }
 
 void PlacesModel::showCatalogs()

@@ -11,6 +11,7 @@
 #include "apps/orv-browser/models/Place.h"
 
 class LibraryNews;
+class MakerLogos;
 
 /// The tree of places: the user's own lists and what is new, then the library categories, the catalogs in
 /// them and their folders. Items are not in it; the gallery shows them. Folders come into the tree when the
@@ -50,6 +51,9 @@ public:
     /// How many items the lists hold.
     void setListCounts(int favourites, int recent, int news);
 
+    /// The logos of the makers, which stand beside their catalogs.
+    MakerLogos& logos() { return *mLogos; }
+
     bool hasChildren(const QModelIndex& parent = {}) const override;
     bool canFetchMore(const QModelIndex& parent) const override;
     void fetchMore(const QModelIndex& parent) override;
@@ -81,11 +85,14 @@ private:
     void showIndex();
     void updateCounts();
     void showStates();
+    void showLogos();
+    QIcon iconOf(const Place& place, const CatalogContent* content) const;
     QVariant countOf(const Place& place, const CatalogContent* content) const;
     State stateOf(const Place& place) const;
     QString stateText(const Place& place) const;
 
     const LibraryContent& mContent;
     const LibraryNews& mNews;
+    MakerLogos* mLogos;
     std::shared_ptr<const ItemIndex> mShown; ///< the index whose folders the tree shows
 };

@@ -1,6 +1,7 @@
 // What the tree tells of each place: numbers, icons, states.
 #include "OrvLibrary/UI/TreeData.h"
 #include "apps/orv-browser/models/LibraryNews.h"
+#include "apps/orv-browser/places/MakerLogos.h"
 #include "apps/orv-browser/places/PlaceIcons.h"
 #include "apps/orv-browser/places/PlacesModel.h"
 
@@ -23,7 +24,7 @@ QVariant PlacesModel::data(const QModelIndex& index, int role) const
     case kStateRole:
         return static_cast<int>(stateOf(place));
     case Qt::DecorationRole:
-        return problem.isEmpty() ? PlaceIcons::of(place) : PlaceIcons::damaged();
+        return iconOf(place, content.get());
     case Qt::ToolTipRole:
         return problem.isEmpty() ? stateText(place) : tr("Cannot be read: %1").arg(problem);
     default: { // for screen readers
@@ -32,6 +33,33 @@ QVariant PlacesModel::data(const QModelIndex& index, int role) const
         return told.isEmpty() ? name : tr("%1, %2").arg(name, told);
     }
     }
+}
+
+void PlacesModel::setListCounts(int favourites, int recent, int news)
+{
+    item(0)->setData(favourites, kCountRole);
+    item(1)->setData(recent, kCountRole);
+    item(2)->setData(news, kCountRole);
+}
+
+void PlacesModel::showLogos()
+{
+    forEachCatalog([this](const QModelIndex&, const Library::TreeData& catalog) {
+        if (placeOf(catalog.index()).category == LibraryContent::kManufacturerCategory)
+            Q_EMIT dataChanged(catalog.index(), catalog.index(), {Qt::DecorationRole});
+    });
+}
+
+/// Until a maker's logo is there, and where there is none, its catalog looks as others do.
+QIcon PlacesModel::iconOf(const Place& place, const CatalogContent* content) const
+{
+    if (content && !content->problem().isEmpty())
+        return PlaceIcons::damaged();
+    const bool isMakers = content && place.kind == Place::Kind::Catalog &&
+                          place.category == LibraryContent::kManufacturerCategory;
+    const QIcon logo =
+        isMakers && content->maker() != CatalogContent::kNone ? mLogos->icon(content->maker()) : QIcon();
+    return logo.isNull() ? PlaceIcons::of(place) : logo;
 }
 
 QVariant PlacesModel::countOf(const Place& place, const CatalogContent* content) const

@@ -13,6 +13,7 @@
 #include "apps/orv-browser/models/LibraryContent.h"
 #include "apps/orv-browser/models/LibraryNews.h"
 #include "apps/orv-browser/models/UserLists.h"
+#include "apps/orv-browser/places/MakerLogos.h"
 #include "apps/orv-browser/places/PlaceDelegate.h"
 #include "apps/orv-browser/places/PlaceIcons.h"
 #include "apps/orv-browser/places/PlaceMemory.h"
@@ -28,6 +29,7 @@ PlacesPane::PlacesPane(LibraryContent& content, const UserLists& lists, const Li
       mTree(new QTreeView),
       mMemory(new PlaceMemory(*mTree, *mModel))
 {
+    setObjectName(QStringLiteral("placesPane"));
     buildTree();
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -95,6 +97,11 @@ void PlacesPane::showListCounts()
 {
     mModel->setListCounts(static_cast<int>(mLists.favourites().size()),
                           static_cast<int>(mLists.recent().size()), mNews.items()->count());
+}
+
+void PlacesPane::forgetLogos()
+{
+    mModel->logos().forget();
 }
 
 Place PlacesPane::current() const

@@ -33,6 +33,8 @@ public:
     PlaceMemory& memory() { return *mMemory; }
     /// Shows the catalogs that the current filter lets through.
     void applyFilter();
+    /// Reads the logos of the makers anew.
+    void forgetLogos();
     /// The catalogs that a filter can name. Waits until all are read; events are handled meanwhile.
     std::vector<FilterEditor::Database> databases();
 
