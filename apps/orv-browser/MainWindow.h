@@ -62,6 +62,7 @@ private:
     void showSelection();
     void showItemMenu(const QPoint& globalPosition);
     void showInFolder();
+    void showItem(const fileString& database, long long item);
     void markSeen();
     void showDetailsIfWanted();
     void catalogChanged(const fileString& database);

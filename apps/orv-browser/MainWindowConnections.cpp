@@ -84,6 +84,7 @@ void MainWindow::connectPanes()
 void MainWindow::connectDetails()
 {
     connect(&mDetails->item(), &ItemDetails::folderAsked, this, &MainWindow::showInFolder);
+    connect(&mDetails->item(), &ItemDetails::similarChosen, this, &MainWindow::showItem);
     connect(&mDetails->item(), &ItemDetails::styleAsked, &mGallery->search(), &SearchBar::chooseStyle);
     connect(&mDetails->item(), &ItemDetails::makerAsked, this, [this](std::int32_t maker) {
         goTo({});
@@ -175,16 +176,22 @@ void MainWindow::showInFolder()
     const std::vector<int> rows = mGallery->views().selectedRows();
     if (rows.size() != 1)
         return;
-    const GalleryModel& model = mGallery->views().model();
-    const CatalogContent& catalog = model.catalogAt(rows.front());
-    const CatalogContent::Item& item = model.contentAt(rows.front());
-    const bool hasFolder = item.folder >= 0;
-    const Place place{hasFolder ? Place::Kind::Folder : Place::Kind::Catalog, catalog.category(),
-                      catalog.database(),
-                      hasFolder ? catalog.folders()[static_cast<std::size_t>(item.folder)].id : -1};
-    const fileString database = catalog.database();
-    const long long id = item.id;
+    const ItemDrag::Item item = mGallery->views().model().itemAt(rows.front());
+    showItem(item.database, item.id);
+}
+
+/// Shows an item where it lies, without words or choices that might hide it.
+void MainWindow::showItem(const fileString& database, long long item)
+{
+    const auto catalog = mContent->index()->find(database);
+    const int position = catalog ? catalog->itemAt(item) : -1;
+    if (position < 0)
+        return; // it has gone meanwhile
+    const int folder = catalog->items()[static_cast<std::size_t>(position)].folder;
+    const bool hasFolder = folder >= 0;
+    const Place place{hasFolder ? Place::Kind::Folder : Place::Kind::Catalog, catalog->category(), database,
+                      hasFolder ? catalog->folders()[static_cast<std::size_t>(folder)].id : -1};
     mGallery->search().clear();
-    mGallery->showItem(place, database, id);
+    mGallery->showItem(place, database, item);
     mPlaces->setCurrent(place);
 }

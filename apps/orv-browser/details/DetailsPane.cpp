@@ -13,10 +13,10 @@ constexpr int kLeastWidth = 220; // pixels
 
 } // namespace
 
-DetailsPane::DetailsPane(const LibraryNews& news, QWidget* parent)
+DetailsPane::DetailsPane(const LibraryNews& news, const UserLists& lists, QWidget* parent)
     : QScrollArea(parent),
       mPages(new QWidget),
-      mItem(new ItemDetails),
+      mItem(new ItemDetails(lists)),
       mPlace(new PlaceDetails(news)),
       mSeveral(new SeveralDetails)
 {

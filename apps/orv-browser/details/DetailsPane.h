@@ -9,6 +9,7 @@ class ItemDetails;
 class LibraryNews;
 class PlaceDetails;
 class SeveralDetails;
+class UserLists;
 
 /// Shows what is selected: one item, several, or, where none is, the place itself. It holds nothing of its
 /// own, so that it never says anything else than the gallery does. Lives on the interface thread.
@@ -17,8 +18,8 @@ class DetailsPane : public QScrollArea
     Q_OBJECT
 
 public:
-    /// @param news outlive the pane
-    explicit DetailsPane(const LibraryNews& news, QWidget* parent = nullptr);
+    /// @param news and lists outlive the pane
+    DetailsPane(const LibraryNews& news, const UserLists& lists, QWidget* parent = nullptr);
 
     ItemDetails& item() { return *mItem; }
     PlaceDetails& place() { return *mPlace; }

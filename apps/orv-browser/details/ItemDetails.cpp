@@ -8,6 +8,8 @@
 #include "apps/orv-browser/details/DetailRows.h"
 #include "apps/orv-browser/details/MakerCard.h"
 #include "apps/orv-browser/details/PictureView.h"
+#include "apps/orv-browser/details/SimilarSearch.h"
+#include "apps/orv-browser/details/SimilarView.h"
 #include "apps/orv-browser/gallery/GalleryModel.h"
 #include "apps/orv-browser/models/Names.h"
 
@@ -23,14 +25,17 @@ QString newsText(NewItems::Kind kind)
 
 } // namespace
 
-ItemDetails::ItemDetails(QWidget* parent)
+ItemDetails::ItemDetails(const UserLists& lists, QWidget* parent)
     : QWidget(parent),
       mPicture(new PictureView),
       mPictureNote(new QLabel),
       mFavourite(new QToolButton),
       mCopy(new QPushButton(tr("Copy to"))),
       mRows(new DetailRows),
-      mMakerCard(new MakerCard)
+      mMakerCard(new MakerCard),
+      mSearch(new SimilarSearch(this)),
+      mSimilarTitle(new QLabel(tr("Similar"))),
+      mSimilar(new SimilarView(lists))
 {
     mPicture->setObjectName(QStringLiteral("detailsPicture"));
     mPictureNote->setObjectName(QStringLiteral("detailsPictureNote"));
@@ -53,7 +58,16 @@ ItemDetails::ItemDetails(QWidget* parent)
     layout->addLayout(mRows);
     layout->addWidget(mCopy, 0, Qt::AlignLeft);
     layout->addWidget(mMakerCard);
+    layout->addWidget(mSimilarTitle);
+    layout->addWidget(mSimilar);
     layout->addStretch();
+    QFont bold = mSimilarTitle->font();
+    bold.setBold(true);
+    mSimilarTitle->setFont(bold);
+    mSimilarTitle->setBuddy(mSimilar);
+    showSimilar({});
+    connect(mSearch, &SimilarSearch::found, this, &ItemDetails::showSimilar);
+    connect(mSimilar, &SimilarView::chosen, this, &ItemDetails::similarChosen);
     connect(mFolder, &QLabel::linkActivated, this, &ItemDetails::folderAsked);
     connect(mStyle, &QLabel::linkActivated, this, [this] { Q_EMIT styleAsked(mStyleNumber); });
     connect(mMaker, &QLabel::linkActivated, this, [this] { Q_EMIT makerAsked(mMakerNumber); });
@@ -92,6 +106,14 @@ void ItemDetails::show(const GalleryModel& model, int row)
     const auto& makers = model.found().makers;
     const auto count = makers.find(item.maker);
     mMakerCard->show(item.maker, count == makers.end() ? -1 : count->second);
+    mSearch->ask(model.found().index, catalog.database(), item.id);
+}
+
+void ItemDetails::showSimilar(const ItemQuery::Found& found)
+{
+    mSimilar->show(found);
+    mSimilarTitle->setVisible(!found.items.empty());
+    mSimilar->setVisible(!found.items.empty());
 }
 
 void ItemDetails::showPictureState(const QModelIndex& index)

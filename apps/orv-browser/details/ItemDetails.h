@@ -3,7 +3,7 @@
 #include <QPersistentModelIndex>
 #include <QWidget>
 
-#include "apps/orv-browser/models/Place.h"
+#include "apps/orv-browser/models/ItemQuery.h"
 
 class DetailRows;
 class GalleryModel;
@@ -13,6 +13,9 @@ class QLabel;
 class QMenu;
 class QPushButton;
 class QToolButton;
+class SimilarSearch;
+class SimilarView;
+class UserLists;
 
 /// One item: its picture, where it lies, its style and its maker. Lives on the interface thread.
 class ItemDetails : public QWidget
@@ -20,7 +23,8 @@ class ItemDetails : public QWidget
     Q_OBJECT
 
 public:
-    explicit ItemDetails(QWidget* parent = nullptr);
+    /// @param lists outlive the widget
+    explicit ItemDetails(const UserLists& lists, QWidget* parent = nullptr);
 
     void show(const GalleryModel& model, int row);
     /// @param menu the libraries that the item can be copied to; outlives the widget
@@ -32,9 +36,12 @@ Q_SIGNALS:
     void styleAsked(std::int32_t style);
     void makerAsked(std::int32_t maker);
     void favouriteClicked();
+    /// The user wants to see another item, which is like this one.
+    void similarChosen(const fileString& database, long long item);
 
 private:
     void showPictureState(const QModelIndex& index);
+    void showSimilar(const ItemQuery::Found& found);
 
     QLabel* mTitle;
     PictureView* mPicture;
@@ -49,6 +56,9 @@ private:
     QLabel* mStyle;
     QLabel* mMaker;
     MakerCard* mMakerCard;
+    SimilarSearch* mSearch;
+    QLabel* mSimilarTitle;
+    SimilarView* mSimilar;
     std::int32_t mStyleNumber = -1;
     std::int32_t mMakerNumber = -1;
     QPersistentModelIndex mIndex;

@@ -502,6 +502,10 @@
         <source>Copy to</source>
         <translation>Kopieren nach</translation>
     </message>
+    <message>
+        <source>Similar</source>
+        <translation>Ähnlich</translation>
+    </message>
 </context>
 <context>
     <name>ItemPreview</name>
@@ -1843,6 +1847,13 @@
     <message>
         <source>Escape</source>
         <translation>Escape</translation>
+    </message>
+</context>
+<context>
+    <name>SimilarView</name>
+    <message>
+        <source>Similar items</source>
+        <translation>Ähnliche Objekte</translation>
     </message>
 </context>
 <context>
