@@ -17,9 +17,8 @@ constexpr const char* kGlobalGroup = "Global options";
 /// Reads plain decimal. The parsing library itself would read "010" as eight.
 bool readNumber(const std::string& text, std::int64_t& number)
 {
-    const char* end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, number);
-    return result.ec == std::errc() && result.ptr == end;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+    return error == std::errc() && end == text.data() + text.size();
 }
 
 /// Binds the value of `option` to a number.
@@ -50,8 +49,7 @@ public:
                 const std::string& help, Presence presence) override
     {
         CLI::Option* option = mApp.add_option(name, target, help);
-        option->type_name(valueName)->take_last()->required(presence == Presence::Required);
-        option->check(isGiven);
+        option->type_name(valueName)->take_last()->required(presence == Presence::Required)->check(isGiven);
     }
 
     void option(const std::string& name, std::int64_t& target, const std::string& valueName,
@@ -197,8 +195,8 @@ public:
     {
         CLI::Option* option = app.add_option_function<std::string>(
             name, [&target](const std::string& value) { target = value; }, help);
-        option->check(isGiven);
-        return option->type_name(valueName)->take_last()->trigger_on_parse()->group(kGlobalGroup);
+        return option->check(isGiven)->type_name(valueName)->take_last()->trigger_on_parse()->group(
+            kGlobalGroup);
     }
 
     void addProgressOption(CLI::App& app)

@@ -1,6 +1,5 @@
-// The tree keeps the index whose folders it shows, and so answers all questions from memory. A new index
-// makes it take the folders of those catalogs out that have changed; the view opens them again as it had them
-// open.
+// The tree keeps the index whose folders it shows, and answers all questions from memory. A new index removes
+// only the folders of catalogs that have changed; the view opens them again as they were.
 #include "apps/orv-browser/places/PlacesModel.h"
 
 #include <algorithm>
