@@ -39,7 +39,7 @@ std::string examination(const std::vector<Doctor::Step>& steps)
     return text;
 }
 
-/// The path, size and time of everything below the root.
+/// The path and size of everything below the root.
 std::string listing(const fs::path& root)
 {
     std::vector<std::string> lines;

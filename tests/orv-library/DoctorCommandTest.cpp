@@ -146,8 +146,10 @@ TEST_F(Doctor, reportGivesNoNamesAndSecretsAway)
     std::string all;
     for (const auto& [name, content] : test::contentsOf(fileString(report)))
         all += name + "\n" + content;
-    for (const char* name : {"versions.txt", "doctor.txt", "folders.txt", "settings.json", "errors.log"})
+    for (const char* name :
+         {"versions.txt", "doctor.txt", "folders.txt", "status.txt", "settings.json", "errors.log"})
         EXPECT_THAT(all, HasSubstr(name));
+    EXPECT_THAT(all, HasSubstr("Last attempt: never\nLast good check: never\nNo warnings.\n"));
     for (const char* given : {"hunter2", "abc123", "xyz", "topsecret", "annabel"})
         EXPECT_THAT(all, Not(HasSubstr(given)));
     EXPECT_THAT(all, Not(HasSubstr(home)));

@@ -1,13 +1,17 @@
 #include "apps/orv-library/health/DoctorCommand.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <map>
 
 #include <QJsonArray>
 
+#include "OrvHost/health/Masking.h"
 #include "OrvHost/health/SupportReport.h"
 #include "OrvHost/imports/LibrarySource.h"
 #include "apps/catalog-service/ZipWriter.h"
 #include "apps/orv-library/Session.h"
+#include "apps/orv-library/health/StatusReport.h"
 
 using OrvHost::Doctor;
 
@@ -93,7 +97,10 @@ std::string DoctorCommand::writeReport(const fileString& root, const std::vector
 {
     ZipWriter archive(mReport);
     std::string lines = "Wrote " + mReport + ", without names of users and secrets:\n";
-    for (const auto& [name, content] : OrvHost::SupportReport::files(root, steps)) {
+    std::map<std::string, std::string> files = OrvHost::SupportReport::files(root, steps);
+    if (std::filesystem::is_directory(root.toNativeString()))
+        files["status.txt"] = OrvHost::Masking::withoutNames(StatusReport::of(root).text);
+    for (const auto& [name, content] : files) {
         archive.add(name, content);
         lines += "  " + name + ", " + std::to_string(content.size()) + " bytes\n";
     }
