@@ -123,6 +123,33 @@ TEST_F(BrowserSimilarTest, allOfThemAreSeenWithoutAScrollBarOfTheirOwn)
     }
 }
 
+/// They make the pane scroll, which takes some of its width from texts that had one line until then.
+TEST_F(BrowserSimilarTest, leaveTheTextsAboveTheirLines)
+{
+    {
+        CatalogMaker oakline(inRoot("core/Oakline Cabinets.orvlib"), "oakline");
+        const int exterior = oakline.addFolder("Exterior");
+        for (int i = 0; i < 12; ++i)
+            oakline.addItem(exterior, {"Cabinet " + std::to_string(i), "", 10001, 55});
+    }
+    open();
+    ASSERT_TRUE(settle());
+    for (const int width : {1100, 1180, 1260, 1400}) {
+        window().resize(width, 600);
+        for (const char* name : {"Cabinet 1", "Cabinet 2"}) {
+            select(name);
+            ASSERT_TRUE(waitFor([&] { return similar().size() == 12 && !similar().contains(name); }));
+            QTest::qWait(20);
+            for (const char* label :
+                 {"detailsCatalog", "detailsFolder", "detailsStyle", "detailsManufacturer"}) {
+                const auto& text = child<QLabel>(label);
+                EXPECT_GE(text.height(), text.heightForWidth(text.width()))
+                    << label << ": " << text.text().toStdString() << ", window of " << width;
+            }
+        }
+    }
+}
+
 TEST_F(BrowserSimilarTest, twoHundredThousandItemsKeepTheWindowAtWork)
 {
     {

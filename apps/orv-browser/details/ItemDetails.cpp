@@ -116,6 +116,14 @@ void ItemDetails::showSimilar(const ItemQuery::Found& found)
     mSimilar->setVisible(!found.items.empty());
 }
 
+/// A form layout keeps the heights of its rows when only the width changes, as when the pane begins to
+/// scroll. It is made to look at them again.
+void ItemDetails::resizeEvent(QResizeEvent* event)
+{
+    QWidget::resizeEvent(event);
+    layout()->update();
+}
+
 void ItemDetails::showPictureState(const QModelIndex& index)
 {
     const auto state = static_cast<PictureStore::State>(index.data(GalleryModel::kPictureStateRole).toInt());

@@ -39,6 +39,9 @@ Q_SIGNALS:
     /// The user wants to see another item, which is like this one.
     void similarChosen(const fileString& database, long long item);
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
     void showPictureState(const QModelIndex& index);
     void showSimilar(const ItemQuery::Found& found);
