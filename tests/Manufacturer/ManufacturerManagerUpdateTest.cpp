@@ -373,6 +373,7 @@ TEST_F(ManufacturerManagerUpdate, hostileLogoNamesTouchNothing)
                                  "MANUFACTURER_DATA.JSON",
                                  "manufacturer_data_temp.json",
                                  ".manufacturer_data.json.0123456789abcdef.orv-new",
+                                 ".orv-new",
                                  "kept.png\\u0000.txt"};
     mServer.otherwise([](const test::FaultRequest&) { return FaultReply::ok("hostile"); });
     for (const std::string& name : names) {
