@@ -59,7 +59,7 @@ void LibraryCatalogUpdater::gatherCoreCatalogs(std::set<fileString>& coreFiles)
             return;
         }
     } catch (...) {
-        reasonOfException(); // throws again only if the application object is missing
+        rethrowMissingApplication();
     }
     mHadError = true;
     Library::ErrorLog() << "Failed to Download Core Library Index File:  " << url << "\n";

@@ -205,7 +205,7 @@ bool LibraryCatalogUpdater::installCatalog(const fileString& downloadedFile, Cat
         if (fileDownloaded(downloadedFile, record, catalogFile))
             return true;
     } catch (...) {
-        reasonOfException(); // throws again only if the application object is missing
+        rethrowMissingApplication();
         Library::ErrorLog() << "Unable to install:  " << catalogFile << "\n";
         removeTemporaryFile(downloadedFile);
     }

@@ -121,7 +121,7 @@ void ManufacturerManager::loadManufacturers()
     try {
         read_manufacturer_file(get_manufacturer_fullname(), table, mLastModified.get(), &mDefaultText);
     } catch (...) {
-        table.clear(); // the host could not even name the file
+        // The host could not name the file, so the table stays empty.
     }
     mTable.swap(table);
 }

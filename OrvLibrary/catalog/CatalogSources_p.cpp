@@ -55,17 +55,26 @@ Application& hostApplication()
     return *application;
 }
 
-std::string reasonOfException()
+void rethrowMissingApplication()
 try {
     throw;
 } catch (const NullPointerError& error) {
     if (error.pointerName() == kApplicationPointer)
         throw;
-    return error.what();
-} catch (const std::exception& error) {
-    return error.what();
 } catch (...) {
-    return "Unknown error";
+    // Every other exception is the caller's to report.
+}
+
+std::string reasonOfException()
+{
+    rethrowMissingApplication();
+    try {
+        throw;
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (...) {
+        return "Unknown error";
+    }
 }
 
 fileString getDirectoryPathFromCategory(Library::LibraryCategory category)

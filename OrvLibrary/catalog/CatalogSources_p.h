@@ -14,8 +14,12 @@ namespace LibraryCatalogUpdate {
 /// @throws NullPointerError with the name "gApp" if there is none
 Application& hostApplication();
 
-/// The reason of the exception being handled. If this is the error for a missing application object, throws
-/// it again, because that error ends the run.
+/// Called while an exception is handled. Throws it again if it is the error for a missing application object,
+/// because that error ends the run.
+void rethrowMissingApplication();
+
+/// The reason of the exception being handled.
+/// @throws NullPointerError as `rethrowMissingApplication` does
 std::string reasonOfException();
 
 /// The folder of a category's installed catalogs, with its separator at the end. Empty for an unknown
