@@ -15,7 +15,7 @@ void put(std::string& out, std::uint64_t value, int bytes)
         out.push_back(static_cast<char>(value >> (8 * i) & 0xFF));
 }
 
-/// A member with everything decided that its description leaves open.
+/// A member with every value of `ArchiveMember` that was left open filled in.
 struct Laid
 {
     ArchiveMember member;

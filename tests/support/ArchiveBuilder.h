@@ -9,8 +9,8 @@
 
 namespace test {
 
-/// One member of an archive to be built. What is not set follows from the rest; what is set goes into the
-/// bytes as it stands, so that any lie can be told.
+/// One member of an archive to be built. The builder computes every optional value that is not set, and
+/// writes every value that is set unchanged, even if it is wrong.
 struct ArchiveMember
 {
     static constexpr std::uint16_t kStored = 0;
@@ -31,7 +31,7 @@ struct ArchiveMember
     std::string comment;
     bool zip64 = false; ///< sizes and offset in zip64 fields
 
-    // Lies.
+    // Values to set for a damaged archive.
     std::optional<std::string> rawData; ///< in place of the compressed content
     std::optional<std::uint32_t> checksum;
     std::optional<std::uint64_t> compressedSize;
@@ -41,11 +41,11 @@ struct ArchiveMember
     std::optional<std::uint64_t> localSize;
 };
 
-/// Builds archives byte by byte, sound ones and any other kind.
+/// Builds sound and damaged archives byte by byte.
 class ArchiveBuilder
 {
 public:
-    /// Adds a member; the reference holds until the next one is added.
+    /// Adds a member. The reference is valid until the next call.
     ArchiveMember& add(const std::string& name, const std::string& content);
 
     std::string prefix;                 ///< in front of the archive
@@ -56,7 +56,7 @@ public:
     std::optional<std::uint64_t> directorySize;
     std::optional<std::uint64_t> directoryOffset;
 
-    /// The whole archive. More than 65,534 members bring zip64 end records.
+    /// The bytes of the archive. More than 65,534 members need zip64 end records.
     std::string bytes() const;
     /// Writes the archive to a file of that name.
     fileString write(const TempFolder& folder, const std::string& name) const;
@@ -65,10 +65,10 @@ private:
     std::vector<ArchiveMember> mMembers;
 };
 
-/// `content` as a raw deflate stream.
+/// Compresses `content` to a raw deflate stream.
 std::string deflated(const std::string& content);
 std::string inflated(const std::string& stream, std::size_t size);
-/// Bytes that compress to about two thirds, the same for the same seed.
+/// Bytes that compress to about two thirds of their size; the same seed gives the same bytes.
 std::string sampleBytes(std::size_t size, unsigned seed);
 
 } // namespace test

@@ -9,7 +9,7 @@
 
 namespace test {
 
-/// One member as an independent reader sees it.
+/// One member as minizip reads it, independently of the library.
 struct ReadMember
 {
     std::string name;
@@ -26,9 +26,9 @@ struct ReadMember
     std::string comment;
 };
 
-/// Reads an archive with the zip library's own reader, every member with all that the directory says, in the
-/// order of the directory.
-/// @throws std::runtime_error when it is not sound in that reader's eyes
+/// Reads an archive with minizip, which the library does not use. Returns all members with everything that
+/// the directory says, in the order of the directory.
+/// @throws std::runtime_error if minizip refuses the archive
 std::vector<ReadMember> readArchive(const fileString& archive);
 /// Name and content of every member, in the order of the directory.
 std::vector<std::pair<std::string, std::string>> contentsOf(const fileString& archive);

@@ -8,11 +8,13 @@ const char* const kLoginPath = "/login";
 
 namespace {
 
-/// Longer than the smallest change that is fetched.
+/// The page is larger than the smallest change that the updater fetches, so its size alone is no reason for a
+/// refusal.
 const std::string kPage = "<html><body>Please sign in.</body></html>" + std::string(2000, ' ');
 const std::vector<std::string> kHtml = {"Content-Type: text/html; charset=utf-8"};
 
-/// A chain of `hops` redirects to the address itself, told apart by a mark at the end.
+/// Redirects to the same address `hops` times, then replies with `sound`. A counter in the query tells the
+/// steps apart.
 FaultReply redirectChain(const FaultReply& sound, const FaultRequest& request, int hops)
 {
     const std::string mark = "&hops=";
@@ -195,7 +197,7 @@ std::vector<Behaviour> redirects()
         {"redirect to an empty address", [](S, R) { return FaultReply::redirect(""); }},
         {"redirect to nonsense", [](S, R) { return FaultReply::redirect("http://[::1"); }},
         {"redirect to a closed port", [](S, R) { return FaultReply::redirect("http://127.0.0.1:1/x?"); }},
-        // Nobody answers the handshake.
+        // The server does not speak TLS, so the handshake gets no reply.
         {"redirect to https",
          [](S, R r) { return FaultReply::redirect("https://" + r.header("Host") + "/x?"); }, false, true},
     };

@@ -7,25 +7,27 @@
 
 namespace test {
 
-/// A way in which a web service is broken or hostile.
+/// One way in which a web service can be broken or hostile.
 struct Behaviour
 {
     const char* name;
     std::function<FaultReply(const FaultReply& sound, const FaultRequest& request)> spoil;
-    /// It sends other bytes as if they were the file, with the right tag; the transfer cannot tell.
+    /// The service sends other bytes as if they were the file, with the file's entity tag. The transfer
+    /// cannot detect this.
     bool lies = false;
-    /// The answer, or the rest of it, never comes.
+    /// The response, or the rest of it, never arrives.
     bool isSilent = false;
 };
 
-/// The address that one form of a login page leads to; the service is to have `loginPage` there.
+/// One login page is behind a redirect to this address. The service must serve `loginPage` there.
 extern const char* const kLoginPath;
 FaultReply loginPage();
-/// What a login that is missing or has expired may put in place of an answer: the page itself, with its type
-/// or without one, a redirect to it, or an error status with the page.
+/// Replies of a network that requires a login: the page itself, with or without its content type, a redirect
+/// to it, or an error status with the page.
 std::vector<Behaviour> loginPages();
 
-/// Everything that one answer may be spoilt by: its end, its length, its headers, redirects, lies.
+/// Every way to spoil a single response: cut off, silent, wrong length, bad headers, redirects, false
+/// content.
 std::vector<Behaviour> brokenServices();
 
 } // namespace test

@@ -37,12 +37,12 @@ int withoutExceptions(const std::function<int()>& work)
     }
 }
 
-/// Ends the child without what belongs to the parent: its exit handlers and buffers. What it reached counts,
-/// also where it has given up its rights.
+/// Ends the child without running the exit handlers or flushing the buffers of the parent. Its coverage
+/// counters are still written, even if it has given up its rights.
 [[noreturn]] void endChild(int status)
 {
 #if defined(ORV_COVERAGE)
-    static_cast<void>(!seteuid(0)); // only where it was so before
+    static_cast<void>(!seteuid(0)); // succeeds only if the child was started as root
     __gcov_dump();
 #endif
     _exit(status);
@@ -61,7 +61,8 @@ ChildEnd waitFor(pid_t process)
     return end;
 }
 
-/// Only the saved id stays: the system asks for it at no call but those that change ids.
+/// Keeps root as the saved user id only. The kernel consults it only in calls that change ids, so `endChild`
+/// can return to root and nothing else can.
 bool giveUpRights()
 {
     return geteuid() != 0 ||

@@ -4,8 +4,9 @@
 #include <optional>
 #include <string>
 
-/// Work in a process of its own, for what a test cannot do to itself: die, lose rights, mount. The child
-/// shares no failure with the test: it says what it found by its exit status, 0 to 255.
+/// Runs work in a process of its own that a test cannot do to itself: die, give up its rights, mount. A
+/// failed expectation in the child does not reach the test, so the child reports its result as its exit
+/// status, 0 to 255.
 namespace test {
 
 /// How a child ended.
@@ -17,19 +18,19 @@ struct ChildEnd
 
 ChildEnd runInChild(const std::function<int()>& work);
 
-/// Runs as a user without rights. Where the test has no rights itself, that is the user who runs it.
+/// Runs `work` as a user without rights: as "nobody" if the test runs as root, otherwise as the current user.
 ChildEnd runWithoutRights(const std::function<int()>& work);
 
-/// Runs with a new file system of a fixed size mounted on `folder`, seen by the child only.
-/// @return none, with `reason`, where the test may not mount
+/// Runs `work` with a new file system of a fixed size mounted on `folder`. Only the child sees the mount.
+/// @return none, with `reason`, if the test may not mount
 std::optional<ChildEnd> runOnSmallDisk(const std::string& folder, int kilobytes,
                                        const std::function<int()>& work, std::string& reason);
 
-/// A process that does `work`, says so, and waits until the object is destroyed, which kills it.
+/// A process that does `work`, reports that it is done, and then waits. The destructor kills it.
 class WaitingChild
 {
 public:
-    /// Returns when `work` is done.
+    /// Returns after the child has done `work`.
     explicit WaitingChild(const std::function<void()>& work);
     ~WaitingChild();
     WaitingChild(const WaitingChild&) = delete;
@@ -39,7 +40,7 @@ private:
     int mProcess = -1;
 };
 
-/// A folder on another device than the temporary folder, removed at the end of the block.
+/// A folder on a device other than that of the temporary folder. The destructor removes it.
 class OtherDevice
 {
 public:
@@ -48,7 +49,7 @@ public:
     OtherDevice(const OtherDevice&) = delete;
     OtherDevice& operator=(const OtherDevice&) = delete;
 
-    /// Empty when there is none.
+    /// Empty if the machine has no second device.
     const std::string& path() const { return mPath; }
 
 private:

@@ -11,8 +11,8 @@ struct ClockSpan
     boost::posix_time::ptime after;
 };
 
-/// Does `work`, and does it once more where somebody has set the clock back meanwhile: the order of its times
-/// says nothing then.
+/// Does `work` between two looks at the clock. If the clock was set back meanwhile, the times say nothing,
+/// and it does `work` once more.
 template <class Work>
 ClockSpan clockSpanOf(Work work)
 {

@@ -11,37 +11,37 @@
 
 namespace test {
 
-/// A catalog web service with contents that a test gives it, over the fault server: the redirect, tags that
-/// are the contents' SHA-1, 304 for a matching tag. It remembers which bodies travelled.
+/// A catalog web service over the fault server, with contents that a test provides: the redirect, entity tags
+/// that are the SHA-1 of the contents, 304 for a matching tag. It records which bodies it sent.
 class ContentService
 {
 public:
     ContentService();
 
     std::string redirect() const { return mServer.url("/redirect"); }
-    /// Offers a file under a name (UTF-8), or another content for it.
+    /// Offers a file under a name (UTF-8), or replaces its content.
     void offer(const std::string& name, const std::string& content);
-    /// Answers every download of a file, but not the question for its headers, like this.
+    /// Sends this reply to every GET request for a file; HEAD requests get the sound reply.
     void spoil(const std::string& name, const FaultReply& reply);
 
-    /// Answers every question for the headers of a file like this.
+    /// Sends this reply to every HEAD request for a file.
     void spoilHeader(const std::string& name, const FaultReply& reply);
-    /// Every body that is sent is cut off after so many bytes; a request for a range gets the next ones.
+    /// Cuts off every body after this many bytes; a range request gets the bytes that follow.
     void cutBodies(std::size_t bytes);
-    /// The same with another place for each body, in turn; those after the last one are whole.
+    /// Cuts off each body at the next of these places; bodies after the last place are whole.
     void cutBodiesInTurn(const std::vector<std::size_t>& places);
-    /// Makes of each sound answer, that of the redirect too, what `spoiler` returns; null for none. Called on
-    /// the connection's thread.
+    /// Replaces each sound reply, also that of the redirect, by the result of `spoiler`. Null restores the
+    /// sound replies. The spoiler runs on the thread of the connection.
     using Spoiler = std::function<FaultReply(const FaultReply& sound, const FaultRequest& request)>;
     void spoilWith(Spoiler spoiler);
-    /// Answers nothing soundly any more.
+    /// Sends this reply to every request from now on.
     void spoilAll(const FaultReply& reply);
 
-    /// Names whose bodies were fetched since the last call, in order.
+    /// Names of the files whose bodies were sent since the last call, in order.
     std::vector<std::string> takeFetched();
-    /// Waits until a body is being fetched, at most 10 s.
+    /// Waits at most 10 s until the service sends the body of this file.
     bool waitUntilFetched(const std::string& name);
-    /// Names that were asked for since the last call, in order, the index included.
+    /// Names of the files that were requested since the last call, in order, including the index.
     std::vector<std::string> takeAsked();
     FaultServer& server() { return mServer; }
 

@@ -10,7 +10,7 @@
 
 namespace test {
 
-/// A message bus of the test's own, as the system has one: `dbus-daemon`, until the end of the block.
+/// A private message bus: a `dbus-daemon` that runs until the destructor.
 class MessageBus
 {
 public:
@@ -19,7 +19,7 @@ public:
     MessageBus(const MessageBus&) = delete;
     MessageBus& operator=(const MessageBus&) = delete;
 
-    /// For `DBUS_SYSTEM_BUS_ADDRESS`.
+    /// Value for the variable `DBUS_SYSTEM_BUS_ADDRESS`.
     const std::string& address() const { return mAddress; }
 
 private:
@@ -28,7 +28,7 @@ private:
     std::string mAddress;
 };
 
-/// Something that listens where a bus should be and never says a word.
+/// Listens at the address of a bus, accepts connections and never replies.
 class SilentBus
 {
 public:
@@ -45,11 +45,11 @@ private:
     int mSocket = -1;
 };
 
-/// NetworkManager on a bus, as far as its property "Metered" goes. It answers on a thread of its own.
+/// A NetworkManager on a bus that has only the property "Metered". It replies on its own thread.
 class FakeNetworkManager
 {
 public:
-    /// Values of the property.
+    /// Values of the property "Metered".
     static constexpr unsigned int kUnknown = 0;
     static constexpr unsigned int kYes = 1;
     static constexpr unsigned int kNo = 2;
@@ -62,9 +62,9 @@ public:
     FakeNetworkManager& operator=(const FakeNetworkManager&) = delete;
 
     void say(unsigned int metered);
-    /// Takes questions from now on, and answers none.
+    /// From now on accepts requests and does not reply.
     void fallSilent();
-    /// How often it was asked for the property.
+    /// How often the property was requested.
     int asked() const;
 
 private:

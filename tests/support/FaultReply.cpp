@@ -29,7 +29,7 @@ std::string phrase(int code)
     return found == phrases.end() ? "Status" : found->second;
 }
 
-/// Packed as a server does it for a browser.
+/// Compresses `text` in the gzip format.
 std::string gzip(const std::string& text)
 {
     constexpr int kGzipWindow = 15 + 16;
@@ -47,7 +47,7 @@ std::string gzip(const std::string& text)
     return packed;
 }
 
-/// Where the header line of that name begins; npos where there is none.
+/// The position of the header line with this name, or npos.
 std::size_t findHeader(const std::string& head, const std::string& name)
 {
     for (std::size_t at = head.find("\r\n"); at != std::string::npos; at = head.find("\r\n", at + 2)) {
@@ -66,7 +66,7 @@ std::string head(int code, const std::vector<std::string>& headerLines)
     return text;
 }
 
-/// The pieces as chunks, with the last, empty one.
+/// Encodes the pieces as chunks and adds the empty last chunk.
 std::string chunks(const std::vector<std::string>& pieces)
 {
     std::string text;

@@ -8,7 +8,7 @@
 
 namespace test {
 
-/// A request as it came over the wire.
+/// A request as the server received it.
 struct FaultRequest
 {
     std::string method;
@@ -16,14 +16,14 @@ struct FaultRequest
     std::vector<std::string> headerLines;
     int connection = 0; ///< counted from 0 in the order of acceptance
 
-    /// Target without its query.
+    /// The target without its query.
     std::string path() const;
-    /// Value of the first header of that name, whatever its letter case; empty when there is none.
+    /// The value of the first header with this name in any letter case, or an empty string.
     std::string header(const std::string& name) const;
 };
 
-/// What the server sends, byte for byte, and how badly. Made by one of the named functions, then spoilt:
-/// `FaultReply::ok("body").cutAt(30).reset()`.
+/// A reply byte for byte, together with the way in which it fails. A named function makes a sound reply, and
+/// further calls spoil it: `FaultReply::ok("body").cutAt(30).reset()`.
 class FaultReply
 {
 public:
@@ -35,54 +35,54 @@ public:
         Reset
     };
 
-    /// Exactly these bytes, for any method.
+    /// Sends exactly these bytes, whatever the method.
     static FaultReply raw(const std::string& bytes);
-    /// A sound answer with its Content-Length; a HEAD request gets it without the body.
+    /// A sound reply with a Content-Length. A HEAD request gets it without the body.
     static FaultReply status(int code, const std::string& body = {},
                              const std::vector<std::string>& headerLines = {});
     static FaultReply ok(const std::string& body, const std::vector<std::string>& headerLines = {});
     static FaultReply redirect(const std::string& location, int code = 302, const std::string& body = {});
     static FaultReply chunked(const std::vector<std::string>& pieces,
                               const std::vector<std::string>& headerLines = {});
-    /// The body that ends with the connection; no length is sent.
+    /// A reply without a length; the end of the connection ends the body.
     static FaultReply untilClose(const std::string& body, const std::vector<std::string>& headerLines = {});
-    /// The body packed by gzip, and said to be so, whatever the request would take.
+    /// The body compressed by gzip with its Content-Encoding, even if the request did not ask for it.
     static FaultReply gzipped(const std::string& body, const std::vector<std::string>& headerLines = {});
-    /// The answer of a sound server that has a file with this content and entity tag (its quotes included):
-    /// 304 where the request has the tag, a range where it asks for one of this version, or the whole file.
+    /// The reply of a sound server that has a file with this content and entity tag (quotes included): 304 if
+    /// the request has the tag, a range if it asks for one of this version, otherwise the whole file.
     static FaultReply file(const FaultRequest& request, const std::string& content, const std::string& tag);
-    /// Takes the request and never answers.
+    /// Reads the request and never replies.
     static FaultReply silence();
 
-    /// With this header line, and no other one of its name.
+    /// Replaces all header lines of the same name by this line.
     FaultReply& withHeader(const std::string& line);
     FaultReply& withoutHeader(const std::string& name);
     FaultReply& withStatus(int code);
-    /// With its body in one chunk, and no length.
+    /// Sends the body as one chunk, without a length.
     FaultReply& inChunks();
-    /// With another body; its length is told as it is.
+    /// Replaces the body and adapts the Content-Length.
     FaultReply& withBody(const std::string& body);
 
-    /// Sends the first `count` bytes of the whole reply only; then the connection is closed.
+    /// Sends only the first `count` bytes of the whole reply, then closes the connection.
     FaultReply& cutAt(std::size_t count);
-    /// The same with the first `count` bytes of the body; of a HEAD request's answer nothing is missing.
+    /// Sends only the first `count` bytes of the body. The reply to a HEAD request stays complete.
     FaultReply& cutBodyAt(std::size_t count) { return cutAt(headSize() + count); }
-    /// Ends the connection after the reply.
+    /// Closes the connection after the reply.
     FaultReply& close();
-    /// Ends it with a reset instead.
+    /// Resets the connection after the reply.
     FaultReply& reset();
-    /// Waits before the byte at `offset` of the whole reply (0: before all of it); may be given several
-    /// times.
+    /// Pauses before the byte at `offset` of the whole reply; 0 pauses before the reply. May be called
+    /// several times.
     FaultReply& pauseAt(std::size_t offset, Milliseconds time);
-    /// Sends the bytes before `offset`, then nothing more until the client goes.
+    /// Sends the bytes before `offset`, then nothing more until the client disconnects.
     FaultReply& silentAt(std::size_t offset);
     FaultReply& silentInBodyAt(std::size_t offset) { return silentAt(headSize() + offset); }
-    /// Sends pieces of so many bytes with a pause after each.
+    /// Sends pieces of `bytes` bytes with a pause after each.
     FaultReply& trickle(std::size_t bytes, Milliseconds pause);
 
-    /// The reply's bytes to a request of that method.
+    /// The bytes of the reply to a request with this method.
     std::string bytes(const std::string& method) const;
-    /// Where the body starts.
+    /// The offset of the body in the whole reply.
     std::size_t headSize() const { return mHead.size(); }
     const std::string& body() const { return mBody; }
     bool isStatus(int code) const { return mHead.find(" " + std::to_string(code) + " ") == 8; }
@@ -92,7 +92,7 @@ private:
 
     std::string mHead;
     std::string mBody;
-    /// Whether the body goes to HEAD requests too.
+    /// Whether a HEAD request gets the body too.
     bool mIsRaw = false;
     End mEnd = End::Keep;
     std::size_t mCut = std::string::npos;

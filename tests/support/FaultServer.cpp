@@ -17,7 +17,8 @@ namespace test {
 namespace {
 
 constexpr int kForever = -1;
-/// So much of an answer, at most, goes out after its request was counted as over.
+/// A request counts as finished before the last part of its reply is sent. This is the largest size of that
+/// part.
 constexpr std::size_t kLastPart = 16'384;
 
 [[noreturn]] void raise(const char* what)
@@ -81,7 +82,7 @@ FaultServer::~FaultServer()
         mStopping = true;
         mChanged.notify_all();
     }
-    ::close(mStopPipe[1]); // everyone who waits sees the other end
+    ::close(mStopPipe[1]); // wakes every thread that waits
     mAcceptThread.join();
     for (Connection& connection : mConnections)
         connection.thread.join();
@@ -192,7 +193,8 @@ void FaultServer::stopListening()
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     mAccepting = false;
-    // The accepting thread may be waiting for it, which keeps a closed one open for a moment.
+    // The accepting thread may be polling the socket, which would keep a closed socket listening for a
+    // moment. The shutdown ends that at once.
     shutdown(mListener, SHUT_RDWR);
     ::close(mListener);
     mListener = -1;
@@ -241,7 +243,7 @@ void FaultServer::acceptLoop()
         int listener = -1;
         {
             const std::lock_guard<std::mutex> lock(mMutex);
-            listener = mAccepting ? mListener : -1; // poll passes over a negative one
+            listener = mAccepting ? mListener : -1; // poll ignores a negative descriptor
         }
         pollfd polled[] = {{listener, POLLIN, 0}, {mStopPipe[0], POLLIN, 0}};
         poll(polled, 2, 20);
@@ -269,7 +271,7 @@ void FaultServer::joinEnded()
     mConnections.remove_if([](Connection& connection) {
         if (connection.socket >= 0)
             return false;
-        connection.thread.join(); // A thread that is not joined keeps its stack.
+        connection.thread.join(); // frees the stack of the thread
         return true;
     });
 }
@@ -360,7 +362,8 @@ FaultReply FaultServer::replyTo(const FaultRequest& request)
     return handler ? handler(request) : FaultReply::status(404, "not here\n");
 }
 
-/// Where the piece ends that begins at `at`: at a pause, after a piece of a trickle, before the last part.
+/// The end of the piece that starts at `at`: the next pause, the end of a trickled piece, or the start of the
+/// last part.
 std::size_t FaultServer::pieceEnd(const FaultReply& reply, std::size_t at, std::size_t end)
 {
     const auto pause = reply.mPauses.upper_bound(at);
@@ -389,7 +392,7 @@ bool FaultServer::sendPieces(int socket, const FaultReply& reply, const std::str
             return false;
         to = pieceEnd(reply, at, end);
         if (to == end && reply.mSilence == std::string::npos) {
-            endRequest(); // Who has the answer may ask again at once.
+            endRequest(); // The client may send its next request as soon as it has the reply.
             sendBytes(socket, bytes, at, to);
             return true;
         }

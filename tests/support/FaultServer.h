@@ -16,9 +16,9 @@
 
 namespace test {
 
-/// An HTTP server on a free port of 127.0.0.1 that answers as badly as a test wants, and remembers what it
-/// was asked. Connections are kept open between requests unless a reply ends them. All operations may be
-/// called from any thread while it serves; the destructor ends every connection at once.
+/// An HTTP server on a free port of 127.0.0.1 that replies as badly as a test wants and records the requests.
+/// It keeps connections open between requests unless a reply ends them. All operations are thread-safe while
+/// it serves; the destructor ends every connection at once.
 class FaultServer
 {
 public:
@@ -33,46 +33,47 @@ public:
     /// "http://127.0.0.1:PORT" followed by `target`.
     std::string url(const std::string& target = "/") const;
 
-    /// Answers every request for `path` (or, where `path` holds a "?", for that target) so. What was said
-    /// last of a path counts; other paths get a 404.
+    /// Sends this reply to every request for `path`; if `path` contains a "?", it is compared with the whole
+    /// target. A later call for the same path replaces an earlier one. Other paths get a 404.
     void on(const std::string& path, const FaultReply& reply);
-    /// Answers the requests for `path` with these replies one after the other, then with the last one.
+    /// Sends these replies to the requests for `path` one after the other, and then repeats the last one.
     void onInTurn(const std::string& path, const std::vector<FaultReply>& replies);
-    /// Answers request number `number` of the server, counted from 0, so, whatever it asks for.
+    /// Sends this reply to the request with this number, counted from 0 over all paths.
     void onNumber(int number, const FaultReply& reply);
-    /// Answers all that nothing else was said of. Called on the connection's thread.
+    /// Handles all requests for which no reply was set. The handler runs on the thread of the connection.
     void otherwise(Handler handler);
 
-    /// Called for every connection that was accepted, with a lock held: it is not to ask the server anything.
+    /// Calls `hook` for every accepted connection. A lock is held meanwhile, so the hook must not call the
+    /// server.
     void onAccept(std::function<void()> hook);
-    /// Waits so long after accepting a connection before it is read.
+    /// Waits this long after accepting a connection before reading from it.
     void delayConnections(std::chrono::milliseconds time);
-    /// Serves only so many connections at a time, each until the client closes it; the others wait.
+    /// Serves at most `count` connections at a time, each until the client closes it. The others wait.
     void limitWorkers(int count);
-    /// Answers what comes while so many requests are being answered with `refusal`, such as a status of 429.
-    /// A request is being answered until the last part of its answer goes out.
+    /// While `count` requests are in progress, replies to each further request with `refusal`, for example a
+    /// status 429. A request is in progress until the last part of its reply is sent.
     void limitRequests(int count, const FaultReply& refusal);
-    /// How many requests were refused so.
+    /// How many requests got the refusal of `limitRequests`.
     int refusedCount() const;
-    /// Resets each connection that comes while so many are open, before it is read.
+    /// While `count` connections are open, resets each further connection without reading from it.
     void limitConnections(int count);
-    /// The most requests that were being answered at once.
+    /// The largest number of requests that were in progress at the same time.
     int mostAtOnce() const;
-    /// Lets the system hold only so many connections, and one more, that nobody has accepted.
+    /// Limits the system's queue of connections that the server has not accepted to `count`, and one more.
     void limitBacklog(int count);
-    /// Accepts no further connections: the system takes them, nobody reads.
+    /// Accepts no further connections. The system still completes them, but nobody reads from them.
     void stopAccepting();
-    /// Closes the listening socket, so that connecting is refused. Open connections stay.
+    /// Closes the listening socket: further attempts to connect are refused. Open connections stay.
     void stopListening();
-    /// Ends all open connections.
+    /// Closes all open connections.
     void dropConnections();
 
     std::vector<FaultRequest> requests() const;
-    /// Requests whose path or target is `path`.
+    /// The requests whose path or target is `path`.
     std::vector<FaultRequest> requestsFor(const std::string& path) const;
-    /// Connections accepted so far.
+    /// How many connections were accepted so far.
     int connectionCount() const;
-    /// Waits until so many requests have come, at most 10 s.
+    /// Waits at most 10 s until the server has received `count` requests.
     bool waitForRequests(std::size_t count) const;
 
 private:
@@ -85,27 +86,28 @@ private:
 
     void acceptLoop();
     void serve(Connection& connection);
-    /// Waits for a worker; false when the server stops.
+    /// Waits for a free worker. Returns false if the server stops.
     bool takeWorker();
     bool readRequest(Connection& connection, std::string& buffer, FaultRequest& request);
     FaultReply replyTo(const FaultRequest& request);
     void endRequest();
-    /// Whether the connection stays.
+    /// Returns whether the connection stays open.
     bool send(int socket, const FaultReply& reply, const std::string& method);
-    /// Whether all went out, up to where the reply falls silent.
+    /// Returns whether everything was sent, up to the point where the reply falls silent.
     bool sendPieces(int socket, const FaultReply& reply, const std::string& bytes);
     static std::size_t pieceEnd(const FaultReply& reply, std::size_t at, std::size_t end);
     bool sendBytes(int socket, const std::string& bytes, std::size_t from, std::size_t to);
-    /// Waits; false when the server stops or the client goes.
+    /// Returns false if the server stops or the client disconnects.
     bool wait(int socket, std::chrono::milliseconds time);
     void waitForever(int socket);
     void endConnection(Connection& connection, bool withReset);
-    /// Forgets the connections that have ended. Called with the lock held, which their threads need no more.
+    /// Removes the connections that have ended. The caller holds the lock; the threads of these connections
+    /// no longer need it.
     void joinEnded();
 
     int mListener = -1;
     int mPort = 0;
-    /// Readable once the server stops.
+    /// Its read end becomes readable when the server stops.
     int mStopPipe[2] = {-1, -1};
     std::thread mAcceptThread;
 
@@ -127,7 +129,7 @@ private:
     Handler mOtherwise;
     std::function<void()> mOnAccept;
     std::vector<FaultRequest> mRequests;
-    /// Open ones, and a few that have ended.
+    /// The open connections and some that have ended.
     std::list<Connection> mConnections;
     int mConnectionCount = 0;
 };

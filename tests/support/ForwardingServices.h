@@ -13,8 +13,8 @@
 #include "OrvLibrary/host/StringTable.h"
 #include "tests/support/ServiceCalls.h"
 
-/// One implementation of every installable service that forwards to another one, counts the calls, and fails
-/// or throws where that is planned. The service behind and the counter are not owned.
+/// One implementation of every installable service. Each forwards its calls to another implementation, counts
+/// them, and fails or throws at planned calls. It owns neither the other implementation nor the counter.
 namespace test {
 
 class ForwardingPathUtils : public PathUtils
@@ -50,7 +50,7 @@ private:
     ServiceCalls& mCalls;
 };
 
-/// Fails by knowing no text.
+/// Its failure results are an empty text and the key without a translation.
 class ForwardingStringTable : public StringTable
 {
 public:
@@ -106,7 +106,7 @@ private:
     ServiceCalls& mCalls;
 };
 
-/// Fails with the reason "injected failure" and the error number 7 (no connection).
+/// Its failures have the reason "injected failure" and the error number 7 (could not connect).
 class ForwardingCurl : public OrvHost::ForwardingCurl
 {
 public:
@@ -130,8 +130,8 @@ private:
     ServiceCalls& mCalls;
 };
 
-/// Puts a forwarding implementation before every service that is installed, or before its default, for the
-/// life of a block. An application object is put before one only where there is one.
+/// Wraps every installed service, or its default if none is installed, in a forwarding implementation until
+/// the destructor. It wraps an application object only if one is installed.
 class ForwardingServices
 {
 public:

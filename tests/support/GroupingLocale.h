@@ -5,7 +5,7 @@
 
 namespace test {
 
-/// Numbers as a German writes them: "1.234.567,5".
+/// Formats numbers as in German: "1.234.567,5".
 class GermanNumbers : public std::numpunct<char>
 {
 protected:
@@ -14,13 +14,13 @@ protected:
     std::string do_grouping() const override { return "\3"; }
 };
 
-/// The classic locale but for its numbers. It needs no locale of the system.
+/// The classic locale with German numbers. It needs no locale of the system.
 inline std::locale groupingLocale()
 {
     return std::locale(std::locale::classic(), new GermanNumbers);
 }
 
-/// Makes `groupingLocale` the global locale for the life of a block.
+/// Makes `groupingLocale` the global locale until the destructor.
 class ScopedGrouping
 {
 public:

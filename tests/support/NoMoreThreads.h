@@ -7,8 +7,8 @@
 
 namespace test {
 
-/// Lets no thread be started in this process, as where the system has no more of them, from construction to
-/// the end of the block: each would need more memory for its stack than there are addresses.
+/// Makes the start of every thread in this process fail until the destructor, as if the system had no threads
+/// left. It sets a default stack size that exceeds the address space.
 class NoMoreThreads
 {
 public:

@@ -9,12 +9,13 @@
 
 namespace test {
 
-/// A progress object that writes down every call: "total 12", "step Unpacking a | ", "labels a | b", "check".
-/// Used from one thread.
+/// A progress object that records every call: "total 12", "step Unpacking a | ", "labels a | b", "check". It
+/// is not thread-safe.
 class RecordingProgress : public ProgressSubject
 {
 public:
-    /// Whether the user has asked to cancel; given the number of this check, from 1.
+    /// Decides whether the user has asked to cancel. Its argument is the number of this check, counted from
+    /// 1.
     std::function<bool(int)> isCancelled = [](int) { return false; };
 
     bool checkCancel(bool processEvents) override;
@@ -25,7 +26,7 @@ public:
     void advanceBytes(std::uint64_t bytes) override;
 
     const std::vector<std::string>& calls() const { return mCalls; }
-    /// The bytes told by each `advanceBytes`, which is not among the calls.
+    /// The argument of each call of `advanceBytes`. The recorded calls do not include these.
     const std::vector<std::uint64_t>& bytes() const { return mBytes; }
     std::uint64_t sumOfBytes() const;
     int checks() const { return mChecks; }

@@ -24,7 +24,7 @@ struct SentMessage
 bool operator==(const SentMessage& left, const SentMessage& right);
 std::ostream& operator<<(std::ostream& stream, const SentMessage& message);
 
-/// Keeps every message, also those that a user would see once only. Safe from any thread.
+/// Records every message, including messages that a user sees only once. Thread-safe.
 class RecordingMessagingSystem : public error::MessagingSystem
 {
 public:
@@ -40,7 +40,7 @@ private:
     std::vector<SentMessage> mMessages;
 };
 
-/// Keeps the folders whose look-ups were dropped, in order. Safe from any thread.
+/// Records the folders passed to `resetFileSearch`, in order. Thread-safe.
 class RecordingFileSearch : public FileSearch
 {
 public:
@@ -54,7 +54,7 @@ private:
     std::vector<std::string> mFolders;
 };
 
-/// An application object with fixed names; set them before other threads ask.
+/// An application object with fixed names. Set them before other threads read them.
 class TestApplication : public Application
 {
 public:

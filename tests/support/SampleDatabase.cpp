@@ -67,8 +67,8 @@ void slowDownCheck(const std::string& file)
     run(database, "CREATE TABLE Slow (Number INTEGER)");
     run(database, "WITH RECURSIVE Numbers(Number) AS (SELECT 1 UNION ALL SELECT Number + 1 FROM Numbers "
                   "WHERE Number < 10000) INSERT INTO Slow SELECT Number FROM Numbers");
-    // A check computes the column of each row, which takes a millisecond. So would the insertion: it comes
-    // before.
+    // The column computed for each row makes the check slow: a millisecond per row. Inserting rows would be
+    // just as slow, so the column is added after the rows.
     run(database, "PRAGMA writable_schema = 1");
     run(database,
         "UPDATE sqlite_master SET sql = 'CREATE TABLE Slow (Number INTEGER, Digits INTEGER NOT NULL "

@@ -6,7 +6,7 @@
 
 namespace test {
 
-/// Sets a variable of the environment, or unsets it, for the life of a block.
+/// Sets or unsets an environment variable until the destructor.
 class ScopedEnvironment
 {
 public:

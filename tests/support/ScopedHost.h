@@ -10,9 +10,9 @@
 
 namespace test {
 
-/// A host of the test's own, installed from construction to the end of the block: the well-known folders
-/// below a fresh root, preferences in a file there, and services that record. What was installed before is
-/// installed again afterwards.
+/// Installs a host for one test until the destructor: the well-known folders below a fresh root, preferences
+/// in a file there, and services that record their calls. The destructor installs the previous services
+/// again.
 class ScopedHost
 {
 public:

@@ -28,26 +28,27 @@ constexpr std::size_t kServiceCount = 7;
 
 const char* serviceName(Service service);
 
-/// What happens at a planned call.
+/// The effect of a planned fault.
 enum class Fault
 {
-    Fail, ///< the operation's own failure result, without a call of the service behind; others go through
-    Throw ///< an `InjectedFault` before the call
+    Fail, ///< returns the operation's failure result without calling the wrapped service; an operation
+          ///< without one forwards
+    Throw ///< throws an `InjectedFault` before the call
 };
 
-/// Thrown at a planned call.
+/// The exception of `Fault::Throw`.
 class InjectedFault : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Counts the calls of all services together and of each alone, and says which are to go wrong. Calls count
-/// from 1. Safe from any thread.
+/// Counts the calls of all services together and of each service alone, and decides which of them fail. Calls
+/// count from 1. Thread-safe.
 class ServiceCalls
 {
 public:
-    /// Whether the fault happens once, or at every call from then on.
+    /// Whether the fault happens once or at every call from the planned one on.
     enum class Repeat
     {
         Once,
@@ -56,12 +57,11 @@ public:
 
     /// Plans a fault at a call, counted over all services.
     void planFault(std::size_t call, Fault fault, Repeat repeat = Repeat::Once);
-    /// Plans a fault at a call of one service, counted over that one.
+    /// Plans a fault at a call, counted over this service only.
     void planFault(Service service, std::size_t call, Fault fault, Repeat repeat = Repeat::Once);
-    /// Calls `hook` at the start of every call, with its number over all services and on its thread, before
-    /// anything else happens.
+    /// Calls `hook` at the start of every call, before anything else happens, on the calling thread. The
+    /// argument is the number of the call, counted over all services.
     void onCall(std::function<void(std::size_t)> hook);
-    /// Forgets plans, counts and the hook.
     void reset();
 
     std::size_t total() const;
@@ -71,15 +71,15 @@ public:
     /// How many of the planned faults happened.
     std::size_t faults() const;
 
-    /// Counts a call; for those who forward.
-    /// @return whether the operation is to fail
-    /// @throws InjectedFault where that is planned
+    /// Counts a call. The forwarding services call this.
+    /// @return whether the operation must return its failure result
+    /// @throws InjectedFault if a `Throw` is planned for this call
     bool enter(Service service, const char* operation);
 
 private:
     struct Plan
     {
-        std::size_t call = 0; ///< 0 for none
+        std::size_t call = 0; ///< 0: no fault is planned
         Fault fault = Fault::Fail;
         Repeat repeat = Repeat::Once;
 

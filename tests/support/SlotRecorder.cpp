@@ -99,7 +99,7 @@ void SlotRecorder::onClose()
 void SlotRecorder::keep(const std::string& slot, const std::vector<std::string>& arguments)
 {
     mEvents.push_back({slot, arguments});
-    const auto hook = onEvent; // A copy, since the hook may destroy the recorder.
+    const auto hook = onEvent; // the hook may destroy the recorder and with it the member
     if (hook)
         hook(mEvents.size());
 }

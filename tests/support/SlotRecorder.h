@@ -12,38 +12,37 @@
 
 namespace test {
 
-/// One invocation as it arrived: the slot, and its arguments as text.
+/// One call of a slot with its arguments as text.
 struct SlotEvent
 {
     std::string slot;
     std::vector<std::string> arguments;
 
-    /// "onSetText(Doors.orvlib)"; several arguments are parted by ", ".
+    /// The call as text, such as "onSetText(Doors.orvlib)"; commas separate several arguments.
     std::string text() const;
 };
 
-/// A host object with every slot that a catalog update invokes. It keeps what arrives, in order; it is used
-/// on its own thread only.
+/// A host object with every slot that a catalog update invokes. It records the calls in order. Use it on its
+/// own thread only.
 class SlotRecorder : public QObject
 {
     Q_OBJECT
 
 public:
     const std::vector<SlotEvent>& events() const { return mEvents; }
-    /// The events as texts.
     std::vector<std::string> texts() const;
-    /// The arguments of one slot's invocations, in order, each invocation's joined by ", ".
+    /// The arguments of each call of one slot, in order; ", " joins the arguments of one call.
     std::vector<std::string> argumentsOf(const std::string& slot) const;
     std::size_t count(const std::string& slot) const { return argumentsOf(slot).size(); }
-    /// How many times the run was ended, in either way.
+    /// How often the run announced its end, by either slot.
     std::size_t closings() const { return count("closeCatalogUpdateEvent") + count("onClose"); }
-    /// What the last "closeCatalogUpdateEvent" carried.
+    /// The data of the last "closeCatalogUpdateEvent".
     const std::optional<LibraryCatalogUpdate::UpdateData>& closingData() const { return mClosingData; }
     const std::vector<FileStringPair>& updatedFiles() const { return mUpdatedFiles; }
 
-    /// Called after each event was kept, with its number, from 1; may destroy the recorder.
+    /// Called after each recorded event with the number of events so far. It may destroy the recorder.
     std::function<void(std::size_t)> onEvent;
-    /// Whether new catalogs are renamed to their destinations, as a host does. Set by default.
+    /// Whether the recorder renames new catalogs to their destinations, as a host does.
     bool swapsIn = true;
 
 public Q_SLOTS:

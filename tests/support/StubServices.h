@@ -8,7 +8,8 @@
 
 namespace test {
 
-/// Answers every number with one text for the life of a block; a translation is its key.
+/// A string table with one text for all numbers, installed until the destructor. The translation of a key is
+/// the key.
 class OneText : public StringTable
 {
 public:
@@ -25,7 +26,8 @@ private:
     StringTable* mFormer;
 };
 
-/// A download service that gets nothing for the life of a block. A test overrides what it asks for.
+/// A download service whose requests all fail, installed until the destructor. Tests override the operations
+/// that they need.
 class DeadCurl : public Curl
 {
 public:

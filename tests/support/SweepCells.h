@@ -7,14 +7,14 @@
 
 namespace test {
 
-/// Whether the sweeps run at full size: the environment variable `ORV_SWEEP` is "full".
+/// Whether the sweeps run at full size, that is, whether the environment variable `ORV_SWEEP` is "full".
 inline bool isFullSweep()
 {
     const char* const size = std::getenv("ORV_SWEEP");
     return size && std::string(size) == "full";
 }
 
-/// Every cell of a full sweep; otherwise about `cut` of them, spread evenly.
+/// The indexes of all cells in a full sweep, otherwise of about `cut` cells, spread evenly.
 inline std::vector<std::size_t> sweepCells(std::size_t count, std::size_t cut)
 {
     const std::size_t wanted = isFullSweep() || count < cut ? count : cut;

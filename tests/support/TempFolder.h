@@ -7,7 +7,7 @@
 
 namespace test {
 
-/// A fresh folder of the test's own, removed with all it holds at the end of the block.
+/// A fresh temporary folder. The destructor removes it with its contents.
 class TempFolder
 {
 public:
@@ -18,23 +18,22 @@ public:
 
     /// Without the final separator.
     const std::string& path() const { return mPath; }
-    /// The path of `name` below the folder.
     fileString file(const std::string& name) const;
-    /// Writes a file below the folder, creating folders on the way.
+    /// Writes a file below the folder and creates missing folders.
     fileString write(const std::string& name, const std::string& content) const;
 
 private:
     std::string mPath;
 };
 
-/// The whole content of a file; fails the test when it cannot be read.
+/// The content of a file. Fails the test if it cannot be read.
 std::string readFile(const std::string& path);
 std::string readFile(const fileString& path);
 void writeFile(const std::string& path, const std::string& content);
-/// The permission bits of a file or folder; fails the test when there is none.
+/// The permission bits of a file or folder. Fails the test if it does not exist.
 unsigned modeOf(const fileString& path);
-/// Names of all files and folders below `folder`, relative, folders with a final "/", sorted.
-/// Links are named, not followed.
+/// The relative names of all files and folders below `folder`, sorted; names of folders end with "/". Links
+/// are listed but not followed.
 std::vector<std::string> listTree(const std::string& folder);
 
 } // namespace test

@@ -1,5 +1,5 @@
-// The main function of every test program: a Qt application without a screen, then all tests. With
-// ORV_TEST_GROUPING in the environment they run in a process whose global locale groups digits.
+// The main function of every test program: it runs all tests in a Qt application without a screen. If
+// ORV_TEST_GROUPING is set, the global locale of the process groups digits.
 #include <locale>
 
 #include <QApplication>
@@ -12,7 +12,8 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("TZ", "UTC");
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent"); // the machine's network is no matter
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS",
+            "unix:path=/nonexistent"); // tests must not depend on the machine's network
     if (qEnvironmentVariableIsSet("ORV_TEST_GROUPING"))
         std::locale::global(test::groupingLocale());
     testing::InitGoogleMock(&argc, argv);
