@@ -15,7 +15,7 @@ namespace test {
 enum class Implementation
 {
     Default,
-    Forwarding ///< before the default
+    Forwarding ///< wraps the default
 };
 
 inline std::string implementationName(const testing::TestParamInfo<Implementation>& info)
@@ -23,8 +23,8 @@ inline std::string implementationName(const testing::TestParamInfo<Implementatio
     return info.param == Implementation::Default ? "Default" : "Forwarding";
 }
 
-/// The base of the contract tests: nothing but the implementation under test is installed, and the default
-/// root is a folder of the test's own. An application object has no default; the test's stands for it.
+/// The base of the contract tests. Only the implementation under test is installed, and the default root is a
+/// temporary folder. There is no default application object, so the tests provide one.
 class ServiceContract : public testing::TestWithParam<Implementation>
 {
 protected:
@@ -54,7 +54,7 @@ protected:
         PathUtils::install(mFormerPaths);
     }
 
-    /// Whether the calls reached the implementation under test.
+    /// Expects that the calls went through the forwarding service if the test uses one.
     void expectCalls(Service service) const
     {
         if (mForwarding) {

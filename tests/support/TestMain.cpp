@@ -12,8 +12,7 @@ int main(int argc, char** argv)
 {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qputenv("TZ", "UTC");
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS",
-            "unix:path=/nonexistent"); // tests must not depend on the machine's network
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent"); // ignores the machine's network
     if (qEnvironmentVariableIsSet("ORV_TEST_GROUPING"))
         std::locale::global(test::groupingLocale());
     testing::InitGoogleMock(&argc, argv);

@@ -17,7 +17,7 @@ namespace {
 
 using testing::ElementsAre;
 
-/// Lets no file of this process grow beyond a size, as a full disk would.
+/// Limits the size of every file that this process writes, so that writing fails as on a full disk.
 class FileSizeLimit
 {
 public:
@@ -51,7 +51,7 @@ protected:
         ASSERT_TRUE(file.open(reason)) << reason;
     }
 
-    /// What is written to the disk so far.
+    /// How many bytes are on the disk so far.
     std::uintmax_t written() const
     {
         const std::string target = folder.file("a.orvlib").toNativeString();

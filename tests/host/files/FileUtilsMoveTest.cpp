@@ -163,7 +163,7 @@ TEST_F(FileUtilsMoveTest, copyOnAFullDiskLeavesTheOldContent)
                                                                                                           : 3;
         },
         reason);
-    if (!end) // only the superuser may mount a disk that is full soon
+    if (!end) // only the superuser may mount a small disk
         GTEST_SKIP() << reason;
     EXPECT_EQ(end->status, 0);
 }

@@ -80,7 +80,7 @@ TEST_F(FileUtilsTest, fileSizeIsBelowOneForEmptyAndMissing)
 TEST_F(FileUtilsTest, fileSizeGoesBeyondFourGigabytes)
 {
     const fileString file = mFolder.write("large", "");
-    std::filesystem::resize_file(file.toNativeString(), 5000000000u); // holes only
+    std::filesystem::resize_file(file.toNativeString(), 5000000000u); // a sparse file
     EXPECT_EQ(FileUtils::fileSize(file), 5000000000);
 }
 
@@ -314,7 +314,7 @@ TEST_F(FileUtilsTest, foldersInOneOfAnotherUserAreNotMade)
 
 TEST_F(FileUtilsTest, emptyRelativeAndRootPathsAreNotRemoved)
 {
-    // In a child whose root and current folder are the test's, so that a mistake does no harm.
+    // The child changes its root and current folder to the test's folder, so that a mistake does no harm.
     if (geteuid() != 0)
         GTEST_SKIP() << "needs the superuser, who can change the root";
     mFolder.write("folder/file", "x");
@@ -328,7 +328,7 @@ TEST_F(FileUtilsTest, emptyRelativeAndRootPathsAreNotRemoved)
         int refused = 0;
         for (const std::string& path : paths)
             refused += FileUtils::removeDirectoryAndFiles(fileString(path), 1) ? 0 : 1;
-        // Out again: what a build with counters writes at the end must not land in the test's folder.
+        // Leaves the changed root, because a coverage build writes its counters at the end of the process.
         return fchdir(formerRoot) == 0 && chroot(".") == 0 ? refused : 101;
     });
     EXPECT_EQ(end.status, 15);

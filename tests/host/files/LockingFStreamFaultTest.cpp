@@ -1,4 +1,4 @@
-// A kill and a full disk: the target keeps its old content.
+// After a kill or on a full disk the target keeps its old content.
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
@@ -39,7 +39,7 @@ TEST_F(LockingFStreamFault, aKillInTheMiddleLeavesTheOldContentAndTheNextWriterC
 class LockingFStreamFullDisk : public LockingFStreamFault
 {
 protected:
-    /// Runs on a disk of 64 KiB where `disk/data` holds "old", and expects it to stay so.
+    /// Runs `work` on a disk of 64 KiB on which `disk/data` holds "old", and expects that content afterwards.
     void expectOldContentAfter(const std::function<bool(const fileString&)>& work)
     {
         const std::string disk = mFolder.path() + "/disk";
@@ -54,7 +54,7 @@ protected:
                 return test::readFile(file) == "old" && test::listTree(disk) == Names{"data"} ? 0 : 2;
             },
             reason);
-        if (!end) // only the superuser may mount a disk that is full soon
+        if (!end) // only the superuser may mount a small disk
             GTEST_SKIP() << reason;
         EXPECT_EQ(end->status, 0);
     }
@@ -77,7 +77,7 @@ TEST_F(LockingFStreamFullDisk, isFoundAtTheLastByteToo)
     expectOldContentAfter([](const fileString& file) {
         LockingFStream out(file, kWrite);
         for (int i = 0; i < 63 * 1024; ++i)
-            out.put('x'); // fits into the stream's buffer, but not onto the disk
+            out.put('x'); // fits into the stream's buffer, but not on the disk
         const bool wasGood = out.good();
         out.close();
         return wasGood && out.fail();

@@ -17,7 +17,7 @@ constexpr auto kRead = std::ios_base::in;
 constexpr auto kWrite = std::ios_base::out | std::ios_base::trunc;
 constexpr auto kAppend = std::ios_base::out | std::ios_base::app;
 
-/// A folder of its own, and the short ways to read and write in it.
+/// A temporary folder, and helpers to read and write files in it.
 class LockingFStreamFixture : public testing::Test
 {
 protected:

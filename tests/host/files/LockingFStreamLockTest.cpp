@@ -1,4 +1,4 @@
-// Several at one file: who waits, for how long, and what each gets to see.
+// Several streams on one file: which of them wait, how long, and what content each reads.
 #include <chrono>
 #include <memory>
 #include <thread>
@@ -25,7 +25,7 @@ TEST_F(LockingFStreamLock, readersShareTheLock)
     EXPECT_TRUE(opens(file, kRead));
 }
 
-/// Opens while somebody else holds the lock, and says how long that took; 0 seconds when it opened.
+/// How many seconds a stream waits for a lock before its opening fails; 0 if it opens.
 double refusedAfter(const fileString& file, std::ios_base::openmode mode)
 {
     const auto start = std::chrono::steady_clock::now();

@@ -1,4 +1,4 @@
-// Reading, writing and opening: what arrives at the target, when, and what is refused.
+// Reading, writing and opening: when the target gets its new content, and which calls fail.
 #include <cerrno>
 #include <filesystem>
 #include <locale>
@@ -126,7 +126,7 @@ TEST_F(LockingFStreamTest, whatIsNoRegularFileDoesNotOpen)
     EXPECT_EQ(list(), before);
 }
 
-/// The system's reason for which the stream does not open; 0 when it does.
+/// The system's error number if the stream does not open, otherwise 0.
 int reasonNotToOpen(const fileString& path, std::ios_base::openmode mode)
 {
     errno = 0;

@@ -12,7 +12,7 @@ namespace {
 bool gHasNoLocks = false;
 std::function<void()> gMeanwhile;
 
-/// The C library's own function.
+/// The function of the C library.
 template <class Function>
 Function* next(Function*, const char* name)
 {
@@ -21,7 +21,7 @@ Function* next(Function*, const char* name)
 
 } // namespace
 
-// These stand before the C library's own.
+// These definitions take precedence over those of the C library.
 extern "C" {
 
 int flock(int file, int operation) noexcept

@@ -4,8 +4,8 @@
 
 namespace test {
 
-/// A system whose files have no locks, from construction to the end of the block. Where a thread of this
-/// program would sleep, `meanwhile` is done instead. One at a time.
+/// Simulates a file system without file locks, until the destructor. Each sleep of this program runs
+/// `meanwhile` instead. Only one object may exist at a time.
 class LocklessSystem
 {
 public:

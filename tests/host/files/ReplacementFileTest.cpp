@@ -14,8 +14,8 @@
 
 namespace {
 
-/// Where files have no locks: what a writer finds that begins while another one's file stands beside the
-/// target, and the other one does `meanwhile` with it, which is given its path.
+/// On a file system without locks, a writer starts while the temporary file of another writer lies beside the
+/// target. `meanwhile` does the other writer's next step; its argument is the path of that file.
 class ReplacementFileWithoutLocks : public testing::Test
 {
 protected:

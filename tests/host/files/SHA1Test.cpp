@@ -17,7 +17,7 @@ namespace {
 
 constexpr char kOfAbc[] = "a9993e364706816aba3e25717850c26c9cd0d89d";
 
-/// Bytes without a period, `count` of them.
+/// Bytes that do not repeat periodically.
 std::string noise(std::size_t count)
 {
     std::string content(count, '\0');
@@ -86,7 +86,7 @@ TEST_F(SHA1Test, isEmptyForAFileThatMayNotBeRead)
 
 TEST_F(SHA1Test, isEmptyWhenReadingFails)
 {
-    // A folder opens, and fails when it is read.
+    // A folder can be opened, but reading it fails.
     const host::FileHandle folder = host::openFile(mFolder.path(), 0);
     ASSERT_TRUE(folder);
     EXPECT_EQ(host::sha1HexByOpenSsl(folder.get()), "");

@@ -17,7 +17,7 @@ class TempNames : public testing::Test
 protected:
     Names list() const { return test::listTree(mFolder.path()); }
 
-    /// Leaves temporary files as a killed process does.
+    /// Leaves temporary files as a killed process would.
     void leaveFiles() const
     {
         mFolder.write(host::makeTempName(".zip"), "x");
@@ -68,7 +68,7 @@ TEST_F(TempNames, theFilesOfALivingProcessStay)
         EXPECT_EQ(list().size(), 3u);
     }
     const test::TempFolder other;
-    host::claimTempFolder(other.path()); // gives the first one up
+    host::claimTempFolder(other.path()); // releases the first folder
     host::claimTempFolder(mFolder.path());
     EXPECT_EQ(list(), Names{}) << "the child is gone";
 }

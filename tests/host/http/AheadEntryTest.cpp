@@ -12,7 +12,7 @@ namespace {
 class AheadEntryTest : public testing::Test
 {
 protected:
-    /// A body of this announced size that is fetched ahead.
+    /// A body that is fetched ahead and was announced with this size.
     std::unique_ptr<FileBody> bodyOf(std::int64_t size) const
     {
         return std::make_unique<FileBody>(AheadPolicy::limitsAhead(mLimits, size), mFolder.file("a.orvlib"));

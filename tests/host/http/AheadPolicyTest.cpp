@@ -13,7 +13,7 @@ struct WidthRow
     std::chrono::microseconds latency;
     bool isMultiplexing;
     std::size_t limit;
-    std::size_t width; ///< with one connection that stands
+    std::size_t width; ///< with one established connection
     std::size_t connections;
 };
 

@@ -38,12 +38,12 @@ TEST(BodyDigest, announcedDigestsMustBeTheBodys)
         {"Content-Digest: " + right512 + " , " + wrong256, false},
         {"Content-Digest: " + right512 + "\nContent-Digest: " + wrong256, false},
         {"Repr-Digest: " + right256 + "\nContent-Digest: " + wrong256, false},
-        {"Repr-Digest: " + wrong256 + ", " + right256, true}, // of one key the last one counts
+        {"Repr-Digest: " + wrong256 + ", " + right256, true}, // the last value of a key counts
         {"Repr-Digest: " + wrong256 + ";weight=1, md5=:AAAA:", false},
         {"Repr-Digest: md5=:AAAA:, unixsum=:AA==:", true},
-        {"Repr-Digest: sha-256=:AAAA:", false}, // too short to be one
+        {"Repr-Digest: sha-256=:AAAA:", false}, // too short for a digest
         {"Repr-Digest: sha-256=::", false},
-        // No dictionaries of byte sequences: such a field says nothing.
+        // These are not dictionaries of byte sequences, so the field is ignored.
         {"Repr-Digest: sha-256=AAAA", true},
         {"Repr-Digest: sha-256=:AAA:", true},
         {"Repr-Digest: sha-256=:AA!A:", true},

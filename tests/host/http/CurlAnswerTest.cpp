@@ -1,4 +1,4 @@
-// What the service tells of the calling thread's last request.
+// What the service reports about the last request of the calling thread.
 #include <map>
 #include <thread>
 

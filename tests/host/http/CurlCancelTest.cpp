@@ -1,4 +1,4 @@
-// The cancel question ends a request of any kind, whatever it is waiting for.
+// A "yes" of the cancel question ends every kind of request at any point.
 #include <atomic>
 
 #include "tests/host/http/CurlFixture.h"
@@ -10,7 +10,7 @@ namespace test {
 
 namespace {
 
-/// How often the question is answered with no before it is answered with yes.
+/// How many times the question answers "no" before it answers "yes".
 std::atomic<int> patience{0};
 
 bool isOutOfPatience()
@@ -23,7 +23,8 @@ bool doesNotKnow()
     throw 1;
 }
 
-/// The service's own times, which no test could wait for: a request that ends was ended by the question.
+/// Uses the service's default timeouts, which are longer than these tests. If a request ends, the cancel
+/// question has ended it.
 class CurlCancelTest : public CurlFixture
 {
 protected:

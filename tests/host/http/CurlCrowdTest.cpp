@@ -1,5 +1,5 @@
-// A server that serves only so many requests at a time, and refuses the others: asking ahead must not be told
-// from asking in turn, except by time.
+// The server handles only a few requests at a time and refuses the others. Requests ahead may change how long
+// a run takes, but not its results.
 #include "tests/host/http/CurlDownloadsFixture.h"
 
 using namespace std::chrono_literals;
@@ -8,7 +8,7 @@ namespace test {
 
 namespace {
 
-/// How the server refuses what it will not serve.
+/// How the server refuses requests over its limit.
 enum class Refusal
 {
     TooMany,
@@ -23,7 +23,8 @@ protected:
 
     static constexpr int kCount = 60;
 
-    /// Each request takes 15 ms; while `limit` are under way, a further one is refused at once.
+    /// Each request takes 15 ms. While `limit` requests are in progress, the server refuses further ones at
+    /// once.
     Downloads serveAtOnce(int limit)
     {
         server.limitRequests(limit, refusal());
@@ -75,7 +76,7 @@ TEST_P(CurlCrowdTest, everyBodyArrivesAtLast)
 TEST_P(CurlCrowdTest, requestInTurnIsAskedAgainWithoutTheOthers)
 {
     curl.prefetchDownloads(serveAtOnce(15));
-    // One that nobody has announced, while the announced ones are under way.
+    // This request was not announced, and it comes while the announced ones are in progress.
     ASSERT_TRUE(header(server.url("/first"))) << curl.lastAnswer().reason;
     EXPECT_EQ(status, 200);
 }

@@ -1,4 +1,4 @@
-// How much is fetched ahead, and what makes room for more.
+// How much is fetched ahead, and when the next downloads may start.
 #include <numeric>
 
 #include "OrvLibrary/host/impl/http/AheadPolicy_p.h"
@@ -16,7 +16,7 @@ constexpr std::int64_t kLarge = AheadPolicy::kLarge;
 class CurlDownloadsBoundsTest : public CurlDownloadsFixture
 {
 protected:
-    /// Downloads of these announced sizes. Their bodies are of a few bytes.
+    /// Downloads announced with these sizes. The bodies have only a few bytes.
     Downloads serveAs(const std::vector<std::int64_t>& sizes)
     {
         Downloads downloads = serve(static_cast<int>(sizes.size()), 0);
@@ -24,9 +24,9 @@ protected:
             downloads[i].size = sizes[i];
         return downloads;
     }
-    /// The body of `/number` begins and does not end.
+    /// Sends the start of the body of `/number` and never the rest.
     void holdBack(int number) { server.on(nameOf(number), FaultReply::ok(bodyOf(number)).silentAt(6'000)); }
-    /// The numbers of those that were asked for.
+    /// The numbers of the downloads that the server has received requests for.
     std::vector<int> asked(const Downloads& downloads) const
     {
         std::vector<int> numbers;
@@ -36,15 +36,16 @@ protected:
         }
         return numbers;
     }
-    /// Lets transfers move on until these were asked for, and then on for a while: no others are.
+    /// Runs transfers until the server has received requests for `numbers`, then a little longer, and expects
+    /// no other requests.
     void expectAsked(const Downloads& downloads, const std::vector<int>& numbers)
     {
         moveOnWhile([&] { return asked(downloads).size() < numbers.size(); });
         for (int i = 0; i < 6; ++i)
-            header(server.url("/first")); // takes the server's time to answer
+            header(server.url("/first")); // takes as long as the server's delay
         EXPECT_EQ(asked(downloads), numbers);
     }
-    /// The numbers from 0 on.
+    /// The numbers 0 to `count` - 1.
     static std::vector<int> first(std::size_t count)
     {
         std::vector<int> numbers(count);
@@ -72,7 +73,7 @@ TEST_F(CurlDownloadsBoundsTest, oneByteTooManyWaits)
     sizes.insert(sizes.end(), {2, 1});
     const Downloads downloads = serveAs(sizes);
     announce(downloads);
-    // The last one would fit, and keeps the order.
+    // The last download would fit, but the order of the list is kept.
     expectAsked(downloads, first(8));
     EXPECT_TRUE(get(downloads[0]));
     expectAsked(downloads, first(10));
@@ -138,7 +139,7 @@ TEST_F(CurlDownloadsBoundsTest, twoLargeOnesAreUnderWayAtATimeUntilOneHasArrived
     for (const int number : {0, 3})
         holdBack(number);
     announce(downloads);
-    // Those that arrive let the next one through, until two are held back.
+    // Each download that arrives lets the next one start, until two large ones are held back.
     expectAsked(downloads, first(4));
 }
 

@@ -13,7 +13,7 @@ namespace test {
 
 using Downloads = std::vector<Curl::DownloadRequest>;
 
-/// What one progress function hears, and when it aborts.
+/// Records the calls of one progress function and aborts at a given count of bytes.
 struct Listener
 {
     std::vector<double> counts;
@@ -30,13 +30,12 @@ struct Listener
     }
 };
 
-/// Downloads that are announced to the service, and a server that takes its time over them, as a far one
-/// does.
+/// Downloads to announce to the service, and a server that replies with a delay, as a distant server does.
 class CurlDownloadsFixture : public CurlFixture
 {
 protected:
-    /// For tests that count requests: a server that other programs keep from the processor for seconds is not
-    /// taken for one that does not serve.
+    /// Limits for tests that count requests. Other programs may keep the server from the processor for
+    /// seconds; the service must not give up requests ahead because of that.
     static HttpLimits patientLimits()
     {
         HttpLimits limits;
@@ -54,7 +53,7 @@ protected:
         return std::string(size, static_cast<char>('a' + number % 26)) + std::to_string(number);
     }
     static std::string nameOf(int number) { return "/" + std::to_string(number); }
-    /// The server's files "/0", "/1" and so on, and the list that announces them.
+    /// Creates the files "/0", "/1" and so on at the server. Returns the list to announce.
     Downloads serve(int count, std::size_t size = 10'000)
     {
         Downloads downloads;
@@ -68,7 +67,7 @@ protected:
         }
         return downloads;
     }
-    /// Makes the service know how long the server takes to answer.
+    /// Makes requests so that the service has measured how long the server takes to respond.
     void learnLatency(const std::string& path = "/first")
     {
         for (int i = 0; i < 3; ++i)
@@ -87,7 +86,7 @@ protected:
         return curl.download_to_location(request.url, request.target, request.headerLines, listener,
                                          listener ? Listener::listen : nullptr, reason, errorNumber);
     }
-    /// Lets transfers move on until that holds no more, 10 s at most.
+    /// Runs transfers while the condition holds, at most 10 s.
     template <class Condition>
     void moveOnWhile(Condition condition)
     {
@@ -95,7 +94,7 @@ protected:
         while (condition() && std::chrono::steady_clock::now() < end)
             header(server.url("/step"));
     }
-    /// Lets transfers move on until the body of `/number` is whole.
+    /// Runs transfers until the whole body has arrived ahead.
     void waitForBody(const Curl::DownloadRequest& request)
     {
         const fileString ahead(host::ReplacementFile::besideName(request.target.toNativeString()));

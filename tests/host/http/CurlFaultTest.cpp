@@ -18,7 +18,7 @@ namespace test {
 
 namespace {
 
-/// A host that does not know where its temporary folder is.
+/// A host without a temporary folder.
 class PathsWithoutTemp : public RootPathUtils
 {
 public:
@@ -71,7 +71,7 @@ TEST_F(CurlFaultTest, headerCutAnywhereIsNoHeader)
 TEST_F(CurlFaultTest, chunkedBodyCutAnywhereFails)
 {
     const std::size_t size = FaultReply::chunked({"0123", "456789"}).bytes("GET").size();
-    // The last line end of a chunked body may be missing without harm.
+    // A chunked body without its last line end is still complete.
     for (std::size_t cut = 0; cut + 2 < size; ++cut) {
         server.on("/a", FaultReply::chunked({"0123", "456789"}).cutAt(cut));
         EXPECT_FALSE(fetch(server.url("/a"))) << cut;
@@ -197,7 +197,7 @@ TEST_F(CurlFaultTest, refusedAndUnknownHostsFail)
 
 TEST_F(CurlFaultTest, connectingEndsAtItsTime)
 {
-    // A listener with a full queue: the system drops further attempts to connect.
+    // The queue of this listener is full, so the system drops further attempts to connect.
     const int listener = socket(AF_INET, SOCK_STREAM, 0);
     sockaddr_in address{};
     address.sin_family = AF_INET;
@@ -299,7 +299,7 @@ TEST_F(CurlFaultTest, diskKeepsItsSpareRoom)
 {
     HttpLimits limits = shortLimits();
     limits.spareBytes = std::int64_t(1) << 60;
-    limits.spareShare = 1; // all of it
+    limits.spareShare = 1; // the whole disk
     CurlService service(limits);
     server.on("/a", FaultReply::ok(std::string(36500, 'x')));
     EXPECT_FALSE(service.download_to_location(server.url("/a"), target(), reason));
@@ -312,7 +312,7 @@ TEST_F(CurlFaultTest, smallDiskKeepsATwentiethFree)
     TempFolder disk;
     if (mount("none", disk.path().c_str(), "tmpfs", 0, "size=20m") != 0)
         GTEST_SKIP() << "a small disk can only be mounted by the superuser";
-    CurlService patient; // so much takes its time on a busy machine
+    CurlService patient; // this amount takes long on a busy machine
     server.on("/fits", FaultReply::ok(std::string(18'000'000, 'x')));
     server.on("/large", FaultReply::ok(std::string(20'000'000, 'x')));
     EXPECT_TRUE(patient.download_to_location(server.url("/fits"), disk.file("a"), reason)) << reason;
@@ -329,7 +329,8 @@ TEST_F(CurlFaultTest, fullDiskGivesTheSystemsTextAndKeepsTheOldFile)
     if (mount("none", disk.path().c_str(), "tmpfs", 0, "size=1m") != 0)
         GTEST_SKIP() << "a small disk can only be mounted by the superuser";
     HttpLimits limits = shortLimits();
-    limits.spareBytes = -(std::int64_t(1) << 30); // let the disk itself say no
+    limits.spareBytes =
+        -(std::int64_t(1) << 30); // disables the check, so that the disk itself reports the error
     CurlService service(limits);
     disk.write("a", "old");
     server.on("/a", FaultReply::ok(std::string(2'000'000, 'x')));

@@ -13,7 +13,7 @@
 
 namespace test {
 
-/// Limits whose times a test can wait for.
+/// Timeouts that a test can wait for.
 inline HttpLimits shortLimits()
 {
     HttpLimits limits;
@@ -24,14 +24,14 @@ inline HttpLimits shortLimits()
     return limits;
 }
 
-/// The default download service, a server to ask, and a folder to download to.
+/// The default download service, a server, and a folder for downloads.
 class CurlFixture : public testing::Test
 {
 public:
     explicit CurlFixture(const HttpLimits& limits = HttpLimits()) : curl(limits) {}
 
     fileString target(const std::string& name = "a.orvlib") const { return folder.file(name); }
-    /// Downloads `url` to `target()`; `reason` and `errorNumber` are the service's.
+    /// Downloads `url` to `target()` and keeps the service's reason and error number.
     bool fetch(const std::string& url, const std::vector<std::string>& headerLines = {},
                Curl::ProgressFunction progress = nullptr, void* context = nullptr)
     {
@@ -49,7 +49,6 @@ public:
     {
         return curl.browseURL(url, {}, body, followRedirects, 0);
     }
-    /// How long `work` takes.
     template <class Work>
     static std::chrono::milliseconds timeOf(Work work)
     {

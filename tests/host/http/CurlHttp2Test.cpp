@@ -1,4 +1,4 @@
-// Bodies ahead over HTTP/2, where requests at the same time share a connection.
+// Bodies are fetched ahead over HTTP/2, where parallel requests share a connection.
 #include <optional>
 #include <set>
 
@@ -31,7 +31,7 @@ protected:
         front.emplace(server.port(), requestsOfAConnection);
         trusted.emplace(front->certificate());
     }
-    /// The server's files, by way of the front.
+    /// Creates the files at the server. The list has the addresses at the front.
     Downloads serveBehind(int count)
     {
         Downloads downloads = serve(count);
@@ -39,7 +39,7 @@ protected:
             downloads[static_cast<std::size_t>(i)].url = front->url(nameOf(i));
         return downloads;
     }
-    /// Announces them to a service that knows how far the front is.
+    /// Lets the service measure the response time of the front, then announces the downloads.
     void announce(const Downloads& downloads)
     {
         for (int i = 0; i < 3; ++i)
@@ -49,13 +49,13 @@ protected:
     }
     void holdBack(int number) { server.on(nameOf(number), FaultReply::ok(bodyOf(number)).silentAt(6'000)); }
     std::size_t bodiesAsked() const { return server.requests().size() - requestsBefore; }
-    /// The connections that requests came on. None came by another protocol.
+    /// The connections of the requests to the files. Expects HTTP/2 for all of them.
     std::set<std::string> connections() const
     {
         std::set<std::string> found;
         for (const FaultRequest& request : server.requests()) {
             if (request.header("X-Connection").empty())
-                continue; // "/step", which is asked for directly
+                continue; // "/step" is requested from the server directly
             EXPECT_EQ(request.header("X-Protocol"), "HTTP/2.0");
             found.insert(request.header("X-Connection"));
         }
@@ -160,7 +160,7 @@ TEST_F(CurlHttp2Test, serverThatIsGoneFailsEachInItsTurn)
     waitForBody(downloads[1]);
     front->stop();
     const auto time = timeOf([&] {
-        expectArrives(downloads, 1); // it was here already
+        expectArrives(downloads, 1); // it had arrived before
         for (std::size_t i = 2; i < downloads.size(); ++i) {
             EXPECT_FALSE(get(downloads[i]));
             EXPECT_NE(reason, "");

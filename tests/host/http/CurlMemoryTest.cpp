@@ -1,4 +1,4 @@
-// Memory runs out within the transfer library.
+// libcurl runs out of memory.
 #include <thread>
 
 #include <curl/curl.h>
@@ -22,7 +22,7 @@ class CurlMemoryTest : public CurlDownloadsFixture
 protected:
     CurlMemoryTest() : CurlDownloadsFixture(patientLimits()) {}
 
-    /// All of them, one after the other.
+    /// Downloads all files one after the other and expects their contents.
     void expectAllArrive(const Downloads& downloads)
     {
         for (std::size_t i = 0; i < downloads.size(); ++i) {
@@ -30,7 +30,7 @@ protected:
             EXPECT_EQ(readFile(downloads[i].target), bodyOf(static_cast<int>(i)));
         }
     }
-    /// One run with all that it takes: how many handles are kept for the next one.
+    /// Runs a whole update with these downloads. Returns how many handles are kept for the next run.
     int handlesOfARun(const Downloads& downloads)
     {
         announce(downloads);
@@ -38,8 +38,8 @@ protected:
         curl.prefetchDownloads({});
         return TransferLibraryFault::handles();
     }
-    /// Where a call fails while the downloads are announced, each arrives all the same, asked for once, and
-    /// no handle is lost.
+    /// Makes one call fail while the downloads are announced. Expects that each download still arrives with
+    /// one request, and that no handle is lost.
     void sweepAnnouncement(Call call)
     {
         const Downloads downloads = serve(kFiles);
@@ -56,7 +56,7 @@ protected:
             EXPECT_EQ(server.requests().size(), requestsBefore + kFiles);
             curl.prefetchDownloads({});
             EXPECT_EQ(TransferLibraryFault::handles(), handles);
-            EXPECT_THAT(files(), SizeIs(kFiles)); // and nothing beside them
+            EXPECT_THAT(files(), SizeIs(kFiles)); // no temporary files are left
         }
         EXPECT_EQ(handlesOfARun(downloads), handles);
     }
@@ -77,7 +77,7 @@ TEST_F(CurlMemoryTest, downloadThatCannotBeStartedAheadIsMadeInItsTurn)
 TEST_F(CurlMemoryTest, downloadWithoutAHandleAheadIsMadeInItsTurn)
 {
     const Downloads downloads = serve(kFiles);
-    // A thread that has no handles yet.
+    // A new thread has no handles yet.
     std::thread([&] {
         learnLatency();
         const int handles = TransferLibraryFault::handles();
@@ -103,7 +103,7 @@ TEST_F(CurlMemoryTest, downloadThatCannotMoveOnInItsTurnIsAskedForAnew)
     ASSERT_THAT(server.requestsFor(nameOf(0)), SizeIs(2));
     server.on(nameOf(0), FaultReply::ok(bodyOf(0)));
     {
-        // The first look is that of the others; with the second one it waits for its own.
+        // The first call serves all transfers; in the second one the download waits for its own transfer.
         const TransferLibraryFault fault(Call::MoveOn, 2);
         EXPECT_TRUE(get(downloads[0])) << reason;
         EXPECT_TRUE(fault.hasFailed());
@@ -152,7 +152,7 @@ TEST_F(CurlMemoryTest, requestInItsTurnFailsAndTheNextOneGoesWell)
         }
         EXPECT_EQ(errorNumber, CURLE_OUT_OF_MEMORY);
         EXPECT_NE(reason, "");
-        EXPECT_EQ(readFile(target()), "body"); // as it was
+        EXPECT_EQ(readFile(target()), "body"); // the old content
         EXPECT_TRUE(fetch(server.url("/a"), {"X-Line: a"}));
         EXPECT_EQ(TransferLibraryFault::handles(), handles);
         EXPECT_THAT(files(), SizeIs(1));

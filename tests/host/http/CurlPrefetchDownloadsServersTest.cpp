@@ -10,7 +10,7 @@ namespace test {
 
 namespace {
 
-/// Bodies ahead from servers that take few connections, refuse them, or are not there.
+/// Downloads ahead from servers that allow few connections, refuse connections, or do not exist.
 class CurlPrefetchDownloadsServersTest : public CurlDownloadsFixture
 {
 };
@@ -87,7 +87,7 @@ TEST_F(CurlPrefetchDownloadsServersTest, whoAsksInTurnIsNotRefusedBecauseOfOneAh
     for (int i = 0; i < 3; ++i)
         header(picky.url("/first"));
     curl.prefetchDownloads(downloads);
-    // The first of the list has the one connection meanwhile.
+    // The first download of the list is using the only connection.
     for (const std::size_t i : {3, 0, 1, 2, 4, 5})
         EXPECT_TRUE(get(downloads[i])) << i << reason;
     EXPECT_GT(picky.connectionCount(), 1);

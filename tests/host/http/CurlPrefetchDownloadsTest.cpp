@@ -51,7 +51,7 @@ TEST_F(CurlPrefetchDownloadsTest, farServerIsAskedForManyAtOnce)
         for (const auto& download : downloads)
             EXPECT_TRUE(get(download));
     });
-    EXPECT_LT(time, 4s); // 6 s in turn
+    EXPECT_LT(time, 4s); // one after the other they take 6 s
     EXPECT_THAT(server.connectionCount(), AllOf(Ge(5), Le(65)));
 }
 
@@ -100,7 +100,7 @@ TEST_F(CurlPrefetchDownloadsTest, progressIsToldAsInTurnOfWhatHasArrivedAndOfWha
     waitForBody(downloads[0]);
     EXPECT_TRUE(get(downloads[0], &arrived));
     EXPECT_EQ(arrived.counts, inTurn.counts);
-    EXPECT_THAT(inTurn.counts, SizeIs(25)); // every 4 KiB, and the end
+    EXPECT_THAT(inTurn.counts, SizeIs(25)); // after every 4 KiB and at the end
     EXPECT_TRUE(get(downloads[5], &growing));
     EXPECT_EQ(growing.counts, inTurn.counts);
     EXPECT_EQ(server.requestsFor(nameOf(5)).size(), 1u);
@@ -207,7 +207,7 @@ TEST_F(CurlPrefetchDownloadsTest, progressFunctionMayAskForOtherThings)
     server.on("/other", FaultReply::ok("other"));
     Listener listener;
     listener.onCall = [&] {
-        curl.prefetchDownloads({}); // of no effect from here
+        curl.prefetchDownloads({}); // has no effect any more
         EXPECT_TRUE(browse(server.url("/other")));
         EXPECT_TRUE(curl.download_to_location(server.url("/other"), folder.file("other"), reason));
     };
@@ -385,7 +385,7 @@ protected:
     {
         HttpLimits limits;
         limits.spareBytes = std::int64_t{1} << 60;
-        limits.spareShare = 1; // all of it
+        limits.spareShare = 1; // the whole disk
         return limits;
     }
 };

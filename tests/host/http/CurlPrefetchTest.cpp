@@ -28,7 +28,7 @@ protected:
         limits.totalTimeout = 2s;
         return limits;
     }
-    /// "/0", "/1" and so on.
+    /// Header requests for "/0", "/1" and so on.
     Headers list(int count) const
     {
         Headers headers;
@@ -38,7 +38,7 @@ protected:
         return headers;
     }
     bool ask(const Curl::HeaderRequest& request) { return header(request.url, request.headerLines); }
-    /// Makes the service know how long the server takes to answer.
+    /// Makes requests so that the service has measured how long the server takes to respond.
     void learnLatency()
     {
         for (int i = 0; i < 3; ++i)
@@ -88,7 +88,7 @@ TEST_F(CurlPrefetchTest, headerLinesAreSentAndTellRequestsApart)
     EXPECT_TRUE(header(server.url("/a"), {"X: 1"}));
     const auto asked = server.requestsFor("/a");
     ASSERT_EQ(asked.size(), 2u);
-    // In whatever order: on a busy machine they go over two connections.
+    // Their order may vary: on a busy machine they use two connections.
     EXPECT_EQ(asked[0].header("X") + asked[1].header("X"), asked[0].header("X") == "1" ? "12" : "21");
     EXPECT_TRUE(header(server.url("/a"), {"X: 3"}));
     EXPECT_EQ(server.requestsFor("/a").size(), 3u);
@@ -109,7 +109,7 @@ TEST_F(CurlPrefetchTest, nearServerIsAskedOnOneConnection)
     answerAfter(0ms);
     const Headers headers = list(300);
     int fewest = std::numeric_limits<int>::max();
-    // On a busy machine the nearest server answers late now and then, and is taken for a far one.
+    // On a busy machine even a near server sometimes responds late and is treated as a distant one.
     for (int tries = 0; tries < 5 && fewest > 1; ++tries) {
         server.dropConnections();
         const int before = server.connectionCount();
@@ -133,7 +133,7 @@ TEST_F(CurlPrefetchTest, nearServerSeesTheRequestsInTheOrderOfTheCalls)
     });
     const Headers headers = list(40);
     std::vector<std::string> wanted, seen;
-    // On a busy machine the nearest server answers late now and then, and is taken for a far one.
+    // On a busy machine even a near server sometimes responds late and is treated as a distant one.
     for (int tries = 0; tries < 5 && (wanted.empty() || seen != wanted); ++tries) {
         learnLatency();
         const std::size_t before = server.requests().size();
@@ -167,7 +167,7 @@ TEST_F(CurlPrefetchTest, farServerIsAskedOnManyConnectionsAtOnce)
         for (const auto& request : headers)
             EXPECT_TRUE(ask(request));
     });
-    EXPECT_LT(time, 3s); // 6 s in turn
+    EXPECT_LT(time, 3s); // one after the other they take 6 s
     EXPECT_THAT(server.connectionCount(), AllOf(Ge(10), Le(16)));
 }
 
@@ -184,7 +184,7 @@ TEST_F(CurlPrefetchTest, hostMayLowerTheNumberOfConnections)
 
 TEST_F(CurlPrefetchTest, hostMayLowerThatNumberForTheDefaultService)
 {
-    std::thread([this] { // whose connections end with it
+    std::thread([this] { // the end of the thread closes its connections
         answerAfter(15ms);
         Curl& service = Curl::get();
         std::int64_t answer = 0;
@@ -333,7 +333,8 @@ TEST_F(CurlPrefetchTest, silentServerIsGivenUpAfterThreeThatAreAskedAlone)
         for (const auto& request : headers)
             EXPECT_FALSE(ask(request));
     });
-    // One time is 2 s: all together, then three alone, after which the address is left alone.
+    // One timeout is 2 s. The first batch waits once, then three single requests wait, and then the address
+    // is given up.
     EXPECT_LT(time, 10s);
     EXPECT_LE(server.requestsFor("/3").size(), 1u);
 }

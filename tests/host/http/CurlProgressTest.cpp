@@ -15,7 +15,7 @@ struct Calls
 {
     std::vector<double> counts;
     std::vector<double> totals;
-    double abortFrom = -1; ///< aborts once so many bytes are there; negative for never
+    double abortFrom = -1; ///< aborts once this many bytes have arrived; negative: never
     std::size_t abortAtCall = 0;
 
     static int record(void* self, double total, double count, double, double)
@@ -125,7 +125,7 @@ TEST_F(CurlProgressTest, silenceOfTheServerIsToldAtShortIntervalsAndIsNoTimeout)
     FaultReply reply = FaultReply::ok("12345678");
     server.on("/a", reply.pauseAt(reply.headSize() + 4, 700ms));
     EXPECT_TRUE(fetchTold("/a")) << reason;
-    // About 600 ms remain after the first 100, at an interval of 10.
+    // About 600 ms remain after the first 100 ms, and calls come every 10 ms.
     EXPECT_THAT(calls.counts.size(), AllOf(Ge(20u), Le(63u)));
     EXPECT_EQ(calls.counts.front(), 4);
     EXPECT_EQ(calls.counts.back(), 8);
@@ -133,7 +133,7 @@ TEST_F(CurlProgressTest, silenceOfTheServerIsToldAtShortIntervalsAndIsNoTimeout)
 
 TEST_F(CurlProgressTest, firstByteInTimeMeansNoCallBeforeIt)
 {
-    CurlService service; // the service's own times
+    CurlService service; // with its default timeouts
     server.on("/a", FaultReply::ok(std::string(5000, 'x')).pauseAt(0, 300ms));
     EXPECT_TRUE(service.download_to_location(server.url("/a"), target(), {}, &calls, &Calls::record, reason,
                                              errorNumber));

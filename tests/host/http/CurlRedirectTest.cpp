@@ -10,7 +10,7 @@ namespace {
 class CurlRedirectTest : public CurlFixture
 {
 protected:
-    /// "/0" leads to "/1" and so on, `count` times.
+    /// Redirects "/0" to "/1" and so on, `count` times.
     void chain(int count)
     {
         for (int i = 0; i < count; ++i)

@@ -1,4 +1,4 @@
-// Downloads whose partial file is kept, and gone on with.
+// Downloads whose partial file is kept and resumed.
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -33,7 +33,7 @@ protected:
         return curl.downloadResumable(download, &counts, count, reason, errorNumber);
     }
     fileString partial() const { return folder.file("a.partial"); }
-    /// An answer with the bytes from `from` on.
+    /// A reply with the bytes from `from` on.
     static FaultReply rest(std::size_t from, const std::vector<std::string>& lines = {"ETag: \"v1\""})
     {
         std::vector<std::string> all = lines;
@@ -172,7 +172,7 @@ TEST_F(CurlResumeTest, digestIsOfTheWholeFile)
     server.on("/a", rest(4, {wrong}));
     EXPECT_FALSE(resume());
     EXPECT_EQ(reason, "digest mismatch");
-    // The bytes are known to be wrong, so that nothing can go on from them.
+    // The bytes are known to be wrong, so no download may resume from them.
     EXPECT_THAT(files(), ElementsAre("a.orvlib"));
 }
 

@@ -19,7 +19,7 @@ class CurlTest : public CurlFixture
 {
 };
 
-/// A body whose every byte tells where it stands.
+/// A body in which every byte depends on its position.
 std::string patterned(std::size_t size)
 {
     std::string text(size, 0);
@@ -337,7 +337,7 @@ TEST_F(CurlTest, proxyIsAskedForEveryAddressUntilItIsTakenAway)
 TEST_F(CurlTest, answerOfAProxyToTheTunnelIsNoAnswerOfTheServer)
 {
     const std::string url = "https://catalogs.invalid/a";
-    // Refuses the tunnel, or opens it and hangs up.
+    // The proxy refuses the tunnel, or opens it and then closes the connection.
     const FaultReply replies[] = {FaultReply::status(403),
                                   FaultReply::raw("HTTP/1.1 200 Connection established\r\n\r\n").close()};
     for (const FaultReply& reply : replies) {

@@ -11,7 +11,7 @@ namespace test {
 
 namespace {
 
-/// A server whose certificate nobody vouches for.
+/// A server with a certificate that no authority has signed.
 class CurlTlsTest : public CurlFixture
 {
 protected:
@@ -37,7 +37,7 @@ protected:
         process.waitForFinished();
     }
 
-    /// A folder with the certificate under the name that its hash gives it.
+    /// A folder that contains the certificate under the name of its hash.
     std::string hashedFolder() const
     {
         folder.write("authorities/a.pem", readFile(certificate));

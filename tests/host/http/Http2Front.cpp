@@ -18,7 +18,7 @@ QString program()
     return found.isEmpty() ? QStandardPaths::findExecutable("nginx", {"/usr/sbin"}) : found;
 }
 
-/// A listening socket on a free port, which a program that is started will have too.
+/// Opens a listening socket on a free port. A child process inherits it.
 int listenAnywhere(int& port)
 {
     const int listener = socket(AF_INET, SOCK_STREAM, 0);
@@ -63,7 +63,7 @@ Http2Front::Http2Front(int port, int requestsOfAConnection) : mTls(mFolder.path(
     mListener = listenAnywhere(mPort);
     const std::string& folder = mFolder.path();
     mFolder.write("configuration", configuration(folder, mTls, mPort, port, requestsOfAConnection));
-    // The server takes over sockets whose numbers it is told so.
+    // The variable makes nginx use the inherited socket with this number.
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert("NGINX", QString::number(mListener) + ";");
     mProcess.setProcessEnvironment(environment);
@@ -90,7 +90,7 @@ void Http2Front::stop()
         return;
     close(mListener);
     mListener = -1;
-    mProcess.terminate(); // its workers go with it
+    mProcess.terminate(); // its workers end with it
     mProcess.waitForFinished();
 }
 

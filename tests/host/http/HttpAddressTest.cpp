@@ -74,7 +74,7 @@ TEST(HttpAddress, loneTrailingQuestionMarkSurvivesResolving)
 
 TEST(HttpAddress, referencesAreResolvedAgainstTheFormerAddress)
 {
-    // The examples of the standard for web addresses, which need no fragment of the base.
+    // The examples of RFC 3986 that do not need a fragment in the base address.
     const std::string base = "http://a/b/c/d;p?q";
     const Row rows[] = {
         {"g:h", "g:h"},

@@ -17,7 +17,7 @@ struct Recorder
 {
     std::vector<double> counts;
     double total = -1;
-    /// The call, counted from 1, that aborts; 0 for none.
+    /// The number of the call that aborts, counted from 1; 0 for none.
     std::size_t abortAt = 0;
 
     static int call(void* self, double total, double count, double uploadTotal, double uploaded)
@@ -94,7 +94,7 @@ TEST_F(ProgressPacerTest, byteEndsTheSilence)
     pacer.tick(start + 1000ms);
     pacer.received(1, start + 1050ms);
     pacer.tick(start + 2040ms);
-    EXPECT_EQ(recorder.counts.size(), 2u); // the byte's own call, a second after the last one
+    EXPECT_EQ(recorder.counts.size(), 2u); // the second call came a second after the last byte
     pacer.tick(start + 2050ms);
     EXPECT_THAT(recorder.counts, ElementsAre(0, 1, 1));
 }

@@ -81,7 +81,7 @@ TEST_F(RateLimitTest, smallFileTakesItsTimeFromTheFirstByte)
 
 TEST_F(RateLimitTest, noByteComesBeforeItsTime)
 {
-    /// Compares what has come with what the time since the start allows.
+    /// Compares the bytes received with the number that the limit allows since the start.
     struct Pace
     {
         std::chrono::steady_clock::time_point start = std::chrono::steady_clock::now();
@@ -105,7 +105,7 @@ TEST_F(RateLimitTest, noByteComesBeforeItsTime)
 TEST_F(RateLimitTest, bodiesFetchedAheadTogetherKeepToTheRate)
 {
     FaultReply reply = FaultReply::ok(std::string(20'000, 'x'));
-    reply.pauseAt(0, 10ms); // far enough to be asked ahead
+    reply.pauseAt(0, 10ms); // slow enough for requests ahead
     std::vector<Curl::DownloadRequest> requests;
     for (int i = 0; i < 10; ++i) {
         const std::string path = "/" + std::to_string(i);

@@ -7,10 +7,10 @@
 
 namespace test {
 
-/// A certificate for 127.0.0.1 that nobody vouches for, and its key, as two files.
+/// A self-signed certificate for 127.0.0.1 and its key, as two files.
 struct TlsCertificate
 {
-    /// Makes them in a folder.
+    /// Creates both files in a folder.
     explicit TlsCertificate(const std::string& folder)
         : certificate(folder + "/certificate.pem"), key(folder + "/key.pem")
     {

@@ -7,7 +7,7 @@ namespace {
 
 using Call = test::TransferLibraryFault::Call;
 
-/// What is to fail on this thread, and what it has done so far.
+/// The call that fails on this thread, and counts of the calls so far.
 struct Plan
 {
     Call call = Call::NewHandle;
@@ -24,7 +24,7 @@ bool fails(Call call)
     return tPlan.failing > 0 && tPlan.call == call && ++tPlan.count == tPlan.failing;
 }
 
-/// The library's own function.
+/// libcurl's own function.
 template <class Function>
 Function* next(Function*, const char* name)
 {
@@ -33,7 +33,7 @@ Function* next(Function*, const char* name)
 
 } // namespace
 
-// These stand before the library's own.
+// These definitions take precedence over those of libcurl.
 extern "C" {
 
 CURL* curl_easy_init()

@@ -5,9 +5,8 @@
 
 namespace test {
 
-/// The calls that this program makes to the transfer library, all of which pass through here. Lets one of
-/// them fail as it does where memory has run out, from construction to the end of the block; of the calls of
-/// this thread alone. One at a time.
+/// Makes one call to libcurl fail as if memory had run out, until the destructor. The program's calls pass
+/// through wrappers; only calls of this thread are counted. Only one object may exist at a time.
 class TransferLibraryFault
 {
 public:
@@ -19,21 +18,20 @@ public:
         MoveOn
     };
 
-    /// @param number the call of that kind that fails, counted from 1
+    /// @param number the number of the failing call among the calls of this kind, from 1
     TransferLibraryFault(Call call, std::size_t number);
     ~TransferLibraryFault();
     TransferLibraryFault(const TransferLibraryFault&) = delete;
     TransferLibraryFault& operator=(const TransferLibraryFault&) = delete;
 
-    /// Whether the call was reached.
+    /// Whether the failing call has happened.
     bool hasFailed() const;
 
-    /// How many handles this thread has taken from the library and not given back.
+    /// How many handles this thread holds.
     static int handles();
 };
 
-/// Lets the transfers of this thread trust a certificate, and no others, from construction to the end of the
-/// block.
+/// Makes the transfers of this thread trust only this certificate, until the destructor.
 class TrustedCertificate
 {
 public:

@@ -38,7 +38,7 @@ protected:
     test::TempFolder mFolder;
 };
 
-/// Runs `action` in a child process; the exit status tells whether it went well.
+/// Runs `action` in a child process, whose exit status tells whether the action succeeded.
 template <class Action>
 pid_t inChild(Action action)
 {
@@ -222,8 +222,8 @@ TEST_F(FilePrefSetTest, aFullDiskLeavesTheFormerFile)
     write(R"({"1": 5})");
     const pid_t child = inChild([this] {
         signal(SIGXFSZ, SIG_IGN);
-        const rlimit limit{100,
-                           100}; // what a write beyond says is not what a full disk says, but it fails alike
+        // A write beyond the limit fails as on a full disk, but with another error.
+        const rlimit limit{100, 100};
         setrlimit(RLIMIT_FSIZE, &limit);
         FilePrefSet set(file());
         set.setPref(2, std::string(1000, 'x'));
@@ -241,7 +241,7 @@ TEST_F(FilePrefSetTest, anUnwritableFileIsLeftAlone)
     const pid_t child = inChild([this] {
         if (getuid() == 0 && setuid(65534) != 0)
             return false;
-        chmod(file().toNativeString().c_str(), 0444); // where the tests run as the owner
+        chmod(file().toNativeString().c_str(), 0444); // needed if the tests do not run as root
         FilePrefSet set(file());
         set.setPref(1, 6);
         return set.getPref(1).value == PrefValue(6);

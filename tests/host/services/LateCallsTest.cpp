@@ -1,4 +1,4 @@
-// What a thread gets that still asks for the default services while the process ends.
+// Threads may ask for the default services even while the process ends.
 #include <cstdlib>
 
 #include <gtest/gtest.h>
@@ -38,8 +38,8 @@ TEST(LateCalls, theDefaultServicesAnswerUntilTheProcessEnds)
 {
     const test::TempFolder folder;
     const test::ScopedEnvironment root("ORV_LIBRARY_ROOT", folder.path().c_str());
-    // In a process of its own, so that nothing has asked before: the handler runs after the destructors of
-    // all that is made at first use.
+    // Runs in a new process in which nothing has asked for the services before. The exit handler runs after
+    // the destructors of all objects that are created at first use.
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     EXPECT_EXIT(
         {

@@ -27,7 +27,7 @@ struct LogLine
 
 std::vector<LogLine>* gLines = nullptr;
 
-/// What goes to the log while the block lasts.
+/// Captures log messages until the destructor.
 class LogCapture
 {
 public:

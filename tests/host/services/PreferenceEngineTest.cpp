@@ -14,7 +14,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// Values in memory, all of them known.
+/// Preferences in memory.
 class MemoryPrefSet : public PrefSet
 {
 public:
@@ -41,7 +41,7 @@ protected:
     PreferenceEngine mEngine{mSet};
 };
 
-/// An environment variable for the life of a block.
+/// Sets an environment variable until the destructor.
 class ScopedVariable
 {
 public:

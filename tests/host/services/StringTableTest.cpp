@@ -14,7 +14,7 @@
 
 namespace {
 
-/// The German texts that the library carries, installed for the life of a block.
+/// Installs the library's German texts until the destructor.
 class GermanTexts
 {
 public:
@@ -32,7 +32,7 @@ private:
     QTranslator mTranslator;
 };
 
-/// A translator that knows one id.
+/// A translator with a text for one id only.
 class OneId : public QTranslator
 {
 public:
@@ -55,7 +55,7 @@ private:
 
 std::string filled(const std::string& format, const std::vector<std::string>& arguments)
 {
-    boost::format text(format); // throws on a broken one, and with too many or too few arguments
+    boost::format text(format); // throws if the format or the number of arguments is wrong
     for (const std::string& argument : arguments)
         text % argument;
     return text.str();

@@ -22,7 +22,7 @@ std::vector<std::string> pieces(const std::string& text, char separator)
     return found;
 }
 
-/// The application's locale for the life of a block.
+/// Sets the application's locale until the destructor.
 class ScopedLocale
 {
 public:

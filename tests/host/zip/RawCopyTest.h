@@ -12,8 +12,8 @@
 
 namespace test {
 
-/// Copies every member as unpacking does: into an archive that may be missing.
-/// @return for each member whether it was copied
+/// Copies every member as unpacking does. The target archive may be missing.
+/// @return whether each member was copied
 inline std::vector<bool> copyAll(const fileString& source, const fileString& target, bool create = true)
 {
     std::vector<bool> results;
@@ -24,7 +24,7 @@ inline std::vector<bool> copyAll(const fileString& source, const fileString& tar
     return results;
 }
 
-/// Copies the first member under another name, and ends the walk.
+/// Copies only the first member, under another name.
 inline bool copyFirstAs(const fileString& source, const fileString& target, const std::string& name,
                         bool create = true)
 {
@@ -36,7 +36,7 @@ inline bool copyFirstAs(const fileString& source, const fileString& target, cons
     return result;
 }
 
-/// What the tests of the raw copy share: an archive to copy from, and a name to copy to.
+/// The source archive and the target name that all tests of the raw copy use.
 class RawCopyTest : public testing::Test
 {
 protected:

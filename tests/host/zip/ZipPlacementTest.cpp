@@ -42,7 +42,7 @@ TEST(ZipPlacement, nothingIsReplacedOnEitherDisk)
     const fileString source = folder.write("new.zip", "archive");
     for (const std::string& where : {folder.path(), other.path()}) {
         if (where.empty())
-            continue; // no second disk
+            continue; // the machine has no second disk
         const fileString target(where + "/taken.zip");
         test::writeFile(target.toNativeString(), "somebody's");
         EXPECT_FALSE(ZipUtils::moveToNewArchive(source, target, nullptr));

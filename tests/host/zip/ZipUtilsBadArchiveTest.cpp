@@ -1,5 +1,5 @@
-// Archives that are not sound: each is refused with its path and a reason, whatever is asked of it, and no
-// damage ever passes for content.
+// Every operation refuses an unsound archive with its path and a reason. Damaged bytes are never returned as
+// content.
 #include <algorithm>
 #include <functional>
 #include <stdexcept>
@@ -45,7 +45,7 @@ void walk(const fileString& archive)
     ZipUtils::getFilesDataInArchive(archive, [](const fileString&, auto&, const auto&) { return true; });
 }
 
-/// Whether `function` throws the error of an unsound archive, which names it.
+/// Whether `function` throws an error that starts with the path of the archive.
 bool refuses(const fileString& archive, const std::function<void()>& function)
 {
     try {
@@ -57,7 +57,7 @@ bool refuses(const fileString& archive, const std::function<void()>& function)
     }
 }
 
-/// The archive's structure is unsound: nothing can be had from it at all.
+/// The structure of the archive is unsound, so every operation fails.
 void expectUnsound(const fileString& archive, const std::string& what)
 {
     EXPECT_TRUE(refuses(archive, [&] { walk(archive); })) << what;
@@ -68,7 +68,7 @@ void expectUnsound(const fileString& archive, const std::string& what)
     EXPECT_FALSE(ZipUtils::canAddToArchive(archive)) << what;
 }
 
-/// The structure is sound, the data of member "a" is not.
+/// The structure is sound, but the data of member "a" is not.
 void expectUnsoundData(const fileString& archive, const std::string& what)
 {
     EXPECT_TRUE(refuses(archive, [&] { walk(archive); })) << what;
@@ -86,7 +86,7 @@ struct Lie
 class ZipUtilsBadArchiveTest : public testing::Test
 {
 protected:
-    /// One archive with everything that can be damaged.
+    /// An archive with every kind of record that can be damaged.
     std::string richArchive() const
     {
         ArchiveBuilder builder;
@@ -104,7 +104,7 @@ protected:
 
 using Contents = std::vector<std::pair<std::string, std::string>>;
 
-/// Everything that the archive holds, read in both ways and copied; throws when it is not sound.
+/// Reads all members in both ways and copies them. Throws if the archive is unsound.
 Contents everythingIn(const fileString& archive, const fileString& copy)
 {
     Contents contents;
@@ -285,7 +285,7 @@ TEST_F(ZipUtilsBadArchiveTest, overlappingMembersAreUnsound)
     same.add("a", "x").headerOffset = 0;
     expectUnsound(same.write(mFolder, "a.zip"), "two records of one member");
 
-    // The whole of one stored archive is the data of another's member.
+    // The data of the outer member is a whole archive in itself.
     ArchiveBuilder inner;
     inner.add("a", "x");
     const std::string innerBytes = inner.bytes();
@@ -334,7 +334,7 @@ TEST_F(ZipUtilsBadArchiveTest, bombIsRefusedBeforeItIsRead)
     member.rawData = test::deflated(std::string(1000000, '\0'));
     member.size = 3000000000U;
     expectUnsound(builder.write(mFolder, "a.zip"), "3 GB of one kilobyte");
-    // Quiet about its size, it ends at the size that it claims.
+    // With a small size in the directory, unpacking stops when that size is exceeded.
     member.size = 1000;
     expectUnsoundData(builder.write(mFolder, "a.zip"), "1 MB that claims to be 1 KB");
 }
@@ -392,7 +392,7 @@ TEST_F(ZipUtilsBadArchiveTest, byteFlippedAnywhereIsFoundOrHarmless)
             EXPECT_FALSE(copy.pathExists()) << at;
             continue;
         }
-        // What got through unnoticed is no content: a date, an attribute, a comment, a name of its own.
+        // A damage that stays unnoticed is outside the content: in a date, an attribute, a comment or a name.
         ASSERT_EQ(contents.size(), expected.size()) << at;
         for (std::size_t i = 0; i < contents.size(); ++i)
             EXPECT_EQ(contents[i].second, expected[i].second) << at;

@@ -1,4 +1,4 @@
-// Several walks that are completed together, what they tell, and how they end early.
+// A batch completes several walks together, reports progress, and can be cancelled.
 #include <stdexcept>
 
 #include <gmock/gmock.h>
@@ -37,7 +37,8 @@ protected:
         return results;
     }
 
-    /// Members of 3 MB each, stored or deflated by turns, and one that is larger than a portion.
+    /// An archive of `count` members of 3 MB, alternately stored and deflated, and one member that is larger
+    /// than a portion.
     fileString writeLargeSource(int count)
     {
         for (int i = 0; i < count; ++i)
@@ -111,7 +112,8 @@ TEST_F(ZipUtilsBatchTest, archiveThatAnotherProgramReplacedIsNotReplacedByTheBat
 
 TEST_F(ZipUtilsBatchTest, damageInABatchIsFoundByTheWalk)
 {
-    mSource.add("a", test::sampleBytes(9 << 20, 1)).checksum = 1; // enough for threads of its own
+    mSource.add("a", test::sampleBytes(9 << 20, 1)).checksum =
+        1; // large enough for the batch to start threads
     const fileString source = writeSource();
     ArchiveBatch batch(nullptr);
     EXPECT_THROW(copyWith(batch, source, target(), true), std::runtime_error);
@@ -144,7 +146,7 @@ TEST_F(ZipUtilsBatchTest, walkInsideTheWalkOfABatchIsOnItsOwn)
         EXPECT_TRUE(ZipUtils::writeFileToArchiveRaw(target(), member, handle, true, raw));
         EXPECT_EQ(copyAll(source, mFolder.file("nested.zip")), std::vector<bool>{true});
         EXPECT_EQ(contentsOf(mFolder.file("nested.zip")), (Contents{{"a", "1"}}));
-        EXPECT_TRUE(ZipUtils::canAddToArchive(target())); // of the outer walk, again
+        EXPECT_TRUE(ZipUtils::canAddToArchive(target())); // the outer walk's target again
         return true;
     });
     EXPECT_FALSE(target().pathExists());
@@ -162,7 +164,7 @@ TEST_F(ZipUtilsBatchTest, bytesAreToldInPortionsAndAddUpToTheTotal)
     EXPECT_THAT(mProgress->bytes(), Each(Le(kPortion)));
     EXPECT_GT(mProgress->bytes().size(), 6U);
     const int checks = mProgress->checks();
-    EXPECT_GE(checks, 6); // 8 MB at a time
+    EXPECT_GE(checks, 6); // at least one per 8 MB
     batch.complete();
     EXPECT_EQ(mProgress->sumOfBytes(), 56U << 20U);
     EXPECT_EQ(contentsOf(target()).size(), 13U);
@@ -222,7 +224,7 @@ TEST_F(ZipUtilsBatchTest, cancelAtEveryQuestionLeavesTheTargetAsItWas)
             batch.complete();
         } catch (const ZipUtils::Cancelled&) {
             ++cancelled;
-            EXPECT_EQ(progress->checks(), when); // nothing is asked after a cancel
+            EXPECT_EQ(progress->checks(), when); // no further check after a cancel
             EXPECT_TRUE(test::readFile(target()) == before);
             continue;
         }

@@ -1,4 +1,4 @@
-// Damaged archives: what is damaged, and what can be saved.
+// Finding the damaged members of an archive, and saving the others.
 #include <stdexcept>
 
 #include <gmock/gmock.h>
@@ -94,7 +94,8 @@ TEST_F(ZipUtilsDamageTest, manyMembersAreVerifiedInNoTime)
     const fileString archive = writeSource();
     const auto start = std::chrono::steady_clock::now();
     EXPECT_THAT(damagedNames(archive), IsEmpty());
-    // About a tenth of a second alone; one look at the directory for each member would take a minute.
+    // This takes about a tenth of a second on an idle machine. Searching the directory for each member would
+    // take a minute.
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(4));
 }
 
@@ -154,7 +155,7 @@ TEST_F(ZipUtilsDamageTest, membersOfAnArchiveWithoutADirectoryAreSearchedFor)
                                               {"K\xC3\xBC"
                                                "che.png",
                                                test::sampleBytes(700, 5)}}));
-    // Cut in the middle of a member: those before it come back.
+    // The cut is in the middle of a member; the members before it are saved.
     EXPECT_THAT(namesLost(mFolder.write("source.zip", whole.substr(0, 2500))), testing::Contains(""));
     EXPECT_THAT(contentsOf(target()), testing::SizeIs(testing::Le(1U)));
 }

@@ -1,4 +1,4 @@
-// The raw copy of a member: what it keeps, and what it refuses.
+// What the raw copy of a member preserves, and what it refuses.
 #include "tests/host/zip/RawCopyTest.h"
 
 using test::ArchiveBuilder;
@@ -87,7 +87,7 @@ TEST_F(ZipUtilsRawCopyTest, memberOfMoreThanFourGigabytesKeepsItsSize)
 {
     constexpr std::uint64_t kHuge = 5'000'000'000;
     ArchiveMember& member = mSource.add("huge.bz", "");
-    member.method = 12; // whose data is nobody's concern
+    member.method = 12; // the copy does not decompress the data
     member.rawData = test::sampleBytes(5'000'000, 1);
     member.size = kHuge;
     member.zip64 = true;
@@ -96,7 +96,8 @@ TEST_F(ZipUtilsRawCopyTest, memberOfMoreThanFourGigabytesKeepsItsSize)
     const std::string bytes = test::readFile(target());
     const std::string size("\x00\xF2\x05\x2A\x01\x00\x00\x00", 8);
     const std::string compressedSize("\x40\x4B\x4C\x00\x00\x00\x00\x00", 8);
-    // Behind the local header and its name: both sizes; at the end of the directory: what has no room there.
+    // The zip64 fields: both sizes behind the local header and its name, and at the end of the directory only
+    // the size that does not fit into 32 bits.
     EXPECT_EQ(bytes.substr(30 + 7, 20), std::string("\x01\x00\x10\x00", 4) + size + compressedSize);
     EXPECT_EQ(bytes.substr(bytes.size() - 22 - 12, 12), std::string("\x01\x00\x08\x00", 4) + size);
     EXPECT_TRUE(bytes.compare(30 + 7 + 20, member.rawData->size(), *member.rawData) == 0);
@@ -180,15 +181,15 @@ TEST_F(ZipUtilsRawCopyTest, extraBlockThatHasNoRoomForItsSizesIsRefused)
         block += static_cast<char>((size - 4) >> 8);
         return block + std::string(size - 4, 'x');
     };
-    // Of another method, so that nobody can look whether the size is true, and with a descriptor, so that the
-    // local header needs no zip64 field before the copy.
+    // The unknown method keeps the copy from checking the size. With a descriptor the local header needs no
+    // zip64 field before the copy.
     const auto addLarge = [&](const std::string& name, std::size_t blockSize) {
         ArchiveMember& member = mSource.add(name, "");
         member.method = 99;
         member.flags = 8;
         member.rawData = std::string(5U << 20U, 'x');
         member.size = 0xFFFFFFFF;
-        member.extra = std::string("\x01\0\x08\0\0\0\0\x40\x01\0\0\0", 12); // 5 GB
+        member.extra = std::string("\x01\0\x08\0\0\0\0\x40\x01\0\0\0", 12); // a size of 5 GB
         member.localExtra = blockOf(blockSize);
     };
     mSource.add("small", "1").localExtra = blockOf(65535);

@@ -1,4 +1,4 @@
-// The archives that a walk writes to: what stands there at its end.
+// The state of the target archives after a walk.
 #include <filesystem>
 #include <optional>
 #include <stdexcept>
@@ -161,7 +161,7 @@ TEST_F(ZipUtilsTargetTest, badChecksumAnywhereUndoesTheWalk)
     EXPECT_THROW(copyAll(source, mFolder.file("none.zip")), std::runtime_error);
     EXPECT_EQ(test::readFile(target()), before);
     EXPECT_FALSE(mFolder.file("none.zip").pathExists());
-    EXPECT_TRUE(copyFirstAs(source, target(), "good")); // the bad one is never reached
+    EXPECT_TRUE(copyFirstAs(source, target(), "good")); // the good member comes second
 }
 
 TEST_F(ZipUtilsTargetTest, canAddToSoundArchivesAndToThoseOfThisWalk)

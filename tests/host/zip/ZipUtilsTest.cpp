@@ -1,4 +1,4 @@
-// Reading: walks, names, sizes, and members in one piece or in several.
+// Reading archives: walks, names, sizes, and members as a whole or in pieces.
 #include "OrvLibrary/host/ZipUtils.h"
 
 #include <chrono>
@@ -53,7 +53,7 @@ std::string readInPieces(const fileString& memberAddress, std::size_t pieceSize)
     return content;
 }
 
-/// The reason given by whatever `function` throws; empty when it throws nothing.
+/// The message of the exception that `function` throws, or an empty string.
 template <typename Function>
 std::string reasonOf(Function function)
 {
@@ -133,7 +133,7 @@ TEST_F(ZipUtilsTest, exceptionOfTheCallbackPassesThrough)
 TEST_F(ZipUtilsTest, wholeMemberAndPiecesGiveTheSameBytes)
 {
     const std::string big = test::sampleBytes(1500000, 1);
-    const std::string bigger = test::sampleBytes(9000000, 2); // in large pages, where there are some
+    const std::string bigger = test::sampleBytes(9000000, 2); // may be read into large memory pages
     mBuilder.add("bigger", bigger);
     mBuilder.add("deflated", big);
     mBuilder.add("stored", big).method = ArchiveMember::kStored;
@@ -215,7 +215,7 @@ TEST_F(ZipUtilsTest, changedArchiveIsReadAnewHoweverSoon)
 {
     for (int i = 0; i < 20; ++i) {
         ArchiveBuilder builder;
-        builder.add("a", std::to_string(i % 10)); // of one size, into the same file
+        builder.add("a", std::to_string(i % 10)); // same file, same size
         EXPECT_EQ(readWhole(address(builder.write(mFolder, "a.zip"), "a")), std::to_string(i % 10));
     }
 }
@@ -231,8 +231,8 @@ TEST_F(ZipUtilsTest, directoryOfAnOldArchiveIsReadOnce)
             EXPECT_EQ(readWhole(address(archive, "m" + std::to_string(i))), "x");
         return std::chrono::steady_clock::now() - start;
     };
-    // Somebody might still write to the new file within the same step of time. Its directory is read 200
-    // times.
+    // A new file may change again without a new modification time, so its directory is read for each of the
+    // 200 members.
     const auto whileNew = timeOf();
     while (std::time(nullptr) - archive.modificationTime() < 5)
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
@@ -273,7 +273,7 @@ TEST_F(ZipUtilsTest, pieceOverTheLimitIsAnAllocationFailure)
     for (const std::uint64_t size : {kLimit, kLimit + 1}) {
         ArchiveBuilder builder;
         ArchiveMember& member = builder.add("large", "");
-        member.rawData = std::string(500000, '\xFF'); // no deflate stream
+        member.rawData = std::string(500000, '\xFF'); // not a deflate stream
         member.size = size;
         const fileString large = address(builder.write(mFolder, "a.zip"), "large");
         if (size > kLimit) {

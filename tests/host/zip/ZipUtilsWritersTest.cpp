@@ -1,4 +1,4 @@
-// The raw copy of archives that other programs wrote, read back by yet others.
+// Raw copies of archives that other programs wrote, checked with two further readers.
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
@@ -31,8 +31,8 @@ RunResult run(const std::string& folder, const QString& program, const QStringLi
     return {process.exitCode(), process.readAllStandardOutput().toStdString()};
 }
 
-/// All that Python's reader knows of the members, one a line; fails when a checksum is wrong. What a raw copy
-/// may change is left out: offsets, the descriptor flag, zip64 fields.
+/// A Python script that prints one line per member and fails on a wrong checksum. It omits what a raw copy
+/// may change: offsets, the descriptor flag and zip64 fields.
 const char kDescribe[] = R"(
 import struct, sys, zipfile
 def kept(extra):
@@ -86,7 +86,7 @@ protected:
     std::string source() const { return mFolder.path() + "/source.zip"; }
     std::string copy() const { return mFolder.path() + "/copy.zip"; }
 
-    /// Writes the source archive with a program of another maker.
+    /// Writes the source archive with another archiver.
     bool write(const QString& program, const QStringList& arguments) const
     {
         const RunResult result = run(files(), program, arguments);
@@ -103,7 +103,7 @@ protected:
         return result.out;
     }
 
-    /// Copies every member and holds the copy against the original with two other readers.
+    /// Copies every member and compares the copy with the original using two other readers.
     void expectFaithfulCopy() const
     {
         ZipUtils::getFilesDataInArchive(fileString(source()), [&](const fileString& name, auto& handle,
@@ -141,7 +141,7 @@ TEST_F(ZipUtilsWritersTest, zip)
 
 TEST_F(ZipUtilsWritersTest, zipAsAStream)
 {
-    // zip ends with an error when it has to store a link in a pipe; 7z, below, can.
+    // zip cannot store a link in a stream. 7z can; see below.
     fs::remove(files("link"));
     ASSERT_TRUE(write("bash", {"-o", "pipefail", "-c", "zip -q -r - . | cat > ../source.zip"}))
         << "no archive by zip, which script/setup installs";
@@ -169,7 +169,7 @@ TEST_F(ZipUtilsWritersTest, bsdtar)
 {
     ASSERT_TRUE(write("bsdtar", {"-c", "-f", "../source.zip", "--format", "zip", "."}))
         << "no archive by bsdtar, which script/setup installs";
-    // It marks links only in the directory's attributes, with the system that made them.
+    // bsdtar marks links only by the external attributes and the system in the directory.
     expectFaithfulCopy();
     expectSymbolicLink();
 }
