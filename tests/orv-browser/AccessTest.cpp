@@ -1,5 +1,5 @@
-// The window and its dialogs without a mouse and without eyes: what the keyboard reaches shows that it has
-// the focus, and what a screen reader is told has a name.
+// The window and its dialogs without a mouse and without a screen: the Tab key reaches every control and the
+// focus is visible, and each control has a name for screen readers.
 #include <functional>
 #include <set>
 
@@ -38,7 +38,7 @@ protected:
         doors.addItem(all, {"Pine door"});
     }
 
-    /// What a person can act on.
+    /// Whether the user can operate this element.
     static bool isControl(const QAccessibleInterface& one)
     {
         const std::set<QAccessible::Role> controls{
@@ -50,7 +50,7 @@ protected:
         return controls.count(one.role()) != 0;
     }
 
-    /// Descriptions of the visible controls below `one` that have no name.
+    /// Descriptions of the visible controls below `one` that have no accessible name.
     static QStringList namelessBelow(QAccessibleInterface* one, int& count, int depth = 0)
     {
         QStringList nameless;
@@ -63,7 +63,7 @@ protected:
                                                  one->object()->objectName()
                                            : "role " + QString::number(one->role()));
         }
-        const bool isInner = one->role() == QAccessible::ComboBox; // its list opens apart
+        const bool isInner = one->role() == QAccessible::ComboBox; // its list opens as a separate popup
         for (int i = 0; !isInner && i < one->childCount(); ++i)
             nameless << namelessBelow(one->child(i), count, depth + 1);
         return nameless;
@@ -78,7 +78,8 @@ protected:
         EXPECT_GE(count, least) << top.objectName().toStdString();
     }
 
-    /// Goes round with the Tab key; each stop must be seen, in itself and by its focus.
+    /// Presses the Tab key until the focus returns. Each stop must be visible, inside the window, and show
+    /// its focus.
     static void expectVisibleStops(QWidget& top, int least)
     {
         top.activateWindow();
@@ -91,7 +92,7 @@ protected:
             QWidget* stop = QApplication::focusWidget();
             ASSERT_NE(stop, nullptr) << top.objectName().toStdString();
             if (stop == before)
-                continue; // from link to link within a text
+                continue; // the focus moved to the next link of the same text
             if (!stops.insert(stop).second)
                 break;
             const std::string name = std::string(stop->metaObject()->className()) + " " +
@@ -110,7 +111,7 @@ protected:
         EXPECT_GE(static_cast<int>(stops.size()), least) << order.join("; ").toStdString();
     }
 
-    /// A window that nobody gave a size; the screen of the platform is a small one.
+    /// A window without a set size must fit the small screen of the test platform.
     void expectToFitTheScreen()
     {
         WindowMessages messages;
@@ -212,7 +213,7 @@ TEST_F(BrowserAccessTest, enterInThePreviewOfManufacturersRefreshesThem)
     open();
     inDialog([&] { trigger("refreshManufacturers"); },
              [](QDialog& dialog) {
-                 QTest::keyClick(&dialog, Qt::Key_Return); // too early: there is nothing to apply
+                 QTest::keyClick(&dialog, Qt::Key_Return); // too early: no changes to apply
                  EXPECT_TRUE(dialog.isVisible());
                  auto* changes = dialog.findChild<QListWidget*>("manufacturerChanges");
                  ASSERT_TRUE(waitFor([&] { return changes->count() == 4; }));

@@ -1,4 +1,4 @@
-// The list of what is fetched and imported, and the card that tells how it ended.
+// The list of running downloads and imports, and the card with their result.
 #include <chrono>
 #include <filesystem>
 
@@ -34,7 +34,7 @@ protected:
         offer("Beta", {"Lamp"});
     }
 
-    /// Offers a catalog with these items.
+    /// Adds a catalog with these items to the service.
     std::string offer(const std::string& name, const std::vector<std::string>& items)
     {
         const std::string file = folder().path() + "/" + name + ".orvlib";
@@ -49,7 +49,7 @@ protected:
         service.offer(name + ".orvlib", content);
         return content;
     }
-    /// Lets a catalog trickle in, for about two seconds.
+    /// Makes the download of a catalog take about two seconds.
     void slowDown(const std::string& name, const std::string& content)
     {
         service.spoil(name + ".orvlib",
@@ -69,7 +69,7 @@ protected:
         return waitFor([&] { return !isRunning(); });
     }
     ActivityPane& list() { return child<ActivityPane>("activities"); }
-    /// How an activity stands, as the list says it; empty when it is not there.
+    /// The state of an activity as the list shows it; empty if the list does not have it.
     QString stateOf(const QString& name)
     {
         const QAbstractItemModel& model = *list().model();
@@ -137,7 +137,7 @@ TEST_F(BrowserActivitiesTest, listStaysAfterTheUpdateUntilItIsFolded)
     QTest::mouseClick(&child<QToolButton>("activitiesButton"), Qt::LeftButton);
     EXPECT_TRUE(list().isVisible());
     EXPECT_EQ(list().model()->rowCount(), 2);
-    QApplication::setActiveWindow(&window()); // where no window manager does
+    QApplication::setActiveWindow(&window()); // needed without a window manager
     QTest::keyClick(&window(), Qt::Key_J, Qt::ControlModifier);
     EXPECT_FALSE(list().isVisible());
 }
@@ -148,7 +148,7 @@ TEST_F(BrowserActivitiesTest, cardCountsWhatIsNewAndStaysUntilItIsPutAway)
     ASSERT_TRUE(ends());
     EXPECT_TRUE(isCardShown());
     EXPECT_EQ(card(), "2 catalogs, 3 items");
-    EXPECT_FALSE(child<QPushButton>("resultNews").isVisible()); // all is
+    EXPECT_FALSE(child<QPushButton>("resultNews").isVisible()); // there is no news
     ASSERT_TRUE(settle());
     offer("Alpha", {"Door"});
     offer("Beta", {"Lamp", "Torch", "Candle"});
@@ -178,7 +178,7 @@ TEST_F(BrowserActivitiesTest, cardLeadsToWhatIsNew)
     openAndUpdate();
     ASSERT_TRUE(ends());
     const std::string lists = inRoot("browser-lists.json");
-    ASSERT_TRUE(waitFor([&] { return fileString(lists).pathExists(); })); // now all that is there is seen
+    ASSERT_TRUE(waitFor([&] { return fileString(lists).pathExists(); })); // now all items count as seen
     offer("Beta", {"Lamp", "Torch"});
     trigger("checkForUpdates");
     ASSERT_TRUE(ends());

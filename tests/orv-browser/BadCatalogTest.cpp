@@ -1,4 +1,4 @@
-// Catalogs as they should not be: the window says so where they stand, and everything else works on.
+// The window reports damaged catalogs where they appear, and everything else stays usable.
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QLabel>
@@ -19,7 +19,7 @@ using test::CatalogMaker;
 class BadCatalogTest : public test::BrowserTest
 {
 protected:
-    /// A catalog beside the bad one, which must stay usable.
+    /// Creates a sound catalog beside the damaged one.
     void makeGood() const
     {
         CatalogMaker good(inRoot("core/Good.orvlib"), "good");
@@ -32,7 +32,7 @@ protected:
         EXPECT_EQ(names(), QStringList("Chair"));
     }
 
-    /// Goes to a catalog that cannot be read and gives what the details say of it.
+    /// Goes to an unreadable catalog and returns the problem that the details show.
     QString problemOf(const QString& catalog)
     {
         EXPECT_TRUE(goTo({"Core", catalog}));
@@ -88,7 +88,7 @@ TEST_F(BadCatalogTest, lockedCatalogSaysSoAndIsReadOnceItIsFree)
     }
     QSqlDatabase::removeDatabase("lock");
     ASSERT_TRUE(goTo({"Core", "Good"}));
-    ASSERT_TRUE(goTo({"Core", "Locked"})); // which looks again
+    ASSERT_TRUE(goTo({"Core", "Locked"})); // reads the catalog again
     EXPECT_TRUE(waitFor([&] { return place({"Core", "Locked", "Inside"}).isValid(); }));
 }
 

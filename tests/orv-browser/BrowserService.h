@@ -7,31 +7,31 @@
 
 namespace test {
 
-/// The real service, `orv-library serve`, as a process of its own over the content that `orv-library sample`
-/// wrote; on a free port of the loopback interface, ended with the object.
+/// Runs `orv-library serve` as a process on a free port of 127.0.0.1. It serves the content that `orv-library
+/// sample` creates. The destructor ends the process.
 class BrowserService
 {
 public:
-    /// @param folder for the content; made when missing
+    /// @param folder the folder for the content; it is created if it is missing
     explicit BrowserService(const std::string& folder);
     ~BrowserService();
     BrowserService(const BrowserService&) = delete;
     BrowserService& operator=(const BrowserService&) = delete;
 
-    /// "content" below the folder: the files that are served.
+    /// The folder "content" with the served files.
     const std::string& content() const { return mContent; }
     const std::string& manufacturerFolder() const { return mManufacturerFolder; }
     const QString& redirect() const { return mRedirect; }
     const QString& manufacturers() const { return mManufacturers; }
     const QString& logos() const { return mLogos; }
 
-    /// Settings that name this service for the manufacturers alone.
+    /// Settings that use this service only for the manufacturers.
     std::string manufacturerSettings() const;
 
-    /// Ends the process: from now on nobody answers.
+    /// Ends the process. From then on connections are refused.
     void stop();
 
-    /// Runs `orv-library` to its end; fails the test when its status is not 0.
+    /// Runs `orv-library` until it ends. Fails the test if the status is not 0.
     static void runProgram(const QStringList& arguments);
 
 private:

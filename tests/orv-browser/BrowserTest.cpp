@@ -27,7 +27,7 @@ constexpr int kMostMilliseconds = 30000;
 
 BrowserTest::BrowserTest() : mHost({mFolder.file("root")})
 {
-    LibraryFilterManager::getLibraryFilterManager().loadFilters(); // this root has none
+    LibraryFilterManager::getLibraryFilterManager().loadFilters(); // the new root has no filters
 }
 
 BrowserTest::~BrowserTest()
@@ -41,11 +41,11 @@ void BrowserTest::open(const QString& service)
 {
     mWindow = std::make_unique<MainWindow>(mHost.root(), mMessages);
     mWindow->library().overrideService({service, {}, {}, {}, {}});
-    mWindow->resize(1180, 720); // whatever the screen of the platform is
+    mWindow->resize(1180, 720); // independent of the screen size
     mWindow->show();
     mWindow->library().start();
-    // Keys that menus know work in the active window only, and a bare screen has no window manager that would
-    // make it so.
+    // Menu shortcuts work only in the active window, and the test platform has no window manager to activate
+    // it.
     mWindow->activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(mWindow.get()));
 }

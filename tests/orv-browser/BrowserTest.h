@@ -23,7 +23,7 @@ class QTreeView;
 
 namespace test {
 
-/// Tests of the window as a user has it: offscreen, on a fresh root, driven by keys and clicks.
+/// The base of the tests that operate the window with keys and clicks, offscreen and on a fresh root.
 class BrowserTest : public testing::Test
 {
 protected:
@@ -34,14 +34,14 @@ protected:
     std::string inRoot(const std::string& name) const { return mFolder.path() + "/root/" + name; }
     const TempFolder& folder() const { return mFolder; }
 
-    /// Makes the window, shows it and starts it.
-    /// @param service the catalog service; empty for what the preferences say
+    /// Creates, shows and starts the window.
+    /// @param service the address of the catalog service; if it is empty, the preferences decide
     void open(const QString& service = {});
-    /// Closes the window as the user does, and destroys it.
+    /// Closes the window as the user does and destroys it.
     void close();
 
     MainWindow& window() { return *mWindow; }
-    /// A child of the window, or of `parent`, by its object name; fails the test when there is none.
+    /// A child of the window, or of `parent`, with this object name. Fails the test if it does not exist.
     template <class Widget>
     Widget& child(const char* name, QObject* parent = nullptr)
     {
@@ -56,34 +56,34 @@ protected:
     QString summary();
 
     /// Runs the event loop until the condition holds, at most 30 s.
-    /// @return whether it does
+    /// @return whether it holds
     static bool waitFor(const std::function<bool()>& condition);
-    /// Waits until the library is read and the gallery shows what the place, the words and the choices say.
+    /// Waits until the library has been read and the gallery shows the items for the current place, words and
+    /// choices.
     bool settle();
-    /// The row of the place with these names from the top down, opening each on the way as a user does;
-    /// invalid when there is none.
+    /// The index of the place with these names from the top down. Expands each place on the way as a user
+    /// does. The index is invalid if there is no such place.
     QModelIndex place(const QStringList& names);
-    /// Makes that place the current one, and waits until its items are shown.
-    /// @return whether there is such a place
+    /// Selects this place and waits until its items are shown.
+    /// @return whether the place exists
     bool goTo(const QStringList& names);
-    /// Names of the places right below one.
+    /// The names of the direct children of a place.
     QStringList placesBelow(const QModelIndex& parent);
-    /// Names of the items that the gallery shows, in their order.
+    /// The names of the items in the gallery, in their order.
     QStringList names();
-    /// Selects the item of this name by a click; fails the test when it is not shown.
+    /// Clicks the item with this name. Fails the test if the gallery does not show it.
     void select(const QString& name);
     /// The current text of a label in the details.
     QString detail(const char* label);
-    /// Runs `act`, which opens a modal dialog, and meanwhile `answer` on the dialog.
+    /// Runs `act`, which opens a modal dialog, and runs `answer` while the dialog is open.
     void inDialog(const std::function<void()>& act, const std::function<void(QDialog&)>& answer);
-    /// Opens the dialogs of the menus one after the other, hands each to `look` as soon as it shows what it
-    /// is for, and cancels it. A service of the manufacturers answers meanwhile; the window must not be open
-    /// yet.
+    /// Opens the dialogs of the menus one after the other, passes each to `look` when its content is there,
+    /// and cancels it. A manufacturer service runs meanwhile. Call it before `open`.
     void inEachDialog(const std::function<void(QDialog&)>& look);
-    /// Opens the list of a choice above the gallery and takes the entry that begins with a text; fails the
-    /// test when there is none.
+    /// Opens the list of a choice above the gallery and selects the entry that starts with this text. Fails
+    /// the test if there is no such entry.
     void pick(const char* chip, const QString& entry);
-    /// Triggers an action of the menus by its object name.
+    /// Triggers the menu action with this object name.
     void trigger(const char* action);
 
 private:

@@ -10,17 +10,17 @@
 
 namespace test {
 
-/// Writes a catalog database, row by row, in one transaction that ends with the object.
+/// Writes a catalog database row by row, in one transaction that the destructor commits.
 class CatalogMaker
 {
 public:
-    /// @param id the library database id; nothing is written for an empty one
+    /// @param id the library database id; an empty id is not written
     CatalogMaker(const std::string& path, const std::string& id);
     ~CatalogMaker();
     CatalogMaker(const CatalogMaker&) = delete;
     CatalogMaker& operator=(const CatalogMaker&) = delete;
 
-    /// @return the folder's id, from 1
+    /// @return the id of the folder, from 1
     int addFolder(const std::string& name, std::optional<int> parent = std::nullopt);
 
     struct Item
@@ -31,14 +31,14 @@ public:
         std::optional<int> manufacturer = std::nullopt;
         QByteArray picture = {};
     };
-    /// @return the item's id, from 0
+    /// @return the id of the item, from 0
     int addItem(int folder, const Item& item);
-    /// Folders "Folder 1" and so on at the top of an empty catalog.
+    /// Adds folders "Folder 1" and so on at the top of an empty catalog.
     void addFolders(int count);
-    /// Items "Item 1" and so on, each with a picture when one is given.
+    /// Adds items "Item 1" and so on, each with `picture` unless it is empty.
     void addItems(int folder, int count, const QByteArray& picture = {});
 
-    /// A small picture as PNG.
+    /// A small picture in the PNG format.
     static QByteArray picture();
 
 private:

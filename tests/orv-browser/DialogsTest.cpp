@@ -53,8 +53,8 @@ protected:
         names->currentItem()->setText(name);
     }
 
-    /// Presses OK, which opens a message, and puts the message away.
-    /// @return the message
+    /// Clicks OK, which opens a message box, and closes the box.
+    /// @return its text
     static QString refusal(QDialog& dialog)
     {
         QString told;
@@ -63,7 +63,7 @@ protected:
         return told;
     }
 
-    /// Waits for a message over `parent`, or over the window, and puts it away.
+    /// Waits for a message box over `parent`, or over the window, and closes it.
     static QString answerMessage(const QDialog* parent)
     {
         waitFor([&] { return QApplication::activeModalWidget() != parent; });
@@ -88,7 +88,7 @@ protected:
     }
     QString chosenFilter() { return child<QToolButton>("filterChip").text(); }
 
-    /// Writes the filters as another program does.
+    /// Writes the filters as another program would.
     void writeFilters(const std::vector<LibraryFilter>& filters, long current) const
     {
         ASSERT_TRUE(LibraryFilterManager::saveFiltersToFile(manager.getFilterFullname(), filters, current));
@@ -152,7 +152,7 @@ TEST_F(BrowserDialogsTest, theFirstOfTwoFiltersCanBeRemoved)
 {
     manager.setLibraryFilters({LibraryFilter("First", 3, {"doors"}), LibraryFilter("Second", 4, {"lamps"})});
     manager.saveFilters();
-    manager.loadFilters(); // which turns the list round
+    manager.loadFilters(); // reverses the list
     open();
     inDialog([&] { trigger("editFilters"); },
              [](QDialog& dialog) {
@@ -175,7 +175,7 @@ TEST_F(BrowserDialogsTest, filterKeepsCatalogsThatAreNotInstalled)
              [](QDialog& dialog) {
                  auto* catalogs = dialog.findChild<QListWidget*>("filterCatalogs");
                  catalogs->setCurrentRow(1);
-                 QTest::keyClick(catalogs, Qt::Key_Space); // out with the lamps
+                 QTest::keyClick(catalogs, Qt::Key_Space); // unchecks the lamps
                  press(dialog, QDialogButtonBox::Ok);
              });
     EXPECT_THAT(manager.getLibraryFilters()[0].getDatabaseIds(), ElementsAre("gone"));
@@ -271,7 +271,7 @@ TEST_F(BrowserDialogsTest, idThatNoFilterHasHidesNothing)
     EXPECT_FALSE(window().gallery().search().hasChoices());
     choose("Light");
     ASSERT_TRUE(settle());
-    EXPECT_TRUE(tree().isRowHidden(0, core)); // the doors
+    EXPECT_TRUE(tree().isRowHidden(0, core)); // the catalog of doors
     EXPECT_FALSE(tree().isRowHidden(1, core));
 }
 

@@ -34,7 +34,7 @@ double EventWatch::waitForProcessor()
     char text[100] = "";
     if (pread(file, text, sizeof text - 1, 0) <= 0)
         return 0;
-    // The time of running, then that of waiting, in nanoseconds.
+    // The file has the time running, then the time waiting, in nanoseconds.
     char* waited = nullptr;
     std::strtoll(text, &waited, 10);
     return static_cast<double>(std::strtoll(waited, nullptr, 10)) / 1e6;

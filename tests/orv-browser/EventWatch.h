@@ -4,10 +4,9 @@
 
 namespace test {
 
-/// Measures how long the interface thread is busy with one event, from construction to the end of the block;
-/// without the time for which other programs keep it from the processor.
-/// Events inside events count with the outer one. One object at a time; the test program's application object
-/// must be a WatchedApplication.
+/// Measures the longest event that the interface thread handles until the destructor. Time during which other
+/// programs use the processor does not count. Events inside an event count with the outer event. Only one
+/// object may exist at a time, and the application object must be a WatchedApplication.
 class EventWatch
 {
 public:
@@ -16,14 +15,14 @@ public:
     EventWatch(const EventWatch&) = delete;
     EventWatch& operator=(const EventWatch&) = delete;
 
-    /// Milliseconds of the event that took longest.
+    /// The duration of the longest event in milliseconds.
     double longest() const { return mLongest; }
-    /// What that event was.
+    /// The name of the longest event.
     const std::string& longestName() const { return mLongestName; }
 
     void note(double milliseconds, const std::string& name);
     static EventWatch* current();
-    /// For how many milliseconds, in all, this thread could have gone on and no processor was free.
+    /// How many milliseconds in total this thread was ready to run and waited for a processor.
     static double waitForProcessor();
 
 private:

@@ -1,5 +1,5 @@
-// How long things take, with bounds that a loaded machine and a build without optimisation keep. The figures
-// themselves come from bench/BrowserBench.cpp.
+// Time limits that hold even on a busy machine and without optimisation. bench/BrowserBench.cpp measures the
+// real figures.
 #include <algorithm>
 
 #include <QElapsedTimer>
@@ -28,7 +28,7 @@ constexpr int kSlowness = 1;
 class BrowserFiguresTest : public test::BrowserTest
 {
 protected:
-    /// A catalog of 200,000 items.
+    /// Creates a catalog of 200,000 items.
     void makeHuge() const
     {
         CatalogMaker huge(inRoot("core/Huge.orvlib"), "huge");
@@ -53,7 +53,7 @@ TEST_F(BrowserFiguresTest, folderOfTenThousandItemsAmongAHundredThousandOpensAtO
     timer.start();
     tree().setCurrentIndex(folder);
     ASSERT_TRUE(settle());
-    EXPECT_LT(timer.elapsed(), 500 * kSlowness); // 60 where nothing else runs
+    EXPECT_LT(timer.elapsed(), 500 * kSlowness); // 60 ms on an idle machine
     EXPECT_EQ(items().rowCount(), 10000);
     EXPECT_EQ(items().index(9999, 0).data().toString(), "Item 10000");
 }
@@ -77,7 +77,7 @@ TEST_F(BrowserFiguresTest, scrollingThroughTwoHundredThousandItemsNeverStops)
     auto& scroll = *child<QListView>("gallery").verticalScrollBar();
     double longest = 1000;
     std::string name;
-    // Where other programs take the processor away any event may take long, but hardly in every round.
+    // On a busy machine any event may take long, but hardly in each of three rounds.
     for (int round = 0; round < 3 && longest >= 50 * kSlowness; ++round) {
         const test::EventWatch watch;
         for (int step = 0; step <= 100; ++step) {

@@ -1,4 +1,4 @@
-// The stored filter as one more choice, filters made of choices, and how all that is undone.
+// The filter as one more choice above the gallery, filters saved from choices, and undoing all this.
 #include <QAction>
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -42,7 +42,7 @@ protected:
     }
 
     QString chip() { return child<QToolButton>("filterChip").text(); }
-    /// Asks for a filter of the choices, under this name, and presses OK.
+    /// Saves the current choices as a filter with this name.
     void saveAs(const QString& name)
     {
         inDialog([&] { pick("filterChip", "Save as filter"); },
@@ -64,7 +64,7 @@ protected:
     }
     void undo()
     {
-        window().activateWindow(); // a dialog may have taken the keys
+        window().activateWindow(); // a dialog may have been active
         ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
         QTest::keyClick(&window(), Qt::Key_Z, Qt::ControlModifier);
     }
@@ -167,7 +167,7 @@ TEST_F(BrowserFilterChipTest, nameThatCannotBeIsToldAndAskedForAgain)
     open();
     chooseModern();
     QStringList told;
-    QTimer answer; // names one after the other, and messages between
+    QTimer answer; // enters the names and closes the messages in between
     QStringList toEnter{"Light", " ", "Dark"};
     QObject::connect(&answer, &QTimer::timeout, [&] {
         QWidget* top = QApplication::activeModalWidget();

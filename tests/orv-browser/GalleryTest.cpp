@@ -1,4 +1,4 @@
-// The items as pictures and as a list, and what mouse and keys do with them.
+// The items as pictures and as a list, operated by mouse and keys.
 #include <QApplication>
 #include <QComboBox>
 #include <QLabel>
@@ -81,7 +81,7 @@ TEST_F(BrowserGalleryTest, sortsByCatalogStyleAndMakerAndBackwards)
 {
     open();
     EXPECT_EQ(order(1), QString::fromUtf8("\xC3\x84sche,door 9,Door 10,Lamp"));
-    EXPECT_TRUE(order(2).endsWith("door 9")); // the one without a style comes last
+    EXPECT_TRUE(order(2).endsWith("door 9")); // the item without a style comes last
     EXPECT_TRUE(order(3).endsWith("door 9,Door 10") || order(3).endsWith("Lamp"));
     EXPECT_TRUE(order(0).startsWith(QString::fromUtf8("\xC3\x84sche")));
     QTest::mouseClick(&child<QToolButton>("sortDescending"), Qt::LeftButton);

@@ -24,7 +24,7 @@ using test::CatalogMaker;
 class BrowserImportTest : public test::BrowserTest
 {
 protected:
-    /// An archive of a database with one item, packed by `orv-library pack`.
+    /// An archive with a database of one item, made by `orv-library pack`.
     QString packedLibrary()
     {
         const std::string database = folder().path() + "/Kitchen.orvlib";
@@ -43,7 +43,7 @@ protected:
     QString path(const QString& name) const { return QString::fromStdString(folder().path()) + "/" + name; }
 
     /// Drops files on the window as a file manager does.
-    /// @return whether the window takes them
+    /// @return whether the window accepts them
     bool drop(const QStringList& files)
     {
         QMimeData data;

@@ -1,6 +1,6 @@
-// What stands where, at five sizes, in light and dark, in English, German and from right to left: no text is
-// cut off, nothing lies outside its window, nothing covers its neighbour. docs/notes/window.md says why these
-// facts are compared and not pictures. The build runs it at 125% and 200% as well.
+// The layout at five sizes, light and dark, in English, German and from right to left: no text is cut off,
+// nothing lies outside its window, and nothing overlaps. docs/notes/window.md explains why the tests check
+// this and do not compare pictures. The build also runs them at 125% and 200%.
 #include <QAbstractButton>
 #include <QAbstractScrollArea>
 #include <QApplication>
@@ -25,7 +25,7 @@ namespace {
 
 const QSize kSizes[] = {{800, 600}, {1024, 700}, {1180, 720}, {1600, 900}, {2560, 1440}};
 
-/// Looks through a window and notes what is wrong.
+/// Collects the layout faults of a window.
 class Inspection
 {
 public:
@@ -51,7 +51,7 @@ private:
             for (QWidget* other : shown)
                 if (other < child && other->geometry().intersects(child->geometry()))
                     note("overlap with " + describe(*other), *child);
-            // What scrolls may be larger than what is seen of it; fields arrange their parts themselves.
+            // The content of a scroll area may exceed its visible part. Input fields arrange their own parts.
             if (!qobject_cast<QAbstractScrollArea*>(child) && !qobject_cast<QComboBox*>(child) &&
                 !child->inherits("QLineEdit") && !child->inherits("QMenuBar"))
                 look(*child);
@@ -131,7 +131,7 @@ protected:
             }
         }
     }
-    /// The page of an empty library, with all that it may say.
+    /// Inspects the start page of an empty library in each of its states.
     void inspectFirstStart()
     {
         ASSERT_TRUE(QFile::remove(QString::fromStdString(inRoot("core/Doors.orvlib"))));

@@ -1,4 +1,4 @@
-// What the window looks like to those who do not see it, read another language, or from the other side.
+// The window for users who rely on a screen reader, read another language, or read from right to left.
 #include <algorithm>
 #include <cstdlib>
 

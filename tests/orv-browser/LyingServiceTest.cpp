@@ -1,5 +1,5 @@
-// A service that lies, is down, is slow, and comes back, as the user of the window meets it: what is
-// installed stays, the reason is told, and the next check puts all right.
+// A service that sends false content, is down, is slow, and recovers. The installed files stay, the user sees
+// the reason, and the next check succeeds.
 #include <filesystem>
 
 #include <QAction>
@@ -52,7 +52,7 @@ protected:
         ASSERT_TRUE(waitFor([&] { return child<QAction>("checkForUpdates").isEnabled(); }));
         ASSERT_TRUE(settle());
     }
-    /// Checks for updates: nothing may be lost, and the user is told why the new catalog did not come.
+    /// Checks for updates. The installed files must stay, and the window must show the reason.
     void expectRefusal(const QString& reason)
     {
         update();
@@ -63,7 +63,7 @@ protected:
         for (const std::string& file : test::listTree(inRoot("core")))
             EXPECT_EQ(file.find(".download"), std::string::npos) << file;
     }
-    /// The service is as it should be again.
+    /// Makes the service sound again and expects a successful check.
     void expectRecovery()
     {
         service.offer("Doors.orvlib", content);
@@ -77,7 +77,7 @@ protected:
     std::string content; ///< of the new catalog
 };
 
-/// Spoils the answers to downloads of the catalogs, and leaves the questions for their headers.
+/// Spoils the responses to GET requests for catalogs, and keeps those to HEAD requests.
 test::ContentService::Spoiler bodies(const std::function<FaultReply(const FaultReply&)>& spoil)
 {
     return [spoil](const FaultReply& sound, const FaultRequest& request) {

@@ -1,4 +1,4 @@
-// The main function of the window's tests: an application that can measure its events, then all tests.
+// The main function of the window's tests. Its application object can measure how long events take.
 #include <gmock/gmock.h>
 
 #include "apps/orv-browser/Translations.h"
@@ -7,8 +7,8 @@
 int main(int argc, char** argv)
 {
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");                  // "xcb" drives a real window
-    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent"); // the machine's network is no matter
+        qputenv("QT_QPA_PLATFORM", "offscreen");                  // "xcb" uses a real screen
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", "unix:path=/nonexistent"); // ignores the machine's network
     testing::InitGoogleMock(&argc, argv);
     test::WatchedApplication application(argc, argv);
     Translations::install(application);

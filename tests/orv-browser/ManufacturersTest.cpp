@@ -35,7 +35,7 @@ protected:
         open();
     }
 
-    /// Refreshes the records in the preview.
+    /// Refreshes the records in the preview dialog.
     void refresh();
 
     test::BrowserService service;
@@ -99,7 +99,7 @@ TEST_F(BrowserManufacturersTest, logosStandBesideTheirCatalogsOnceTheyAreThere)
     EXPECT_EQ(icon("Nobody").cacheKey(), plain.cacheKey());
     const QImage plate = icon("Oakline").pixmap(64, 64).toImage();
     EXPECT_EQ(plate.pixelColor(0, 0).alpha(), 0);
-    EXPECT_EQ(plate.pixelColor(32, 2), QColor(Qt::white)); // logos are made for white
+    EXPECT_EQ(plate.pixelColor(32, 2), QColor(Qt::white)); // logos are drawn for a white background
     EXPECT_NE(plate.pixelColor(32, 32), QColor(Qt::white));
 
     const Manufacturer& record = ManufacturerManager::getManufacturerManager()->getManufacturer(103);

@@ -1,4 +1,4 @@
-// What the library has to tell the user stands in the window.
+// The window shows the messages of the library.
 #include <algorithm>
 #include <limits>
 #include <string>
@@ -52,7 +52,7 @@ TEST_F(BrowserMessagesTest, messageFromAWorkerIsShownAndTheWorkerGoesOn)
 {
     open();
     std::thread worker([] { send(ErrorMinimalTrait(), Message::kCannotWriteDataFile, "/a/file.json"); });
-    worker.join(); // although the interface thread handles no events
+    worker.join(); // the interface thread handles no events meanwhile
     EXPECT_FALSE(isShown());
     ASSERT_TRUE(waitFor([&] { return isShown(); }));
     EXPECT_TRUE(text().contains("\"/a/file.json\" cannot be written")) << text().toStdString();
@@ -84,7 +84,7 @@ TEST_F(BrowserMessagesTest, severalMessagesStandTogetherEachOnce)
     for (const char* argument : {"one", "two", "one", "three", "four", "five"})
         send(WarningTrait(), Message::kPreferenceType, argument);
     ASSERT_TRUE(waitFor([&] { return isShown(); }));
-    EXPECT_EQ(text(), "one\nthree\nfour\nfive"); // the oldest made room
+    EXPECT_EQ(text(), "one\nthree\nfour\nfive"); // the oldest message was dropped
 }
 
 TEST_F(BrowserMessagesTest, informationIsShownOncePerRun)

@@ -1,5 +1,4 @@
-// Updates where the connection is paid by the amount: what the window says, and how the user fetches all the
-// same.
+// Updates on a metered connection: what the window shows, and how the user can start the download anyway.
 #include <QAction>
 #include <QComboBox>
 #include <QDialogButtonBox>

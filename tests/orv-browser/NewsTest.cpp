@@ -1,5 +1,4 @@
-// What is new, what waits, and how the user puts it away; against the real service in a process of its own.
-#include <QAction>
+// New items, pending updates, and how the user dismisses them. The service runs as a process of its own.
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
@@ -39,8 +38,8 @@ protected:
         ASSERT_TRUE(waitFor([&] { return child<QAction>("checkForUpdates").isEnabled(); }));
         ASSERT_TRUE(settle());
     }
-    /// The service has a newer version of its catalog: "Arch" has another name, "Column" is gone, "Dormer"
-    /// new.
+    /// Puts a newer version of the catalog on the service: "Arch" has another name, "Column" is removed,
+    /// "Dormer" is new.
     void changeCatalog() const
     {
         change({"UPDATE item SET name = 'Archway' WHERE name = 'Arch'",
@@ -179,7 +178,7 @@ TEST_F(BrowserNewsTest, notesThatWereRemovedHideNoNews)
     open(service.redirect());
     update();
     for (int i = 0; i < 3; ++i)
-        update(); // brings nothing, and is numbered all the same
+        update(); // a run without changes still gets a number
     changeCatalog();
     update();
     trigger("markAllSeen");
@@ -216,7 +215,7 @@ TEST_F(BrowserNewsTest, updateThatAnotherProgramFoundWaitsBesideItsCatalog)
     close();
     changeCatalog();
     const QString root = QString::fromStdString(folder().path() + "/root");
-    QProcess program; // its status says that something waits
+    QProcess program; // its exit status reports pending updates
     program.start(ORV_LIBRARY_PROGRAM, {"--root", root, "check", "--url", service.redirect()});
     ASSERT_TRUE(program.waitForFinished());
     open(service.redirect());

@@ -1,5 +1,5 @@
-// What happens to libraries of the user's own when other programs change them too, and when the window is
-// killed while it changes them.
+// The user's own libraries survive when other programs change them too, and when the window is killed during
+// a change.
 #include <csignal>
 #include <optional>
 #include <thread>
@@ -206,7 +206,7 @@ TEST_F(BrowserOwnLibrariesCareTest, aKillAtAnyInstantLeavesTheLibraryWholeUnderO
     for (int round = 0; round < 60; ++round) {
         const test::ChildEnd end = test::runInChild([&] {
             signal(SIGALRM, SIG_DFL);
-            ualarm(static_cast<useconds_t>(1000 + 1000 * round), 0); // which ends the process
+            ualarm(static_cast<useconds_t>(1000 + 1000 * round), 0); // the alarm kills the process
             for (;;) {
                 const OrvHost::HostLock lock = locked(root());
                 const bool isNext = next.pathExists();

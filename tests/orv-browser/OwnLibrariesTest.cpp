@@ -1,4 +1,4 @@
-// Libraries of the user's own: made, renamed, filled and removed with mouse and keys.
+// The user's own libraries: create, rename, fill and remove them with mouse and keys.
 #include <QAction>
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -42,7 +42,7 @@ protected:
         doors.addItem(exterior, {"Steel door"});
     }
 
-    /// "Mine" with three items in the folder "Best", and its textures.
+    /// Creates the library "Mine" with three items in the folder "Best", and its textures.
     void makeMine() const
     {
         CatalogMaker mine(inRoot("user/Mine.orvlib"), "mine");
@@ -58,7 +58,7 @@ protected:
         inDialog(act, [&](QDialog& dialog) {
             auto* field = dialog.findChild<QLineEdit*>("name");
             field->selectAll();
-            field->insert(name); // as input methods do; there are no keys for all letters
+            field->insert(name); // as input methods do; not all letters have a key
             QTest::keyClick(field, Qt::Key_Return);
         });
     }
@@ -109,7 +109,7 @@ protected:
                  });
         return problem;
     }
-    /// Takes an entry of "Copy to" in the details.
+    /// Selects an entry of the menu "Copy to" in the details.
     void copyTo(const char* button, const QString& entry)
     {
         QMenu* menu = child<QPushButton>(button).menu();
@@ -198,7 +198,7 @@ TEST_F(BrowserOwnLibrariesTest, namesThatWillNotDoSayWhyAsTheyAreTyped)
     EXPECT_EQ(problemOf(QString(101, QChar(0xFC))), "The name is too long.");
     EXPECT_EQ(problemOf(QString(200, 'a')), "");
     EXPECT_EQ(problemOf("Mine 2"), "");
-    EXPECT_EQ(problemOf("Doors"), ""); // the service's catalogs lie elsewhere
+    EXPECT_EQ(problemOf("Doors"), ""); // catalogs of the service have their own folder
 }
 
 TEST_F(BrowserOwnLibrariesTest, itemsAreCopiedToThemFromTheDetails)
@@ -300,7 +300,7 @@ TEST_F(BrowserOwnLibrariesTest, itemsAndFoldersAreRenamedByF2)
     ASSERT_TRUE(hears("Chair is now called " + name + "."));
     EXPECT_EQ(names(), QStringList({name, "Stool", "Table"}));
     EXPECT_EQ(detail("detailsTitle"), name);
-    EXPECT_EQ(detail("detailsPaneName"), ""); // still the same as the name
+    EXPECT_EQ(detail("detailsPaneName"), ""); // not shown: it equals the name
     EXPECT_TRUE(items().index(0, 0).data(GalleryModel::kFavouriteRole).toBool());
     undo();
     ASSERT_TRUE(hears(name + " is now called Chair."));

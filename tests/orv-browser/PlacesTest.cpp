@@ -1,4 +1,4 @@
-// The tree of places at the left, and what may be dropped on it.
+// The tree of places on the left, and dropping items on it.
 #include <QAbstractItemView>
 #include <QLineEdit>
 #include <QMimeData>
@@ -38,7 +38,7 @@ protected:
             mine.addFolder(folder);
     }
 
-    /// What is carried when an item of the gallery is dragged.
+    /// The data of a drag of this gallery item.
     std::unique_ptr<QMimeData> dragged(const QString& name)
     {
         const int row = names().indexOf(name);

@@ -81,7 +81,7 @@ TEST_F(BrowserPreferencesTest, everyFieldIsKeptForTheNextStart)
     EXPECT_TRUE(kept.checkAtStart);
     EXPECT_EQ(kept.checkAgeHours, 6);
     EXPECT_EQ(kept.colours, Appearance::kDark);
-    test::writeFile(inRoot("browser.json"), [&] { // no check now
+    test::writeFile(inRoot("browser.json"), [&] { // prevents a check
         std::string text = test::readFile(inRoot("browser.json"));
         return text.replace(text.find("true"), 4, "false");
     }());
@@ -211,7 +211,7 @@ TEST_F(BrowserPreferencesTest, fileThatCannotBeReadMeansTheDefaults)
 TEST_F(BrowserPreferencesTest, preferencesThatCannotBeWrittenAreToldToTheUser)
 {
     open();
-    // A folder in the place of the file.
+    // A folder takes the place of the file.
     ASSERT_TRUE(QDir().mkpath(QString::fromStdString(inRoot("browser.json/in the way"))));
     QString told;
     inDialog([&] { trigger("editPreferences"); },

@@ -1,4 +1,4 @@
-// What the window says while an update goes on, above all where the bytes come slowly.
+// The progress display of an update, especially on a slow connection.
 #include <chrono>
 #include <set>
 
@@ -21,7 +21,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// An update on a slow link.
+/// An update on a slow connection.
 class BrowserProgressTest : public test::BrowserTest
 {
 protected:
@@ -49,7 +49,7 @@ protected:
         auto* panel = window().findChild<LibraryProgressPanel*>();
         return panel ? panel->findChild<QProgressBar*>() : nullptr;
     }
-    /// The seconds left that the window says; -1 when it says none.
+    /// The seconds left that the window shows; -1 if it shows none.
     int secondsLeft()
     {
         const auto match = QRegularExpression("about (\\d+) second").match(child<QLabel>("speed").text());
@@ -66,7 +66,7 @@ TEST_F(BrowserProgressTest, gaugeAndTimeLeftMoveOnASlowLink)
     ASSERT_TRUE(waitFor([&] { return secondsLeft() >= 0 || !isRunning(); }));
     std::set<int> values;
     QList<int> times;
-    // Two megabytes, after which the updater itself would tell a value for the first time, take 5 s.
+    // The updater itself reports a first value only after two megabytes, which take 5 s here.
     ASSERT_TRUE(waitFor([&] {
         if (gauge())
             values.insert(gauge()->value());

@@ -1,4 +1,4 @@
-// The look for updates when the window opens, and what other programs find meanwhile: a mark, and not a word.
+// The silent check when the window opens, and its result for other programs: a mark and no message.
 #include <QAction>
 #include <QDateTime>
 #include <QLabel>
@@ -40,7 +40,7 @@ protected:
             return place({"Core", "Alpha"}).data(Qt::ToolTipRole).toString() == "an update is waiting";
         });
     }
-    /// Makes the last check so old.
+    /// Sets the time of the last check to `minutes` ago.
     void age(int minutes) const
     {
         QByteArray text = QByteArray::fromStdString(test::readFile(inRoot("last-check.json")));
@@ -52,7 +52,7 @@ protected:
     }
     void checkElsewhere() const
     {
-        QProcess program; // its status says that something waits
+        QProcess program; // its exit status reports pending updates
         program.start(ORV_LIBRARY_PROGRAM,
                       {"--root", QString::fromStdString(folder().path() + "/root"), "check", "--quiet"});
         ASSERT_TRUE(program.waitForFinished());

@@ -1,4 +1,4 @@
-// The reasons of the careful host in the language of the window.
+// The window translates the reasons that OrvHost reports.
 #include <algorithm>
 #include <filesystem>
 
@@ -25,8 +25,8 @@ protected:
         QApplication::installTranslator(&mGerman);
     }
 
-    /// The texts in quotes of at least two words in the sources that reach the window. What a doctor, a
-    /// status or a check says is the command line's.
+    /// All quoted texts of at least two words in those OrvHost sources whose texts the window shows. The
+    /// listed sources produce texts only for the command line.
     static QStringList textsOfTheHost()
     {
         const QStringList others{"health/Doctor",        "health/CertificateAdvice", "health/LibraryHealth",
@@ -96,8 +96,8 @@ TEST_F(BrowserReasonsTest, haveAGermanTextEach)
 
 TEST_F(BrowserReasonsTest, knowEveryTextOfTheHost)
 {
-    // What no person is told: statements, names of steps that have texts of their own, and words that are
-    // looked for in answers.
+    // These texts are never shown: SQL statements, step names that have separate texts, and words that the
+    // code searches for in responses.
     const QRegularExpression inner(
         "^(SELECT |PRAGMA |SQLite format|putting in place$|HTTP/2 stream$|timed out$|"
         "too slow$|to connect$|o answer$|Empty reply$|Recv failure$|"

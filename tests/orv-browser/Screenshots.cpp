@@ -1,4 +1,4 @@
-// Takes the pictures of the window that the documents show, offscreen:
+// Takes the screenshots for the documents, offscreen:
 // `orv_browser_screenshots ROOT REDIRECT EMPTY-ROOT OUT [light|dark [rtl]]`.
 #include <cstdio>
 #include <stdexcept>
@@ -29,7 +29,7 @@
 
 namespace {
 
-constexpr int kSettleMilliseconds = 300; // pictures come in while nobody looks
+constexpr int kSettleMilliseconds = 300; // time to load the item pictures
 
 QString gFolder;
 QString gSuffix;
@@ -119,8 +119,7 @@ void saveDialogs(MainWindow& window)
     save(window, "message");
 }
 
-// The colours and the side to start from are those of the picture, whatever the preferences and the language
-// say.
+// The arguments set the colours and the text direction, whatever the preferences and the language say.
 void show(MainWindow& window, const QString& service)
 {
     const QStringList arguments = QApplication::arguments();
@@ -129,7 +128,7 @@ void show(MainWindow& window, const QString& service)
         QApplication::setLayoutDirection(Qt::RightToLeft);
     window.library().overrideService(
         {service, "Demo", "1", {"Garden Party", "Holiday Décor"}, {"Oakline Cabinets"}});
-    window.resize(1180, 660); // whatever the screen of the platform is
+    window.resize(1180, 660); // independent of the screen size
     window.show();
 }
 

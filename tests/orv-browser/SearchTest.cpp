@@ -45,7 +45,7 @@ protected:
 
     QLineEdit& field() { return child<QLineEdit>("searchField"); }
 
-    /// Types into the search field and gives what is found.
+    /// Types into the search field and returns the names of the results.
     QStringList search(const QString& text)
     {
         QTest::keyClick(&window(), Qt::Key_F, Qt::ControlModifier);
@@ -53,7 +53,7 @@ protected:
         return names();
     }
 
-    /// Opens the list of a choice and takes the entry that begins like this.
+    /// Opens the list of a choice and selects the entry that starts with this text.
     QStringList choose(const char* chip, const QString& entry)
     {
         EXPECT_TRUE(settle());
@@ -61,7 +61,7 @@ protected:
         return names();
     }
 
-    /// A catalog that another program holds locked until the connection is closed.
+    /// Creates a catalog that another connection keeps locked until it is closed.
     QSqlDatabase locked(const std::string& name) const
     {
         CatalogMaker(inRoot(name), name);
@@ -235,7 +235,7 @@ TEST_F(BrowserSearchTest, filterOfTheLastRunHoldsFromTheStartAndCanBeDropped)
 
 TEST_F(BrowserSearchTest, catalogsThatAreSlowToAnswerDoNotStopTheWindow)
 {
-    constexpr int kMostMilliseconds = 100; // each of these catalogs takes 200 to say that it is locked
+    constexpr int kMostMilliseconds = 100; // each of these catalogs takes 200 ms to report its lock
     const QSqlDatabase locks[] = {locked("core/One.orvlib"), locked("core/Two.orvlib")};
     {
         const test::EventWatch watch;

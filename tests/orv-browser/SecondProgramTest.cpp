@@ -1,5 +1,5 @@
-// A second program on the same root while the window is open: afterwards the window shows what is there,
-// without being asked.
+// A second program changes the same root while the window is open. The window then shows the new state
+// without a request of the user.
 #include <filesystem>
 
 #include <QAction>
@@ -48,7 +48,7 @@ protected:
         service.offer(name + ".orvlib", test::readFile(catalog(name, items)));
     }
     QString url() const { return QString::fromStdString(service.redirect()); }
-    /// Another program does something, and comes to its end.
+    /// Runs another program until it ends.
     void command(const QStringList& arguments) const
     {
         const QString root = QString::fromStdString(folder().path() + "/root");
@@ -60,7 +60,7 @@ protected:
         ASSERT_TRUE(waitFor([&] { return child<QAction>("checkForUpdates").isEnabled(); }));
         ASSERT_TRUE(settle());
     }
-    /// Waits until the window shows these items, of whatever it shows now.
+    /// Waits until the gallery shows these items.
     bool shows(const QStringList& wanted)
     {
         return waitFor([&] { return names() == wanted; });

@@ -1,4 +1,4 @@
-// The window and the command line work on one file of settings.
+// The window and the command line share one settings file.
 #include <QAction>
 #include <QDialogButtonBox>
 #include <QLineEdit>
@@ -35,7 +35,7 @@ protected:
         const QString root = QString::fromStdString(folder().path() + "/root");
         test::BrowserService::runProgram(QStringList{"--root", root, "settings", "set"} + keyAndValues);
     }
-    /// What `orv-library settings get` prints.
+    /// The output of `orv-library settings get`.
     std::string byCommand(const QString& key) const
     {
         QProcess program;
@@ -57,7 +57,7 @@ protected:
                 targets.push_back(request.target);
         return targets;
     }
-    /// Opens the preferences, changes them and presses OK.
+    /// Opens the preferences, changes them and clicks OK.
     void change(const std::function<void(QDialog&)>& enter)
     {
         inDialog([&] { trigger("editPreferences"); },
@@ -132,7 +132,8 @@ TEST_F(BrowserSharedSettingsTest, commandLineFindsWhatThePreferencesSet)
     EXPECT_EQ(byCommand("bonus"), "Garden.orvlib\nParty.orvlib\n");
     EXPECT_EQ(byCommand("limitRate"), "500000\n");
     EXPECT_EQ(byCommand("historyVersions"), "5\n");
-    EXPECT_EQ(OrvHost::Settings::load(fileString(inRoot(""))).stored().size(), 4); // nothing else is set
+    EXPECT_EQ(OrvHost::Settings::load(fileString(inRoot(""))).stored().size(),
+              4); // nothing else was stored
 }
 
 TEST_F(BrowserSharedSettingsTest, emptiedFieldGoesBackToTheDefault)

@@ -1,4 +1,4 @@
-// Items that are like the one in the details.
+// Items that are similar to the item in the details.
 #include <algorithm>
 
 #include <QElapsedTimer>
@@ -64,7 +64,7 @@ TEST_F(BrowserSimilarTest, standInTheDetailsTheMostSimilarFirst)
     open();
     ASSERT_TRUE(settle());
     select("Oak door");
-    // The same folder, style and maker; then folder and maker, folder, style and maker, style, maker.
+    // The order is: same folder, style and maker; folder and maker; folder; style and maker; style; maker.
     ASSERT_TRUE(shows({"Steel door", "Pine door", "Plain door", "Lamp", "Table", "Oven"}));
     EXPECT_TRUE(view().isVisible());
     select("Plain door");
@@ -123,7 +123,8 @@ TEST_F(BrowserSimilarTest, allOfThemAreSeenWithoutAScrollBarOfTheirOwn)
     }
 }
 
-/// They make the pane scroll, which takes some of its width from texts that had one line until then.
+/// Similar items make the details scroll. The scroll bar narrows the texts above, which may then need a
+/// second line.
 TEST_F(BrowserSimilarTest, leaveTheTextsAboveTheirLines)
 {
     {

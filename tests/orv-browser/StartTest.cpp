@@ -1,5 +1,5 @@
-// The way from an empty library to the first content, as a user goes it: an address that is typed, the boxes
-// for what the service lists, the samples, and archives that are dropped anywhere.
+// A user's way from an empty library to the first content: typing an address, checking boxes for what the
+// service lists, loading the samples, or dropping archives anywhere.
 #include <chrono>
 
 #include <QAction>
@@ -70,14 +70,14 @@ protected:
     {
         return OrvHost::Settings::load(fileString(inRoot(""))).values();
     }
-    /// Makes sure that the programs are installed, or that they are not.
+    /// Sets PATH so that the programs are found, or are not.
     void install(bool areThere)
     {
         qputenv("PATH", areThere ? QFileInfo(ORV_LIBRARY_PROGRAM).path().toUtf8() + ":" + mPath
                                  : QByteArray("/none"));
     }
 
-    /// A drag over the real window, as the platform delivers it.
+    /// Sends a drag event to the native window, as the platform does.
     template <class Event>
     bool drag(const QPoint& at, const QMimeData& data)
     {
@@ -94,7 +94,7 @@ private:
     QByteArray mPath = qgetenv("PATH");
 };
 
-/// A service that lists one core catalog and says whatever a test wants of the rest.
+/// A service whose index lists one core catalog. Tests set its other replies.
 class ListedService
 {
 public:
@@ -181,7 +181,7 @@ TEST_F(BrowserStartTest, answerToAFormerAddressIsNeverShown)
             seen << state();
         return state().startsWith("The service answers");
     })) << seen.join('|').toStdString();
-    QTest::qWait(800); // until the first answer has come for certain
+    QTest::qWait(800); // the first response has arrived by then
     EXPECT_TRUE(state().startsWith("The service answers")) << state().toStdString();
     EXPECT_TRUE(seen.filter("No catalogs").isEmpty()) << seen.join('|').toStdString();
 }
@@ -264,7 +264,7 @@ TEST_F(BrowserStartTest, settingsFillThePageAndWhatTheyNameIsTicked)
     tick("Garden.orvlib");
     QTest::mouseClick(&button("fetchContent"), Qt::LeftButton);
     ASSERT_TRUE(ends());
-    EXPECT_THAT(stored().bonus, ElementsAre("Other.orvlib")); // which the service does not list
+    EXPECT_THAT(stored().bonus, ElementsAre("Other.orvlib")); // the service does not list it
 }
 
 TEST_F(BrowserStartTest, whatTheUserTypesGoesBeforeTheCommandLine)
@@ -374,7 +374,7 @@ TEST_F(BrowserStartTest, archiveMayBeDroppedAnywhereAndTheWholeWindowSaysSo)
         {"pack", QString::fromStdString(database), QString::fromStdString(texture), "--output", archive});
     open();
     mData.setUrls({QUrl::fromLocalFile(archive)});
-    mData.setText(archive); // which a field for text would take
+    mData.setText(archive); // a text field would accept this drop
     const QPoint onField = middleOf(address());
     EXPECT_TRUE(drag<QDragEnterEvent>(onField, mData));
     EXPECT_TRUE(cover().isVisible());

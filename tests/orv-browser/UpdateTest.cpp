@@ -1,4 +1,4 @@
-// Catalog updates in the window, against the real service in a process of its own.
+// Catalog updates in the window. The service runs as a process of its own.
 #include <algorithm>
 #include <filesystem>
 #include <limits>
@@ -54,7 +54,7 @@ protected:
         ASSERT_TRUE(ends());
     }
 
-    /// The core catalogs that are there, as a sentence names them: five, and the number of the others.
+    /// The installed core catalogs as a sentence lists them: five names, and the number of the others.
     QString installed() const
     {
         const QFileInfoList files =
@@ -67,7 +67,7 @@ protected:
         return rest > 0 ? five + " and " + QString::number(rest) + " more" : five;
     }
 
-    /// Marks every catalog at its end, which the database does not mind.
+    /// Appends bytes to every catalog, which does not damage the database.
     void changeAllCatalogs() const
     {
         for (const auto& entry : std::filesystem::directory_iterator(service.content()))
@@ -75,7 +75,7 @@ protected:
                 test::writeFile(entry.path(), test::readFile(entry.path()) + std::string(4096, '\0'));
     }
 
-    /// Offers a core catalog that takes a while to fetch.
+    /// Adds a core catalog that takes some time to download.
     void offerLargeCatalog() const
     {
         const std::string index = service.content() + "/Orv_Core_Content_Index.txt";
@@ -84,7 +84,7 @@ protected:
         std::filesystem::resize_file(service.content() + "/Large.orvlib", 600'000'000);
     }
 
-    /// Offers a core catalog and a bonus catalog whose checks take longer than anybody waits for them.
+    /// Adds a core catalog and a bonus catalog whose database checks take longer than any test waits.
     void offerCatalogsThatAreSlowToCheck() const
     {
         const std::string index = service.content() + "/Orv_Core_Content_Index.txt";
@@ -166,7 +166,7 @@ TEST_F(BrowserUpdateTest, newCatalogComesInWithoutLosingTheUsersPlace)
     const int scroll = gallery.verticalScrollBar()->value();
     ASSERT_GT(scroll, 0);
 
-    // The same catalog with a mark at its end, which the database does not mind.
+    // Appends bytes to the catalog, which does not damage the database.
     const std::string served = service.content() + "/Doors.orvlib";
     test::writeFile(served, test::readFile(served) + std::string(4096, '\0'));
     update();
@@ -182,7 +182,7 @@ TEST_F(BrowserUpdateTest, cancelEndsItSoonAndLeavesNothingHalf)
     offerLargeCatalog();
     open(service.redirect());
     check().trigger();
-    Curl::setRateLimit(20'000'000); // so that there is time for a click
+    Curl::setRateLimit(20'000'000); // leaves time for a click
     ASSERT_TRUE(waitFor([&] { return !child<QLabel>("speed").text().isEmpty() || check().isEnabled(); }));
     QTest::mouseClick(&child<QToolButton>("cancelButton"), Qt::LeftButton);
     ASSERT_TRUE(ends());
@@ -198,12 +198,12 @@ TEST_F(BrowserUpdateTest, closingInTheMiddleEndsTheRunAndTheNextStartGoesOn)
     offerLargeCatalog();
     open(service.redirect());
     check().trigger();
-    Curl::setRateLimit(20'000'000); // so that there is time for a click
+    Curl::setRateLimit(20'000'000); // leaves time to close the window
     ASSERT_TRUE(waitFor([&] { return !child<QLabel>("speed").text().isEmpty() || check().isEnabled(); }));
     close();
     Curl::setRateLimit(0);
     test::writeFile(service.content() + "/Large.orvlib",
-                    test::readFile(service.content() + "/Doors.orvlib")); // small now
+                    test::readFile(service.content() + "/Doors.orvlib")); // a small file again
     open(service.redirect());
     update();
     EXPECT_TRUE(summary().startsWith("Updated: ")) << summary().toStdString();
@@ -251,7 +251,7 @@ TEST_F(BrowserUpdateTest, noEventTakesLongWhileItRuns)
     open(service.redirect());
     update();
     EXPECT_GT(placesBelow(place({"Core"})).size(), 10);
-    // Where other programs take the processor away any event may take long, but hardly in every round.
+    // On a busy machine any event may take long, but hardly in each of three rounds.
     double longest = std::numeric_limits<double>::max();
     std::string name;
     for (int round = 0; round < 3 && longest >= kMostMilliseconds; ++round) {
@@ -267,7 +267,7 @@ TEST_F(BrowserUpdateTest, noEventTakesLongWhileItRuns)
 
 TEST_F(BrowserUpdateTest, slowCheckOfACatalogHoldsNoEventUp)
 {
-    constexpr int kMostMilliseconds = 500; // the check of each takes a second
+    constexpr int kMostMilliseconds = 500; // the check of each catalog takes a second
     offerCatalogsThatAreSlowToCheck();
     test::writeFile(inRoot("bonus/Garden Party.orvlib"), "an old one");
     test::writeFile(inRoot("temp/orv-library.downloads.core/Floors.orvlib"), test::slowDatabase());

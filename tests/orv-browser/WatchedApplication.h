@@ -10,8 +10,8 @@
 
 namespace test {
 
-/// An application that tells the EventWatch, while there is one, how long each event of the interface thread
-/// takes, whatever is handled within it.
+/// Measures how long the interface thread takes for each event, including events handled inside it, and
+/// reports the times to the EventWatch if there is one.
 class WatchedApplication : public QApplication
 {
 public:

@@ -112,8 +112,7 @@ TEST_F(ZipUtilsBatchTest, archiveThatAnotherProgramReplacedIsNotReplacedByTheBat
 
 TEST_F(ZipUtilsBatchTest, damageInABatchIsFoundByTheWalk)
 {
-    mSource.add("a", test::sampleBytes(9 << 20, 1)).checksum =
-        1; // large enough for the batch to start threads
+    mSource.add("a", test::sampleBytes(9 << 20, 1)).checksum = 1; // starts threads
     const fileString source = writeSource();
     ArchiveBatch batch(nullptr);
     EXPECT_THROW(copyWith(batch, source, target(), true), std::runtime_error);
