@@ -19,7 +19,7 @@ using testing::ElementsAre;
 
 namespace {
 
-/// A host with two of the slots, which know nothing of the library's types.
+/// A host object with two of the slots. They use no types of the library.
 class SmallHost : public QObject
 {
     Q_OBJECT
@@ -132,8 +132,8 @@ TEST(CatalogEvents, theTypesAreKnownByTheirNames)
         EXPECT_NE(QMetaType::type(name), QMetaType::UnknownType) << name;
 }
 
-// Each round destroys the host at another moment of the stream of invocations. Under the thread sanitizer,
-// and as a crash without it, this finds a check of the pointer that is not one with its use.
+// Each round destroys the host object at another moment while invocations are sent. The test fails (or the
+// thread sanitizer reports it) if checking the pointer and using it are not one step.
 TEST(CatalogEvents, theHostMayDieWhileAnotherThreadSends)
 {
     for (int round = 0; round < 500; ++round) {

@@ -12,7 +12,7 @@ namespace {
 class CatalogHashFile : public test::CatalogTest
 {
 protected:
-    /// Reads a core hash file of that text; gives "name=tag" of each record.
+    /// Reads a core hash file with this text. Returns "name=tag" for each record.
     std::vector<std::string> read(const std::string& text)
     {
         installed("core/catalog_hash.txt", text);

@@ -13,7 +13,7 @@ namespace {
 class CatalogHashesAheadTest : public testing::Test
 {
 protected:
-    /// Files of different sizes, in ascending order of their names.
+    /// Writes files of different sizes, sorted by name.
     std::vector<fileString> writeFiles(int count)
     {
         std::vector<fileString> files;

@@ -11,7 +11,7 @@ namespace {
 class CatalogIndex : public test::CatalogTest
 {
 protected:
-    /// The paths below the root that come of an index.
+    /// Reads an index with this text. Returns the paths of its catalogs below the root.
     std::vector<std::string> read(const std::string& index)
     {
         std::set<fileString> files;

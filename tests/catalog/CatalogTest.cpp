@@ -19,7 +19,7 @@ CatalogTest::CatalogTest()
     : mFormerStrings(StringTable::install(&mStrings)), mFormerCurl(Curl::install(&mCurl))
 {
     serveIndex("");
-    // What a process starts with.
+    // The initial values of a process.
     LibraryCatalogUpdate::diff_zero_count = 0;
     LibraryCatalogUpdate::progress_update_count = 0;
     LibraryCatalogUpdate::kbytes_to_read = 0;

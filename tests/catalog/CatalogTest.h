@@ -15,7 +15,7 @@
 
 namespace test {
 
-/// Texts that say their number: "#8717 ".
+/// Texts that show their number: "#8717 ".
 class NumberedStrings : public StringTable
 {
 public:
@@ -23,37 +23,36 @@ public:
     std::string translation(const std::string& key) const override { return key; }
 };
 
-/// A host with all its folders, a scripted web service, and a host object that records. The application is
-/// called "Orv Test".
+/// A host with all its folders, a scripted web service, and a host object that records its calls. The name of
+/// the application is "Orv Test".
 class CatalogTest : public testing::Test
 {
 protected:
     CatalogTest();
     ~CatalogTest() override;
 
-    /// Writes an installed file and gives its path: "core/Doors.orvlib".
+    /// Writes an installed file such as "core/Doors.orvlib" and returns its path.
     fileString installed(const std::string& name, const std::string& content);
-    /// The path of a file below the root.
     fileString path(const std::string& name) const { return mHost.folder().file(name); }
     std::string content(const std::string& name) const;
     bool exists(const std::string& name) const { return path(name).pathExists(); }
-    /// Path of a file in the download folder of "core", "bonus" or "manufacturer".
+    /// The path of a file in the download folder of "core", "bonus" or "manufacturer".
     fileString download(const std::string& kind, const std::string& name) const;
 
-    /// Puts a file of `body` with `tag` on the service, and on its index when it is a core file.
+    /// Adds a file with `body` and `tag` to the service, and to the index if it is a core file.
     ScriptedFile& serve(const std::string& name, const std::string& body, const std::string& tag);
     void serveIndex(const std::string& lines);
-    /// A core catalog, or with ".zip" a referenced archive, that is installed as `kOld` with the tag "old",
-    /// and is `kNew` with the tag "new" on the service.
+    /// Creates a core catalog, or for a name with ".zip" a referenced archive. It is installed as `kOld` with
+    /// the tag "old"; the service has `kNew` with the tag "new".
     ScriptedFile& changed(const std::string& name);
 
     void run() { runUpdate(*mRecorder, mArguments); }
     std::int32_t result() const;
     std::int32_t messageCode() const;
 
-    /// All of "errors.log"; empty when there is none.
+    /// The content of "errors.log"; empty if the file is missing.
     std::string logText() const;
-    /// The messages of the log's entries.
+    /// The messages of all entries in the log.
     std::vector<std::string> logMessages() const;
 
     ScopedHost mHost;
@@ -64,7 +63,7 @@ protected:
 
     static const std::string kOld;
     static const std::string kNew;
-    /// The core hash file as `changed` wrote it last.
+    /// The core hash file that `changed` wrote last.
     std::string mHashLines;
 
 private:
@@ -72,7 +71,7 @@ private:
     Curl* mFormerCurl;
 };
 
-/// The SHA-1 of a text, as the library writes it.
+/// The SHA-1 of a text in the library's notation.
 std::string sha1Of(const std::string& content);
 
 } // namespace test

@@ -8,7 +8,7 @@ using testing::IsEmpty;
 
 namespace {
 
-/// Core-only runs: what the download service is told of downloads that are going to be asked for.
+/// Core-only runs: which downloads the updater announces to the download service.
 class LibraryCatalogUpdaterAnnounce : public test::CatalogTest
 {
 protected:

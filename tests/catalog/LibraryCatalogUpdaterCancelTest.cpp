@@ -1,4 +1,4 @@
-// How soon a cancel ends a run, over a real connection.
+// How soon a cancel ends a run over a real connection.
 #include "tests/catalog/CatalogTest.h"
 
 #include <chrono>
@@ -28,7 +28,7 @@ protected:
         return "/content?&library=" + name + "&product=Orv&version=7";
     }
 
-    /// A run that is cancelled as soon as the service has got so many requests.
+    /// Runs an update and cancels it as soon as the service has received `requests` requests.
     /// @return the time from the cancel to the end of the run
     Clock::duration runAndCancelAfter(std::size_t requests)
     {

@@ -26,7 +26,7 @@ protected:
         return file;
     }
 
-    /// The total that the gauge was given, in kilobytes; empty when it was given none.
+    /// The total that was set for the progress bar, in kilobytes; empty if none was set.
     std::string total() const
     {
         const auto ranges = mRecorder->argumentsOf("onSetRangeInGauge");
@@ -320,7 +320,7 @@ TEST_F(LibraryCatalogUpdaterCheck, requestsAreAnnouncedExactlyAsTheyAreMade)
         }
         ++withHeaders;
     }
-    // The first request finds the endpoint; the others are announced then.
+    // The first header request finds the endpoint. The others are announced after it.
     EXPECT_LE(headersBefore, 1u);
     ASSERT_EQ(mCurl.announcements[0].second.size(), made.size());
     for (std::size_t i = 0; i < made.size(); ++i) {

@@ -25,7 +25,7 @@ protected:
     }
 };
 
-/// Folders that lose a file when the core folder is asked for.
+/// Deletes a file when the library asks for the core folder.
 class LosingPaths : public RootPathUtils
 {
 public:
@@ -364,7 +364,7 @@ TEST_F(LibraryCatalogUpdaterInstall, permissionsThatCannotBeSetAreLoggedWithTheF
 {
     changed("a.orvlib");
     changed("b.orvlib");
-    // The file is lost between its renaming and the setting of its permissions.
+    // The file disappears after it was renamed and before its permissions are set.
     LosingPaths paths(fileString(mHost.folder().path()), download("core", "a.orvlib"));
     PathUtils* const former = PathUtils::install(&paths);
     run();

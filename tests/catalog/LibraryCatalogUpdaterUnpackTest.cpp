@@ -10,7 +10,7 @@ namespace {
 const std::string kDatabase = test::sampleBytes(9000, 1);
 const std::string kTexture = test::sampleBytes(3000, 2);
 
-/// Full runs without core catalogs, over bonus catalogs whose stored tag is "old".
+/// Full runs over bonus catalogs whose stored tag is "old"; there are no core catalogs.
 class LibraryCatalogUpdaterUnpack : public test::CatalogTest
 {
 protected:
@@ -36,7 +36,7 @@ protected:
         return archive({{"inside.orvlib", kDatabase}, {"brass.png", kTexture}});
     }
 
-    /// Runs with that archive in place of the bonus catalog, from the state before the first run.
+    /// Restores the state before the first run, then runs with this archive as the bonus catalog.
     void runWith(const std::string& archiveBytes)
     {
         mRecorder = std::make_unique<test::SlotRecorder>();

@@ -10,28 +10,30 @@
 
 namespace test {
 
-/// One file of a scripted catalog service, and how its requests go.
+/// One file of a scripted catalog service, and the results of its requests.
 struct ScriptedFile
 {
     std::string body;
     std::string tag;
-    /// The header request's status; 200 becomes 304 when the request names the tag.
+    /// The status of header requests; 200 becomes 304 if the request contains the tag.
     std::int64_t status = 200;
-    /// The lines behind the status line; without a text `ETag` and `Content-Length` are made of body and tag.
+    /// The header lines after the status line. If empty, `ETag` and `Content-Length` follow from tag and
+    /// body.
     std::string headerLines;
-    /// Page that is served to `browseURL`.
+    /// The page that `browseURL` returns.
     std::string page;
     bool headerFails = false;
-    /// A text lets the download fail with it.
+    /// The reason with which the download fails; empty: it succeeds.
     std::string failure;
-    /// The byte counts that the progress function is called with; without any, once with the whole body.
+    /// The byte counts for the calls of the progress function. If empty, there is one call with the whole
+    /// body.
     std::vector<double> progress;
-    /// Called when the download has been written.
+    /// Called after the download was written.
     std::function<void(const fileString& target)> afterDownload;
 };
 
-/// A download service without a network: what a catalog service would answer, and a record of what it was
-/// asked. Set up before a run and looked at after it.
+/// A download service without a network. It returns scripted responses and records the requests. Set it up
+/// before a run and inspect it afterwards.
 class ScriptedCurl : public Curl
 {
 public:
@@ -49,20 +51,20 @@ public:
     void prefetchHeaders(const std::vector<HeaderRequest>& announced) override;
     void prefetchDownloads(const std::vector<DownloadRequest>& announced) override;
 
-    /// The files, by the value of "library" in the request.
+    /// The files by the value of "library" in the request.
     std::map<std::string, ScriptedFile> files;
     std::string endpoint = "http://service.test/content?key=1";
-    /// "REDIRECT address", "HEAD url", "GET url" and "PAGE url", in the order of the requests.
+    /// "REDIRECT address", "HEAD url", "GET url" and "PAGE url" for each request, in order.
     std::vector<std::string> requests;
-    /// The lists of header requests that were announced, each with the number of requests made before it.
+    /// The announced lists of header requests, each with the number of requests that were made before.
     std::vector<std::pair<std::size_t, std::vector<HeaderRequest>>> announcements;
-    /// Called when a list of either kind is announced.
+    /// Called for each announced list of header requests or downloads.
     std::function<void()> onAnnouncement;
-    /// The same for the lists of downloads.
+    /// The announced lists of downloads, each with the number of requests that were made before.
     std::vector<std::pair<std::size_t, std::vector<DownloadRequest>>> downloadAnnouncements;
-    /// The header lines of each request but the redirects, in order.
+    /// The header lines of each request except redirects, in order.
     std::vector<std::vector<std::string>> requestHeaders;
-    /// Called at the start of each request, with its line.
+    /// Called at the start of each request with its entry for `requests`.
     std::function<void(const std::string&)> onRequest;
 
     /// The values of "library" in the requests of one kind, in order.

@@ -20,7 +20,7 @@ void runUpdate(LibraryCatalogUpdater updater)
     QEventLoop loop;
     std::thread worker([&loop, run = std::move(updater)]() mutable {
         run();
-        // Behind everything that the run posted to this thread's objects.
+        // Everything that the run posted to objects of this thread is delivered before.
         QMetaObject::invokeMethod(&loop, "quit", Qt::QueuedConnection);
     });
     loop.exec();

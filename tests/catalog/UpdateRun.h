@@ -7,7 +7,7 @@
 
 namespace test {
 
-/// What a host constructs an updater with.
+/// The arguments of the updater's constructor.
 struct UpdateArguments
 {
     std::set<fileString> core;
@@ -21,8 +21,8 @@ struct UpdateArguments
 
 LibraryCatalogUpdate::LibraryCatalogUpdater makeUpdater(QObject& host, const UpdateArguments& arguments);
 
-/// Runs the updater on a thread of its own, by value, with the event loop on the calling thread. Returns when
-/// the run has ended and everything that it posted was delivered.
+/// Runs the updater on its own thread while the calling thread runs an event loop. Returns after the run has
+/// ended and everything that it posted has been delivered.
 void runUpdate(LibraryCatalogUpdate::LibraryCatalogUpdater updater);
 void runUpdate(QObject& host, const UpdateArguments& arguments);
 

@@ -132,8 +132,7 @@ TEST_F(BrowserSharedSettingsTest, commandLineFindsWhatThePreferencesSet)
     EXPECT_EQ(byCommand("bonus"), "Garden.orvlib\nParty.orvlib\n");
     EXPECT_EQ(byCommand("limitRate"), "500000\n");
     EXPECT_EQ(byCommand("historyVersions"), "5\n");
-    EXPECT_EQ(OrvHost::Settings::load(fileString(inRoot(""))).stored().size(),
-              4); // nothing else was stored
+    EXPECT_EQ(OrvHost::Settings::load(fileString(inRoot(""))).stored().size(), 4); // nothing else
 }
 
 TEST_F(BrowserSharedSettingsTest, emptiedFieldGoesBackToTheDefault)

@@ -1,4 +1,4 @@
-// Imports as a host calls them: cancelled at every question, planned, and taken back.
+// Imports by a host: cancelled at every check, previewed, and undone.
 #include "OrvHost/imports/ArchiveImport.h"
 
 #include <algorithm>
@@ -22,7 +22,7 @@ namespace {
 class ArchiveImportTest : public test::HostedTest
 {
 protected:
-    /// Writes an archive whose files are told apart by `version`.
+    /// Writes an archive whose files contain `version`.
     std::string writeKitchen(const std::string& version) const
     {
         test::ArchiveBuilder archive;
@@ -35,7 +35,7 @@ protected:
     {
         return ArchiveImport(host.root(), {}).run(source, mProgress);
     }
-    /// Every file of the root, without what is kept for an undo.
+    /// Every file below the root except those kept for an undo.
     std::map<std::string, std::string> files() const
     {
         std::map<std::string, std::string> found;
@@ -46,7 +46,7 @@ protected:
         return found;
     }
 
-    /// Leaves the record of the last import as a process that died in the middle leaves it.
+    /// Sets the state in the record of the last import, as after a process that died in the middle.
     void setLastState(const std::string& state) const
     {
         const std::string path = host.root().toNativeString() + "former-imports/imports.json";
@@ -54,7 +54,7 @@ protected:
         record.replace(record.rfind("\"done\""), 6, "\"" + state + "\"");
         test::writeFile(path, record);
     }
-    /// Puts the former library back in its place, from where the last import kept it.
+    /// Moves the former library back from where the last import kept it.
     void putLibraryBack(int import) const
     {
         const std::string root = host.root().toNativeString();
@@ -139,7 +139,7 @@ TEST_F(ArchiveImportTest, damagedTextureArchiveIsNamedSoThatTheUserCanBeAsked)
 {
     const fileString textures = import(writeKitchen("1")).textures;
     std::string damaged = test::readFile(textures.toNativeString());
-    damaged[damaged.find("own-1.png") + 10] ^= 1; // in the data
+    damaged[damaged.find("own-1.png") + 10] ^= 1; // in the data of the member
     test::writeFile(textures.toNativeString(), damaged);
     const ArchiveImport::Result result = import(writeKitchen("2"));
     EXPECT_EQ(result.damaged, textures);

@@ -1,4 +1,4 @@
-// The careful download service over the library's own one, against a real server.
+// The careful download service on top of the library's service, against a real server.
 #include "OrvHost/update/CarefulCurl.h"
 
 #include <algorithm>
@@ -117,7 +117,7 @@ TEST_F(CarefulCurlService, bodyWithoutALengthIsJudgedByTheAnnouncedOne)
     service.spoil(kName, FaultReply::chunked({content.substr(0, 5), content.substr(5)}));
     EXPECT_TRUE(fetch()) << reason;
     EXPECT_EQ(content, test::readFile(target()));
-    // Cut, but nothing in the transfer tells.
+    // The body is cut off, but the transfer cannot detect it.
     service.spoil(kName, FaultReply::untilClose(content.substr(0, 500)));
     EXPECT_FALSE(fetch());
     EXPECT_EQ("another version than announced: 500 bytes instead of 100,000", reason);

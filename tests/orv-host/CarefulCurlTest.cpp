@@ -23,7 +23,7 @@ const std::string kIndexUrl = "http://service.example/c?&library=Index.txt&produ
 const std::string kSound = "HTTP/1.1 200 OK\r\nETag: \"new\"\r\nContent-Length: 4\r\n\r\n";
 const std::string kPage = "HTTP/1.1 200 OK\r\nContent-Type: Text/HTML\r\nContent-Length: 4\r\n\r\n";
 
-/// Gives prepared answers, one for each request, and remembers what was asked.
+/// Returns one prepared response per request and records the requests.
 class ScriptedCurl : public Curl
 {
 public:
@@ -31,7 +31,7 @@ public:
     {
         Answer answer;
         std::string body = {};
-        int errorNumber = 0; ///< of a download; 0 when it goes well
+        int errorNumber = 0; ///< of a download; 0 for success
     };
 
     std::deque<Step> steps;

@@ -24,7 +24,7 @@ const CatalogPlace kGardenFiles{CatalogCategory::Referenced, "Garden.zip"};
 class CatalogHistoryTest : public test::HostedTest
 {
 protected:
-    /// Replaces a file as an update does: keeps the former one, then renames the new one over it.
+    /// Replaces a file as an update does: keeps the old version, then renames the new file over it.
     void replace(const CatalogPlace& place, const std::string& tag, const std::string& content)
     {
         std::string reason;
@@ -50,7 +50,7 @@ protected:
 
 TEST_F(CatalogHistoryTest, formerVersionsAreListedNewestFirst)
 {
-    replace(kDoors, "none", "one"); // nothing is there yet
+    replace(kDoors, "none", "one"); // there is no old version yet
     EXPECT_THAT(versions(kDoors), IsEmpty());
     replace(kDoors, "1", "two");
     replace(kDoors, "2", "three");
@@ -109,7 +109,7 @@ TEST_F(CatalogHistoryTest, aCopyOfWhatIsStillInItsPlaceIsMadeOnce)
     folder.write("root/core/Doors.orvlib", "one");
     std::string reason;
     ASSERT_TRUE(history.keep(kDoors, "1", reason));
-    // What there is where files cannot have two names.
+    // Simulates a file system without hard links, where the kept version is a copy.
     const fs::path kept = CatalogHistory::folderOf(kDoors).toNativeString() + "/" + files(kDoors).at(0);
     const fs::path copy = kept.string() + ".copy";
     fs::copy_file(kept, copy);
@@ -164,7 +164,7 @@ TEST_F(CatalogHistoryTest, whatComesBackIntoItsPlaceIsNoFormerVersion)
 TEST_F(CatalogHistoryTest, aTagThatTheHashFileShouldNotHaveAnyMoreIsGivenToOneVersionOnly)
 {
     replace(kDoors, "", "one");
-    replace(kDoors, "1", "two"); // the update dies before it writes the hash file
+    replace(kDoors, "1", "two"); // the update ends before it writes the hash file
     replace(kDoors, "1", "three");
     EXPECT_THAT(versions(kDoors), ElementsAre("ad782ecdac770fc6eb9a62e44f90873fb97fb26b", "1"));
 }
@@ -185,7 +185,8 @@ TEST_F(CatalogHistoryTest, aCatalogTakesAlongTheArchiveThatItsSuccessorReplaces)
 {
     replace(kGarden, "", "catalog 1");
     replace(kGardenFiles, "", "files 1");
-    replace(kGardenFiles, "", "files 2"); // the library is faster than the host with the catalog
+    replace(kGardenFiles, "",
+            "files 2"); // replaced before the catalog
     replace(kGarden, "1", "catalog 2");
     history.settle();
     const std::vector<OrvHost::FormerVersion> found = history.versions(kGarden);

@@ -29,7 +29,7 @@ protected:
         changes.added = {{id, name}};
         add(changes);
     }
-    /// What became of the one item since a run: "added Oak"; empty for nothing.
+    /// The changes of the item since a run, such as "added Oak"; empty if there are none.
     std::string since(std::int64_t run) const
     {
         std::string text;

@@ -17,7 +17,7 @@ namespace {
 class CatalogPinsTest : public test::HostedTest
 {
 protected:
-    /// Writes a core catalog and notes it as one that was put back.
+    /// Writes a core catalog and records that it was restored.
     CatalogPlace putBack(CatalogPins& pins, const std::string& name) const
     {
         const CatalogPlace place{CatalogCategory::Core, name};
@@ -62,7 +62,7 @@ TEST_F(CatalogPinsTest, whatIsNotInItsPlaceAnyMoreIsForgotten)
     EXPECT_FALSE(pins.forgetReplaced());
     folder.write("root/core/a.orvlib", "replaced");
     std::remove(folder.file("root/core/c.orvlib").toNativeString().c_str());
-    // What is there and cannot be read says nothing.
+    // A file that cannot be read does not count as replaced.
     std::remove(folder.file("root/core/d.orvlib").toNativeString().c_str());
     folder.write("root/core/d.orvlib/in the way", "x");
     EXPECT_TRUE(pins.forgetReplaced());

@@ -11,7 +11,7 @@ namespace {
 
 const char* const kPage = "<html>Please sign in.</html>";
 
-/// Catalogs that are no databases go through, but for the tests of that check.
+/// The database check is off, so that catalogs need not be databases. Tests of the check turn it on.
 class CatalogSwapperTest : public test::HostedTest
 {
 protected:
@@ -97,7 +97,7 @@ TEST_F(CatalogSwapperTest, examinedFileIsNotLookedAtAgain)
     EXPECT_FALSE(swapper.swapIn(folder.file("root/core/Page.orvlib"), page));
     EXPECT_EQ("the new file is no database", swapper.failed()[0].reason);
     EXPECT_TRUE(swapper.swapIn(folder.file("root/core/Sound.orvlib"), sound));
-    // What is said of a file counts once: the next one of its name is another file.
+    // The result of an examination is used once, because the next file of this name is another file.
     folder.write("page", test::sampleDatabase("s"));
     folder.write("sound", kPage);
     EXPECT_TRUE(swapper.swapIn(folder.file("root/core/Page.orvlib"), page));

@@ -1,5 +1,5 @@
-// A cancel of an update with 300 catalogs left, while a request of each kind is not answered. What ends it is
-// counted in requests: none is made any more.
+// An update is cancelled with 300 catalogs left, while the service does not reply to a request of one kind.
+// The tests count the requests after the cancel: there are no new ones.
 #include <atomic>
 #include <filesystem>
 #include <optional>
@@ -24,7 +24,7 @@ namespace {
 const std::string kIndex = "Orv_Core_Content_Index.txt";
 const std::string kDoors(20'000, 'd');
 constexpr int kCatalogs = 300;
-/// Requests of ours that may be under way at once.
+/// The largest number of requests that can be in progress at once.
 constexpr std::size_t kConnections = 16;
 
 bool isRedirect(const FaultRequest& request)
@@ -56,14 +56,14 @@ bool isRange(const FaultRequest& request)
     return !request.header("Range").empty();
 }
 
-/// A kind of request, and what it is answered.
+/// A kind of request, and the service's reply to it.
 struct Cell
 {
     const char* name;
     bool (*isMeant)(const FaultRequest&);
     FaultReply reply;
-    std::optional<FaultReply> first = {}; ///< to the first of them
-    bool isHeld = false;                  ///< whether the catalog is held, and fetched in the end
+    std::optional<FaultReply> first = {}; ///< the reply to the first such request
+    bool isHeld = false;                  ///< whether the catalog is held; its download is the last one
 };
 
 std::vector<Cell> cells()
@@ -99,7 +99,7 @@ std::vector<Cell> cells()
 class CatalogUpdateCancelTest : public test::HostedTest
 {
 protected:
-    /// Runs an update against the cell, cancels it there, and waits for its end.
+    /// Starts an update with the replies of the cell, cancels it when it gets there, and waits for its end.
     void expectHeard(const Cell& cell, bool isFar)
     {
         SCOPED_TRACE(std::string(cell.name) + (isFar ? ", far" : ", near"));
@@ -146,11 +146,12 @@ private:
             index += "More " + std::to_string(number) + ".orvlib\n";
         service.offer(kIndex, index);
         service.offer("Doors.orvlib", kDoors);
-        for (int number = 0; number < kCatalogs; number += 10) // the others are not there
+        for (int number = 0; number < kCatalogs; number += 10) // the service does not have the others
             service.offer("More " + std::to_string(number) + ".orvlib", kDoors);
     }
 
-    /// The library starts empty, or with every catalog of the service but the first, which is held.
+    /// Prepares an empty library, or one that has every catalog of the service except the first, which is
+    /// held.
     void hold(bool isHeld)
     {
         for (const char* name : {"core", "temp", "history"})

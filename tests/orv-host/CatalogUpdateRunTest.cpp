@@ -25,7 +25,7 @@
 namespace {
 
 constexpr int kTimeoutMilliseconds = 30000;
-/// What a host object would have been told at the end.
+/// The closing data of a successful run.
 const LibraryCatalogUpdate::UpdateData kGood{2, {"Doors"}, LibraryCatalogUpdate::kMessageNone};
 const LibraryCatalogUpdate::UpdateData kFailed{0, {}, LibraryCatalogUpdate::kMessageNoEndpoint};
 
@@ -50,7 +50,7 @@ protected:
     }
 
     test::ContentService service;
-    QObject object; ///< a host object may lack every slot
+    QObject object; ///< has none of the slots
 };
 
 } // namespace
@@ -145,7 +145,7 @@ TEST_F(CatalogUpdateRunTest, newCatalogsAreLookedAtBeforeTheHostHearsOfThem)
     recorder.onEvent = [&](std::size_t) {
         if (recorder.events().back().slot != "onCatalogUpdatedEvent")
             return;
-        // Whoever looked at the file only now would come to the opposite.
+        // A check that reads the files only after this point finds the opposite results.
         const auto& [destination, newFile] = recorder.updatedFiles().back();
         const std::string name = destination.stem().toNativeString();
         test::writeFile(newFile.toNativeString(), name == "Roofs" ? test::sampleDatabase("roofs") : "a page");

@@ -15,8 +15,7 @@ namespace {
 class CheckOutcomeTest : public test::HostedTest
 {
 protected:
-    /// A core catalog that is installed with the tag "old", as far as `isInstalled`, and what the service
-    /// said of it.
+    /// The outcome for a core catalog, if installed with the tag "old", and this report of the service.
     CheckOutcome outcome(bool isInstalled, const CatalogReport& report, bool isHeld = false)
     {
         LibraryCatalogUpdate::CatalogMap records;
@@ -125,7 +124,7 @@ TEST_F(CheckOutcomeTest, aComplaintNamesSomeAndCountsTheOthers)
     EXPECT_EQ("Doors.orvlib: " + catalog.why, outcome.complaint());
     outcome.catalogs = {catalog, catalog};
     EXPECT_EQ("Doors.orvlib: " + catalog.why + "; Doors.orvlib: " + catalog.why, outcome.complaint());
-    catalog.why += 'w'; // 400 characters in all
+    catalog.why += 'w'; // 400 characters altogether
     outcome.catalogs = {catalog, catalog, catalog};
     EXPECT_EQ("Doors.orvlib: " + catalog.why + "; and 2 more", outcome.complaint());
     outcome.error = "no service";

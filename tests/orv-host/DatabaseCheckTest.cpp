@@ -27,7 +27,7 @@ protected:
     test::TempFolder folder;
 };
 
-/// A database of many pages whose pages in the middle are overwritten.
+/// A database of many pages in which the middle pages are overwritten.
 std::string damagedInside()
 {
     std::string bytes = test::sampleDatabase("doors", 200'000);
@@ -89,7 +89,7 @@ TEST_F(DatabaseCheckTest, nothingAppearsBesideTheFileWhateverItsName)
 TEST_F(DatabaseCheckTest, databaseWithAWriteAheadLogNeedsNoneBesideIt)
 {
     std::string bytes = test::sampleDatabase("doors");
-    bytes[18] = bytes[19] = 2; // the format versions of a database that was written with one
+    bytes[18] = bytes[19] = 2; // the format versions of a database in WAL mode
     EXPECT_EQ("", problemOfBytes(bytes));
     EXPECT_THAT(test::listTree(folder.path()), ElementsAre("catalog.orvlib"));
 }

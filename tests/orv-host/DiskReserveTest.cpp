@@ -1,4 +1,4 @@
-// What downloads leave free on the disk where the user wants more than the download service leaves.
+// The user wants to keep more disk space free than the download service does.
 #include <limits>
 
 #include <gmock/gmock.h>
@@ -17,7 +17,7 @@ namespace {
 constexpr std::int64_t kMoreThanAnyDisk = std::int64_t{1} << 60;
 const std::string kUrl = "http://service.example/c?&library=Doors.orvlib&product=P&version=1";
 
-/// Has one catalog of four bytes, and remembers what it is asked for.
+/// Serves one catalog of four bytes and records the requests.
 class SmallService : public test::DeadCurl
 {
 public:

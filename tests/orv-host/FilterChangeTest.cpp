@@ -16,7 +16,7 @@ class FilterChangeTest : public test::HostedTest
 protected:
     FilterChangeTest() { mManager.loadFilters(); }
 
-    /// What another program leaves in the file.
+    /// Writes the filter file as another program would.
     void writeElsewhere(const std::string& content) { test::writeFile(mFile.toNativeString(), content); }
 
     std::vector<std::string> names() const

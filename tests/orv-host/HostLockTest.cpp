@@ -19,7 +19,7 @@ using HostLockTest = test::HostedTest;
 
 namespace {
 
-/// The message with which a change of the filters is turned away after 50 ms; empty when it is not.
+/// Tries to lock the filters for 50 ms. Returns the error message, or an empty string on success.
 std::string refusalOfChange()
 {
     try {

@@ -7,7 +7,7 @@
 
 namespace test {
 
-/// Tests of the programs' common parts: in this process, with a host on a fresh root.
+/// The base of the OrvHost tests: a host on a fresh root, in this process.
 class HostedTest : public testing::Test
 {
 protected:

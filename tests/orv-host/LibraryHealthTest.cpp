@@ -16,7 +16,7 @@ using testing::HasSubstr;
 
 namespace {
 
-/// A core catalog of 20 MB and two texture archives, the first of them damaged.
+/// A core catalog of 20 MB and two texture archives, the first of which is damaged.
 class LibraryHealthTest : public test::HostedTest
 {
 protected:

@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Answers with a manufacturer file, and notes whether another program could refresh meanwhile.
+/// Returns a manufacturer file, and checks that another program cannot refresh at the same time.
 class WatchingCurl : public test::DeadCurl
 {
 public:

@@ -21,7 +21,7 @@ using testing::IsEmpty;
 namespace {
 
 constexpr const char* kBus = "DBUS_SYSTEM_BUS_ADDRESS";
-/// Long enough for a busy machine where an answer comes; a test that waits for none is done at once.
+/// Long enough for a reply on a busy machine. A test that gets no reply does not wait this long.
 constexpr std::chrono::milliseconds kLong{20000};
 constexpr std::chrono::milliseconds kShort{50};
 constexpr int kTimeoutMilliseconds = 30000;
@@ -78,7 +78,7 @@ TEST(MeteredConnectionWithoutABusTest, noBusIsNoMeter)
     }
 }
 
-// Qt's own greeting would wait for 25 s.
+// Qt's own connection attempt would wait for 25 s.
 TEST(MeteredConnectionWithoutABusTest, aBusThatIsSilentIsNotWaitedFor)
 {
     const test::SilentBus bus;

@@ -27,7 +27,7 @@ protected:
         RunRecords::end(host.root(), number, kStart.addSecs(7),
                         {{"outcome", outcome}, {"asked", 3}, {"catalogs", QJsonArray{"Doors"}}});
     }
-    /// "2 updated" and so on, as they are listed.
+    /// The recorded runs in their order, such as "2 updated".
     std::vector<std::string> listed() const
     {
         std::vector<std::string> runs;

@@ -1,7 +1,7 @@
-// A broken service disturbs one kind of request of an update, near or far, and takes only so many requests at
-// once. Whatever it does, no run ends well, with retries or without, while a newer catalog of the service was
-// not installed; and the next run, which nothing disturbs, installs everything. The tests take some of the
-// cells; all of them where the environment variable ORV_SWEEP is "full".
+// A service breaks one kind of request, is near or far, and limits the number of parallel requests. A run
+// must never report success, with or without retries, while an old catalog is still installed. The next run
+// against the repaired service installs everything. By default the tests run some of the cells; if ORV_SWEEP
+// is "full", all of them.
 #include <atomic>
 #include <filesystem>
 #include <functional>
@@ -33,7 +33,7 @@ namespace {
 constexpr int kTimeoutMilliseconds = 60'000;
 const char* const kIndex = "Orv_Core_Content_Index.txt";
 
-/// The smallest host object that an update can have.
+/// A host object with only the slots that an update needs.
 class SweepHost : public QObject
 {
     Q_OBJECT
@@ -57,7 +57,7 @@ private:
     OrvHost::CatalogSwapper& mSwapper;
 };
 
-/// What a service can do to an answer, as far as a test can wait for its end.
+/// The ways to spoil a reply, without those that end only by a timeout.
 std::vector<Behaviour> behaviours()
 {
     using S = const FaultReply&;
@@ -82,14 +82,14 @@ std::vector<Behaviour> behaviours()
     return all;
 }
 
-/// How a service refuses what is too much for it.
+/// The ways to refuse a request over the limit.
 std::vector<FaultReply> refusals()
 {
     return {FaultReply::status(429), FaultReply::status(503), FaultReply::status(503, "", {"Retry-After: 0"}),
             FaultReply::raw("").reset(), FaultReply::raw("").close()};
 }
 
-/// A root with old catalogs, and a service with newer ones.
+/// A root with old catalogs and a service with newer ones.
 class TruthSweep : public test::HostedTest
 {
 protected:
@@ -110,7 +110,7 @@ protected:
         wanted["core/" + name] = bytes;
     }
 
-    /// Offers so many more catalogs of the core.
+    /// Adds `count` core catalogs to the service.
     void offerMore(int count)
     {
         for (int number = 0; number < count; ++number)
@@ -131,8 +131,8 @@ protected:
         folder.write("root/core/catalog_hash.txt", "Doors.orvlib:old\nRoofs.orvlib:old\n");
     }
 
-    /// Fails the test when the run reports success and an old catalog is still there, or a failure without
-    /// its cause.
+    /// Runs an update. Fails the test if the run reports success while an old catalog is left, or a failure
+    /// without a cause.
     void expectTruth(int retries)
     {
         const UpdateOutcome outcome = run(retries);
@@ -153,7 +153,7 @@ protected:
     }
 
     test::ContentService service;
-    std::map<std::string, std::string> wanted; ///< path below the root to contents
+    std::map<std::string, std::string> wanted; ///< content by path below the root
 
 private:
     UpdateOutcome run(int retries)
@@ -174,7 +174,7 @@ private:
         return update.finish(object.closing, host.root());
     }
 
-    /// How many catalogs are not as the service has them.
+    /// The number of installed catalogs that differ from the service.
     std::size_t missing() const
     {
         std::size_t count = 0;
@@ -189,7 +189,7 @@ constexpr std::chrono::milliseconds kDistances[] = {std::chrono::milliseconds(0)
 constexpr int kLimits[] = {1, 4, 20};
 constexpr int kRetries[] = {0, 3};
 
-/// How the service is reached, and asked again.
+/// The response time of the service, the number of retries, and the limit of parallel requests.
 struct Way
 {
     explicit Way(std::size_t cell)
@@ -207,7 +207,7 @@ struct Way
     int limit;
 };
 
-/// The kinds of request that are disturbed.
+/// The kinds of request that the service breaks.
 const char* const kKinds[] = {"redirect", "index", "header", "body", "archive header", "archive"};
 
 bool isOf(const std::string& kind, const FaultRequest& request)
@@ -225,7 +225,7 @@ bool isOf(const std::string& kind, const FaultRequest& request)
            isHeader == (kind.find("header") != std::string::npos);
 }
 
-/// A service with 300 catalogs that never answers one kind of request.
+/// A service with 300 catalogs that never replies to one kind of request.
 class CancelledTruth : public TruthSweep
 {
 protected:
@@ -245,9 +245,9 @@ protected:
 
     std::size_t asked() { return service.server().requests().size(); }
 
-    /// Cancels an update while it waits for an answer of that kind.
-    /// @param pause before every other answer
-    /// @return how many requests came after the cancel
+    /// Cancels an update while it waits for a reply to a request of this kind.
+    /// @param pause delays every other reply
+    /// @return how many requests arrived after the cancel
     std::size_t requestsAfterCancel(const std::string& kind, std::chrono::milliseconds pause)
     {
         std::atomic<bool> isReached{false};
@@ -291,7 +291,7 @@ TEST_F(TruthSweep, noRunEndsWellWithAnOldCatalogWhateverTheServiceDoes)
         const Behaviour& behaviour = all[cell % all.size()];
         const std::string kind = kKinds[cell / all.size() % kKindCount];
         const Way way(cell / all.size() / kKindCount);
-        // A service that says it has no such bonus catalog is believed.
+        // If the service says that it does not have a bonus catalog, that is not a failure.
         if (kind == "archive header" && behaviour.name == std::string("status 404"))
             continue;
         SCOPED_TRACE(kind + ": " + behaviour.name + ", " + way.text());
@@ -347,7 +347,7 @@ TEST_F(CancelledTruth, whatWasAskedAheadEndsWithTheRun)
     for (const std::string kind : {"redirect", "index", "header", "body"}) {
         SCOPED_TRACE(kind);
         requestsAfterCancel(kind, std::chrono::milliseconds(20));
-        std::this_thread::sleep_for(std::chrono::milliseconds(100)); // for what was sent just before the end
+        std::this_thread::sleep_for(std::chrono::milliseconds(100)); // lets the last requests arrive
         const std::size_t before = asked();
         std::this_thread::sleep_for(std::chrono::milliseconds(200));
         EXPECT_EQ(before, asked());

@@ -1,4 +1,4 @@
-// `check` and `runs`: what they tell of a service that is there, lies, or is down.
+// `check` and `runs`: their reports about a service that is sound, sends false content, or is down.
 #include <algorithm>
 #include <csignal>
 #include <filesystem>
@@ -67,7 +67,7 @@ protected:
         return {};
     }
 
-    /// Answers the question for the headers of a catalog, too.
+    /// Sends this reply to header requests and downloads of a catalog.
     void answer(const std::string& name, const test::FaultReply& reply)
     {
         service.server().on(

@@ -1,4 +1,4 @@
-// `doctor` where the service's certificate is refused: what is wrong with it, and what to do about just that.
+// `doctor` when the service's certificate is refused: it reports the fault and advice for exactly this fault.
 #include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -16,11 +16,11 @@ namespace {
 
 constexpr int kTimeoutMilliseconds = 30000;
 
-/// What is in a certificate that signs itself.
+/// The content of a self-signed certificate.
 struct Certificate
 {
     std::string name = "IP:127.0.0.1";
-    int firstDay = -1; ///< counted from now
+    int firstDay = -1; ///< days from now
     int lastDay = 1;
 };
 
@@ -33,7 +33,7 @@ protected:
         server.waitForFinished();
     }
 
-    /// Starts a service behind TLS with a certificate.
+    /// Starts a TLS service with this certificate.
     void serve(const Certificate& certificate)
     {
         make(certificate);
@@ -49,7 +49,7 @@ protected:
         url = "https://127.0.0.1:" + accepting.match(said).captured(1).toStdString() + "/redirect";
     }
 
-    /// What the doctor says of the certificate: whether it is good, the text, and the advice.
+    /// The doctor's result for the certificate: whether it is good, the text, and the advice.
     struct Finding
     {
         bool ok;
@@ -81,7 +81,7 @@ private:
         return QDateTime::currentDateTimeUtc().addDays(days).toString("yyyyMMddHHmmss'Z'");
     }
 
-    /// "openssl req" dates certificates from now on only; an authority dates them as it likes.
+    /// "openssl req" cannot set the start date of a certificate, so "openssl ca" signs it.
     void make(const Certificate& certificate) const
     {
         folder.write("index.txt", "");

@@ -1,4 +1,4 @@
-// `doctor`: each step, good and bad, and what the report gives away.
+// `doctor`: each step with a good and a bad result, and that the report contains no secrets.
 #include <filesystem>
 
 #include <QJsonArray>
@@ -36,7 +36,7 @@ protected:
         return program.run(more);
     }
 
-    /// "settings+ folders- space?": good, failed, not tried.
+    /// "settings+ folders- space?": good, failed, not checked.
     static std::string results(const QJsonObject& document)
     {
         std::string text;

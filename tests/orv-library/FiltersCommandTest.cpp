@@ -32,7 +32,7 @@ protected:
         return program.run(arguments);
     }
 
-    /// Runs what must go well, and says what it printed: "current|id:name(databases) …|label,label".
+    /// Runs a command that must succeed. Returns its output as "current|id:name(databases) …|label,label".
     std::string printed(const std::vector<std::string>& arguments) const
     {
         const test::ProgramResult result = run(arguments);
@@ -62,7 +62,7 @@ protected:
         return text + ")";
     }
 
-    /// Runs what must be refused and must change nothing.
+    /// Runs a command that must fail and must not change the file.
     void refused(int status, const std::vector<std::string>& arguments) const
     {
         const std::string former = file.pathExists() ? test::readFile(file) : std::string();
@@ -112,7 +112,7 @@ TEST_F(FiltersCommand, changesPrintWhatAFreshStartReads)
 {
     EXPECT_EQ(printed({"add", "Küche", "a", "b"}), "-1|0:Küche(ab) |No Filter,Küche,");
     EXPECT_EQ(printed({"add", "Bath"}), "-1|1:Bath() 0:Küche(ab) |No Filter,Bath,Küche,");
-    // The newest comes first, and the others keep their places.
+    // The new filter comes first; the others keep their order.
     EXPECT_EQ(printed({"add", "Hall", "--id", "-5", "b"}),
               "-1|-5:Hall(b) 1:Bath() 0:Küche(ab) |No Filter,Hall,Bath,Küche,");
     EXPECT_EQ(printed({"use", "0"}), "0|-5:Hall(b) 1:Bath() 0:Küche(ab) |No Filter,Hall,Bath,Küche,");
@@ -214,7 +214,7 @@ TEST_F(FiltersCommand, mergeWritesBothFiles)
     const fileString other = program.folder().write("other.json", R"({"Current_Filter": 7,
         "Filter": {"Filter_Name": "Bath", "Filter_Id": 7, "Database_Ids": ["x"]},
         "Filter": {"Filter_Name": "Kitchen", "Filter_Id": 0, "Database_Ids": ["a", "b", "a"]}})");
-    // What is there, as it is read, then what is new; the reading back turns it round.
+    // The existing filters come first, then the new ones. Reading the file reverses this order.
     const std::string merged = "7|1:Bath 1(b) 7:Bath(x) 0:Kitchen(aba) |No Filter,Bath 1,Bath,Kitchen,";
     EXPECT_EQ(printed({"merge", other.toNativeString()}), merged);
     EXPECT_EQ(printed({"list"}), merged);

@@ -1,4 +1,4 @@
-// `status` and `verify`: what they say of a library that is sound, and of one that is not.
+// `status` and `verify`: their reports about sound and damaged libraries.
 #include <csignal>
 #include <filesystem>
 
@@ -56,7 +56,7 @@ protected:
     void damage(const std::string& name) const
     {
         std::string content = test::readFile(path(name));
-        content[40] = static_cast<char>(content[40] ^ 0x20); // in the member's data
+        content[40] = static_cast<char>(content[40] ^ 0x20); // in the data of the member
         write(name, content);
     }
 
@@ -75,7 +75,7 @@ protected:
         EXPECT_THAT(list[0].toObject()["text"].toString().toStdString(), HasSubstr(part));
     }
 
-    /// An archive of 20 MB under as many names.
+    /// Writes an archive of 20 MB and links it under further names.
     void writeLargeArchives(int count) const
     {
         {
@@ -277,7 +277,7 @@ TEST_F(HealthCommands, interruptedRepairLeavesTheArchiveAsItWas)
         continue;
     ::kill(static_cast<pid_t>(process->processId()), SIGINT);
     const test::ProgramResult result = test::Program::finish(*process);
-    // An interrupt after the result ends the program with 130 as well.
+    // An interrupt after the repair also ends the program with 130.
     const bool isDone = result.json()["repaired"].toArray().size() == 1;
     EXPECT_TRUE(result.status == 130 || (isDone && result.status == 0)) << result.status << result.err;
     EXPECT_EQ(fs::exists(path("textures/0.zip.damaged")), isDone);

@@ -1,4 +1,4 @@
-// `history`: what an update keeps of what it replaces.
+// `history`: the versions that an update keeps when it replaces files.
 #include <gmock/gmock.h>
 
 #include "tests/orv-library/HistoryFixture.h"

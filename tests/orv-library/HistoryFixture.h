@@ -24,7 +24,7 @@ inline std::string packed(const std::string& catalog, const std::string& picture
     return builder.bytes();
 }
 
-/// A root that is updated from a service whose contents change.
+/// A root that is updated from a service whose content changes.
 class HistoryFixture : public testing::Test
 {
 protected:
@@ -60,7 +60,7 @@ protected:
     }
 
     std::string content(const std::string& name) const { return readFile(program.root() + "/" + name); }
-    /// Offers one core catalog and one archive of 3,000 bytes each, and updates.
+    /// Puts one core catalog and one archive of 3,000 bytes each on the service, and updates.
     void updateTo(char letter)
     {
         service.offer("Doors.orvlib", std::string(3000, letter));

@@ -1,4 +1,4 @@
-// `hold` and `release`: a catalog stays at its version while newer ones wait in the history.
+// `hold` and `release`: a held catalog keeps its version while the history collects newer ones.
 #include <gmock/gmock.h>
 
 #include "tests/orv-library/HistoryFixture.h"

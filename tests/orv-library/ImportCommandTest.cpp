@@ -22,7 +22,7 @@ QJsonValue value(const std::string& path)
     return path.empty() ? QJsonValue() : QJsonValue(QString::fromStdString(path));
 }
 
-/// What became of one source: of an import that put everything in its place, unless members are replaced.
+/// The result for one source whose import was complete and replaced no members.
 QJsonObject entry(const std::string& source, const std::string& library, const std::string& textures,
                   int added)
 {
@@ -35,7 +35,7 @@ QJsonObject entry(const std::string& source, const std::string& library, const s
             {"error", QJsonValue()}};
 }
 
-/// The document of a single source.
+/// The document for a single source.
 QJsonObject document(const QJsonObject& entry)
 {
     QJsonObject whole{
@@ -45,7 +45,7 @@ QJsonObject document(const QJsonObject& entry)
     return whole;
 }
 
-/// The document of a single source of which nothing was imported.
+/// The document for a single source of which nothing was imported.
 QJsonObject failure(const std::string& source, const std::string& reason)
 {
     QJsonObject failed = entry(source, "", "", 0);
@@ -259,7 +259,7 @@ TEST_F(ImportCommand, badSourcesChangeNothing)
     mProgram.run({"import", writeKitchen()});
     fs::create_symlink("loop.orvlibz", path("loop.orvlibz"));
     std::string damaged = mKitchen.bytes();
-    damaged[damaged.find("oak.png") + 8] ^= 1; // in the data
+    damaged[damaged.find("oak.png") + 8] ^= 1; // in the data of the member
     mProgram.folder().write("Kitchen.orvlibz", damaged);
     for (const std::string& source :
          {path("none.orvlibz"), mProgram.folder().path(), std::string("/dev/null"), path("loop.orvlibz"),
@@ -296,7 +296,7 @@ TEST_F(ImportCommand, damagedTextureArchiveIsSetAside)
     mProgram.run({"import", writeKitchen()});
     const std::string textures = rootPath("textures/Kitchen.zip");
     std::string damaged = test::readFile(textures);
-    damaged[damaged.find("oak.png") + 8] ^= 1; // in the data
+    damaged[damaged.find("oak.png") + 8] ^= 1; // in the data of the member
     mProgram.folder().write("root/textures/Kitchen.zip", damaged);
     test::ArchiveBuilder second;
     second.add("inside.orvlib", mDatabase);
@@ -330,7 +330,7 @@ TEST_F(ImportCommand, damageInAFileThatIsReplacedDoesNotMatter)
 {
     mProgram.run({"import", writeKitchen()});
     std::string damaged = test::readFile(rootPath("textures/Kitchen.zip"));
-    damaged[damaged.find("oak.png") + 8] ^= 1; // in the data
+    damaged[damaged.find("oak.png") + 8] ^= 1; // in the data of the member
     mProgram.folder().write("root/textures/Kitchen.zip", damaged);
     const ProgramResult result = mProgram.run({"import", path("Kitchen.orvlibz")});
     EXPECT_EQ(result.status, 0) << result.err;

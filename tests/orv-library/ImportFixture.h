@@ -10,7 +10,7 @@
 #include "tests/support/ArchiveReader.h"
 #include "tests/support/SampleDatabase.h"
 
-/// What the tests of packed libraries share: the program, a library archive, and a look at all files.
+/// The program, a library archive, and a snapshot of all files for the tests of packed libraries.
 class ImportFixture : public testing::Test
 {
 protected:
@@ -29,7 +29,7 @@ protected:
     {
         return mKitchen.write(mProgram.folder(), name).toNativeString();
     }
-    /// Every file below the test's folder, the root included, with its content.
+    /// The content of every file below the test's folder, including the root.
     std::map<std::string, std::string> everything() const
     {
         std::map<std::string, std::string> files;
@@ -39,7 +39,8 @@ protected:
                               : test::readFile(path(name));
         return files;
     }
-    /// Runs a command that must fail with one clear line that holds `reason`, and change nothing.
+    /// Runs a command that must fail with a one-line message that contains `reason`, and must not change any
+    /// file.
     void expectFailure(const std::vector<std::string>& arguments, const std::string& reason, int status = 1)
     {
         mProgram.createRoot();

@@ -1,4 +1,4 @@
-// `list` and `info`: what is installed, and which catalog a name means.
+// `list` and `info`: the installed catalogs, and which catalog a name refers to.
 #include <QJsonArray>
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
-// `update` where the connection is paid by the amount: what waits, how that is told, and how it is fetched
-// all the same.
+// `update` on a metered connection: which downloads it postpones, how it reports this, and how the user can
+// start them anyway.
 #include <filesystem>
 
 #include <QJsonArray>
@@ -81,7 +81,7 @@ TEST_F(MeteredUpdate, isFetchedWhereTheCommandLineOrTheSettingsSaySo)
 {
     EXPECT_EQ(0, update({"--metered", "fetch"}).status);
     EXPECT_TRUE(fs::exists(program.root() + "/core/Doors.orvlib"));
-    EXPECT_EQ(0, update().status); // nothing is left to wait
+    EXPECT_EQ(0, update().status); // no download is postponed any more
     EXPECT_EQ("current", update().json()["outcome"].toString());
     service.offer("Doors.orvlib", std::string(6000, 'e'));
     program.run({"settings", "set", "metered", "fetch"});

@@ -1,4 +1,4 @@
-// `news`: what updates changed in the catalogs, item by item.
+// `news`: which items the updates changed in the catalogs.
 #include <filesystem>
 
 #include <QSqlDatabase>
@@ -21,7 +21,7 @@ class News : public test::HistoryFixture
 protected:
     News() { service.offer("Textures.zip", std::string(3000, 't')); }
 
-    /// A catalog database whose items have these ids and names.
+    /// A catalog database with items of these ids and names.
     std::string catalog(const Items& items) const
     {
         const std::string file = program.folder().file("made.orvlib").toNativeString();
@@ -50,7 +50,7 @@ protected:
         service.offer("Doors.orvlib", catalog(items));
         update();
     }
-    /// Each catalog as one text.
+    /// One text per catalog.
     std::vector<std::string> news(const std::vector<std::string>& more = {}) const
     {
         std::vector<std::string> arguments = {"--json", "news"};
@@ -82,7 +82,7 @@ TEST_F(News, theLastUpdateThatChangedSomethingIsTold)
     updateItems({{2, "Ash/other"}, {3, "Elm"}, {4, "Fir"}});
     const std::string last = "Doors.orvlib added 3=Elm 4=Fir changed 2=Ash gone 1=Oak";
     EXPECT_THAT(news(), ElementsAre(last));
-    update(); // changes nothing
+    update(); // without changes
     EXPECT_THAT(news(), ElementsAre(last));
     EXPECT_EQ("core/Doors.orvlib\n  + Elm\n  + Fir\n  * Ash\n  - Oak\n", program.run({"news"}).out);
 }

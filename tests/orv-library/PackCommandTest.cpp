@@ -155,7 +155,7 @@ TEST_F(PackCommand, interruptLeavesNothingAndTheFormerArchive)
     const std::string large = write("large.bin", test::sampleBytes(40000000, 5));
     const auto process =
         mProgram.start({"--json", "pack", write("a.orvlib", mDatabase), large, "--output", former});
-    // Under way as soon as something is written beside the archive's place.
+    // Packing has started as soon as the temporary file beside the archive has content.
     const std::string beside = former + ".orv-new";
     for (int i = 0; i < 5000 && (!fs::exists(beside) || fs::file_size(beside) == 0); ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(2));

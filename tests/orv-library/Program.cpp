@@ -11,7 +11,7 @@ namespace test {
 
 namespace {
 
-/// Generous: sanitizers and a busy machine.
+/// Long enough for sanitizers and a busy machine.
 constexpr int kTimeoutMilliseconds = 120000;
 
 QStringList toList(const std::vector<std::string>& arguments)
@@ -22,7 +22,7 @@ QStringList toList(const std::vector<std::string>& arguments)
     return list;
 }
 
-/// Only what finds programs and steers sanitizers and coverage survives.
+/// Keeps only the variables for finding programs and for sanitizers and coverage.
 QProcessEnvironment cleanEnvironment(const std::string& home)
 {
     const QProcessEnvironment mine = QProcessEnvironment::systemEnvironment();
@@ -40,9 +40,10 @@ QProcessEnvironment cleanEnvironment(const std::string& home)
     return environment;
 }
 
-constexpr const char* kReadBefore = "readBefore"; ///< property of a process: the lines that were read already
+constexpr const char* kReadBefore = "readBefore"; ///< property of a process: the lines that were already read
 
-/// Where runs are kept; empty for nowhere. What an earlier test program left there is removed.
+/// The folder for the collected documents; empty if none are collected. Documents of an earlier test program
+/// are removed.
 const QString& documentFolder()
 {
     static const QString folder = [] {

@@ -11,50 +11,50 @@
 
 namespace test {
 
-/// What one run of `orv-library` gave.
+/// The result of one run of `orv-library`.
 struct ProgramResult
 {
-    int status = -1; ///< exit status; -1 when it did not end by itself
+    int status = -1; ///< exit status; -1 if a signal ended it or it did not end
     std::string out;
     std::string err;
 
-    /// Standard output as the one JSON document that it must be; fails the test when it is not.
+    /// Parses standard output, which must be one JSON document. Fails the test if it is not.
     QJsonObject json() const;
 };
 
-/// The `orv-library` executable on a fresh root of its own, with a clean environment: no proxies, no user
-/// folders, English texts, UTC.
+/// The `orv-library` executable with a fresh root and a clean environment: no proxies, no user folders,
+/// English texts, UTC.
 ///
-/// Where the environment variable ORV_DOCUMENTS names a folder, each run that was asked for a document is
-/// kept there: its arguments, status and output, a file each. Tests compare them with docs/schemas.
+/// If the environment variable ORV_DOCUMENTS names a folder, each run that prints a JSON document is recorded
+/// there in a file with its arguments, status and output. A test compares these documents with docs/schemas.
 class Program
 {
 public:
     Program();
 
-    /// Runs it to its end with `--root` first.
+    /// Runs the program with `--root` and these arguments until it ends.
     ProgramResult run(const std::vector<std::string>& arguments) const;
-    /// Runs it with these arguments alone.
+    /// Runs the program with only these arguments.
     ProgramResult runBare(const std::vector<std::string>& arguments) const;
 
-    /// Starts it with `--root` and returns at once; the caller ends it. It is killed at the end of the
-    /// object.
+    /// Starts the program with `--root` and returns at once. The caller ends it; otherwise the destructor of
+    /// the process kills it.
     std::unique_ptr<QProcess> start(const std::vector<std::string>& arguments) const;
-    /// Makes the root with its folders, as most commands need it.
+    /// Creates the root with its folders, which most commands require.
     void createRoot() const;
-    /// Waits for a started one and collects what it printed and was not read yet.
+    /// Waits until a started program ends. Returns the output that was not read before.
     static ProgramResult finish(QProcess& process);
-    /// Waits for the next line of standard output; without its line break.
+    /// Waits for the next line of standard output. Returns it without its line break.
     static std::string readLine(QProcess& process);
 
-    /// Adds or replaces a variable; an empty value removes it.
+    /// Sets a variable; an empty value removes it.
     void setEnvironment(const std::string& name, const std::string& value);
-    /// The current folder of the runs: a fresh one, unless it is set.
+    /// Sets the current folder of the runs. By default it is a fresh folder.
     void setWorkingFolder(const std::string& folder) { mWorkingFolder = folder; }
 
-    /// Without the final separator. The folder does not exist until the program makes it.
+    /// The path without a final separator. The folder does not exist until the program creates it.
     std::string root() const { return mFolder.path() + "/root"; }
-    /// A folder of the test's own beside the root.
+    /// A temporary folder beside the root.
     const TempFolder& folder() const { return mFolder; }
 
 private:

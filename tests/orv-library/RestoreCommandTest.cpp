@@ -1,4 +1,4 @@
-// `restore`: a former version comes back, and updates leave it until there is something else.
+// `restore`: an old version comes back, and updates keep it until the service has another version.
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -168,7 +168,7 @@ TEST_F(Restore, aLostHashLineDoesNotUndoIt)
     updateTo('a');
     updateTo('b');
     restore({"Doors"});
-    test::writeFile(program.root() + "/core/catalog_hash.txt", ""); // as a cancelled update leaves it
+    test::writeFile(program.root() + "/core/catalog_hash.txt", ""); // the state after a cancelled update
     EXPECT_EQ("current", outcome());
     EXPECT_EQ(tagOf('a'), version("Doors"));
 }

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-/// Relative path to content, of every file below the folder.
+/// The content of every file below the folder, by relative path.
 std::map<std::string, std::string> contentOf(const std::string& folder)
 {
     std::map<std::string, std::string> files;
@@ -65,7 +65,7 @@ std::vector<std::string> namesThatEndWith(const std::map<std::string, std::strin
     return names;
 }
 
-/// Member names as another reader sees them.
+/// The names of the members as another reader reports them.
 QStringList membersOf(const std::string& archive)
 {
     QProcess unzip;

@@ -66,7 +66,7 @@ TEST_F(ServeCommand, signalsEndItWithStatus0)
 {
     for (const int signal : {SIGINT, SIGTERM}) {
         const QJsonObject document = serve({"--json", "serve", served});
-        // A connection that a client keeps open must not hold the end up.
+        // The client keeps its connection open, which must not delay the end.
         std::string body;
         EXPECT_TRUE(Curl::get().browseURL(text(document, "manufacturers"), {}, body, true, 0));
         kill(static_cast<pid_t>(process->processId()), signal);

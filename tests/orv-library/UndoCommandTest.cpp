@@ -10,7 +10,7 @@ namespace {
 class UndoCommand : public ImportFixture
 {
 protected:
-    /// Imports a library of this name whose files hold `version`.
+    /// Imports a library with this name whose files contain `version`.
     void import(const std::string& version, const std::string& name = "Kitchen")
     {
         test::ArchiveBuilder archive;
@@ -21,7 +21,7 @@ protected:
         const ProgramResult result = mProgram.run({"import", file});
         ASSERT_EQ(result.status, 0) << result.err;
     }
-    /// The files of the library, without what is kept for an undo.
+    /// The files of the library except those kept for an undo.
     std::map<std::string, std::string> library() const
     {
         std::map<std::string, std::string> files;

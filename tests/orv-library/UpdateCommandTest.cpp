@@ -75,7 +75,7 @@ protected:
     test::ContentService service;
 };
 
-/// The lines of a trace, parsed.
+/// The parsed lines of a trace.
 std::vector<QJsonObject> readTrace(const std::string& file)
 {
     std::vector<QJsonObject> lines;
@@ -328,7 +328,8 @@ TEST_F(Update, recoveredCatalogIsNotFetchedAgain)
 {
     ASSERT_EQ(0, update().status);
     service.offer("Doors.orvlib", std::string(6000, 'e'));
-    // As after a kill between the download and the hash files: the stored tag is the former one's.
+    // The state after a kill between the download and the update of the hash file, which still has the old
+    // tag.
     test::writeFile(path("temp/orv-library.downloads.core/Doors.orvlib"), std::string(6000, 'e'));
     service.takeFetched();
     const test::ProgramResult result = update();

@@ -1,4 +1,4 @@
-// An interrupt of an update with 300 catalogs left, while nobody answers.
+// The user interrupts an update with 300 catalogs left while the service does not reply.
 #include <atomic>
 #include <chrono>
 #include <csignal>
@@ -30,7 +30,7 @@ protected:
         service.offer("Doors.orvlib", std::string(20'000, 'd'));
     }
 
-    /// Answers what this holds of so, and everything else soundly.
+    /// Sends `reply` to the requests for which `isMeant` holds, and sound replies to all others.
     void answer(bool (*isMeant)(const FaultRequest&), const FaultReply& reply)
     {
         service.spoilWith([this, isMeant, reply](const FaultReply& sound, const FaultRequest& request) {
@@ -41,7 +41,7 @@ protected:
         });
     }
 
-    /// Starts an update, waits until it is where it is to be, and interrupts it.
+    /// Starts an update, waits until the service receives such a request, and interrupts the update.
     void expectHeard(const std::string& url, const std::vector<std::string>& options = {})
     {
         std::vector<std::string> arguments = {"--progress", "none", "update", "--url", url};

@@ -1,4 +1,4 @@
-// Why the service was not found: each cause in the program's output and in the log.
+// The reasons why an update does not find the service, in the program's output and in the log.
 #include <QJsonArray>
 #include <QRegularExpression>
 
@@ -29,7 +29,7 @@ protected:
         return program.run(arguments);
     }
 
-    /// The update fails, and says so.
+    /// Expects that the update fails and prints this reason.
     void expectTold(const std::string& url, const std::vector<std::string>& options,
                     const std::string& reason) const
     {
@@ -39,7 +39,7 @@ protected:
         EXPECT_THAT(result.err, HasSubstr(reason));
     }
 
-    /// The same, and the log has it with the address.
+    /// Expects in addition that the log contains the reason and the address.
     void expectLogged(const std::string& url, const std::vector<std::string>& options,
                       const std::string& reason) const
     {
@@ -58,7 +58,7 @@ protected:
     test::Program program;
 };
 
-/// A service behind TLS, with a certificate that nobody vouches for, that has no catalogs.
+/// A TLS service without catalogs, with a certificate that no authority has signed.
 class UpdateReasonsTls : public UpdateReasons
 {
 protected:

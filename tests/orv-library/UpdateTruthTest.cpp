@@ -1,4 +1,4 @@
-// What the web service says is judged before anything is replaced, and what went wrong is told.
+// An update checks what the service sends before it replaces a file, and reports every failure.
 #include <filesystem>
 
 #include <QJsonArray>
@@ -28,7 +28,7 @@ const std::string kIndex = "Orv_Core_Content_Index.txt";
 const std::string kPage = test::loginPage().body();
 const std::vector<std::string> kHtml = {"Content-Type: text/html; charset=utf-8"};
 
-/// Two catalogs are installed and have a newer version at the service.
+/// Two installed catalogs with newer versions on the service.
 class UpdateTruth : public testing::Test
 {
 protected:
@@ -73,7 +73,7 @@ protected:
         return count;
     }
 
-    /// The run is incomplete for Doors alone, which stays as it was; Roofs was updated.
+    /// Expects that only Doors failed and kept its old file, and that Roofs was updated.
     void expectOnlyDoorsFailed(const test::ProgramResult& result, const QJsonValue& answer,
                                const std::string& reason)
     {

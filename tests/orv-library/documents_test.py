@@ -1,4 +1,4 @@
-"""Every document that the end-to-end tests saw is what its schema says, and each schema was put to the test."""
+"""Every document that the end-to-end tests collected matches its schema, and each schema was tested."""
 import glob
 import json
 import os
@@ -11,17 +11,17 @@ from jsonschema import Draft202012Validator
 
 SCHEMAS, DOCUMENTS, PROGRAM = sys.argv[1:4]
 WITH_VALUE = {"--root", "--progress", "--trace"}
-# What no test can make fail: they need no root, no file and no service.
+# Commands that cannot fail: they need no root, no file and no service.
 NEVER_FAIL = {"help"}
-# The same word for two things, each of which has its name in the contract with scripts.
+# Members whose name has another type in another schema. The contract with scripts fixes both.
 OTHER_SHAPE = {
-    ("library", "unpack"),      # an object that says whether it was found; elsewhere the path
+    ("library", "unpack"),      # an object that tells whether it was found; elsewhere the path
     ("referenced", "unpack"),   # likewise; elsewhere the path of the folder
-    ("held", "status"), ("held", "hold"), ("held", "release"),  # the names; of one catalog, whether it is held
-    ("replaced", "history"),    # a time; of an import, a number
-    ("added", "import"),        # a number; of news and of a refresh, the things themselves
-    ("asked", "check"),         # whether it asked; of a run, of how many catalogs
-    ("bonus", "paths"), ("manufacturer", "paths"),  # the folder; in the settings, names of catalogs
+    ("held", "status"), ("held", "hold"), ("held", "release"),  # the names; elsewhere whether the catalog is held
+    ("replaced", "history"),    # a time; elsewhere a number
+    ("added", "import"),        # a number; elsewhere the added items
+    ("asked", "check"),         # whether the check asked the service; elsewhere the number of catalogs
+    ("bonus", "paths"), ("manufacturer", "paths"),  # the folder; in the settings the names of catalogs
     ("filters", "paths"),       # the file; elsewhere the filters
     ("manufacturers", "serve"),  # the address; elsewhere the records
 }
@@ -37,7 +37,7 @@ def schema(name):
 
 
 def words_of(arguments):
-    """The arguments without the global options."""
+    """The arguments without options."""
     words = []
     rest = iter(arguments)
     for argument in rest:
@@ -62,7 +62,7 @@ def runs():
 
 
 class Documents(unittest.TestCase):
-    def test_each_is_what_its_schema_says(self):
+    def test_each_matches_its_schema(self):
         validators = {name: Draft202012Validator(schema(name)) for name in schema_names()}
         well, failed = set(), set()
         for run in runs():
@@ -79,8 +79,8 @@ class Documents(unittest.TestCase):
                 self.assertEqual([error.message for error in validators[name].iter_errors(document)], [])
                 self.assertFalse(run["status"] == 0 and "error" in document)
                 (failed if "error" in document else well).add(name)
-        self.assertEqual(set(validators) - well, set(), "no test saw one of a run that went well")
-        self.assertEqual(set(validators) - failed, NEVER_FAIL, "no test saw one of a run that failed")
+        self.assertEqual(set(validators) - well, set(), "no test collected a document of a successful run")
+        self.assertEqual(set(validators) - failed, NEVER_FAIL, "no test collected a document of a failed run")
 
 
 class Schemas(unittest.TestCase):

@@ -1,4 +1,4 @@
-// A cancel, and the end of the host object, at every place of an update.
+// Cancels an update, or destroys the host object, at every point of an update.
 #include <atomic>
 #include <memory>
 #include <thread>
@@ -14,7 +14,7 @@ using LibraryCatalogUpdate::LibraryCatalogUpdater;
 
 namespace {
 
-/// Cancels at one of the calls of progress functions, counted over all downloads.
+/// Cancels at one of the calls of the progress functions, counted over all downloads.
 class CancellingCurl : public test::ForwardingCurl
 {
 public:
@@ -51,7 +51,7 @@ private:
     ProgressFunction mProgress = nullptr;
 };
 
-/// A run with a cancel at one of the progress calls; 0 for none.
+/// Runs an update and cancels it at the progress call with this number; 0 for no cancel.
 /// @return the number of progress calls
 std::size_t runCancelledAtProgress(test::UpdateWorld& world, std::size_t call)
 {
@@ -101,7 +101,7 @@ public Q_SLOTS:
 class CancelSweep : public test::DistanceSweep
 {
 protected:
-    /// The promise after a cancelled run.
+    /// Expects the guarantees after a cancelled run.
     void expectCancelled()
     {
         mWorld.expectNothingLost();
@@ -176,7 +176,7 @@ TEST_P(CancelSweep, atEveryInvocation)
                 LibraryCatalogUpdater::killDownload();
         };
         mWorld.run();
-        // The run may have ended before the invocation arrived.
+        // The run may end before the invocation is delivered, so the outcome is not checked.
         mWorld.expectNothingLost();
         mWorld.expectConverges();
     }

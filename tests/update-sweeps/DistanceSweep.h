@@ -10,15 +10,15 @@
 
 namespace test {
 
-/// How long the service of a sweep takes to answer. A far one is asked for bodies ahead of their turn.
+/// The response time of the service. If it is far, bodies are fetched ahead of their turn.
 constexpr std::chrono::milliseconds kNear{0};
 constexpr std::chrono::milliseconds kFar{7};
 
-/// A sweep that is made with a near service and with a far one.
+/// A sweep that runs with a near service and with a far one.
 class DistanceSweep : public testing::TestWithParam<std::chrono::milliseconds>
 {
 protected:
-    /// The library as it was, with the service at its distance.
+    /// Restores the initial library and sets the response time.
     void reset()
     {
         mWorld.reset();

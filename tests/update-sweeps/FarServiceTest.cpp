@@ -1,5 +1,5 @@
-// What an update does when the web service is far: it asks for the bodies ahead of their turn, and nobody can
-// tell.
+// If the service is far, an update fetches the bodies ahead of their turn. The host object sees no
+// difference.
 #include <condition_variable>
 #include <mutex>
 
@@ -20,7 +20,7 @@ constexpr std::size_t kBodies = 4;
 class FarService : public testing::Test
 {
 protected:
-    /// What the host object hears of a run, in order.
+    /// The calls that the host object receives during a run, in order.
     std::vector<std::string> eventsOfARun(std::chrono::milliseconds delay)
     {
         LibraryCatalogUpdate::progress_update_count = 0;
@@ -30,7 +30,7 @@ protected:
         mWorld.run();
         return mWorld.recorder()->texts();
     }
-    /// Whether the last body is asked for while the first one is held back.
+    /// Whether the last body is requested while the first one is still held back.
     bool asksForAllBodiesAtOnce(std::chrono::milliseconds delay)
     {
         eventsOfARun(test::kNear);

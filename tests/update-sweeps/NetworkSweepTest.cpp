@@ -1,4 +1,4 @@
-// Everything that a broken or hostile web service can do to each kind of request of an update.
+// A broken or hostile service spoils each kind of request of an update in every known way.
 #include "tests/support/BrokenService.h"
 #include "tests/update-sweeps/DistanceSweep.h"
 
@@ -9,7 +9,7 @@ using test::RequestKind;
 
 namespace {
 
-/// One cell: a run with the spoilt service, then one without.
+/// Runs one cell: an update with the spoilt service, then one with the sound service.
 void expectSurvives(test::UpdateWorld& world, RequestKind kind, const Behaviour& behaviour)
 {
     SCOPED_TRACE(std::string(kindName(kind)) + ": " + behaviour.name);
@@ -17,7 +17,7 @@ void expectSurvives(test::UpdateWorld& world, RequestKind kind, const Behaviour&
     world.run();
     const bool isFile = kind == RequestKind::Body || kind == RequestKind::Archive;
     world.expectNothingLost(behaviour.lies && isFile);
-    // A file that was a lie with the right tag stays until its tag changes or it is verified.
+    // False content with the right tag stays installed until the tag changes or the file is verified.
     if (!behaviour.lies || kind != RequestKind::Body)
         world.expectConverges();
 }

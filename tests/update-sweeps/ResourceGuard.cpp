@@ -19,7 +19,7 @@ std::size_t countEntries(const char* folder)
     return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
 
-/// What libraries open at their first use, and keep.
+/// Libraries open some descriptors at their first use and keep them, so a first run happens before counting.
 void warmUp()
 {
     static const bool isWarm = [] {
@@ -40,7 +40,7 @@ ResourceGuard::ResourceGuard()
 
 ResourceGuard::~ResourceGuard()
 {
-    // A thread that was joined may be listed for a moment longer.
+    // A joined thread may still be listed for a moment.
     for (int wait = 0; wait < 200 && countEntries("/proc/self/task") > mThreads; ++wait)
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     EXPECT_EQ(countEntries("/proc/self/fd"), mDescriptors) << "open descriptors";

@@ -4,8 +4,8 @@
 
 namespace test {
 
-/// Fails the test at the end of the block when the process has more open descriptors or more threads than at
-/// its start. To be declared before the world whose end is to be waited for.
+/// Fails the test in its destructor if the process has more open descriptors or threads than before. Declare
+/// it before the world, so that the world is destroyed first.
 class ResourceGuard
 {
 public:

@@ -21,7 +21,7 @@ constexpr Way kWays[] = {
     {"fails for ever", Fault::Fail, ServiceCalls::Repeat::ForEver},
 };
 
-/// Runs with a fault at that call; gives the operation that met it.
+/// Runs an update with a fault at this call. Returns the operation that was called.
 std::string runWithFault(test::UpdateWorld& world, const Way& way, std::size_t call)
 {
     std::string operation;
@@ -46,8 +46,8 @@ std::size_t countCalls(test::UpdateWorld& world)
     return calls;
 }
 
-/// The error log asks for its folder itself, and swallows what comes. Requests that cannot be sent ahead are
-/// made in turn.
+/// These failures are not visible: the error log ignores exceptions when it asks for its folder, and requests
+/// that cannot be sent ahead are sent in turn.
 bool countsAsError(const std::string& operation)
 {
     return operation != "PathUtils::getUserLibraryDatabasePath" && operation != "Curl::prefetchHeaders" &&

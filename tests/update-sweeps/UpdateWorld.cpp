@@ -75,8 +75,8 @@ HttpLimits shortLimits()
     return limits;
 }
 
-/// A download service on which a silence lasts a hundred times shorter: each progress call that brings no
-/// byte is made a hundred times.
+/// A download service on which silence passes a hundred times faster: it repeats each progress call without
+/// new bytes a hundred times.
 class HastyCurl : public CurlService
 {
 public:
@@ -112,7 +112,7 @@ private:
     };
 };
 
-/// Whether a path is one that updates may leave behind: in a download folder, or the error log.
+/// Whether updates may leave this file behind: in a download folder, the error log, or the preferences.
 bool isTransient(const std::string& path)
 {
     return path.rfind("temp/Orv Test.downloads.", 0) == 0 || path == "user/errors.log" ||
@@ -145,8 +145,8 @@ UpdateWorld::UpdateWorld()
     mServed["Tex.zip"] = packed(sampleBytes(1200, 6), sampleBytes(1300, 7));
     mServed["Lamps.orvlibz"] = packed(sampleBytes(1700, 8), sampleBytes(1400, 9));
     mServer.otherwise([this](const FaultRequest& request) { return answer(request); });
-    // Once more than it seems needed: the archive that belongs to the current catalog of a manufacturer is to
-    // be the one that unpacking makes, since a disturbed run may lead to its being fetched again.
+    // The first run only creates the archive that belongs to the current catalog of a manufacturer, as
+    // unpacking creates it. A disturbed run may fetch that catalog again and write the archive anew.
     reset();
     run();
     mCurrentArchive = readFile(mHost.folder().path() + "/referenced/Acme.zip");
@@ -316,7 +316,7 @@ void UpdateWorld::expectKnownContent(const std::string& name, const std::string&
     EXPECT_TRUE(isOld || isNew) << name << " holds neither its old nor its new content";
 }
 
-/// A tag that says "new" must not stand beside an old file: it would never be fetched again.
+/// A new tag beside an old file is an error, because the file would never be fetched again.
 void UpdateWorld::expectTagsFit(const std::string& hashFile, const Tree& tree) const
 {
     std::istringstream lines(tree.at(hashFile));

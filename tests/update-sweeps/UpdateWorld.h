@@ -26,7 +26,7 @@ enum class RequestKind
     Redirect,
     Index,
     Header,
-    Page,    ///< the page of a file that is not found
+    Page,    ///< the page for a file that the service does not have
     Body,    ///< of a core catalog
     Archive, ///< of a bonus catalog
     Other
@@ -34,8 +34,8 @@ enum class RequestKind
 const std::vector<RequestKind>& spoiltKinds();
 const char* kindName(RequestKind kind);
 
-/// A small library with something of each kind to update, the web service that has the new files, and the
-/// promise that a disturbed run keeps: see `expectNothingLost` and `expectConverges`.
+/// A small library with something of each kind to update, a web service with the new files, and the
+/// guarantees of a disturbed run: see `expectNothingLost` and `expectConverges`.
 class UpdateWorld
 {
 public:
@@ -44,38 +44,40 @@ public:
     UpdateWorld();
     ~UpdateWorld();
 
-    /// Lets every answer that is not spoilt take so long until the next `expectConverges`.
+    /// Delays every sound reply by this time until the next `expectConverges`.
     void setDelay(std::chrono::milliseconds delay);
 
-    /// The library as it was before any run, and a service that answers well.
+    /// Restores the library before the first run and a sound service.
     void reset();
-    /// Answers the requests of one kind so; of headers and bodies, those of the catalog "Doors" alone.
+    /// Spoils the replies to one kind of request. For headers and bodies this affects only the catalog
+    /// "Doors".
     void spoil(RequestKind kind, Spoiler spoiler);
-    /// Called at the start of every request, on the connection's thread, with its number from 1.
+    /// Calls `hook` at the start of every request, on the thread of the connection. The argument is the
+    /// request's number, from 1.
     void onRequest(std::function<void(std::size_t)> hook);
 
-    /// One update with the host object `recorder()`, through a download service with short time limits.
+    /// Runs an update with the host object `recorder()` and a download service with short timeouts.
     void run();
-    /// The same by `runner`, which finds the download service installed.
+    /// Runs `runner` instead of the updater, with the same download service installed.
     void run(const std::function<void()>& runner);
-    /// Null once a test has destroyed it.
+    /// Null after a test has destroyed it.
     std::unique_ptr<SlotRecorder>& recorder() { return mRecorder; }
     LibraryCatalogUpdate::LibraryCatalogUpdater updater();
     ScopedHost& host() { return mHost; }
     std::size_t requestCount() const;
-    /// The service's own answer to a request.
+    /// The reply of the sound service to a request of this kind.
     FaultReply soundAnswer(RequestKind kind) const;
 
-    /// Every data file holds its old or its new content, every stored tag of a new file stands beside the new
-    /// file, nothing lies outside the places that belong to an update, and the run was closed once.
-    /// @param anyContent lets downloaded files hold anything, for a service that lied about them
+    /// Expects that every data file has its old or its new content, that no new tag belongs to an old file,
+    /// that no other files exist outside the places of an update, and that the run announced its end once.
+    /// @param anyContent accepts any content of downloaded files, for a service that sent false content
     void expectNothingLost(bool anyContent = false) const;
-    /// What a host does before its next run: puts whole catalogs that were left over into their places.
+    /// Moves complete catalogs that are left over into place, as a host does before its next run.
     void recoverLeftOvers();
-    /// Every file is as an undisturbed first run, in turn, leaves it.
+    /// Expects every file to be as an undisturbed first run leaves it.
     void expectNew() const;
-    /// A run that nobody disturbs, by a near service, leads to the state that an undisturbed first run leads
-    /// to.
+    /// Runs an undisturbed update with a near service, and expects the state that an undisturbed first run
+    /// leaves.
     void expectConverges();
 
 private:
@@ -92,13 +94,13 @@ private:
     FaultServer mServer;
     std::unique_ptr<SlotRecorder> mRecorder;
     Tree mOld;
-    /// After an undisturbed run.
+    /// The files after an undisturbed run.
     Tree mNew;
-    /// What the service has, by name.
+    /// The files of the service by name.
     std::map<std::string, std::string> mServed;
     std::string mCurrentArchive;
 
-    mutable std::mutex mMutex; ///< guards what follows
+    mutable std::mutex mMutex; ///< guards the members below
     RequestKind mSpoiltKind = RequestKind::Other;
     Spoiler mSpoiler;
     std::function<void(std::size_t)> mOnRequest;
