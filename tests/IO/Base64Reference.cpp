@@ -6,7 +6,7 @@ namespace {
 
 const std::string kCharacters = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
 
-/// The character at a position; sets `failure` for one that is not taken.
+/// The character at a position. Sets `failure` if it is not allowed.
 char characterAt(const std::string& text, std::size_t position, std::string& failure)
 {
     if (position >= text.size())

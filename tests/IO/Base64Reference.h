@@ -5,13 +5,13 @@
 
 namespace test {
 
-/// The rules of Base64 one step at a time, for comparison.
+/// A simple implementation of Base64 for comparison. It processes one character at a time.
 std::string referenceEncode(const std::vector<unsigned char>& bytes);
 
 struct ReferenceDecoding
 {
     std::vector<unsigned char> bytes;
-    std::string failure; ///< what is wrong with the text; empty when nothing is
+    std::string failure; ///< the error in the text; empty if it is valid
 };
 ReferenceDecoding referenceDecode(const std::string& text);
 

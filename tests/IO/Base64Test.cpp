@@ -44,7 +44,7 @@ void expectAsReference(const std::string& text)
     if (expected.failure.empty())
         ASSERT_EQ(Base64::decode(text), expected.bytes) << testing::PrintToString(text);
     else
-        ASSERT_STREQ(failureOf(text).c_str(), expected.failure.c_str()) // a NUL ends both
+        ASSERT_STREQ(failureOf(text).c_str(), expected.failure.c_str()) // a NUL character ends both
             << testing::PrintToString(text);
 }
 

@@ -45,7 +45,7 @@ protected:
 
     fileString log() const { return mFolder.file("user/errors.log"); }
 
-    /// What was logged last: the message without the lines around it, which are checked.
+    /// The message of the only entry in the log. Checks the lines around it.
     std::string messageOfOnlyEntry() const
     {
         const std::string content = test::readFile(log());
@@ -61,7 +61,7 @@ protected:
         ASSERT_EQ(utimensat(AT_FDCWD, log().toNativeString().c_str(), times, 0), 0);
     }
 
-    /// Waits for the beginning of a second, so that the next statements fall into one.
+    /// Waits for the start of a second, so that the following statements run within one second.
     static void awaitFreshSecond()
     {
         const std::time_t now = std::time(nullptr);
@@ -78,7 +78,7 @@ TEST_F(ErrorLogTest, entryIsWrittenToTheByte)
 {
     std::string before;
     std::string after;
-    do { // until both times agree, so that the line is known
+    do { // repeat until both times agree
         FileUtils::removePath(log());
         before = Library::getTimeNowString();
         ErrorLog() << "Failed To Download File:  " << fileString("Doors.orvlib")
@@ -243,7 +243,7 @@ TEST_F(ErrorLogTest, clearingAMissingLogDoesNothing)
 
 TEST_F(ErrorLogTest, failureToDeleteAStaleLogIsNotReported)
 {
-    mkdir(log().toNativeString().c_str(), 0755); // a folder is never removed as a file
+    mkdir(log().toNativeString().c_str(), 0755); // a folder is never removed as if it were a file
     setAge(604801);
     EXPECT_NO_THROW(ErrorLog::clear());
     EXPECT_TRUE(log().pathExists());

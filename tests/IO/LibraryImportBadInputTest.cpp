@@ -1,4 +1,4 @@
-// Damaged archives, bad addresses and bad disks, through the functions that import libraries.
+// Damaged archives, invalid addresses and failing disks, through the functions that import libraries.
 #include "OrvLibrary/IO/LibraryImport.h"
 
 #include <filesystem>
@@ -30,7 +30,7 @@ using Contents = std::vector<std::pair<std::string, std::string>>;
 
 constexpr std::size_t kPlaces = 200;
 
-/// Every test works in one folder beside a tree that nothing may touch.
+/// Every test works in one folder. The files beside it must stay unchanged.
 class LibraryImportBadInputTest : public testing::Test
 {
 protected:
@@ -60,7 +60,7 @@ protected:
         return fs::exists(folder) ? test::listTree(folder) : std::vector<std::string>();
     }
 
-    /// Unpacks what must not be taken for an archive.
+    /// Expects that `unpack` refuses these bytes.
     void expectRefused(const std::string& archive, const std::string& what)
     {
         const fileString path = mFolder.write("work/Kitchen.orvlibz", archive);
@@ -71,8 +71,8 @@ protected:
         }
     }
 
-    /// Unpacks to temporary names, and removes what came out.
-    /// @return the database and the referenced files; nothing when the archive was refused
+    /// Unpacks to temporary names and removes the resulting files.
+    /// @return the database and the referenced files; none if the archive was refused
     std::optional<std::pair<std::string, Contents>> unpacked(const std::string& archive)
     {
         try {
@@ -91,7 +91,7 @@ protected:
         }
     }
 
-    /// Merges one archive into another; whatever happens, the new one is consumed and nothing else is left.
+    /// Merges one archive into another. In any case the new archive is consumed and no other file is left.
     bool merge(const std::string& extracted, const std::string& old)
     {
         mFolder.write("textures/Kitchen.zip", old);
@@ -114,7 +114,7 @@ protected:
     std::shared_ptr<test::RecordingProgress> mProgress = std::make_shared<test::RecordingProgress>();
 };
 
-/// So many places of a text, from its first byte to its last.
+/// Positions in a text, spread evenly from its first byte to its last.
 std::vector<std::size_t> places(const std::string& text)
 {
     std::vector<std::size_t> found;
@@ -264,7 +264,7 @@ TEST_F(LibraryImportBadInputTest, extractedArchiveThatIsNoFileFails)
     const fileString folder = mFolder.file("work/folder.zip");
     fs::create_directories(folder.toNativeString());
     EXPECT_FALSE(LibraryImport::moveArchivedTextures(folder, destination(), mProgress));
-    EXPECT_TRUE(folder.pathExists()); // a folder is nobody's extracted archive
+    EXPECT_TRUE(folder.pathExists()); // a folder is not an extracted archive
     mOld.write(mFolder, "textures/Kitchen.zip");
     EXPECT_FALSE(LibraryImport::moveArchivedTextures(folder, destination(), mProgress));
     EXPECT_TRUE(test::readFile(destination()) == mOld.bytes());
@@ -318,7 +318,7 @@ TEST_F(LibraryImportBadInputTest, fullDiskLeavesTheOldArchiveAndNoPieces)
             return test::listTree(mFolder.file("disk").toNativeString()).size() == 3 ? 0 : 4;
         },
         reason);
-    if (!end) // only the superuser may mount a disk that is full soon
+    if (!end) // only the superuser may mount a small disk
         GTEST_SKIP() << reason;
     EXPECT_EQ(end->status, 0);
 }

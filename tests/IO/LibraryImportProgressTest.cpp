@@ -1,4 +1,4 @@
-// Imports that are watched and cancelled, and files that they leave alone.
+// Imports that report progress and are cancelled, and files that imports leave unchanged.
 #include <chrono>
 #include <filesystem>
 #include <stdexcept>
@@ -40,7 +40,7 @@ using Contents = std::vector<std::pair<std::string, std::string>>;
 class LibraryImportProgressTest : public testing::Test
 {
 protected:
-    /// A database of 20 MB and pictures of 30 MB in all.
+    /// A database of 20 MB and pictures of 30 MB together.
     fileString writeLarge()
     {
         mKitchen.add("Kitchen.orvlib", test::sampleBytes(20 << 20, 1));
@@ -69,7 +69,7 @@ protected:
     std::shared_ptr<RecordingProgress> mProgress = std::make_shared<RecordingProgress>();
 };
 
-/// Holds the lock that another program would hold on a file.
+/// Holds a lock on a file as another program would.
 class ForeignLock
 {
 public:
@@ -122,7 +122,7 @@ TEST_F(LibraryImportProgressTest, cancelAtEveryQuestionLeavesNothing)
         EXPECT_EQ(progress->checks(), when);
         EXPECT_THAT(temporaryFiles(), IsEmpty());
     }
-    EXPECT_GE(cancelled, 14); // at each of 11 members, and in between
+    EXPECT_GE(cancelled, 14); // at each of 11 members and in between
 }
 
 TEST_F(LibraryImportProgressTest, cancelledMergeChangesNothingAndSaysSo)
@@ -145,7 +145,7 @@ TEST_F(LibraryImportProgressTest, cancelWinsOverDamage)
     mKitchen.add("bad.jpg", "tile").checksum = 1;
     mKitchen.add("Kitchen.orvlib", "the database");
     const fileString archive = mKitchen.write(mFolder, "Kitchen.orvlibz");
-    for (int when = 1; when <= 3; ++when) { // the third time, after the damage was found
+    for (int when = 1; when <= 3; ++when) { // at the third check the damage is known
         const auto progress = std::make_shared<RecordingProgress>();
         progress->isCancelled = [when](int check) { return check >= when; };
         EXPECT_EQ(LibraryImport::unpack(archive, true, progress), UnpackResult()) << when;
@@ -212,7 +212,7 @@ TEST_F(LibraryImportProgressTest, readOnlyFilesBesideStayAndCountAsNotFound)
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(LibraryImport::unpack(archive, false, nullptr), UnpackResult());
     EXPECT_LT(std::chrono::steady_clock::now() - start,
-              std::chrono::seconds(4)); // asked once, not 20,000 times
+              std::chrono::seconds(4)); // one check, not 20,000
     mKitchen.add("Kitchen.orvlib", "new");
     mKitchen.write(mFolder, "Kitchen.orvlibz");
     EXPECT_EQ(LibraryImport::unpack(archive, false, nullptr), UnpackResult());
@@ -230,7 +230,8 @@ TEST_F(LibraryImportProgressTest, lockedFileBesideIsWaitedForOnce)
     const ForeignLock lock(textures);
     const auto start = std::chrono::steady_clock::now();
     const UnpackResult result = LibraryImport::unpack(archive, false, nullptr);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(9)); // five, not forty
+    EXPECT_LT(std::chrono::steady_clock::now() - start,
+              std::chrono::seconds(9)); // 5, not 40
     EXPECT_TRUE(result.first.first);
     EXPECT_EQ(result.second, FoundFile());
     EXPECT_EQ(test::readFile(textures), ArchiveBuilder().bytes());

@@ -1,4 +1,4 @@
-// Texture archives: their place, the merge, and that a failure loses nothing.
+// Texture archives: where they are stored, how they are merged, and that a failure loses nothing.
 #include "OrvLibrary/IO/LibraryImport.h"
 
 #include <filesystem>
@@ -27,7 +27,7 @@ namespace {
 
 using Contents = std::vector<std::pair<std::string, std::string>>;
 
-/// Does something whenever a member is told.
+/// Runs an action for each member that progress is reported for.
 class AtEachStep : public test::RecordingProgress
 {
 public:

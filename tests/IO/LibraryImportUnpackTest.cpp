@@ -1,4 +1,4 @@
-// Unpacking: results, guards, progress, cancel, and the ways out of failures.
+// Unpacking: results, guards, progress, cancel, and failures.
 #include "OrvLibrary/IO/LibraryImport.h"
 
 #include <filesystem>
@@ -45,7 +45,7 @@ protected:
     std::shared_ptr<test::RecordingProgress> mProgress = std::make_shared<test::RecordingProgress>();
 };
 
-/// A download service whose answers the test decides.
+/// A download service whose responses the test sets.
 class FakeCurl : public test::DeadCurl
 {
 public:
@@ -225,7 +225,7 @@ TEST_F(LibraryImportUnpackTest, cancelAtAnyMemberLeavesNothing)
 
 TEST_F(LibraryImportUnpackTest, databasesOfEverySizeComeOutWhole)
 {
-    // Small ones come out through memory, large ones through the pages of the file, stored ones in pieces.
+    // Small members are unpacked in memory, large ones through the pages of the file, stored ones in pieces.
     for (const std::size_t size : {0U, 300000U, 9U << 20U}) {
         const std::string database = test::sampleBytes(size, 3);
         for (const int method : {ArchiveMember::kStored, ArchiveMember::kDeflated}) {

@@ -11,7 +11,7 @@
 
 namespace test {
 
-/// A host without a manufacturer file, and no manager from before.
+/// A host without a manufacturer file. No manager exists at the start.
 class ManufacturerFixture : public testing::Test
 {
 protected:
@@ -25,7 +25,7 @@ protected:
     static ptime time(const std::string& text) { return Library::fromString(text); }
     static ptime earliest() { return ptime(boost::date_time::min_date_time); }
 
-    /// A record that is told apart by its name.
+    /// A record with this name.
     static Manufacturer named(const std::string& name, const std::string& lastModified = "20200101T000000",
                               const std::string& logo = "")
     {
@@ -34,7 +34,7 @@ protected:
 
     fileString dataFile() const { return mHost.folder().file("manufacturer-data/manufacturer_data.json"); }
     void writeDataFile(const std::string& content) { writeFile(dataFile().toNativeString(), content); }
-    /// The names in the manager's table by id.
+    /// The names in the manager's table, ordered by id.
     static std::string names()
     {
         std::string text;

@@ -1,4 +1,5 @@
-// A host whose services throw: the manager's operations end quietly, with the old table or the new one.
+// The host's services throw. The operations of the manager must still end normally, with the old table or the
+// new one.
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 
 #include "tests/Manufacturer/ManufacturerFixture.h"
@@ -38,7 +39,7 @@ TEST_F(ManufacturerManagerFault, aRefreshEndsQuietlyWhicheverCallThrows)
     const auto refresh = [&] {
         manager().checkForManufacturerUpdates(server.url("/data"), server.url("/logo?x=1"));
     };
-    // The first round, in which nothing throws, counts the calls.
+    // In the first round nothing throws; it counts the calls.
     std::size_t calls = 0;
     for (std::size_t call = 0; call <= calls; ++call) {
         SCOPED_TRACE(call);

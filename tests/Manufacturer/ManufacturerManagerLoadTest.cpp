@@ -22,7 +22,7 @@ protected:
         mText = "old text";
     }
 
-    /// Reads a file of this content into outputs that hold something.
+    /// Reads a file with this content into outputs that are not empty.
     bool read(const std::string& content)
     {
         return ManufacturerManager::read_manufacturer_file(mHost.folder().write("m.json", content), mTable,

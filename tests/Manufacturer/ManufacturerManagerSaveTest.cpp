@@ -12,7 +12,7 @@ namespace {
 class ManufacturerManagerSave : public test::ManufacturerFixture
 {
 protected:
-    /// The data file with the times of writing taken out.
+    /// The data file without the times of writing.
     std::string written() const
     {
         std::string text = test::readFile(dataFile());
@@ -20,7 +20,7 @@ protected:
         return text.replace(at, text.find('"', at) - at, "NOW");
     }
 
-    /// The file's own time.
+    /// The time stored in the file.
     ptime stamp() const
     {
         Table table;

@@ -1,4 +1,4 @@
-// The refresh, against a real server.
+// The refresh against a real server.
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
 
 #include <stdexcept>
@@ -41,7 +41,7 @@ constexpr char kNewer[] = "20220101T000000";
 class ManufacturerManagerUpdate : public test::ManufacturerFixture
 {
 protected:
-    /// What the manager holds before the refresh.
+    /// Sets the manager's records before the refresh.
     void have(const std::string& records)
     {
         writeDataFile(document(kNow, records));
@@ -63,7 +63,7 @@ protected:
         manager().checkForManufacturerUpdates(mServer.url("/data?y=2"), mServer.url("/logo?x=1"));
     }
 
-    /// The logos asked for, in order.
+    /// The logos that the manager requested, in order.
     std::vector<std::string> askedLogos() const
     {
         std::vector<std::string> logos;
@@ -283,7 +283,7 @@ TEST_F(ManufacturerManagerUpdate, anOldLogoThatAnotherRecordNamesStays)
     EXPECT_THAT(files(), UnorderedElementsAre("manufacturer_data.json", "common.png"));
 }
 
-/// Serves nothing, but keeps the address of the data and whether something stood in its file's place.
+/// Fails every download, but records the address of the data and whether the target existed before.
 class WatchingCurl : public test::DeadCurl
 {
 public:
@@ -310,7 +310,7 @@ TEST_F(ManufacturerManagerUpdate, theDataIsAskedForInWindows1252AfterAFormerFile
     EXPECT_FALSE(service.mFoundFormer);
 }
 
-/// Serves the data and every logo but one, for which it throws.
+/// Serves the data and every logo except one, for which it throws.
 class ThrowingCurl : public test::DeadCurl
 {
 public:
@@ -378,7 +378,8 @@ TEST_F(ManufacturerManagerUpdate, hostileLogoNamesTouchNothing)
     mServer.otherwise([](const test::FaultRequest&) { return FaultReply::ok("hostile"); });
     for (const std::string& name : names) {
         have(record(1, "one", kOlder, "kept.png") + record(2, "two", kOlder, name));
-        // A bad name takes nothing away, and what it names is not deleted when a good one comes.
+        // A bad logo name changes nothing else. When a good name follows, the file of the bad name is not
+        // deleted.
         serve(kNewer, record(1, "ONE", kNewer, name) + record(3, "three", kNewer, name) +
                           record(2, "TWO", kNewer, "two.png"));
         refresh();

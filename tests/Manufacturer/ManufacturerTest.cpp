@@ -80,7 +80,7 @@ TEST_F(ManufacturerRecord, movedFromRecordStillHasATime)
     Manufacturer original = sample();
     const Manufacturer moved = std::move(original);
     EXPECT_TRUE(moved == sample());
-    // A host may use a record on after moving it away: it must still be one, with a time of its own.
+    // A host may reuse a moved-from record, so it must still have a time of its own.
     original.setLastModified(Library::fromString("20300101T000000")); // NOLINT(bugprone-use-after-move)
     EXPECT_EQ(original.getLastModified(), Library::fromString("20300101T000000"));
     EXPECT_EQ(moved.getLastModified(), kTime);

@@ -14,7 +14,7 @@ constexpr unsigned long bit(int category)
     return 1UL << category;
 }
 
-/// Everything differs from the defaults.
+/// An Info in which every value differs from the default.
 Info fullInfo()
 {
     Info info(bit(3) | bit(9));

@@ -1,4 +1,4 @@
-// A host may declare the meta types that queued calls carry; the library must not mind, whoever comes first.
+// A host may register the meta types of queued calls itself, before or after the library does.
 #include <string>
 
 #include <QCoreApplication>

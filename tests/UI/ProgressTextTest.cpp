@@ -17,7 +17,7 @@ using testing::SizeIs;
 
 namespace {
 
-// A progress text under a receiver of its labels. Its slots are called as the producers do, by name.
+// A progress text below a receiver of its labels. The tests call its slots by name, as the producers do.
 class ProgressTextTest : public testing::Test
 {
 protected:
@@ -92,7 +92,7 @@ TEST_F(ProgressTextTest, percentageWrapsInThirtyTwoBits)
     make(2);
     show(21474836, 21474837);
     EXPECT_EQ(range(), "99 percent");
-    // 21474837 * 100 is 2^31 + 52, which as a signed number of 32 bits is -2147483596.
+    // 21474837 * 100 is 2^31 + 52, which is -2147483596 as a signed number of 32 bits.
     show(21474837, 21474837);
     EXPECT_EQ(range(), "-99 percent");
     show(std::numeric_limits<int>::max(), std::numeric_limits<int>::max());

@@ -31,7 +31,7 @@ TreeFolderData folder(const std::string& name)
     return TreeFolderData(1, kPath, name);
 }
 
-// The smallest node that a host could derive; its text is not the one that it was given.
+// The smallest node that a host could derive. Its text differs from the text it was given.
 class ShoutingItem : public TreeItemData
 {
 public:
@@ -158,7 +158,7 @@ TEST(TreeData, orderFollowsATextThatTheModelChangesPastTheNode)
     for (const char* name : {"a", "m"})
         model.appendRow(new TreeItemData(1, kPath, name));
     ASSERT_EQ(sortedNames(model), QStringList({"a", "m"}));
-    // Neither of them calls the node's own setData.
+    // These functions do not call the node's setData.
     ASSERT_TRUE(model.setItemData(model.index(0, 0), {{Qt::DisplayRole, "z"}}));
     EXPECT_EQ(sortedNames(model), QStringList({"m", "z"}));
     ASSERT_TRUE(model.clearItemData(model.index(1, 0)));

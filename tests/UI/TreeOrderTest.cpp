@@ -1,4 +1,4 @@
-// The tree order must be a strict weak order whatever the names are, or sorting a model is undefined.
+// The tree order must be a strict weak order for all names, because sorting is undefined otherwise.
 #include <algorithm>
 #include <memory>
 #include <random>
@@ -23,9 +23,9 @@ const fileString kPath("/catalogs/Doors.orvlib");
 constexpr int kNodes = 60;
 constexpr int kRounds = 3;
 
-// Pieces that name orders trip over: letter cases, accents whole and combined, digit runs, leading zeros,
-// ligatures, other alphabets, right-to-left text, digits of other scripts, blanks, punctuation, characters
-// beyond the base plane, and bytes that are no UTF-8.
+// Parts of names that are difficult to order: letter cases, accents as one or two characters, digit runs,
+// leading zeros, ligatures, other alphabets, right-to-left text, digits of other scripts, white space,
+// punctuation, characters beyond the base plane, and bytes that are not UTF-8.
 const char* const kPieces[] = {"a",
                                "A",
                                "b",
@@ -132,7 +132,7 @@ void expectStrictWeakOrder(const Nodes& nodes)
     }
 }
 
-// The operator must say what the plain comparison of the names says, however it comes to its answer.
+// The operator must give the same results as the plain comparison of the names.
 void expectOrderOfTheNames(const Nodes& nodes)
 {
     for (const auto& left : nodes) {

@@ -14,7 +14,7 @@
 
 namespace test {
 
-/// A host whose numbered texts name their arguments, installed for the life of the object.
+/// A host with texts for tests, installed until the destructor.
 class UiHost : private StringTable
 {
 public:
@@ -35,7 +35,7 @@ private:
     StringTable* mFormerTable;
 };
 
-/// Records the assertions that fail during its life, as expression texts.
+/// Records the expressions of the assertions that fail until the destructor.
 class AssertionRecorder
 {
 public:
@@ -51,7 +51,7 @@ private:
     AssertHandler mFormer;
 };
 
-/// What a progress text asks of its parent: records the texts that it is told, oldest first.
+/// The parent object that a progress text expects. It records the texts that it receives, oldest first.
 class LabelReceiver : public QObject
 {
     Q_OBJECT

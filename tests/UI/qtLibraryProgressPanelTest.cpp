@@ -44,7 +44,7 @@ protected:
         ASSERT_TRUE(QMetaObject::invokeMethod(panel, slot, Qt::QueuedConnection, arguments...)) << slot;
     }
 
-    // Every hop of a call is a posted event of its own.
+    // Each step of a call is a separate posted event, so several rounds are needed.
     void settle()
     {
         for (int hop = 0; hop < 4; ++hop)

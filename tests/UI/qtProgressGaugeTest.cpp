@@ -13,7 +13,7 @@
 
 namespace {
 
-// Counts the releases that reach the parent of the gauge.
+// Counts the mouse releases that reach the parent of the gauge.
 class ReleaseCounter : public QWidget
 {
 public:

@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Texts of the test's own, for the life of a block; counts how often it is asked.
+/// Installs test texts until the destructor and counts the calls.
 class Texts : public StringTable
 {
 public:

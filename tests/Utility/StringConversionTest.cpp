@@ -25,13 +25,13 @@ TEST(StringConversionToWindows1252, convertsByItsFixedRule)
         {"\xC4\x80", std::string(1, '\0')}, // U+0100 keeps its low eight bits
         {"\xCE\xA9", "\xA9"},               // U+03A9
         {"\xDF\xBF", "\xFF"},               // U+07FF
-        {"\xC0\xAF", "\x2F"},               // over-long
-        {"\xE2\x82\xAC", ""},               // three bytes vanish
-        {"x\xF0\x9F\x8F\xA0y", "xy"},       // four bytes vanish
-        {"\xC3", ""},                       // a lead at the end
-        {"\xC3z", "z"},                     // a lead without a continuation
-        {"\xC3\xC3\xA9", "\xE9"},           // the second lead is looked at again
-        {"\x80\xBF", ""},                   // stray continuations
+        {"\xC0\xAF", "\x2F"},               // overlong
+        {"\xE2\x82\xAC", ""},               // three-byte characters are dropped
+        {"x\xF0\x9F\x8F\xA0y", "xy"},       // four-byte characters are dropped
+        {"\xC3", ""},                       // a lead byte at the end
+        {"\xC3z", "z"},                     // a lead byte without a continuation byte
+        {"\xC3\xC3\xA9", "\xE9"},           // the second lead byte starts a character
+        {"\x80\xBF", ""},                   // continuation bytes without a lead byte
         {"\xE2\xC3\xA9", "\xE9"},           // after a dropped byte
         {"\xFF\xFE\xC3\xA9", "\xE9"},
         {"Gr\xC3\xB6\xC3\x9F"

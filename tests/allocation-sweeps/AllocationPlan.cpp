@@ -18,7 +18,7 @@
 
 namespace {
 
-/// Where a module's code lies in memory.
+/// The address range of a module's code.
 struct CodeRange
 {
     std::uintptr_t begin = 0;
@@ -60,7 +60,7 @@ const Modules& modules()
     return sModules;
 }
 
-/// The search for who asks: the first frame beyond `operator new` that is not the standard library's.
+/// Searches the call stack for the caller: the first frame above `operator new` outside the standard library.
 struct Search
 {
     int depth = 0;
@@ -70,7 +70,7 @@ struct Search
 _Unwind_Reason_Code visit(_Unwind_Context* context, void* data)
 {
     Search& search = *static_cast<Search*>(data);
-    constexpr int kOwnFrames = 3; // this search, `enter`, and `operator new` or `pthread_create`
+    constexpr int kOwnFrames = 3; // this function, `enter`, and `operator new` or `pthread_create`
     if (++search.depth <= kOwnFrames)
         return _URC_NO_REASON;
     const std::uintptr_t address = _Unwind_GetIP(context) - 1;
@@ -94,7 +94,7 @@ constexpr std::size_t indexOf(CountedThread thread)
     return static_cast<std::size_t>(thread);
 }
 
-/// What the running thread is to the plan.
+/// Whether and how the plan counts the current thread.
 struct Part
 {
     bool counts = false;
@@ -108,19 +108,19 @@ std::atomic<CountedThread> failingThread{CountedThread::Caller};
 std::atomic<std::size_t> failing{0};
 std::array<std::atomic<std::size_t>, 2> counted{};
 
-/// Whether this allocation fails.
+/// Counts this allocation and returns whether it must fail.
 [[gnu::noinline]] bool enter()
 {
     if (!tPart.counts || !planned)
         return false;
-    tPart.counts = false; // what the search itself allocates does not count
+    tPart.counts = false; // allocations of the stack walk do not count
     const bool isFailure = (countsAll || isAskedByUs()) && ++counted[indexOf(tPart.thread)] == failing &&
                            tPart.thread == failingThread;
     tPart.counts = true;
     return isFailure;
 }
 
-std::mutex helperMutex; ///< guards what follows
+std::mutex helperMutex; ///< guards the variables below
 std::condition_variable helpersChanged;
 int helpers = 0;
 
@@ -133,7 +133,7 @@ void addHelpers(int count)
 
 using Routine = void* (*)(void*);
 
-/// What a helper is to run.
+/// The function and argument of a new helper thread.
 struct Start
 {
     Routine routine;
@@ -152,7 +152,7 @@ void* runHelper(void* data)
 
 } // namespace
 
-/// Stands before the system's own, for the standard library too.
+/// Takes precedence over the system's function, also for calls of the standard library.
 extern "C" [[gnu::noinline]] int pthread_create(pthread_t* thread, const pthread_attr_t* attributes,
                                                 Routine routine, void* argument)
 {
@@ -191,8 +191,8 @@ void operator delete(void* memory, std::size_t) noexcept
     std::free(memory);
 }
 
-/// Asked by the leak sanitizer, which must see it. Qt copies the arguments of a queued call one by one, and
-/// where there is no memory for one of them it loses those before it.
+/// The leak sanitizer calls this function, so it must be exported. Qt copies the arguments of a queued call
+/// one by one. If an allocation fails there, Qt leaks the copies made before.
 extern "C" [[gnu::visibility("default")]] const char* __lsan_default_suppressions();
 const char* __lsan_default_suppressions()
 {

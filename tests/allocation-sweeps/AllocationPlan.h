@@ -4,27 +4,26 @@
 
 namespace test {
 
-/// The threads that a plan counts, each for itself.
+/// The kinds of threads that a plan counts separately.
 enum class CountedThread
 {
-    Caller, ///< the one that `CountedAllocations` was made on
-    Helper  ///< those that it started meanwhile, all together
+    Caller, ///< the thread on which `CountedAllocations` was made
+    Helper  ///< all threads started by the caller
 };
 
-/// Counts what the threads' code allocates with `operator new` while it lives, and lets one allocation fail
-/// with `std::bad_alloc`. The start of a thread, which needs memory too, counts as one, and fails as the
-/// system lets it fail. One at a time for the whole process: it may be made on one thread and the counting be
-/// switched on on another.
+/// Counts the allocations with `operator new` until the destructor and makes one of them fail with
+/// `std::bad_alloc`. Starting a thread counts as an allocation too and fails as in the system. Only one plan
+/// may exist per process. It may be made on another thread than the one whose allocations count.
 class AllocationPlan
 {
 public:
     enum class Whose
     {
-        Ours,      ///< of this program's own code, made by itself or by the standard library for it
-        Everybodys ///< also those of Qt and other libraries
+        Ours,      ///< allocations by this program's code, directly or through the standard library
+        Everybodys ///< also allocations by Qt and other libraries
     };
 
-    /// @param failing the allocation that fails, counted from 1; 0 for none
+    /// @param failing the number of the allocation that fails, from 1; 0 for none
     explicit AllocationPlan(std::size_t failing, Whose whose = Whose::Ours,
                             CountedThread thread = CountedThread::Caller);
     ~AllocationPlan();
@@ -33,14 +32,13 @@ public:
 
     /// How many allocations were counted.
     std::size_t count(CountedThread thread = CountedThread::Caller) const;
-    /// Whether the allocation was reached.
+    /// Whether the failing allocation has happened.
     bool hasFailed() const;
-    /// Waits until every helper has ended.
+    /// Waits until all helper threads have ended.
     static void waitForHelpers();
 };
 
-/// Lets the allocations of the calling thread, and of those it starts, count from here to the end of the
-/// block.
+/// Counts the allocations of the calling thread and of the threads that it starts, until the destructor.
 class CountedAllocations
 {
 public:

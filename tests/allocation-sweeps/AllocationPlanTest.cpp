@@ -1,4 +1,4 @@
-// The plan counts what it is to count.
+// The plan counts the allocations that it should.
 #include "tests/allocation-sweeps/AllocationPlan.h"
 
 #include <new>
@@ -24,7 +24,7 @@ void allocateThrice()
     const std::string copy(text);
 }
 
-/// Allocates on a thread of its own, and says whether that failed.
+/// Allocates on a new thread. Returns whether the allocation failed.
 bool failsOnAThread()
 {
     bool hasFailed = false;

@@ -18,7 +18,7 @@ namespace {
 constexpr std::size_t kCut = 25;
 constexpr std::size_t kHelperCut = 5;
 
-/// Stamps that differ from run to run do not count.
+/// Replaces time stamps, which differ between runs.
 std::string comparable(const std::string& name, const std::string& content)
 {
     if (std::filesystem::path(name).extension() != ".json")
@@ -121,7 +121,7 @@ bool AllocationScenario::fail(std::size_t number, CountedThread thread)
 void AllocationScenario::sweep()
 {
     reset();
-    run(); // first uses
+    run(); // initialises what is created at first use
     reset();
     mOld = tree();
     const std::size_t callerCount = count(CountedThread::Caller);
@@ -146,8 +146,8 @@ void AllocationScenario::sweepCaller(std::size_t count)
     testing::Test::RecordProperty("allocations", static_cast<int>(count));
 }
 
-/// How many allocations helpers make, and so whether one is reached, depends on the time that they get: each
-/// is tried again until it is.
+/// The number of allocations on helper threads depends on timing, and so does whether a given allocation
+/// happens. Each is retried until it happens.
 void AllocationScenario::sweepHelpers()
 {
     std::size_t most = 0;

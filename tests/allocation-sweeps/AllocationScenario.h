@@ -9,33 +9,33 @@
 
 namespace test {
 
-/// Every name below the host's root with its content; folders end with "/" and have none.
+/// Every name below the host's root with its content. Names of folders end with "/" and have no content.
 using FileTree = std::map<std::string, std::string>;
 
-/// One operation whose allocations fail, one after the other. After each the files are old or new, nothing
-/// else is there, and the operation done again ends as if nothing had happened.
+/// One operation whose allocations fail one after the other. After each failure every file must be old or
+/// new, no other files may exist, and repeating the operation must give the same result as without a failure.
 class AllocationScenario
 {
 public:
     explicit AllocationScenario(ScopedHost& host) : mHost(host) {}
     virtual ~AllocationScenario() = default;
 
-    /// Writes the old state into the host's folders, which are empty.
+    /// Writes the old state into the empty folders of the host.
     virtual void prepare() {}
-    /// Puts back what an operation takes away, before it is done again.
+    /// Restores the files that the operation consumes, before it is repeated.
     virtual void putBack() {}
-    /// The operation; what is to fail is done under `CountedAllocations`.
+    /// Runs the operation. Only allocations under `CountedAllocations` fail.
     virtual void act() = 0;
-    /// Whether the operation may tell of the failure by an exception, as its contract says.
+    /// Whether the contract of the operation allows it to throw after a failure.
     virtual bool mayThrow() const { return false; }
-    /// Whether the file may be missing, or hold neither its old nor its new content, after a failure.
+    /// Whether this file may be missing or have other content after a failure.
     virtual bool isExcepted(const std::string&) const { return false; }
-    /// Whether what a failure left out of the file stays out.
+    /// Whether content that is missing from this file after a failure may stay missing.
     virtual bool mayStayOut(const std::string&) const { return false; }
-    /// Whether the operation starts threads of its own.
+    /// Whether the operation starts threads.
     virtual bool hasHelpers() const { return false; }
 
-    /// Sweeps a cut of the allocations, or all, those of the threads that it starts too.
+    /// Makes some or all of the allocations fail, also those on the threads that the operation starts.
     void sweep();
 
 protected:
@@ -45,11 +45,11 @@ private:
     FileTree tree() const;
     void reset();
     void run();
-    /// One undisturbed operation.
-    /// @return how many allocations those threads made
+    /// Runs the operation without a failure.
+    /// @return the number of allocations on threads of this kind
     std::size_t count(CountedThread thread);
-    /// One operation with that failure, and what must hold then.
-    /// @return whether it came to the failure
+    /// Runs the operation with this failure and checks the result.
+    /// @return whether the failure happened
     bool fail(std::size_t number, CountedThread thread);
     void sweepCaller(std::size_t count);
     void sweepHelpers();
@@ -59,7 +59,7 @@ private:
     ScopedHost& mHost;
     FileTree mOld;
     FileTree mNew;
-    FileTree mNewTwice; ///< after two undisturbed operations
+    FileTree mNewTwice; ///< after two operations without failures
 };
 
 } // namespace test

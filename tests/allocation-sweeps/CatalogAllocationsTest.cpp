@@ -1,4 +1,4 @@
-// Parts of an update without memory, at places that the cut through a whole update may pass by.
+// Failing allocations in those parts of an update that the sweep over a whole update may skip.
 #include <cstdio>
 #include <optional>
 
@@ -21,13 +21,13 @@ using test::CountedAllocations;
 
 namespace {
 
-/// Core-only runs whose allocations count from one call of a host service on.
+/// Core-only runs. Allocations count from a given call of a host service on.
 class CatalogAllocations : public test::CatalogTest
 {
 protected:
     CatalogAllocations() { mArguments.coreOnly = true; }
 
-    /// Makes everything as it was before the first run.
+    /// Restores the state before the first run.
     void startAnew()
     {
         mRecorder = std::make_unique<test::SlotRecorder>();
@@ -44,7 +44,7 @@ protected:
         mServices.calls().reset();
     }
 
-    /// The number of the host service's call that is the `times`-th of that operation in a run.
+    /// The number of the call of a host service that is call number `times` of this operation in a run.
     std::size_t callOf(const std::string& operation, std::size_t times)
     {
         const std::vector<std::string> operations = mServices.calls().operations();
@@ -56,8 +56,8 @@ protected:
         return 0;
     }
 
-    /// A run whose allocations count from one call to another, or to the run's end.
-    /// @return whether the planned one was reached
+    /// Runs an update whose allocations count from one call to another, or to the end of the run.
+    /// @return whether the failing allocation happened
     bool runWithout(std::size_t failing, std::size_t from, std::size_t to = 0)
     {
         startAnew();
@@ -74,7 +74,7 @@ protected:
     }
 
     test::ForwardingServices mServices;
-    std::string mServed; ///< what the service has for each catalog; empty for what is installed
+    std::string mServed; ///< the content of each catalog on the service; empty: the installed content
 };
 
 } // namespace
@@ -85,7 +85,7 @@ TEST_F(CatalogAllocations, theListOfFilesToHashIsNoCondition)
     run();
     ASSERT_EQ(result(), kResultCurrent);
     const auto headers = mCurl.requestHeaders;
-    const std::size_t from = callOf("StringTable::text", 2); // all that is loaded before the list is made
+    const std::size_t from = callOf("StringTable::text", 2); // everything is loaded before the list is made
     std::size_t harmless = 0;
     for (std::size_t failing = 1; runWithout(failing, from, from + 1); ++failing) {
         SCOPED_TRACE(failing);
@@ -109,7 +109,7 @@ TEST_F(CatalogAllocations, theEndIsToldWithoutTheNamesWhereThereIsNoMemoryForThe
     const UpdateData whole = *mRecorder->closingData();
     ASSERT_EQ(whole.result, kResultUpdated);
     ASSERT_EQ(whole.updatedCatalogs.size(), 3u);
-    const std::size_t from = callOf("PrefSet::setPref", 1); // the last one of a run
+    const std::size_t from = callOf("PrefSet::setPref", 1); // the last call of a run
     std::size_t nameless = 0;
     for (std::size_t failing = 1; runWithout(failing, from); ++failing) {
         SCOPED_TRACE(failing);
@@ -135,7 +135,7 @@ TEST_F(CatalogAllocations, everyFileHasItsHashOrItsCallerIsTold)
         files.push_back(installed("core/" + std::to_string(number) + ".orvlib", std::to_string(number)));
         expected.push_back(SHA1::fileContentsToSHA1Hex(files.back()));
     }
-    const test::NoMoreThreads none; // so that every allocation is this thread's
+    const test::NoMoreThreads none; // keeps all allocations on this thread
     std::size_t untold = 0;
     bool hasFailed = true;
     for (std::size_t failing = 1; hasFailed; ++failing) {

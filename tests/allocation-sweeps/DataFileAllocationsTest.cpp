@@ -1,4 +1,4 @@
-// Filters, manufacturers, JSON, hash files, preferences and the error log without memory.
+// Failing allocations in filters, manufacturers, JSON, hash files, preferences and the error log.
 #include <optional>
 
 #include <boost/date_time/posix_time/posix_time.hpp>
@@ -119,7 +119,7 @@ public:
         const CountedAllocations counted;
         ManufacturerManager::getManufacturerManager();
     }
-    bool mayThrow() const override { return true; } // there may be no memory for the instance
+    bool mayThrow() const override { return true; } // creating the instance may fail
 };
 
 class JsonRoundTrip : public AllocationScenario
@@ -166,7 +166,7 @@ public:
         }
         LibraryCatalogUpdate::saveCatalogHashMap(catalogs, Library::kCoreLibrary);
     }
-    bool mayThrow() const override { return true; } // caught by the run that it is a part of
+    bool mayThrow() const override { return true; } // the run catches it
 };
 
 class HashesAhead : public AllocationScenario
@@ -193,7 +193,7 @@ public:
         for (std::size_t i = 0; i < files.size(); ++i)
             EXPECT_EQ(hashes.hashOf(files[i]), expected[i]);
     }
-    bool mayThrow() const override { return true; } // caught by the run that it is a part of
+    bool mayThrow() const override { return true; } // the run catches it
 
 protected:
     virtual void beforeAsking() {}
@@ -225,10 +225,11 @@ public:
         host().prefs().setPrefAs<bool>(PrefId::kLastCoreUpdateHadError, true);
         host().prefs().getPrefAs<bool>(PrefId::kExcludeCoreContent);
     }
-    bool mayThrow() const override { return true; } // a service of the host's
+    bool mayThrow() const override { return true; } // it is a host service
 };
 
-/// The log is written in place, and is no part of the tree; a failure only must not leave it.
+/// The log is written in place and is not part of the compared tree. The test only checks that no failure
+/// escapes it.
 class LogEntry : public AllocationScenario
 {
 public:
@@ -241,7 +242,7 @@ public:
         const CountedAllocations counted;
         Library::ErrorLog() << "another entry, made without memory, with a number " << 5UL << "\n";
     }
-    bool mayThrow() const override { return true; } // while the text is put together
+    bool mayThrow() const override { return true; } // while the text is composed
 };
 
 class DataFileAllocations : public testing::Test

@@ -1,4 +1,4 @@
-// Archives and files without memory.
+// Failing allocations in archives and files.
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/IO/Base64.h"
@@ -34,7 +34,7 @@ test::ArchiveBuilder archive(unsigned seed)
     return builder;
 }
 
-/// So much that it is verified on threads of its own, whole and in pieces.
+/// Large enough to be verified on several threads, as whole members and in pieces.
 test::ArchiveBuilder largeArchive(unsigned seed)
 {
     constexpr std::size_t kMegabyte = 1U << 20U;
@@ -66,10 +66,10 @@ public:
         LibraryImport::unpack(host().folder().file("user/Kitchen.orvlibz"), false, mProgress);
     }
     bool mayThrow() const override { return true; }
-    /// Guarded before they are written; and what could not be copied is skipped.
+    /// The targets are checked before they are written, and members that cannot be copied are skipped.
     bool isExcepted(const std::string& name) const override { return name != "user/Kitchen.orvlibz"; }
-    /// The older archive beside it, or a part of it, is gone: what an undisturbed run adds to it is there
-    /// alone.
+    /// After a failure the older archive beside it may be gone or incomplete. The next run then adds its
+    /// members to what is left.
     bool mayStayOut(const std::string& name) const override { return name == "user/Kitchen.zip"; }
 
 private:
@@ -88,7 +88,7 @@ public:
         LibraryImport::moveArchivedTextures(host().folder().file("temp/extracted.zip"),
                                             host().folder().file("textures/Kitchen.zip"), mProgress);
     }
-    bool mayThrow() const override { return true; } // until it has begun
+    bool mayThrow() const override { return true; } // until the operation starts
     bool isExcepted(const std::string& name) const override { return name == "temp/extracted.zip"; }
 
 private:
@@ -162,8 +162,8 @@ public:
         SHA1::fileContentsToSHA1Hex(target);
         FileUtils::removeDirectoryAndFiles(host().folder().file("user/folder"), 1);
     }
-    bool mayThrow() const override { return true; } // services of the host's
-    /// What the operations in the middle make, and the last ones take away.
+    bool mayThrow() const override { return true; } // these are host services
+    /// The first operations create these files and the last ones remove them.
     bool isExcepted(const std::string& name) const override
     {
         return name == "user/third file with a long name" || name.rfind("user/folder/", 0) == 0;

@@ -1,4 +1,4 @@
-// The download service, and the refresh of the manufacturers, without memory.
+// Failing allocations in the download service and in the refresh of the manufacturers.
 #include <chrono>
 #include <string>
 #include <thread>
@@ -60,11 +60,11 @@ public:
         const CountedAllocations counted;
         Curl::get().download_to_location(url, target, headerLines, nullptr, goOn, reason, error);
     }
-    /// A failed download removes its target: the service's contract.
+    /// The contract of the service: a failed download removes its target.
     bool isExcepted(const std::string& name) const override { return name == "user/file"; }
 };
 
-/// From a service that is far.
+/// Downloads ahead from a far service.
 class DownloadsAhead : public ServiceScenario
 {
 public:
@@ -95,7 +95,7 @@ public:
         }
         Curl::get().prefetchDownloads({});
     }
-    /// A failed download removes its target: the service's contract.
+    /// The contract of the service: a failed download removes its target.
     bool isExcepted(const std::string& name) const override { return name.rfind("user/far", 0) == 0; }
 
 private:
@@ -108,7 +108,7 @@ class Requests : public ServiceScenario
 public:
     using ServiceScenario::ServiceScenario;
 
-    bool mayThrow() const override { return true; } // helpers around the service
+    bool mayThrow() const override { return true; } // helper functions around the service
 
     void act() override
     {
@@ -149,7 +149,8 @@ public:
         const CountedAllocations counted;
         manager.checkForManufacturerUpdates(data, logos);
     }
-    /// Removed before its successor arrives; a logo that failed stays out until its record changes.
+    /// The file is removed before its successor arrives. A logo whose download failed is fetched again only
+    /// when its record changes.
     bool isExcepted(const std::string& name) const override
     {
         return name == "manufacturer-data/old logo.png";
@@ -228,7 +229,7 @@ TEST_F(ServiceAllocations, theFirstRequestsOfAThreadLeaveTheNextOneWell)
                     for (const Curl::HeaderRequest& request : list)
                         Curl::get().getURLHeader(request.url, request.headerLines, text, status);
                 } catch (const std::bad_alloc&) {
-                    // The service is one of the host's, which may throw.
+                    // It is a host service, which may throw.
                 }
                 hasFailed = plan.hasFailed();
             }

@@ -1,4 +1,4 @@
-// A whole update, and the host object's side of it, without memory.
+// Failing allocations in a whole update, including the calls of the host object.
 #include <thread>
 
 #include <QEventLoop>
@@ -12,7 +12,7 @@ using test::CountedAllocations;
 
 namespace {
 
-/// One update whose worker is the thread that counts.
+/// Runs an update on the thread whose allocations count.
 std::size_t runUpdate(test::UpdateWorld& world, std::size_t failing)
 {
     const AllocationPlan plan(failing);

@@ -7,7 +7,7 @@
 
 namespace test {
 
-/// What a plain HTTP client gets, nothing smoothed over.
+/// A response exactly as a plain HTTP client receives it.
 struct ProbeAnswer
 {
     long status = 0;
@@ -15,11 +15,11 @@ struct ProbeAnswer
     WebUtils::HeaderMap headers;
     std::string body;
 
-    /// The only value of a header; empty when there is none or more than one.
+    /// The value of a header that occurs once; empty if it is missing or repeated.
     std::string header(const std::string& name) const;
 };
 
-/// Sends one request on a connection of its own; redirects are not followed.
+/// Sends one request on a new connection. Does not follow redirects.
 ProbeAnswer probe(const std::string& method, const std::string& url,
                   const std::vector<std::string>& headerLines = {});
 inline ProbeAnswer get(const std::string& url, const std::vector<std::string>& headerLines = {})
@@ -31,8 +31,8 @@ inline ProbeAnswer head(const std::string& url, const std::vector<std::string>& 
     return probe("HEAD", url, headerLines);
 }
 
-/// Sends these bytes as they are and returns all that comes until the server closes, or goes silent for
-/// 200 ms.
+/// Sends these bytes unchanged. Returns everything that arrives until the server closes the connection or
+/// sends nothing for 200 ms.
 std::string rawExchange(int port, const std::string& bytes);
 
 } // namespace test

@@ -1,5 +1,6 @@
-"""Every document can be reached, its links lead somewhere, and its code blocks are true: C++ and CMake are part of what is
-built, commands run as a reader would run them, examples of files are what the programs read and write."""
+"""Checks that every document can be reached and that its links have targets. Also checks the code blocks: C++
+and CMake are part of what is built, commands run as a reader would run them, and the programs read and write the
+example files."""
 import fnmatch
 import glob
 import json
@@ -17,9 +18,9 @@ from docs_support import Page, free_port, read
 
 PROGRAM, SOURCE, BUILD = sys.argv[1:4]
 CODE = {"cpp": (["examples", "apps", "OrvLibrary"], (".cpp", ".h")), "cmake": (["examples"], ("CMakeLists.txt",))}
-# Commands that build everything or measure for long: .ci/run runs them, with options of its own.
+# Commands that build everything or measure for a long time. .ci/run runs them with its own options.
 RUN_BY_CI = re.compile(r"(script/(demo|test)|cmake (--build )?--preset \w+|bench/[\w-]+ build/release)")
-# What changes the tree that it runs in: the target is there, more is not tried.
+# These commands change the tree that they run in. The test only checks that the target exists.
 RENEWS = re.compile(r"cmake --build build/dev --target (\w+)$")
 
 
@@ -37,7 +38,7 @@ class Documents(unittest.TestCase):
 
     def test_every_page_can_be_reached_from_the_index(self):
         pages = {page.name: page for page in documents()}
-        # The main page of the API pages and the manual's sources are no reading matter.
+        # The main page of the API pages and the sources of the manual are not documents for readers.
         wanted = {name for name in pages if name.startswith("docs/") and not name.startswith("docs/api/")}
         linked = {target for target in pages["docs/README.md"].links()}
         self.assertEqual(wanted - linked, {"docs/README.md"})
@@ -68,7 +69,8 @@ class Documents(unittest.TestCase):
 
 
 class Commands(unittest.TestCase):
-    """The sh blocks of a page run one after the other in one folder, which looks like a clone that was built."""
+    """Runs the sh blocks of a page one after the other in one folder, which looks like a clone that was
+    built."""
 
     def setUp(self):
         self.work = tempfile.mkdtemp(prefix="orv-docs-")
@@ -93,7 +95,7 @@ class Commands(unittest.TestCase):
             server.stdout.close()
 
     def serve(self, line):
-        """A command that runs until Control-C; returns once it says where it listens."""
+        """Starts a command that runs until Control-C. Returns after it has printed its address."""
         server = subprocess.Popen(["bash", "-c", "exec " + line], cwd=self.work, env=self.environment, text=True,
                                   stdout=subprocess.PIPE)
         self.servers.append(server)
@@ -111,7 +113,7 @@ class Commands(unittest.TestCase):
         if not here:
             return
         last = here.pop() if re.search(r"orv-library\"? serve ", here[-1]) else None
-        # What one block exports, the next one knows.
+        # Variables that one block exports stay set for the next block.
         kept = os.path.join(self.work, "environment")
         text = f"[ ! -e '{kept}' ] || . '{kept}'\n" + "\n".join(here) + f"\nexport -p >'{kept}'\n"
         result = subprocess.run(["bash", "-euc", text], cwd=self.work, env=self.environment, text=True, timeout=300,
@@ -143,7 +145,7 @@ class Commands(unittest.TestCase):
 
     @staticmethod
     def demo():
-        """What .ci/run runs by running the demo."""
+        """The commands that .ci/run covers by running the demo."""
         return read(os.path.join(SOURCE, "script", "demo"))
 
     def test_what_is_left_to_ci_is_run_there(self):
@@ -153,13 +155,14 @@ class Commands(unittest.TestCase):
                 for line in block.strip("\n").split("\n"):
                     command = RUN_BY_CI.match(line)
                     if command:
-                        # It measures in the packages' build folder, which has the options of the release preset.
+                        # .ci/run measures in the build folder of the packages, which has the options of the release
+                        # preset.
                         there = command[0].replace("release", "package")
                         self.assertRegex(ci + self.demo(), rf"(?m)^{re.escape(there)}\b", f"{page.name}: {line}")
 
 
 class Tour(unittest.TestCase):
-    """script/tour passes with the program, and ends at the step that is not as expected."""
+    """script/tour passes with the program, and fails at the first step with an unexpected result."""
 
     def take(self, folder):
         work = tempfile.mkdtemp(prefix="orv-tour-")
@@ -190,7 +193,7 @@ class Tour(unittest.TestCase):
 
 
 class Formats(unittest.TestCase):
-    """The examples on the pages of the file formats."""
+    """The examples on the pages of the file formats are what the programs read and write."""
 
     def setUp(self):
         self.work = tempfile.mkdtemp(prefix="orv-docs-")
@@ -236,7 +239,7 @@ class Formats(unittest.TestCase):
             "runs", "service-maps", "settings", "update-history"})
 
     def test_every_file_has_a_page(self):
-        """Whatever the programs leave behind in a root and in a service is named in the index."""
+        """The index names every file that the programs leave in a root and in a service."""
         content = os.path.join(self.work, "content")
         subprocess.run([PROGRAM, "sample", content], check=True, capture_output=True)
         self.program("publish", content, os.path.join(self.work, "service"))
@@ -244,7 +247,7 @@ class Formats(unittest.TestCase):
         self.program("filters", "add", "Kitchen", "a")
         self.program("import", os.path.join(content, "content", "Garden Party.orvlibz"))
         self.program("log", "show")
-        self.update_against(self.work)  # where there is nothing to fetch: leaves an error log
+        self.update_against(self.work)  # leaves an error log, because there is nothing to fetch
         index = read(os.path.join(SOURCE, "docs", "README.md"))
         patterns = re.findall(r"`([*\w.-]+\.\w+)`", index)
         found = set()
@@ -279,7 +282,7 @@ class Formats(unittest.TestCase):
         with open(os.path.join(self.root, "update-history.json")) as stream:
             written = json.load(stream)
         described = json.loads(text)
-        # The two that tell of a failure are missing after an update that went well.
+        # The two members that report a failure are missing after a successful update.
         self.assertEqual(set(written) | {"error"}, set(described))
         self.assertEqual(set(written["answers"]["Doors.orvlib"]) | {"reason"},
                          set(described["answers"]["Doors.orvlib"]))
@@ -296,7 +299,7 @@ class Formats(unittest.TestCase):
         self.assertEqual(set(written), set(described))
         self.assertEqual([set(file) for file in written["files"]], [set(file) for file in described["files"]])
         self.assertEqual(written["name"], "Garden%20Party")
-        # Read as it stands on the page: files that are gone can be taken back.
+        # The program reads the example unchanged: files that no longer exist can be undone.
         self.write("root/former-imports/imports.json", text)
         self.assertTrue(self.program("undo")["library"].endswith("/user/Küche.orvlib"))
 
@@ -414,9 +417,9 @@ class Formats(unittest.TestCase):
         self.write("root/core/catalog_hash.txt", text)
         self.write("root/core/Bath_Fixtures.orvlib", "x" * 2000)
         self.write("root/referenced/Tex.zip", "x" * 2000)
-        # Neither file has the hash that the example remembers.
+        # Neither file has the hash in the example.
         self.assertEqual(len(self.program("verify", status=1)["damaged"]), 2)
-        # Written again in the same form, with the service's tags.
+        # Writes the file again in the same form, with the tags of the service.
         for name in ("Bath_Fixtures.orvlib", "Tex.zip"):
             self.write("content/content/" + name, "y" * 2000)
         self.write("content/content/Orv_Core_Content_Index.txt", "Bath_Fixtures.orvlib\nTex.zip\n")

@@ -1,5 +1,5 @@
-"""Every manual page has examples, and each of them does what a reader expects: run as it stands, on a library that was
-updated twice, in a folder with the files that it names."""
+"""Every manual page has examples. Each example runs unchanged and succeeds, on a library that was updated twice
+and in a folder with the files that the examples name."""
 import json
 import os
 import re
@@ -15,9 +15,9 @@ from docs_support import free_port, read
 PROGRAM, SOURCE = sys.argv[1:3]  # and the build tree
 MAN = os.path.join(SOURCE, "docs", "man")
 ADDRESS = "https://content.example/redirect"
-# Windows, and what runs until it is ended.
+# Pages of the window and of commands that run until they are ended.
 NOT_RUN = {"orv-browser", "orv-library-serve"}
-# Those that say something by their status: of a line, what it ends with here.
+# Examples whose exit status is a result. The value is the status that each has here.
 STATUS = {"orv-library list | grep damaged": 1}
 
 
@@ -31,7 +31,7 @@ def pages():
 
 
 class Service:
-    """Sample content, changed by and by."""
+    """Sample content that changes step by step."""
 
     def __init__(self, folder):
         self.content = os.path.join(folder, "content")
@@ -41,7 +41,7 @@ class Service:
         self.addresses = json.loads(self.process.stdout.readline())
 
     def change(self, name):
-        """Another version of a catalog: that of another one, which is as good."""
+        """Puts a newer version of a catalog on the service: the content of another catalog."""
         core = os.path.join(self.content, "content")
         shutil.copy(os.path.join(core, "Floors.orvlib"), os.path.join(core, name + ".new"))
         os.replace(os.path.join(core, name + ".new"), os.path.join(core, name))
@@ -85,7 +85,7 @@ class Examples(unittest.TestCase):
             shutil.copy(os.path.join(self.service.content, "manufacturers", "Oakline.png"), os.path.join(self.folder, name))
 
     def here(self, line):
-        """A line of an example as it is run here."""
+        """Replaces the parts of an example that differ in this test."""
         line = line.replace(ADDRESS, self.service.addresses["redirect"])
         for name in ("manufacturers", "logos"):
             line = line.replace(f"https://content.example/{name}?", self.service.addresses[name])
@@ -98,7 +98,7 @@ class Examples(unittest.TestCase):
     def run_example(self, page, block):
         shutil.copytree(self.prepared, self.root)
         path = os.pathsep.join([os.path.dirname(PROGRAM), os.environ["PATH"]])
-        # The sample content is for reading and for publishing; "sample" writes its own.
+        # The other examples read or publish the sample content; "sample" writes new content.
         if page == "orv-library-publish":
             shutil.copytree(self.service.content, os.path.join(self.folder, "content"))
         if page == "orv-library-log":

@@ -1,4 +1,4 @@
-"""The manual pages and the shell completion name the commands and options that the program has, and no others."""
+"""The manual pages and the shell completion name exactly the commands and options that the program has."""
 import os
 import re
 import shutil
@@ -30,13 +30,13 @@ def actions(command):
 
 
 def helps(command):
-    """What the command and each of its actions print."""
+    """The help texts of the command and of each of its actions."""
     return [output(PROGRAM, command, "--help")] + [output(PROGRAM, command, action, "--help")
                                                    for action in actions(command)]
 
 
 def command_options(command):
-    """Options of the command and of its actions, without the global ones."""
+    """The options of the command and of its actions, without the global ones."""
     return set().union(*map(options_of, helps(command))) - options_of(output(PROGRAM, "--help"))
 
 
@@ -68,7 +68,7 @@ class Manual(unittest.TestCase):
 
     def test_pages_name_the_options_that_there_are(self):
         for command in command_names():
-            # What a page tells of systemctl are that program's options.
+            # Options after "systemctl" are not options of this program.
             own = re.sub(r"\bsystemctl\b[^\n*]*", "", page(command))
             self.assertEqual(options_of(own), command_options(command), command)
         self.assertEqual(options_of(page(None)), options_of(output(PROGRAM, "--help")))
@@ -130,7 +130,7 @@ class Manual(unittest.TestCase):
 
 
 class Values(unittest.TestCase):
-    """Completion offers what is in the library: catalogs, versions, filters, makers, runs."""
+    """Completion offers the names in the library: catalogs, versions, filters, makers, runs."""
 
     def setUp(self):
         self.work = tempfile.mkdtemp(prefix="orv-completion-")

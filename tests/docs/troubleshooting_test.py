@@ -1,5 +1,5 @@
-"""Each message on the page of messages stands in the sources, or in the libraries that it is said to come from; and each
-text that a program throws or complains with stands on the page."""
+"""Each message on the page of messages occurs in the sources, or in the named libraries. Each text with which a
+program throws or complains occurs on the page."""
 import ctypes
 import errno
 import glob
@@ -15,7 +15,7 @@ PLACEHOLDERS = r"\b(?:ADDRESS|COMMAND|FILE|FOLDER|HOST|KEY|N|NAME|REASON|VERSION
 OF_LIBRARIES = "Names, connections, certificates, proxies"
 LIBRARIES = ("libcurl.so.4", "libcrypto.so.3")
 SYSTEM = {os.strerror(number) for number in errno.errorcode}
-# What only programmers of hosts, or two lines at once, can bring about.
+# Texts that only a programming error of a host can cause, or that span two lines.
 NOT_FOR_USERS = {"no pipe for signals", "the content index", "update from "}
 
 
@@ -26,12 +26,12 @@ def sections():
 
 
 def fragments(message):
-    """What stands between the placeholders."""
+    """The parts of a message between its placeholders."""
     return [part.strip(" :;,'()") for part in re.split(PLACEHOLDERS, message) if re.search(r"\w{2}", part)]
 
 
 def literals(text):
-    """The string literals of a source, those that the compiler joins as one."""
+    """The string literals of a source; adjacent literals are joined as the compiler does."""
     joined = re.sub(r'"\s*\n\s*"', "", text)
     return [literal.replace('\\"', '"') for literal in re.findall(r'"((?:[^"\\\n]|\\.)*)"', joined)]
 
@@ -52,7 +52,7 @@ def texts_of(library):
 
 
 def pattern(text):
-    """What a text that is made of others, such as "Could not resolve %s: %s", may look like."""
+    """A pattern for messages composed from a format such as "Could not resolve %s: %s"."""
     return ".+".join(re.escape(part) for part in re.split(r"%[0-9.*]*[a-zA-Z]+", text))
 
 

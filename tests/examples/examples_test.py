@@ -1,4 +1,4 @@
-"""Runs every example, the updates against the real service, and looks at what it did."""
+"""Runs every example, the updates against the real service, and checks the results."""
 import glob
 import os
 import re

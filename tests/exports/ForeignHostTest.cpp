@@ -1,5 +1,5 @@
-// A host object that is compiled outside the library receives every invocation of an update, whatever the
-// host itself has told Qt's meta-type system of the types.
+// A host object that is compiled outside the library receives every invocation of an update, no matter which
+// types the host has registered with Qt.
 #include <QMetaType>
 #include <QObject>
 #include <gmock/gmock.h>
@@ -12,7 +12,7 @@
 
 #if defined(HOST_DECLARES_TEXT_AND_PATH)
 Q_DECLARE_METATYPE(std::string)
-Q_DECLARE_METATYPE(fileString) // Declares pairs of it, too.
+Q_DECLARE_METATYPE(fileString) // also declares pairs of it
 Q_DECLARE_METATYPE(LibraryCatalogUpdate::UpdateData)
 #elif defined(HOST_DECLARES_PAIR)
 Q_DECLARE_METATYPE(FileStringPair)

@@ -31,7 +31,7 @@ std::string describe(const std::vector<LibraryFilter>& filters)
 class LibraryFilterManagerFile : public testing::Test
 {
 protected:
-    /// Loads a file of this content.
+    /// Loads a file with this content.
     long load(const std::string& content)
     {
         mFilters.clear();
@@ -196,7 +196,7 @@ TEST_F(LibraryFilterManagerFile, malformedFilterStopsTheLoadThere)
         R"("Filter": {"Filter_Name": "", "Filter_Id": -1})",
     };
     for (const char* entry : malformed) {
-        // The last filter of the file is read first: what stands before the malformed one is not reached.
+        // The last filter of the file is read first, so the filters before the malformed one are not reached.
         EXPECT_EQ(
             load(std::string(R"({"Current_Filter": 3, "Filter": {"Filter_Name": "Before", "Filter_Id": 0,
             "Database_Ids": []}, )") +

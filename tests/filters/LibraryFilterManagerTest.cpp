@@ -15,7 +15,7 @@ namespace {
 using Ids = std::vector<std::string>;
 using Names = std::vector<std::string>;
 
-/// The one manager, as fresh as on the first use in a new process: it has read the file of a new host.
+/// The filter manager as after its first use in a new process: it has loaded the filters of a new host.
 class LibraryFilterManagerTest : public testing::Test
 {
 protected:

@@ -46,7 +46,7 @@ bool isSame(const LibraryFilter& left, const LibraryFilter& right)
     return left.getFilterName() == right.getFilterName() && left.getDatabaseIds() == right.getDatabaseIds();
 }
 
-/// The rules of the merge word by word, looking through the list at every step.
+/// A direct implementation of the merge rules. It searches the list at every step.
 Filters plainMerge(Filters merged, const Filters& own)
 {
     const auto any = [&merged](const auto& question) {
@@ -66,7 +66,7 @@ Filters plainMerge(Filters merged, const Filters& own)
     return merged;
 }
 
-/// Few names, lists and ids, so that they meet.
+/// Random filters with few different names, lists and ids, so that duplicates occur.
 Filters madeUp(std::mt19937& random)
 {
     const char* const names[] = {"K", "K 1", "K 2", "K 1 1", "B", "", " 1", "k"};
@@ -174,8 +174,9 @@ TEST(LibraryFilterMerge, keepsItsPromisesOverMadeUpLists)
 
 TEST(LibraryFilterMerge, noStepLooksThroughTheList)
 {
-    // Ten thousand of one name into ten thousand of that name: each must find its suffix, its id and whether
-    // it is known without trying all the others. Quadratic steps take minutes here.
+    // Merges ten thousand filters of one name into ten thousand of the same name. For each filter the merge
+    // must find its suffix, its id and duplicates without trying all others. Quadratic steps would take
+    // minutes.
     Filters file;
     Filters own;
     for (long i = 0; i < 10000; ++i) {
@@ -219,7 +220,7 @@ TEST_F(FilterMerge, missingFileIsMade)
 TEST_F(FilterMerge, aFileThatCannotBeReadIsNotWrittenOver)
 {
     const fileString file = mHost.folder().write("large.json", "{}");
-    std::filesystem::resize_file(file.toNativeString(), (std::uintmax_t(256) << 20) + 1); // holes only
+    std::filesystem::resize_file(file.toNativeString(), (std::uintmax_t(256) << 20) + 1); // a sparse file
     mManager.setLibraryFilters({LibraryFilter("Own", 0, {"a"})});
     EXPECT_FALSE(mManager.mergeFilters(file));
     EXPECT_EQ(FileUtils::fileSize(file), (std::int64_t(256) << 20) + 1);
@@ -277,7 +278,7 @@ TEST_F(FilterMerge, failureToWriteChangesNothing)
 
 TEST_F(FilterMerge, mergeDoneAgainAfterHalfOfItAddsOneRenamedCopy)
 {
-    // The other file was written, but the manager's own was not: the process died in between.
+    // The process ended after it wrote the other file and before it wrote the manager's own file.
     const fileString path = writeOther(kFileBC);
     const Filters own{LibraryFilter("B", 0, {"mine"}), LibraryFilter("A", 4, {"x"})};
     for (int merge = 0; merge < 2; ++merge) {

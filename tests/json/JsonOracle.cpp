@@ -25,7 +25,7 @@ struct Malformed
 {
 };
 
-/// One text, read from left to right; throws `Malformed`.
+/// Reads one text from left to right. Throws `Malformed`.
 class Reader
 {
 public:
@@ -203,7 +203,8 @@ private:
         }
     }
 
-    /// Digits from `ahead` on. The engine accumulates them as a double and gives up beyond the largest.
+    /// The digits from `ahead` on. The reader accumulates them as a double and fails beyond its largest
+    /// value.
     std::string digits(std::size_t& ahead) const
     {
         std::string run;
@@ -245,8 +246,7 @@ private:
         return result;
     }
 
-    /// An exponent marker must be followed by digits; without them no number matches that a text could go on
-    /// from.
+    /// An exponent marker must be followed by digits. Otherwise no number matches, and the text is malformed.
     bool takeExponent(std::size_t& ahead) const
     {
         if (peek(ahead) != 'e' && peek(ahead) != 'E')
@@ -285,7 +285,7 @@ using Node = json::grammar<char>::variant;
 
 std::string compare(const Value& expected, const Node& node);
 
-/// The reader's conversion is good to the last digits only, and to none at the ends of the range.
+/// The reader's conversion may differ in the last digits, and more at the ends of the range.
 bool sameReal(double expected, double found)
 {
     const double size = std::fabs(expected);

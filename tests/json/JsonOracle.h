@@ -10,8 +10,8 @@
 
 namespace test {
 
-/// A second opinion on the language of the JSON reader: a recursive-descent reader that shares nothing with
-/// the one it judges, neither engine nor code nor tree.
+/// A second JSON reader for comparison: a recursive-descent reader that shares no engine, code or tree with
+/// the tested reader.
 class JsonOracle
 {
 public:
@@ -37,7 +37,7 @@ public:
         std::vector<Value> elements;
     };
 
-    /// What the reader must make of a text: nothing, a marker, or a tree.
+    /// The expected result for a text: nothing, a marker, or a tree.
     struct Verdict
     {
         bool loneBrace = false;
@@ -47,10 +47,10 @@ public:
     static Verdict judge(const std::string& text);
 };
 
-/// The real number that a text with a decimal point stands for, in every locale of the process.
+/// The value of a text with a decimal point, independent of the process's locale.
 double realOf(const std::string& text);
 
-/// Why what the reader made is not what the oracle says; empty when it is.
+/// The difference between the reader's result and the oracle's; empty if there is none.
 std::string compareWithOracle(const std::string& text, const json::grammar<char>::variant& result);
 
 } // namespace test

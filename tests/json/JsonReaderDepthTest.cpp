@@ -24,7 +24,7 @@ std::string repeat(const std::string& piece, int times)
     return result;
 }
 
-/// So many levels in all: the root object, then containers made of the given pieces.
+/// A text with `levels` levels: the root object, then containers made of the given parts.
 std::string nested(int levels, const std::string& open, const std::string& close)
 {
     return "{\"k\":" + repeat(open, levels - 1) + repeat(close, levels - 1) + "}";
@@ -35,7 +35,7 @@ std::string nestedArrays(int levels)
     return nested(levels, "[", "]");
 }
 
-/// Each object holds two members around the next one.
+/// Objects in which each has two members around the next one.
 std::string nestedObjects(int levels)
 {
     return "{" + repeat("\"a\":1,\"k\":{", levels - 1) + repeat("},\"z\":null", levels - 1) + "}";

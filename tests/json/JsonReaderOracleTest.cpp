@@ -1,4 +1,4 @@
-// The reader against a second reader of the same language, over texts that are made up.
+// Compares the reader with a second reader of the same language on generated texts.
 #include "OrvLibrary/json/json_reader.h"
 
 #include <atomic>

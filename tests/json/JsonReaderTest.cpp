@@ -24,7 +24,7 @@ bool isEmpty(const Node& node)
     return node && node->empty();
 }
 
-/// The member `k` of an object whose text is given without its braces.
+/// The member `k` of an object; `members` is the object's text without braces.
 Node memberK(const std::string& members)
 {
     const Node root = parse("{" + members + "}");

@@ -6,15 +6,15 @@
 
 namespace test {
 
-/// Makes JSON texts, and texts that nearly are, from a seed: the same ones every time.
+/// Generates valid and slightly invalid JSON texts. The same seed gives the same texts.
 class JsonTexts
 {
 public:
     explicit JsonTexts(std::uint32_t seed) : mRandom(seed) {}
 
-    /// A text of the language, odd in white space, escapes and numbers.
+    /// A valid text with unusual white space, escapes and numbers.
     std::string document();
-    /// The text with a few bytes changed, lost, doubled or moved.
+    /// The text with a few bytes changed, removed, doubled or moved.
     std::string mutate(std::string text);
 
 private:

@@ -43,7 +43,7 @@ Type readBack(const Type& value)
     return held ? *held : Type();
 }
 
-/// Made-up documents: the same ones every time.
+/// Generates random documents. The same seed gives the same documents.
 class Documents
 {
 public:
@@ -98,7 +98,7 @@ private:
 
 bool isSame(const Value& written, const boost::any& read);
 
-/// Whether the tree holds what was written; among equal keys the one added last stands first.
+/// Whether the tree holds the written values. Among equal keys the one added last comes first.
 struct SameValue : boost::static_visitor<bool>
 {
     explicit SameValue(const boost::any& node) : read(node) {}
@@ -143,7 +143,7 @@ bool isSame(const Value& written, const boost::any& read)
     return boost::apply_visitor(SameValue(read), written);
 }
 
-/// The text of a value without blanks between the tokens, for values that hold none.
+/// The text of a value without white space between the tokens. The value must not contain white space.
 std::string compact(const Object& object)
 {
     std::string text;
@@ -154,7 +154,7 @@ std::string compact(const Object& object)
     return text;
 }
 
-/// The JSON text of a real alone.
+/// The JSON text of one real number.
 std::string realText(double value)
 {
     Object object;
@@ -324,7 +324,7 @@ TEST(JsonWriter, realsAreWrittenExactlyAndReadBackNearly)
         if (!std::isnormal(value))
             continue;
         ASSERT_EQ(test::realOf(realText(value)), value);
-        // The reader's conversion gives up precision at the ends of the range.
+        // The reader's conversion is imprecise at the ends of the range.
         if (std::fabs(value) > 1e-290 && std::fabs(value) < 1e290) {
             ASSERT_NEAR(readBack(value) / value, 1, 2e-15) << realText(value);
         }
@@ -392,7 +392,7 @@ TEST(JsonWriter, processLocaleChangesNothing)
     const test::TempFolder folder;
     const std::locale former = std::locale::global(std::locale(std::locale::classic(), new German));
     const std::string formerC = std::setlocale(LC_ALL, nullptr);
-    std::setlocale(LC_ALL, "de_DE.UTF-8"); // where the machine has it
+    std::setlocale(LC_ALL, "de_DE.UTF-8"); // if the machine has it
     json_writer::write_file(folder.file("a.json").toNativeString(), object);
     const Node root = json::readFile(folder.file("a.json"));
     std::setlocale(LC_ALL, formerC.c_str());
