@@ -1,8 +1,8 @@
 """Compares the binary interface of a library with the kept description of the version that hosts are linked with:
 `abi.py LIBRARY SOURCE KEPT ROOM`, where ROOM is the folder of its headers.
 
-What is added is fine; whatever a host that is linked already would stumble over fails. Run with --update to write the
-description anew.
+Additions are allowed; changes that break a host which is already linked are not. Run with --update to write a new
+description.
 """
 import lzma
 import os
@@ -17,7 +17,7 @@ SUPPRESSIONS = os.path.join(os.path.dirname(KEPT), "suppressions.ini")
 
 
 def link_public_headers(target):
-    """Types of headers that are not installed are nobody's business."""
+    """Links the headers that are installed. Types of other headers are not part of the interface."""
     for folder, folders, names in os.walk(os.path.join(SOURCE, ROOM)):
         folders[:] = [name for name in folders if name not in ("json", "impl")]
         for name in names:
@@ -33,12 +33,12 @@ def description():
              "--exported-interfaces-only", "--no-corpus-path", "--no-comp-dir-path", "--no-show-locs",
              "--no-elf-needed", "--no-parameter-names", LIBRARY],
             text=True, check=True, stdout=subprocess.PIPE).stdout
-    # Where sources lie differs from build folder to build folder.
+    # The location of the sources depends on the build folder.
     return re.sub(rf"path='[^']*?({ROOM}/[^']*)'", r"path='\1'", text)
 
 
 def breaks(kept, found):
-    """What abidiff reports of changes other than additions; empty when there is none."""
+    """abidiff's report of all changes except additions; empty if there are none."""
     with tempfile.TemporaryDirectory() as work:
         paths = [os.path.join(work, name) for name in ("kept.abi", "found.abi")]
         for path, text in zip(paths, (kept, found)):
@@ -50,7 +50,7 @@ def breaks(kept, found):
 
 
 def without(text, symbol):
-    """The description of a library that lacks a function."""
+    """The description of the library without one function."""
     lines = [line for line in text.split("\n") if f"<elf-symbol name='{symbol}'" not in line]
     start = next(index for index, line in enumerate(lines) if f"mangled-name='{symbol}'" in line)
     end = next(index for index in range(start, len(lines)) if "</function-decl>" in lines[index])

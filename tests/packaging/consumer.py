@@ -1,4 +1,4 @@
-"""Builds and runs a host outside the project against the install tree, the build tree and the pkg-config file."""
+"""Builds and runs a host project against the install tree, the build tree and the pkg-config file."""
 import os
 import shlex
 import subprocess
@@ -20,7 +20,7 @@ class InstalledLibrary(unittest.TestCase):
         first = os.path.join(work, "first")
         for component in ("runtime", "development"):
             run("cmake", "--install", BUILD_TREE, "--prefix", first, "--component", component)
-        cls.prefix = os.path.join(work, "moved prefix")  # an installed tree does not know where it was put
+        cls.prefix = os.path.join(work, "moved prefix")  # an installed tree must work at any path
         os.rename(first, cls.prefix)
         cls.library_folder = next(path for path, _, names in os.walk(cls.prefix) if "libOrvLibrary.so" in names)
         cls.consumer = Consumer(PROJECT, work)

@@ -1,4 +1,4 @@
-"""Makes the Debian packages, installs them into a clean tree, and uses what lies there."""
+"""Makes the Debian packages, installs them into an empty tree, and uses the installed files."""
 import glob
 import os
 import re
@@ -27,9 +27,10 @@ class DebianPackages(unittest.TestCase):
 
     @classmethod
     def install(cls, path):
-        """By dpkg with a data base of its own where we are root, which also looks for files that two packages claim.
+        """Installs a package. As root it uses dpkg with its own database, which also finds files that two packages own.
 
-        Unpacked and not configured: the script that renews the loader's cache would need a shell in the tree.
+        The package is unpacked and not configured, because the script that renews the loader's cache would need a shell
+        in the tree.
         """
         if os.geteuid() != 0:
             run("dpkg", "-x", path, cls.tree)

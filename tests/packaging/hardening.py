@@ -1,6 +1,6 @@
-"""Reads the built files and fails where one lacks a protection: `hardening.py BUILD_TYPE FILE…`.
+"""Reads the built files and fails if one lacks a protection: `hardening.py BUILD_TYPE FILE…`.
 
-A debug build carries the linker's part only.
+A debug build has only the protections of the linker.
 """
 import re
 import subprocess
@@ -15,7 +15,7 @@ def missing(path, optimised):
     headers, segments = readelf("-h", path), readelf("-l", path)
     dynamic, symbols = readelf("-d", path), readelf("--dyn-syms", path)
     is_library = re.search(r"\.so(\.|$)", path) is not None
-    # Its C++ has checked variants of too few functions to expect one.
+    # clang checks so few C++ functions that some libraries have none.
     by_clang = "clang version" in readelf("-p.comment", path)
     stack = re.search(r"GNU_STACK.*\s(RWE|RW|R)\s", segments)
     checks = {

@@ -23,7 +23,7 @@ def public_headers():
 def compile_alone(job):
     compiler, define, header = job
     stub = os.path.join(stubs, header.replace("/", "_") + ".cpp")
-    # Whole objects, since those are what the compiler cache keeps: an unchanged header costs nothing.
+    # Whole object files, because the compiler cache stores those: an unchanged header takes no time.
     command = [*cache, compiler, "-std=c++17", "-fPIC", "-Wall", "-Wextra", "-Werror", *define, f"-I{source}",
                f"-I{build}/generated", *qt_flags, "-c", stub, "-o", f"{stub}.{compiler}{''.join(define)}.o"]
     result = subprocess.run(command, text=True, capture_output=True)

@@ -1,4 +1,4 @@
-"""What the packaging tests share: running commands, the embedded service, and a consumer project."""
+"""Helpers of the packaging tests: running commands, the embedded service, and a consumer project."""
 import contextlib
 import glob
 import json
@@ -17,7 +17,7 @@ def run(*command, **options):
 
 @contextlib.contextmanager
 def service(program, folder):
-    """Sample content, served on a free port; gives the redirect address."""
+    """Serves sample content on a free port and returns the redirect address."""
     run(program, "sample", folder)
     server = subprocess.Popen([program, "serve", folder], stdout=subprocess.PIPE, text=True)
     try:
@@ -29,13 +29,13 @@ def service(program, folder):
 
 
 def everything(folder):
-    """What the consumer prints once it has fetched every core catalog and referenced archive of the content."""
+    """The consumer's output after it has fetched every core catalog and referenced archive of the content."""
     count = sum(len(glob.glob(os.path.join(folder, "content", "*" + ending))) for ending in (".orvlib", ".zip"))
     return f"updated, {count} new"
 
 
 class Consumer:
-    """A project outside ours that finds the library, and a fresh root to run its program on."""
+    """A project outside the source tree that uses the library, and a fresh root to run its program on."""
 
     def __init__(self, project, work):
         self.project, self.work = project, work
@@ -50,7 +50,7 @@ class Consumer:
         return run(program, address, env=self.environment(program, environment)).strip()
 
     def failure(self, program, address):
-        """What the program prints when it ends with status 1."""
+        """The program's output; expects that it ends with status 1."""
         result = subprocess.run([program, address], text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                                 env=self.environment(program, {}))
         assert result.returncode == 1, result

@@ -1,6 +1,6 @@
 """Compares the classes and functions that a library exports with the kept list.
 
-A class counts once, by its name; a free function by its qualified name. Run with --update after a change on purpose.
+A class is listed once by its name, a free function by its qualified name. Run with --update after an intended change.
 """
 import re
 import subprocess

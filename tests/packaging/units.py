@@ -1,4 +1,4 @@
-"""The units of the package: systemd takes them, they run what the manual page says, and nothing starts by itself."""
+"""The systemd units of the package are valid, run what the manual page says, and start only when the user enables them."""
 import configparser
 import os
 import shutil
@@ -24,7 +24,7 @@ def parsed(name):
 class Units(unittest.TestCase):
     def test_the_service_asks_quietly_and_takes_waiting_updates_for_an_answer(self):
         unit = parsed("orv-library-check.service")
-        self.assertEqual(set(unit.sections()), {"Unit", "Service"})  # without [Install]: the timer alone starts it
+        self.assertEqual(set(unit.sections()), {"Unit", "Service"})  # without [Install]: only the timer starts it
         self.assertEqual(unit["Service"]["Type"], "oneshot")
         self.assertEqual(unit["Service"]["ExecStart"], COMMAND)
         self.assertEqual(unit["Service"]["SuccessExitStatus"], "3")

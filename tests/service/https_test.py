@@ -1,7 +1,7 @@
-"""Updates over https from the real nginx: the header requests share HTTP/2 connections, few of them.
+"""Updates over https from the real nginx: the header requests share a few HTTP/2 connections.
 
-The service's certificate is one of its own. The program trusts it in a mount namespace where it stands in the place
-of the system's certificates; where such a namespace cannot be had, the tests are skipped.
+The service has a self-signed certificate. The program trusts it in a mount namespace in which it replaces the system's
+certificates. Without such a namespace the tests are skipped.
 """
 import collections
 import json
@@ -52,7 +52,7 @@ def free_port():
 
 
 class SlowLink:
-    """Passes connections on to a port and holds every byte back for a while, in both directions."""
+    """Forwards connections to a port and delays every byte in both directions."""
 
     def __init__(self, target, seconds):
         self.target, self.seconds = target, seconds
@@ -113,7 +113,8 @@ class HttpsCase(ServiceCase):
                         self.path("service", "key.pem"), "-out", self.certificate], check=True, capture_output=True)
 
     def offer(self, count, size=900):
-        """Catalogs, by default of less than 1,000 bytes: they are asked for, and not fetched."""
+        """Puts catalogs on the service. By default they have less than 1,000 bytes, so that an update requests only
+        their headers."""
         self.names = [f"catalog{number:03}.orvlib" for number in range(count)]
         for name in self.names:
             self.write("content/" + name, b"x" * size)
@@ -137,14 +138,14 @@ class HttpsService(HttpsCase):
             self.skipTest("no mount namespace to trust the certificate in")
 
     def update(self, port):
-        """Runs a core-only update; returns the header requests that it made, as (connection, name)."""
+        """Runs a core-only update. Returns its header requests as (connection, name)."""
         with open(self.path("service", "run", "access.log")) as log:
             before = len(log.readlines())
         result = subprocess.run(
             [*NAMESPACE, self.certificate, self.program, "--root", self.path("root"), "update", "--core-only",
              "--url", f"https://127.0.0.1:{port}/redirect", "--product", "P", "--product-version", "1"],
             text=True, capture_output=True, timeout=120)
-        # All of the catalogs are new, and none has a kilobyte: they are asked for, and not fetched.
+        # All catalogs are new, but together smaller than a kilobyte, so only their headers are requested.
         self.assertEqual(result.returncode, 1, result.stderr)
         self.assertIn("less than a kilobyte has changed in all", result.stderr)
         self.assertEqual(result.stdout, "Nothing was updated.\n")
@@ -173,7 +174,7 @@ class HttpsService(HttpsCase):
         connections = {connection for connection, _ in asked}
         self.assertGreater(len(connections), 1)
         self.assertLessEqual(len(connections), 8)
-        self.assertLess(seconds, 10)  # 30 in turn
+        self.assertLess(seconds, 10)  # 30 s one after the other
 
     def test_short_list_is_asked_on_one_connection_however_far_the_service(self):
         self.offer(60)
@@ -184,7 +185,7 @@ class HttpsService(HttpsCase):
 
 
 class CheckAndDoctor(HttpsCase):
-    """`check` and `doctor` over https, near and far; the authority is named with --cacert."""
+    """`check` and `doctor` over https with a near and a far service; --cacert names the authority."""
 
     def run_json(self, command, port, *options, status=0):
         result = subprocess.run([self.program, "--root", self.path("root"), "--json", command, "--url",
@@ -210,7 +211,7 @@ class CheckAndDoctor(HttpsCase):
                 steps = self.steps(port, "--cacert", self.certificate)
                 self.assertEqual({name for name, step in steps.items() if step["ok"] is not True}, set())
                 self.assertEqual(steps["certificate"]["text"], "the service's certificate is good")
-            # There and back, at least.
+            # At least one round trip.
             for name in ("certificate", "redirect", "index", "header", "body"):
                 self.assertGreaterEqual(steps[name]["ms"], 100, name)
 

@@ -1,4 +1,4 @@
-"""Publish, serve with the real nginx, update, publish again, update, roll back."""
+"""Publishes a folder, serves it with the real nginx, updates, publishes again, updates, and rolls back."""
 import hashlib
 import os
 import shutil

@@ -1,4 +1,5 @@
-"""Two proxies between client and service, one that caches, one that cuts connections, and both. Clients converge."""
+"""Clients reach the service through a caching proxy, through a proxy that cuts connections, or through both. All
+clients end with the current content."""
 import hashlib
 import itertools
 import json
@@ -44,7 +45,8 @@ http {
 
 
 class CuttingProxy:
-    """Forwards connections; of every three one is cut after some bytes of the answer, one after more."""
+    """Forwards connections. Of every three connections it cuts one after 700 bytes of the response and one after
+    300,000."""
 
     def __init__(self, upstream_port):
         self.upstream_port = upstream_port
@@ -157,7 +159,7 @@ class Proxies(ServiceCase):
             self.assert_core_equals_source()
             self.change_a_catalog()
             deadline = time.monotonic() + 20
-            while self.update(proxy.port) != "updated":  # until what the proxy kept has grown old
+            while self.update(proxy.port) != "updated":  # until the proxy's copy is too old
                 self.assertLess(time.monotonic(), deadline)
             self.update_until_current(proxy.port, 5)
             self.assert_core_equals_source()
@@ -175,7 +177,7 @@ class Proxies(ServiceCase):
             self.assert_core_equals_source()
             self.change_a_catalog()
             deadline = time.monotonic() + 30
-            while True:  # until what the proxy kept has grown old, and the change came through whole
+            while True:  # until the proxy's copy is too old and a response arrives whole
                 self.assertLess(time.monotonic(), deadline)
                 self.update(cutting.port)
                 if self.core_equals_source():

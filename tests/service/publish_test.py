@@ -1,4 +1,4 @@
-"""What `orv-library publish` writes and what it refuses."""
+"""The files that `orv-library publish` writes, and the folders that it refuses."""
 import hashlib
 import os
 import re
@@ -46,7 +46,7 @@ class Publish(ServiceCase):
             targets = [re.findall(r'"([^"]*)"', line)[-1] for line in stream if "= 0" in line and '"' in line]
         kinds = [os.path.basename(os.path.dirname(target)) for target in targets]
         self.assertEqual(kinds, ["blobs"] * 3 + ["catalog.d"] * 2)
-        # The records name the logos: they come last of all.
+        # The records refer to the logos, so their map is written last.
         self.assertEqual([os.path.basename(target) for target in targets[-2:]], ["logos.map", "names.map"])
 
     def test_a_blob_that_cannot_be_written_leaves_the_maps_as_they_were(self):
@@ -55,7 +55,7 @@ class Publish(ServiceCase):
         self.write("content/Windows.orvlib", CATALOG * 2)
         blobs = self.path("service", "blobs")
         shutil.rmtree(blobs)
-        os.symlink("/proc/self", blobs)  # where no file can be made, by nobody
+        os.symlink("/proc/self", blobs)  # nobody can create a file there
         result = subprocess.run([self.program, "publish", self.source, self.service], text=True, capture_output=True,
                                 timeout=60)
         self.assertEqual(result.returncode, 1)

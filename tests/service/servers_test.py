@@ -1,4 +1,4 @@
-"""The embedded service's content, behind servers that people have already: a plain folder of files and one rewrite rule."""
+"""Common web servers serve the content of the embedded service as a plain folder of files with one rewrite rule."""
 import os
 import shutil
 import socket
@@ -79,7 +79,7 @@ http {{
 
 
 class Server:
-    """A server in the foreground, for the life of a with block."""
+    """A server in the foreground, running inside a with block."""
 
     def __init__(self, work, config, *command):
         with socket.socket() as probe:
@@ -134,7 +134,7 @@ class Servers(ServiceCase):
             shutil.copy(self.path("files", "Floors.orvlib"), self.path("files", "Doors.orvlib"))
             os.utime(self.path("files", "Doors.orvlib"), (time.time() + 5, time.time() + 5))
             if os.path.basename(command[0]) == "lighttpd":
-                time.sleep(2.1)  # it looks at a file it knows every other second
+                time.sleep(2.1)  # lighttpd checks a known file only every second second
             self.assertEqual(self.update(server)["updatedCatalogs"], ["Doors"])
             os.remove(self.path("files", "Stairs.orvlib"))
             if os.path.basename(command[0]) == "lighttpd":
@@ -157,7 +157,7 @@ class Servers(ServiceCase):
 
     @unittest.skipUnless("nginx" in sys.argv[-1], "no nginx here")
     def test_encoded_bodies_are_refused(self):
-        """`gzip_static always` serves compressed bytes to everybody, also to those who did not ask for them."""
+        """`gzip_static always` sends compressed bytes to all clients, also to those that did not ask for them."""
         files = self.path("files")
         subprocess.run(["gzip", "-k", os.path.join(files, "Doors.orvlib")], check=True)
         with Server(self.work, NGINX_GZIP, SERVERS["nginx"], "-p", self.work, "-c", "CONFIG") as server:

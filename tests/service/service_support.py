@@ -1,4 +1,4 @@
-"""What the service tests share: the program, content folders, and a real nginx on a free port."""
+"""Helpers of the service tests: the program, content folders, and a real nginx on a free port."""
 import json
 import os
 import re
@@ -44,7 +44,7 @@ class ServiceCase(unittest.TestCase):
 
 
 class Nginx:
-    """The real server over a published folder, for the life of a with block."""
+    """The real server for a published folder, running inside a with block."""
 
     def __init__(self, nginx, config, service):
         self.nginx, self.service = nginx, service
@@ -82,7 +82,7 @@ class Nginx:
         raise TimeoutError("nginx does not answer")
 
     def reload(self):
-        """Returns once a worker of the new configuration serves: the old workers' ids are gone."""
+        """Returns after all workers of the old configuration have ended."""
         before = self.workers()
         self.signal("-s", "reload")
         deadline = time.monotonic() + 10

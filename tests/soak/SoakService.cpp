@@ -109,7 +109,7 @@ void SoakService::serve(int end)
         server.otherwise([&](const FaultRequest& request) {
             const std::size_t number = ++mShared->requests;
             const FaultReply sound = soundAnswer(request, versions[mShared->version]);
-            // Of a header that does not come, and of an address, a run writes no line.
+            // An update logs no line for a failed header request or redirect, so these never fail.
             const bool isFile = request.method == "GET" && !nameIn(request.target).empty();
             if (!mShared->isFaulty || !isFile || mShared->faults * kRequestsPerFault > number)
                 return sound;

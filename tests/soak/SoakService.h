@@ -8,31 +8,31 @@
 
 namespace test {
 
-/// The files of a small service in one of two versions, by the names that they are asked for.
+/// The files of a small service in one of two versions, by name.
 std::map<std::string, std::string> soakContent(int version);
 
-/// A catalog web service in a process of its own, so that what it needs of memory, descriptors and threads is
-/// not counted here. Of the requests for the index and for files every tenth is answered with an error, or
-/// its answer is cut, which a run writes down with one line each.
+/// A catalog web service in a separate process, so that its memory, descriptors and threads are not measured.
+/// About every tenth request fails: the service replies to a request for the index or a file with an error,
+/// or cuts the reply off. An update logs each failure in one line.
 class SoakService
 {
 public:
-    /// To be made before the process has other threads.
+    /// Create the service before the process starts threads.
     SoakService();
     ~SoakService();
     SoakService(const SoakService&) = delete;
     SoakService& operator=(const SoakService&) = delete;
 
-    /// The address that a host is given.
+    /// The redirect address for the host.
     std::string redirect() const;
     void setVersion(int version) { mShared->version = version; }
     void setFaulty(bool isFaulty) { mShared->isFaulty = isFaulty; }
-    /// Faults so far.
+    /// The number of failed requests so far.
     std::size_t faults() const { return mShared->faults; }
     std::size_t requests() const { return mShared->requests; }
 
 private:
-    /// In memory that both processes have.
+    /// In memory shared by both processes.
     struct Shared
     {
         std::atomic<int> port{0};
@@ -42,7 +42,7 @@ private:
         std::atomic<std::size_t> requests{0};
     };
 
-    /// The child's part; ends when `end` does.
+    /// Runs in the child until the other end of the pipe `end` is closed.
     [[noreturn]] void serve(int end);
 
     Shared* mShared = nullptr;

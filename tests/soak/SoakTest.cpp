@@ -1,5 +1,4 @@
-// A host that stays up for long: thousands of updates in one process, of whose requests every tenth goes
-// wrong.
+// A long-running host: thousands of updates in one process, with about every tenth request failing.
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
@@ -30,7 +29,7 @@ int runsWanted()
     return runs ? std::max(std::atoi(runs), 10) : kRunsOfTheTest;
 }
 
-/// Bytes of this process in memory, of which what the allocator keeps for later is given back first.
+/// The resident memory of this process in bytes, after the allocator has returned unused memory.
 long residentBytes()
 {
     malloc_trim(0);
@@ -52,8 +51,8 @@ protected:
     Soak()
     {
         Curl::install(&mCurl);
-        // On a busy machine the service looks far. A body that fails ahead of its turn is asked for once more
-        // then, and its fault leaves no line to count.
+        // On a busy machine the service can look far away. A body that fails ahead of its turn is then
+        // requested again, and its failure is not logged.
         mCurl.setConnectionLimit(1);
     }
     ~Soak() override { Curl::install(nullptr); }
@@ -71,10 +70,10 @@ protected:
         ASSERT_TRUE(recorder.closingData());
         EXPECT_EQ(recorder.closings(), 1u);
         mResult = recorder.closingData()->result;
-        mHost.fileSearch().clear(); // it keeps what it was told, and is to be no part of the growth
+        mHost.fileSearch().clear(); // it keeps every call, which must not count as growth
     }
 
-    /// The lines that tell of failures since the last call.
+    /// The number of lines about failures since the last call.
     std::size_t newLogLines()
     {
         std::ifstream log(mHost.folder().path() + "/user/errors.log");
@@ -86,8 +85,8 @@ protected:
         return count;
     }
 
-    /// All names below the root; without the log, which comes with the first failure, and the download
-    /// folders, which come with a download.
+    /// All names below the root except the log, which the first failure creates, and the download folders,
+    /// which downloads create.
     std::vector<std::string> names() const
     {
         std::vector<std::string> names;
@@ -110,7 +109,7 @@ protected:
         EXPECT_TRUE(read("referenced/Textures.zip") == content.at("Textures.zip"));
     }
 
-    test::SoakService mService; // before anything that starts a thread
+    test::SoakService mService; // created before any thread
     test::ScopedHost mHost;
     CurlService mCurl;
     int mResult = 0;

@@ -1,15 +1,14 @@
-// Preloaded before a program under test: the system as it is elsewhere. ORV_SURROUNDINGS names what is
-// different, parted by commas:
-//   network-locks   flock as on a network file system: exclusive only on a descriptor open for writing,
-//   shared only
-//                   on one open for reading
+// Preloaded before a program under test to simulate another system. ORV_SURROUNDINGS lists the differences,
+// separated by commas:
+//   network-locks   flock as on a network file system: an exclusive lock needs a descriptor open for
+//                   writing, a shared lock one open for reading
 //   no-locks        a file system without locks
 //   no-copy-range   no copying inside the kernel
 //   no-links        no hard links
 //   no-noreplace    no rename that refuses an existing target
-//   no-fallocate    no reserving of space
-//   clock-back      the clock of the day goes back by an hour, 100 ms after the start
-// The signatures are the C library's.
+//   no-fallocate    no reservation of space
+//   clock-back      the system clock jumps back by an hour, 100 ms after the start
+// The signatures are those of the C library.
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -25,7 +24,7 @@
 
 namespace {
 
-/// The C library's own function.
+/// The function of the C library.
 template <class Function>
 Function* next(Function*, const char* name)
 {
@@ -60,7 +59,7 @@ int refuse(int reason)
     return -1;
 }
 
-/// Whether a network file system would give the lock on a descriptor that is open in this way.
+/// Whether a network file system would grant this lock, given how the descriptor was opened.
 bool mayLockOverNetwork(int file, int operation)
 {
     struct stat status = {};
@@ -72,7 +71,7 @@ bool mayLockOverNetwork(int file, int operation)
     return (operation & LOCK_SH) == 0 || access != O_WRONLY;
 }
 
-/// Seconds by which the clock of the day is behind at this moment.
+/// How many seconds the system clock is behind now.
 time_t lag()
 {
     static auto* const sClock = next(&clock_gettime, "clock_gettime");
@@ -127,7 +126,7 @@ int renameat2(int fromFolder, const char* from, int toFolder, const char* to, un
                                                        : sNext(fromFolder, from, toFolder, to, flags);
 }
 
-/// Unlike the others this one returns the error.
+/// Unlike the other functions, this one returns the error number.
 int posix_fallocate(int file, off_t offset, off_t size)
 {
     ORV_NEXT(posix_fallocate);

@@ -17,7 +17,8 @@ namespace {
 constexpr std::size_t kPathSize = 4096;
 constexpr useconds_t kLateness = 8000; // in microseconds
 
-/// Read once, before the program starts. Plain arrays: a shim must not depend on what it disturbs.
+/// Read once before the program starts. It uses plain arrays, because the shim must not depend on the
+/// functions that it disturbs.
 struct Plan
 {
     char root[kPathSize] = "";
@@ -42,7 +43,7 @@ const char* setting(const char* name)
     return value ? value : "";
 }
 
-/// Past the functions of the library, which are ours.
+/// Bypasses the library functions that the shim replaces.
 int rawOpen(const char* path)
 {
     return static_cast<int>(
@@ -71,7 +72,7 @@ __attribute__((constructor)) void readPlan()
         plan.log = rawOpen(setting("ORV_FAULT_LOG"));
 }
 
-/// Whether the kind stands between commas in the list of kinds.
+/// Whether the comma-separated list of kinds contains this kind.
 bool isListed(const char* kind)
 {
     const std::size_t size = std::strlen(kind);
@@ -195,7 +196,7 @@ Outcome onAny(const char* kind)
 void die()
 {
     raise(SIGKILL);
-    for (;;) // the signal comes before the system returns
+    for (;;) // waits for the signal to be delivered
         pause();
 }
 

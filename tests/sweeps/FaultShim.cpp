@@ -1,5 +1,5 @@
-// Preloaded before a program under test: the functions of the C library that open, read, change and connect.
-// Each asks the plan first. The signatures are the C library's.
+// Preloaded before a program under test: replacements for the functions of the C library that open, read,
+// change and connect. Each of them consults the plan first. The signatures are those of the C library.
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
@@ -23,7 +23,7 @@ using fault::Outcome;
 
 namespace {
 
-/// The C library's own function.
+/// The function of the C library.
 template <class Function>
 Function* next(Function*, const char* name)
 {
@@ -44,7 +44,7 @@ const char* kindOfOpen(int flags)
     return (flags & (O_WRONLY | O_RDWR | O_CREAT | O_TRUNC)) != 0 ? "open" : "openread";
 }
 
-/// Reads or writes all, half, or half and then dies, as the plan says.
+/// Reads or writes everything, half, or half before a kill, as the plan says.
 template <class Transfer>
 ssize_t transfer(const char* kind, int file, std::size_t size, const Transfer& all)
 {
@@ -120,7 +120,7 @@ ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset)
 ssize_t writev(int file, const struct iovec* pieces, int count)
 {
     ORV_NEXT(writev);
-    // Half of it is the first piece alone.
+    // Half of the pieces of one or two is the first piece only.
     return transfer("write", file, static_cast<std::size_t>(count),
                     [&](std::size_t part) { return sNext(file, pieces, static_cast<int>(part)); });
 }
@@ -185,7 +185,7 @@ int truncate(const char* path, off_t size) noexcept
     return fails(onPath("truncate", AT_FDCWD, path)) ? -1 : sNext(path, size);
 }
 
-/// Unlike the others this one returns the error.
+/// Unlike the other functions, this one returns the error number.
 int posix_fallocate(int file, off_t offset, off_t size)
 {
     ORV_NEXT(posix_fallocate);
@@ -327,7 +327,7 @@ int flock(int file, int operation) noexcept
     return fails(onFile("flock", file)) ? -1 : sNext(file, operation);
 }
 
-/// The file is closed all the same, as by the system.
+/// The file is closed even if the call fails, as in the system.
 int close(int file)
 {
     ORV_NEXT(close);

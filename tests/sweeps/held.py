@@ -1,7 +1,7 @@
-"""Two commands of which one is held up at a call, between what it read and what it writes, and goes on when the other one
-has ended, or waits for it.
+"""Pairs of commands. The first is held at a call between its reading and its writing, and goes on when the second has ended
+or waits for it.
 
-What programs lose for want of a lock they lose in such a moment; left to the machine, it comes too seldom.
+Programs that lack a lock lose data at such moments. Without holding them, these moments are too rare to test.
 """
 import os
 import shutil
@@ -11,12 +11,12 @@ import time
 
 from sweep import CHANGING, DEADLOCK_SECONDS, remove, spread
 
-# So often in a row does a program try the same lock when it waits for it.
+# A program that waits for a lock tries it this many times in a row.
 TRIES = 3
 
 
 def has_stopped(process):
-    """Whether a program stands still; false when it has ended."""
+    """Whether a program is stopped; False if it has ended."""
     while process.poll() is None:
         with open(f"/proc/{process.pid}/stat", encoding="latin-1") as file:
             if file.read().rpartition(")")[2].split()[0] == "T":
@@ -26,7 +26,7 @@ def has_stopped(process):
 
 
 def is_waiting(log):
-    """Whether the last calls in the log try one lock again and again."""
+    """Whether the last calls in the log try the same lock repeatedly."""
     if not os.path.exists(log):
         return False
     with open(log, errors="surrogateescape") as file:
@@ -35,13 +35,13 @@ def is_waiting(log):
 
 
 class Held:
-    """Runs pairs of commands on the world of `Histories`."""
+    """Runs pairs of commands in the world of `Histories`."""
 
     def __init__(self, histories):
         self.histories, self.sweep = histories, histories.sweep
         self.ran = self.waited = 0
 
-    # The commands before, the one that is held, and the other one.
+    # The preceding commands, the command that is held, and the other command.
     PAIRS = (lambda made: ([], made.add(), made.add()),
              lambda made: ([made.add()], made.remove(1), made.add()),
              lambda made: ([made.add()], made.add(), made.remove(1)),
@@ -66,7 +66,7 @@ class Held:
         return found
 
     def run(self, points):
-        """So many points of each pair, evenly spread. Returns the complaints."""
+        """Runs `points` points of each pair, spread evenly. Returns the complaints."""
         complaints = []
         for cells in self.cells():
             for make, at in spread(cells, points):

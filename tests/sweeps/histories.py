@@ -1,16 +1,17 @@
 #!/usr/bin/env python3
-"""Two programs' histories: scripts of commands that two processes run on one root, and kills among them.
+"""Two processes run scripts of commands on one root, and some of the commands are killed.
 
     histories.py --program ORV_LIBRARY --shim SHIM [--held N] [--histories N] [--seed S] [--seconds T] [--only HISTORY]
 
-First, pairs of commands of which one is held up at each of N calls until the other one has ended or waits (see held.py).
+First come pairs of commands. The first command of a pair is held at each of N calls until the second one has ended or
+waits (see held.py).
 
-Each history is made from its seed: what the two run, which commands are killed, and at which call, and which are held up
-at each of some calls. How the two fall
-together is the machine's doing. While they run, every file is looked at again and again: it must be whole, and of a
-version that was brought. When both have ended, every file is one that the commands may have left in some order (see
-history_model.py). Then one command of each kind is run alone; after them everything is new, sound, and nothing is left
-over. 200 histories, and every call, where the environment variable ORV_SWEEP is "full".
+The seed determines each history: the commands of both processes, which commands are killed and at which call, and which
+are delayed. How the two processes interleave depends on the machine. While they run, the script reads all files
+repeatedly: each must be complete and of a version that the services have or had. After both have ended, each file must
+be one that the commands can have left in some order (see history_model.py). Then one command of each kind runs alone;
+after them everything must be new and sound, and no other files may be left. If the environment variable ORV_SWEEP is
+"full", there are 200 histories, and the pairs are held at every call.
 """
 import argparse
 import hashlib

@@ -1,13 +1,14 @@
-"""What a file may hold after commands of several programs, some of which were killed.
+"""The contents that a file may have after commands of several programs, some of which were killed.
 
-A command is a `Step` with the moments when it was started and when it had ended. Of two commands that ran at the same time
-either may have come first; one that was killed or that failed has done all, a part or nothing of its work.
+A command is a `Step` with the times of its start and its end. Of two commands that ran at the same time either may have
+come first. A command that was killed or that failed may have done all of its work, a part of it, or nothing.
 """
 import math
 
 
 class Step:
-    """One command. `version` is what it brings, `names` what it adds, `gone` what it takes away."""
+    """One command. `version` is the version that it installs, `names` are the names that it adds, `gone` those that it
+    removes."""
 
     def __init__(self, kind, arguments, version=None, names=(), gone=(), fault=None):
         self.kind, self.arguments, self.version = kind, arguments, version
@@ -23,11 +24,11 @@ class Step:
 
 
 def possible_versions(steps, old, has_tags=False):
-    """The versions that a file may have which each of the steps replaces; `old` is that from before them all. One is
-    possible as long as no other step that was done began after its end.
+    """The versions that a file may have if each of the steps replaces it. `old` is the version before all steps. The
+    version of a step is possible if no successful step began after the end of that step.
 
-    A file with a tag is not replaced where the tag is right. That of a step which did not end may still be the one from
-    before it: the file is believed to be of that version until another one comes."""
+    A file is not replaced while its tag matches the service. A killed step may leave its file with the tag of the version
+    before: later steps that bring that earlier version then do not replace the file, but any other version does."""
     done = [step for step in steps if step.is_done()]
     last = max((step.start for step in done), default=-math.inf)
     versions = {step.version for step in steps if step.end >= last}
@@ -38,19 +39,19 @@ def possible_versions(steps, old, has_tags=False):
 
 
 def needed_names(steps):
-    """The names that must be there: added by a step that was done, and that no step can have taken away."""
+    """The names that must exist: successful steps added them, and no step can have removed them."""
     gone = {name for step in steps for name in step.gone}
     return {name for step in steps if step.is_done() for name in step.names} - gone
 
 
 def possible_names(steps):
-    """The names that may be there: those of all steps, but what a done step took away. A name is added once."""
+    """The names that may exist: those of all steps except those that successful steps removed. Each name is added once."""
     gone = {name for step in steps if step.is_done() for name in step.gone}
     return {name for step in steps for name in step.names} - gone
 
 
 def judge_names(what, found, steps, before=()):
-    """Complaints about a set of names, of which some were there before."""
+    """Complaints about a set of names; `before` existed before the steps."""
     found, before = set(found), set(before)
     complaints = [f"{what} {name} is lost" for name in sorted((needed_names(steps) | before) - found)]
     extra = found - possible_names(steps) - before
@@ -58,7 +59,7 @@ def judge_names(what, found, steps, before=()):
 
 
 def judge_version(path, found, steps, old=None, has_tags=False):
-    """A complaint about the version of a file; None stands for a missing one."""
+    """A complaint about the version of a file; None means a missing file."""
     possible = possible_versions(steps, old, has_tags)
     said = sorted(str(version) for version in possible)
     return [] if found in possible else [f"{path} is version {found}, not one of {', '.join(said)}"]

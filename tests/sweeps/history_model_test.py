@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The model of histories allows what may be, and nothing else."""
+"""The model of histories allows what may happen, and nothing else."""
 import unittest
 
 import history_model

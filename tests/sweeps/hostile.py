@@ -1,12 +1,11 @@
 #!/usr/bin/env python3
-"""Gives the programs names that nobody should have: in a content index, a hash file, as logos, as members of archives
-and as filters.
+"""Gives the programs hostile names: in a content index, a hash file, as logos, as members of archives and as filters.
 
     hostile.py --program ORV_LIBRARY
 
-The web service answers for every name. Nothing outside the root may change, what is written lies in the folder that it
-belongs to, and no program crashes. All names come at once; where the environment variable ORV_SWEEP is "full", also
-every name alone.
+The web service serves a file for every name. Nothing outside the root may change, every written file must be in the
+folder for its kind, and no program may crash. By default all names are given at once; if the environment variable
+ORV_SWEEP is "full", each name is also given alone.
 """
 import argparse
 import http.server
@@ -30,7 +29,7 @@ RESULT = re.compile(r"/sandbox/(input|work)/Kitchen\.(orvlib|zip)$")
 
 
 def names(outside):
-    """The hostile names, without their extensions. `outside` is a folder that nobody may touch."""
+    """The hostile names without extensions. `outside` is a folder that must stay unchanged."""
     return [
         "../escape", "../../escape", CLIMB + outside.lstrip("/") + "/escape", outside + "/escape",
         "..\\escape", "..\\..\\escape", "C:\\escape", "C:/escape", "C:escape", "\\\\host\\share\\escape",
@@ -48,7 +47,7 @@ def in_bytes(name):
 
 
 class LyingService(http.server.ThreadingHTTPServer):
-    """Has every file that it is asked for."""
+    """Serves every file that is requested."""
 
     daemon_threads = True
 
@@ -59,7 +58,7 @@ class LyingService(http.server.ThreadingHTTPServer):
         threading.Thread(target=self.serve_forever, daemon=True).start()
 
     def handle_error(self, request, client_address):
-        pass  # a client that was told enough goes
+        pass  # the client has read enough and closes the connection
 
     def url(self, path):
         return f"http://127.0.0.1:{self.server_address[1]}{path}"
@@ -105,7 +104,7 @@ class Hostile:
     def __init__(self, program, folder):
         self.program, self.folder = program, folder
         self.service = LyingService()
-        # Deep enough that all climbing ends within the folder.
+        # Deep enough for all "../" names to end inside the folder.
         self.sandbox = os.path.join(folder, "deep/" * 9 + "sandbox")
         self.outside = os.path.join(folder, "outside")
         self.complaints = []
@@ -122,7 +121,7 @@ class Hostile:
             scenarios.write(os.path.join(folder, "escape.png"), b"sentinel")
 
     def run(self, *arguments):
-        """Exit status; complains of a crash, and of any change outside the root."""
+        """Runs the program. Complains about a crash and about any change outside the root. Returns the exit status."""
         before = self.around()
         environment = {**os.environ, "LC_ALL": "C.UTF-8", "QT_QPA_PLATFORM": "offscreen", "HOME": self.outside,
                        "ORV_LIBRARY_ROOT": os.path.join(self.sandbox, "root")}
@@ -138,7 +137,7 @@ class Hostile:
         return done.returncode
 
     def around(self):
-        """Everything but what lies in the root, and what unpacking is there to make."""
+        """All files except those in the root and the results of unpacking."""
         root = os.path.relpath(os.path.join(self.sandbox, "root"), self.folder)
         return {path: content for path, content in oracle.snapshot(self.folder).items()
                 if not path.startswith(root + "/") and not RESULT.search(path)}
@@ -148,7 +147,7 @@ class Hostile:
         print(text[:600], flush=True)
 
     def expect_flat(self, *folders):
-        """What was written lies directly in these folders of the root."""
+        """Complains about files that are not directly in one of these folders of the root."""
         for path, content in oracle.snapshot(os.path.join(self.sandbox, "root")).items():
             folder = os.path.dirname(path)
             if content != "folder" and folder not in ("", "user", *folders) and not path.startswith("temp/"):
@@ -192,7 +191,7 @@ class Hostile:
         self.prepare()
         for date in (1, 2):
             records = [self.record(number, name, date) for number, name in enumerate(hostile, 1)]
-            # A text that is no Unicode cannot be written so; the bytes go in as they are.
+            # JSON escapes cannot express names that are not valid Unicode, so the bytes are written unchanged.
             text = ('{"Last_Modified": "2030010%dT000000", "Default_Text": ""%s}'
                     % (date, "".join(', "Manufacturer": ' + record for record in records)))
             self.service.pages["makers"] = in_bytes(text)

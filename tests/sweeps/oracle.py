@@ -1,4 +1,4 @@
-"""What a folder tree holds, and whether what a disturbed run left of it is sound."""
+"""Reads the contents of a folder tree and checks whether a disturbed run left it sound."""
 import ast
 import filecmp
 import hashlib
@@ -7,25 +7,24 @@ import os
 import re
 import zipfile
 
-# The error log is written in place and tells of the faults themselves. The record of former imports tells of times; the
-# scenarios that take imports back show whether it is sound.
+# The error log is written in place and reports the faults themselves. The record of former imports contains times; the
+# scenarios that undo imports check it.
 VOLATILE = re.compile(r"^root/user/errors\.log$|^root/former-imports(/|$)|^root/temp/partial(/|$)")
-# Stamps that are new in every run; what else a file of them holds is compared.
+# Files with time stamps that differ in every run. The rest of their content is compared.
 STAMPED = re.compile(r"^root/manufacturer-data/manufacturer_data(_temp)?\.json(\.bak)?$")
 STAMP = re.compile(rb"\d{8}T\d{6}(\.\d+)?")
-# What it says differs from run to run; it must be sound.
-# Files that tell the time, so that their contents differ from run to run.
+# Files with times in them, so their contents differ between runs. The check only requires them to be sound.
 HISTORIES = ("root/update-history.json", "root/runs.json", "root/last-check.json")
-# Where a disturbed run may leave files that the next one removes: never under a name that a host takes for data.
+# A disturbed run may leave such files for the next run to remove. A host never takes these names for data.
 LEFTOVER = re.compile(r"^root/temp/|(^|/)\.[^/]+$")
-# A former version of a catalog: the time when it was replaced, and its tag.
+# A former version of a catalog: the time of its replacement and its tag.
 FORMER = re.compile(r"^\d{8}T\d{9}=[^/]*$")
-# What a run writes to until a file is whole.
+# Temporary files of a run.
 UNFINISHED = re.compile(r"(^|/)\.[^/]+\.orv-new$")
 
 
 def digest(path, relative):
-    """A text that is equal for equal contents. Of an archive it is the members that count, not their places."""
+    """A text that is equal for equal contents. For an archive only the members count, not their positions."""
     with open(path, "rb") as file:
         content = file.read()
     if STAMPED.match(relative):
@@ -53,8 +52,8 @@ def is_json(content):
 
 
 def former_versions(top):
-    """The files of a history in an order that does not depend on the clock: the path that stands for each, or None for
-    what is no former version, because it has the contents of the file in its place or lacks its catalog."""
+    """Names the files of a history independently of the clock. Maps each path to its new name, or to None if it is not
+    a former version, because it equals the current file or lacks its catalog."""
     names = {}
     for folder, _, files in os.walk(os.path.join(top, "root/history")):
         place = os.path.relpath(folder, os.path.join(top, "root/history"))
@@ -63,7 +62,7 @@ def former_versions(top):
         for name in sorted(files):
             stem, extension = os.path.splitext(name)
             if FORMER.match(name) and f"{stem}{os.path.splitext(place)[1]}" not in files:
-                names[os.path.relpath(os.path.join(folder, name), top)] = None  # what it came with is not there
+                names[os.path.relpath(os.path.join(folder, name), top)] = None  # its catalog is missing
             if FORMER.match(name) is None or extension != os.path.splitext(place)[1]:
                 continue
             is_current = os.path.exists(current) and filecmp.cmp(current, os.path.join(folder, name), shallow=False)
@@ -75,7 +74,7 @@ def former_versions(top):
 
 
 def snapshot(top):
-    """Relative path -> content of every file, link and empty or full folder."""
+    """Relative path -> content of every file, link and folder."""
     found = {}
     former = former_versions(top)
     for folder, folders, files in os.walk(top):
@@ -88,7 +87,7 @@ def snapshot(top):
             if os.path.islink(path):
                 found[relative] = "link " + os.readlink(path)
             elif os.path.isdir(path) and relative.startswith("root/history"):
-                continue  # there while something is in it
+                continue  # exists only while it contains something
             elif os.path.isdir(path):
                 found[relative] = "folder"
             else:
@@ -97,7 +96,7 @@ def snapshot(top):
 
 
 def is_made_of(now, states):
-    """Whether it is a file of parts, members or lines, and holds nothing but parts that the others hold."""
+    """Whether `now` consists of parts (members or lines), all of which occur in one of the states."""
     if not now or not now.startswith("parts "):
         return False
     known = [part for state in states if state and state.startswith("parts ")
@@ -106,8 +105,8 @@ def is_made_of(now, states):
 
 
 def judge_disturbed(now, states, may_be_missing=(), may_be_parts=(), may_be_left=()):
-    """Complaints about the tree right after disturbed runs: every file is as in one of the states, and nothing else
-    is there."""
+    """Complaints about the tree right after disturbed runs: every file must be as in one of the states, and there must
+    be no other files."""
     complaints = []
     known = {path for state in states for path in state}
     for path in sorted(known):
@@ -124,19 +123,20 @@ def judge_disturbed(now, states, may_be_missing=(), may_be_parts=(), may_be_left
 
 
 def judge_ended(now):
-    """Complaints about a run that came to its end, if not to a good one: what it could not finish is gone."""
+    """Complaints about a run that ended, even with a failure: it must have removed its unfinished files."""
     return [f"{path} was not removed" for path in sorted(now) if UNFINISHED.search(path)]
 
 
 def judge_done(now, new, may_differ=(), said="is done"):
-    """Complaints about a run that said it was done: everything is new. Or that it failed: everything is old."""
+    """Complaints about a run that reported success, after which everything must be new, or a failure, after which
+    everything must be old."""
     return [f"{path} is not what a run that {said} leaves" for path in sorted(new)
             if now.get(path) != new[path] and path not in may_differ]
 
 
 def judge_recovered(now, finals, may_be_left=(), may_stay_out=(), old=None):
-    """Complaints about the tree after an undisturbed run: it is one that such runs leave, to the last name. A file that
-    may stay out is missing, is as in the old state, or is made of parts."""
+    """Complaints about the tree after an undisturbed run: every file must be as such runs leave it, and there must be
+    no other files. A file that may stay out may also be missing, be as in the old state, or consist of known parts."""
     old = old or {}
     complaints = []
     allowed = {path for final in finals for path in final}

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The oracle finds what it is there for."""
+"""The oracle finds the faults that it must find."""
 import os
 import tempfile
 import unittest

@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
-"""Two programs on one root at the same time, and what they leave.
+"""Runs two programs on one root at the same time and checks the files that they leave.
 
-    pairs.py --program ORV_LIBRARY [--rounds N]    300 rounds where the environment variable ORV_SWEEP is "full"
+    pairs.py --program ORV_LIBRARY [--rounds N]    300 rounds if the environment variable ORV_SWEEP is "full"
 
-An update beside another, which is turned away; an update beside an import, also of one name, whether it is there or
-not; two imports of one name, which merge or not; an import beside an undo; a filter that is added while the file is
-merged into another one's. Neither loses what the other writes, and the files end as if one had come after the other.
+The pairs: two updates, one of which is refused; an update and an import, also of the same name, which may exist or not;
+two imports of one name, which merge or not; an import and an undo; a filter that is added while its file is merged into
+another one. Neither program may lose what the other writes, and the files must be as if the programs had run one after
+the other.
 """
 import argparse
 import os
@@ -22,7 +23,7 @@ from sweep import Sweep, is_full
 
 
 class Pair:
-    """Two commands. `first` and `second` follow the program's name; `allowed` are the pairs of exit statuses."""
+    """Two commands. `first` and `second` return the arguments of the program; `allowed` are the pairs of exit statuses."""
 
     name = ""
     scenario = None
@@ -35,12 +36,12 @@ class Pair:
         raise NotImplementedError
 
     def judge(self, pairs, sandbox):
-        """Complaints about what both left."""
+        """Complaints about the files that both commands left."""
         raise NotImplementedError
 
 
 class TwoUpdates(Pair):
-    """The second is turned away while the first runs; both are done where one came after the other."""
+    """The second update is refused while the first runs. Both succeed if they run one after the other."""
 
     name = "update beside update"
     scenario = scenarios.Update()
@@ -78,7 +79,7 @@ class UpdateAndImport(Pair):
 
 
 class TwoImportsScenario(scenarios.Scenario):
-    """Two archives of one library, each with a file of its own, and no such library yet."""
+    """Imports two archives of one library, each with a file of its own. The library does not exist before."""
 
     name = "two-imports"
 
@@ -96,7 +97,7 @@ class TwoImportsScenario(scenarios.Scenario):
 
 
 class TwoImports(Pair):
-    """Both are first imports of one name; the later one merges with what the earlier one put in place."""
+    """Both are first imports of the same name. The later import merges with the files of the earlier one."""
 
     name = "import beside import"
     scenario = TwoImportsScenario()
@@ -112,7 +113,7 @@ class TwoImports(Pair):
 
 
 class MergesScenario(TwoImportsScenario):
-    """The same with a library and its textures in place, so that both imports merge."""
+    """The same, but a library and its textures exist, so both imports merge."""
 
     name = "two-merges"
 
@@ -123,7 +124,7 @@ class MergesScenario(TwoImportsScenario):
 
 
 class TwoMerges(TwoImports):
-    """Both merge their textures into the same archive."""
+    """Both commands merge their textures into the same archive."""
 
     name = "merge beside merge of one name"
     scenario = MergesScenario()
@@ -142,7 +143,8 @@ class ImportAndUndoScenario(TwoImportsScenario):
 
 
 class ImportAndUndo(Pair):
-    """An import is taken back while another one of the same name comes: the earlier one or the later one."""
+    """An import is undone while another import of the same name runs. The undo takes back either the
+    earlier or the later import."""
 
     name = "import beside undo"
     scenario = ImportAndUndoScenario()
@@ -158,7 +160,7 @@ class ImportAndUndo(Pair):
 
 
 class SameNameScenario(scenarios.Update):
-    """A manufacturer's catalog comes with an update, and a library of the same name is imported."""
+    """An update fetches a manufacturer's catalog while a library of the same name is imported."""
 
     name = "update-import-same"
 
@@ -168,8 +170,8 @@ class SameNameScenario(scenarios.Update):
 
 
 class SameName(Pair):
-    """The update replaces the archive of referenced files, the import merges with it: whichever comes last, what the
-    update brought is there."""
+    """The update replaces the archive of referenced files while the import merges into it. The result must contain the
+    files of the update in either order."""
 
     name = "import beside update of one name"
     scenario = SameNameScenario()
@@ -185,7 +187,7 @@ class SameName(Pair):
 
 
 class FirstOfNameScenario(scenarios.UpdateFirst):
-    """The same with neither the catalog nor its archive in place."""
+    """The same, but neither the catalog nor its archive exists before."""
 
     name = "first-update-import-same"
     fill = SameNameScenario.fill
@@ -197,8 +199,8 @@ class FirstOfName(SameName):
 
 
 class AddAndMerge(Pair):
-    """The merge changes the root's file and its own; the filter that is added meanwhile must not be lost, nor lose
-    what was merged."""
+    """The merge changes the filters of both roots. It must not lose the filter that is added meanwhile, and the
+    addition must not lose merged filters."""
 
     name = "filter save beside merge"
     scenario = scenarios.FilterAdd()
@@ -216,7 +218,7 @@ class AddAndMerge(Pair):
         complaints = []
         if found["root"] != sorted([*own, "Office"]):
             complaints.append(f"the root's filters are {found['root']}")
-        # It may have merged before the filter came.
+        # The merge may have read the filters before the new one was added.
         if found["other"] not in (sorted([*own, "Office"]), ["B\u00e4der", "Kitchen", "Office"]):
             complaints.append(f"the other's filters are {found['other']}")
         left = [path for path in oracle.snapshot(sandbox) if "/." in path or path.endswith(".lock")]
@@ -240,7 +242,7 @@ class Pairs:
             self.sweep.execute(["--root", os.path.join(template, "other"), "filters", "add", "Office", "db-9"], template)
 
     def one_by_one(self, pair):
-        """What is left when the second command comes behind the first, and the other way round."""
+        """The files after running both commands one after the other, in either order."""
         if pair not in self.ordered:
             self.ordered[pair] = []
             for turned in (False, True):
@@ -256,7 +258,7 @@ class Pairs:
         return [pair.first(sandbox, service), pair.second(sandbox, service)]
 
     def round(self, pair, number):
-        """Runs both at once, the second a little later. Returns complaints."""
+        """Runs both commands in parallel, the second with a small delay. Returns complaints."""
         sandbox = self.sweep.copy(pair.scenario, f"round{number}")
         delay = self.random.choice((0, 0, self.random.random() * 0.05))
         outcomes = [None, None]

@@ -1,5 +1,5 @@
-"""The commands that are disturbed. Each has a sandbox: `root/` for the program, `input/` for what it is given, `work/`
-as its current folder, and `sentinel/`, which nothing may touch."""
+"""The commands that are disturbed. Each runs in a sandbox with `root/` for the program, `input/` for its input, `work/`
+as the current folder, and `sentinel/`, which must stay unchanged."""
 import hashlib
 import json
 import os
@@ -25,37 +25,37 @@ def archive(path, members):
             file.writestr(zipfile.ZipInfo(name, (2026, 1, 2, 3, 4, 6)), content, method)
 
 
-# The folders below a root, as any command that works on it makes them.
+# The folders below a root, which any command creates that works on it.
 WELL_KNOWN = ("user", "core", "bonus", "manufacturer", "manufacturer-data", "referenced", "textures", "temp")
 
 
 class Scenario:
-    """One command. `prepare` builds the sandbox and `before` gives the commands that bring it to its old state;
-    `arguments` follow the program's name in the command that is disturbed."""
+    """One command. `prepare` creates the sandbox, `before` returns the commands that produce the old state, and
+    `arguments` those of the command that is disturbed."""
 
     name = ""
-    # Deliberate: files that a failed run takes away, because they are guarded before anything is written.
+    # Deliberate: files that a failed run removes, because they are guarded before anything is written.
     consumed_by_failure = ()
-    # Deliberate: archives in which a member that could not be copied is left out, while the run is done.
+    # Deliberate: archives that lack a member that could not be copied although the run succeeds.
     may_lack_members = ()
-    # Deliberate: files whose failures nobody hears of: they keep their old content, or lines of it.
+    # Deliberate: files whose write failures are not reported. They keep their old content, or lines of it.
     may_stay_old = ()
-    # Deliberate: files that are removed before their successors arrive, so that a disturbed run may lack them.
+    # Deliberate: files that are removed before their successors arrive. After a disturbed run they may be missing.
     removed_before_replaced = ()
-    # Files of fixed names that a run works with and removes.
+    # Temporary files with fixed names that a run removes.
     working_files = ()
-    # Copies that a run keeps of what it could not read.
+    # Copies of unreadable files that a run keeps.
     kept_copies = ()
-    # Files that a run changes all or, when it fails, not at all.
+    # Files that a run changes together or, if it fails, not at all.
     all_or_nothing = ()
-    # Deliberate: what a failure left out stays out until the service has something newer.
+    # Deliberate: files that stay missing after a failure until the service has a newer version.
     may_stay_out = ()
-    # With what a run that has nothing left to do is refused, status 1; empty where it is done once more.
+    # The message with which a repeated run ends with status 1; empty if repeating succeeds.
     refused_when_done = ""
-    # Whether the run tells a host object of its end, once.
+    # Whether the run announces its end to a host object, once.
     has_closing = False
-    # How many downloads an undisturbed run has under way at once, at least, because the web service is far: it takes
-    # a while over each answer. None where it answers at once.
+    # The least number of parallel downloads of an undisturbed run with a far service, which delays every response. None
+    # for a service without delay.
     far_bodies = None
 
     def prepare(self, sandbox):
@@ -71,7 +71,8 @@ class Scenario:
         pass
 
     def content(self, folder, version):
-        """Writes what the web service has: version 1 for the old state, 2 for the new one. False without one."""
+        """Writes the content of the web service: version 1 for the old state, 2 for the new one. Returns False if the
+        scenario needs no service."""
         return False
 
     def before(self, sandbox, service):
@@ -87,7 +88,7 @@ def library_members(seed):
 
 
 class UnpackBeside(Scenario):
-    """Unpacks where both targets stand already: an older database and an older archive."""
+    """Unpacks when both targets exist: an older database and an older archive."""
 
     name = "unpack-beside"
     consumed_by_failure = ("input/Kitchen.orvlib", "input/Kitchen.zip")
@@ -103,7 +104,7 @@ class UnpackBeside(Scenario):
 
 
 class UnpackOut(Scenario):
-    """Unpacks into a folder, where an older database stands."""
+    """Unpacks into a folder that has an older database."""
 
     name = "unpack-out"
     may_lack_members = ("out/Kitchen.zip",)
@@ -117,7 +118,7 @@ class UnpackOut(Scenario):
 
 
 class ImportOverOld(Scenario):
-    """Imports a library that is there already: the database is replaced and its textures are merged."""
+    """Imports an existing library: the database is replaced and its textures are merged."""
 
     name = "import"
     may_lack_members = ("root/textures/Kitchen.zip",)
@@ -147,7 +148,7 @@ class ImportNew(Scenario):
 
 
 class Undo(Scenario):
-    """Takes back the last of three imports."""
+    """Undoes the last of three imports."""
 
     name = "undo"
 
@@ -166,7 +167,7 @@ class Undo(Scenario):
 
 
 class FilterAdd(Scenario):
-    """Adds a filter to those that are there."""
+    """Adds a filter to the existing ones."""
 
     name = "filter-add"
     kept_copies = ("root/core/catalog_filters.json.unreadable",)
@@ -180,7 +181,7 @@ class FilterAdd(Scenario):
 
 
 class FilterRemoveLast(Scenario):
-    """Removes the only filter, so that the empty list is stored."""
+    """Removes the only filter, so that an empty list is stored."""
 
     name = "filter-remove"
     kept_copies = ("root/core/catalog_filters.json.unreadable",)
@@ -194,8 +195,8 @@ class FilterRemoveLast(Scenario):
 
 
 class FilterMerge(Scenario):
-    """Merges with a file that somebody else keeps; both files change. No name is in both: a merge that is done again
-    after a half one would find its own renamed filters and rename them once more."""
+    """Merges with a second filter file; both files change. The files have no names in common, because a merge that is
+    repeated after a failure would find the filters that it renamed and rename them again."""
 
     name = "filter-merge"
     kept_copies = ("root/core/catalog_filters.json.unreadable", "other/core/catalog_filters.json.unreadable")
@@ -212,7 +213,7 @@ class FilterMerge(Scenario):
 
 
 class ManufacturerRefresh(Scenario):
-    """Fetches a newer manufacturer file, and logos that changed, came and went."""
+    """Fetches a newer manufacturer file with logos that are changed, new and removed."""
 
     name = "manufacturers"
     removed_before_replaced = ("root/manufacturer-data/Oakline.png", "root/manufacturer-data/Nordfenster.png")
@@ -246,8 +247,8 @@ class ManufacturerRefresh(Scenario):
 
 
 class Update(Scenario):
-    """Updates core catalogs of which two changed and one is new, their archive, and one packed catalog each of bonus
-    and of manufacturer content."""
+    """Updates core catalogs, of which two changed and one is new, their archive, and one packed catalog each of bonus
+    and manufacturer content."""
 
     name = "update"
     has_closing = True
@@ -256,13 +257,13 @@ class Update(Scenario):
                         "root/history/referenced/Party.zip/version 0.zip",
                         "root/history/referenced/Maker.zip/version 0.zip")
     may_stay_out = may_lack_members
-    # A line that is old or missing costs a download.
+    # A line that is old or missing causes one more download.
     may_stay_old = ("root/core/catalog_hash.txt", "root/bonus/catalog_hash.txt", "root/manufacturer/catalog_hash.txt",
                     "root/update-history.json", "root/runs.json", "root/last-check.json")
 
     @staticmethod
     def core(version):
-        """The core catalogs that the service has: name -> (seed, size) of what they hold."""
+        """The core catalogs of the service: name -> (seed, size) of their content."""
         core = {"Doors.orvlib": (version, 30000), "T\u00fcren 2.orvlib": (version, 30000), "Same.orvlib": (1, 30000)}
         return {**core, **({"Stairs.orvlib": (1, 30000)} if version == 2 else {})}
 
@@ -298,9 +299,8 @@ class UpdateFirst(Update):
 
 
 class UpdateFar(Update):
-    """The same from a service that is far, so that the bodies are fetched ahead of their turn: into files that lie
-    beside each other until then. One of them is written in several pieces; and one catalog is gone from the service,
-    whose page is fetched."""
+    """The same with a far service, so that bodies are fetched ahead of their turn into files beside their targets. One
+    body is written in several pieces, and one catalog is missing on the service, so its error page is fetched."""
 
     name = "update-far"
     far_bodies = 3
@@ -312,10 +312,10 @@ class UpdateFar(Update):
 
 
 class Restore(Scenario):
-    """Puts a former core catalog back."""
+    """Restores a former core catalog."""
 
     name = "restore"
-    # A line that is missing costs a request.
+    # A line that is missing causes one more request.
     may_stay_old = ("root/core/catalog_hash.txt",)
 
     def fill(self, sandbox):
@@ -332,11 +332,11 @@ class Restore(Scenario):
 
 
 class RestorePacked(Restore):
-    """Puts a former bonus catalog back with the archive of referenced files that came with it; the catalog is held."""
+    """Restores a former bonus catalog with the archive of referenced files that belongs to it. The catalog is held."""
 
     name = "restore-packed"
     may_stay_old = ("root/bonus/catalog_hash.txt",)
-    # The archive goes into its place before its catalog does.
+    # The archive is put into place before its catalog.
     removed_before_replaced = ("root/history/bonus/Garden.orvlib/version 0.zip",)
 
     def fill(self, sandbox):

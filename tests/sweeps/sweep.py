@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Disturbs the command-line host at every call of the system in turn, and judges what is left.
+"""Disturbs the command-line program at every system call in turn and checks the files that it leaves.
 
     sweep.py kill    --program ORV_LIBRARY --shim SHIM [--points N]    killed before a call that changes files, or in
                                                                        the middle of a write
@@ -7,12 +7,12 @@
                                                                        every pair of calls
     sweep.py errors  --program ORV_LIBRARY --shim SHIM [--points N]    a call fails, once or from then on
 
-After each disturbed run every file is old or new; one that was not killed has removed what it could not finish, and one
-that says it is done has done it; the next run, undisturbed, ends as if nothing had happened and leaves nothing over.
-After every tenth kill of the first sweep the recovery is killed too. After every tenth point the commands that tell of
-the library's health are asked: they find no more than catalogs beside old tags, repair that, and find nothing at the
-end. Without --points every point is swept; with it, so many, evenly spread. Where the environment variable ORV_SWEEP is
-"full", --full says how many instead.
+After each disturbed run every file must be old or new. A run that was not killed must have removed its unfinished files,
+and a run that reports success must have done its work. The next, undisturbed run must end as if nothing had happened and
+leave no other files. After every tenth kill of the first sweep the recovery is killed too. After every tenth point the
+commands that report the library's health run: they may find only catalogs with old tags, repair them, and then find
+nothing. Without --points every point is swept; with it, N points, spread evenly. If the environment variable ORV_SWEEP is
+"full", the option --full gives their number instead.
 """
 import argparse
 import concurrent.futures
@@ -49,10 +49,10 @@ ERRORS = {
     "mmap": ["ENOMEM", "EACCES"],
     "connect": ["EACCES", "ECONNREFUSED", "EINTR"],
 }
-# A service that is far takes a while over every request that it receives.
+# A far service delays the receipt of every request.
 LATE = {"ORV_FAULT_CALLS": "recv", "ORV_FAULT_AT": "1", "ORV_FAULT_DO": "late", "ORV_FAULT_EVER": "1"}
 DEADLOCK_SECONDS = 120
-# A body that is not whole yet, or whose turn has not come.
+# A body that is incomplete or waits for its turn.
 DOWNLOAD = re.compile(r"\.downloads\.\w+/\.[^/]+\.orv-new$")
 ENVIRONMENT = {**os.environ, "LC_ALL": "C.UTF-8", "TZ": "UTC", "QT_QPA_PLATFORM": "offscreen",
                "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=/nonexistent"}
@@ -64,7 +64,7 @@ def remove(path):
 
 
 def most_at_once(calls):
-    """Of the files that downloads are written to, how many there were at the same time."""
+    """The largest number of download files that existed at the same time."""
     under_way, most = set(), 0
     for kind, path in calls:
         if DOWNLOAD.search(path):
@@ -74,7 +74,7 @@ def most_at_once(calls):
 
 
 class Cell:
-    """One disturbed run: where, and how."""
+    """One disturbed run: the place and the kind of the disturbance."""
 
     def __init__(self, scenario, number, kinds, at, what, ever=False, again=0):
         self.scenario, self.number, self.kinds = scenario, number, kinds
@@ -93,7 +93,7 @@ class Cell:
 
 
 def is_well(scenario, status, said):
-    """Whether an undisturbed run did what it was asked, or found that a former one had."""
+    """Whether an undisturbed run succeeded, or found that an earlier run had finished the work."""
     return status == 0 or (status == 1 and scenario.refused_when_done and scenario.refused_when_done in said)
 
 
@@ -102,19 +102,19 @@ class Sweep:
         self.program, self.shim, self.folder = program, shim, folder
         self.templates, self.old, self.finals = {}, {}, {}
         self.services, self.servers = {}, []
-        self.missed = 0  # kills that came after the run's last call
+        self.missed = 0  # kills planned after the run's last call
 
     def execute(self, arguments, sandbox, settings=None):
-        """Exit status and what was said on standard error; 'deadlock' when it did not end."""
+        """Runs a command. Returns its exit status, or 'deadlock' if it did not end, and its standard error."""
         status, said, _ = self.speak(arguments, sandbox, settings)
         return status, said
 
     def speak(self, arguments, sandbox, settings=None):
-        """The same, with what was said on standard output."""
+        """Runs a command. Returns its exit status, standard error and standard output."""
         return self.finish(self.start(arguments, sandbox, settings))
 
     def start(self, arguments, sandbox, settings=None):
-        """The process of a command; whoever starts it finishes it."""
+        """Starts a command. The caller finishes the process."""
         environment = {**ENVIRONMENT, "ORV_LIBRARY_ROOT": os.path.join(sandbox, "root")}
         if settings:
             environment.update(settings, LD_PRELOAD=self.shim, ORV_FAULT_ROOT=sandbox)
@@ -124,7 +124,7 @@ class Sweep:
 
     @staticmethod
     def finish(process):
-        """Exit status, and what was said on standard error and standard output."""
+        """Waits for a process. Returns its exit status, standard error and standard output."""
         try:
             said, told = process.communicate(timeout=DEADLOCK_SECONDS)
         except subprocess.TimeoutExpired:
@@ -138,7 +138,8 @@ class Sweep:
         return self.execute(scenario.arguments(sandbox, self.services.get(scenario)), sandbox, settings)
 
     def serve(self, scenario, version):
-        """The addresses of a web service with that version of the scenario's content; none where it needs none."""
+        """Starts a web service with this version of the scenario's content. Returns its addresses, or none if the
+        scenario needs no service."""
         folder = os.path.join(self.folder, f"{scenario.name}.content{version}")
         if not scenario.content(folder, version):
             return None
@@ -155,8 +156,8 @@ class Sweep:
         self.servers.clear()
 
     def prepare(self, scenario):
-        """The state before, and those that undisturbed runs leave: one, two, three, and one after a failure that took
-        files away."""
+        """Records the initial state and the states after one, two and three undisturbed runs, and after a run that
+        follows a failure which removed files."""
         template = os.path.join(self.folder, scenario.name + ".template")
         scenario.prepare(template)
         for arguments in scenario.before(template, self.serve(scenario, 1)):
@@ -190,7 +191,7 @@ class Sweep:
         return sandbox
 
     def calls(self, scenario, kinds):
-        """The calls of an undisturbed run, in their order: (kind, path)."""
+        """The calls of an undisturbed run in order: (kind, path)."""
         sandbox = self.copy(scenario, "count")
         log = sandbox + ".log"
         self.run(scenario, sandbox, {"ORV_FAULT_CALLS": kinds, "ORV_FAULT_LOG": log})
@@ -206,7 +207,8 @@ class Sweep:
         return [kind for kind, _ in self.calls(scenario, kinds)]
 
     def expect_far(self, scenario):
-        """The undisturbed run fetches bodies ahead; it may have been held up once."""
+        """Expects that the undisturbed run fetches bodies ahead. It has three tries, because a busy machine may delay
+        it."""
         found = [most_at_once(self.calls(scenario, "open,rename")) for _ in range(3)]
         print(f"{scenario.name}: up to {max(found)} downloads at once")
         if max(found) < scenario.far_bodies:
@@ -234,7 +236,7 @@ class Sweep:
         for kind, names in ERRORS.items():
             for at in range(1, len(self.calls(scenario, kind)) + 1):
                 for name in names:
-                    # What is interrupted is tried again, and for ever that would take for ever.
+                    # An interrupted call is repeated, so an interrupt at every call would never end.
                     for ever in (False,) if name == "EINTR" else (False, True):
                         cells.append(Cell(scenario, len(cells), kind, at, name, ever))
         return cells
@@ -267,7 +269,7 @@ class Sweep:
             complaints += oracle.judge_ended(now)
         if status == 0:
             complaints += oracle.judge_done(now, new, scenario.may_lack_members + scenario.may_stay_old)
-        # What cannot be removed, nor renamed, cannot be taken back.
+        # If files cannot be removed or renamed, a failed run cannot restore the old state.
         if status == 1 and not (cell.ever and cell.kinds in ("unlink", "rename")):
             complaints += oracle.judge_done(now, {path: old.get(path) for path in scenario.all_or_nothing},
                                             said="failed")
@@ -290,7 +292,8 @@ class Sweep:
         return complaints
 
     def ask(self, sandbox, *command):
-        """Exit status and JSON document of a command that says how the library is; nothing for no document."""
+        """Runs a command that prints a JSON document. Returns its exit status and the document, or an empty one if
+        there is none."""
         status, said, document = self.speak([*command, "--json"], sandbox)
         try:
             return status, json.loads(document)
@@ -298,8 +301,8 @@ class Sweep:
             return f"{status}, no document: {said}", {}
 
     def examine(self, sandbox):
-        """What the user is told after a disturbed run: nothing is damaged but, at most, catalogs whose tags are
-        older; repairing takes those tags away."""
+        """Checks the reports after a disturbed run: at most catalogs with older tags count as damaged, and a repair
+        removes those tags."""
         complaints = []
         status, told = self.ask(sandbox, "status")
         if status not in (0, 1) or (status == 1) != bool(told.get("warnings")):
@@ -317,7 +320,8 @@ class Sweep:
 
     @staticmethod
     def judge_closing(status, trace):
-        """A host object that was told anything at all is told of the end, once and last."""
+        """Expects that a host object that received any call also received the end of the run, once and as the last
+        call."""
         events = []
         if os.path.exists(trace):
             with open(trace) as file:
@@ -342,7 +346,7 @@ def is_full():
 
 
 def spread(cells, points):
-    """So many of the cells, evenly spread."""
+    """`points` of the cells, spread evenly."""
     if not points or points >= len(cells):
         return cells
     return [cells[index * len(cells) // points] for index in range(points)]
