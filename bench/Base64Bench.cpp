@@ -1,5 +1,5 @@
-// Base64 of 64 MB against the block functions of the cryptography library, those of the widget toolkit, and
-// what the machine allows. Run it with --benchmark_enable_random_interleaving=true --benchmark_repetitions=5.
+// Base64 of 64 MB compared with the block functions of OpenSSL, with those of Qt, and with the limit of the
+// machine. Run it with --benchmark_enable_random_interleaving=true --benchmark_repetitions=5.
 #include "OrvLibrary/IO/Base64.h"
 
 #include <cstring>
@@ -60,7 +60,7 @@ void measure(benchmark::State& state, Work work)
     state.SetBytesProcessed(static_cast<std::int64_t>(state.iterations() * kSize));
 }
 
-// Each work takes its input and gives a result in fresh memory, as the public operations do.
+// Each function takes its input and returns its result in new memory, as the public operations do.
 
 void encodeOurs(benchmark::State& state)
 {
@@ -119,7 +119,7 @@ void decodeQt(benchmark::State& state)
     measure(state, [input = &qtText()] { return QByteArray::fromBase64(*input); });
 }
 
-/// The limit: the text once over, into fresh memory.
+/// The limit of the machine: copies the text into new memory.
 void copyText(benchmark::State& state)
 {
     measure(state, [input = &text()] {

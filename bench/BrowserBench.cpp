@@ -1,7 +1,7 @@
-// How long the window takes with 200,000 items in one catalog and 48 small catalogs beside it: until it is
-// shown, until the items are, to scroll through them, to answer a key of a search, and for its longest event
-// meanwhile; and what memory it needs. `bench_browser [ROUNDS]` prints the median and the worst of the
-// rounds, offscreen.
+// Times of the window with 200,000 items in one catalog and 48 small catalogs: until the window is shown,
+// until the items are shown, for scrolling, for a key in the search field, and for the longest event
+// meanwhile. Also the memory it needs. `bench_browser [ROUNDS]` runs offscreen and prints the median and the
+// worst value of the rounds.
 #include <algorithm>
 #include <cstdio>
 #include <functional>
@@ -52,7 +52,7 @@ void makeContent(const std::string& root)
     }
 }
 
-/// Runs something and waits until the items that it asks for are shown.
+/// Runs `act` and waits until its items are shown.
 void measure(MainWindow& window, const std::string& what, const std::function<void()>& act)
 {
     const test::EventWatch watch;
@@ -100,11 +100,11 @@ void round(const fileString& root)
     for (const char letter : std::string("item 19"))
         measure(window, "a key of a search", [&] {
             QTest::keyClick(&field, letter);
-            QTest::qWait(31); // the search waits for 30 ms for the next key
+            QTest::qWait(31); // the search waits 30 ms for the next key
         });
 }
 
-/// Megabytes that the process had in memory at most.
+/// The peak memory of the process in megabytes.
 double mostMemory()
 {
     QFile status(QStringLiteral("/proc/self/status"));

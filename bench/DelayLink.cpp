@@ -1,11 +1,11 @@
-// A link with a round trip, in user space: what comes in on either side goes out on the other after half the
-// time, whatever else is on the way, so that nothing but the delay is added. Making a connection takes a
-// round trip as well: the system tells the client at once that its connection stands, so the link holds back
-// what the client sends until the time when it could have sent it.
+// A TCP link with a round-trip time, in user space. Bytes that arrive on either side leave on the other side
+// after half of that time, independent of other bytes, so the link adds delay only. Connecting takes a round
+// trip too: the system completes the client's connection at once, so the link holds back the client's first
+// bytes until a real client could have sent them.
 //
 //     bench_delay_link TARGET-PORT MILLISECONDS      prints the port to connect to
 //
-// It ends with its standard input.
+// The program ends when its standard input ends.
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
@@ -31,7 +31,7 @@ using Clock = std::chrono::steady_clock;
 struct Piece
 {
     Clock::time_point due;
-    std::string bytes; ///< empty: the end
+    std::string bytes; ///< empty: end of the stream
 };
 
 /// One direction of a connection.
@@ -39,7 +39,7 @@ struct Lane
 {
     int from = -1;
     int to = -1;
-    Clock::time_point open; ///< nothing sets out before
+    Clock::time_point open; ///< nothing is sent before this time
     std::deque<Piece> pieces;
     bool readEnded = false;
     bool writeEnded = false;
@@ -123,7 +123,7 @@ public:
     void run()
     {
         for (;;) {
-            // Both looks at what is due must be of one moment, or a piece may be passed over by either.
+            // Both passes over the due pieces use the same time. Otherwise a piece could be missed by both.
             const auto now = Clock::now();
             std::vector<pollfd> polled{{0, POLLIN, 0}, {mListener, POLLIN, 0}};
             for (Connection& connection : mConnections) {

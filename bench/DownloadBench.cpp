@@ -1,13 +1,13 @@
-// One measured piece of work with the download service, or with the bare transfer library beside it. It
-// prints the seconds and the peak memory; run-downloads runs the columns side by side.
+// One measurement of the download service, or of plain libcurl for comparison. It prints the seconds and the
+// peak memory. run-downloads runs these columns and those of other programs.
 //
 //     bench_download file URL TARGET       the download service, with a progress function
 //     bench_download checks URL COUNT      COUNT header requests "URL&library=catalogN.orvlib", in turn
 //     bench_download ahead URL COUNT       the same, announced first
-//     bench_download bare URL COUNT        the same, by one reused handle of the transfer library
+//     bench_download bare URL COUNT        the same with one reused libcurl handle
 //     bench_download bodies URL FOLDER     the 1,000 files "URL&library=bodyN.orvlib", announced first
 //     bench_download turns URL FOLDER      the same, not announced
-//     bench_download unsynced URL FOLDER   the same, and no file is synced
+//     bench_download unsynced URL FOLDER   the same as turns, but no file is synced
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
@@ -50,7 +50,7 @@ void downloadFile(const std::string& url, const std::string& target)
 
 Curl::HeaderRequest request(const std::string& url, int number)
 {
-    // No tag that the service has: every answer is a whole one.
+    // The service has no file with this tag, so every response is complete.
     return {url + "&library=catalog" + std::to_string(number) + ".orvlib", {"If-None-Match: \"none\""}};
 }
 
@@ -126,7 +126,7 @@ void downloadBodies(const std::string& redirect, const std::string& folder, bool
 
 } // namespace
 
-/// Takes the place of the system's, so that a measurement can show what the syncs cost.
+/// Replaces the system's function, so that a measurement without syncs is possible.
 int fsync(int descriptor)
 {
     return isSynced ? static_cast<int>(syscall(SYS_fsync, descriptor)) : 0;

@@ -1,6 +1,6 @@
-// The hashes of many files, as an update wants them; run-hashes runs the columns side by side.
+// Hashes many files as an update does. run-hashes runs its columns beside those of other programs.
 //
-//     bench_hashes ahead|turn FILE...      prints one hash a line
+//     bench_hashes ahead|turn FILE...      prints one hash per line
 #include <cstdio>
 #include <cstring>
 #include <string>

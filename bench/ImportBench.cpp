@@ -1,5 +1,4 @@
-// The import operations as a program, for comparison with whole programs of other makers (see
-// compare-import).
+// The import operations as a program, for comparison with other programs (see compare-import).
 #include <cstdio>
 #include <cstring>
 #include <exception>
@@ -27,7 +26,7 @@ bool merge(const fileString& extracted, const fileString& destination)
     return LibraryImport::moveArchivedTextures(extracted, destination, std::make_shared<NoProgress>());
 }
 
-/// Unpacks a library to temporary files, which are removed.
+/// Unpacks a library to temporary files and removes them.
 bool unpack(const fileString& source, const std::shared_ptr<ProgressSubject>& progress)
 {
     const LibraryImport::UnpackResult result = LibraryImport::unpack(source, true, progress);

@@ -1,7 +1,7 @@
-// JSON texts of 100 KB and 10 MB into the tree, against two other readers and against building the same tree
-// without a text; manufacturer files into the table; look-ups among 100,000 manufacturers; merging 10,000
-// filters into 10,000. Run it with
-// --benchmark_enable_random_interleaving=true --benchmark_repetitions=5.
+// Reads JSON texts of 100 KB and 10 MB, compared with two other readers and with building the same tree
+// without a text; reads manufacturer files into the table; looks up records among 100,000 manufacturers;
+// merges 10,000 filters into 10,000. Run it with --benchmark_enable_random_interleaving=true
+// --benchmark_repetitions=5.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -54,10 +54,10 @@ json_writer::Object record(long id, std::mt19937& random)
     return object;
 }
 
-constexpr std::int64_t kRecordSize = 430; ///< about
+constexpr std::int64_t kRecordSize = 430; ///< approximately
 
-/// Manufacturer records of about so many bytes in all. They stand in an array: of repeated keys one of the
-/// other readers keeps the last one only.
+/// Manufacturer records of about `size` bytes together, in an array. Repeated keys are not possible here,
+/// because one of the other readers keeps only the last of them.
 std::string recordsText(std::int64_t size)
 {
     std::mt19937 random(1);
@@ -70,7 +70,7 @@ std::string recordsText(std::int64_t size)
     return json_writer::toText(root);
 }
 
-/// The same records as a manufacturer file holds them.
+/// The same records in the format of a manufacturer file.
 std::string manufacturersText(std::int64_t size)
 {
     std::mt19937 random(1);
@@ -86,7 +86,7 @@ Node parse(const std::string& text)
     return json::parse(text.begin(), text.end());
 }
 
-/// The tree once more, node by node: what it costs with no text to be read.
+/// Copies the tree node by node: the cost without reading a text.
 Node clone(const boost::any& value)
 {
     if (const auto* members = boost::any_cast<json::object>(&value)) {
@@ -119,7 +119,7 @@ std::unique_ptr<nlohmann::json> readNlohmann(const std::string& text)
     return std::make_unique<nlohmann::json>(nlohmann::json::parse(text));
 }
 
-/// A manufacturer file into the table, records and all.
+/// Reads a manufacturer file into the table with its records.
 std::map<long, Manufacturer> readTable(const std::string& path)
 {
     std::map<long, Manufacturer> table;
@@ -130,7 +130,7 @@ std::map<long, Manufacturer> readTable(const std::string& path)
     return table;
 }
 
-/// A file into its tree only.
+/// Reads a file into a tree only.
 boost::property_tree::ptree readPropertyTreeFile(const std::string& path)
 {
     boost::property_tree::ptree tree;
@@ -140,7 +140,7 @@ boost::property_tree::ptree readPropertyTreeFile(const std::string& path)
 
 using Clock = std::chrono::steady_clock;
 
-/// The seconds that `work` takes; its result is let go of afterwards.
+/// The duration of `work` in seconds. Its result is destroyed afterwards.
 template <class Work>
 double secondsOf(const Work& work)
 {
@@ -149,8 +149,8 @@ double secondsOf(const Work& work)
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-/// Reads once and prints the seconds. The process is a new one, as that of a host which reads its files when
-/// it starts: what former readings left of the heap would be most of the time otherwise.
+/// Reads once and prints the seconds. Each measurement needs a new process, like a host that reads its files
+/// when it starts. In a used process, the state of the heap after earlier reads would dominate the time.
 int readOnce(const std::string& reader, const std::string& path)
 {
     std::ifstream stream(path, std::ios::binary);
@@ -201,7 +201,7 @@ void readInNewProcess(benchmark::State& state, const std::string& reader)
     std::filesystem::remove(path);
 }
 
-/// Reading the same text again and again in one process; letting the tree go is part of it.
+/// Reads the same text repeatedly in one process. The time includes destroying the tree.
 template <class Work>
 void readAgain(benchmark::State& state, Work work)
 {
@@ -232,7 +232,7 @@ void readAgain_limit(benchmark::State& state)
     readAgain(state, [&tree](const std::string&) { return clone(*tree); });
 }
 
-/// Reading a manufacturer file again and again; letting go of what was read is part of it.
+/// Reads a manufacturer file repeatedly. The time includes destroying the result.
 template <class Work>
 void readManufacturers(benchmark::State& state, Work work)
 {
@@ -255,7 +255,7 @@ void manufacturers_propertyTree(benchmark::State& state)
     readManufacturers(state, readPropertyTreeFile);
 }
 
-/// A root folder of the benchmark's own, installed as the host's.
+/// A root folder for the benchmark, installed as the host's.
 class Root
 {
 public:
@@ -311,7 +311,7 @@ void measureLookUps(benchmark::State& state, LookUp lookUp)
         benchmark::DoNotOptimize(lookUp(ids[next++ % ids.size()]));
 }
 
-/// One table for both ways of looking up: what differs otherwise is how it lies in memory.
+/// Both look-ups use the same table, because the layout in memory influences the times.
 void lookUp_manager(benchmark::State& state)
 {
     const Root root;
@@ -339,7 +339,8 @@ std::vector<LibraryFilter> filters(const std::string& kind, std::int64_t count)
     return made;
 }
 
-/// All of one name: the hard case. Reading and writing the file included.
+/// Merges filters that all have one name, which is the hardest case. The time includes reading and writing
+/// the file.
 void mergeFilters(benchmark::State& state)
 {
     const Root root;

@@ -1,11 +1,12 @@
-// What the network and the disk allow: the work of bench_download by bare sockets, with nothing around it. It
-// prints the seconds; run-downloads runs the columns side by side. The service is asked over loopback.
+// The limit of network and disk: the work of bench_download with plain sockets and nothing else. It prints
+// the seconds. run-downloads runs its columns beside the others. The service must be on the loopback
+// interface.
 //
 //     bench_raw_download file URL TARGET      one file, received and written in pieces of up to 1 MB
 //     bench_raw_download checks URL COUNT     COUNT header requests "URL&library=catalogN.orvlib" on four
 //                                             connections, all sent at once
 //     bench_raw_download bodies URL FOLDER    the 1,000 files "URL&library=bodyN.orvlib" on one connection,
-//                                             all asked for at once
+//                                             all requested at once
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
@@ -35,7 +36,7 @@ constexpr int kConnections = 4;
     std::exit(1);
 }
 
-/// A connection to the service at 127.0.0.1 that an address names.
+/// A connection to the service at 127.0.0.1. The address gives its port.
 class Connection
 {
 public:
@@ -62,7 +63,7 @@ public:
         }
     }
 
-    /// @return the length that the head announces
+    /// @return the Content-Length of the response
     std::int64_t readHead()
     {
         std::string head;

@@ -1,5 +1,5 @@
-// How long a model of 100,000 siblings takes to sort: library nodes by their own order, plain items by the
-// model's, and a proxy that sorts the same names by locale.
+// The time for sorting a model of 100,000 siblings: library nodes in their own order, plain items in the
+// order of the model, and a proxy that sorts the same names by locale.
 #include <random>
 #include <string>
 #include <vector>
@@ -70,7 +70,7 @@ void sortPlainItems(benchmark::State& state)
     sortModel(state, plainItem);
 }
 
-// The first sorting, which makes the keys.
+// Measures the first sorting, which computes the keys.
 void sortLibraryItems(benchmark::State& state)
 {
     sortModel(state, libraryItem);

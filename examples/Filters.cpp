@@ -1,4 +1,4 @@
-// Keeps a named filter, chooses it, and asks whether a database is in it.
+// Saves a named filter, selects it, and checks whether it contains a database.
 #include <iostream>
 
 #include <QCoreApplication>

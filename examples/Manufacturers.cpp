@@ -1,4 +1,4 @@
-// Adds a manufacturer record, saves the table, and reads a contact that stands for the shared default text.
+// Adds a manufacturer record, saves the table, and reads a contact that refers to the shared default text.
 #include <iostream>
 
 #include <QCoreApplication>

@@ -1,5 +1,5 @@
-// A host with its own folders, texts and messages: it installs its services before it uses the library and
-// takes them away after the last call.
+// A host with its own folders, texts and messages. It installs its services before it uses the library and
+// removes them after the last call.
 #include <iostream>
 
 #include <QCoreApplication>
@@ -11,7 +11,7 @@
 
 namespace {
 
-/// Texts of the host's own tables; what they lack comes from the library's.
+/// The host's own texts. Texts that it lacks come from the library.
 class Texts : public StringTable
 {
 public:
@@ -22,7 +22,7 @@ public:
     std::string translation(const std::string& key) const override { return mLibraryTexts.translation(key); }
 
 private:
-    StringTable& mLibraryTexts = StringTable::get(); // taken while the default is still installed
+    StringTable& mLibraryTexts = StringTable::get(); // read while the default is still installed
 };
 
 class Messages : public error::MessagingSystem

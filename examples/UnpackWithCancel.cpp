@@ -1,4 +1,5 @@
-// Unpacking a library archive with progress in the terminal; Control-C cancels and leaves nothing behind.
+// Unpacks a library archive and shows its progress in the terminal. Control-C cancels and leaves no files
+// behind.
 #include <atomic>
 #include <csignal>
 #include <iostream>
@@ -42,7 +43,7 @@ int main(int argc, char** argv)
                   << "\n"
                   << "referenced files: " << (referenced.first ? referenced.second.toNativeString() : "none")
                   << std::endl;
-    } catch (const std::exception& error) { // the archive is not sound; nothing was left behind
+    } catch (const std::exception& error) { // the archive is damaged; no files are left
         std::cerr << error.what() << std::endl;
         return 1;
     }

@@ -1,4 +1,4 @@
-// A catalog update shown in a progress panel: the window owns the panel and hands the updater's progress on
+// Shows a catalog update in a progress panel. The window owns the panel and forwards the updater's progress
 // to it.
 #include <iostream>
 #include <thread>
@@ -22,7 +22,8 @@ public:
     fileString contentIndexName() const override { return fileString("Orv_Core_Content_Index.txt"); }
 };
 
-/// Receives every invocation of the updater, on the interface thread. The progress slots go to the panel.
+/// Receives every invocation of the updater on the interface thread and forwards the progress slots to the
+/// panel.
 class Window : public QMainWindow
 {
     Q_OBJECT
@@ -44,7 +45,7 @@ public:
     Q_INVOKABLE void onCatalogUpdatedEvent(FileStringPair files)
     {
         FileUtils::moveFile(files.second, files.first,
-                            false); // one rename: the catalog is old or new, never half
+                            false); // one rename: the catalog is old or new
     }
     Q_INVOKABLE void closeCatalogUpdateEvent(const LibraryCatalogUpdate::UpdateData& outcome)
     {
@@ -71,7 +72,7 @@ int main(int argc, char** argv)
     window.show();
     LibraryCatalogUpdate::LibraryCatalogUpdater updater(window, {}, {}, {}, "Example", "1.0",
                                                         argc > 1 ? argv[1] : "", false);
-    std::thread worker(updater); // a copy of the updater lives with the thread
+    std::thread worker(updater); // the thread owns a copy of the updater
     qt.exec();
     worker.join();
     Application::install(nullptr);

@@ -1,4 +1,5 @@
-// A core-only update in a program without a window; Control-C in a real one would call killDownload().
+// Updates the core catalogs in a program without a window. A real program would call killDownload() on
+// Control-C.
 #include <iostream>
 #include <set>
 #include <thread>
@@ -21,7 +22,7 @@ public:
     fileString contentIndexName() const override { return fileString("Orv_Core_Content_Index.txt"); }
 };
 
-/// Only the slots that a program without a window cares for; invocations of the others are dropped.
+/// Has only the slots that a program without a window needs. Invocations of other slots are dropped.
 class Host : public QObject
 {
     Q_OBJECT

@@ -17,7 +17,7 @@ namespace fuzz {
 
 namespace {
 
-/// The rule for names of raw copies, component by component.
+/// The rule for names of raw copies, applied to each component.
 bool mayBeCopiedUnder(const std::string& name)
 {
     if (name.empty() || name.size() > 4096 || name.find('\0') != std::string::npos)
@@ -31,7 +31,7 @@ bool mayBeCopiedUnder(const std::string& name)
     return slashes[0] != '/' && framed.find("/../") == std::string::npos;
 }
 
-/// The content of a deflate stream that ends with its last byte and has the size that was said.
+/// The content of a deflate stream that ends with the last byte and has this size.
 std::optional<std::string> inflateAll(const std::string& compressed, std::uint64_t size)
 {
     z_stream stream = {};
@@ -84,7 +84,7 @@ JudgedMember judge(const ZipArchive& archive, const ZipEntry& entry)
     return member;
 }
 
-/// The same members in the eyes of the zip library, which reads those of known kinds only.
+/// Compares the members with those that the zip library reads. It reads only known methods.
 void requireIndependentReaderAgrees(const fileString& archive,
                                     const std::map<std::string, const JudgedMember*>& expected)
 try {
@@ -146,7 +146,7 @@ void requireMembers(const fileString& archive, const std::vector<const JudgedMem
         require(wanted != open.end(), "the result has no foreign member");
         require(wanted->second->facts == member.facts, "a copied member is what it was");
     }
-    // It takes an end record at the very start, that of an empty archive, for none.
+    // The zip library does not find the end record of an empty archive, which is at the very start.
     if (allReadable && !expected.empty())
         requireIndependentReaderAgrees(archive, open);
 }

@@ -1,4 +1,4 @@
-// Base64 against the rules one step at a time, in both directions, over any bytes.
+// Compares Base64 with a simple implementation in both directions, for any bytes.
 #include <exception>
 
 #include "OrvLibrary/IO/Base64.h"
@@ -26,7 +26,7 @@ void checkDecoding(const std::string& text)
 {
     const test::ReferenceDecoding expected = test::referenceDecode(text);
     const Decoding decoding = decode(text);
-    // The message is a C string: behind a foreign NUL byte it ends.
+    // The message is a C string, so a NUL byte ends it.
     require(decoding.failure == expected.failure.c_str(), "the first foreign character is named");
     require(!decoding.failure.empty() || decoding.bytes == expected.bytes, "decoding goes by the steps");
 }
@@ -41,7 +41,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(Base64::decode(encoded) == bytes, "decoding undoes encoding");
 
     checkDecoding(fuzz::textOf(data, size));
-    // Long texts of the alphabet, which bytes at random are not, with one byte that may not be.
+    // Random bytes are rarely valid. This tests a long valid text with one invalid byte.
     std::string nearly = encoded;
     if (size > 1)
         nearly[data[0] % nearly.size()] = static_cast<char>(data[1]);

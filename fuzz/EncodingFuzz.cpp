@@ -1,4 +1,4 @@
-// The text encodings against their rules one step at a time, over any bytes.
+// Compares the text encodings with simple implementations, for any bytes.
 #include "OrvLibrary/Utility/StringConversion.h"
 #include "OrvLibrary/host/StringUtils.h"
 #include "fuzz/FuzzSandbox.h"
@@ -7,7 +7,7 @@ using fuzz::require;
 
 namespace {
 
-/// The three steps of the fixed rule.
+/// The rule in three steps.
 std::string keptBytes(const std::string& utf8)
 {
     std::string kept;
@@ -42,7 +42,7 @@ void appendUtf8(std::string& text, unsigned character)
     }
 }
 
-/// Windows-1252 from 0x80 to 0x9F; the five bytes that it leaves open stand for the control characters.
+/// Windows-1252 from 0x80 to 0x9F. The five undefined bytes stand for control characters.
 const unsigned kUpperControls[32] = {0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021,
                                      0x02C6, 0x2030, 0x0160, 0x2039, 0x0152, 0x008D, 0x017D, 0x008F,
                                      0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022, 0x2013, 0x2014,
@@ -65,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         appendUtf8(utf8, characterOf(static_cast<unsigned char>(c)));
     require(Library::toUTF8(bytes) == utf8, "database text is Windows-1252");
     require(StringUtils::toWin1252(utf8) == bytes, "the code page is undone");
-    // What no code page holds becomes question marks, never more than there were bytes.
+    // Characters outside the code page become question marks, at most one per byte.
     require(StringUtils::toWin1252(bytes).size() <= bytes.size(), "a character becomes one byte");
     return 0;
 }

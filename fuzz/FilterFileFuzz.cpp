@@ -1,6 +1,6 @@
-// Any text as a filter file: what is loaded is what the rules make of the text as another JSON reader sees
-// it; saving and loading turns the list round, twice is the identity; a merge goes by the rules for ids and
-// names.
+// Any text as a filter file. Loading must give what the rules give for the tree of another JSON reader.
+// Saving and loading reverses the list, so doing it twice restores it. A merge must follow the rules for ids
+// and names.
 #include <algorithm>
 #include <climits>
 #include <cstdlib>
@@ -86,7 +86,7 @@ Filter filterOf(const Json::Value& value)
     return filter;
 }
 
-/// The rules of loading over the other reader's tree.
+/// Applies the rules of loading to the other reader's tree.
 Content expectedContent(const std::string& text)
 {
     const Json::Verdict verdict = Json::judge(text);
@@ -104,7 +104,7 @@ Content expectedContent(const std::string& text)
                 content.filters.push_back(filter);
         }
     } catch (const WrongType&) {
-        // What was read before it counts.
+        // The members read before the error count.
     }
     return content;
 }
@@ -114,13 +114,13 @@ void requireSame(const Content& found, const Content& expected, const char* prom
     require(found.currentId == expected.currentId && found.filters == expected.filters, promise);
 }
 
-/// What a load makes of filters that were saved.
+/// The result of loading these saved filters.
 Content loadedFrom(const Content& saved)
 {
     const auto fits = [](long number) { return number >= INT_MIN && number <= INT_MAX; };
     Content content;
     for (const Filter& filter : saved.filters) {
-        // The reader of the file takes no larger numbers.
+        // The reader of the file refuses larger numbers.
         if (!fits(filter.id))
             return {};
         if (filter.id != -1 && !filter.name.empty())
@@ -139,7 +139,7 @@ void checkRoundTrip(const fileString& file, const Content& content)
     requireSame(load(file), loadedFrom(once), "saving twice turns the list back");
 }
 
-/// Filters with any bytes in them: a line each, "name TAB id TAB database TAB ...".
+/// Filters that may contain any bytes, one per line: "name TAB id TAB database TAB ...".
 Content filtersOfLines(const std::string& text)
 {
     Content content;
@@ -168,7 +168,7 @@ bool hasAny(const Filters& filters, Predicate predicate)
     return std::any_of(filters.begin(), filters.end(), predicate);
 }
 
-/// The steps of a merge, each with a look through the whole list.
+/// A simple implementation of the merge that searches the whole list at each step.
 Filters merged(Filters list, const Filters& added)
 {
     for (const Filter& filter : added) {

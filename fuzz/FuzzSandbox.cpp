@@ -42,7 +42,7 @@ std::string contentOf(const fs::path& file)
     return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
 }
 
-/// @param passedOver a folder whose content is not looked at
+/// @param passedOver a folder whose content is ignored
 Tree treeOf(const std::string& folder, const std::string& passedOver = {})
 {
     Tree tree;

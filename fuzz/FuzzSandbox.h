@@ -12,9 +12,9 @@
 
 namespace fuzz {
 
-/// Ends the process as a finding, which the fuzzer keeps.
+/// Ends the process with a finding, and the fuzzer keeps the input.
 [[noreturn]] void fail(const std::string& what);
-/// `promise` says what was to hold.
+/// Fails unless `holds`. `promise` is the guarantee that is checked.
 inline void require(bool holds, const char* promise)
 {
     if (!holds)
@@ -22,15 +22,15 @@ inline void require(bool holds, const char* promise)
 }
 
 std::string textOf(const std::uint8_t* data, std::size_t size);
-/// The pieces between the line feeds: one more than there are line feeds.
+/// The text between the line feeds: one piece more than there are line feeds.
 std::vector<std::string> linesOf(const std::string& text);
 
-/// Every name below a folder with its content; folders end with a "/" and have none.
+/// Every name below a folder with its content. Names of folders end with "/" and have no content.
 using Tree = std::map<std::string, std::string>;
 
-/// Where a fuzzer's files lie: a fresh folder, in memory where the system has such a place ("TMPDIR" chooses
-/// another one), that holds the folders of an installed host and, outside of those, files that nobody may
-/// touch. There is one for the process; it is removed when the process ends well or with `fail`.
+/// The files of a fuzzer: a fresh folder, in memory if the system supports it ("TMPDIR" overrides this). It
+/// contains the folders of an installed host and, outside of them, files that must stay unchanged. There is
+/// one sandbox per process. It is removed at a normal exit and by `fail`.
 class Sandbox
 {
 public:
@@ -40,17 +40,17 @@ public:
     Sandbox& operator=(const Sandbox&) = delete;
 
     test::ScopedHost& host() { return *mHost; }
-    /// A path below the host's root.
+    /// The path of a file below the host's root.
     fileString file(const std::string& name) const { return mHost->folder().file(name); }
     fileString write(const std::string& name, const std::string& content) const;
 
-    /// All there is below the host's root.
+    /// All files below the host's root.
     Tree tree() const;
-    /// The same when the sandbox was new, and after each `reset`.
+    /// The files when the sandbox was new, and after each `reset`.
     const Tree& freshTree() const { return mFreshTree; }
-    /// What is outside of the host's root is as it was made.
+    /// Fails if a file outside the host's root has changed.
     void requireOutsideUntouched() const;
-    /// Makes everything as it was when the sandbox was new, for the next run.
+    /// Restores the state of a new sandbox.
     void reset();
 
 private:
@@ -62,7 +62,7 @@ private:
     Tree mOutside;
 };
 
-/// A progress object that nobody looks at and nobody cancels.
+/// A progress object that ignores all calls and never cancels.
 class SilentProgress : public ProgressSubject
 {
 public:

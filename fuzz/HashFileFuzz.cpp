@@ -1,5 +1,5 @@
-// Any text as a hash file: what is read is what the rules say line by line, what is written is one line for
-// each record in the order of names, and reading that again gives the same records.
+// Any text as a hash file. Reading must follow the rules line by line. Writing gives one line per record,
+// ordered by name, and reading that again gives the same records.
 #include <algorithm>
 #include <optional>
 
@@ -13,7 +13,7 @@ using fuzz::require;
 
 namespace {
 
-/// The files that an entry may name; each is looked for in the folder that belongs to its kind.
+/// The files that an entry may name. Each is searched in the folder for its kind.
 const char* const kInstalled[] = {"core/a.orvlib",      "core/b c.orvlib", "core/t.zip",
                                   "core/sub/d.orvlib",  "core/none",       "referenced/u.zip",
                                   "referenced/a.orvlib"};
@@ -42,7 +42,7 @@ bool isInstalled(const fuzz::Sandbox& sandbox, const std::string& name)
     return name.find('\0') == std::string::npos && access(path.c_str(), F_OK) == 0;
 }
 
-/// Name and tag of a line; nothing for one that is skipped.
+/// The name and tag of a line; none for a line that is skipped.
 std::optional<std::pair<std::string, std::string>> splitLine(std::string line)
 {
     while (!line.empty() && line.front() == ':')
@@ -98,7 +98,7 @@ CatalogMap read()
     return catalogs;
 }
 
-/// Every second record is installed with a tag of its own.
+/// Every second record is installed with its own tag.
 void checkInstalledTags(const fileString& file, CatalogMap catalogs)
 {
     Entries entries;

@@ -1,5 +1,5 @@
-// Any text as a header block: names and values, the catalog's tag and its length are what a second reading of
-// the rules, written without a look at the first, makes of it.
+// Any text as a header block. A second, independent implementation of the rules gives the expected names and
+// values, tag and length.
 #include <algorithm>
 #include <limits>
 
@@ -28,7 +28,7 @@ std::string stripped(std::string text)
 
 using Values = std::map<std::string, std::vector<std::string>>; ///< by name in lower case
 
-/// A header with the lines that continue it.
+/// Adds a header with its continuation lines.
 void addHeader(Values& values, const std::vector<std::string>& lines)
 {
     const std::size_t colon = lines.empty() ? std::string::npos : lines[0].find(':');
@@ -62,8 +62,8 @@ Values readHeaders(const std::string& text)
     return values;
 }
 
-/// The steps as they are told: what is up to the first quote goes, then what is from the last one on, unless
-/// that stands at the start.
+/// The rule step by step: the text up to the first quote is removed, then the text from the last quote on,
+/// unless that quote is at the start.
 std::string tagOf(std::string value)
 {
     const auto first = std::find(value.begin(), value.end(), '"');
@@ -76,8 +76,8 @@ std::string tagOf(std::string value)
     return value;
 }
 
-/// What extraction makes of a text: digits as far as they go, a sign that wraps, the largest number when they
-/// are too many, 0 when there are none, and nothing at all when there is no text.
+/// The result of extracting an unsigned number from a stream: the leading digits, negated if there is a minus
+/// sign, the largest number on overflow, 0 without digits, and no change for an empty text.
 std::uint64_t lengthOf(const std::string& value, std::uint64_t former)
 {
     std::size_t at = value.find_first_not_of(" \t\n\v\f\r");

@@ -1,5 +1,5 @@
-// Any text as a core content index: each line that names a catalog gives the path that the rules say, and
-// whatever the name is, the catalog's destination lies directly in its folder.
+// Any text as a core content index. Each line that names a catalog must give the path by the rules. The
+// catalog's destination must be directly in its folder, whatever the name is.
 #include "OrvLibrary/catalog/CatalogIndex_p.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "fuzz/FuzzSandbox.h"
@@ -32,7 +32,7 @@ std::set<std::string> expectedPaths(const std::string& core, const std::string& 
     return paths;
 }
 
-/// Where a catalog of that path is installed.
+/// Checks the destination of a catalog with this path.
 void checkDestination(const fileString& file, const fileString& folder)
 {
     const fileString key = file.stemWithExtension();

@@ -1,4 +1,4 @@
-// The JSON reader against the hand-written one, over any bytes.
+// Compares the JSON reader with the hand-written one, for any bytes.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>

@@ -6,13 +6,13 @@
 
 namespace fuzz {
 
-/// A member is not of the type that a data file must have there.
+/// The exception for a member that has another type than a data file requires.
 struct WrongType
 {
 };
 
-/// The member that counts: the last one of its key. Null when there is none.
-/// @throws WrongType when it is of another kind
+/// The last member with this key, which is the one that counts. Null if there is none.
+/// @throws WrongType if it has another type
 inline const test::JsonOracle::Value* lastMember(const test::JsonOracle::Value& object,
                                                  const std::string& key, test::JsonOracle::Kind kind)
 {

@@ -1,5 +1,5 @@
-// Any text as a manufacturer file: what is read is what the rules make of the text as another JSON reader
-// sees it, and what the manager writes of it reads as the same.
+// Any text as a manufacturer file. Reading must give what the rules give for the tree of another JSON reader.
+// What the manager writes must read as the same.
 #include <map>
 
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
@@ -56,8 +56,8 @@ void addRecord(Table& table, const Json::Value& value)
                      time ? Library::fromString(time->text) : ptime());
 }
 
-/// The rules of reading over the other reader's tree.
-/// @param now the time that stands for a file that names none
+/// Applies the rules of reading to the other reader's tree.
+/// @param now the time for a file without one
 Reading expectedReading(const std::string& text, const ptime& now)
 {
     const Json::Verdict verdict = Json::judge(text);
@@ -104,7 +104,7 @@ void checkReading(const Reading& found, const Reading& expected, const ptime& be
     require(isNow || found.lastModified == expected.lastModified, "the time is read by the rules");
 }
 
-/// What the manager has loaded, it writes; what was written reads as the same.
+/// The manager writes what it has loaded; reading that gives the same.
 void checkWriting(const fileString& file, const Reading& loaded)
 {
     ManufacturerManager& manager = *ManufacturerManager::getManufacturerManager();

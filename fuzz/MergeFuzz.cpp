@@ -1,6 +1,6 @@
-// Two texture archives: a merge gives every new member and the old ones of other names, each once, or leaves
-// the old archive byte for byte. Input: lines of ArchiveScript.h, those of the new archive with a ">" in
-// front.
+// Merges two texture archives. The result has every new member and the old members with other names, each
+// once; or the old archive stays unchanged. Input: lines of ArchiveScript.h; a ">" marks those of the new
+// archive.
 #include <algorithm>
 
 #include "OrvLibrary/IO/LibraryImport.h"
@@ -25,7 +25,7 @@ bool areCopied(const std::vector<const JudgedMember*>& members)
     return std::all_of(members.begin(), members.end(), [](const auto* m) { return m->isCopied; });
 }
 
-/// The old members whose names the new archive lacks.
+/// The old members whose names do not occur in the new archive.
 Members remaining(const Members& old, const Members& added)
 {
     Members left;
@@ -35,7 +35,7 @@ Members remaining(const Members& old, const Members& added)
     return left;
 }
 
-/// @return what the merged archive holds; nothing when the merge must fail
+/// @return the content of the merged archive; none if the merge must fail
 std::optional<std::vector<const JudgedMember*>> expectedMerge(const Members& left, const Members& added)
 {
     const auto all = [](const Members& members) {

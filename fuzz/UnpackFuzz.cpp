@@ -1,5 +1,5 @@
-// Any bytes as a packed library: what comes out is what the archive holds, where it belongs, and nothing else
-// changes anywhere.
+// Any bytes as a packed library. The unpacked files must be the members of the archive, in the right places,
+// and no other file may change.
 #include <algorithm>
 #include <stdexcept>
 
@@ -21,12 +21,12 @@ enum class Place
     BesideOldFiles
 };
 
-/// What must come of an archive.
+/// The expected result for an archive.
 struct Outcome
 {
     bool throws = false;
     std::optional<std::string> database;
-    std::vector<JudgedMember> copied;            ///< in the archive's order
+    std::vector<JudgedMember> copied;            ///< in the order of the archive
     std::vector<const JudgedMember*> referenced; ///< those of `copied` that remain
 };
 
@@ -51,7 +51,7 @@ Outcome expectedOutcome(const std::optional<std::vector<JudgedMember>>& members)
             outcome.database = member->content;
         }
     }
-    // A copy that is refused leaves the one before it of the same name.
+    // If a copy is refused, the earlier member with the same name stays.
     for (const JudgedMember& member : *members) {
         if (!isDatabase(member) && member.isCopied)
             outcome.copied.push_back(member);
@@ -80,7 +80,7 @@ const std::string& oldArchive()
     return bytes;
 }
 
-/// The old archive's members that no new one replaces, then the new ones.
+/// The members of the old archive that are not replaced, then the new ones.
 std::vector<const JudgedMember*> addedTo(const std::vector<JudgedMember>& old,
                                          const std::vector<const JudgedMember*>& added)
 {
@@ -102,7 +102,7 @@ try {
     return std::nullopt;
 }
 
-/// A file that was made lies where it belongs, and is taken off the list of what is to be explained.
+/// Checks that a new file is in its place, and removes it from `left`, the files still to be explained.
 fileString takeMade(Tree& left, const LibraryImport::FoundFile& found, Place place,
                     const std::string& extension)
 {

@@ -1,6 +1,6 @@
-// A whole run of the updater against scripted replies: one closing invocation, hash files that tell the
-// truth, every file old or new, nothing elsewhere; and after a run against a service that works, all is as if
-// nothing had ever been wrong. Input: lines of UpdateScript.h.
+// A whole run of the updater against scripted replies. It must announce its end once, leave true hash files
+// and only old or new files, and change nothing elsewhere. A further run against a sound service must repair
+// everything. Input: lines of UpdateScript.h.
 #include <algorithm>
 
 #include <QCoreApplication>
@@ -23,10 +23,10 @@ namespace {
 
 const std::map<char, std::string> kFolders{{'1', "core/"}, {'2', "manufacturer/"}, {'4', "bonus/"}};
 
-/// What the process needs once.
+/// Prepares what the process needs once.
 fuzz::MemoryPrefs& preparedPrefs()
 {
-    fuzz::Sandbox::get(); // whose preferences are not wanted
+    fuzz::Sandbox::get(); // installs other preferences
     static int argc = 1;
     static char name[] = "fuzz_Update";
     static char* argv[] = {name, nullptr};
@@ -37,7 +37,7 @@ fuzz::MemoryPrefs& preparedPrefs()
     return prefs;
 }
 
-/// One run, on this thread; what it posts is delivered at its end, in order.
+/// Runs an update on this thread. Its posted events are delivered at its end, in order.
 void run(test::SlotRecorder& recorder, Curl& service, bool isCoreOnly)
 {
     const fuzz::Sandbox& sandbox = fuzz::Sandbox::get();
@@ -56,7 +56,7 @@ std::string folderOf(const std::string& name)
     return name.substr(0, name.rfind('/') + 1);
 }
 
-/// All that may come of the archives among the bodies: the databases in them.
+/// The possible contents of catalogs: the databases in the archives among the bodies.
 std::set<std::string> contentsOf(const std::set<std::string>& bodies)
 {
     const fuzz::Sandbox& sandbox = fuzz::Sandbox::get();
@@ -77,7 +77,7 @@ bool isBookkeeping(const std::string& name)
     return name == "user/errors.log" || name.find("catalog_hash.txt") != std::string::npos;
 }
 
-/// Files that changed are whole new ones; what is left over lies in the download folders.
+/// Files that changed must be complete new files. Other new files may exist only in the download folders.
 void checkFiles(const Tree& before, const Tree& after, const std::set<std::string>& bodies)
 {
     const std::set<std::string> contents = contentsOf(bodies);
@@ -97,13 +97,14 @@ void checkFiles(const Tree& before, const Tree& after, const std::set<std::strin
     }
 }
 
-/// The tags that a line may have without an installation: those of the former hash files and of the files.
+/// The tags that a line may have without a new download: those of the former hash files, and the hashes of
+/// the files.
 std::set<std::string> formerTags(const fuzz::UpdateScript& script, const Tree& before)
 {
     std::set<std::string> tags;
     for (const auto& [category, text] : script.hashFiles) {
         for (const std::string& line : fuzz::linesOf(text)) {
-            // However the line is split: a tag has no colon.
+            // A tag contains no colon, so the last colon ends the name.
             const std::size_t end = line.find_last_not_of(':') + 1;
             const std::size_t colon = line.substr(0, end).rfind(':');
             if (colon != std::string::npos)
@@ -113,7 +114,7 @@ std::set<std::string> formerTags(const fuzz::UpdateScript& script, const Tree& b
     const fuzz::Sandbox& sandbox = fuzz::Sandbox::get();
     for (const auto& [name, content] : before)
         tags.insert(SHA1::fileContentsToSHA1Hex(sandbox.file(name)));
-    // An index may name what lies elsewhere; that is looked at, and only that.
+    // An index may name files elsewhere; the run hashes these.
     for (const std::string& line : fuzz::linesOf(script.index)) {
         const std::string name = StringUtils::removeAllOf(line, "\r");
         tags.insert(SHA1::fileContentsToSHA1Hex(sandbox.file("core/" + name)));
@@ -122,7 +123,7 @@ std::set<std::string> formerTags(const fuzz::UpdateScript& script, const Tree& b
     return tags;
 }
 
-/// A line is a name, a colon, and a tag that is known from somewhere: a new one only with its file.
+/// A line consists of a name, a colon, and a known tag. A new tag requires that its file was delivered.
 void checkLine(const std::string& line, const std::set<std::string>& former,
                const fuzz::CheckingService& service)
 {
@@ -180,7 +181,7 @@ void checkClosing(const test::SlotRecorder& recorder, const fuzz::ScriptedServic
     }
 }
 
-/// Against a service that works everything becomes as it should be, and stays so.
+/// A run against a sound service must repair everything, and the run after it must change nothing.
 void checkConvergence()
 {
     const fuzz::Sandbox& sandbox = fuzz::Sandbox::get();
@@ -213,7 +214,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     const std::string text = fuzz::textOf(data, size);
     if (text.find("clean") != std::string::npos)
-        return 0; // It might guess a tag of the service that works.
+        return 0; // The input might contain a tag of the sound service.
     fuzz::UpdateScript script(text);
     fuzz::MemoryPrefs& prefs = preparedPrefs();
     prefs.setPref(PrefId::kExcludeCoreContent, script.isCoreExcluded);

@@ -8,21 +8,21 @@
 
 namespace fuzz {
 
-/// A run of the updater, described in lines; what the lines do not say goes on as if nothing had changed.
+/// A run of the updater described in lines. Without a line for it, nothing has changed on the service.
 ///
-///     c                    the run is for core catalogs alone
-///     x                    a full run leaves the core catalogs alone
-///     eADDRESS             where the redirect leads; nowhere without an address
+///     c                    the run updates only core catalogs
+///     x                    a full run excludes the core catalogs
+///     eADDRESS             the target of the redirect; none without an address
 ///     1LINE 2LINE 4LINE    a line of the hash file of that category
 ///     iLINE                a line of the core content index
-///     hSTATUS LINES        the next header answer, its lines parted by "|"; "h-" is none, "h!" throws
+///     hSTATUS LINES        the next header response with lines separated by "|"; "h-": none, "h!": throws
 ///     d=BODY               the next download
 ///     d3000=BODY           the same, repeated up to that many bytes
-///     d#LINES              the next download: an archive in lines (ArchiveScript.h) parted by "|"
-///     d-42                 a download that fails with that number; "d~" leaves a part of it, "d!" throws
-///     gCALLS               progress calls without a byte in front of the next download
-///     p=BODY               the next page that is fetched; "p-" is none, "p!" throws
-///     kCOUNT               the run is cancelled at the request of that number
+///     d#LINES              the next download: an archive (ArchiveScript.h) with lines separated by "|"
+///     d-42                 a download that fails with this number; "d~": leaves a part, "d!": throws
+///     gCALLS               the number of progress calls without a byte before the next download
+///     p=BODY               the next page; "p-": none, "p!": throws
+///     kCOUNT               the run is cancelled at the request with this number
 struct UpdateScript
 {
     explicit UpdateScript(const std::string& text);

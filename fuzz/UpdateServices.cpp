@@ -16,7 +16,7 @@ namespace {
 const char kRequestEnd[] = "&product=Orv&version=7";
 const char kIndexName[] = "Orv_Core_Content_Index.txt";
 
-/// The one header line of the updater's requests, without what is around the tag.
+/// The tag in the only header line of a request.
 std::string requestedTag(const std::vector<std::string>& headerLines)
 {
     const std::string start = "If-None-Match: \"";

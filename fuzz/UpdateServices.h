@@ -9,8 +9,8 @@
 
 namespace fuzz {
 
-/// What both download services of a run have in common: they see to it that the updater keeps to its own side
-/// of the contract, and remember what they handed out.
+/// The base of both download services of a run. It checks that the updater keeps the contract and records
+/// what the updater received.
 class CheckingService : public Curl
 {
 public:
@@ -26,16 +26,16 @@ public:
                    bool followRedirects, int timeoutSeconds) final;
     std::string urlAfterRedirects(const std::string& url) final;
 
-    /// The bodies of the downloads that went well, and the names that they were asked for by.
+    /// The bodies of the successful downloads, and the names in their requests.
     std::set<std::string> bodies;
     std::set<std::string> deliveredNames;
-    /// The tags of all header answers.
+    /// The tags of all header responses.
     std::set<std::string> tags;
-    /// Requests of all kinds so far.
+    /// The number of requests of all kinds so far.
     unsigned long requests = 0;
 
 protected:
-    /// How one download goes on behind the checks.
+    /// The parameters of a download after the checks.
     struct Transfer
     {
         const fileString& target;
@@ -48,12 +48,12 @@ protected:
     virtual std::string endpoint() = 0;
     virtual bool answerHeader(const std::string& name, const std::string& tag, std::string& headerText,
                               std::int64_t& status) = 0;
-    /// @param body filled when the download goes well
+    /// @param body set if the download succeeds
     virtual bool transfer(const std::string& name, const Transfer& transfer, std::string& body) = 0;
     virtual bool answerPage(const std::string& name, std::string& body) = 0;
     virtual void atRequest() {}
 
-    /// Writes a file as the real service would: never to a name that cannot be.
+    /// Writes a file as the real service would. Fails for impossible names.
     static bool writeTarget(const fileString& target, const std::string& body);
 
 private:
@@ -63,7 +63,7 @@ private:
     std::string mEndpoint;
 };
 
-/// Answers from a script.
+/// Replies from a script.
 class ScriptedService : public CheckingService
 {
 public:
@@ -85,13 +85,13 @@ private:
     bool mHasServedIndex = false;
 };
 
-/// A service that works, with a few files of its own.
+/// A sound service with a few files.
 class CleanService : public CheckingService
 {
 public:
-    /// No tag of a script may start like this.
+    /// Tags of a script must not start like this.
     static const char kTagStart[];
-    /// A catalog by the name that it is asked for by.
+    /// The content of the catalog with this name.
     static std::string bodyOf(const std::string& name);
     static std::string tagOf(const std::string& name) { return kTagStart + name; }
     static const std::set<std::string>& names();
@@ -104,7 +104,7 @@ protected:
     bool answerPage(const std::string& name, std::string& body) override;
 };
 
-/// Preferences that end with the process.
+/// Preferences in memory.
 class MemoryPrefs : public PrefSet
 {
 public:

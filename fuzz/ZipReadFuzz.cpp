@@ -1,6 +1,5 @@
-// Any bytes as an archive: the walk hands out what the directory says, both ways of reading a member give the
-// same bytes, which are those of the compression library alone, and nothing but the two documented exceptions
-// comes out.
+// Any bytes as an archive. A walk must give the members of the directory, both ways of reading a member must
+// give the bytes that the compression library gives, and only the two documented exceptions may be thrown.
 #include <algorithm>
 #include <new>
 #include <stdexcept>
@@ -16,7 +15,7 @@ namespace {
 
 using Content = std::optional<std::string>;
 
-/// What `read` returns; nothing when it throws what it may.
+/// The result of `read`; none if it throws a documented exception.
 template <class Function>
 auto resultOf(Function read) -> std::optional<decltype(read())>
 try {
@@ -62,7 +61,7 @@ void checkMember(const fileString& archive, const JudgedMember& member, std::siz
 {
     const fileString address = archive + ZipUtils::getDelimiter() + fileString(member.name);
     const Content whole = readWhole(address);
-    // At most some dozens of pieces, however large the member is.
+    // At most a few dozen pieces per member, whatever its size.
     const std::size_t pieceSize = 1 + oddity % 7 + member.facts.size / 40;
     require(whole == readInPieces(address, pieceSize), "both ways of reading give the same");
     require(whole == member.content, "the content is what the compression library finds");
@@ -70,7 +69,7 @@ void checkMember(const fileString& archive, const JudgedMember& member, std::siz
     require(!whole || whole->size() <= bound, "a member is bounded by its compressed size");
 }
 
-/// @return whether the walk went well
+/// @return whether the walk succeeded
 bool walk(const fileString& archive, const std::vector<JudgedMember>& members, std::size_t oddity)
 {
     const auto lasts = fuzz::lastOfEachName(members);
@@ -82,7 +81,7 @@ bool walk(const fileString& archive, const std::vector<JudgedMember>& members, s
         ZipUtils::getFilesDataInArchive(archive, [&](const fileString& name, auto&, const auto&) {
             require(count < members.size() && members[count].name == name.toNativeString(),
                     "the walk goes in the order of the directory");
-            // Every other walk leaves the verification of the data to its end.
+            // Every other walk leaves checking the data to its end.
             if (oddity % 2 == 0)
                 checkMember(archive, *lastOf(name.toNativeString()), oddity);
             ++count;

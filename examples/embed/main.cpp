@@ -1,4 +1,4 @@
-// The smallest careful host: it brings the core catalogs up to date and says how that went.
+// The smallest host with a careful update: it updates the core catalogs and reports the outcome.
 #include <iostream>
 #include <optional>
 
