@@ -7,5 +7,5 @@ FileReaper::FileReaper(const fileString& path) : mPath(path) {}
 FileReaper::~FileReaper()
 {
     if (mArmed)
-        FileUtils::removePath(mPath, 1);
+        FileUtils::removePath(mPath);
 }
