@@ -46,6 +46,7 @@ ReadMember readMember(unzFile file)
                                   info.size_file_extra, member.comment.data(), info.size_file_comment),
           "member");
     member.versionMadeBy = static_cast<std::uint16_t>(info.version);
+    member.versionNeeded = static_cast<std::uint16_t>(info.version_needed);
     member.flags = static_cast<std::uint16_t>(info.flag);
     member.method = static_cast<std::uint16_t>(info.compression_method);
     member.dosDate = static_cast<std::uint32_t>(info.dosDate);

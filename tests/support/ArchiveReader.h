@@ -15,6 +15,7 @@ struct ReadMember
     std::string name;
     std::string content; ///< the raw data when the member is encrypted
     std::uint16_t versionMadeBy = 0;
+    std::uint16_t versionNeeded = 0;
     std::uint16_t flags = 0;
     std::uint16_t method = 0;
     std::uint32_t dosDate = 0;

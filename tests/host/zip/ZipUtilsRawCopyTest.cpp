@@ -18,6 +18,7 @@ ArchiveMember& addOddMember(ArchiveBuilder& builder, const std::string& name)
 {
     ArchiveMember& member = builder.add(name, test::sampleBytes(3000, 7));
     member.versionMadeBy = 0x0A3F;
+    member.versionNeeded = 0x0115;
     member.internalAttributes = 1;
     member.externalAttributes = 0xA1FF0021;
     member.comment = "a comment \xC3\xBC";
@@ -31,6 +32,7 @@ void expectSameMember(const ReadMember& copy, const ReadMember& original)
     EXPECT_EQ(copy.name, original.name);
     EXPECT_EQ(copy.content, original.content);
     EXPECT_EQ(copy.versionMadeBy, original.versionMadeBy);
+    EXPECT_EQ(copy.versionNeeded, original.versionNeeded);
     EXPECT_EQ(copy.flags, original.flags & ~8U);
     EXPECT_EQ(copy.method, original.method);
     EXPECT_EQ(copy.dosDate, original.dosDate);
