@@ -330,6 +330,12 @@ TEST_F(LibraryImportBadInputTest, foldersWithoutRightsFailAndChangeNothing)
     mKitchen.write(mFolder, "locked/Kitchen.orvlibz");
     mKitchen.write(mFolder, "open/extracted.zip");
     fs::permissions(mFolder.file("open").toNativeString(), fs::perms::all);
+    const auto setRights = [&](fs::perms rights) {
+        for (const char* folder : {"textures", "locked"})
+            fs::permissions(mFolder.file(folder).toNativeString(), rights);
+    };
+    setRights(fs::perms::owner_read | fs::perms::owner_exec | fs::perms::others_read |
+              fs::perms::others_exec);
     const test::ChildEnd end = test::runWithoutRights([&] {
         const fileString extracted = mFolder.file("open/extracted.zip");
         if (LibraryImport::moveArchivedTextures(extracted, destination(), mProgress) ||
@@ -347,6 +353,7 @@ TEST_F(LibraryImportBadInputTest, foldersWithoutRightsFailAndChangeNothing)
             return 0;
         }
     });
+    setRights(fs::perms::owner_all);
     EXPECT_EQ(end.status, 0);
     EXPECT_THAT(test::listTree(mFolder.file("textures").toNativeString()), ElementsAre("Kitchen.zip"));
     EXPECT_THAT(test::listTree(mFolder.file("locked").toNativeString()), ElementsAre("Kitchen.orvlibz"));

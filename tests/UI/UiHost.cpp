@@ -1,5 +1,7 @@
 #include "tests/UI/UiHost.h"
 
+#include <QLocale>
+
 namespace test {
 
 UiHost::UiHost()
@@ -10,11 +12,13 @@ UiHost::UiHost()
             {2754, "tip: percentage"}},
       mFormerTable(StringTable::install(this))
 {
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
     setDisplayType(1);
 }
 
 UiHost::~UiHost()
 {
+    QLocale::setDefault(QLocale::system());
     StringTable::install(mFormerTable);
 }
 

@@ -14,7 +14,7 @@
 
 namespace test {
 
-/// A host with texts for tests, installed until the destructor.
+/// A host with texts for tests and an American user, installed until the destructor.
 class UiHost : private StringTable
 {
 public:

@@ -1,3 +1,5 @@
+#include <cerrno>
+#include <cstring>
 #include <stdexcept>
 
 #include <netinet/in.h>
@@ -335,7 +337,7 @@ TEST_F(CurlFaultTest, fullDiskGivesTheSystemsTextAndKeepsTheOldFile)
     disk.write("a", "old");
     server.on("/a", FaultReply::ok(std::string(2'000'000, 'x')));
     EXPECT_FALSE(service.download_to_location(server.url("/a"), disk.file("a"), reason));
-    EXPECT_EQ(reason, "write error: No space left on device");
+    EXPECT_EQ(reason, std::string("write error: ") + std::strerror(ENOSPC));
     EXPECT_EQ(readFile(disk.file("a")), "old");
     EXPECT_THAT(listTree(disk.path()), ElementsAre("a"));
     umount(disk.path().c_str());

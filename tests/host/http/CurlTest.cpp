@@ -299,7 +299,7 @@ TEST_F(CurlTest, diskFailuresGiveTheSystemsText)
     EXPECT_EQ(reason, std::string("write error: ") + std::strerror(ENOENT));
     folder.write("b/c", "");
     EXPECT_FALSE(curl.download_to_location(server.url("/a"), folder.file("b"), reason));
-    EXPECT_EQ(reason, "write error: Is a directory");
+    EXPECT_EQ(reason, std::string("write error: ") + std::strerror(EISDIR));
     EXPECT_FALSE(curl.download_to_location(server.url("/a"), fileString(), reason));
     EXPECT_THAT(reason, StartsWith("write error: "));
     EXPECT_THAT(files(), ElementsAre("b/", "b/c"));
@@ -313,7 +313,7 @@ TEST_F(CurlTest, targetThatCannotBeReplacedAtTheEndStays)
         return 0;
     };
     EXPECT_FALSE(fetch(server.url("/a"), {}, putFolderThere, this));
-    EXPECT_EQ(reason, "write error: Is a directory");
+    EXPECT_EQ(reason, std::string("write error: ") + std::strerror(EISDIR));
     EXPECT_THAT(files(), ElementsAre("a.orvlib/", "a.orvlib/kept"));
 }
 

@@ -1,5 +1,7 @@
 #include "OrvLibrary/host/impl/zip/ZipOutput_p.h"
 
+#include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 
 #include <gmock/gmock.h>
@@ -49,7 +51,7 @@ TEST(ZipOutput, aSourceThatCannotBeReadIsToldWithTheSystemsReason)
     ZipUtils::ZipOutput output(folder.file("target.zip"), patience, meter);
     EXPECT_THAT(
         [&] { output.appendRange(file.get(), 0, 50, source); },
-        testing::ThrowsMessage<std::runtime_error>(source.toNativeString() + ": Bad file descriptor"));
+        testing::ThrowsMessage<std::runtime_error>(source.toNativeString() + ": " + std::strerror(EBADF)));
 }
 
 } // namespace
