@@ -113,6 +113,11 @@ void MainWindow::connectLibrary()
     connect(mLibrary, &LibraryActions::runningChanged, this, &MainWindow::showRunning);
     connect(mLibrary, &LibraryActions::importingChanged, mStatus, &StatusLine::showImporting);
     connect(mLibrary, &LibraryActions::said, mStatus, &StatusLine::say);
+    // Behind the sentence on that for which the lists were saved.
+    const auto tellLists = [this](const QString& reason) {
+        mStatus->say(tr("Favourites and what you looked at last were not saved: %1").arg(reason));
+    };
+    connect(mLists, &UserLists::notSaved, mStatus, tellLists, Qt::QueuedConnection);
     connect(mLibrary, &LibraryActions::recordsChanged, mGallery, &GalleryPane::ask);
     connect(mLibrary, &LibraryActions::recordsChanged, mPlaces, &PlacesPane::forgetLogos);
 }

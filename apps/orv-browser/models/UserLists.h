@@ -2,21 +2,20 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 #include <utility>
 #include <vector>
 
-#include <QJsonArray>
 #include <QObject>
 #include <QString>
 #include <QTimer>
 
 #include "OrvLibrary/host/fileString.h"
+#include "apps/orv-browser/models/ListFile.h"
 
 class ItemIndex;
 
 /// The user's own lists of items: the favourites, and the items that were looked at last; and which news the
-/// user has seen. They are kept in "browser-lists.json" below the root. Lives on the interface thread.
+/// user has seen. They are kept in a ListFile. Lives on the interface thread.
 class UserLists : public QObject
 {
     Q_OBJECT
@@ -25,7 +24,7 @@ public:
     using Key = std::pair<fileString, long long>; ///< the catalog's file and the item's id
 
     /// Reads the file; a missing or damaged one means empty lists.
-    explicit UserLists(fileString root, QObject* parent = nullptr);
+    explicit UserLists(const fileString& root, QObject* parent = nullptr);
     ~UserLists() override;
 
     /// Favourites that are installed, sorted.
@@ -44,39 +43,28 @@ public:
 
     /// The number of the update up to which the user has seen what is new; none before the window first saw
     /// a catalog.
-    const std::optional<std::int64_t>& seenRun() const { return mSeenRun; }
+    const std::optional<std::int64_t>& seenRun() const { return mLists.seenRun; }
     void setSeenRun(std::int64_t run);
 
     /// Finds the items again in catalogs that were replaced: ids may stand for other items there, but an item
     /// keeps its name. Items that cannot be found wait in the lists for their catalog to come back.
     void followIndex(const ItemIndex& index);
 
-    /// Why the lists could not be saved last time, for people; empty when they were.
-    const QString& problem() const { return mProblem; }
-
 Q_SIGNALS:
     void favouritesChanged();
     void recentChanged();
+    /// The lists could not be saved. They stay as they are here, and the next save takes them along.
+    /// @param reason for people
+    void notSaved(const QString& reason);
 
 private:
-    struct Entry
-    {
-        Key key;
-        QString name;
-        bool isInstalled = true;
-    };
-    using Entries = std::vector<Entry>;
+    using Entries = ListFile::Entries;
 
-    Entries read(const QJsonArray& list) const;
-    QJsonArray written(const Entries& entries) const;
     void save();
     static bool follow(Entries& entries, const ItemIndex& index);
     static std::vector<Key> installed(const Entries& entries);
 
-    fileString mRoot;
-    Entries mFavourites;
-    Entries mRecent;
-    std::optional<std::int64_t> mSeenRun;
-    QString mProblem;
+    ListFile mFile;
+    ListFile::Lists mLists;
     QTimer mSaveLater;
 };

@@ -596,6 +596,10 @@
         <source>Library</source>
         <translation>Bibliothek</translation>
     </message>
+    <message>
+        <source>Favourites and what you looked at last were not saved: %1</source>
+        <translation>Die Favoriten und die zuletzt angesehenen Einträge wurden nicht gespeichert: %1</translation>
+    </message>
 </context>
 <context>
     <name>MakerCard</name>
