@@ -203,16 +203,29 @@ void LibraryActions::refreshManufacturers()
     Q_EMIT recordsChanged();
 }
 
+/// They lie in two files. Where only one of them can be written, it gets its former preferences back.
+bool LibraryActions::savePreferences(const BrowserSettings& former, const SharedSettings::Changes& changes,
+                                     QString& reason)
+{
+    if (!mSettings.save(mRoot, reason))
+        return false;
+    if (mShared.change(changes, reason))
+        return true;
+    QString ignored;
+    former.save(mRoot, ignored);
+    return false;
+}
+
 void LibraryActions::editPreferences()
 {
     readShared();
     PreferencesDialog dialog(mShared.file(), mSettings, &mWindow);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    mSettings = dialog.own();
+    const BrowserSettings former = std::exchange(mSettings, dialog.own());
     Appearance::apply(mSettings.colours);
     QString reason;
-    if (!mShared.change(dialog.changes(), reason) || !mSettings.save(mRoot, reason))
+    if (!savePreferences(former, dialog.changes(), reason))
         QMessageBox::warning(&mWindow, mWindow.windowTitle(),
                              tr("The preferences were not saved: %1").arg(reason));
     readShared();

@@ -71,6 +71,8 @@ Q_SIGNALS:
     void recordsChanged();
 
 private:
+    bool savePreferences(const BrowserSettings& former, const SharedSettings::Changes& changes,
+                         QString& reason);
     void quietCheckEnded();
     void update(bool evenOnMetered);
     void updateEnded(const UpdateSummary& summary);

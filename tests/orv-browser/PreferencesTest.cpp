@@ -208,22 +208,37 @@ TEST_F(BrowserPreferencesTest, fileThatCannotBeReadMeansTheDefaults)
     }
 }
 
-TEST_F(BrowserPreferencesTest, preferencesThatCannotBeWrittenAreToldToTheUser)
+TEST_F(BrowserPreferencesTest, preferencesThatCannotBeWrittenAreToldToTheUserAndNoneIsKept)
 {
-    open();
-    // A folder takes the place of the file.
-    ASSERT_TRUE(QDir().mkpath(QString::fromStdString(inRoot("browser.json/in the way"))));
-    QString told;
-    inDialog([&] { trigger("editPreferences"); },
-             [&](QDialog& dialog) {
-                 QTimer::singleShot(0, [&] {
-                     ASSERT_TRUE(waitFor([&] { return QApplication::activeModalWidget() != &dialog; }));
-                     auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-                     ASSERT_NE(box, nullptr);
-                     told = box->text();
-                     box->accept();
+    const std::string own = R"({"checkAgeHours": 6, "checkAtStart": false, "colours": "system"})";
+    const std::string shared = R"({"product": "Former"})";
+    for (const std::string blocked : {"browser.json", "settings.json"}) {
+        test::writeFile(inRoot("browser.json"), own);
+        test::writeFile(inRoot("settings.json"), shared);
+        open();
+        QDir().remove(QString::fromStdString(inRoot(blocked)));
+        // A folder takes the place of the file.
+        ASSERT_TRUE(QDir().mkpath(QString::fromStdString(inRoot(blocked + "/in the way"))));
+        QString told;
+        inDialog([&] { trigger("editPreferences"); },
+                 [&](QDialog& dialog) {
+                     line(dialog, "product").setText("Planner");
+                     dialog.findChild<QComboBox*>("colours")->setCurrentIndex(2);
+                     QTimer::singleShot(0, [&] {
+                         ASSERT_TRUE(waitFor([&] { return QApplication::activeModalWidget() != &dialog; }));
+                         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                         ASSERT_NE(box, nullptr);
+                         told = box->text();
+                         box->accept();
+                     });
+                     press(dialog, QDialogButtonBox::Ok);
                  });
-                 press(dialog, QDialogButtonBox::Ok);
-             });
-    EXPECT_TRUE(told.startsWith("The preferences were not saved: ")) << told.toStdString();
+        EXPECT_TRUE(told.startsWith("The preferences were not saved: ")) << told.toStdString();
+        close();
+        if (blocked == "browser.json")
+            EXPECT_EQ(test::readFile(inRoot("settings.json")), shared);
+        else
+            EXPECT_EQ(BrowserSettings::load(fileString(inRoot(""))).colours, "system");
+        QDir(QString::fromStdString(inRoot(blocked))).removeRecursively();
+    }
 }
