@@ -1,124 +1,17 @@
 #include "apps/orv-library/CommandLine.h"
 
 #include <algorithm>
-#include <charconv>
 #include <list>
 
 #include <CLI/CLI.hpp>
 
 #include "OrvLibrary/OrvLibraryVersion.h"
+#include "apps/orv-library/OptionSyntax.h"
 
 namespace {
 
 constexpr const char* kProgram = "orv-library";
-constexpr const char* kCommandGroup = "Commands";
 constexpr const char* kGlobalGroup = "Global options";
-
-/// Reads plain decimal. The parsing library itself would read "010" as eight.
-bool readNumber(const std::string& text, std::int64_t& number)
-{
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-    return error == std::errc() && end == text.data() + text.size();
-}
-
-/// Binds the value of `option` to a number.
-void bindNumber(CLI::Option* option, std::int64_t& target)
-{
-    option->check([&target](const std::string& text) {
-        return readNumber(text, target) ? std::string() : "'" + text + "' is not a number that can be used";
-    });
-}
-
-/// Refuses an empty value. It comes from a variable that a script has not set, and no command can use it.
-std::string isGiven(const std::string& value)
-{
-    return value.empty() ? "the value must not be empty" : "";
-}
-
-class Syntax : public CommandSyntax
-{
-public:
-    Syntax(CLI::App& app, Work& chosen) : mApp(app), mChosen(chosen) {}
-
-    void flag(const std::string& name, bool& target, const std::string& help) override
-    {
-        mApp.add_flag(name, target, help);
-    }
-
-    void option(const std::string& name, std::string& target, const std::string& valueName,
-                const std::string& help, Presence presence) override
-    {
-        CLI::Option* option = mApp.add_option(name, target, help);
-        option->type_name(valueName)->take_last()->required(presence == Presence::Required)->check(isGiven);
-    }
-
-    void option(const std::string& name, std::int64_t& target, const std::string& valueName,
-                const std::string& help, Presence presence) override
-    {
-        CLI::Option* option = mApp.add_option(name, help);
-        option->type_name(valueName)->expected(1)->take_last()->required(presence == Presence::Required);
-        bindNumber(option, target);
-    }
-
-    void list(const std::string& name, std::vector<std::string>& target, const std::string& valueName,
-              const std::string& help) override
-    {
-        mApp.add_option(name, target, help)->type_name(valueName)->allow_extra_args(false)->check(isGiven);
-    }
-
-    void exclusive(const std::string& first, const std::string& second) override
-    {
-        mApp.get_option(first)->excludes(mApp.get_option(second));
-    }
-
-    void argument(const std::string& valueName, std::string& target, const std::string& help,
-                  Presence presence) override
-    {
-        CLI::Option* option = mApp.add_option(valueName, target, help);
-        option->type_name("")->required(presence == Presence::Required)->check(isGiven);
-    }
-
-    void argument(const std::string& valueName, std::int64_t& target, const std::string& help,
-                  Presence presence) override
-    {
-        CLI::Option* option = mApp.add_option(valueName, help);
-        option->type_name("")->expected(1)->required(presence == Presence::Required);
-        bindNumber(option, target);
-    }
-
-    void arguments(const std::string& valueName, std::vector<std::string>& target, const std::string& help,
-                   Presence presence) override
-    {
-        CLI::Option* option = mApp.add_option(valueName, target, help);
-        option->type_name("")->required(presence == Presence::Required)->check(isGiven);
-    }
-
-    CommandSyntax& action(const std::string& name, const std::string& summary) override
-    {
-        mApp.require_subcommand(1);
-        return optionalAction(name, summary);
-    }
-
-    CommandSyntax& optionalAction(const std::string& name, const std::string& summary) override
-    {
-        mActions.emplace_back(*mApp.add_subcommand(name, summary)->group(kCommandGroup), mChosen);
-        return mActions.back();
-    }
-
-    void runs(Work work) override
-    {
-        // An action comes before its command.
-        mApp.final_callback([this, work = std::move(work)] {
-            if (!mChosen)
-                mChosen = work;
-        });
-    }
-
-private:
-    CLI::App& mApp;
-    Work& mChosen;
-    std::list<Syntax> mActions;
-};
 
 /// The innermost command or action that was given.
 const CLI::App& chosenApp(const CLI::App& app)
@@ -162,7 +55,8 @@ public:
         mApp.get_formatter()->label("Positionals", "Arguments");
         mApp.get_formatter()->label("REQUIRED", "(required)");
         for (const auto& command : commands) {
-            CLI::App* app = mApp.add_subcommand(command->name(), command->summary())->group(kCommandGroup);
+            CLI::App* app =
+                mApp.add_subcommand(command->name(), command->summary())->group(OptionSyntax::kCommandGroup);
             mSyntaxes.emplace_back(*app, mWork);
             command->declare(mSyntaxes.back());
         }
@@ -195,8 +89,11 @@ public:
     {
         CLI::Option* option = app.add_option_function<std::string>(
             name, [&target](const std::string& value) { target = value; }, help);
-        return option->check(isGiven)->type_name(valueName)->take_last()->trigger_on_parse()->group(
-            kGlobalGroup);
+        return option->check(OptionSyntax::isGiven)
+            ->type_name(valueName)
+            ->take_last()
+            ->trigger_on_parse()
+            ->group(kGlobalGroup);
     }
 
     void addProgressOption(CLI::App& app)
@@ -264,7 +161,7 @@ public:
     }
 
     CLI::App mApp;
-    std::list<Syntax> mSyntaxes;
+    std::list<OptionSyntax> mSyntaxes;
     GlobalOptions mOptions;
     CommandSyntax::Work mWork;
     std::string mText;

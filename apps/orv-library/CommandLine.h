@@ -7,7 +7,7 @@
 #include "apps/orv-library/Command.h"
 #include "apps/orv-library/GlobalOptions.h"
 
-/// Reads the command line. Only this class uses the parsing library.
+/// Reads the command line. Only this class and `OptionSyntax` use the parsing library.
 class CommandLine
 {
 public:
