@@ -1,3 +1,8 @@
+// How it works: each function wraps one system call, repeats it after a signal, and leaves the reason of a
+// failure in `errno`. Paths with a NUL byte never reach the system. Locks are those of `flock`. Waiting for
+// one is polling with growing pauses, because `flock` itself has no time limit. A file system without locks
+// gives `Lock::Unknown`, and the callers go on without one. `copyContent` lets the kernel copy; whatever the
+// kernel leaves, for an unsupported pair of file systems everything, is copied by reading and writing.
 #include "OrvLibrary/host/impl/files/FileHandle_p.h"
 
 #include <algorithm>
