@@ -47,7 +47,9 @@ class CommandLine::Private
 {
 public:
     explicit Private(const CommandList& commands)
-        : mApp("Keeps catalogs of library content up to date and works on library files.", kProgram)
+        : mApp(
+              "Updates the catalogs of a library, imports library archives, and manages filters and records.",
+              kProgram)
     {
         mApp.require_subcommand(1);
         mApp.get_formatter()->column_width(34);
@@ -71,14 +73,14 @@ public:
                              "Print the version and exit")
             ->group(kGlobalGroup);
         addTextOption(app, "--root", "DIR", mOptions.root,
-                      "Root of the library's folders; else $ORV_LIBRARY_ROOT, else the\n"
-                      "user's data folder");
+                      "Root of the library's folders (default: $ORV_LIBRARY_ROOT, otherwise\n"
+                      "in the user's data folder)");
         app.add_flag_callback(
                "--json", [this] { mOptions.json = true; }, "Print one JSON document on standard output")
             ->group(kGlobalGroup);
         addProgressOption(app);
         addTextOption(app, "--trace", "FILE", mOptions.traceFile,
-                      "Append what the host object is told to FILE, one JSON line each");
+                      "Append each call of the host object to FILE as a JSON line");
         for (CLI::App* command : app.get_subcommands([](CLI::App*) { return true; }))
             addGlobalOptions(*command);
     }
@@ -104,7 +106,7 @@ public:
                                                                    {"none", ProgressMode::None}};
         CLI::Option* option = app.add_option_function<std::string>(
             "--progress", [this](const std::string& value) { mOptions.progress = kModes.at(value); },
-            "Progress on standard error; auto: a bar on a terminal, else lines");
+            "Progress on standard error; auto: a bar on a terminal, otherwise lines");
         option->check([](const std::string& value) {
             return kModes.count(value) ? std::string() : "'" + value + "' is none of auto, bar, plain, none";
         });

@@ -33,7 +33,7 @@ std::vector<NamedPath> wellKnownPaths(const fileString& root)
 
 void PathsCommand::declare(CommandSyntax& syntax)
 {
-    syntax.flag("--create", mCreate, "Make the root and the folders that are missing");
+    syntax.flag("--create", mCreate, "Create the root and all missing folders");
     syntax.runs([this](Session& session) { return run(session); });
 }
 

@@ -72,15 +72,15 @@ ExitStatus changed(Session& session, const fileString& root, Change change)
 void SettingsCommand::declare(CommandSyntax& syntax)
 {
     syntax.runs(list);
-    syntax.optionalAction("list", "Print what is set").runs(list);
+    syntax.optionalAction("list", "Print the settings").runs(list);
     CommandSyntax& getting = syntax.optionalAction("get", "Print one setting, or its default");
     getting.argument("KEY", mKey, "The setting");
     getting.runs([this](Session& session) { return get(session); });
-    CommandSyntax& setting = syntax.optionalAction("set", "Set one; makes the root when it is missing");
+    CommandSyntax& setting = syntax.optionalAction("set", "Set one; creates a missing root");
     setting.argument("KEY", mKey, "The setting");
-    setting.arguments("VALUE", mValues, "Its value; lists take several", CommandSyntax::Presence::Required);
+    setting.arguments("VALUE", mValues, "The value; lists accept several", CommandSyntax::Presence::Required);
     setting.runs([this](Session& session) { return set(session); });
-    CommandSyntax& unsetting = syntax.optionalAction("unset", "Go back to the default of one");
+    CommandSyntax& unsetting = syntax.optionalAction("unset", "Reset one to its default");
     unsetting.argument("KEY", mKey, "The setting");
     unsetting.runs([this](Session& session) { return unset(session); });
 }

@@ -11,7 +11,7 @@ class SettingsCommand : public Command
 {
 public:
     std::string name() const override { return "settings"; }
-    std::string summary() const override { return "Show and change what holds for every run"; }
+    std::string summary() const override { return "Show and change the settings"; }
     void declare(CommandSyntax& syntax) override;
 
 private:

@@ -48,7 +48,7 @@ std::string readable(const std::vector<Doctor::Step>& steps)
 void DoctorCommand::declare(CommandSyntax& syntax)
 {
     mOptions.declare(syntax);
-    syntax.option("--report", mReport, "FILE.zip", "Pack what support needs, without names and secrets");
+    syntax.option("--report", mReport, "FILE.zip", "Pack a report for support, without names and secrets");
     syntax.runs([this](Session& session) { return run(session); });
 }
 

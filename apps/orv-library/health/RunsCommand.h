@@ -9,7 +9,7 @@ class RunsCommand : public Command
 {
 public:
     std::string name() const override { return "runs"; }
-    std::string summary() const override { return "Tell of the last updates and checks"; }
+    std::string summary() const override { return "List the last updates and checks"; }
     void declare(CommandSyntax& syntax) override;
 
 private:

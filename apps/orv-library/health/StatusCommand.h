@@ -7,7 +7,7 @@ class StatusCommand : public Command
 {
 public:
     std::string name() const override { return "status"; }
-    std::string summary() const override { return "Tell whether the library is up to date and sound"; }
+    std::string summary() const override { return "Show whether the library is up to date and sound"; }
     void declare(CommandSyntax& syntax) override;
 
 private:

@@ -9,7 +9,7 @@ class InfoCommand : public Command
 {
 public:
     std::string name() const override { return "info"; }
-    std::string summary() const override { return "Tell what is known of one installed catalog"; }
+    std::string summary() const override { return "Show one installed catalog"; }
     void declare(CommandSyntax& syntax) override;
 
 private:

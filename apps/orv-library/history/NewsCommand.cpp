@@ -27,7 +27,7 @@ std::string linesOf(const char* sign, const std::vector<OrvHost::CatalogItems::I
 
 void NewsCommand::declare(CommandSyntax& syntax)
 {
-    syntax.option("--since", mSince, "RUN", "Everything since the run of this number");
+    syntax.option("--since", mSince, "RUN", "Show all changes since the run with this number");
     syntax.runs([this](Session& session) { return run(session); });
 }
 

@@ -9,7 +9,7 @@ class NewsCommand : public Command
 {
 public:
     std::string name() const override { return "news"; }
-    std::string summary() const override { return "Tell which items are new, changed and gone"; }
+    std::string summary() const override { return "Show which items are new, changed and removed"; }
     void declare(CommandSyntax& syntax) override;
 
 private:

@@ -7,7 +7,7 @@
 void RestoreCommand::declare(CommandSyntax& syntax)
 {
     syntax.argument("NAME", mName, "File name of a catalog, or its name without extension");
-    syntax.argument("VERSION", mVersion, "One of those that history lists; otherwise the newest",
+    syntax.argument("VERSION", mVersion, "A version that history lists (default: the newest)",
                     CommandSyntax::Presence::Optional);
     syntax.runs([this](Session& session) { return run(session); });
 }

@@ -9,7 +9,7 @@ class RestoreCommand : public Command
 {
 public:
     std::string name() const override { return "restore"; }
-    std::string summary() const override { return "Put a former version of a catalog back"; }
+    std::string summary() const override { return "Restore a former version of a catalog"; }
     void declare(CommandSyntax& syntax) override;
 
 private:

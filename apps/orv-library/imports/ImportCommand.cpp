@@ -103,10 +103,10 @@ void ImportCommand::declare(CommandSyntax& syntax)
     syntax.arguments("SOURCE", mSources, "The archives: paths or http addresses",
                      CommandSyntax::Presence::Required);
     syntax.flag("--proprietary", mIsProprietary, "A manufacturer's library");
-    syntax.flag("--dry-run", mIsDryRun, "Say what would come, be replaced and be added; change nothing");
+    syntax.flag("--dry-run", mIsDryRun, "Show what would be imported, replaced and added; change nothing");
     syntax.flag("--set-aside", mSetsAside,
-                "Keep a damaged texture archive as NAME.zip.damaged, and go on\nwith its sound files");
-    syntax.flag("--no-database-check", mSkipsDatabaseCheck, "Take a library whose database is none, too");
+                "Keep a damaged texture archive as NAME.zip.damaged, and continue\nwith its sound files");
+    syntax.flag("--no-database-check", mSkipsDatabaseCheck, "Accept a library whose database is not one");
     syntax.runs([this](Session& session) { return run(session); });
 }
 

@@ -68,7 +68,7 @@ void PackCommand::declare(CommandSyntax& syntax)
     syntax.arguments("FILE", mFiles, "The files that the library refers to");
     syntax.option("--output", mOutput, "OUT.orvlibz", "The archive to write",
                   CommandSyntax::Presence::Required);
-    syntax.flag("--no-database-check", mSkipsDatabaseCheck, "Pack a library whose database is none, too");
+    syntax.flag("--no-database-check", mSkipsDatabaseCheck, "Pack a library even if its database is not one");
     syntax.runs([this](Session& session) { return run(session); });
 }
 

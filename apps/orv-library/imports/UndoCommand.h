@@ -9,7 +9,7 @@ class UndoCommand : public Command
 {
 public:
     std::string name() const override { return "undo"; }
-    std::string summary() const override { return "Take back the last import"; }
+    std::string summary() const override { return "Undo the last import"; }
     void declare(CommandSyntax& syntax) override;
 
 private:

@@ -166,16 +166,15 @@ void FiltersCommand::declare(CommandSyntax& syntax)
     action("show", "Print one filter", &FiltersCommand::show).argument("ID", mId, "Id of the filter");
     CommandSyntax& adding = action("add", "Add a filter", &FiltersCommand::add);
     adding.argument("NAME", mName, "Name of the filter");
-    adding.arguments("DATABASE-ID", mDatabases, "The databases that it names");
-    adding.option("--id", mId, "N", "Id of the filter; else the lowest free one");
+    adding.arguments("DATABASE-ID", mDatabases, "The databases of the filter");
+    adding.option("--id", mId, "N", "Id of the filter (default: the lowest free one)");
     action("remove", "Remove a filter", &FiltersCommand::remove).argument("ID", mId, "Id of the filter");
     action("use", "Make a filter the current one, or none", &FiltersCommand::use)
         .argument("ID|NAME|none", mIdOrName, "Id or name of the filter, or none");
     action("drop-database", "Remove a database from every filter", &FiltersCommand::dropDatabase)
         .argument("DATABASE-ID", mDatabase, "Id of the database");
-    action("merge", "Merge the filters into another filter file and take over the result",
-           &FiltersCommand::merge)
-        .argument("FILE", mFile, "The other filter file; made when it is missing");
+    action("merge", "Merge the filters with another filter file; both get the result", &FiltersCommand::merge)
+        .argument("FILE", mFile, "The other filter file; it is created if it is missing");
 }
 
 ExitStatus FiltersCommand::list(Session& session) const

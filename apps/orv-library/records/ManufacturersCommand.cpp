@@ -142,14 +142,14 @@ std::string chosen(const std::string& given, const std::string& setting, const s
 void ManufacturersCommand::declare(CommandSyntax& syntax)
 {
     syntax.action("list", "Print all records, as they are stored").runs(list);
-    CommandSyntax& one = syntax.action("show", "Print one record, defaulted contacts resolved");
+    CommandSyntax& one = syntax.action("show", "Print one record, with the default text for its contacts");
     one.argument("ID", mId, "Id of the manufacturer");
     one.runs([this](Session& session) { return show(session); });
     CommandSyntax& refreshing =
         syntax.action("refresh", "Fetch the records and their logos from the web service");
-    refreshing.option("--data-url", mDataUrl, "U", "Address of the manufacturer file; else as set");
+    refreshing.option("--data-url", mDataUrl, "U", "Address of the manufacturer file (default: as set)");
     refreshing.option("--logo-url", mLogoUrl, "U",
-                      "Address to which the name of a logo is added; else as set");
+                      "Address to which the path of a logo is appended (default: as set)");
     refreshing.runs([this](Session& session) { return refresh(session); });
 }
 

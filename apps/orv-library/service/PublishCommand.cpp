@@ -8,7 +8,7 @@
 void PublishCommand::declare(CommandSyntax& syntax)
 {
     syntax.argument("SOURCE", mSource, "The content folder to publish");
-    syntax.argument("DIR", mTarget, "The folder of the service, made when it is missing");
+    syntax.argument("DIR", mTarget, "The folder of the service; it is created if it is missing");
     syntax.runs([this](Session& session) { return run(session); });
 }
 

@@ -9,7 +9,10 @@ class PublishCommand : public Command
 {
 public:
     std::string name() const override { return "publish"; }
-    std::string summary() const override { return "Write the folder of the scaled catalog service"; }
+    std::string summary() const override
+    {
+        return "Write the folder for a catalog service with many clients";
+    }
     void declare(CommandSyntax& syntax) override;
 
 private:

@@ -8,7 +8,7 @@
 
 void SampleCommand::declare(CommandSyntax& syntax)
 {
-    syntax.argument("DIR", mFolder, "The folder to write, made when it is missing");
+    syntax.argument("DIR", mFolder, "The folder to write; it is created if it is missing");
     syntax.runs([this](Session& session) { return run(session); });
 }
 

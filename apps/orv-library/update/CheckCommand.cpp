@@ -83,9 +83,9 @@ QJsonObject failureDocument()
 void CheckCommand::declare(CommandSyntax& syntax)
 {
     mOptions.declare(syntax);
-    syntax.flag("--explain", mExplain, "Say of each catalog why");
-    syntax.flag("--quiet", mQuiet, "Print nothing but a line when it could not be told");
-    syntax.option("--max-age", mMaxAge, "H", "Do not ask when that was done less than H hours ago");
+    syntax.flag("--explain", mExplain, "List every catalog with the reason");
+    syntax.flag("--quiet", mQuiet, "Print nothing, or one line if the check is incomplete");
+    syntax.option("--max-age", mMaxAge, "H", "Repeat the last result if it is less than H hours old");
     syntax.runs([this](Session& session) { return run(session); });
 }
 

@@ -12,7 +12,7 @@ class CheckCommand : public Command
 {
 public:
     std::string name() const override { return "check"; }
-    std::string summary() const override { return "Tell what an update would fetch, and fetch nothing"; }
+    std::string summary() const override { return "Show what an update would fetch"; }
     void declare(CommandSyntax& syntax) override;
 
 private:

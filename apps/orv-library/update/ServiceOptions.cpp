@@ -57,18 +57,19 @@ void add(std::vector<std::string>& names, const std::vector<std::string>& given)
 void ServiceOptions::declare(CommandSyntax& syntax)
 {
     syntax.option("--url", mUrl, "REDIRECT", "Address that redirects to the web service");
-    syntax.option("--product", mProduct, "P", "Product that the service is told");
-    syntax.option("--product-version", mProductVersion, "V", "Version that the service is told");
-    syntax.option("--retries", mRetries, "N", "How often a failed request is made again (default: 3)");
-    syntax.flag("--no-database-check", mNoDatabaseCheck, "Take catalogs that are no databases");
+    syntax.option("--product", mProduct, "P", "Product name sent to the service");
+    syntax.option("--product-version", mProductVersion, "V", "Product version sent to the service");
+    syntax.option("--retries", mRetries, "N", "How often a failed request is repeated (default: 3)");
+    syntax.flag("--no-database-check", mNoDatabaseCheck, "Accept catalogs that are not databases");
     syntax.option("--cacert", mCertificates, "FILE", "Trust these certificate authorities (PEM)");
-    syntax.option("--proxy", mProxy, "URL", "Proxy; else what the environment says");
-    syntax.option("--limit-rate", mLimitRate, "BYTES", "Receive at most so many bytes a second");
+    syntax.option("--proxy", mProxy, "URL", "Proxy (default: that of the environment)");
+    syntax.option("--limit-rate", mLimitRate, "BYTES", "Receive at most this many bytes per second");
     syntax.option("--metered", mMetered, "fetch|postpone",
-                  "While the connection is metered: fetch, or only tell what waits (default)");
-    syntax.flag("--core-only", mCoreOnly, "Leave bonus and manufacturer catalogs alone");
+                  "On a metered connection: fetch, or only check (default)");
+    syntax.flag("--core-only", mCoreOnly, "Update only core catalogs");
     syntax.option("--index", mIndex, "NAME",
-                  std::string("Core content index; otherwise ") + OrvHost::AppHost::kDefaultContentIndex);
+                  std::string("Core content index (default: ") + OrvHost::AppHost::kDefaultContentIndex +
+                      ")");
     syntax.list("--bonus", mBonus, "NAME", "One more bonus catalog, NAME.orvlib; may be repeated");
     syntax.list("--manufacturer", mManufacturer, "NAME",
                 "One more manufacturer catalog, NAME.orvlib; may be repeated");

@@ -9,7 +9,7 @@ class UpdateCommand : public Command
 {
 public:
     std::string name() const override { return "update"; }
-    std::string summary() const override { return "Bring the catalogs up to date from the web service"; }
+    std::string summary() const override { return "Update the catalogs from the web service"; }
     void declare(CommandSyntax& syntax) override;
 
 private:
