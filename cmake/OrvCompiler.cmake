@@ -23,10 +23,10 @@ if(ORV_WARNINGS_AS_ERRORS)
     target_compile_options(orv_warnings INTERFACE -Werror)
 endif()
 
-# Source files are named from the top of the tree, so that no build path stands in what is installed.
+# Source files are named from the top of the tree, so that installed files contain no build path.
 add_compile_options("-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=")
 
-# Tests run with the standard library's own checks: an index out of range ends them.
+# Tests run with the checks of the standard library: for example, an index out of range ends the program.
 if(ORV_BUILD_TESTS)
     add_compile_definitions(_GLIBCXX_ASSERTIONS)
 endif()
@@ -36,7 +36,7 @@ if(ORV_SANITIZE)
     add_link_options(-fsanitize=${ORV_SANITIZE})
 endif()
 if(ORV_COVERAGE)
-    # Threads that count at once would lose counts, and make some of them negative.
+    # Without atomic updates, threads would lose counts and make some of them negative.
     add_compile_options(--coverage -fprofile-update=atomic -O0)
     add_link_options(--coverage)
 endif()

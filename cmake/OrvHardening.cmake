@@ -1,6 +1,6 @@
-# What a host that opens archives and answers of strangers should carry: checked buffer sizes, guarded stacks, tables
-# that cannot be written after loading, programs at random addresses. Sanitized builds have stricter checks, which
-# these would hide; a debug build takes the linker's part only.
+# Protections for a host that opens archives and reads responses from other machines: checked buffer sizes, tables that are
+# read-only after loading, programs at random addresses. Sanitized builds have stricter checks, which these would hide. A
+# debug build has only the protections of the linker.
 
 include(CheckCXXCompilerFlag)
 include(CheckPIESupported)
@@ -12,7 +12,7 @@ check_pie_supported(LANGUAGES CXX)
 
 if(ORV_HARDENING AND NOT ORV_SANITIZE)
     set(hardening -U_FORTIFY_SOURCE -D_FORTIFY_SOURCE=3 -fstack-protector-strong)
-    # Not on every processor.
+    # Not available on every processor.
     foreach(flag IN ITEMS -fstack-clash-protection -fcf-protection)
         string(MAKE_C_IDENTIFIER "ORV_HAS${flag}" has)
         check_cxx_compiler_flag(${flag} ${has})

@@ -17,7 +17,7 @@ endif()
 install(TARGETS ${libraries} EXPORT OrvLibraryTargets
     LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT runtime NAMELINK_COMPONENT development)
 
-# Every header that a host may include: internal ones end in _p.h, and the JSON room is the library's own.
+# Every header that a host may include. Internal headers end in _p.h, and the headers of the JSON room are internal too.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/OrvLibrary"
     DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development
     FILES_MATCHING PATTERN "*.h"
@@ -38,7 +38,7 @@ write_basic_package_version_file("${PROJECT_BINARY_DIR}/OrvLibraryConfigVersion.
 install(FILES "${PROJECT_BINARY_DIR}/OrvLibraryConfig.cmake" "${PROJECT_BINARY_DIR}/OrvLibraryConfigVersion.cmake"
     DESTINATION "${ORV_CMAKE_DIR}" COMPONENT development)
 
-# Relative to the file itself, so that an installed tree may be moved.
+# Relative to the file itself, so that an installed tree can be moved.
 file(RELATIVE_PATH ORV_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(packaging/orvlibrary.pc.in "${PROJECT_BINARY_DIR}/orvlibrary.pc" @ONLY)
 install(FILES "${PROJECT_BINARY_DIR}/orvlibrary.pc"
@@ -74,7 +74,7 @@ if(ORV_BUILD_APPS)
     list(APPEND CPACK_COMPONENTS_ALL programs)
     set(CPACK_DEBIAN_PROGRAMS_PACKAGE_NAME orv-library)
     set(CPACK_DEBIAN_PROGRAMS_PACKAGE_SECTION utils)
-    # What no symbol shows: the library of the same build, and the driver that catalog databases are read with.
+    # Dependencies that the symbols do not show: the library of the same build, and the driver for catalog databases.
     set(CPACK_DEBIAN_PROGRAMS_PACKAGE_DEPENDS
         "liborvlibrary${PROJECT_VERSION_MAJOR} (= ${PROJECT_VERSION}), libqt5sql5-sqlite")
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS_PRIVATE_DIRS "${PROJECT_BINARY_DIR}/OrvLibrary;${PROJECT_BINARY_DIR}/OrvHost")

@@ -1,7 +1,8 @@
-# The programs, their manual pages, the shell completion, the timer for checks, and what a catalog service is set up from.
+# The programs, their manual pages, the shell completion, the timer for checks, and the files for setting up a catalog
+# service.
 
 file(RELATIVE_PATH ORV_BIN_TO_LIB "/${CMAKE_INSTALL_BINDIR}" "/${CMAKE_INSTALL_LIBDIR}")
-# Relative to the program itself, so that an installed tree may be moved.
+# Relative to the program itself, so that an installed tree can be moved.
 set_target_properties(orv-library orv-browser PROPERTIES INSTALL_RPATH "$ORIGIN/${ORV_BIN_TO_LIB}")
 install(TARGETS orv-library orv-browser RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT programs)
 install(FILES packaging/completion/orv-library.bash

@@ -1,4 +1,4 @@
-# Libdeflate inflates whole members two to three times as fast as zlib; zlib does what does not fit in memory.
+# Libdeflate inflates whole members two to three times as fast as zlib. Zlib inflates members that do not fit into memory.
 
 find_path(ORV_LIBDEFLATE_INCLUDE_DIR libdeflate.h REQUIRED)
 find_library(ORV_LIBDEFLATE_LIBRARY NAMES libdeflate.a deflate REQUIRED)

@@ -1,5 +1,5 @@
-# Minizip, as a static library, for what is not in the library: the catalog service writes archives with it, and the
-# tests read every archive back with it, because it is another maker's.
+# Minizip as a static library. The catalog service writes archives with it, and the tests read every archive with it,
+# because it is an independent implementation. The library itself does not use it.
 
 find_path(ORV_MINIZIP_INCLUDE_DIR minizip/unzip.h REQUIRED)
 find_library(ORV_MINIZIP_LIBRARY NAMES libminizip.a REQUIRED)

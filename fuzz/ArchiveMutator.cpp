@@ -1,5 +1,6 @@
-// Mutations of archives that stay archives. Plain ones break the records' lengths and checksums at once, and
-// what lies behind those checks is never reached; so some of them are put right again afterwards.
+// Mutations that keep archives valid. A plain mutation usually breaks the lengths and checksums of the
+// records, so the code behind those checks is never reached. Therefore some of them are repaired after the
+// mutation.
 #include <algorithm>
 #include <string>
 #include <vector>
@@ -14,7 +15,7 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 
 namespace {
 
-/// What is put right; one bit each, so that every lie survives now and then.
+/// The parts that are repaired. Each is one bit, so that sometimes a part stays wrong.
 enum Repair : unsigned
 {
     EndRecord = 1,
@@ -99,8 +100,8 @@ private:
         }
     }
 
-    /// Replaces a deflate stream by as much of its content as can be had.
-    /// @return how much of the stream that took
+    /// Replaces a deflate stream by as much of its content as can be inflated.
+    /// @return the number of consumed bytes
     static std::size_t inflateSome(std::string& content)
     {
         z_stream stream = {};
@@ -144,7 +145,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
 {
     size = LLVMFuzzerMutate(data, size, maxSize);
     if (seed % 4 != 0) {
-        // Two lies of five at most times, one at least as often as none.
+        // Each of the five parts stays wrong with a probability of one quarter.
         const unsigned lies = (seed >> 8) & (seed >> 16) & 31U;
         ArchiveRepair(reinterpret_cast<char*>(data), size, lies).run();
     }

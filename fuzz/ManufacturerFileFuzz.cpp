@@ -1,5 +1,5 @@
 // Any text as a manufacturer file. Reading must give what the rules give for the tree of another JSON reader.
-// What the manager writes must read as the same.
+// The files that the manager writes must read as the same.
 #include <map>
 
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"

@@ -1,3 +1,8 @@
+// How it works: a core catalog is compared with its tag in the hash file, an archive with the checksums of
+// its members. `note` collects the results of both. A damaged file counts as listed if a hash line makes an
+// update fetch it; `bringerOf` finds that line for archives of referenced files, and `forget` removes it.
+// `checkAll` does the same as the two other checks, with progress over the bytes of all files.
+// `futureStamps`, `missingFiles` and `leftOvers` read only names, times and hash files.
 #include "OrvHost/health/LibraryHealth.h"
 
 #include <algorithm>

@@ -1,12 +1,12 @@
 # bash completion for orv-library
 
-# Offers what a command says in its JSON document: the value at the end of each match, if it begins with the current word.
+# Offers values from the JSON document of a command: the part at the end of each match, if it starts with the current word.
 # Usage: _orv_library_values PATTERN COMMAND...
 _orv_library_values() {
     local pattern=$1 program=${COMP_WORDS[0]/#\~\//$HOME/} typed line
     shift
     type -P -- "$program" >/dev/null || program=orv-library
-    # What was typed may be quoted already.
+    # The current word may be quoted already.
     typed=${current//\\/}
     typed=${typed#[\"\']}
     while IFS= read -r line; do
@@ -15,7 +15,7 @@ _orv_library_values() {
     return 0
 }
 
-# The words that only the library itself knows: filters, catalogs, versions, runs. Status 1 where there are none to offer.
+# Words from the library itself: filters, catalogs, versions, runs. Returns 1 if there are none to offer.
 _orv_library_known() {
     local names='"name":"[^"\\]*"' first=${words[0]} second=${words[1]} count=${#words[@]}
     case "$first $second:$count" in
@@ -40,7 +40,7 @@ _orv_library() {
     local common="--root --json --progress --trace --help --version"
     local keys="url product productVersion bonus manufacturer manufacturerDataUrl manufacturerLogoUrl proxy"
     keys+=" certificates retries connections limitRate metered diskReserve historyVersions historyBytes"
-    # The words before the current one, from the command on, without options and values of the global ones.
+    # The words from the command to the current word, without options and values of global options.
     local command="" word before=""
     local -a root=() words=()
     for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do

@@ -33,21 +33,21 @@ from held import Held
 from history_model import Step
 from sweep import CHANGING, Sweep, is_full
 
-VERSIONS = (1, 2)  # of what the services have meanwhile
-LAST = 3  # and in the end
+VERSIONS = (1, 2)  # versions that the services have during a history
+LAST = 3  # and after it
 IMPORTS = 6
 FILTERS = "root/core/catalog_filters.json"
 MAKERS = "root/manufacturer-data/manufacturer_data.json"
 TEXTURES = "root/textures/Kitchen.zip"
 KITCHEN = "root/user/Kitchen.orvlib"
-# The calls that are killed, or that take a while, so that the other program comes between them.
+# Each fault with the calls that it disturbs. "late" delays a call, so that the other program runs in between.
 FAULTS = {"kill": CHANGING, "torn": "write", "late": "fsync,rename,link,truncate"}
-# Turned away while another program does the same; nothing is wrong then.
+# Messages of a command that is refused because another program does the same. They are not faults.
 BUSY = re.compile(r"another program|is being|in use|locked", re.IGNORECASE)
 
 
 class World(scenarios.Scenario):
-    """A root that was brought up to date once, with a library and a filter of the user's."""
+    """A root after one update, with a library and a filter of the user."""
 
     name = "histories"
 
@@ -63,7 +63,7 @@ class World(scenarios.Scenario):
 
 
 class Commands:
-    """Makes the steps of histories."""
+    """Creates the steps of histories."""
 
     def __init__(self, services, makers):
         self.services, self.makers = services, makers
@@ -93,7 +93,7 @@ class Commands:
         return Step("remove", ["filters", "remove", str(100 + number)], gone={f"Filter {number}"})
 
     def script(self, chance, length, kinds):
-        """What one program runs."""
+        """The commands of one program."""
         steps, own = [], []
         for _ in range(length):
             kind = chance.choice(kinds)
@@ -122,7 +122,7 @@ def digest(content):
 
 
 class Files:
-    """What the files of a sandbox hold: the version of each, or "broken"."""
+    """Reads the files of a sandbox: the version of each, or "broken"."""
 
     def __init__(self, top, core, packed):
         self.top = top
@@ -145,7 +145,7 @@ class Files:
         return self.versions[path].get(digest(content), "broken")
 
     def members(self, path):
-        """Name -> contents of an archive's members; nothing for a missing archive."""
+        """Name -> content of an archive's members; empty for a missing archive."""
         if self.content(path) is None:
             return {}
         try:
@@ -165,7 +165,7 @@ class Files:
             return {"broken": str(error)}
 
     def makers_version(self):
-        """By the text and the records, which must be of one version."""
+        """The version of the text and of the records, which must be the same."""
         content = self.content(MAKERS)
         if content is None:
             return None
@@ -173,7 +173,7 @@ class Files:
         return int(next(iter(texts))) if len(texts) == 1 and "broken" not in self.document(MAKERS) else "broken"
 
     def look(self):
-        """Complaints about files that are not whole at this moment."""
+        """Complaints about files that are incomplete at this moment."""
         broken = [path for path in self.versions if self.version(path) == "broken"]
         broken += [path for path in (TEXTURES, "root/referenced/Party.zip") if "broken" in self.members(path)]
         broken += [FILTERS] if "broken" in self.document(FILTERS) else []
@@ -188,7 +188,7 @@ class Histories:
         self.counts = {"steps": 0, "killed": 0, "turned away": 0}
 
     def prepare(self):
-        """The old state: the service's first version, one import, the services' addresses."""
+        """Creates the old state: the first version of the services and one import. Starts the services."""
         update, makers = scenarios.Update(), scenarios.ManufacturerRefresh()
         services = {version: self.sweep.serve(update, version) for version in (*VERSIONS, LAST)}
         logos = {version: self.sweep.serve(makers, version) for version in (*VERSIONS, LAST)}
@@ -247,10 +247,10 @@ class Histories:
         step.end = time.monotonic()
 
     def history(self, number):
-        """Runs one. Returns its steps and complaints."""
+        """Runs one history. Returns its steps and complaints."""
         chance = random.Random(f"{self.seed} {number}")
         commands = self.commands()
-        # Few kinds, so that the two meet.
+        # Only a few kinds, so that the two programs collide.
         themes = chance.sample((["add", "add", "remove"], ["import"], ["update"], ["refresh"]), chance.randint(1, 2))
         kinds = sum(themes, []) + ["look"] * chance.randint(0, 1)
         length = chance.randint(3, 7)
@@ -259,7 +259,7 @@ class Histories:
         files = self.files(sandbox)
         complaints, stop = [], threading.Event()
 
-        # In two of three histories they begin each command together, or one a moment later.
+        # In two of three histories the programs start each command together, or one of them a moment later.
         together = threading.Barrier(2 if chance.random() < 0.67 else 1)
         delay = chance.choice((0, 0, 0.01, 0.03))
 
@@ -301,8 +301,8 @@ class Histories:
 
     @staticmethod
     def judge_ends(steps):
-        """A command that is not killed does its work, or says that another program is at it; one that cannot be removed
-        was never added."""
+        """A command that is not killed must succeed, or report that another program is running. Removing a filter may
+        fail if the filter was never added."""
         complaints = []
         for step in steps:
             killed = {-9} if step.fault and step.fault[1] in ("kill", "torn") else set()
@@ -313,12 +313,13 @@ class Histories:
         return complaints
 
     def judge(self, files, steps, old=1):
-        """Complaints about what both programs left."""
+        """Complaints about the files that both programs left."""
         of = {kind: [step for step in steps if step.kind == kind] for kind in ("update", "refresh", "import")}
         complaints = []
         for path, versions in {**self.core, **self.packed}.items():
             found = files.version(path)
-            # What all versions of the service have says nothing; what one lacks may stay out, or stay.
+            # Versions can be told apart only if each has its own content. A file with the same content in all versions
+            # must exist; one that some version lacks may be missing.
             if len(versions) == len((*VERSIONS, LAST)):
                 complaints += history_model.judge_version(path, found, of["update"], old, has_tags=True)
             elif found is None and path.endswith("Same.orvlib"):
@@ -338,7 +339,7 @@ class Histories:
         return document.get("filters", [{"name": f"filters list ended with {status}"}])
 
     def judge_recovered(self, sandbox, files, steps, last):
-        """Complaints about what is there after one undisturbed command of each kind."""
+        """Complaints about the files after one undisturbed command of each kind."""
         complaints = [f"alone: {step}" for step in last if not step.is_done()]
         complaints += [complaint + ", in the end" for complaint in self.judge(files, steps + last)]
         complaints += self.sweep.judge_health(sandbox)

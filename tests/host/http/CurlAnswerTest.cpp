@@ -1,4 +1,4 @@
-// What the service reports about the last request of the calling thread.
+// The service's report about the last request of the calling thread.
 #include <map>
 #include <thread>
 

@@ -1,4 +1,4 @@
-// What the raw copy of a member preserves, and what it refuses.
+// The properties of a member that a raw copy preserves, and the members that it refuses.
 #include "tests/host/zip/RawCopyTest.h"
 
 using test::ArchiveBuilder;
