@@ -79,7 +79,7 @@ TEST_F(ProgressTextTest, percentageIsTruncatedClampedAndSafeWithoutARange)
     const Figure figures[] = {
         {1, 3, "33 percent"},     {5, 4, "100 percent"}, {0, 7, "0 percent"},    {2, 3, "66 percent"},
         {5, 0, "0 percent"},      {5, -3, "0 percent"},  {-1, 4, "-25 percent"}, {-1, 3, "-33 percent"},
-        {199, 200, "99 percent"}, {4, 4, "100 percent"},
+        {199, 200, "99 percent"}, {4, 4, "100 percent"}, {1, 1, "100 percent"},  {0, 1, "0 percent"},
     };
     for (const Figure& figure : figures) {
         show(figure.value, figure.range);

@@ -333,6 +333,21 @@ TEST_F(LibraryCatalogUpdaterInstall, theGaugeCountsTheFilesOfTheRunTogether)
     EXPECT_THAT(mRecorder->argumentsOf("onSetValueInGauge"), ElementsAre("502", "507"));
 }
 
+TEST_F(LibraryCatalogUpdaterInstall, theGaugeCountsAFileOnceThoughTheNextMakesNoProgress)
+{
+    changed("a.orvlib").progress = {4000};
+    changed("b.orvlib");
+    mCurl.onRequest = [](const std::string& request) {
+        if (request.find("GET") == 0 && request.find("b.orvlib") != std::string::npos)
+            throw std::runtime_error("no connection");
+    };
+    test::ScriptedFile& third = changed("c.orvlib");
+    for (int call = 1; call <= 502; ++call)
+        third.progress.push_back(call * 10.0);
+    run();
+    EXPECT_THAT(mRecorder->argumentsOf("onSetValueInGauge"), ElementsAre("9"));
+}
+
 TEST_F(LibraryCatalogUpdaterInstall, aNewRunCountsItsOwnKilobytes)
 {
     test::ScriptedFile& file = changed("a.orvlib");

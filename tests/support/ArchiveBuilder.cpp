@@ -55,10 +55,10 @@ void putLocalHeader(std::string& out, const Laid& laid)
     const bool descriptor = (member.flags & 8U) != 0;
     const std::uint64_t size = member.localSize.value_or(laid.size);
     const std::string name = member.localName.value_or(member.name);
-    std::string extra;
+    std::string wide;
     if (member.zip64)
-        putZip64Field(extra, {descriptor ? 0 : size, descriptor ? 0 : laid.compressedSize});
-    extra += member.localExtra;
+        putZip64Field(wide, {descriptor ? 0 : size, descriptor ? 0 : laid.compressedSize});
+    const std::string extra = member.zip64Last ? member.localExtra + wide : wide + member.localExtra;
     put(out, 0x04034b50, 4);
     put(out, member.versionNeeded, 2);
     put(out, member.flags, 2);
@@ -85,10 +85,10 @@ void putDescriptor(std::string& out, const Laid& laid)
 void putCentralRecord(std::string& out, const Laid& laid)
 {
     const ArchiveMember& member = laid.member;
-    std::string extra;
+    std::string wide;
     if (member.zip64)
-        putZip64Field(extra, {laid.size, laid.compressedSize, laid.headerOffset});
-    extra += member.extra;
+        putZip64Field(wide, {laid.size, laid.compressedSize, laid.headerOffset});
+    const std::string extra = member.zip64Last ? member.extra + wide : wide + member.extra;
     put(out, 0x02014b50, 4);
     put(out, member.versionMadeBy, 2);
     put(out, member.versionNeeded, 2);

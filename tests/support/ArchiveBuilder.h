@@ -29,7 +29,8 @@ struct ArchiveMember
     std::string localExtra;
     std::string extra; ///< in the directory
     std::string comment;
-    bool zip64 = false; ///< sizes and offset in zip64 fields
+    bool zip64 = false;     ///< sizes and offset in zip64 fields
+    bool zip64Last = false; ///< these fields follow the other extra fields
 
     // Values to set for a damaged archive.
     std::optional<std::string> rawData; ///< in place of the compressed content

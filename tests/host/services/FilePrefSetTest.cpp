@@ -208,7 +208,8 @@ TEST_F(FilePrefSetTest, aChangeThatCannotBeWrittenHoldsAndIsTriedAgain)
     const QtMessageHandler former = qInstallMessageHandler(keepWarning);
     set.setPref(1, 5);
     qInstallMessageHandler(former);
-    EXPECT_THAT(warnings, ElementsAre(testing::StartsWith("Unable to write preferences: ")));
+    EXPECT_THAT(warnings, ElementsAre("Unable to write preferences: cannot create the folder " +
+                                      mFolder.file("blocked").toNativeString()));
     EXPECT_EQ(set.getPref(1).value, PrefValue(5));
     EXPECT_EQ(unlink(mFolder.file("blocked").toNativeString().c_str()), 0);
     set.setPref(2, 6);

@@ -154,6 +154,18 @@ TEST_F(ZipUtilsTest, wholeMemberAndPiecesGiveTheSameBytes)
     }
 }
 
+TEST_F(ZipUtilsTest, wideSizesAreFoundBehindOtherExtraFields)
+{
+    const std::string content = test::sampleBytes(100000, 1);
+    ArchiveMember& member = mBuilder.add("wide", content);
+    member.zip64 = member.zip64Last = true;
+    member.localExtra = std::string("UT\x05\x00\x01\x10\x20\x30\x40ux\x02\x00\x01\x02", 15);
+    member.extra = member.localExtra;
+    const fileString archive = mBuilder.write(mFolder, "a.zip");
+    EXPECT_TRUE(readWhole(address(archive, "wide")) == content);
+    EXPECT_EQ(ZipUtils::getSizeOfArchive(archive), content.size());
+}
+
 TEST_F(ZipUtilsTest, lastOfSeveralMembersOfOneNameCounts)
 {
     mBuilder.add("a", "old");
