@@ -1,4 +1,5 @@
 // New items, pending updates, and how the user dismisses them. The service runs as a process of its own.
+#include <QAction>
 #include <QLabel>
 #include <QListView>
 #include <QPushButton>
