@@ -29,8 +29,28 @@ TEST_F(CurlPrefetchDownloadsServersTest, hostMayLowerTheNumberOfConnections)
             EXPECT_TRUE(header(server.url("/first")));
         }
         EXPECT_LE(server.connectionCount() - before, limit);
+        for (int i = 0; i < 30; ++i)
+            EXPECT_THAT(server.requestsFor(nameOf(i)), SizeIs(limit == 1 ? 1 : 2)) << "once in each list";
     }
     EXPECT_GE(server.connectionCount(), 3);
+}
+
+TEST_F(CurlPrefetchDownloadsServersTest, whoAsksInTurnGetsAConnectionWithinASecond)
+{
+    constexpr int kLimit = 4;
+    curl.setConnectionLimit(kLimit);
+    server.limitConnections(kLimit);
+    const Downloads downloads = serve(8);
+    for (int i = 0; i < 8; ++i)
+        server.on(nameOf(i), FaultReply::ok(bodyOf(i)).silentAt(6'000));
+    announce(downloads);
+    const int before = server.connectionCount();
+    EXPECT_LT(timeOf([&] { EXPECT_TRUE(header(server.url("/first"))); }), 4s);
+    EXPECT_EQ(status, 200);
+    // One takes the place of the one given up. If the server sees the end too late, it refuses it once.
+    EXPECT_LE(server.connectionCount() - before, kLimit + 1);
+    EXPECT_THAT(server.requestsFor(nameOf(kLimit - 2)), SizeIs(1));
+    EXPECT_THAT(server.requestsFor(nameOf(kLimit)), IsEmpty());
 }
 
 TEST_F(CurlPrefetchDownloadsServersTest, serverWithOneWorkerIsAskedInTurn)

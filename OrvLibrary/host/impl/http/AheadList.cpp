@@ -2,8 +2,7 @@
 // file holds the other side, the calls that want the answers. A call claims its entry. If the entry is
 // running, the call waits for it; if the answer has arrived, the call takes it. In all other cases the caller
 // makes the request itself. The first sign of trouble stops the list. From then on each request is sent by
-// its own call, and `letRunAlone` makes sure that it runs alone, because the server may refuse several at
-// once.
+// its own call, and `makeWay` makes sure that it runs alone, because the server may refuse several at once.
 #include "OrvLibrary/host/impl/http/AheadList_p.h"
 
 #include <algorithm>
@@ -196,16 +195,23 @@ void AheadList::discard(AheadEntry& entry)
     entry.body.reset();
 }
 
-void AheadList::letRunAlone()
+void AheadList::makeWay()
 {
-    if (!mCourse.isStopped)
-        return;
     const TimePoint latest = HttpLimits::Clock::now() + AheadPolicy::kLongestHold * mLimits.aheadPatience;
-    while (isRunning() && HttpLimits::Clock::now() < latest && mConnections.step() &&
+    while (isInTheWay() && HttpLimits::Clock::now() < latest && mConnections.step() &&
            !CancelQuestion::isCancelled()) {
-        if (isRunning())
+        if (isInTheWay())
             mConnections.wait();
     }
-    while (isRunning())
+    while (isInTheWay())
         discard(*mRunning.back());
+}
+
+/// Whether a request in its turn must wait for one of these: because it must run alone, or because they have
+/// all connections.
+bool AheadList::isInTheWay() const
+{
+    if (mRunning.empty() || mCourse.isStopped)
+        return !mRunning.empty();
+    return !situationOf(*mRunning.back()).isMultiplexing && mConnections.aheadCount() >= mConnectionLimit;
 }

@@ -48,7 +48,7 @@ bool AheadList::mayStart(AheadEntry& entry) const
     const AheadPolicy::Situation situation = situationOf(entry);
     const auto opening = static_cast<std::size_t>(std::count_if(
         mRunning.begin(), mRunning.end(), [](const AheadEntry* running) { return running->isOpening; }));
-    if (mRunning.size() < AheadPolicy::width(situation, mCourse.open, opening))
+    if (mConnections.aheadCount() < AheadPolicy::width(situation, mCourse.open, opening))
         return true;
     entry.isOpening = mCourse.open + opening < AheadPolicy::connections(situation);
     return entry.isOpening;
@@ -62,6 +62,7 @@ AheadPolicy::Situation AheadList::situationOf(const AheadEntry& entry) const
     situation.latency = mMemory->latency(address);
     situation.isMultiplexing = mMemory->isMultiplexing(address);
     situation.connectionLimit = mConnectionLimit;
+    situation.isInTurn = mConnections.isInTurn();
     return situation;
 }
 
@@ -95,7 +96,7 @@ void AheadList::start(AheadEntry& entry, TimePoint now)
     HttpBody& body = entry.body ? *entry.body : *entry.noBody;
     entry.transfer = std::make_unique<HttpTransfer>(mConnections, entry.asked.request, body, deadline);
     entry.state = State::Running;
-    entry.hadCompany = isRunning();
+    entry.hadCompany = !mRunning.empty();
     for (AheadEntry* const other : mRunning)
         other->hadCompany = true;
     mRunning.push_back(&entry);

@@ -25,8 +25,7 @@ class AheadList : public AheadWork
 public:
     using TimePoint = HttpLimits::Clock::time_point;
 
-    /// @param connectionLimit how many connections may be open at once. One of them is kept for the request
-    /// that a call waits for.
+    /// @param connectionLimit how many connections may be open at once
     AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory> memory, const HttpLimits& limits,
               std::vector<AheadRequest> requests, int connectionLimit);
     /// Ends the transfers that are still running and removes the files that no call has asked for.
@@ -48,8 +47,8 @@ public:
 
     void advance() override;
     void stop() override { mCourse.isStopped = true; }
-    void letRunAlone() override;
-    bool isRunning() const override { return !mRunning.empty(); }
+    void makeWay() override;
+    std::size_t running() const override { return mRunning.size(); }
 
 private:
     using State = AheadEntry::State;
@@ -73,6 +72,7 @@ private:
     bool mayBeUntaken(const AheadEntry& entry) const;
     void giveUpUntaken();
     void discard(AheadEntry& entry);
+    bool isInTheWay() const;
 
     // These send requests ahead: AheadListAdvance.cpp.
     void startWaiting(TimePoint now);

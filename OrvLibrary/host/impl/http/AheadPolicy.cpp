@@ -15,7 +15,8 @@ std::size_t AheadPolicy::width(const Situation& situation, std::size_t open, std
         return 0;
     if (situation.isMultiplexing)
         return open * kStreams + opening;
-    return situation.connectionLimit - 1;
+    const bool isOneTaken = situation.isInTurn || situation.connectionLimit == 1;
+    return situation.connectionLimit - (isOneTaken ? 1 : 0);
 }
 
 bool AheadPolicy::allowsBody(const Load& load, std::int64_t size)

@@ -11,8 +11,8 @@
 ///
 /// The rules:
 /// - A service that is near, or of which nothing is known, gets one request at a time.
-/// - A distant service gets as many requests at once as the host allows connections, less one, which is kept
-///   for the request that a call waits for.
+/// - A distant service gets as many requests at once as the host allows connections. While a request is made
+///   in its turn, one connection is left to it. If the host allows only one, nothing is sent ahead.
 /// - A connection that carries many requests (HTTP/2) gets up to a hundred.
 /// - After the first sign of trouble, `AheadList` sends one request at a time.
 struct AheadPolicy
@@ -53,6 +53,8 @@ struct AheadPolicy
         bool isMultiplexing = false;
         /// How many connections the host allows.
         std::size_t connectionLimit = 16;
+        /// Whether a request is being made in its turn, beside those that are sent ahead.
+        bool isInTurn = false;
     };
     /// The downloads that are fetched ahead at the moment.
     struct Load

@@ -91,10 +91,10 @@ void HttpConnections::takeBack(CURL* handle) noexcept
 HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, TimePoint deadline)
 {
     const BrokenPipeBlock block;
-    const Work busy(*this);
+    const Work busy(*this, true);
     for (AheadWork* const work : mAhead)
-        work->letRunAlone();
-    const bool hadCompany = hasCompany();
+        work->makeWay();
+    const bool hadCompany = aheadCount() > 0;
     HttpTransfer transfer(*this, request, body, deadline);
     start(transfer);
     while (!transfer.finished()) {
@@ -106,7 +106,7 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, 
             wait();
     }
     HttpAnswer answer = transfer.answer();
-    answer.hadCompany = hadCompany || hasCompany();
+    answer.hadCompany = hadCompany || aheadCount() > 0;
     return answer;
 }
 
@@ -115,9 +115,12 @@ void HttpConnections::removeAhead(AheadWork& work)
     mAhead.erase(std::remove(mAhead.begin(), mAhead.end(), &work), mAhead.end());
 }
 
-bool HttpConnections::hasCompany() const
+std::size_t HttpConnections::aheadCount() const
 {
-    return std::any_of(mAhead.begin(), mAhead.end(), [](const AheadWork* work) { return work->isRunning(); });
+    std::size_t count = 0;
+    for (const AheadWork* const work : mAhead)
+        count += work->running();
+    return count;
 }
 
 void HttpConnections::stopAhead()
@@ -130,11 +133,20 @@ void HttpConnections::start(HttpTransfer& transfer)
 {
     if (curl_multi_add_handle(mMulti, transfer.handle()) != CURLM_OK)
         transfer.finish(CURLE_OUT_OF_MEMORY);
+    mHasNew = true;
 }
 
 bool HttpConnections::step()
 {
+    const bool isWell = move();
+    // Send new requests at once: the caller may sync a file before the next step.
+    return mHasNew ? move() && isWell : isWell;
+}
+
+bool HttpConnections::move()
+{
     int running = 0;
+    mHasNew = false;
     const bool isWell = curl_multi_perform(mMulti, &running) == CURLM_OK;
     collectResults();
     for (AheadWork* const work : mAhead)

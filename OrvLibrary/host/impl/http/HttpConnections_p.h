@@ -27,13 +27,17 @@ public:
     class Work
     {
     public:
-        explicit Work(HttpConnections& connections) : mBusy(connections.mBusy) { mBusy = true; }
-        ~Work() { mBusy = false; }
+        explicit Work(HttpConnections& connections, bool isInTurn = false) : mConnections(connections)
+        {
+            mConnections.mBusy = true;
+            mConnections.mIsInTurn = isInTurn;
+        }
+        ~Work() { mConnections.mBusy = mConnections.mIsInTurn = false; }
         Work(const Work&) = delete;
         Work& operator=(const Work&) = delete;
 
     private:
-        bool& mBusy;
+        HttpConnections& mConnections;
     };
 
     /// Sends a request and waits until the answer is complete.
@@ -43,6 +47,10 @@ public:
     /// Adds work that moves on while `perform` waits. The caller keeps ownership.
     void addAhead(AheadWork& work) { mAhead.push_back(&work); }
     void removeAhead(AheadWork& work);
+    /// How many requests that were sent ahead are running.
+    std::size_t aheadCount() const;
+    /// Whether `perform` is sending a request or about to. This request needs a connection, too.
+    bool isInTurn() const { return mIsInTurn; }
     /// Stops sending ahead, because the server allows only a few requests at a time.
     void stopAhead();
 
@@ -59,12 +67,15 @@ public:
     void wait();
 
 private:
-    bool hasCompany() const;
+    bool move();
     void collectResults();
 
     CURLM* mMulti;
     std::vector<CURL*> mIdle;
     bool mBusy = false;
+    bool mIsInTurn = false;
+    /// Whether a transfer was added since the transfer library moved them on.
+    bool mHasNew = false;
     std::vector<AheadWork*> mAhead;
 };
 
