@@ -193,7 +193,7 @@ bool FileBody::begin(std::int64_t status, const std::string& headerText)
     const std::string problem = encodingProblem(headers);
     if (!problem.empty())
         return fail(problem);
-    mDigest = std::make_unique<BodyDigest>(headers);
+    mDigest = std::make_unique<host::BodyDigest>(headers);
     if (!(isRest ? beginRest(headers) : beginWhole(headers)))
         return false;
     mPacer.setTotal(std::max<std::int64_t>(mLength, 0));

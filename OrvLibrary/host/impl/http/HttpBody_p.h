@@ -6,8 +6,8 @@
 #include <string>
 
 #include "OrvLibrary/host/fileString.h"
+#include "OrvLibrary/host/impl/files/BodyDigest_p.h"
 #include "OrvLibrary/host/impl/files/DownloadFile_p.h"
-#include "OrvLibrary/host/impl/http/BodyDigest_p.h"
 #include "OrvLibrary/host/impl/http/HttpLimits_p.h"
 #include "OrvLibrary/host/impl/http/ProgressPacer_p.h"
 #include "OrvLibrary/host/impl/http/SpeedGuard_p.h"
@@ -138,7 +138,7 @@ private:
     host::DownloadFile mFile;
     ProgressPacer mPacer;
     SpeedGuard mSpeed;
-    std::unique_ptr<BodyDigest> mDigest;
+    std::unique_ptr<host::BodyDigest> mDigest;
     /// Identifies the version of the partial file. Empty if the whole file is requested.
     std::string mValidator;
     bool mMustStartAnew = false;

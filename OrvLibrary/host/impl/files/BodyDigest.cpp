@@ -1,6 +1,6 @@
 // How it works: the header fields are read as lists of algorithms and digests. Each known algorithm gets a
 // running hash, which takes the body piece by piece. `matches` ends the hashes and compares them.
-#include "OrvLibrary/host/impl/http/BodyDigest_p.h"
+#include "OrvLibrary/host/impl/files/BodyDigest_p.h"
 
 #include <algorithm>
 #include <array>
@@ -9,6 +9,8 @@
 #include <utility>
 
 #include <openssl/evp.h>
+
+namespace host {
 
 namespace {
 
@@ -170,3 +172,5 @@ bool BodyDigest::matches()
             std::all_of(mHashes.begin(), mHashes.end(), [](const auto& hash) { return hash->matches(); });
     return *mMatches;
 }
+
+} // namespace host

@@ -8,6 +8,8 @@
 
 #include "OrvLibrary/host/WebUtils.h"
 
+namespace host {
+
 /// Checks a body, as it arrives, against the digests in the `Repr-Digest` and `Content-Digest` fields of its
 /// header. It knows sha-256 and sha-512. It ignores other algorithms and fields that it cannot read.
 class BodyDigest
@@ -39,3 +41,5 @@ private:
 /// Reads a digest field such as "sha-256=:BASE64:". Each member is the algorithm and the raw bytes, in the
 /// order of the text. False if the text is not a dictionary of byte sequences.
 bool parseDigestField(const std::string& text, std::vector<std::pair<std::string, std::string>>& members);
+
+} // namespace host

@@ -1,6 +1,9 @@
-#include "OrvLibrary/host/impl/http/BodyDigest_p.h"
+#include "OrvLibrary/host/impl/files/BodyDigest_p.h"
 
 #include <gtest/gtest.h>
+
+using host::BodyDigest;
+using host::parseDigestField;
 
 namespace {
 
