@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "OrvLibrary/host/impl/http/AheadList_p.h"
-#include "OrvLibrary/host/impl/http/HttpAddress_p.h"
+#include "OrvLibrary/host/impl/text/HttpAddress_p.h"
 
 /// Ends finished transfers, then starts waiting entries, in their order, as far as `AheadPolicy` allows.
 void AheadList::advance()

@@ -9,8 +9,8 @@
 #include <exception>
 
 #include "OrvLibrary/host/impl/http/CurlThread_p.h"
-#include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 #include "OrvLibrary/host/impl/http/HttpChain_p.h"
+#include "OrvLibrary/host/impl/text/HttpAddress_p.h"
 
 namespace {
 

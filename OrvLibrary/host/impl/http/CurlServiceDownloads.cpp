@@ -10,8 +10,8 @@
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/CurlService_p.h"
 #include "OrvLibrary/host/impl/http/CurlThread_p.h"
-#include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 #include "OrvLibrary/host/impl/http/HttpChain_p.h"
+#include "OrvLibrary/host/impl/text/HttpAddress_p.h"
 
 namespace {
 

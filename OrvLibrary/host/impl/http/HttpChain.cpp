@@ -9,8 +9,8 @@
 
 #include "OrvLibrary/host/WebUtils.h"
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
-#include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 #include "OrvLibrary/host/impl/text/Ascii_p.h"
+#include "OrvLibrary/host/impl/text/HttpAddress_p.h"
 
 namespace {
 

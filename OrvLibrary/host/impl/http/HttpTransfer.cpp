@@ -13,10 +13,10 @@
 
 #include <sys/stat.h>
 
-#include "OrvLibrary/host/impl/http/HttpAddress_p.h"
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 #include "OrvLibrary/host/impl/http/RateLimit_p.h"
 #include "OrvLibrary/host/impl/text/Ascii_p.h"
+#include "OrvLibrary/host/impl/text/HttpAddress_p.h"
 
 namespace {
 

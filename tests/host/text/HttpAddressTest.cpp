@@ -1,4 +1,4 @@
-#include "OrvLibrary/host/impl/http/HttpAddress_p.h"
+#include "OrvLibrary/host/impl/text/HttpAddress_p.h"
 
 #include <gtest/gtest.h>
 
