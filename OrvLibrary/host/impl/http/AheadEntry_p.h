@@ -32,10 +32,8 @@ struct AheadEntry
 
     AheadRequest asked;
     State state = State::Waiting;
-    /// The body object of a header request. Such an answer has no body, but every transfer needs an object.
-    std::unique_ptr<HttpBody> noBody;
-    /// The body of a download. Its private file beside the target is removed with it, unless the call for the
-    /// download has given it the target's name.
+    /// The body of a download; null for a header request. Its private file beside the target is removed with
+    /// it, unless the call for the download has given it the target's name.
     std::unique_ptr<FileBody> body;
     /// Set while the request is under way.
     std::unique_ptr<HttpTransfer> transfer;

@@ -38,6 +38,7 @@ AheadList::AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory
       mMemory(std::move(memory)),
       mLimits(limits),
       mConnectionLimit(static_cast<std::size_t>(std::max(connectionLimit, 1))),
+      mNoBody(limits),
       mEntries(requests.size())
 {
     for (std::size_t i = 0; i < requests.size(); ++i) {

@@ -90,10 +90,9 @@ void AheadList::start(AheadEntry& entry, TimePoint now)
         entry.body = std::make_unique<FileBody>(AheadPolicy::limitsAhead(mLimits, entry.asked.size),
                                                 entry.asked.target);
     } else {
-        entry.noBody = std::make_unique<HttpBody>(mLimits);
         deadline = now + std::min<HttpLimits::Milliseconds>(mLimits.totalTimeout, AheadPolicy::kLongestWait);
     }
-    HttpBody& body = entry.body ? *entry.body : *entry.noBody;
+    HttpBody& body = entry.body ? *entry.body : mNoBody;
     entry.transfer = std::make_unique<HttpTransfer>(mConnections, entry.asked.request, body, deadline);
     entry.state = State::Running;
     entry.hadCompany = !mRunning.empty();
@@ -158,7 +157,6 @@ bool AheadList::isOfUse(AheadEntry& entry)
 void AheadList::end(AheadEntry& entry)
 {
     entry.transfer.reset();
-    entry.noBody.reset();
     entry.isOpening = false;
     entry.state = State::Gone;
     mRunning.erase(std::find(mRunning.begin(), mRunning.end(), &entry));

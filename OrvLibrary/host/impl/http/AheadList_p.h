@@ -89,6 +89,9 @@ private:
     const std::shared_ptr<AddressMemory> mMemory;
     const HttpLimits mLimits;
     const std::size_t mConnectionLimit;
+    /// The body object of all header requests. Their answers have no body, but every transfer needs an
+    /// object.
+    HttpBody mNoBody;
     std::vector<AheadEntry> mEntries;
     /// Maps the key of a request to its index in `mEntries`. An entry leaves the map when its call comes. The
     /// key is the address with its header lines, or the target of a download.

@@ -14,9 +14,6 @@
 
 namespace {
 
-/// The longest sleep between two steps. It is short because the transfer library at times sleeps up to 200 ms
-/// although data has arrived, and because the progress function must be called in time.
-constexpr std::chrono::milliseconds kLongestSleep{10};
 constexpr std::size_t kIdleHandles = 100;
 /// The number of idle connections to keep.
 constexpr long kKeptConnections = 100;
@@ -156,7 +153,7 @@ bool HttpConnections::move()
 
 void HttpConnections::wait()
 {
-    curl_multi_poll(mMulti, nullptr, 0, static_cast<int>(kLongestSleep.count()), nullptr);
+    curl_multi_poll(mMulti, nullptr, 0, static_cast<int>(HttpLimits::kLongestSleep.count()), nullptr);
 }
 
 void HttpConnections::collectResults()

@@ -11,6 +11,10 @@ struct HttpLimits
     using Clock = std::chrono::steady_clock;
     using Milliseconds = std::chrono::milliseconds;
 
+    /// The longest sleep between two steps of a transfer, and between two cancel questions. It is short
+    /// because the transfer library at times sleeps up to 200 ms although data has arrived.
+    static constexpr Milliseconds kLongestSleep{10};
+
     Milliseconds connectTimeout{30'000};
     /// For header requests, pages and redirect chains, from the first connection to the last byte.
     Milliseconds totalTimeout{60'000};

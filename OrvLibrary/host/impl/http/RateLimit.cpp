@@ -5,13 +5,6 @@
 
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 
-namespace {
-
-/// The longest sleep between two cancel questions.
-constexpr std::chrono::milliseconds kLongestSleep{10};
-
-} // namespace
-
 RateLimit& RateLimit::ofProcess()
 {
     // Never destroyed: a worker thread may still use it when the process ends.
@@ -32,7 +25,7 @@ bool RateLimit::keep(std::int64_t bytes, TimePoint& now)
     for (auto rest = pause(now); rest.count() > 0; rest = pause(now)) {
         if (CancelQuestion::isCancelled())
             return false;
-        std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(rest, kLongestSleep));
+        std::this_thread::sleep_for(std::min<std::chrono::nanoseconds>(rest, HttpLimits::kLongestSleep));
         now = HttpLimits::Clock::now();
     }
     return true;
