@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/host/impl/http/HttpHeaderBlock_p.h"
 #include "tests/support/StubServices.h"
 
 using testing::ElementsAre;
@@ -15,14 +14,6 @@ WebUtils::HeaderMap parsed(const std::string& text)
     WebUtils::HeaderMap map;
     WebUtils::parseReturnHeader(text, map);
     return map;
-}
-
-std::string block(const std::vector<std::string>& lines)
-{
-    HttpHeaderBlock header;
-    for (const std::string& line : lines)
-        header.addLine(line);
-    return header.status() != 0 ? header.text() : "cut";
 }
 
 } // namespace
@@ -79,28 +70,4 @@ TEST(WebUtils, finalAddressIsAskedOfTheInstalledService)
     EXPECT_EQ(WebUtils::getUrlAfterRedirects("http://h/"), "http://h/!");
     EXPECT_EQ(Curl::install(nullptr), &service);
     EXPECT_EQ(Curl::install(&service), nullptr);
-}
-
-TEST(HttpHeaderBlock, onlyTheFinalBlockRemains)
-{
-    EXPECT_EQ(
-        block({"HTTP/1.1 100 Continue\r\n", "A: 1\r\n", "\r\n", "HTTP/1.1 200 OK\r\n", "B: 2\r\n", "\r\n"}),
-        "HTTP/1.1 200 OK\r\nB: 2\r\n\r\n");
-}
-
-TEST(HttpHeaderBlock, foldedLinesAreUnfolded)
-{
-    EXPECT_EQ(block({"HTTP/1.1 200 OK\r\n", "A: 1,\r\n", " \t 2\r\n", "\t3\r\n", "\r\n"}),
-              "HTTP/1.1 200 OK\r\nA: 1, 2 3\r\n\r\n");
-}
-
-TEST(HttpHeaderBlock, whatFollowsTheBodyIsNoHeader)
-{
-    EXPECT_EQ(block({"HTTP/1.1 200 OK\r\n", "\r\n", "Trailer: 1\r\n", "\r\n"}), "HTTP/1.1 200 OK\r\n\r\n");
-}
-
-TEST(HttpHeaderBlock, blockWithoutItsBlankLineIsCut)
-{
-    EXPECT_EQ(block({"HTTP/1.1 200 OK\r\n", "A: 1\r\n"}), "cut");
-    EXPECT_EQ(block({"HTTP/1.1 100 Continue\r\n", "\r\n", "HTTP/1.1 200 OK\r\n"}), "cut");
 }

@@ -11,8 +11,8 @@
 #include <curl/curl.h>
 
 #include "OrvLibrary/host/impl/http/HttpBody_p.h"
-#include "OrvLibrary/host/impl/http/HttpHeaderBlock_p.h"
 #include "OrvLibrary/host/impl/http/HttpLimits_p.h"
+#include "OrvLibrary/host/impl/text/HttpHeaderBlock_p.h"
 
 class HttpConnections;
 

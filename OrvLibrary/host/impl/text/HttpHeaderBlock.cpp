@@ -1,4 +1,4 @@
-#include "OrvLibrary/host/impl/http/HttpHeaderBlock_p.h"
+#include "OrvLibrary/host/impl/text/HttpHeaderBlock_p.h"
 
 #include <cstdlib>
 
