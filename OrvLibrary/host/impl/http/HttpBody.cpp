@@ -5,13 +5,12 @@
 #include "OrvLibrary/host/impl/http/HttpBody_p.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 
 #include <curl/curl.h>
 
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
-#include "OrvLibrary/host/impl/text/Ascii_p.h"
+#include "OrvLibrary/host/impl/text/HttpHeaders_p.h"
 
 namespace {
 
@@ -19,72 +18,6 @@ constexpr std::int64_t kOk = 200;
 constexpr std::int64_t kPartialContent = 206;
 constexpr std::int64_t kRangeNotSatisfiable = 416;
 constexpr std::int64_t kFirstErrorStatus = 400;
-
-/// The last value of a header; null if the header is missing.
-const std::string* lastValue(const WebUtils::HeaderMap& headers, const char* name)
-{
-    const auto found = headers.find(name);
-    return found == headers.end() ? nullptr : &found->second.back();
-}
-
-/// Reads a number and moves `at` past it.
-bool takeNumber(const char*& at, const char* end, std::int64_t& number)
-{
-    const auto result = std::from_chars(at, end, number);
-    at = result.ptr;
-    return result.ec == std::errc() && number >= 0;
-}
-
-/// The announced length of the body; -1 if it is missing or unreadable.
-std::int64_t contentLength(const WebUtils::HeaderMap& headers)
-{
-    const std::string* const text = lastValue(headers, "Content-Length");
-    if (!text)
-        return -1;
-    const char* at = text->data();
-    const char* const end = at + text->size();
-    std::int64_t length = -1;
-    return takeNumber(at, end, length) && at == end ? length : -1;
-}
-
-/// The length of the whole file if the answer brings all bytes from `from` on; otherwise -1.
-std::int64_t lengthOfRest(const WebUtils::HeaderMap& headers, std::int64_t from)
-{
-    const std::string* const text = lastValue(headers, "Content-Range");
-    if (!text || text->compare(0, 6, "bytes ") != 0)
-        return -1;
-    const char* at = text->data() + 6;
-    const char* const end = text->data() + text->size();
-    std::int64_t first = -1;
-    std::int64_t last = -1;
-    std::int64_t length = -1;
-    const bool isWell = takeNumber(at, end, first) && at != end && *at++ == '-' &&
-                        takeNumber(at, end, last) && at != end && *at++ == '/' &&
-                        takeNumber(at, end, length) && at == end;
-    return isWell && first == from && last + 1 == length ? length : -1;
-}
-
-/// Whether the answer can be of the validator's version. If the answer names no version, it can.
-bool isOfVersion(const WebUtils::HeaderMap& headers, const std::string& validator)
-{
-    const bool isTag = validator.front() == '"';
-    const std::string* const own = lastValue(headers, isTag ? "ETag" : "Last-Modified");
-    return !own || *own == validator;
-}
-
-/// Why a body cannot be stored; empty if it can. An encoded body (gzip, for example) would be stored as a
-/// different file than its tag describes.
-std::string encodingProblem(const WebUtils::HeaderMap& headers)
-{
-    const auto found = headers.find("Content-Encoding");
-    if (found == headers.end())
-        return {};
-    for (const std::string& value : found->second) {
-        if (!value.empty() && !Ascii::equal(value, "identity"))
-            return "the body is encoded (Content-Encoding: " + value + ")";
-    }
-    return {};
-}
 
 /// A size for a message, such as "12 MB". Rounds up; units are powers of 1000.
 std::string sizeText(std::int64_t bytes)
@@ -125,7 +58,7 @@ bool PageBody::begin(std::int64_t status, const std::string& headerText)
     mPage.clear();
     WebUtils::HeaderMap headers;
     WebUtils::parseReturnHeader(headerText, headers);
-    mReason = encodingProblem(headers);
+    mReason = HttpHeaders::encodingProblem(headers);
     if (!mReason.empty())
         return false;
     mCap = status >= kFirstErrorStatus ? mLimits.errorPageBytes : mLimits.pageBytes;
@@ -190,7 +123,7 @@ bool FileBody::begin(std::int64_t status, const std::string& headerText)
         return HttpBody::begin(status, headerText);
     WebUtils::HeaderMap headers;
     WebUtils::parseReturnHeader(headerText, headers);
-    const std::string problem = encodingProblem(headers);
+    const std::string problem = HttpHeaders::encodingProblem(headers);
     if (!problem.empty())
         return fail(problem);
     mDigest = std::make_unique<host::BodyDigest>(headers);
@@ -204,7 +137,7 @@ bool FileBody::begin(std::int64_t status, const std::string& headerText)
 /// The answer brings the whole file. It replaces the bytes that were there.
 bool FileBody::beginWhole(const WebUtils::HeaderMap& headers)
 {
-    mLength = contentLength(headers);
+    mLength = HttpHeaders::contentLength(headers);
     std::string reason;
     return mFile.open(reason) || failOnDisk(reason);
 }
@@ -212,8 +145,8 @@ bool FileBody::beginWhole(const WebUtils::HeaderMap& headers)
 /// The answer brings the bytes that follow the partial file.
 bool FileBody::beginRest(const WebUtils::HeaderMap& headers)
 {
-    mLength = lengthOfRest(headers, mFile.size());
-    mMustStartAnew = mLength < 0 || !isOfVersion(headers, mValidator);
+    mLength = HttpHeaders::lengthOfRest(headers, mFile.size());
+    mMustStartAnew = mLength < 0 || !HttpHeaders::isOfVersion(headers, mValidator);
     if (mMustStartAnew)
         return fail("the answer does not go on where the partial file ends");
     mPacer.startAt(mFile.size());
