@@ -2,14 +2,17 @@
 
 #include "OrvLibrary/host/Curl.h"
 
-/// The function that tells whether the calling thread's request has been cancelled. Each thread has its own.
-/// Every loop that waits for the network calls it.
+/// The function that tells whether the calling thread's request has been cancelled. Every loop that waits for
+/// the network calls it.
 namespace CancelQuestion {
 
-/// @return the former function; null if there was none
-Curl::CancelQuestion set(Curl::CancelQuestion question);
-/// False if the thread has no such function.
+/// The calling thread's function; null if it has none.
+inline thread_local Curl::CancelQuestion ofThread = nullptr;
+
 /// @throws whatever the function throws
-bool isCancelled();
+inline bool isCancelled()
+{
+    return ofThread && ofThread();
+}
 
 } // namespace CancelQuestion

@@ -1,5 +1,7 @@
 #include "OrvLibrary/host/Curl.h"
 
+#include <utility>
+
 #include "OrvLibrary/host/impl/files/Installed_p.h"
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/CurlService_p.h"
@@ -49,7 +51,7 @@ bool Curl::downloadResumable(const ResumableDownload& request, void* context, Pr
 
 Curl::CancelQuestion Curl::setCancelQuestion(CancelQuestion question)
 {
-    return ::CancelQuestion::set(question);
+    return std::exchange(::CancelQuestion::ofThread, question);
 }
 
 void Curl::setCertificates(const std::string& fileOrFolder)
