@@ -28,7 +28,7 @@ private:
     std::string mAddress;
 };
 
-/// Listens at the address of a bus, accepts connections and never replies.
+/// Listens at the address of a bus. Clients can connect, but get no reply.
 class SilentBus
 {
 public:

@@ -120,7 +120,7 @@ ssize_t pwrite64(int file, const void* data, size_t size, off64_t offset)
 ssize_t writev(int file, const struct iovec* pieces, int count)
 {
     ORV_NEXT(writev);
-    // Half of the pieces of one or two is the first piece only.
+    // The size is the number of pieces, so half of two pieces is the first one.
     return transfer("write", file, static_cast<std::size_t>(count),
                     [&](std::size_t part) { return sNext(file, pieces, static_cast<int>(part)); });
 }
