@@ -370,7 +370,7 @@ class Formats(unittest.TestCase):
         self.assertEqual(read(os.path.join(self.root, "settings.json")), text)
 
     def test_browser_lists_and_state(self):
-        for page, source in [("browser-lists", "models/UserLists.cpp"), ("browser-state", "WindowState.cpp")]:
+        for page, source in [("browser-lists", "models/ListFile.cpp"), ("browser-state", "WindowState.cpp")]:
             [text] = self.examples(page, "json")
             written = read(os.path.join(SOURCE, "apps", "orv-browser", source))
             for member in json.loads(text):
