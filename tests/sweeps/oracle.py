@@ -5,6 +5,8 @@ import hashlib
 import json
 import os
 import re
+import sqlite3
+import urllib.parse
 import zipfile
 
 # The error log is written in place and reports the faults themselves. The record of former imports contains times; the
@@ -14,7 +16,15 @@ VOLATILE = re.compile(r"^root/user/errors\.log$|^root/former-imports(/|$)|^root/
 STAMPED = re.compile(r"^root/manufacturer-data/manufacturer_data(_temp)?\.json(\.bak)?$")
 STAMP = re.compile(rb"\d{8}T\d{6}(\.\d+)?")
 # Files with times in them, so their contents differ between runs. The check only requires them to be sound.
-HISTORIES = ("root/update-history.json", "root/runs.json", "root/last-check.json")
+HISTORIES = ("root/update-history.json", "root/runs.json", "root/last-check.json", "root/catalog-news.json")
+# The size and place of the window. They may differ between runs, but the file must be sound.
+REMEMBERED = "root/browser-state.json"
+# The favourites of the window are compared. Its recent items depend on the time and are not.
+LISTS = "root/browser-lists.json"
+# The bin of the desktop gives its files free names, and keeps a note with the time for each.
+BIN = re.compile(r"^home/data/Trash/(?P<kind>files|info)/[^/]+$")
+IN_BIN = "in the bin: "
+UUID = re.compile(r"^[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}$")
 # A disturbed run may leave such files for the next run to remove. A host never takes these names for data.
 LEFTOVER = re.compile(r"^root/temp/|(^|/)\.[^/]+$")
 # A former version of a catalog: the time of its replacement and its tag.
@@ -29,8 +39,12 @@ def digest(path, relative):
         content = file.read()
     if STAMPED.match(relative):
         content = STAMP.sub(b"stamp", content)
-    if relative in HISTORIES and is_json(content):
+    if relative in (*HISTORIES, REMEMBERED) and is_json(content):
         return "sound history"
+    if relative == LISTS and is_json(content):
+        return "favourites " + repr(sorted(map(repr, json.loads(content)["favourites"])))
+    if content.startswith(b"SQLite format 3\0"):
+        return database_digest(path)
     if relative.endswith("/catalog_hash.txt"):
         return "parts " + repr(content.decode(errors="replace").splitlines())
     if path.endswith(".zip"):
@@ -41,6 +55,23 @@ def digest(path, relative):
         except (zipfile.BadZipFile, OSError, EOFError):
             pass
     return hashlib.sha1(content).hexdigest()
+
+
+def database_digest(path):
+    """A text that is equal for databases that hold the same; of a library that the window made, the id is random."""
+    database = sqlite3.connect(f"file:{urllib.parse.quote(path)}?immutable=1", uri=True)
+    try:
+        if database.execute("PRAGMA integrity_check").fetchall() != [("ok",)]:
+            return "damaged database"
+        rows = sorted(map(repr, database.execute("SELECT name, sql FROM sqlite_master")))
+        for table, in database.execute("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name").fetchall():
+            for row in database.execute(f'SELECT * FROM "{table}"'):
+                rows.append(repr((table, *("id" if isinstance(each, str) and UUID.match(each) else each for each in row))))
+        return "database " + hashlib.sha1("\n".join(sorted(rows)).encode()).hexdigest()
+    except sqlite3.DatabaseError:
+        return "damaged database"
+    finally:
+        database.close()
 
 
 def is_json(content):
@@ -90,8 +121,13 @@ def snapshot(top):
                 continue  # exists only while it contains something
             elif os.path.isdir(path):
                 found[relative] = "folder"
+            elif BIN.match(relative):
+                if BIN.match(relative)["kind"] == "files":
+                    found[IN_BIN + digest(path, relative)] = digest(path, relative)
             else:
                 found[relative] = digest(path, relative)
+    if found.get(LISTS) == "favourites []":
+        del found[LISTS]
     return found
 
 
@@ -122,6 +158,23 @@ def judge_disturbed(now, states, may_be_missing=(), may_be_parts=(), may_be_left
     return complaints
 
 
+def without_unfinished(now, working_files=()):
+    """Without files that whoever makes such a change next removes."""
+    return {path: content for path, content in now.items()
+            if not UNFINISHED.search(path) and not path.startswith("root/temp/") and path not in working_files}
+
+
+def begun_of(now, files):
+    """What killed runs began of these files."""
+    starts = tuple(os.path.join(os.path.dirname(file), f".{os.path.basename(file)}.") for file in files)
+    return tuple(path for path in now if files and path.startswith(starts) and UNFINISHED.search(path))
+
+
+def judge_lost(now, old, never_lost):
+    """Complaints about contents that are nowhere any more."""
+    return [f"{path} is lost" for path in never_lost if old[path] not in now.values()]
+
+
 def judge_ended(now):
     """Complaints about a run that ended, even with a failure: it must have removed its unfinished files."""
     return [f"{path} was not removed" for path in sorted(now) if UNFINISHED.search(path)]
@@ -136,7 +189,8 @@ def judge_done(now, new, may_differ=(), said="is done"):
 
 def judge_recovered(now, finals, may_be_left=(), may_stay_out=(), old=None):
     """Complaints about the tree after an undisturbed run: every file must be as such runs leave it, and there must be
-    no other files. A file that may stay out may also be missing, be as in the old state, or consist of known parts."""
+    no other files. A file that may stay out may also be missing, be as in the old state, or consist of known parts. Files
+    may be missing from the bin, because `judge_lost` checks them."""
     old = old or {}
     complaints = []
     allowed = {path for final in finals for path in final}
@@ -144,7 +198,7 @@ def judge_recovered(now, finals, may_be_left=(), may_stay_out=(), old=None):
         contents = [final.get(path) for final in finals]
         stays_out = path in may_stay_out and (now.get(path) == old.get(path) or path not in now
                                               or is_made_of(now[path], contents))
-        if now.get(path) not in contents and not stays_out:
+        if now.get(path) not in contents and not stays_out and not path.startswith(IN_BIN):
             complaints.append(f"{path} did not recover")
     complaints += [f"{path} was left over" for path in sorted(set(now) - allowed - set(may_be_left))]
     return complaints

@@ -1,6 +1,7 @@
 #!/usr/bin/env python3
 """The oracle finds the faults that it must find."""
 import os
+import sqlite3
 import tempfile
 import unittest
 import zipfile
@@ -95,8 +96,76 @@ class SnapshotTest(unittest.TestCase):
             self.assertEqual(self.digest(name, '{"a": 1}'), self.digest(name, "{}"))
             self.assertNotEqual(self.digest(name, "{}"), self.digest(name, "{"))
 
+    def test_favourites_count_and_what_was_looked_at_does_not(self):
+        texts = ['{"favourites": [1], "recent": [1]}', '{"favourites": [1], "recent": [2]}', '{"favourites": [2], "recent": [1]}']
+        found = [self.digest(oracle.LISTS, text) for text in texts]
+        self.assertEqual(found[0], found[1])
+        self.assertNotEqual(found[0], found[2])
+
     def test_hash_files_are_made_of_lines(self):
         self.assertEqual(self.digest("root/core/catalog_hash.txt", "a:1\nb:2\n"), "parts ['a:1', 'b:2']")
+
+
+class DatabaseTest(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.path = os.path.join(folder.name, "a b?.orvlib")
+
+    def digest(self, identifier, *names):
+        if os.path.exists(self.path):
+            os.remove(self.path)
+        database = sqlite3.connect(self.path)
+        database.execute("CREATE TABLE item (id INTEGER PRIMARY KEY, name TEXT)")
+        database.execute("CREATE TABLE catalog (key TEXT, value TEXT)")
+        database.execute("INSERT INTO catalog VALUES ('id', ?)", (identifier,))
+        database.executemany("INSERT INTO item (name) VALUES (?)", [(name,) for name in names])
+        database.commit()
+        database.close()
+        return oracle.digest(self.path, "root/user/a.orvlib")
+
+    def test_rows_count_and_a_random_id_does_not(self):
+        ids = ["0b1c2d3e-1111-4222-8333-444455556666", "9b1c2d3e-1111-4222-8333-444455556667"]
+        first = self.digest(ids[0], "Chair", "Stool")
+        self.assertEqual(first, self.digest(ids[1], "Chair", "Stool"))
+        self.assertNotEqual(first, self.digest(ids[0], "Chair"))
+        self.assertNotEqual(first, self.digest("mine", "Chair", "Stool"))
+
+    def test_a_torn_one_is_damaged(self):
+        self.digest("mine", "Chair")
+        with open(self.path, "r+b") as file:
+            file.truncate(5000)
+        self.assertEqual(oracle.digest(self.path, "root/user/a.orvlib"), "damaged database")
+
+
+class BinTest(unittest.TestCase):
+    def test_files_in_the_bin_are_known_by_their_contents(self):
+        with tempfile.TemporaryDirectory() as top:
+            for path, text in (("files/Mine 2.orvlib", "mine"), ("info/Mine 2.orvlib.trashinfo", "now")):
+                os.makedirs(os.path.join(top, "home/data/Trash", os.path.dirname(path)))
+                with open(os.path.join(top, "home/data/Trash", path), "w") as file:
+                    file.write(text)
+            old = {"root/user/Mine.orvlib": oracle.digest(os.path.join(top, "home/data/Trash/files/Mine 2.orvlib"), "")}
+            now = oracle.snapshot(top)
+            self.assertEqual(oracle.judge_lost(now, old, old.keys()), [])
+            self.assertEqual(len([path for path in now if path.startswith(oracle.IN_BIN)]), 1)
+            self.assertFalse([path for path in now if "trashinfo" in path or "Mine" in path])
+            os.remove(os.path.join(top, "home/data/Trash/files/Mine 2.orvlib"))
+            self.assertEqual(oracle.judge_lost(oracle.snapshot(top), old, old.keys()), ["root/user/Mine.orvlib is lost"])
+
+    def test_what_is_gone_from_the_bin_is_for_the_judge_of_lost_files(self):
+        final = {"a": "1", oracle.IN_BIN + "2": "2"}
+        self.assertEqual(oracle.judge_recovered({"a": "1"}, [final]), [])
+        self.assertEqual(oracle.judge_recovered({oracle.IN_BIN + "2": "2"}, [final]), ["a did not recover"])
+
+    def test_what_was_begun_of_a_file_is_known_by_its_name(self):
+        now = {"root/.a.json.12.orv-new": "x", "root/.b.json.12.orv-new": "x", "root/.a.json.12": "x", "root/a.json": "x"}
+        self.assertEqual(oracle.begun_of(now, ["root/a.json"]), ("root/.a.json.12.orv-new",))
+        self.assertEqual(oracle.begun_of(now, []), ())
+
+    def test_a_refused_run_clears_nothing_away(self):
+        now = {"root/core/.a.orv-new": "x", "root/temp/a.lock": "x", "w": "x", "a": "1"}
+        self.assertEqual(oracle.without_unfinished(now, ["w"]), {"a": "1"})
 
 
 if __name__ == "__main__":

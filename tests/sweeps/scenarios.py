@@ -29,6 +29,10 @@ def archive(path, members):
 WELL_KNOWN = ("user", "core", "bonus", "manufacturer", "manufacturer-data", "referenced", "textures", "temp")
 
 
+class Window(list):
+    """Steps for the window; other lists are arguments of the command-line host."""
+
+
 class Scenario:
     """One command. `prepare` creates the sandbox, `before` returns the commands that produce the old state, and
     `arguments` those of the command that is disturbed."""
@@ -50,8 +54,16 @@ class Scenario:
     all_or_nothing = ()
     # Deliberate: files that stay missing after a failure until the service has a newer version.
     may_stay_out = ()
+    # Deliberate: files that are saved after another file. A run that is killed between the two leaves their old content.
+    may_lag = ()
+    # Files that a run does not write if there is nothing to do. Unfinished copies of them may stay until then.
+    seldom_written = ()
+    # Whether files that fail for ever may leave something that only `verify --repair` finds.
+    mended_by_verify = False
     # The message with which a repeated run ends with status 1; empty if repeating succeeds.
     refused_when_done = ""
+    # Files of the old state whose contents must exist at every moment, under any name.
+    never_lost = ()
     # Whether the run announces its end to a host object, once.
     has_closing = False
     # The least number of parallel downloads of an undisturbed run with a far service, which delays every response. None
@@ -76,6 +88,14 @@ class Scenario:
         return False
 
     def before(self, sandbox, service):
+        return []
+
+    def ready(self, sandbox, service):
+        """Tells the programs in their old state where the new content is."""
+
+    def between(self, sandbox, service):
+        """The commands that bring the old state to one through which a run passes, and with which one that is done
+        again after a kill may end."""
         return []
 
     def arguments(self, sandbox, service):

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Disturbs the command-line program at every system call in turn and checks the files that it leaves.
+"""Disturbs the command-line program, or the window, at every system call in turn and checks the files that it leaves.
 
     sweep.py kill    --program ORV_LIBRARY --shim SHIM [--points N]    killed before a call that changes files, or in
                                                                        the middle of a write
@@ -26,6 +26,7 @@ import sys
 import tempfile
 import threading
 
+import browser_scenarios
 import oracle
 import scenarios
 
@@ -98,9 +99,10 @@ def is_well(scenario, status, said):
 
 
 class Sweep:
-    def __init__(self, program, shim, folder):
-        self.program, self.shim, self.folder = program, shim, folder
+    def __init__(self, program, shim, folder, window=None):
+        self.program, self.shim, self.folder, self.window = program, shim, folder, window
         self.templates, self.old, self.finals = {}, {}, {}
+        self.between = {}
         self.services, self.servers = {}, []
         self.missed = 0  # kills planned after the run's last call
 
@@ -115,11 +117,17 @@ class Sweep:
 
     def start(self, arguments, sandbox, settings=None):
         """Starts a command. The caller finishes the process."""
-        environment = {**ENVIRONMENT, "ORV_LIBRARY_ROOT": os.path.join(sandbox, "root")}
+        root, home = os.path.join(sandbox, "root"), os.path.join(sandbox, "home")
+        environment = {**ENVIRONMENT, "ORV_LIBRARY_ROOT": root}
+        command = [self.program, "--progress", "none", "--trace", sandbox + ".trace"]
+        if isinstance(arguments, scenarios.Window):
+            command = [self.window, root]
+            environment.update(HOME=home, XDG_DATA_HOME=os.path.join(home, "data"),
+                               XDG_CONFIG_HOME=os.path.join(home, "config"),
+                               XDG_CACHE_HOME=os.path.join(self.folder, "cache"))
         if settings:
             environment.update(settings, LD_PRELOAD=self.shim, ORV_FAULT_ROOT=sandbox)
-        return subprocess.Popen([self.program, "--progress", "none", "--trace", sandbox + ".trace"] + arguments,
-                                cwd=os.path.join(sandbox, "work"), env=environment,
+        return subprocess.Popen(command + list(arguments), cwd=os.path.join(sandbox, "work"), env=environment,
                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
 
     @staticmethod
@@ -165,11 +173,14 @@ class Sweep:
             if status != 0:
                 sys.exit(f"{scenario.name}: {' '.join(arguments)} failed: {status} {said}")
         self.services[scenario] = self.serve(scenario, 2)
+        scenario.ready(template, self.services[scenario])
         self.templates[scenario] = template
         self.old[scenario] = oracle.snapshot(template)
         sandbox = self.copy(scenario, "clean")
         self.finals[scenario] = [self.run_undisturbed(scenario, sandbox) for _ in range(3)]
         shutil.rmtree(sandbox)
+        self.between[scenario] = self.state_between(scenario)
+        self.finals[scenario] += self.between[scenario]
         if scenario.far_bodies:
             self.expect_far(scenario)
         if scenario.consumed_by_failure:
@@ -178,6 +189,20 @@ class Sweep:
                 os.remove(os.path.join(sandbox, path))
             self.finals[scenario].append(self.run_undisturbed(scenario, sandbox))
             shutil.rmtree(sandbox)
+
+    def state_between(self, scenario):
+        """The states through which a run passes, once and done again, and that after an undisturbed run; none for most."""
+        sandbox = self.copy(scenario, "between")
+        found = []
+        for arguments in scenario.between(sandbox, self.services[scenario]) * 2:
+            status, said = self.execute(arguments, sandbox)
+            if not is_well(scenario, status, said):
+                sys.exit(f"{scenario.name}: {' '.join(arguments)} failed: {status} {said}")
+            found.append(oracle.snapshot(sandbox))
+        if found:
+            found.append(self.run_undisturbed(scenario, sandbox))
+        shutil.rmtree(sandbox)
+        return found
 
     def run_undisturbed(self, scenario, sandbox):
         status, said = self.run(scenario, sandbox)
@@ -233,8 +258,9 @@ class Sweep:
 
     def error_cells(self, scenario):
         cells = []
+        made = self.kinds_of_calls(scenario, ",".join(ERRORS))
         for kind, names in ERRORS.items():
-            for at in range(1, len(self.calls(scenario, kind)) + 1):
+            for at in range(1, made.count(kind) + 1):
                 for name in names:
                     # An interrupted call is repeated, so an interrupt at every call would never end.
                     for ever in (False,) if name == "EINTR" else (False, True):
@@ -262,7 +288,8 @@ class Sweep:
         missing = scenario.removed_before_replaced + (() if is_kill else scenario.consumed_by_failure)
         parts = scenario.may_stay_old + (() if is_kill else scenario.may_lack_members)
         left = scenario.working_files + scenario.kept_copies
-        complaints += oracle.judge_disturbed(now, [old, new], missing, parts, left)
+        complaints += oracle.judge_disturbed(now, [old, new] + self.between[scenario], missing, parts, left)
+        complaints += oracle.judge_lost(now, old, scenario.never_lost)
         if scenario.has_closing and not is_kill:
             complaints += self.judge_closing(status, sandbox + ".trace")
         if not is_kill and cell.kinds != "unlink":
@@ -277,17 +304,22 @@ class Sweep:
             self.run(scenario, sandbox, Cell(scenario, 0, CHANGING, cell.again, "kill").settings())
             complaints += oracle.judge_disturbed(oracle.snapshot(sandbox), [old] + self.finals[scenario],
                                                  missing, parts, left)
-        is_examined = cell.number % 10 == 5
+        is_examined = cell.number % 10 == 5 or (scenario.mended_by_verify and cell.ever)
         if is_examined:
             complaints += self.examine(sandbox)
         status, said = self.run(scenario, sandbox)
         if not is_well(scenario, status, said):
             complaints.append(f"the run after it ended with {status}: {said.strip()}")
         now = oracle.snapshot(sandbox)
+        if status == 1:  # refused, so it wrote nothing, and did not come to clear away what others began
+            now = oracle.without_unfinished(now, scenario.working_files)
         if is_examined:
             complaints += self.judge_health(sandbox)
+        complaints += oracle.judge_lost(now, old, scenario.never_lost)
         stays_out = () if is_kill else scenario.may_stay_out
-        complaints += oracle.judge_recovered(now, self.finals[scenario], scenario.kept_copies, stays_out,
+        stays_out += scenario.may_lag
+        left = scenario.kept_copies + oracle.begun_of(now, scenario.seldom_written)
+        complaints += oracle.judge_recovered(now, self.finals[scenario], left, stays_out,
                                              self.old[scenario])
         return complaints
 
@@ -354,7 +386,7 @@ def spread(cells, points):
 
 def sweep_all(sweep, options, failed):
     cells = []
-    for scenario in scenarios.ALL:
+    for scenario in browser_scenarios.ALL if options.window else scenarios.ALL:
         if options.scenario and scenario.name not in options.scenario:
             continue
         sweep.prepare(scenario)
@@ -383,6 +415,7 @@ def main():
     parser.add_argument("sweep", choices=["kill", "kills", "errors"])
     parser.add_argument("--program", required=True, type=os.path.abspath)
     parser.add_argument("--shim", required=True, type=os.path.abspath)
+    parser.add_argument("--window", type=os.path.abspath, help="disturb this instead; see BrowserSteps.cpp")
     parser.add_argument("--points", type=int, default=0)
     parser.add_argument("--full", type=int, default=0)
     parser.add_argument("--scenario", action="append")
@@ -393,7 +426,7 @@ def main():
 
     failed = []
     with tempfile.TemporaryDirectory(prefix="orv-sweep-") as folder:
-        sweep = Sweep(options.program, options.shim, os.path.realpath(folder))
+        sweep = Sweep(options.program, options.shim, os.path.realpath(folder), options.window)
         try:
             swept, cells = sweep_all(sweep, options, failed)
         finally:
