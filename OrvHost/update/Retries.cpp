@@ -12,7 +12,7 @@ using std::chrono::milliseconds;
 
 /// A cancel takes effect within this time.
 constexpr milliseconds kStep{50};
-constexpr int kMostGivenUp = 3;
+constexpr int kMostFailuresInRow = 3;
 
 /// Between half of the time and one and a half of it, at random.
 milliseconds jittered(milliseconds time)
@@ -28,8 +28,8 @@ milliseconds jittered(milliseconds time)
 bool Retries::shouldTryAgain(std::optional<std::chrono::seconds> retryAfter)
 {
     const bool isTooLong = retryAfter && *retryAfter > mSettings.longestRetryAfter;
-    if (mTries >= mSettings.retries || mGivenUp >= kMostGivenUp || isTooLong) {
-        ++mGivenUp;
+    if (mTries >= mSettings.retries || mFailuresInRow >= kMostFailuresInRow || isTooLong) {
+        ++mFailuresInRow;
         return false;
     }
     const milliseconds growing = mSettings.firstPause * (1 << std::min(mTries, 6));

@@ -33,7 +33,7 @@ public:
     /// @return true, after the pause, if the request should be sent again
     bool shouldTryAgain(std::optional<std::chrono::seconds> retryAfter);
     /// Call it when a request has succeeded.
-    void succeeded() { mGivenUp = 0; }
+    void succeeded() { mFailuresInRow = 0; }
 
     /// Whether the run was cancelled.
     bool isCancelled() const { return mSettings.isCancelled && mSettings.isCancelled(); }
@@ -43,7 +43,7 @@ private:
 
     Settings mSettings;
     int mTries = 0;
-    int mGivenUp = 0; ///< requests in a row that failed at every try
+    int mFailuresInRow = 0; ///< requests in a row that failed at every try
 };
 
 } // namespace OrvHost
