@@ -5,7 +5,7 @@
 #include "OrvLibrary/host/ProgressSubject.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// `SHA1` of the library for those who want to watch and to cancel; it takes a third longer.
+/// `SHA1` of the library for those who want to watch and to cancel; it takes about twice as long.
 namespace OrvHost::FileHash {
 
 /// SHA-1 of a file's contents as 40 lower-case hexadecimal digits; empty for what is not a readable regular
