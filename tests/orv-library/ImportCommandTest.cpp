@@ -246,6 +246,19 @@ TEST_F(ImportCommand, interruptImportsAllOrNothing)
     EXPECT_TRUE(test::listTree(rootPath("temp")).empty());
 }
 
+TEST_F(ImportCommand, interruptAfterTheResultChangesNothing)
+{
+    const std::string archive = writeKitchen();
+    for (int i = 0; i < 20; ++i) {
+        const auto process = mProgram.start({"--json", "import", archive});
+        ASSERT_TRUE(process->waitForReadyRead(10000));
+        ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+        const ProgramResult result = test::Program::finish(*process);
+        ASSERT_EQ(result.status, 0) << result.err;
+        ASSERT_FALSE(result.json()["library"].isNull());
+    }
+}
+
 TEST_F(ImportCommand, barNamesTheStepAndTheFile)
 {
     const ProgramResult result = mProgram.run({"--progress", "bar", "import", writeKitchen()});

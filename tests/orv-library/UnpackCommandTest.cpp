@@ -229,6 +229,19 @@ TEST_F(UnpackCommand, interruptWhileDownloadingLeavesNothing)
     EXPECT_FALSE(fs::exists(mProgram.root()));
 }
 
+TEST_F(UnpackCommand, interruptAfterTheResultChangesNothing)
+{
+    const std::string archive = writeKitchen();
+    for (int i = 0; i < 20; ++i) {
+        const auto process = mProgram.start({"--json", "unpack", archive, "--output-dir", path("out")});
+        ASSERT_TRUE(process->waitForReadyRead(10000));
+        ::kill(static_cast<pid_t>(process->processId()), SIGINT);
+        const ProgramResult result = test::Program::finish(*process);
+        ASSERT_EQ(result.status, 0) << result.err;
+        ASSERT_TRUE(result.json()["library"].toObject()["found"].toBool());
+    }
+}
+
 TEST_F(UnpackCommand, progressIsOneLineAStep)
 {
     const ProgramResult result =

@@ -9,8 +9,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-#include "apps/orv-library/Command.h"
-
 namespace {
 
 constexpr int kSignals[] = {SIGINT, SIGTERM};
@@ -33,12 +31,14 @@ void noteSignal(int)
 /// A signal handler reads it at any time, so no text it has pointed to is ever freed.
 std::atomic<const std::string*> lastWords{nullptr};
 
+std::atomic<ExitStatus> endStatus{ExitStatus::Interrupted};
+
 [[noreturn]] void endProgram(int)
 {
     if (const std::string* words = lastWords.load()) {
         [[maybe_unused]] const ssize_t written = write(STDOUT_FILENO, words->data(), words->size());
     }
-    _exit(static_cast<int>(ExitStatus::Interrupted));
+    _exit(static_cast<int>(endStatus.load()));
 }
 
 } // namespace
@@ -54,6 +54,12 @@ void Interrupt::endsProgram()
         if (sigaction(signal, nullptr, &former) == 0 && former.sa_handler == SIG_DFL)
             sigaction(signal, &action, nullptr);
     }
+}
+
+void Interrupt::setEndStatus(ExitStatus status)
+{
+    static_assert(std::atomic<ExitStatus>::is_always_lock_free, "read in a signal handler");
+    endStatus.store(status);
 }
 
 void Interrupt::setLastWords(const std::string& text)

@@ -118,6 +118,7 @@ ExitStatus ImportCommand::run(Session& session) const
     const Results results = importAll(session);
     session.console().result(document(results, mIsDryRun), text(results, mIsDryRun));
     complain(results);
+    Interrupt::setEndStatus(status(results));
     return status(results);
 }
 

@@ -75,7 +75,9 @@ ExitStatus UnpackCommand::run(Session& session) const
         throw CommandFailure(mSource + ": holds neither a library nor referenced files");
     session.console().result(document(result),
                              text("Library: ", result.first) + text("Referenced files: ", result.second));
-    return isEmpty ? ExitStatus::Interrupted : ExitStatus::Done;
+    const ExitStatus status = isEmpty ? ExitStatus::Interrupted : ExitStatus::Done;
+    Interrupt::setEndStatus(status);
+    return status;
 }
 
 /// If a signal made it fail, returns an empty result instead of a failure.
