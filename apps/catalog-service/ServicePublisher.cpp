@@ -61,13 +61,16 @@ std::string unusableCharacter(const std::string& name)
     return {};
 }
 
-/// The first packed archive in an index. Clients do not accept one as core content.
-std::string packedArchiveIn(const QByteArray& index)
+/// Why clients could not use an index; empty if they can.
+std::string indexRefusal(const QByteArray& index)
 {
+    const QByteArray text = index.startsWith("\xef\xbb\xbf") ? index.mid(3) : index;
+    if (text.trimmed().startsWith('<'))
+        return "begins with \"<\"; clients would take it for a web page";
     for (QByteArray line : index.split('\n')) {
         line.replace('\r', "");
         if (line.endsWith(".orvlibz"))
-            return line.toStdString();
+            return "lists \"" + line.toStdString() + "\"; a packed archive is no core content";
     }
     return {};
 }
@@ -185,9 +188,9 @@ void ServicePublisher::refuseContents(Files& files)
         if (FileUtils::fileSize(fileString(path)) < 1)
             refuse(files, name, "is empty; a client that fetched it would stop its update there");
         else if (endsWith(name, kIndexEnding)) {
-            const std::string archive = packedArchiveIn(contentOf(path));
-            if (!archive.empty())
-                refuse(files, name, "lists \"" + archive + "\"; a packed archive is no core content");
+            const std::string reason = indexRefusal(contentOf(path));
+            if (!reason.empty())
+                refuse(files, name, reason);
         } else if (name == kManufacturerFile) {
             const std::string id = oversizedId(contentOf(path));
             if (!id.empty())

@@ -82,7 +82,9 @@ TEST(LogCommand, missingLogIsEmpty)
     EXPECT_EQ(0, result.status);
     EXPECT_TRUE(result.json()["entries"].toArray().isEmpty());
     EXPECT_THAT(program.run({"log", "show"}).out, HasSubstr("empty"));
-    EXPECT_EQ(0, program.run({"log", "clear"}).status);
+    const test::ProgramResult cleared = program.run({"log", "clear"});
+    EXPECT_EQ(0, cleared.status);
+    EXPECT_EQ("There is no error log: " + program.root() + "/user/errors.log\n", cleared.out);
 }
 
 TEST(LogCommand, printsThePathAlone)
@@ -100,6 +102,8 @@ TEST(LogCommand, clearRemovesAFreshLogToo)
     EXPECT_EQ(0, result.status);
     EXPECT_TRUE(result.json()["entries"].toArray().isEmpty());
     EXPECT_FALSE(std::filesystem::exists(program.root() + "/user/errors.log"));
+    test::writeFile(program.root() + "/user/errors.log", kTwoEntries);
+    EXPECT_EQ("Removed " + program.root() + "/user/errors.log\n", program.run({"log", "clear"}).out);
 }
 
 TEST(LogCommand, clearThatCannotRemoveFailsWithThePath)

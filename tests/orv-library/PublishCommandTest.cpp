@@ -16,9 +16,9 @@ protected:
     {
         return program.runBare({"--json", "publish", folder + "/source", folder + "/service"});
     }
-    void offer(const std::string& name) const
+    void offer(const std::string& name, const std::string& content = std::string(2000, 'x')) const
     {
-        test::writeFile(folder + "/source/content/" + name, std::string(2000, 'x'));
+        test::writeFile(folder + "/source/content/" + name, content);
     }
 
     const test::Program program;
@@ -48,4 +48,23 @@ TEST_F(PublishCommand, saysWhatItRefused)
     ASSERT_EQ(1, document["refused"].toArray().size());
     EXPECT_EQ("Do:ors.orvlib", document["refused"].toArray()[0].toObject()["name"].toString());
     EXPECT_THAT(result.err, HasSubstr("Do:ors.orvlib: "));
+}
+
+TEST_F(PublishCommand, refusesAnIndexThatClientsCannotUse)
+{
+    const std::string name = "Orv_Core_Content_Index.txt";
+    const std::string page = "begins with \"<\"; clients would take it for a web page";
+    const std::vector<std::pair<std::string, std::string>> cases{
+        {"<html>Log in</html>", page},
+        {"\xef\xbb\xbf\n <Doors.orvlib", page},
+        {"Doors.orvlib\nBath.orvlibz\n", "lists \"Bath.orvlibz\"; a packed archive is no core content"}};
+    offer("Doors.orvlib");
+    for (const auto& [content, reason] : cases) {
+        offer(name, content);
+        const QJsonObject refused = publish().json()["refused"].toArray()[0].toObject();
+        EXPECT_EQ(refused["name"].toString().toStdString(), name) << content;
+        EXPECT_EQ(refused["why"].toString().toStdString(), reason) << content;
+    }
+    offer(name, "Doors.orvlib\n<b>.orvlib\n");
+    EXPECT_EQ(0, publish().status);
 }

@@ -83,8 +83,10 @@ ExitStatus LogCommand::path(Session& session)
 ExitStatus LogCommand::clear(Session& session)
 {
     const fileString file = logFile(session);
+    const bool isThere = file.pathExists();
     if (!FileUtils::removePath(file, 1))
         throw CommandFailure("cannot remove " + file.toNativeString());
-    session.console().result(document(file, {}), "Removed " + file.toNativeString() + "\n");
+    session.console().result(document(file, {}), (isThere ? "Removed " : "There is no error log: ") +
+                                                     file.toNativeString() + "\n");
     return ExitStatus::Done;
 }
