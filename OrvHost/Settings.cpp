@@ -9,6 +9,7 @@
 
 #include <QJsonArray>
 #include <QJsonDocument>
+#include <QtGlobal>
 
 #include "OrvHost/SettingRule.h"
 #include "OrvHost/TextFile.h"
@@ -181,6 +182,27 @@ Settings::Values Settings::values() const
     values.historyVersions = static_cast<int>(number("historyVersions"));
     values.historyBytes = number("historyBytes");
     return values;
+}
+
+Settings::Values Settings::valuesHere() const
+{
+    Values here = values();
+    if (isFromEnvironment("proxy"))
+        here.proxy.clear();
+    if (isFromEnvironment("certificates"))
+        here.certificates.clear();
+    return here;
+}
+
+bool Settings::isFromEnvironment(const std::string& key)
+{
+    std::vector<const char*> variables;
+    if (key == "proxy")
+        variables = {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"};
+    else if (key == "certificates")
+        variables = {"SSL_CERT_FILE", "SSL_CERT_DIR"};
+    return std::any_of(variables.begin(), variables.end(),
+                       [](const char* variable) { return !qEnvironmentVariableIsEmpty(variable); });
 }
 
 QJsonObject Settings::stored() const

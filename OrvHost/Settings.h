@@ -59,6 +59,11 @@ public:
     Settings() = default;
 
     Values values() const;
+    /// `values()` as they hold for this process: empty is what the environment decides.
+    Values valuesHere() const;
+    /// Whether the environment goes before a setting, because it says what holds where the program runs:
+    /// before "proxy" if it names a proxy, before "certificates" if `SSL_CERT_FILE` or `SSL_CERT_DIR` is set.
+    static bool isFromEnvironment(const std::string& key);
     /// The values that are set, by key. Unknown members of the file are left out.
     QJsonObject stored() const;
 

@@ -1,6 +1,7 @@
 // The window and the command line share one settings file.
 #include <QAction>
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QProcess>
@@ -16,6 +17,7 @@
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
 #include "tests/support/FaultServer.h"
+#include "tests/support/ScopedEnvironment.h"
 
 namespace {
 
@@ -117,6 +119,54 @@ TEST_F(BrowserSharedSettingsTest, proxyOfTheSettingsIsAskedForEverything)
     check();
     EXPECT_GT(proxy.requests().size(), 0U);
     change([](QDialog& dialog) { dialog.findChild<QLineEdit*>("proxy")->clear(); });
+}
+
+TEST_F(BrowserSharedSettingsTest, proxyOfTheEnvironmentGoesBeforeTheOneOfTheSettings)
+{
+    test::FaultServer here;
+    test::FaultServer stored;
+    for (test::FaultServer* proxy : {&here, &stored})
+        proxy->otherwise([](const test::FaultRequest&) { return test::FaultReply::status(502); });
+    setByCommand({"url", "http://service.invalid/redirect"});
+    setByCommand({"retries", "0"});
+    setByCommand({"proxy", QString::fromStdString(stored.url(""))});
+    const test::ScopedEnvironment environment("http_proxy", here.url("").c_str());
+    open();
+    check();
+    EXPECT_GT(here.requests().size(), 0U);
+    EXPECT_EQ(stored.requests().size(), 0U);
+}
+
+TEST_F(BrowserSharedSettingsTest, certificatesOfTheEnvironmentGoBeforeThoseOfTheSettings)
+{
+    test::FaultServer server;
+    setByCommand({"url", QString::fromStdString(server.url("/redirect"))});
+    setByCommand({"certificates", "/no/such/file.pem"});
+    const test::ScopedEnvironment environment("SSL_CERT_FILE", "/no/such/other.pem");
+    open();
+    check();
+    EXPECT_GT(server.requests().size(), 0U); // the setting is not even looked at
+}
+
+TEST_F(BrowserSharedSettingsTest, preferencesSayWhatTheEnvironmentDecides)
+{
+    const auto notes = [this] {
+        QStringList named;
+        inDialog([&] { trigger("editPreferences"); },
+                 [&](QDialog& dialog) {
+                     for (const char* name : {"proxyNote", "certificatesNote"})
+                         if (dialog.findChild<QLabel*>(name))
+                             named << name;
+                     dialog.reject();
+                 });
+        return named;
+    };
+    open();
+    EXPECT_EQ(notes(), QStringList());
+    const test::ScopedEnvironment proxy("all_proxy", "http://127.0.0.1:9");
+    EXPECT_EQ(notes(), QStringList{"proxyNote"});
+    const test::ScopedEnvironment certificates("SSL_CERT_DIR", "/etc");
+    EXPECT_EQ(notes(), QStringList({"proxyNote", "certificatesNote"}));
 }
 
 TEST_F(BrowserSharedSettingsTest, commandLineFindsWhatThePreferencesSet)

@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QSpinBox>
@@ -21,6 +22,15 @@ constexpr int kMostConnections = 96;
 constexpr int kMostVersions = 1000;
 constexpr int kKilobyte = 1000;
 constexpr int kMegabyte = 1000000;
+
+/// A setting that does nothing here says so.
+QLabel* environmentNote(const char* key)
+{
+    auto* note = new QLabel(PreferencesDialog::tr("Here, a variable of the environment goes before this."));
+    note->setObjectName(QLatin1String(key) + QStringLiteral("Note"));
+    note->setForegroundRole(QPalette::PlaceholderText);
+    return note;
+}
 
 } // namespace
 
@@ -74,6 +84,8 @@ QWidget* PreferencesDialog::networkPage()
         QLineEdit* line = mFields.addText(key);
         line->setPlaceholderText(tr("as the system says"));
         layout->addRow(label, line);
+        if (OrvHost::Settings::isFromEnvironment(key))
+            layout->addRow(QString(), environmentNote(key));
     }
     layout->addRow(tr("&Retries of a request:"), mFields.addNumber("retries", 0, kMostRetries));
     layout->addRow(tr("Co&nnections at once:"), mFields.addNumber("connections", 1, kMostConnections));

@@ -1221,6 +1221,10 @@
         <source>All of them &amp;together:</source>
         <translation>Alle &amp;zusammen:</translation>
     </message>
+    <message>
+        <source>Here, a variable of the environment goes before this.</source>
+        <translation>Hier geht eine Umgebungsvariable dieser Angabe vor.</translation>
+    </message>
 </context>
 <context>
     <name>Reasons</name>

@@ -1,9 +1,5 @@
 #include "apps/orv-library/update/ServiceOptions.h"
 
-#include <algorithm>
-
-#include <QtGlobal>
-
 #include "OrvHost/AppHost.h"
 #include "OrvLibrary/host/Curl.h"
 #include "apps/orv-library/Command.h"
@@ -28,17 +24,6 @@ try {
 } catch (const Settings::Refusal& refusal) {
     const std::string text = refusal.what();
     throw UsageError(option + text.substr(text.find(':')));
-}
-
-/// The environment counts more than the file: it says what holds where the program runs.
-void letEnvironmentDecide(Settings::Values& values)
-{
-    const auto isNamed = [](const char* variable) { return !qEnvironmentVariableIsEmpty(variable); };
-    const auto proxies = {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"};
-    if (std::any_of(proxies.begin(), proxies.end(), isNamed))
-        values.proxy.clear();
-    if (isNamed("SSL_CERT_FILE") || isNamed("SSL_CERT_DIR"))
-        values.certificates.clear();
 }
 
 void replace(std::string& value, const std::string& given)
@@ -90,8 +75,7 @@ void ServiceOptions::checkGiven() const
 void ServiceOptions::complete(const Settings& settings)
 {
     checkGiven();
-    mValues = settings.values();
-    letEnvironmentDecide(mValues);
+    mValues = settings.valuesHere();
     replace(mValues.url, mUrl);
     replace(mValues.product, mProduct);
     replace(mValues.productVersion, mProductVersion);
