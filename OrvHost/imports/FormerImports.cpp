@@ -172,16 +172,24 @@ void FormerImports::rollBack()
     dropLast();
 }
 
-void FormerImports::undoLast()
+std::string FormerImports::refusalOf(const ImportEntry& entry)
 {
-    ImportEntry& entry = mEntries.back();
     for (const ImportPart& part : entry.parts) {
         const FileStamp now = FileStamp::of(entry.path(part));
         if (now.exists && now != part.after)
-            throw std::runtime_error(entry.path(part).toNativeString() +
-                                     ": was changed after the import, and the change would be lost; to "
-                                     "undo all the same, move the file away first");
+            return entry.path(part).toNativeString() +
+                   ": was changed after the import, and the change would be lost; to undo all the same, "
+                   "move the file away first";
     }
+    return {};
+}
+
+void FormerImports::undoLast()
+{
+    ImportEntry& entry = mEntries.back();
+    const std::string refusal = refusalOf(entry);
+    if (!refusal.empty())
+        throw std::runtime_error(refusal);
     entry.state = ImportEntry::State::Undoing;
     save();
     rollBack();

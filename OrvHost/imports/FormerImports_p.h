@@ -53,6 +53,8 @@ public:
     /// Restores what the current import changed, and drops its record.
     /// @throws std::runtime_error if a file cannot be restored; the next object tries again
     void rollBack();
+    /// Why an import that is done cannot be taken back: a file was changed after it; empty if none was.
+    static std::string refusalOf(const ImportEntry& entry);
     /// Takes back the last import.
     /// @throws std::runtime_error like `rollBack`, and if a file was changed after the import
     void undoLast();

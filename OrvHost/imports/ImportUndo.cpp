@@ -19,23 +19,38 @@ ImportUndo::Import importOf(const ImportEntry& entry)
     return import;
 }
 
+/// The import that can be taken back next; none for a record that cannot be read, of which `run` tells.
+std::optional<ImportEntry> lastOf(const fileString& root)
+{
+    try {
+        const std::vector<ImportEntry> entries = ImportRecord::read(FormerImports::folderOf(root));
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+            const bool hasBegun = entry->state == ImportEntry::State::Begun;
+            if (entry->state == ImportEntry::State::Done || (hasBegun && entry->hasTakenPlace()))
+                return *entry;
+        }
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+    return std::nullopt;
+}
+
 } // namespace
 
 ImportUndo::ImportUndo(const fileString& root) : mRoot(root) {}
 
 std::optional<ImportUndo::Import> ImportUndo::last() const
 {
-    try {
-        const std::vector<ImportEntry> entries = ImportRecord::read(FormerImports::folderOf(mRoot));
-        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-            const bool hasBegun = entry->state == ImportEntry::State::Begun;
-            if (entry->state == ImportEntry::State::Done || (hasBegun && entry->hasTakenPlace()))
-                return importOf(*entry);
-        }
-    } catch (const std::exception&) {
-        // An unreadable record offers nothing; `run` reports why.
-    }
-    return std::nullopt;
+    const std::optional<ImportEntry> entry = lastOf(mRoot);
+    return entry ? std::optional(importOf(*entry)) : std::nullopt;
+}
+
+std::string ImportUndo::refusal() const
+{
+    const std::optional<ImportEntry> entry = lastOf(mRoot);
+    // What has only begun knows no state of its files to compare with.
+    return entry && entry->state == ImportEntry::State::Done ? FormerImports::refusalOf(*entry)
+                                                             : std::string();
 }
 
 ImportUndo::Import ImportUndo::run()

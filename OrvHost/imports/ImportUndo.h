@@ -33,6 +33,9 @@ public:
 
     /// The import that `run` would take back; empty if there is none. Changes nothing and does not wait.
     std::optional<Import> last() const;
+    /// Why `run` would refuse to take that import back, because a file was changed after it; empty if none
+    /// was. Changes nothing and does not wait.
+    std::string refusal() const;
     /// Restores the database, its ".bak" file and the texture archive as they were before the last import. A
     /// file that did not exist before is removed.
     /// @return the import that was undone

@@ -14,6 +14,7 @@
 #include "apps/orv-browser/FocusRing.h"
 #include "apps/orv-browser/ItemActions.h"
 #include "apps/orv-browser/LibraryActions.h"
+#include "apps/orv-browser/UndoCare.h"
 #include "apps/orv-browser/WindowMenus.h"
 #include "apps/orv-browser/activities/Activities.h"
 #include "apps/orv-browser/activities/ActivityPane.h"
@@ -81,6 +82,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
     connectFilters();
     connectWatch();
     connectOwn();
+    new UndoCare(mActions->undoStack(), *mMenus->undo, *mMenus->redo, mLibrary->imports(), this);
     mContent->refresh();
     mNews->refresh();
     mMemory.restore();

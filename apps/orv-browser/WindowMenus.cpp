@@ -7,7 +7,7 @@
 #include <QMenuBar>
 #include <QUndoStack>
 
-WindowMenus::WindowMenus(QMainWindow& window, QUndoStack& undo) : QObject(&window)
+WindowMenus::WindowMenus(QMainWindow& window, QUndoStack& changes) : QObject(&window)
 {
     QMenu* file = window.menuBar()->addMenu(tr("&File"));
     importArchive = add(*file, tr("&Import archive…"), "importArchive", QKeySequence::Open);
@@ -17,14 +17,14 @@ WindowMenus::WindowMenus(QMainWindow& window, QUndoStack& undo) : QObject(&windo
     quit = add(*file, tr("&Quit"), "quit", QKeySequence::Quit);
 
     mItemMenu = window.menuBar()->addMenu(tr("&Edit"));
-    QAction* undoAction = undo.createUndoAction(this, tr("&Undo"));
-    undoAction->setObjectName(QStringLiteral("undo"));
-    undoAction->setShortcut(QKeySequence::Undo);
-    QAction* redoAction = undo.createRedoAction(this, tr("&Redo"));
-    redoAction->setObjectName(QStringLiteral("redo"));
-    redoAction->setShortcuts({Qt::CTRL + Qt::SHIFT + Qt::Key_Z, Qt::CTRL + Qt::Key_Y}); // people know either
-    mItemMenu->addAction(undoAction);
-    mItemMenu->addAction(redoAction);
+    undo = changes.createUndoAction(this, tr("&Undo"));
+    undo->setObjectName(QStringLiteral("undo"));
+    undo->setShortcut(QKeySequence::Undo);
+    redo = changes.createRedoAction(this, tr("&Redo"));
+    redo->setObjectName(QStringLiteral("redo"));
+    redo->setShortcuts({Qt::CTRL + Qt::SHIFT + Qt::Key_Z, Qt::CTRL + Qt::Key_Y}); // people know either
+    mItemMenu->addAction(undo);
+    mItemMenu->addAction(redo);
     mItemMenu->addSeparator();
     favourite = add(*mItemMenu, tr("&Favourite"), "toggleFavourite", {Qt::CTRL + Qt::Key_D});
     favourite->setCheckable(true);

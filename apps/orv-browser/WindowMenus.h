@@ -14,8 +14,8 @@ class WindowMenus : public QObject
     Q_OBJECT
 
 public:
-    /// @param undo the changes that "Undo" takes back; outlives the menus
-    WindowMenus(QMainWindow& window, QUndoStack& undo);
+    /// @param changes the ones that "Undo" takes back; outlives the menus
+    WindowMenus(QMainWindow& window, QUndoStack& changes);
 
     QAction* importArchive;
     QAction* preferences;
@@ -31,6 +31,8 @@ public:
     QAction* showList;
     QAction* showDetails;    ///< checkable
     QAction* showActivities; ///< checkable
+    QAction* undo;
+    QAction* redo;
     QAction* favourite;
     QAction* showInFolder;
     QMenu* copyTo; ///< filled by whoever knows the libraries

@@ -136,6 +136,34 @@ TEST_F(BrowserFilterChipTest, undoTakesTheFilterAndTheChoiceBack)
     EXPECT_EQ(names(), QStringList({"Doors modern", "Lamps modern"}));
 }
 
+TEST_F(BrowserFilterChipTest, redoThatCannotBeIsToldAndOfferedNoMore)
+{
+    manager.setLibraryFilters({LibraryFilter("Light", 3, {"Lamps"})});
+    manager.saveFilters();
+    manager.loadFilters();
+    open();
+    ASSERT_TRUE(settle());
+    pick("filterChip", "Light");
+    undo();
+    EXPECT_EQ(chip(), "Filter");
+    ASSERT_TRUE(child<QAction>("redo").isEnabled());
+    ASSERT_TRUE(LibraryFilterManager::saveFiltersToFile(manager.getFilterFullname(), {}, -1));
+    QString told;
+    QTimer answer;
+    QObject::connect(&answer, &QTimer::timeout, [&] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+            told = box->text();
+            box->accept();
+        }
+    });
+    answer.start(1);
+    trigger("redo");
+    EXPECT_TRUE(told.startsWith("The filters were not changed: ")) << told.toStdString();
+    EXPECT_FALSE(child<QAction>("redo").isEnabled());
+    EXPECT_EQ(child<QAction>("redo").text(), "&Redo");
+    EXPECT_EQ(chip(), "Filter");
+}
+
 TEST_F(BrowserFilterChipTest, undoOfTheEditorKeepsWhatOtherProgramsDid)
 {
     manager.setLibraryFilters({LibraryFilter("Light", 3, {"Lamps"}), LibraryFilter("Wood", 4, {"Tables"})});

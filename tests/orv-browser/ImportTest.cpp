@@ -3,6 +3,7 @@
 #include <QDropEvent>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QListView>
 #include <QMimeData>
 #include <QTest>
 #include <QToolButton>
@@ -202,6 +203,33 @@ TEST_F(BrowserImportTest, undoRemovesALibraryThatWasNew)
         << summary().toStdString();
     EXPECT_TRUE(waitFor([&] { return !place({"My libraries", "Kitchen"}).isValid(); }));
     EXPECT_FALSE(fileString(inRoot("user/Kitchen.orvlib")).pathExists());
+}
+
+TEST_F(BrowserImportTest, importThatWasChangedSinceLeavesUndoWithTheReason)
+{
+    const QString archive = packedLibrary();
+    open();
+    EXPECT_EQ(child<QAction>("undo").toolTip(), "There is nothing to undo.");
+    ASSERT_TRUE(drop({archive}));
+    ASSERT_TRUE(waitFor([&] { return summary() == "Kitchen.orvlibz was imported."; }));
+    ASSERT_TRUE(goTo({"My libraries", "Kitchen"}));
+    EXPECT_EQ(child<QAction>("undo").toolTip(), "Undo Import");
+    select("Table");
+    auto& gallery = child<QListView>("gallery");
+    QTest::keyClick(&gallery, Qt::Key_Delete);
+    ASSERT_TRUE(waitFor([&] { return summary() == "1 item deleted. Undo brings it back."; }))
+        << summary().toStdString();
+    trigger("undo");
+    ASSERT_TRUE(waitFor([&] { return summary() == "1 item is back."; })) << summary().toStdString();
+    ASSERT_TRUE(waitFor([&] { return !child<QAction>("undo").isEnabled(); }));
+    const QString reason =
+        "The import of Kitchen cannot be taken back any more, because it was changed since.";
+    EXPECT_EQ(child<QAction>("undo").toolTip(), reason);
+    gallery.setFocus();
+    QTest::keyClick(&gallery, Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(summary(), reason);
+    EXPECT_TRUE(child<QAction>("redo").isEnabled()); // the deletion
+    EXPECT_EQ(names(), QStringList("Table"));
 }
 
 TEST_F(BrowserImportTest, importThatIsNotTheLastAnyMoreStays)

@@ -172,6 +172,26 @@ TEST_F(ArchiveImportTest, undoOffersTheLastImportAndTakesItBack)
     EXPECT_THROW(undo.run(), std::runtime_error);
 }
 
+TEST_F(ArchiveImportTest, undoSaysBeforehandWhyItWouldRefuse)
+{
+    const ImportUndo undo(host.root());
+    EXPECT_EQ(undo.refusal(), "");
+    const ArchiveImport::Result result = import(writeKitchen("1"));
+    EXPECT_EQ(undo.refusal(), "");
+    test::writeFile(result.library.toNativeString(), "edited");
+    const std::string refusal = undo.refusal();
+    EXPECT_NE(refusal.find(": was changed after the import"), std::string::npos) << refusal;
+    std::string refused;
+    try {
+        ImportUndo(host.root()).run();
+    } catch (const std::runtime_error& error) {
+        refused = error.what();
+    }
+    EXPECT_EQ(refused, refusal);
+    std::filesystem::remove(result.library.toNativeString());
+    EXPECT_EQ(undo.refusal(), "");
+}
+
 TEST_F(ArchiveImportTest, anImportThatDiedBehindItsLastStepCounts)
 {
     import(writeKitchen("1"));

@@ -9,5 +9,5 @@ ImportCommand::ImportCommand(ImportController& imports, const OrvHost::ArchiveIm
 
 void ImportCommand::undo()
 {
-    setObsolete(mImports.takeBack(mResult));
+    setObsolete(*mIsRetired || mImports.takeBack(mResult));
 }

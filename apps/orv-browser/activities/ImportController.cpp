@@ -11,13 +11,18 @@
 
 namespace {
 
+bool isLast(const OrvHost::ImportUndo& undo, const OrvHost::ArchiveImport::Result& import)
+{
+    const auto last = undo.last();
+    return last && last->library == import.library && last->textures == import.textures;
+}
+
 /// @return why the import was not taken back; empty when it was
 QString takeBackNow(const fileString& root, const OrvHost::ArchiveImport::Result& import)
 {
     try {
         OrvHost::ImportUndo undo(root);
-        const auto last = undo.last();
-        if (!last || last->library != import.library || last->textures != import.textures)
+        if (!isLast(undo, import))
             return ImportController::tr("it is not the last import any more");
         undo.run();
         return {};
@@ -61,13 +66,24 @@ bool ImportController::takeBack(const Result& import)
         Q_EMIT takenBack({}, tr("Not undone: %1").arg(tr("an import goes on")));
         return false;
     }
+    ++mBeingTakenBack;
     Background::run(
         mPool, this, [root = mRoot, import] { return takeBackNow(root, import); },
         [this, library = import.library](const QString& problem) {
+            --mBeingTakenBack;
             Q_EMIT takenBack(library, problem.isEmpty() ? tr("The import was taken back.")
                                                         : tr("Not undone: %1").arg(problem));
         });
     return true;
+}
+
+QString ImportController::whyNotTakenBack(const Result& import) const
+{
+    const OrvHost::ImportUndo undo(mRoot);
+    if (mIsRunning || mBeingTakenBack > 0 || !isLast(undo, import) || undo.refusal().empty())
+        return {};
+    return tr("The import of %1 cannot be taken back any more, because it was changed since.")
+        .arg(QFile::decodeName(import.library.stem().toNativeString().c_str()));
 }
 
 void ImportController::next()

@@ -30,6 +30,9 @@ public:
     /// and says so.
     /// @return whether it has begun; false during an import
     bool takeBack(const OrvHost::ArchiveImport::Result& import);
+    /// Why an import, if it is the last one, cannot be undone any more, for people; empty if nothing is known
+    /// to speak against it.
+    QString whyNotTakenBack(const OrvHost::ArchiveImport::Result& import) const;
 
 Q_SIGNALS:
     /// Sources have been queued.
@@ -65,4 +68,5 @@ private:
     ImportSummary mSummary; ///< for the sources since the queue was last empty
     std::shared_ptr<std::atomic<bool>> mCancelled;
     bool mIsRunning = false;
+    int mBeingTakenBack = 0; ///< undone at this moment
 };

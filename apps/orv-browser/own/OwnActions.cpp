@@ -60,7 +60,7 @@ bool OwnActions::eventFilter(QObject* watched, QEvent* event)
     if (event->type() != QEvent::KeyPress)
         return QObject::eventFilter(watched, event);
     const auto* press = static_cast<QKeyEvent*>(event);
-    for (const QAction* const action : {mParts.menus.rename, mParts.menus.remove})
+    for (const QAction* const action : {mParts.menus.rename, mParts.menus.remove, mParts.menus.undo})
         if (!action->isEnabled() && action->shortcut() == QKeySequence(press->key() | press->modifiers())) {
             Q_EMIT said(action->toolTip());
             return true;

@@ -380,6 +380,10 @@
         <source>Import</source>
         <translation>Import</translation>
     </message>
+    <message>
+        <source>The import of %1 cannot be taken back any more, because it was changed since.</source>
+        <translation>Der Import von %1 kann nicht mehr zurückgenommen werden, weil die Bibliothek danach geändert wurde.</translation>
+    </message>
 </context>
 <context>
     <name>ImportProgress</name>
@@ -1894,6 +1898,13 @@
             <numerusform>%1/s, noch etwa %n Sekunde</numerusform>
             <numerusform>%1/s, noch etwa %n Sekunden</numerusform>
         </translation>
+    </message>
+</context>
+<context>
+    <name>UndoCare</name>
+    <message>
+        <source>There is nothing to undo.</source>
+        <translation>Es gibt nichts rückgängig zu machen.</translation>
     </message>
 </context>
 <context>
