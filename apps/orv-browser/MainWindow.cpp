@@ -6,6 +6,7 @@
 
 #include <QAction>
 #include <QCloseEvent>
+#include <QFile>
 #include <QMenu>
 #include <QSplitter>
 #include <QVBoxLayout>
@@ -128,7 +129,7 @@ void MainWindow::buildPanes()
     setStatusBar(mStatus);
 }
 
-/// A catalog may go while it is shown, or between two starts.
+/// A catalog may go while it is shown, or between two starts. The place above it remains.
 void MainWindow::leaveGonePlace()
 {
     const Place place = mGallery->place();
@@ -136,8 +137,11 @@ void MainWindow::leaveGonePlace()
     const bool isGone =
         place.isInCatalog() && std::none_of(catalogs.begin(), catalogs.end(),
                                             [&](const auto& one) { return one.database == place.database; });
-    if (isGone)
-        goTo({});
+    if (!isGone)
+        return;
+    goTo({Place::Kind::Category, place.category, {}, -1});
+    mStatus->say(tr("%1 is not in the library any more.")
+                     .arg(QFile::decodeName(place.database.stem().toNativeString().c_str())));
 }
 
 void MainWindow::goTo(const Place& place)

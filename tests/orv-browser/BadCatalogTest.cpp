@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/host/FileUtils.h"
+#include "apps/orv-browser/gallery/GalleryPane.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
 
@@ -108,6 +109,23 @@ TEST_F(BadCatalogTest, catalogThatIsRemovedWhileItIsShownLeavesTheWindowAlive)
     ASSERT_TRUE(FileUtils::removePath(fileString(inRoot("core/Gone.orvlib"))));
     ASSERT_TRUE(waitFor([&] { return !place({"Core", "Gone"}).isValid(); }));
     EXPECT_TRUE(waitFor([&] { return !child<QLabel>("detailsTitle").isVisible(); }));
+    EXPECT_EQ(tree().currentIndex().data().toString(), "Core"); // not what stood beside it
+    EXPECT_EQ(window().gallery().place(), (Place{Place::Kind::Category, 0, {}, -1}));
+    EXPECT_EQ(summary(), "Gone is not in the library any more.");
+    expectGoodWorks();
+}
+
+TEST_F(BadCatalogTest, catalogThatWentBetweenTwoStartsIsToldAndLeft)
+{
+    makeGood();
+    CatalogMaker(inRoot("core/Gone.orvlib"), "gone").addFolders(1);
+    open();
+    ASSERT_TRUE(goTo({"Core", "Gone"}));
+    close();
+    ASSERT_TRUE(FileUtils::removePath(fileString(inRoot("core/Gone.orvlib"))));
+    open();
+    EXPECT_EQ(tree().currentIndex().data().toString(), "Core");
+    EXPECT_EQ(summary(), "Gone is not in the library any more.");
     expectGoodWorks();
 }
 

@@ -12,6 +12,8 @@ PlaceMemory::PlaceMemory(QTreeView& view, PlacesModel& model) : QObject(&view), 
     connect(&mView, &QTreeView::collapsed, this, &PlaceMemory::noteClosed);
     connect(&mModel, &PlacesModel::aboutToRefill, this, &PlaceMemory::remember);
     connect(&mModel, &PlacesModel::refilled, this, &PlaceMemory::restore);
+    connect(&mModel, &PlacesModel::aboutToLose, this, [this] { mIsRestoring = true; });
+    connect(&mModel, &PlacesModel::lost, this, [this] { mIsRestoring = false; });
 }
 
 void PlaceMemory::setOpen(std::vector<Place> places)

@@ -25,7 +25,7 @@ public:
     void setOpen(std::vector<Place> places);
     /// Makes a place the current one when its catalog has been read.
     void wantCurrent(const Place& place) { mCurrent = place; }
-    /// Whether the tree is being restored. Its current place is then not a choice of the user.
+    /// Whether the tree is being changed by the library. Its current place is then not a choice of the user.
     bool isRestoring() const { return mIsRestoring; }
 
 Q_SIGNALS:

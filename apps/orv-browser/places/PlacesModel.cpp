@@ -165,8 +165,10 @@ void PlacesModel::showCategory(QStandardItem& category, int number)
     };
     for (int row = category.rowCount() - 1; row >= 0; --row)
         if (std::find(wanted.begin(), wanted.end(), databaseAt(row)) == wanted.end()) {
+            Q_EMIT aboutToLose();
             removeChildren(*category.child(row));
             category.removeRow(row);
+            Q_EMIT lost();
         }
     for (std::size_t i = 0; i < wanted.size(); ++i) {
         const int row = static_cast<int>(i);

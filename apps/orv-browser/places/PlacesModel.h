@@ -69,6 +69,10 @@ public:
     Qt::ItemFlags flags(const QModelIndex& index) const override;
 
 Q_SIGNALS:
+    /// Catalogs are about to leave the tree, because their files have gone.
+    void aboutToLose();
+    /// They have left.
+    void lost();
     /// A catalog's folders are about to leave the tree, because the catalog was read again.
     void aboutToRefill(const fileString& database);
     /// The catalog's node can be opened again.

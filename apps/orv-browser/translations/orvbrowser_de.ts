@@ -604,6 +604,10 @@
         <source>Favourites and what you looked at last were not saved: %1</source>
         <translation>Die Favoriten und die zuletzt angesehenen Einträge wurden nicht gespeichert: %1</translation>
     </message>
+    <message>
+        <source>%1 is not in the library any more.</source>
+        <translation>%1 ist nicht mehr in der Bibliothek.</translation>
+    </message>
 </context>
 <context>
     <name>MakerCard</name>
