@@ -1692,6 +1692,254 @@
         <source>Input/output error</source>
         <translation>Fehler beim Lesen oder Schreiben des Datenträgers</translation>
     </message>
+    <message>
+        <source>Resolving timed out after %1 milliseconds</source>
+        <translation>der Name wurde in %1 Millisekunden nicht aufgelöst</translation>
+    </message>
+    <message>
+        <source>Connection timed out after %1 milliseconds</source>
+        <translation>keine Verbindung in %1 Millisekunden</translation>
+    </message>
+    <message>
+        <source>Connection timeout after %1 ms</source>
+        <translation>keine Verbindung in %1 ms</translation>
+    </message>
+    <message>
+        <source>Operation timed out after %1 milliseconds with %2 out of %3 bytes received</source>
+        <translation>nach %1 Millisekunden abgebrochen; %2 von %3 Bytes waren da</translation>
+    </message>
+    <message>
+        <source>Operation timed out after %1 milliseconds with %2 bytes received</source>
+        <translation>nach %1 Millisekunden abgebrochen; %2 Bytes waren da</translation>
+    </message>
+    <message>
+        <source>Operation too slow. Less than %1 bytes/sec transferred the last %2 seconds</source>
+        <translation>zu langsam: weniger als %1 Bytes je Sekunde in den letzten %2 Sekunden</translation>
+    </message>
+    <message>
+        <source>Timeout was reached</source>
+        <translation>Zeit abgelaufen</translation>
+    </message>
+    <message>
+        <source>Couldn&apos;t resolve host name</source>
+        <translation>der Name des Servers ist nicht bekannt</translation>
+    </message>
+    <message>
+        <source>Couldn&apos;t resolve proxy name</source>
+        <translation>der Name des Proxys ist nicht bekannt</translation>
+    </message>
+    <message>
+        <source>Could not connect to server</source>
+        <translation>keine Verbindung zum Server</translation>
+    </message>
+    <message>
+        <source>Server returned nothing (no headers, no data)</source>
+        <translation>der Server hat nichts geantwortet</translation>
+    </message>
+    <message>
+        <source>Failed sending data to the peer</source>
+        <translation>es konnte nichts gesendet werden</translation>
+    </message>
+    <message>
+        <source>Failure when receiving data from the peer</source>
+        <translation>es konnte nichts empfangen werden</translation>
+    </message>
+    <message>
+        <source>Transferred a partial file</source>
+        <translation>nur ein Teil wurde übertragen</translation>
+    </message>
+    <message>
+        <source>transfer closed with outstanding read data remaining</source>
+        <translation>die Verbindung endete, bevor alles da war</translation>
+    </message>
+    <message>
+        <source>end of response with %1 bytes missing</source>
+        <translation>die Antwort endete %1 Bytes zu früh</translation>
+    </message>
+    <message>
+        <source>HTTP/2 stream %1 was not closed cleanly: %2 (err %3)</source>
+        <translation>die Übertragung %1 brach ab: %2 (Fehler %3)</translation>
+    </message>
+    <message>
+        <source>HTTP/2 stream %1 was not closed cleanly before end of the underlying stream</source>
+        <translation>die Übertragung %1 brach mit der Verbindung ab</translation>
+    </message>
+    <message>
+        <source>Error in the HTTP2 framing layer</source>
+        <translation>Fehler in der HTTP/2-Verbindung</translation>
+    </message>
+    <message>
+        <source>Received HTTP/0.9 when not allowed</source>
+        <translation>die Antwort ist kein HTTP</translation>
+    </message>
+    <message>
+        <source>Unsupported HTTP version in response</source>
+        <translation>die Antwort hat eine unbekannte HTTP-Version</translation>
+    </message>
+    <message>
+        <source>Error while processing content unencoding: %1</source>
+        <translation>die Antwort lässt sich nicht entpacken: %1</translation>
+    </message>
+    <message>
+        <source>Unrecognized or bad HTTP Content or Transfer-Encoding</source>
+        <translation>die Antwort ist unbekannt oder falsch verpackt</translation>
+    </message>
+    <message>
+        <source>Maximum (%1) redirects followed</source>
+        <translation>mehr als %1 Weiterleitungen</translation>
+    </message>
+    <message>
+        <source>Number of redirects hit maximum amount</source>
+        <translation>zu viele Weiterleitungen</translation>
+    </message>
+    <message>
+        <source>Protocol &quot;%1&quot; not supported or disabled in libcurl</source>
+        <translation>das Protokoll „%1“ wird nicht unterstützt</translation>
+    </message>
+    <message>
+        <source>Unsupported protocol</source>
+        <translation>das Protokoll wird nicht unterstützt</translation>
+    </message>
+    <message>
+        <source>URL using bad/illegal format or missing URL</source>
+        <translation>die Adresse ist keine oder fehlt</translation>
+    </message>
+    <message>
+        <source>Received HTTP code %1 from proxy after CONNECT</source>
+        <translation>der Proxy antwortet mit HTTP %1</translation>
+    </message>
+    <message>
+        <source>CONNECT tunnel failed, response %1</source>
+        <translation>der Proxy antwortet mit HTTP %1</translation>
+    </message>
+    <message>
+        <source>Proxy CONNECT aborted</source>
+        <translation>der Proxy hat abgebrochen</translation>
+    </message>
+    <message>
+        <source>Proxy CONNECT aborted due to timeout</source>
+        <translation>der Proxy hat nicht rechtzeitig geantwortet</translation>
+    </message>
+    <message>
+        <source>SSL: no alternative certificate subject name matches target host name &apos;%1&apos;</source>
+        <translation>das Zertifikat gilt nicht für %1</translation>
+    </message>
+    <message>
+        <source>SSL: certificate subject name &apos;%1&apos; does not match target host name &apos;%2&apos;</source>
+        <translation>das Zertifikat gilt für %1 und nicht für %2</translation>
+    </message>
+    <message>
+        <source>SSL peer certificate or SSH remote key was not OK</source>
+        <translation>das Zertifikat des Servers ist nicht in Ordnung</translation>
+    </message>
+    <message>
+        <source>unable to get local issuer certificate</source>
+        <translation>sein Aussteller ist hier nicht bekannt</translation>
+    </message>
+    <message>
+        <source>unable to verify the first certificate</source>
+        <translation>sein Aussteller ist hier nicht bekannt</translation>
+    </message>
+    <message>
+        <source>self-signed certificate in certificate chain</source>
+        <translation>es wurde von niemandem bestätigt, der hier bekannt ist</translation>
+    </message>
+    <message>
+        <source>self signed certificate in certificate chain</source>
+        <translation>es wurde von niemandem bestätigt, der hier bekannt ist</translation>
+    </message>
+    <message>
+        <source>self-signed certificate</source>
+        <translation>es wurde von niemandem bestätigt</translation>
+    </message>
+    <message>
+        <source>self signed certificate</source>
+        <translation>es wurde von niemandem bestätigt</translation>
+    </message>
+    <message>
+        <source>certificate has expired</source>
+        <translation>es ist abgelaufen</translation>
+    </message>
+    <message>
+        <source>certificate is not yet valid</source>
+        <translation>es gilt noch nicht</translation>
+    </message>
+    <message>
+        <source>certificate revoked</source>
+        <translation>es wurde widerrufen</translation>
+    </message>
+    <message>
+        <source>SSL connect error</source>
+        <translation>keine sichere Verbindung</translation>
+    </message>
+    <message>
+        <source>OpenSSL SSL_connect: %1 in connection to %2</source>
+        <translation>keine sichere Verbindung zu %2: %1</translation>
+    </message>
+    <message>
+        <source>OpenSSL SSL_read: %1</source>
+        <translation>die sichere Verbindung brach ab: %1</translation>
+    </message>
+    <message>
+        <source>error setting certificate file: %1</source>
+        <translation>die Zertifikate in %1 können nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>error setting certificate verify locations: CAfile: %1 CApath: %2</source>
+        <translation>die Zertifikate in %1 und %2 können nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>Problem with the SSL CA cert (path? access rights?)</source>
+        <translation>die Zertifikate können nicht gelesen werden</translation>
+    </message>
+    <message>
+        <source>Out of memory</source>
+        <translation>der Speicher ist voll</translation>
+    </message>
+    <message>
+        <source>Connection timed out</source>
+        <translation>keine Antwort in der Zeit</translation>
+    </message>
+    <message>
+        <source>Network is unreachable</source>
+        <translation>das Netz ist nicht erreichbar</translation>
+    </message>
+    <message>
+        <source>No route to host</source>
+        <translation>kein Weg zum Server</translation>
+    </message>
+    <message>
+        <source>Broken pipe</source>
+        <translation>die Gegenseite hat die Verbindung beendet</translation>
+    </message>
+    <message>
+        <source>Operation not permitted</source>
+        <translation>nicht erlaubt</translation>
+    </message>
+    <message>
+        <source>Too many open files</source>
+        <translation>zu viele offene Dateien</translation>
+    </message>
+    <message>
+        <source>Cannot allocate memory</source>
+        <translation>der Speicher ist voll</translation>
+    </message>
+    <message>
+        <source>Device or resource busy</source>
+        <translation>gerade in Gebrauch</translation>
+    </message>
+    <message>
+        <source>Disk quota exceeded</source>
+        <translation>der zugeteilte Platz ist voll</translation>
+    </message>
+    <message>
+        <source>File name too long</source>
+        <translation>der Dateiname ist zu lang</translation>
+    </message>
+    <message>
+        <source>Stale file handle</source>
+        <translation>die Datei ist auf dem Server nicht mehr da</translation>
+    </message>
 </context>
 <context>
     <name>ResultCard</name>
