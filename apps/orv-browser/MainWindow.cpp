@@ -57,7 +57,7 @@ MainWindow::MainWindow(const fileString& root, WindowMessages& messages)
       mMessages(new MessageBar(messages)),
       mPlaces(new PlacesPane(*mContent, *mLists, *mNews)),
       mGallery(new GalleryPane(*mContent, *mLists, *mNews)),
-      mDetails(new DetailsPane(*mNews, *mLists)),
+      mDetails(new DetailsPane(*mNews, *mLists, mPlaces->logos())),
       mPanes(new QSplitter(Qt::Horizontal)),
       mActions(new ItemActions(mGallery->views().model(), *mLists, this)),
       mMenus(new WindowMenus(*this, mActions->undoStack())),

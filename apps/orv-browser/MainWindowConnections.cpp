@@ -29,6 +29,7 @@
 #include "apps/orv-browser/models/UserLists.h"
 #include "apps/orv-browser/own/OwnActions.h"
 #include "apps/orv-browser/own/OwnLibraries.h"
+#include "apps/orv-browser/places/MakerLogos.h"
 #include "apps/orv-browser/places/PlaceMemory.h"
 #include "apps/orv-browser/places/PlacesPane.h"
 #include "apps/orv-browser/search/FilterChip.h"
@@ -119,7 +120,7 @@ void MainWindow::connectLibrary()
     };
     connect(mLists, &UserLists::notSaved, mStatus, tellLists, Qt::QueuedConnection);
     connect(mLibrary, &LibraryActions::recordsChanged, mGallery, &GalleryPane::ask);
-    connect(mLibrary, &LibraryActions::recordsChanged, mPlaces, &PlacesPane::forgetLogos);
+    connect(mLibrary, &LibraryActions::recordsChanged, &mPlaces->logos(), &MakerLogos::forget);
 }
 
 void MainWindow::connectFilters()

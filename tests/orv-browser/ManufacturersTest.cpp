@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "apps/orv-browser/places/MakerLogos.h"
 #include "apps/orv-browser/places/PlacesPane.h"
 #include "tests/orv-browser/BrowserService.h"
 #include "tests/orv-browser/BrowserTest.h"
@@ -74,7 +75,9 @@ TEST_F(BrowserManufacturersTest, previewShowsTheChangesAndApplyMakesThem)
     EXPECT_EQ(detail("detailsManufacturer"), "Oakline Cabinets");
     EXPECT_TRUE(child<QLabel>("detailsContact").text().contains("https://oakline.example"));
     EXPECT_TRUE(child<QLabel>("detailsContact").text().contains("+1 555 0103"));
-    EXPECT_FALSE(child<QLabel>("detailsLogo").pixmap(Qt::ReturnByValue).isNull());
+    const auto logo = [&] { return child<QLabel>("detailsLogo").pixmap(Qt::ReturnByValue); };
+    EXPECT_TRUE(waitFor([&] { return !logo().isNull(); })); // it is read in the background
+    EXPECT_EQ(logo().toImage().pixelColor(logo().width() / 2, 2), QColor(Qt::white));
     EXPECT_EQ(child<QLabel>("detailsContact").text().count("dealer"), 1);
     EXPECT_EQ(child<QPushButton>("showAllOfMaker").text(), "Show all 1");
 }
@@ -106,7 +109,7 @@ TEST_F(BrowserManufacturersTest, logosStandBesideTheirCatalogsOnceTheyAreThere)
     const fileString logo = fileString(inRoot("manufacturer-data")) / record.getManufacturerLogoName();
     ASSERT_TRUE(logo.pathExists());
     test::writeFile(logo.toNativeString(), "no picture");
-    child<PlacesPane>("placesPane").forgetLogos();
+    child<PlacesPane>("placesPane").logos().forget();
     EXPECT_EQ(icon("Oakline").cacheKey(), plain.cacheKey());
     ASSERT_TRUE(goTo({"Core", "Doors"}));
     EXPECT_EQ(icon("Oakline").cacheKey(), plain.cacheKey());

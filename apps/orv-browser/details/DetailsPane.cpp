@@ -13,10 +13,10 @@ constexpr int kLeastWidth = 220; // pixels
 
 } // namespace
 
-DetailsPane::DetailsPane(const LibraryNews& news, const UserLists& lists, QWidget* parent)
+DetailsPane::DetailsPane(const LibraryNews& news, const UserLists& lists, MakerLogos& logos, QWidget* parent)
     : QScrollArea(parent),
       mPages(new QWidget),
-      mItem(new ItemDetails(lists)),
+      mItem(new ItemDetails(lists, logos)),
       mPlace(new PlaceDetails(news)),
       mSeveral(new SeveralDetails)
 {

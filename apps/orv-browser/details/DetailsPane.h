@@ -7,6 +7,7 @@
 class GalleryModel;
 class ItemDetails;
 class LibraryNews;
+class MakerLogos;
 class PlaceDetails;
 class SeveralDetails;
 class UserLists;
@@ -18,8 +19,9 @@ class DetailsPane : public QScrollArea
     Q_OBJECT
 
 public:
-    /// @param news and lists outlive the pane
-    DetailsPane(const LibraryNews& news, const UserLists& lists, QWidget* parent = nullptr);
+    /// @param news, lists and logos outlive the pane
+    DetailsPane(const LibraryNews& news, const UserLists& lists, MakerLogos& logos,
+                QWidget* parent = nullptr);
 
     ItemDetails& item() { return *mItem; }
     PlaceDetails& place() { return *mPlace; }

@@ -25,14 +25,14 @@ QString newsText(NewItems::Kind kind)
 
 } // namespace
 
-ItemDetails::ItemDetails(const UserLists& lists, QWidget* parent)
+ItemDetails::ItemDetails(const UserLists& lists, MakerLogos& logos, QWidget* parent)
     : QWidget(parent),
       mPicture(new PictureView),
       mPictureNote(new QLabel),
       mFavourite(new QToolButton),
       mCopy(new QPushButton(tr("Copy to"))),
       mRows(new DetailRows),
-      mMakerCard(new MakerCard),
+      mMakerCard(new MakerCard(logos)),
       mSearch(new SimilarSearch(this)),
       mSimilarTitle(new QLabel(tr("Similar"))),
       mSimilar(new SimilarView(lists))

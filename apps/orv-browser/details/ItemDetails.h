@@ -8,6 +8,7 @@
 class DetailRows;
 class GalleryModel;
 class MakerCard;
+class MakerLogos;
 class PictureView;
 class QLabel;
 class QMenu;
@@ -23,8 +24,8 @@ class ItemDetails : public QWidget
     Q_OBJECT
 
 public:
-    /// @param lists outlive the widget
-    explicit ItemDetails(const UserLists& lists, QWidget* parent = nullptr);
+    /// @param lists and logos outlive the widget
+    ItemDetails(const UserLists& lists, MakerLogos& logos, QWidget* parent = nullptr);
 
     void show(const GalleryModel& model, int row);
     /// @param menu the libraries that the item can be copied to; outlives the widget

@@ -1,21 +1,23 @@
 #include "apps/orv-browser/details/MakerCard.h"
 
-#include <QFile>
 #include <QGuiApplication>
 #include <QImage>
 #include <QLabel>
+#include <QPainter>
 #include <QPixmap>
 #include <QPushButton>
 #include <QVBoxLayout>
 
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
-#include "OrvLibrary/host/PathUtils.h"
 #include "apps/orv-browser/gallery/ItemPicture.h"
 #include "apps/orv-browser/models/Names.h"
+#include "apps/orv-browser/places/MakerLogos.h"
 
 namespace {
 
-constexpr int kLogoSide = 64;
+constexpr int kLogoWidth = 160; // at most; many logos are a word
+constexpr int kLogoHeight = 64;
+constexpr int kMargin = 6; // of the plate around it
 
 QString text(const std::string& utf8)
 {
@@ -63,24 +65,34 @@ QString contactText(const Manufacturer& maker, const QString& defaultText)
              lines.join(QStringLiteral("<br>")));
 }
 
-QPixmap logoOf(const Manufacturer& maker, double ratio)
+/// The logo on a white plate, because logos are made for white, at the density of the screen.
+QPixmap plateOf(const QImage& logo, double ratio)
 {
-    const fileString path =
-        PathUtils::getObject().getManufacturerDataPath() / maker.getManufacturerLogoName();
-    const QImage image(QFile::decodeName(path.toNativeString().c_str()));
-    if (image.isNull())
-        return {};
-    const QSize size = ItemPicture::shownSize(image.size(), {kLogoSide, kLogoSide});
-    QPixmap pixmap =
-        QPixmap::fromImage(image.scaled(size * ratio, Qt::KeepAspectRatio, Qt::SmoothTransformation));
+    const QSize size = ItemPicture::shownSize(logo.size(), {kLogoWidth, kLogoHeight}).expandedTo({1, 1});
+    QPixmap pixmap((size + QSize(2 * kMargin, 2 * kMargin)) * ratio);
     pixmap.setDevicePixelRatio(ratio);
+    pixmap.fill(Qt::transparent);
+    QPainter painter(&pixmap);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Qt::white);
+    painter.drawRoundedRect(QRect(0, 0, size.width() + 2 * kMargin, size.height() + 2 * kMargin), kMargin,
+                            kMargin);
+    painter.drawImage(QRect(QPoint(kMargin, kMargin), size),
+                      logo.scaled(size * ratio, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
     return pixmap;
 }
 
 } // namespace
 
-MakerCard::MakerCard(QWidget* parent)
-    : QWidget(parent), mLogo(new QLabel), mName(new QLabel), mContact(new QLabel), mAll(new QPushButton)
+MakerCard::MakerCard(MakerLogos& logos, QWidget* parent)
+    : QWidget(parent),
+      mLogos(logos),
+      mLogo(new QLabel),
+      mName(new QLabel),
+      mContact(new QLabel),
+      mAll(new QPushButton)
 {
     mLogo->setObjectName(QStringLiteral("detailsLogo"));
     mLogo->setAccessibleName(tr("Logo of the manufacturer"));
@@ -104,6 +116,7 @@ MakerCard::MakerCard(QWidget* parent)
         layout->addWidget(widget);
     layout->addWidget(mAll, 0, Qt::AlignLeft);
     connect(mAll, &QPushButton::clicked, this, [this] { Q_EMIT allAsked(mMaker); });
+    connect(&mLogos, &MakerLogos::changed, this, &MakerCard::showLogo);
 }
 
 void MakerCard::show(std::int32_t maker, int count)
@@ -118,9 +131,14 @@ void MakerCard::show(std::int32_t maker, int count)
     const bool isKnown = manager->manufacturerExists(maker);
     const QString contact =
         isKnown ? contactText(manager->getManufacturer(maker), text(manager->getDefaultText())) : QString();
-    const QPixmap logo = isKnown ? logoOf(manager->getManufacturer(maker), devicePixelRatioF()) : QPixmap();
     mContact->setText(contact);
     mContact->setVisible(!contact.isEmpty());
-    mLogo->setPixmap(logo);
+    showLogo();
+}
+
+void MakerCard::showLogo()
+{
+    const QImage logo = mMaker < 0 ? QImage() : mLogos.image(mMaker);
+    mLogo->setPixmap(logo.isNull() ? QPixmap() : plateOf(logo, devicePixelRatioF()));
     mLogo->setVisible(!logo.isNull());
 }

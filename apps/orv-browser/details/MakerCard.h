@@ -4,6 +4,7 @@
 
 #include <QWidget>
 
+class MakerLogos;
 class QLabel;
 class QPushButton;
 
@@ -13,7 +14,8 @@ class MakerCard : public QWidget
     Q_OBJECT
 
 public:
-    explicit MakerCard(QWidget* parent = nullptr);
+    /// @param logos outlive the card
+    explicit MakerCard(MakerLogos& logos, QWidget* parent = nullptr);
 
     /// @param maker the number in a catalog; a negative one empties the card
     /// @param count the number of the maker's items; negative if unknown
@@ -23,6 +25,9 @@ Q_SIGNALS:
     void allAsked(std::int32_t maker);
 
 private:
+    void showLogo();
+
+    MakerLogos& mLogos;
     std::int32_t mMaker = -1;
     QLabel* mLogo;
     QLabel* mName;

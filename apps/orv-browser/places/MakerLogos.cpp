@@ -1,5 +1,7 @@
 #include "apps/orv-browser/places/MakerLogos.h"
 
+#include <utility>
+
 #include <QFile>
 #include <QImage>
 #include <QImageReader>
@@ -16,6 +18,7 @@ namespace {
 
 constexpr int kSide = 64; // pixels; enough for a row at three times the usual density
 constexpr int kRoom = 58;
+constexpr int kMostSide = 512; // a larger logo is scaled down to this
 constexpr int kCorner = 8;
 constexpr std::int64_t kMostBytes = 16 * 1024 * 1024;
 constexpr int kMostPixels = 8192; // on a side
@@ -30,8 +33,8 @@ fileString fileOf(std::int32_t maker)
     return name.empty() ? fileString() : PathUtils::getObject().getManufacturerDataPath() / name;
 }
 
-/// The logo on a white plate, because logos are made for white; null when the file holds no picture.
-QImage plateOf(const fileString& file)
+/// The picture in a file; null when it holds none, or one that is far too large for a logo.
+QImage logoIn(const fileString& file)
 {
     QImageReader reader(QFile::decodeName(file.toNativeString().c_str()));
     const QSize stated = reader.size();
@@ -39,6 +42,13 @@ QImage plateOf(const fileString& file)
         stated.height() > kMostPixels)
         return {};
     const QImage logo = reader.read();
+    const bool isLarge = logo.width() > kMostSide || logo.height() > kMostSide;
+    return isLarge ? logo.scaled(kMostSide, kMostSide, Qt::KeepAspectRatio, Qt::SmoothTransformation) : logo;
+}
+
+/// The logo on a white plate, because logos are made for white; null for a null one.
+QImage plateOf(const QImage& logo)
+{
     if (logo.isNull())
         return {};
     QImage plate(kSide, kSide, QImage::Format_ARGB32_Premultiplied);
@@ -71,7 +81,17 @@ MakerLogos::~MakerLogos()
 
 QIcon MakerLogos::icon(std::int32_t maker)
 {
-    const auto [known, isFirst] = mIcons.try_emplace(maker);
+    return logo(maker).icon;
+}
+
+QImage MakerLogos::image(std::int32_t maker)
+{
+    return logo(maker).image;
+}
+
+const MakerLogos::Logo& MakerLogos::logo(std::int32_t maker)
+{
+    const auto [known, isFirst] = mLogos.try_emplace(maker);
     const fileString file = isFirst ? fileOf(maker) : fileString();
     if (!file.empty())
         read(maker, file);
@@ -81,11 +101,16 @@ QIcon MakerLogos::icon(std::int32_t maker)
 void MakerLogos::read(std::int32_t maker, const fileString& file)
 {
     Background::run(
-        mPool, this, [file] { return plateOf(file); },
-        [this, maker, version = mVersion](const QImage& plate) {
-            if (plate.isNull() || version != mVersion)
+        mPool, this,
+        [file] {
+            const QImage image = logoIn(file);
+            return std::pair(image, plateOf(image));
+        },
+        [this, maker, version = mVersion](const std::pair<QImage, QImage>& come) {
+            const auto& [image, plate] = come;
+            if (image.isNull() || version != mVersion)
                 return;
-            mIcons[maker] = QIcon(QPixmap::fromImage(plate));
+            mLogos[maker] = {QIcon(QPixmap::fromImage(plate)), image};
             Q_EMIT changed();
         });
 }
@@ -93,6 +118,6 @@ void MakerLogos::read(std::int32_t maker, const fileString& file)
 void MakerLogos::forget()
 {
     ++mVersion;
-    mIcons.clear();
+    mLogos.clear();
     Q_EMIT changed();
 }

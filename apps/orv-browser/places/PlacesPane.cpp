@@ -99,9 +99,9 @@ void PlacesPane::showListCounts()
                           static_cast<int>(mLists.recent().size()), mNews.items()->count());
 }
 
-void PlacesPane::forgetLogos()
+MakerLogos& PlacesPane::logos()
 {
-    mModel->logos().forget();
+    return mModel->logos();
 }
 
 Place PlacesPane::current() const

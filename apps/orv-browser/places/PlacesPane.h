@@ -10,6 +10,7 @@
 
 class LibraryContent;
 class LibraryNews;
+class MakerLogos;
 class PlaceMemory;
 class PlacesModel;
 class QTreeView;
@@ -33,8 +34,8 @@ public:
     PlaceMemory& memory() { return *mMemory; }
     /// Shows the catalogs that the current filter lets through.
     void applyFilter();
-    /// Reads the logos of the makers anew.
-    void forgetLogos();
+    /// The logos of the makers, which stand beside their catalogs.
+    MakerLogos& logos();
     /// The catalogs that a filter can name. Waits until all are read; events are handled meanwhile.
     std::vector<FilterEditor::Database> databases();
 
