@@ -5,11 +5,13 @@
 #include <string>
 
 #include <QAction>
+#include <QDate>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QLabel>
 #include <QListView>
+#include <QLocale>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSplitter>
@@ -219,6 +221,27 @@ TEST_F(BrowserUpdateTest, serviceThatIsGoneIsToldInAPlainSentence)
     EXPECT_TRUE(summary().startsWith("The catalog service cannot be reached; the library stays as it is."))
         << summary().toStdString();
     EXPECT_TRUE(place({"Core", "Doors", "Exterior Doors"}).isValid());
+}
+
+TEST_F(BrowserUpdateTest, catalogThatIsDamagedHereIsFetchedAgainAtAClick)
+{
+    open(service.redirect());
+    update();
+    ASSERT_TRUE(goTo({"Core", "Doors"}));
+    const int items = names().size();
+    ASSERT_GT(items, 0);
+    const QString day = QLocale().toString(QDate::currentDate(), QLocale::ShortFormat);
+    EXPECT_TRUE(waitFor([&] { return detail("placeLastCheck").startsWith(day); }))
+        << detail("placeLastCheck").toStdString();
+    const auto& problem = child<QLabel>("placeProblem");
+    EXPECT_FALSE(problem.isVisible());
+    test::writeFile(inRoot("core/Doors.orvlib"), "no database any more");
+    ASSERT_TRUE(waitFor([&] { return problem.isVisible(); }));
+    EXPECT_TRUE(problem.text().startsWith("Cannot be read: ")) << problem.text().toStdString();
+    QTest::mouseClick(&child<QPushButton>("fetchAgain"), Qt::LeftButton);
+    ASSERT_TRUE(ends());
+    EXPECT_TRUE(waitFor([&] { return !problem.isVisible(); }));
+    EXPECT_EQ(names().size(), items);
 }
 
 TEST_F(BrowserUpdateTest, damagedCatalogIsNamedAndTheOthersCome)

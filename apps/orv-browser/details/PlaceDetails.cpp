@@ -48,6 +48,7 @@ PlaceDetails::PlaceDetails(const LibraryNews& news, QWidget* parent)
     mVersion = mRows->addText(tr("Version:"), QStringLiteral("placeVersion"));
     mSize = mRows->addText(tr("Size:"), QStringLiteral("placeSize"));
     mDate = mRows->addText(tr("Date:"), QStringLiteral("placeDate"));
+    mLastCheck = mRows->addText(tr("Last check:"), QStringLiteral("placeLastCheck"));
     mHint->setObjectName(QStringLiteral("placeHint"));
     mHint->setWordWrap(true);
     mHint->setForegroundRole(QPalette::PlaceholderText);
@@ -71,7 +72,7 @@ void PlaceDetails::show(const Place& place, const ItemIndex& index, int count)
     mPlace = place;
     mTitle->setText(PlaceNames::name(place, index));
     mRows->set(mItems, QLocale().toString(count));
-    for (QLabel* label : {mState, mGone, mFolders, mVersion, mSize, mDate})
+    for (QLabel* label : {mState, mGone, mFolders, mVersion, mSize, mDate, mLastCheck})
         mRows->set(label, QString());
     mProblem->hide();
     const bool isCatalog = place.kind == Place::Kind::Catalog;
@@ -100,6 +101,9 @@ void PlaceDetails::showCatalog(const CatalogContent& catalog)
     mRows->set(mVersion, QString::fromStdString(catalog.version()));
     mRows->set(mSize, DataSize::text(file.size()));
     mRows->set(mDate, locale.toString(file.lastModified(), QLocale::ShortFormat));
+    const bool isServices = mPlace.category != LibraryContent::kUserCategory;
+    if (isServices && mNews.lastCheck().isValid())
+        mRows->set(mLastCheck, locale.toString(mNews.lastCheck().toLocalTime(), QLocale::ShortFormat));
 }
 
 void PlaceDetails::openFolder() const

@@ -46,6 +46,7 @@ private:
     QLabel* mVersion;
     QLabel* mSize;
     QLabel* mDate;
+    QLabel* mLastCheck;
     QLabel* mHint;
     QPushButton* mCheck;
     QPushButton* mFetchAgain;

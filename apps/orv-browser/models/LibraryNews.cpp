@@ -18,6 +18,7 @@ struct LibraryNews::Notes
 {
     NewItems items;
     std::set<fileString> waiting;
+    QDateTime lastCheck;
     std::int64_t lastRun = 0;
     bool isLibraryEmpty = true;
 };
@@ -38,13 +39,10 @@ NewItems itemsSince(const fileString& root, std::int64_t run)
     return items;
 }
 
-std::set<fileString> waitingCatalogs(const fileString& root)
+std::set<fileString> waitingCatalogs(const OrvHost::LastCheck& check)
 {
     std::set<fileString> waiting;
-    const auto check = OrvHost::LastCheck::load(root);
-    if (!check)
-        return waiting;
-    for (const QJsonValue entry : check->document["catalogs"].toArray()) {
+    for (const QJsonValue entry : check.document["catalogs"].toArray()) {
         const QJsonObject catalog = entry.toObject();
         const OrvHost::CatalogPlace place = OrvHost::CatalogPlaces::ofKey(
             (catalog["category"].toString() + QLatin1Char('/') + catalog["name"].toString()).toStdString());
@@ -91,7 +89,10 @@ void LibraryNews::refresh()
                 OrvHost::CatalogNews::lastRun(root); // first: what comes meanwhile is not seen yet
             if (seen)
                 notes.items = itemsSince(root, seenOf(*seen, notes.lastRun));
-            notes.waiting = waitingCatalogs(root);
+            if (const auto check = OrvHost::LastCheck::load(root)) {
+                notes.waiting = waitingCatalogs(*check);
+                notes.lastCheck = check->time;
+            }
             notes.isLibraryEmpty = installed().empty();
             return notes;
         },
@@ -107,8 +108,9 @@ void LibraryNews::take(const Notes& notes)
         mLists.setSeenRun(mLastRun);
     else if (mLists.seenRun() && *mLists.seenRun() > mLastRun)
         mLists.setSeenRun(seenOf(*mLists.seenRun(), mLastRun));
-    const bool isSame = *mItems == notes.items && mWaiting == notes.waiting;
+    const bool isSame = *mItems == notes.items && mWaiting == notes.waiting && mLastCheck == notes.lastCheck;
     mWaiting = notes.waiting;
+    mLastCheck = notes.lastCheck;
     if (!isSame) {
         mItems = std::make_shared<const NewItems>(notes.items);
         Q_EMIT changed();

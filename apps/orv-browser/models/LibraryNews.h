@@ -4,6 +4,7 @@
 #include <memory>
 #include <set>
 
+#include <QDateTime>
 #include <QFileSystemWatcher>
 #include <QObject>
 #include <QThreadPool>
@@ -30,6 +31,9 @@ public:
     /// Whether the last check found a newer version of an installed catalog.
     bool isWaiting(const fileString& database) const { return mWaiting.count(database) != 0; }
 
+    /// When the service was last asked, by whichever program; invalid if never.
+    const QDateTime& lastCheck() const { return mLastCheck; }
+
     /// Reads again what is noted, in the background.
     void refresh();
     bool isReading() const { return mIsReading; }
@@ -50,6 +54,7 @@ private:
     UserLists& mLists;
     std::shared_ptr<const NewItems> mItems;
     std::set<fileString> mWaiting;
+    QDateTime mLastCheck;
     std::int64_t mLastRun = 0;
     bool mIsReading = false;
     bool mIsStale = false; ///< whether to read again after the reading that is under way

@@ -1006,6 +1006,10 @@
         <source>an update is waiting</source>
         <translation>eine Aktualisierung steht bereit</translation>
     </message>
+    <message>
+        <source>Last check:</source>
+        <translation>Letzte Suche:</translation>
+    </message>
 </context>
 <context>
     <name>PlaceNames</name>
