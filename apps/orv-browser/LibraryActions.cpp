@@ -1,3 +1,8 @@
+// How it works: each action reads the settings anew, because another program may have changed them, and
+// starts a controller, which works off the interface thread. A controller tells when it has ended; here that
+// becomes a sentence for the foot of the window and a word to those who show catalogs. Both the quiet check
+// at start and an update take the lock of the root: an update that is asked for cancels the check and begins
+// when it has ended.
 #include "apps/orv-browser/LibraryActions.h"
 
 #include <utility>

@@ -1,3 +1,7 @@
+// How it works: the grid and the list are two views of one model and one selection, so that changing the view
+// keeps what is selected. When other items are shown, those that were selected are looked for by catalog, id
+// and name and selected again; the details are told once, at the end. The preview is made when it is first
+// needed; `GalleryInput` reads wheel, keys and hovering off both views.
 #include "apps/orv-browser/gallery/GalleryViews.h"
 
 #include <algorithm>

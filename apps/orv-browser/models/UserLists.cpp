@@ -1,3 +1,7 @@
+// How it works: an entry is the file of a catalog, the id of an item and its name, because ids may stand for
+// other items after an update. `followIndex` looks each one up by its name; an entry that is not found stays
+// in the list, marked as not installed, until its catalog comes back. Favourites are saved at once, recent
+// items a second later, so that looking through many items writes one file.
 #include "apps/orv-browser/models/UserLists.h"
 
 #include <algorithm>

@@ -1,3 +1,7 @@
+// How it works: "Rename" and "Delete" mean the selected items or the place, whichever had the focus last.
+// `subject` gathers what that is, and `OwnSubject` says why it cannot be changed; that reason becomes the
+// tool tip of the action, and a key that does nothing says it, too. Each action asks for a name where it
+// needs one and hands the work to `OwnLibraries`.
 #include "apps/orv-browser/own/OwnActions.h"
 
 #include <QAbstractItemView>

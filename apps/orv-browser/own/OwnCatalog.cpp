@@ -1,3 +1,7 @@
+// How it works: every change is made by `LibraryCopy::change` on a copy of the database, in one transaction.
+// Items that are taken out go, with all their columns, into a small database beside it (`KeptItems`), which
+// is attached for the time of the statement; putting back copies them home from there. An id or a folder that
+// is not free any more is replaced, so that nothing of the library is overwritten.
 #include "apps/orv-browser/own/OwnCatalog.h"
 
 #include <functional>
