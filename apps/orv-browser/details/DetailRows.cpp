@@ -1,5 +1,6 @@
 #include "apps/orv-browser/details/DetailRows.h"
 
+#include <QGuiApplication>
 #include <QVariant>
 
 namespace {
@@ -16,6 +17,12 @@ DetailRows::DetailRows(QWidget* parent) : QFormLayout(parent)
     setContentsMargins(0, 0, 0, 0);
 }
 
+void DetailRows::alignToStart(QLabel& label)
+{
+    const bool isMirrored = QGuiApplication::layoutDirection() == Qt::RightToLeft;
+    label.setAlignment((isMirrored ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignAbsolute | Qt::AlignVCenter);
+}
+
 QLabel* DetailRows::addTitle(const QString& objectName)
 {
     auto* title = new QLabel;
@@ -26,6 +33,7 @@ QLabel* DetailRows::addTitle(const QString& objectName)
     font.setBold(true);
     font.setPointSizeF(font.pointSizeF() * kTitleScale);
     title->setFont(font);
+    alignToStart(*title);
     addRow(title);
     return title;
 }
@@ -37,6 +45,7 @@ QLabel* DetailRows::addText(const QString& title, const QString& objectName)
     value->setTextFormat(Qt::PlainText);
     value->setWordWrap(true);
     value->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    alignToStart(*value);
     addRow(title, value);
     return value;
 }

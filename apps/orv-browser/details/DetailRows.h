@@ -18,6 +18,9 @@ public:
     QLabel* addLink(const QString& title, const QString& objectName);
     void set(QLabel* value, const QString& text);
     void setLink(QLabel* value, const QString& text);
+    /// Lets a text begin where lines begin, also in letters that run the other way, as names of catalogs may
+    /// in a window from right to left.
+    static void alignToStart(QLabel& label);
     /// A bold text across both columns.
     QLabel* addTitle(const QString& objectName);
 };

@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "OrvLibrary/Manufacturer/ManufacturerManager.h"
+#include "apps/orv-browser/details/DetailRows.h"
 #include "apps/orv-browser/gallery/ItemPicture.h"
 #include "apps/orv-browser/models/Names.h"
 #include "apps/orv-browser/places/MakerLogos.h"
@@ -99,6 +100,7 @@ MakerCard::MakerCard(MakerLogos& logos, QWidget* parent)
     mName->setObjectName(QStringLiteral("detailsMaker"));
     mName->setTextFormat(Qt::PlainText);
     mName->setWordWrap(true);
+    DetailRows::alignToStart(*mName);
     QFont font = mName->font();
     font.setBold(true);
     mName->setFont(font);

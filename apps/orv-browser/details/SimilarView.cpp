@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <QStyledItemDelegate>
 
+#include "apps/orv-browser/gallery/GalleryDelegate.h"
 #include "apps/orv-browser/gallery/GalleryModel.h"
 #include "apps/orv-browser/gallery/ItemPicture.h"
 
@@ -10,8 +11,9 @@ namespace {
 
 constexpr int kSide = 64; // pixels of a picture
 constexpr int kMargin = 4;
+constexpr int kLines = 2; // of the name
 
-/// A picture above one line of its name.
+/// A picture above two lines of its name.
 class SimilarDelegate : public QStyledItemDelegate
 {
 public:
@@ -19,7 +21,7 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override
     {
-        return {kSide + 4 * kMargin, kSide + option.fontMetrics.lineSpacing() + 4 * kMargin};
+        return {kSide + 4 * kMargin, kSide + kLines * option.fontMetrics.lineSpacing() + 4 * kMargin};
     }
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const override
@@ -36,12 +38,9 @@ public:
         const QRect picture(tile.left() + kMargin, tile.top() + kMargin, tile.width() - 2 * kMargin, kSide);
         ItemPicture::paint(*painter, picture, index, palette);
         const QRect name(picture.left(), picture.bottom() + kMargin, picture.width(),
-                         option.fontMetrics.lineSpacing());
+                         kLines * option.fontMetrics.lineSpacing());
         painter->setPen(palette.color(QPalette::Text));
-        painter->setFont(option.font);
-        painter->drawText(name, Qt::AlignHCenter | Qt::TextSingleLine,
-                          option.fontMetrics.elidedText(index.data().toString().simplified(), Qt::ElideRight,
-                                                        name.width()));
+        GalleryDelegate::paintName(*painter, option.font, name, index.data().toString());
         painter->restore();
     }
 };
@@ -60,7 +59,7 @@ SimilarView::SimilarView(const UserLists& lists, QWidget* parent)
     setWrapping(true);
     setResizeMode(QListView::Adjust);
     setUniformItemSizes(true);
-    setGridSize({kSide + 4 * kMargin, kSide + fontMetrics().lineSpacing() + 4 * kMargin});
+    setGridSize({kSide + 4 * kMargin, kSide + kLines * fontMetrics().lineSpacing() + 4 * kMargin});
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setSelectionMode(QAbstractItemView::NoSelection);

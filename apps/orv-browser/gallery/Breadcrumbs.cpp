@@ -1,5 +1,7 @@
 #include "apps/orv-browser/gallery/Breadcrumbs.h"
 
+#include <algorithm>
+
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QToolButton>
@@ -23,6 +25,12 @@ Breadcrumbs::Breadcrumbs(QWidget* parent) : QWidget(parent), mLayout(new QHBoxLa
 
 void Breadcrumbs::show(const std::vector<Step>& steps)
 {
+    const auto isSame = [](const Step& left, const Step& right) {
+        return left.name == right.name && left.place == right.place;
+    };
+    if (std::equal(steps.begin(), steps.end(), mSteps.begin(), mSteps.end(), isSame))
+        return; // new buttons would flicker at each catalog that an update brings
+    mSteps = steps;
     while (QLayoutItem* item = mLayout->takeAt(0)) {
         if (item->widget()) {
             item->widget()->hide();

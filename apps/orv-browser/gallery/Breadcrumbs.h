@@ -32,4 +32,5 @@ Q_SIGNALS:
 
 private:
     QHBoxLayout* mLayout;
+    std::vector<Step> mSteps; ///< shown now
 };

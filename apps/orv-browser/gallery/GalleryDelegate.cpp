@@ -89,23 +89,20 @@ void GalleryDelegate::paintTile(QPainter& painter, const QStyleOptionViewItem& o
     ItemPicture::paint(painter, picture, index, option.palette);
     const QRect name(tile.left() + kMargin, picture.bottom() + kMargin, tile.width() - 2 * kMargin,
                      tile.bottom() - picture.bottom() - kMargin);
-    paintName(painter, option, name, index.data().toString());
+    painter.setPen(option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text));
+    paintName(painter, option.font, name, index.data().toString());
     const bool isFavourite = index.data(GalleryModel::kFavouriteRole).toBool();
     if (isFavourite || isHovered)
         Star::draw(painter, starArea(option.rect, option.direction), isFavourite);
     NewBadge::draw(painter, option, tile, Qt::AlignLeft | Qt::AlignTop, index);
 }
 
-/// Paints the name in two lines. If it does not fit, it ends with an ellipsis.
-void GalleryDelegate::paintName(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area,
-                                const QString& name) const
+void GalleryDelegate::paintName(QPainter& painter, const QFont& font, const QRect& area, const QString& name)
 {
-    const bool isSelected = option.state & QStyle::State_Selected;
-    painter.setPen(option.palette.color(isSelected ? QPalette::HighlightedText : QPalette::Text));
-    painter.setFont(option.font);
-    const QFontMetrics metrics(option.font);
+    painter.setFont(font);
+    const QFontMetrics metrics(font);
     QString rest = name.simplified();
-    QTextLayout layout(rest, option.font);
+    QTextLayout layout(rest, font);
     QTextOption wrap;
     wrap.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
     layout.setTextOption(wrap);

@@ -24,10 +24,11 @@ public:
                const QModelIndex& index) const override;
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
+    /// Paints a name in two lines with the pen that is set. If it does not fit, it ends with an ellipsis.
+    static void paintName(QPainter& painter, const QFont& font, const QRect& area, const QString& name);
+
 private:
     void paintTile(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) const;
-    void paintName(QPainter& painter, const QStyleOptionViewItem& option, const QRect& area,
-                   const QString& name) const;
 
     bool mIsGrid;
     int mSide = 128;
