@@ -6,8 +6,11 @@
 #include <QAction>
 #include <QApplication>
 #include <QDialog>
+#include <QFont>
 #include <QLabel>
 #include <QLineEdit>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QSlider>
 #include <QTest>
 #include <QTimer>
@@ -84,6 +87,11 @@ void saveBrowsing(MainWindow& window)
     save(window, "catalog");
     selectRow(window, 4);
     save(window, "browser");
+    auto& details = *window.findChild<QScrollArea*>("detailsPane");
+    QScrollBar& down = *details.verticalScrollBar();
+    down.setValue(down.maximum());
+    save(details, "similar");
+    down.setValue(0);
     window.findChild<QSlider*>("pictureSize")->setValue(64);
     window.goTo({Place::Kind::Category, 0, {}, -1});
     settle(window);
@@ -124,8 +132,6 @@ void show(MainWindow& window, const QString& service)
 {
     const QStringList arguments = QApplication::arguments();
     Appearance::apply(arguments.value(5, Appearance::kLight));
-    if (arguments.contains("rtl"))
-        QApplication::setLayoutDirection(Qt::RightToLeft);
     window.library().overrideService(
         {service, "Demo", "1", {"Garden Party", "Holiday Décor"}, {"Oakline Cabinets"}});
     window.resize(1180, 660); // independent of the screen size
@@ -161,6 +167,7 @@ void saveUpdate(const OrvHost::AppHost& host, const QString& service)
 int main(int argc, char** argv)
 {
     QApplication application(argc, argv);
+    QApplication::setFont(QFont("DejaVu Sans", 10)); // as desktops have it; the platform's own is larger
     const QStringList arguments = QApplication::arguments();
     if (arguments.size() < 5) {
         std::fputs("usage: orv_browser_screenshots ROOT REDIRECT EMPTY-ROOT OUT [light|dark [rtl]]\n",
@@ -168,6 +175,8 @@ int main(int argc, char** argv)
         return 2;
     }
     Translations::install(application);
+    if (arguments.contains("rtl")) // before there is a window, as a language has it
+        QApplication::setLayoutDirection(Qt::RightToLeft);
     gFolder = arguments[4];
     gSuffix = arguments.size() > 5 ? "-" + arguments.mid(5).join('-') : QString();
     try {
