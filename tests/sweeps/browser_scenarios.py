@@ -66,7 +66,6 @@ class FilterSave(InWindow):
     name = "window-filter"
     steps = ("filter-save", "Garden", "Torch")
     kept_copies = ("root/core/catalog_filters.json.unreadable",)
-    all_or_nothing = ("root/core/catalog_filters.json",)
     refused_when_done = "There is a filter"
 
     def before(self, sandbox, service):
@@ -78,7 +77,6 @@ class FilterSaveUndo(FilterSave):
 
     name = "window-filter-undo"
     steps = (*FilterSave.steps, "+", "undo")
-    all_or_nothing = ()
 
     def between(self, sandbox, service):
         return [Window(FilterSave.steps)]
@@ -97,7 +95,6 @@ class FilterRemoveUndo(FilterSave):
 
     name = "window-filter-remove-undo"
     steps = ("filter-remove", "Kitchen", "+", "undo")
-    all_or_nothing = ()
     refused_when_done = "no filter Kitchen"
 
     def before(self, sandbox, service):
