@@ -228,7 +228,7 @@ TEST_F(BrowserPicturesTest, whatIsMissingOrWrongIsNoticedAtEverySize)
         ASSERT_TRUE(differenceFrom(name).isTolerable()) << differenceFrom(name).text();
         QList<const char*> parts{"placesPane", "styleChip", "newChip", "sortOrder", "addLibrary"};
         if (size.width() >= kLeastWithDetails)
-            parts << "detailsLogo";
+            parts << "detailsPicture";
         for (const char* part : parts) {
             auto& widget = child<QWidget>(part);
             widget.hide();
