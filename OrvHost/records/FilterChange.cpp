@@ -194,9 +194,16 @@ fileString FilterChange::save(Order order)
     if (order == Order::Kept)
         std::reverse(filters.begin(), filters.end());
     // The manager's own save does not write an empty list and does not report failures.
-    if (!LibraryFilterManager::saveFiltersToFile(path, filters, mFilters.getCurrentFilterId()))
+    const long current = mFilters.getCurrentFilterId();
+    if (!LibraryFilterManager::saveFiltersToFile(path, filters, current))
         throw std::runtime_error("cannot write " + path.toNativeString());
     mFilters.loadFilters();
+    // The list in memory stays what was written, even if the file cannot be read at this moment.
+    if (mFilters.getLibraryFilters().size() != filters.size()) {
+        std::reverse(filters.begin(), filters.end());
+        mFilters.setLibraryFilters(filters);
+        mFilters.setCurrentFilterId(current);
+    }
     return copy;
 }
 

@@ -99,7 +99,7 @@ void BrowserDriver::refresh()
     if (isAccepted)
         expect(QStringLiteral("The manufacturer records were refreshed."));
     else
-        throw NotDone(text);
+        throw NotDone(text.isEmpty() ? heard() : text); // without a dialog the window itself says why
 }
 
 /// Texts for fields of the preferences, by name and value.
