@@ -25,13 +25,15 @@ fileString fileIn(const fileString& root)
     return root / fileString("runs.json");
 }
 
-/// Oldest first.
+/// Oldest first. None if there is no file, or another kind of file.
+/// @throws std::runtime_error if the file cannot be read at this moment
 QJsonArray read(const fileString& root)
-try {
-    const QByteArray text = QByteArray::fromStdString(TextFile::read(fileIn(root)));
+{
+    const fileString path = fileIn(root);
+    if (!path.pathExists())
+        return {};
+    const QByteArray text = QByteArray::fromStdString(TextFile::read(path));
     return QJsonDocument::fromJson(text).object()["runs"].toArray();
-} catch (const std::runtime_error&) {
-    return {};
 }
 
 void write(const fileString& root, QJsonArray runs)

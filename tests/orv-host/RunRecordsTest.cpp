@@ -2,12 +2,14 @@
 
 #include <stdexcept>
 
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
 
 #include "tests/orv-host/HostedTest.h"
+#include "tests/support/ChildProcess.h"
 
 namespace RunRecords = OrvHost::RunRecords;
 
@@ -97,4 +99,24 @@ TEST_F(RunRecordsTest, aFileThatIsNotUnderstoodHoldsNone)
     folder.write("root/runs.json", "my notes");
     EXPECT_THAT(listed(), testing::IsEmpty());
     EXPECT_EQ(begin(), 1);
+}
+
+TEST_F(RunRecordsTest, aFileThatCannotBeReadIsNotReplaced)
+{
+    end(begin(), "updated");
+    for (const char* name : {".", "root", "root/temp"})
+        ASSERT_EQ(chmod(folder.file(name).toNativeString().c_str(), 0777), 0);
+    const std::string file = folder.file("root/runs.json").toNativeString();
+    ASSERT_EQ(chmod(file.c_str(), 0222), 0);
+    const test::ChildEnd child = test::runWithoutRights([&] {
+        try {
+            begin();
+            return 1;
+        } catch (const std::runtime_error&) {
+            return 0;
+        }
+    });
+    EXPECT_EQ(child.status, 0);
+    ASSERT_EQ(chmod(file.c_str(), 0600), 0);
+    EXPECT_THAT(listed(), testing::ElementsAre("1 updated"));
 }
