@@ -63,7 +63,8 @@ public:
         former.begin(mSource.stem().toNativeString(), mOptions.isProprietary, roles());
         try {
             placeTextures(former);
-            mSteps->throwIfCancelled();
+            if (mHasDatabase) // otherwise the last file is in place, and a cancel comes too late
+                mSteps->throwIfCancelled();
             placeDatabase(former);
         } catch (...) {
             former.rollBack();

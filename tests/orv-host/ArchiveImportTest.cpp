@@ -90,6 +90,22 @@ TEST_F(ArchiveImportTest, cancelAtAnyQuestionLeavesEverythingAsItWas)
               test::sampleDatabase("2"));
 }
 
+TEST_F(ArchiveImportTest, nothingIsAskedBehindTheLastRenameOfTexturesAlone)
+{
+    test::ArchiveBuilder archive;
+    archive.add("oak.png", "oak");
+    const std::string source = archive.write(folder, "Oak.orvlibz").toNativeString();
+    const fileString textures = folder.file("root/textures/Oak.zip");
+    int late = 0;
+    mProgress->isCancelled = [&](int) {
+        late += textures.pathExists();
+        return false;
+    };
+    EXPECT_EQ(import(source).error, "");
+    EXPECT_TRUE(textures.pathExists());
+    EXPECT_EQ(late, 0);
+}
+
 TEST_F(ArchiveImportTest, stepsAreToldOnceEachInOrder)
 {
     import(writeKitchen("1"));
