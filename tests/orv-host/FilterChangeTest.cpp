@@ -5,6 +5,7 @@
 #include "OrvHost/update/HostLock.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "tests/orv-host/HostedTest.h"
+#include "tests/support/ForwardingServices.h"
 
 namespace {
 
@@ -143,6 +144,34 @@ TEST_F(FilterChangeTest, keepsOthersOutOfBothFoldersUntilItsEnd)
     }
     EXPECT_TRUE(isFree(own));
     EXPECT_TRUE(isFree(other));
+}
+
+TEST_F(FilterChangeTest, keepsInMemoryWhatItWroteIfTheFileCannotBeReadThen)
+{
+    writeElsewhere(kTwo);
+    test::ServiceCalls calls;
+    test::ForwardingPathUtils paths(PathUtils::getObject(), calls);
+    PathUtils* const former = PathUtils::install(&paths);
+    std::size_t callsOfSave = 0;
+    {
+        FilterChange change;
+        callsOfSave = calls.total();
+        change.save();
+        callsOfSave = calls.total() - callsOfSave;
+    }
+    {
+        FilterChange change;
+        change.add("Hall", {"c"});
+        // The last call names the file that is loaded after the write.
+        calls.planFault(calls.total() + callsOfSave, test::Fault::Throw);
+        change.save();
+    }
+    PathUtils::install(former);
+    EXPECT_EQ(calls.faults(), 1u);
+    EXPECT_THAT(names(), ElementsAre("Hall", "Bath", "Kitchen"));
+    EXPECT_EQ(mManager.getCurrentFilterId(), 1);
+    mManager.loadFilters();
+    EXPECT_THAT(names(), ElementsAre("Hall", "Bath", "Kitchen"));
 }
 
 TEST_F(FilterChangeTest, anIdThatNoFilterHasIsNoFilterInForce)
