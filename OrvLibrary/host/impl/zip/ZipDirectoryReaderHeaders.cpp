@@ -8,13 +8,11 @@ namespace ZipUtils {
 
 namespace {
 
-/// Whether version, flags, method, times, checksum and sizes are the same as in the directory.
+/// Whether version, flags and times are the same as in the directory.
 bool sameFields(const ZipEntry& entry, const char* header)
 {
     return get16(header + 4) == entry.versionNeeded && get16(header + 6) == entry.flags &&
-           get16(header + 10) == entry.time && get16(header + 12) == entry.date &&
-           get32(header + 14) == entry.checksum && get32(header + 18) == entry.compressedSize &&
-           get32(header + 22) == entry.size;
+           get16(header + 10) == entry.time && get16(header + 12) == entry.date;
 }
 
 } // namespace
@@ -55,6 +53,7 @@ void ZipDirectoryReader::checkLocalHeader(ZipEntry& entry) const
     const std::string extra = whole ? header.substr(fixed, extraSize) : mArchive.localExtra(entry);
     if (!entry.hasDescriptor)
         checkLocalSizes(entry, header.data(), extra);
+    // Method, checksum and sizes were compared above.
     entry.headerAgrees = !entry.hasDescriptor && sameFields(entry, header.data()) &&
                          findExtraField(extra, kExtraZip64).data() == nullptr;
 }
