@@ -234,6 +234,24 @@ TEST_F(ZipUtilsBatchTest, cancelAtEveryQuestionLeavesTheTargetAsItWas)
     EXPECT_EQ(test::listTree(mFolder.path()), (std::vector<std::string>{"source.zip", "target.zip"}));
 }
 
+TEST_F(ZipUtilsBatchTest, bytesAreReportedWhileTheWalkGoesOn)
+{
+    constexpr std::size_t kSize = 9 << 20;
+    mSource.add("a", test::sampleBytes(kSize, 1)).method = ArchiveMember::kStored;
+    mSource.add("b", "2");
+    const fileString source = writeSource();
+    ArchiveBatch batch(mProgress);
+    batch.walk(source, [&](const fileString& member, auto&, const auto&) {
+        if (member.toNativeString() == "b")
+            EXPECT_EQ(mProgress->sumOfBytes(), kSize);
+        else
+            ZipUtils::writeFileDataFromArchive(source + ZipUtils::getDelimiter() + member,
+                                               [](const auto&) {});
+        return true;
+    });
+    EXPECT_EQ(mProgress->sumOfBytes(), kSize + 1);
+}
+
 TEST_F(ZipUtilsBatchTest, longStepsAfterTheLastMemberAreNamed)
 {
     const fileString source = writeLargeSource(1);

@@ -266,6 +266,24 @@ TEST_F(ZipUtilsTest, readInsideAWalkStaysInTheWalkedArchive)
     EXPECT_EQ(content, "of the walked one");
 }
 
+TEST_F(ZipUtilsTest, readInsideAWalkVerifiesNothingOfAnotherWalk)
+{
+    ArchiveBuilder other;
+    other.add("a", "sound");
+    const fileString sound = other.write(mFolder, "sound.zip");
+    mBuilder.add("a", "damaged").checksum = 1;
+    const auto readSound = [&](const fileString&, auto&, const auto&) {
+        EXPECT_EQ(readWhole(address(sound, "a")), "sound");
+        return true;
+    };
+    EXPECT_THROW(ZipUtils::getFilesDataInArchive(mBuilder.write(mFolder, "a.zip"),
+                                                 [&](const fileString&, auto&, const auto&) {
+                                                     ZipUtils::getFilesDataInArchive(sound, readSound);
+                                                     return true;
+                                                 }),
+                 std::runtime_error);
+}
+
 TEST_F(ZipUtilsTest, streamOutlivesTheWalkThatItBeganIn)
 {
     mBuilder.add("x", "content");
