@@ -208,9 +208,11 @@ TEST_F(ZipUtilsRawCopyTest, newNameIsMarkedAsUtf8WhenItIs)
     const fileString source = writeSource();
     EXPECT_TRUE(copyFirstAs(source, target(), "\xC3\xBC"));
     EXPECT_TRUE(copyFirstAs(source, target(), "\xFC"));
+    EXPECT_TRUE(copyFirstAs(source, target(), "b"));
     const std::vector<ReadMember> copies = readArchive(target());
-    ASSERT_EQ(copies.size(), 2U);
+    ASSERT_EQ(copies.size(), 3U);
     EXPECT_EQ(copies[0].flags, 0x0800U);
     EXPECT_EQ(copies[0].extra, "");
     EXPECT_EQ(copies[1].flags, 0U);
+    EXPECT_EQ(copies[2].flags, 0U);
 }
