@@ -48,7 +48,7 @@ std::optional<ImportUndo::Import> ImportUndo::last() const
 std::string ImportUndo::refusal() const
 {
     const std::optional<ImportEntry> entry = lastOf(mRoot);
-    // What has only begun knows no state of its files to compare with.
+    // An import that did not end has recorded no files to compare with.
     return entry && entry->state == ImportEntry::State::Done ? FormerImports::refusalOf(*entry)
                                                              : std::string();
 }

@@ -34,7 +34,7 @@ public:
     /// Reads the settings anew, and tells the user why where that cannot be.
     /// @return whether they can be used
     bool readShared();
-    /// What the window works with, as it was read last.
+    /// The settings in force, as they were read last.
     OrvHost::Settings::Values settings() const { return mShared.values(); }
     /// Looks what is new, without a word, when the preferences say so and nobody has looked of late.
     void start();

@@ -41,7 +41,7 @@ public:
     /// @return why that cannot be, for people, and nothing is set then; empty when it can
     QString reload();
     const OrvHost::Settings& file() const { return mFile; }
-    /// What the window works with: the command line goes before the environment, and that before the file.
+    /// The settings in force: the command line goes before the environment, and that before the file.
     OrvHost::Settings::Values values() const { return mOverrides.over(mFile.valuesHere()); }
     /// Makes the download service work as the settings say.
     /// @return why that cannot be, for people; empty when it can

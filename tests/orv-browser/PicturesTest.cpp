@@ -1,4 +1,4 @@
-// What the window looks like, compared with kept pictures at five sizes, in light and dark, in English,
+// Compares the window with kept pictures at five sizes, in light and dark, in English,
 // German and from right to left, within a stated difference. `script/screenshots --keep` takes the kept ones
 // anew.
 #include <QApplication>
@@ -217,7 +217,7 @@ TEST_F(BrowserPicturesTest, windowLooksAsKeptFromRightToLeft)
     compareAll("mirrored");
 }
 
-// What a person would see at once is beyond the stated difference, at every size.
+// Each of these faults exceeds the stated difference at every size.
 TEST_F(BrowserPicturesTest, whatIsMissingOrWrongIsNoticedAtEverySize)
 {
     open();

@@ -86,7 +86,7 @@ void BrowserDriver::pick(QMenu& menu, const QString& entry)
     throw NotDone("no entry " + entry);
 }
 
-/// What stands in the status line, as soon as something does.
+/// Waits for a text in the status line and returns it.
 QString BrowserDriver::heard()
 {
     const auto& summary = child<QLabel>("summary");

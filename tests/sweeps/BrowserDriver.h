@@ -25,8 +25,7 @@ struct Unending : std::runtime_error
     using std::runtime_error::runtime_error;
 };
 
-/// The real window, and a user who takes steps in it by its menus, buttons and dialogs, and reads what it
-/// says.
+/// Operates the real window as a user does, by its menus, buttons and dialogs, and reads its messages.
 class BrowserDriver
 {
 public:
@@ -37,7 +36,7 @@ public:
     /// @param step its name and texts
     /// @throws NotDone or Unending
     void take(const QStringList& step);
-    /// Closes the window, which saves then what it remembers.
+    /// Closes the window, which then saves its state.
     void close();
 
 private:

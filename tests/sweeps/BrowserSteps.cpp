@@ -118,7 +118,7 @@ void BrowserDriver::prefer(const QStringList& texts)
              });
 }
 
-/// What is taken back in the background is told of at its end.
+/// An undo may run in the background. The window reports it when it has ended.
 void BrowserDriver::undo()
 {
     const auto& action = child<QAction>("undo");
