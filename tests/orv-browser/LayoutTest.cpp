@@ -10,7 +10,6 @@
 #include <QLocale>
 #include <QSplitterHandle>
 #include <QTest>
-#include <QTranslator>
 
 #include <gmock/gmock.h>
 
@@ -20,6 +19,7 @@
 #include "apps/orv-browser/start/FirstStartPage.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
+#include "tests/orv-browser/GermanTexts.h"
 
 namespace {
 
@@ -171,22 +171,7 @@ protected:
 
 class GermanLayoutTest : public BrowserLayoutTest
 {
-protected:
-    GermanLayoutTest()
-    {
-        QLocale::setDefault(QLocale("de_DE"));
-        EXPECT_TRUE(mGerman.load(QLocale("de_DE"), "orvbrowser", "_", ":/orvbrowser/translations"));
-        QApplication::installTranslator(&mGerman);
-    }
-    ~GermanLayoutTest() override
-    {
-        QApplication::removeTranslator(&mGerman);
-        QLocale::setDefault(mFormer);
-    }
-
-private:
-    QLocale mFormer;
-    QTranslator mGerman;
+    test::GermanTexts mTexts;
 };
 
 } // namespace

@@ -9,7 +9,6 @@
 #include <QLocale>
 #include <QPainter>
 #include <QTest>
-#include <QTranslator>
 
 #include <gtest/gtest.h>
 
@@ -18,6 +17,7 @@
 #include "apps/orv-browser/gallery/GalleryViews.h"
 #include "tests/orv-browser/BrowserTest.h"
 #include "tests/orv-browser/CatalogMaker.h"
+#include "tests/orv-browser/GermanTexts.h"
 #include "tests/orv-browser/KeptPicture.h"
 
 namespace {
@@ -181,22 +181,10 @@ private:
 class GermanPicturesTest : public BrowserPicturesTest
 {
 protected:
-    GermanPicturesTest()
-    {
-        QLocale::setDefault(QLocale("de_DE"));
-        EXPECT_TRUE(mGerman.load(QLocale("de_DE"), "orvbrowser", "_", ":/orvbrowser/translations"));
-        QApplication::installTranslator(&mGerman);
-    }
-    ~GermanPicturesTest() override
-    {
-        close();
-        QApplication::removeTranslator(&mGerman);
-        QLocale::setDefault(mFormer);
-    }
+    ~GermanPicturesTest() override { close(); }
 
 private:
-    QLocale mFormer;
-    QTranslator mGerman;
+    test::GermanTexts mTexts;
 };
 
 } // namespace
