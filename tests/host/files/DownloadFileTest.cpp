@@ -1,5 +1,4 @@
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <filesystem>
 #include <string>
@@ -7,42 +6,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <sys/resource.h>
-
 #include "OrvLibrary/host/impl/files/DownloadFile_p.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FileSizeLimit.h"
 #include "tests/support/TempFolder.h"
 
 namespace test {
 
-namespace {
-
 using testing::ElementsAre;
-
-/// Limits the size of every file that this process writes, so that writing fails as on a full disk.
-class FileSizeLimit
-{
-public:
-    explicit FileSizeLimit(rlim_t bytes) : mSignal(std::signal(SIGXFSZ, SIG_IGN))
-    {
-        getrlimit(RLIMIT_FSIZE, &mFormer);
-        const rlimit limit{bytes, mFormer.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~FileSizeLimit()
-    {
-        setrlimit(RLIMIT_FSIZE, &mFormer);
-        std::signal(SIGXFSZ, mSignal);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-
-private:
-    rlimit mFormer{};
-    void (*const mSignal)(int);
-};
-
-} // namespace
 
 class DownloadFileTest : public testing::Test
 {
