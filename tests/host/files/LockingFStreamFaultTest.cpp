@@ -7,6 +7,7 @@
 
 #include "tests/host/files/LockingFStreamFixture.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FileSizeLimit.h"
 
 namespace {
 
@@ -34,6 +35,21 @@ TEST_F(LockingFStreamFault, aKillInTheMiddleLeavesTheOldContentAndTheNextWriterC
     writeAll(file, "new");
     writeAll(fresh, "new");
     EXPECT_EQ(list(), (Names{"data", "fresh"}));
+}
+
+TEST_F(LockingFStreamFault, firstFailureIsTheReasonEvenIfLaterWritesSucceed)
+{
+    const fileString file = mFolder.write("data", "old");
+    LockingFStream out(file, kWrite);
+    {
+        const test::FileSizeLimit limit(100'000);
+        out << std::string(200'000, 'x');
+    }
+    errno = 0;
+    out.close();
+    EXPECT_TRUE(out.fail());
+    EXPECT_EQ(errno, EFBIG);
+    EXPECT_EQ(test::readFile(file), "old");
 }
 
 class LockingFStreamFullDisk : public LockingFStreamFault

@@ -1,6 +1,5 @@
 #include "tests/host/files/LocklessSystem.h"
 
-#include <cerrno>
 #include <ctime>
 #include <utility>
 
@@ -10,6 +9,7 @@
 namespace {
 
 bool gHasNoLocks = false;
+int gReason = 0;
 std::function<void()> gMeanwhile;
 
 /// The function of the C library.
@@ -29,7 +29,7 @@ int flock(int file, int operation) noexcept
     static auto* const own = next(&flock, "flock");
     if (!gHasNoLocks)
         return own(file, operation);
-    errno = ENOLCK;
+    errno = gReason;
     return -1;
 }
 
@@ -46,8 +46,9 @@ int nanosleep(const struct timespec* time, struct timespec* left)
 
 namespace test {
 
-LocklessSystem::LocklessSystem(std::function<void()> meanwhile)
+LocklessSystem::LocklessSystem(std::function<void()> meanwhile, int reason)
 {
+    gReason = reason;
     gMeanwhile = std::move(meanwhile);
     gHasNoLocks = true;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <functional>
 
 namespace test {
@@ -9,7 +10,8 @@ namespace test {
 class LocklessSystem
 {
 public:
-    explicit LocklessSystem(std::function<void()> meanwhile);
+    /// @param reason what the system answers to each request for a lock
+    explicit LocklessSystem(std::function<void()> meanwhile, int reason = ENOLCK);
     ~LocklessSystem();
     LocklessSystem(const LocklessSystem&) = delete;
     LocklessSystem& operator=(const LocklessSystem&) = delete;
