@@ -5,10 +5,12 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/fileString.h"
 #include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
+#include "tests/host/files/LinklessSystem.h"
 #include "tests/host/files/LocklessSystem.h"
 #include "tests/support/TempFolder.h"
 
@@ -113,4 +115,36 @@ TEST(ReplacementFile, aFileBesideThatIsNoLongerOursIsNotPutInPlace)
     test::writeFile(beside, "half of what another writer has");
     EXPECT_FALSE(file->commit());
     EXPECT_EQ(test::readFile(target), "old");
+}
+
+TEST(ReplacementFile, aFreshFileGetsItsNameWithoutHardLinksToo)
+{
+    using host::ReplacementFile;
+    const test::TempFolder folder;
+    const std::string target = folder.path() + "/data";
+    const std::string other = folder.path() + "/other";
+    auto file = ReplacementFile::open(target, ReplacementFile::Mode::Fresh);
+    auto second = ReplacementFile::open(other, ReplacementFile::Mode::Fresh);
+    ASSERT_TRUE(file && second);
+    ASSERT_EQ(write(file->descriptor(), "new", 3), 3);
+    test::writeFile(other, "somebody else's");
+    const test::LinklessSystem system;
+    EXPECT_TRUE(file->commit());
+    EXPECT_FALSE(second->commit());
+    EXPECT_EQ(errno, EEXIST);
+    second.reset();
+    EXPECT_EQ(test::readFile(target), "new");
+    EXPECT_EQ(test::readFile(other), "somebody else's");
+    EXPECT_EQ(test::listTree(folder.path()), (std::vector<std::string>{"data", "other"}));
+}
+
+TEST(ReplacementFile, whoeverHasNoTimeLeftIsToldThatTheTargetIsLocked)
+{
+    using host::ReplacementFile;
+    const test::TempFolder folder;
+    const std::string target = folder.write("data", "old").toNativeString();
+    test::writeFile(ReplacementFile::besideName(target), "left by a killed process");
+    errno = 0;
+    EXPECT_FALSE(ReplacementFile::open(target, ReplacementFile::Mode::Locked, 0666, std::chrono::seconds(0)));
+    EXPECT_EQ(errno, EWOULDBLOCK);
 }
