@@ -105,6 +105,35 @@ TEST(DownloadFile, whatTheDiskRefusesAtLastFailsTheCommitAndKeepsTheOldFile)
     EXPECT_THAT(listTree(folder.path()), ElementsAre("a.orvlib"));
 }
 
+TEST_F(DownloadFileTest, spaceOfTheDiskIsKnownWhileTheFileIsOpen)
+{
+    const host::DownloadFile::Space space = file.space();
+    EXPECT_GT(space.whole, 0);
+    EXPECT_GE(space.free, 0);
+    EXPECT_LE(space.free, space.whole);
+    const host::DownloadFile closed(folder.file("b.orvlib"));
+    EXPECT_EQ(closed.space().whole, -1);
+    EXPECT_EQ(closed.space().free, -1);
+}
+
+TEST(DownloadFile, earlierErrorDoesNotKeepItFromGoingOn)
+{
+    const TempFolder folder;
+    const fileString partial = folder.write("partial", "half");
+    const fileString target = folder.file("a.orvlib");
+    std::string reason;
+    host::DownloadFile file(target, partial);
+    errno = EIO;
+    EXPECT_TRUE(file.resume(reason));
+    EXPECT_EQ(reason, "");
+    EXPECT_EQ(file.size(), 4);
+    host::DownloadFile withoutPartial(target);
+    errno = EIO;
+    EXPECT_TRUE(withoutPartial.resume(reason));
+    EXPECT_EQ(reason, "");
+    EXPECT_FALSE(withoutPartial.isOpen());
+}
+
 TEST(DownloadFile, partialFileOnAnotherDiskLeavesItsPlaceForTheTarget)
 {
     const OtherDevice other;

@@ -73,6 +73,23 @@ TEST_F(TempNames, theFilesOfALivingProcessStay)
     EXPECT_EQ(list(), Names{}) << "the child is gone";
 }
 
+TEST_F(TempNames, filesOfASecondProcessStayAfterTheFirstHasEnded)
+{
+    {
+        const test::WaitingChild first([&] { host::claimTempFolder(mFolder.path()); });
+        host::claimTempFolder(mFolder.path());
+        leaveFiles();
+    }
+    const test::TempFolder other;
+    const auto third = test::runInChild([&] {
+        host::claimTempFolder(other.path()); // gives back the lock that was inherited
+        host::claimTempFolder(mFolder.path());
+        return 0;
+    });
+    EXPECT_EQ(third.status, 0);
+    EXPECT_EQ(list().size(), 3u);
+}
+
 TEST_F(TempNames, aFolderThatIsMissingOrReplacedIsNoFailure)
 {
     host::claimTempFolder(mFolder.path() + "/none");

@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include "OrvLibrary/host/PathUtils.h"
+#include "OrvLibrary/host/impl/files/TempNames_p.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -185,6 +186,15 @@ TEST_F(FileStringTempName, isNewAndInTheTemporaryFolder)
     EXPECT_EQ(first.extension(), path(".zip"));
     EXPECT_EQ(first.parentPathWithSeparator(), mPaths.getTempPath());
     EXPECT_TRUE(first.parentPath().pathExists());
+}
+
+TEST_F(FileStringTempName, firstOneRemovesWhatAKilledWriterLeft)
+{
+    const fileString left = mPaths.getTempPath() / path(host::makeTempName(".zip"));
+    test::writeFile(left.toNativeString(), "half");
+    fileString name;
+    name.generateAsTempName(".zip");
+    EXPECT_FALSE(left.pathExists());
 }
 
 TEST_F(FileStringTempName, replacesTheFormerValueAndMayHaveNoExtension)
