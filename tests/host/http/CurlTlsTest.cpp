@@ -1,7 +1,11 @@
+#include <atomic>
+#include <csignal>
+
 #include <QProcess>
 #include <QRegularExpression>
 
 #include "tests/host/http/CurlFixture.h"
+#include "tests/host/http/Http2Front.h"
 #include "tests/host/http/TlsCertificate.h"
 #include "tests/support/ScopedEnvironment.h"
 
@@ -51,6 +55,21 @@ protected:
     std::string certificate;
 };
 
+/// Counts the signals SIGPIPE of the process until the destructor.
+class BrokenPipes
+{
+public:
+    BrokenPipes() : mFormer(std::signal(SIGPIPE, [](int) { ++count; })) { count = 0; }
+    ~BrokenPipes() { std::signal(SIGPIPE, mFormer); }
+    BrokenPipes(const BrokenPipes&) = delete;
+    BrokenPipes& operator=(const BrokenPipes&) = delete;
+
+    inline static std::atomic<int> count{0};
+
+private:
+    void (*mFormer)(int);
+};
+
 } // namespace
 
 TEST_F(CurlTlsTest, serverThatNobodyVouchesForIsRefused)
@@ -88,6 +107,22 @@ TEST_F(CurlTlsTest, certificatesOfTheEnvironmentAreTrusted)
     EXPECT_FALSE(fetch(url));
     const ScopedEnvironment path("SSL_CERT_DIR", hashedFolder().c_str());
     EXPECT_TRUE(fetch(url)) << reason;
+}
+
+TEST_F(CurlTlsTest, serverThatIsGoneRaisesNoSignal)
+{
+    if (!Http2Front::isAvailable())
+        GTEST_SKIP() << "no server that keeps its connections";
+    const BrokenPipes pipes;
+    Http2Front front(server.port());
+    curl.setCertificates(front.certificate());
+    server.on("/a", FaultReply::ok("a"));
+    // The server closes the connection while the request is sent, because the line is too long for it.
+    EXPECT_FALSE(fetch(front.url("/a"), {"X-Long: " + std::string(1'000'000, 'x')}));
+    EXPECT_TRUE(fetch(front.url("/a"))) << reason;
+    front.stop();
+    EXPECT_FALSE(fetch(front.url("/a")));
+    EXPECT_EQ(BrokenPipes::count, 0);
 }
 
 } // namespace test

@@ -60,14 +60,12 @@ AheadList::AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory
 
 AheadList::~AheadList()
 {
-    const BrokenPipeBlock block;
     mConnections.removeAhead(*this);
     mEntries.clear();
 }
 
 void AheadList::begin()
 {
-    const BrokenPipeBlock block;
     advance();
     mConnections.step();
 }
@@ -86,7 +84,6 @@ AheadEntry* AheadList::claim(const std::string& key)
 
 bool AheadList::takeAnswer(const HttpRequest& request, HttpAnswer& answer)
 {
-    const BrokenPipeBlock block;
     AheadEntry* const entry = claim(keyOf(request));
     if (!entry)
         return false;
@@ -102,7 +99,6 @@ std::unique_ptr<FileBody> AheadList::takeDownload(const HttpRequest& request, co
                                                   Curl::ProgressFunction progress, void* context,
                                                   HttpAnswer& answer)
 {
-    const BrokenPipeBlock block;
     AheadEntry* const entry = claim(target.toNativeString());
     if (!entry)
         return nullptr;

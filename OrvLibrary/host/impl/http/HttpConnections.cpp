@@ -5,8 +5,6 @@
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 
 #include <algorithm>
-#include <csignal>
-#include <ctime>
 #include <mutex>
 #include <new>
 
@@ -26,24 +24,6 @@ void initialiseLibrary()
 
 } // namespace
 
-BrokenPipeBlock::BrokenPipeBlock()
-{
-    sigemptyset(&mSignals);
-    sigaddset(&mSignals, SIGPIPE);
-    sigset_t pending;
-    sigpending(&pending);
-    mWasPending = sigismember(&pending, SIGPIPE) == 1;
-    pthread_sigmask(SIG_BLOCK, &mSignals, &mFormer);
-}
-
-BrokenPipeBlock::~BrokenPipeBlock()
-{
-    const timespec noWait{};
-    if (!mWasPending)
-        sigtimedwait(&mSignals, nullptr, &noWait);
-    pthread_sigmask(SIG_SETMASK, &mFormer, nullptr);
-}
-
 HttpConnections::HttpConnections()
 {
     initialiseLibrary();
@@ -56,7 +36,6 @@ HttpConnections::HttpConnections()
 
 HttpConnections::~HttpConnections()
 {
-    const BrokenPipeBlock block; // closing a TLS connection writes to it
     for (CURL* handle : mIdle)
         curl_easy_cleanup(handle);
     curl_multi_cleanup(mMulti);
@@ -87,7 +66,6 @@ void HttpConnections::takeBack(CURL* handle) noexcept
 
 HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, TimePoint deadline)
 {
-    const BrokenPipeBlock block;
     const Work busy(*this, true);
     for (AheadWork* const work : mAhead)
         work->makeWay();

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <csignal>
 #include <vector>
 
 #include <curl/curl.h>
@@ -77,20 +76,4 @@ private:
     /// Whether a transfer was added since the transfer library moved them on.
     bool mHasNew = false;
     std::vector<AheadWork*> mAhead;
-};
-
-/// Blocks SIGPIPE for the duration of a block. Without it, a write to a closed TLS connection would end the
-/// process. The host's signal handlers stay as they are. All code that moves transfers on needs it.
-class BrokenPipeBlock
-{
-public:
-    BrokenPipeBlock();
-    ~BrokenPipeBlock();
-    BrokenPipeBlock(const BrokenPipeBlock&) = delete;
-    BrokenPipeBlock& operator=(const BrokenPipeBlock&) = delete;
-
-private:
-    sigset_t mSignals;
-    sigset_t mFormer;
-    bool mWasPending = false;
 };
