@@ -84,6 +84,20 @@ TEST_F(CurlHttp2Test, bodiesAreAskedForOnceOnTheConnectionThatIsThere)
     EXPECT_THAT(files(), SizeIs(60));
 }
 
+TEST_F(CurlHttp2Test, manyHeaderRequestsTakeAsManyConnectionsAsTheHostAllows)
+{
+    curl.setConnectionLimit(3);
+    std::vector<Curl::HeaderRequest> requests;
+    for (int i = 0; i < 250; ++i)
+        requests.push_back({front->url("/first?" + std::to_string(i)), {}});
+    announce({});
+    curl.prefetchHeaders(requests);
+    for (const Curl::HeaderRequest& request : requests)
+        EXPECT_TRUE(header(request.url)) << request.url;
+    EXPECT_EQ(bodiesAsked(), 250u);
+    EXPECT_THAT(connections(), SizeIs(3));
+}
+
 TEST_F(CurlHttp2Test, aHundredAreUnderWayAtOnceAndEndTogether)
 {
     const Downloads downloads = serveBehind(110);

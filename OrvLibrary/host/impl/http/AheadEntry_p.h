@@ -42,6 +42,4 @@ struct AheadEntry
     std::exception_ptr exception;
     /// Whether other requests ran at the same time.
     bool hadCompany = false;
-    /// Whether the request waits for a new HTTP/2 connection that is still being made.
-    bool isOpening = false;
 };

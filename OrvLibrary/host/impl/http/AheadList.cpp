@@ -55,7 +55,7 @@ AheadList::AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory
         if (!isFirst || asked.size < 1 || asked.size > AheadPolicy::kMostBytes)
             mEntries[i].state = State::Gone;
     }
-    mConnections.addAhead(*this);
+    mConnections.addAhead(*this, connectionLimit);
 }
 
 AheadList::~AheadList()

@@ -4,7 +4,6 @@
 // The calls are in AheadList.cpp.
 #include <algorithm>
 #include <new>
-#include <utility>
 
 #include "OrvLibrary/host/impl/http/AheadList_p.h"
 #include "OrvLibrary/host/impl/text/HttpAddress_p.h"
@@ -19,8 +18,6 @@ void AheadList::advance()
         for (AheadEntry* const entry : running) {
             if (entry->transfer->finished() || !entry->transfer->watch(now))
                 finish(*entry);
-            else if (entry->isOpening && entry->transfer->isConnectedSecurely())
-                noteOpened(*entry);
         }
         startWaiting(now);
     } catch (const std::bad_alloc&) {
@@ -40,25 +37,19 @@ void AheadList::startWaiting(TimePoint now)
     }
 }
 
-/// Whether the entry may be sent now. Sets `isOpening` if it needs a new HTTP/2 connection.
-bool AheadList::mayStart(AheadEntry& entry) const
+/// Whether the entry may be sent now.
+bool AheadList::mayStart(const AheadEntry& entry) const
 {
     if (entry.asked.isDownload() && !AheadPolicy::allowsBody(load(), entry.asked.size))
         return false;
-    const AheadPolicy::Situation situation = situationOf(entry);
-    const auto opening = static_cast<std::size_t>(std::count_if(
-        mRunning.begin(), mRunning.end(), [](const AheadEntry* running) { return running->isOpening; }));
-    if (mConnections.aheadCount() < AheadPolicy::width(situation, mCourse.open, opening))
-        return true;
-    entry.isOpening = mCourse.open + opening < AheadPolicy::connections(situation);
-    return entry.isOpening;
+    return mConnections.aheadCount() < AheadPolicy::width(situationOf(entry));
 }
 
 AheadPolicy::Situation AheadList::situationOf(const AheadEntry& entry) const
 {
     const std::string address = HttpAddress::hostAndPort(entry.asked.request.url);
     AheadPolicy::Situation situation;
-    situation.requests = entry.asked.isDownload() ? 0 : mEntries.size();
+    situation.isDownload = entry.asked.isDownload();
     situation.latency = mMemory->latency(address);
     situation.isMultiplexing = mMemory->isMultiplexing(address);
     situation.connectionLimit = mConnectionLimit;
@@ -84,7 +75,6 @@ void AheadList::start(AheadEntry& entry, TimePoint now)
     // Reserve first. Without memory for `mRunning`, the entry would be marked as running although nothing
     // runs it, and its call would wait for ever.
     mRunning.reserve(mRunning.size() + 1);
-    entry.asked.request.onNewConnection = entry.isOpening;
     TimePoint deadline = TimePoint::max();
     if (entry.asked.isDownload()) {
         entry.body = std::make_unique<FileBody>(AheadPolicy::limitsAhead(mLimits, entry.asked.size),
@@ -100,13 +90,6 @@ void AheadList::start(AheadEntry& entry, TimePoint now)
         other->hadCompany = true;
     mRunning.push_back(&entry);
     mConnections.start(*entry.transfer);
-}
-
-/// The entry's HTTP/2 connection is ready, so further requests can be sent on it.
-void AheadList::noteOpened(AheadEntry& entry)
-{
-    if (std::exchange(entry.isOpening, false))
-        ++mCourse.open;
 }
 
 /// Called when the transfer has ended. Keeps the answer only if the call would have got the same one.
@@ -129,8 +112,6 @@ bool AheadList::isOfUse(AheadEntry& entry)
     try {
         answer = entry.transfer->answer();
         answer.hadCompany = entry.hadCompany;
-        if (answer.answered)
-            noteOpened(entry);
         // Our limit for the answer is shorter here than in a call, so the call may still get an answer.
         if (answer.isRefusedInCompany() || answer.error == CURLE_OPERATION_TIMEDOUT) {
             stop();
@@ -157,7 +138,6 @@ bool AheadList::isOfUse(AheadEntry& entry)
 void AheadList::end(AheadEntry& entry)
 {
     entry.transfer.reset();
-    entry.isOpening = false;
     entry.state = State::Gone;
     mRunning.erase(std::find(mRunning.begin(), mRunning.end(), &entry));
     mCourse.lastEnd = HttpLimits::Clock::now();

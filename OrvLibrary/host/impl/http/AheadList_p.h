@@ -57,9 +57,6 @@ private:
     {
         /// All entries before this index have been started or dropped.
         std::size_t next = 0;
-        /// The number of HTTP/2 connections that are ready. It starts at 1: an earlier request has told us
-        /// that the address speaks HTTP/2, and its connection is still open.
-        std::size_t open = 1;
         TimePoint lastEnd{};
         int failuresInRow = 0;
         bool isStopped = false;
@@ -76,13 +73,12 @@ private:
 
     // These send requests ahead: AheadListAdvance.cpp.
     void startWaiting(TimePoint now);
-    bool mayStart(AheadEntry& entry) const;
+    bool mayStart(const AheadEntry& entry) const;
     AheadPolicy::Situation situationOf(const AheadEntry& entry) const;
     AheadPolicy::Load load() const;
     void start(AheadEntry& entry, TimePoint now);
     void finish(AheadEntry& entry);
     bool isOfUse(AheadEntry& entry);
-    void noteOpened(AheadEntry& entry);
     void end(AheadEntry& entry);
 
     HttpConnections& mConnections;

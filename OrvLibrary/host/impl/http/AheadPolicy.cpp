@@ -2,19 +2,12 @@
 
 #include <algorithm>
 
-std::size_t AheadPolicy::connections(const Situation& situation)
-{
-    const bool pays = situation.isMultiplexing && situation.requests >= kSpreadRequests &&
-                      situation.latency >= kSpreadLatency;
-    return pays ? std::min(kSpreadConnections, situation.connectionLimit) : 1;
-}
-
-std::size_t AheadPolicy::width(const Situation& situation, std::size_t open, std::size_t opening)
+std::size_t AheadPolicy::width(const Situation& situation)
 {
     if (isNear(situation.latency))
         return 0;
     if (situation.isMultiplexing)
-        return open * kStreams + opening;
+        return situation.isDownload ? kStreams : kHeaderStreams;
     const bool isOneTaken = situation.isInTurn || situation.connectionLimit == 1;
     return situation.connectionLimit - (isOneTaken ? 1 : 0);
 }

@@ -13,7 +13,9 @@
 /// - A service that is near, or of which nothing is known, gets one request at a time.
 /// - A distant service gets as many requests at once as the host allows connections. While a request is made
 ///   in its turn, one connection is left to it. If the host allows only one, nothing is sent ahead.
-/// - A connection that carries many requests (HTTP/2) gets up to a hundred.
+/// - If a connection carries many requests (HTTP/2), a hundred downloads run at once, or 800 header requests.
+///   The transfer library opens a further connection, up to the host's limit, for requests that the open ones
+///   cannot carry.
 /// - After the first sign of trouble, `AheadList` sends one request at a time.
 struct AheadPolicy
 {
@@ -21,13 +23,10 @@ struct AheadPolicy
 
     /// A service that answers faster than this is near: sending ahead would gain little.
     static constexpr Microseconds kNear{5'000};
-    /// Requests that one HTTP/2 connection carries at once. Most servers allow at least a hundred.
+    /// Downloads over HTTP/2 at once: as many as one connection carries. Most servers allow a hundred.
     static constexpr std::size_t kStreams = 100;
-    /// More than one HTTP/2 connection is used only for at least this many header requests, and only if an
-    /// answer takes at least this long.
-    static constexpr std::size_t kSpreadRequests = 65;
-    static constexpr Microseconds kSpreadLatency{50'000};
-    static constexpr std::size_t kSpreadConnections = 8;
+    /// Header requests over HTTP/2 at once.
+    static constexpr std::size_t kHeaderStreams = 800;
 
     /// With fewer downloads than this, nothing is fetched ahead.
     static constexpr std::size_t kFewestBodies = 4;
@@ -44,10 +43,10 @@ struct AheadPolicy
     /// A request that must run alone waits at most this long for the others to end.
     static constexpr std::chrono::seconds kLongestHold{1};
 
-    /// All that is known about a list of requests and the address they go to.
+    /// All that is known about a request and the address it goes to.
     struct Situation
     {
-        std::size_t requests = 0;
+        bool isDownload = false;
         /// How long an answer takes; negative if unknown.
         Microseconds latency{-1};
         bool isMultiplexing = false;
@@ -65,12 +64,8 @@ struct AheadPolicy
     };
 
     static bool isNear(Microseconds latency) { return latency < kNear; }
-    /// The number of HTTP/2 connections to use for a list of header requests.
-    static std::size_t connections(const Situation& situation);
     /// How many requests may run at once.
-    /// @param open HTTP/2 connections that are ready
-    /// @param opening HTTP/2 connections that are being made; each has one request waiting
-    static std::size_t width(const Situation& situation, std::size_t open, std::size_t opening);
+    static std::size_t width(const Situation& situation);
     /// Whether one more body of `size` bytes may be fetched ahead.
     static bool allowsBody(const Load& load, std::int64_t size);
     /// The limits of such a body until its call comes: it may not be larger than announced, and it leaves

@@ -85,6 +85,12 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, 
     return answer;
 }
 
+void HttpConnections::addAhead(AheadWork& work, int connectionLimit)
+{
+    mAhead.push_back(&work);
+    curl_multi_setopt(mMulti, CURLMOPT_MAX_HOST_CONNECTIONS, static_cast<long>(connectionLimit));
+}
+
 void HttpConnections::removeAhead(AheadWork& work)
 {
     mAhead.erase(std::remove(mAhead.begin(), mAhead.end(), &work), mAhead.end());

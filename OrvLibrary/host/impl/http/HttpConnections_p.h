@@ -44,7 +44,8 @@ public:
     HttpAnswer perform(const HttpRequest& request, HttpBody& body, TimePoint deadline);
 
     /// Adds work that moves on while `perform` waits. The caller keeps ownership.
-    void addAhead(AheadWork& work) { mAhead.push_back(&work); }
+    /// @param connectionLimit from now on, at most this many connections to each address are open
+    void addAhead(AheadWork& work, int connectionLimit);
     void removeAhead(AheadWork& work);
     /// How many requests that were sent ahead are running.
     std::size_t aheadCount() const;

@@ -107,10 +107,9 @@ void HttpTransfer::setOptions()
         curl_easy_setopt(handle(), CURLOPT_PROXY, mRequest.proxy.c_str());
     // A proxy's answer to CONNECT is not the server's answer.
     curl_easy_setopt(handle(), CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-    // Wait for a connection that is being made if it may be shared (HTTP/2), rather than open another one.
-    curl_easy_setopt(handle(), CURLOPT_PIPEWAIT, HttpAddress::scheme(mRequest.url) == "https" ? 1L : 0L);
-    if (mRequest.onNewConnection)
-        curl_easy_setopt(handle(), CURLOPT_FRESH_CONNECT, 1L);
+    // Downloads share a connection over HTTP/2: they wait for one that is being made.
+    const bool isShared = HttpAddress::scheme(mRequest.url) == "https" && !mRequest.headerOnly;
+    curl_easy_setopt(handle(), CURLOPT_PIPEWAIT, isShared ? 1L : 0L);
     if (mRequest.headerOnly) {
         curl_easy_setopt(handle(), CURLOPT_NOBODY, 1L);
         // There is no body. The caller reads the length from the header, even if it is not a number.
@@ -244,11 +243,6 @@ bool HttpTransfer::hasNewConnection() const
 bool HttpTransfer::isConnected() const
 {
     return info<curl_off_t>(handle(), CURLINFO_PRETRANSFER_TIME_T) > 0;
-}
-
-bool HttpTransfer::isConnectedSecurely() const
-{
-    return info<curl_off_t>(handle(), CURLINFO_APPCONNECT_TIME_T) > 0;
 }
 
 /// Whether the server has sent anything, be it a part of a line only.

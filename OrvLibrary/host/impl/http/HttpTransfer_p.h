@@ -23,8 +23,6 @@ struct HttpRequest
     std::string url;
     std::vector<std::string> headerLines;
     bool headerOnly = false;
-    /// Opens a new connection even if an open one could carry the request.
-    bool onNewConnection = false;
     /// Whether a redirect will be followed.
     bool isFollowed = false;
     /// Whether the caller needs the body. If not, and for each redirect that will be followed, the transfer
@@ -111,8 +109,6 @@ public:
     bool hasNewConnection() const;
     /// Whether it has a connection that is ready.
     bool isConnected() const;
-    /// Whether it has an https connection that is ready.
-    bool isConnectedSecurely() const;
 
     /// @throws whatever the body threw during the transfer
     HttpAnswer answer() const;
