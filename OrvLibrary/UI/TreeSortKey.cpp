@@ -22,7 +22,7 @@ TreeSortKey::TreeSortKey(const QString& text)
 
 bool TreeSortKey::isFor(const QString& text, const QLocale& locale) const
 {
-    return (mText.isSharedWith(text) || mText == text) && mLocale == locale;
+    return mText == text && mLocale == locale;
 }
 
 bool TreeSortKey::operator<(const TreeSortKey& rhs) const
