@@ -258,6 +258,7 @@ TEST_P(FileUtilsRemove, whatIsMissingCountsAsRemoved)
     EXPECT_TRUE(FileUtils::removePath(mFolder.file("none"), GetParam()));
     EXPECT_TRUE(FileUtils::removePath(mFolder.file("none/none"), GetParam()));
     const fileString file = mFolder.write("file", "x");
+    EXPECT_TRUE(FileUtils::removePath(mFolder.file("file/below"), GetParam())) << "nothing is below a file";
     EXPECT_FALSE(FileUtils::removePath(withNul(file), GetParam())) << "such a name cannot be asked for";
     EXPECT_EQ(list(), std::vector<std::string>{"file"});
 }

@@ -127,6 +127,25 @@ TEST_F(FilePrefSetTest, aValueOfTheFileStaysWhateverTheDeclarationSays)
     EXPECT_EQ(set.getPref(273).value, PrefValue(false));
 }
 
+TEST_F(FilePrefSetTest, everyPreferenceOfTheLibraryIsDeclared)
+{
+    FilePrefSet set(file());
+    set.declareLibraryPrefs();
+    const struct
+    {
+        int id;
+        PrefValue value;
+        const char* description;
+    } prefs[] = {{239, 2, "Library progress display type"},
+                 {254, false, "Last core content update had an error"},
+                 {273, false, "Leave core content out of full updates"}};
+    for (const auto& pref : prefs) {
+        EXPECT_TRUE(set.hasPref(pref.id)) << pref.id;
+        EXPECT_EQ(set.getPref(pref.id).value, pref.value) << pref.id;
+        EXPECT_EQ(set.getPref(pref.id).description, pref.description) << pref.id;
+    }
+}
+
 TEST_F(FilePrefSetTest, keepsMembersThatItDoesNotUnderstand)
 {
     write(R"({"window": {"x": 1}, "7": [1, 2], "8": null, "007": 1, "239": 1})");
@@ -300,6 +319,7 @@ TEST_F(FilePrefSetTest, threadsShareOneObject)
     for (int thread = 0; thread < 4; ++thread) {
         threads.emplace_back([&set, thread] {
             for (int change = 0; change < 10; ++change) {
+                set.declare(100 * (thread + 1) + change, "Change", 0);
                 set.setPref(100 * (thread + 1) + change, change);
                 set.getPref(100);
                 set.hasPref(101);

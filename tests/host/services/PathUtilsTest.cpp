@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TempFolder.h"
 
@@ -52,6 +53,22 @@ TEST(PathUtils, withoutHomeTheUserDatabaseIsAsked)
     const passwd* const user = getpwuid(geteuid());
     ASSERT_NE(user, nullptr);
     EXPECT_EQ(root, std::string(user->pw_dir) + "/.local/share/orv-library");
+}
+
+TEST(PathUtils, withoutHomeAUserWhomTheDatabaseLacksHasTheTopFolder)
+{
+    constexpr uid_t kUnknown = 54321;
+    if (geteuid() != 0 || getpwuid(kUnknown))
+        GTEST_SKIP() << "needs the superuser, who can become an unknown user";
+    const test::ScopedEnvironment given("ORV_LIBRARY_ROOT", nullptr);
+    const test::ScopedEnvironment data("XDG_DATA_HOME", nullptr);
+    const test::ScopedEnvironment home("HOME", nullptr);
+    const auto end = test::runInChild([] {
+        if (seteuid(kUnknown) != 0)
+            return 1;
+        return RootPathUtils::defaultRoot() == fileString("/.local/share/orv-library") ? 0 : 2;
+    });
+    EXPECT_EQ(end.status, 0);
 }
 
 TEST(PathUtils, aRelativeRootIsSeenFromTheCurrentFolder)
@@ -117,8 +134,10 @@ TEST(PathUtils, theTemporaryFolderIsPrivate)
     const fileString temp = paths.getTempPath();
     EXPECT_EQ(modeOf(temp), 0700u);
     EXPECT_EQ(modeOf(paths.root()), 0755u);
-    ASSERT_EQ(chmod(temp.toNativeString().c_str(), 0755), 0);
-    EXPECT_EQ(modeOf(paths.getTempPath()), 0700u) << "also when another program made it";
+    for (const mode_t mode : {0755u, 0701u, 0710u}) {
+        ASSERT_EQ(chmod(temp.toNativeString().c_str(), mode), 0);
+        EXPECT_EQ(modeOf(paths.getTempPath()), 0700u) << "also when another program made it";
+    }
 }
 
 TEST(PathUtils, everyFolderCanBeCreated)
