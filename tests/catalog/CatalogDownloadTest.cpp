@@ -1,5 +1,6 @@
 #include "OrvLibrary/catalog/CatalogDownload_p.h"
 
+#include <cstdlib>
 #include <limits>
 
 #include <QCoreApplication>
@@ -83,6 +84,22 @@ TEST_F(CatalogDownloadProgress, theGaugeMovesOnTheFiveHundredAndSecondCall)
     EXPECT_THAT(gauge(), ElementsAre("502"));
     call(1004 * 1000.0);
     EXPECT_THAT(gauge(), ElementsAre("502", "1004"));
+}
+
+// Runs in a new process, because an earlier test may have counted calls already.
+TEST(CatalogDownloadOfANewProcess, theGaugeMovesOnTheFiveHundredAndSecondCall)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            CatalogDownload download;
+            for (int number = 1; number <= 501; ++number)
+                download_progress_callback(&download, 0, number, 0, 0);
+            const bool isFull = progress_update_count == 501;
+            download_progress_callback(&download, 0, 502, 0, 0);
+            std::_Exit(isFull && progress_update_count == 0 ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 TEST_F(CatalogDownloadProgress, theGaugesCountGoesOnWithTheNextDownload)

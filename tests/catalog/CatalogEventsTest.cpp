@@ -25,6 +25,9 @@ class SmallHost : public QObject
     Q_OBJECT
 
 public:
+    /// How many connections the end of this object has.
+    int listeners() const { return receivers(SIGNAL(destroyed(QObject*))); }
+
     int updates = 0;
     int closes = 0;
 
@@ -121,6 +124,15 @@ TEST(CatalogEvents, theHostMayOutliveTheEvents)
     CatalogEvents::watch(host).reset();
     QCoreApplication::sendPostedEvents(&host);
     EXPECT_EQ(host.updates, 0);
+}
+
+TEST(CatalogEvents, nothingStaysConnectedToAHostThatOutlivesThem)
+{
+    SmallHost host;
+    auto events = CatalogEvents::watch(host);
+    EXPECT_EQ(host.listeners(), 1);
+    events.reset();
+    EXPECT_EQ(host.listeners(), 0);
 }
 
 TEST(CatalogEvents, theTypesAreKnownByTheirNames)

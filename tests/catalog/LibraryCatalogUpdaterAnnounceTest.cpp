@@ -83,6 +83,25 @@ TEST_F(LibraryCatalogUpdaterAnnounce, serviceThatCannotBeToldOfDownloadsIsAskedI
     EXPECT_EQ(result(), 2);
 }
 
+TEST_F(LibraryCatalogUpdaterAnnounce, foldersAreThereBeforeTheDownloadsAreAnnounced)
+{
+    changed("a.orvlib");
+    changed("Tex.zip");
+    std::vector<std::string> missing;
+    mCurl.onAnnouncement = [&] {
+        if (mCurl.downloadAnnouncements.size() != 1)
+            return;
+        for (const auto& request : mCurl.downloadAnnouncements.front().second) {
+            if (!request.target.parentPath().pathExists())
+                missing.push_back(request.url);
+        }
+    };
+    run();
+    ASSERT_EQ(mCurl.downloadAnnouncements.size(), 2u);
+    EXPECT_EQ(mCurl.downloadAnnouncements.front().second.size(), 2u);
+    EXPECT_THAT(missing, IsEmpty());
+}
+
 TEST_F(LibraryCatalogUpdaterAnnounce, foldersHaveStandardPermissionsWhicheverStepMakesThem)
 {
     const std::string referenced = path("referenced").toNativeString();

@@ -195,6 +195,16 @@ TEST_F(LibraryCatalogUpdaterInstall, anEmptyDownloadStopsTheLoop)
     EXPECT_EQ(messageCode(), 0x10369189);
 }
 
+TEST_F(LibraryCatalogUpdaterInstall, aDownloadOfOneByteIsInstalled)
+{
+    changed("a.orvlib").body = "x";
+    changed("b.orvlib");
+    run();
+    EXPECT_EQ(content("core/a.orvlib"), "x");
+    EXPECT_EQ(result(), 2);
+    EXPECT_EQ(logText(), "");
+}
+
 TEST_F(LibraryCatalogUpdaterInstall, aLockedDownloadStopsTheLoop)
 {
     std::unique_ptr<LockingFStream> lock;

@@ -6,10 +6,13 @@
 #include <type_traits>
 
 #include <QCoreApplication>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 #include "OrvLibrary/host/NullPointerRaiser.h"
 #include "tests/catalog/CatalogTest.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/ForwardingServices.h"
 
 using LibraryCatalogUpdate::LibraryCatalogUpdater;
@@ -87,6 +90,22 @@ TEST_F(LibraryCatalogUpdaterRun, whatAnEarlierRunLeftIsDiscarded)
     mArguments.coreOnly = true;
     run();
     EXPECT_THAT(test::listTree(path("temp").toNativeString()), ElementsAre("other"));
+}
+
+TEST_F(LibraryCatalogUpdaterRun, foldersThatAnEarlierRunLeftProtectedAreDiscarded)
+{
+    mArguments.coreOnly = true;
+    const fileString folder = download("core", "left");
+    ASSERT_EQ(rmdir(path("temp").toNativeString().c_str()), 0);
+    ASSERT_EQ(chmod(path("").toNativeString().c_str(), 0777), 0);
+    const auto end = test::runWithoutRights([&] {
+        test::writeFile(folder.toNativeString() + "/over", "x");
+        if (chmod(folder.toNativeString().c_str(), 0500) != 0)
+            return 1;
+        run();
+        return folder.pathExists() ? 2 : 0;
+    });
+    EXPECT_EQ(end.status, 0);
 }
 
 TEST_F(LibraryCatalogUpdaterRun, aCoreOnlyRunLeavesTheOthersAlone)
@@ -257,9 +276,11 @@ TEST_F(LibraryCatalogUpdaterRun, aRunWithoutItsHostObjectCompletesInSilence)
 TEST_F(LibraryCatalogUpdaterRun, aMissingApplicationObjectLeavesTheRun)
 {
     installed("core/catalog_hash.txt", "a.orvlib:1\n");
+    mArguments.core = {installed("core/a.orvlib", kOld)};
     Application* const former = Application::install(nullptr);
     LibraryCatalogUpdater updater = makeUpdater(*mRecorder, mArguments);
     EXPECT_THROW(updater(), NullPointerError);
+    EXPECT_THROW(updater.check(), NullPointerError);
     Application::install(former);
     QCoreApplication::sendPostedEvents(mRecorder.get());
     EXPECT_THAT(mRecorder->texts(), IsEmpty());
