@@ -192,3 +192,14 @@ TEST_F(ManufacturerManagerTest, eightThreadsMayAskAtOnce)
         thread.join();
     EXPECT_EQ(wrong, 0);
 }
+
+TEST_F(ManufacturerManagerTest, cleanUpMayComeWhileAnotherThreadAsks)
+{
+    std::thread asking([] {
+        for (int i = 0; i < 200; ++i)
+            EXPECT_NE(ManufacturerManager::getManufacturerManager(), nullptr);
+    });
+    for (int i = 0; i < 200; ++i)
+        ManufacturerManager::cleanup();
+    asking.join();
+}

@@ -96,3 +96,14 @@ TEST_F(ChooserTest, threadsThatAskFirstAtOnceGetTheSameInstance)
     EXPECT_NE(seen.front(), nullptr);
     EXPECT_EQ(std::count(seen.begin(), seen.end(), seen.front()), 8);
 }
+
+TEST_F(ChooserTest, cleanupMayComeWhileAnotherThreadAsks)
+{
+    std::thread asking([] {
+        for (int i = 0; i < 2000; ++i)
+            EXPECT_NE(Chooser::get(), nullptr);
+    });
+    for (int i = 0; i < 2000; ++i)
+        Chooser::cleanup();
+    asking.join();
+}

@@ -1,6 +1,7 @@
 #include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
 
 #include <limits>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -32,4 +33,14 @@ TEST(CatalogUpdaterState, sumsSaturateInsteadOfWrapping)
     EXPECT_EQ(addSaturating(kLargest - 1, 1), kLargest);
     EXPECT_EQ(addSaturating(kLargest, 1), kLargest);
     EXPECT_EQ(addSaturating(kLargest, kLargest), kLargest);
+}
+
+TEST(CatalogUpdaterState, anyThreadMayCancelWhileTheRunLooks)
+{
+    setDownloadKilled(false);
+    std::thread canceller(LibraryCatalogUpdater::killDownload);
+    while (!isDownloadKilled())
+        std::this_thread::yield();
+    canceller.join();
+    setDownloadKilled(false);
 }

@@ -1,6 +1,8 @@
 #include "OrvLibrary/host/PreferenceEngine.h"
 
 #include <map>
+#include <thread>
+#include <vector>
 
 #include <QByteArray>
 
@@ -152,6 +154,21 @@ TEST(DefaultPreferences, areAFileInTheDefaultRoot)
     prefs.setPrefAs<int>(239, 3);
     EXPECT_THAT(test::listTree(folder.path()), ElementsAre("new/", "new/preferences.json"));
     EXPECT_EQ(&PreferenceEngine::getThePrefs(), &prefs) << "made once for one root";
+}
+
+TEST(DefaultPreferences, areMadeOnceThoughThreadsAskAtOnce)
+{
+    test::TempFolder folder;
+    for (int round = 0; round < 20; ++round) {
+        const ScopedVariable root("ORV_LIBRARY_ROOT", folder.path() + "/" + std::to_string(round));
+        std::vector<PreferenceEngine*> seen(4);
+        std::vector<std::thread> threads;
+        for (PreferenceEngine*& slot : seen)
+            threads.emplace_back([&slot] { slot = &PreferenceEngine::getThePrefs(); });
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(seen, std::vector<PreferenceEngine*>(4, &PreferenceEngine::getThePrefs()));
+    }
 }
 
 TEST(DefaultPreferences, followTheDefaultRoot)
