@@ -50,7 +50,6 @@ WholeInflater::~WholeInflater()
 void WholeInflater::read(const ZipArchive& archive, const ZipEntry& entry, unsigned char* content)
 {
     if (mRoom < entry.compressedSize) {
-        mRoom = 0;
         mCompressed.reset(new char[entry.compressedSize]); // not set to zero: the file's bytes replace it all
         mRoom = entry.compressedSize;
         askForLargePages(mCompressed.get(), mRoom);
