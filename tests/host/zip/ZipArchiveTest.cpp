@@ -1,0 +1,47 @@
+#include "OrvLibrary/host/impl/zip/ZipArchive_p.h"
+
+#include <cerrno>
+#include <filesystem>
+
+#include <gmock/gmock.h>
+
+#include "tests/host/zip/FaultySystem.h"
+#include "tests/support/ArchiveBuilder.h"
+
+namespace {
+
+class ZipArchiveTest : public testing::Test
+{
+protected:
+    ZipArchiveTest() { mBuilder.add("a", test::sampleBytes(1000, 1)); }
+
+    test::TempFolder mFolder;
+    test::ArchiveBuilder mBuilder;
+    fileString mPath = mFolder.file("a.zip");
+};
+
+} // namespace
+
+TEST_F(ZipArchiveTest, readsThatAreCutShortGoOn)
+{
+    const std::string bytes = mBuilder.bytes();
+    mBuilder.write(mFolder, "a.zip");
+    const test::FaultySystem system(test::FaultySystem::Call::Pread);
+    const ZipUtils::ZipArchive archive(mPath);
+    ASSERT_EQ(archive.entries().size(), 1U);
+    EXPECT_EQ(archive.entries()[0].name, "a");
+    std::string read(bytes.size(), '\0');
+    archive.readAt(0, read.data(), read.size());
+    EXPECT_TRUE(read == bytes);
+}
+
+TEST_F(ZipArchiveTest, endOfTheFileIsNoInterruption)
+{
+    mBuilder.write(mFolder, "a.zip");
+    const ZipUtils::ZipArchive archive(mPath);
+    std::filesystem::resize_file(mPath.toNativeString(), 10);
+    std::string read(11, '\0');
+    errno = EINTR; // of an earlier call
+    EXPECT_THAT([&] { archive.readAt(0, read.data(), read.size()); },
+                testing::ThrowsMessage<std::runtime_error>(mPath.toNativeString() + ": cut short"));
+}
