@@ -74,6 +74,21 @@ TEST_F(ZipUtilsRawCopyTest, keepsTheExtraFieldsOfBothHeaders)
     }
 }
 
+TEST_F(ZipUtilsRawCopyTest, localHeaderThatDiffersFromTheDirectoryIsMadeAnew)
+{
+    mSource.add("a", "content");
+    const std::string bytes = mSource.bytes();
+    copyAll(mFolder.write("source.zip", bytes), target());
+    const std::string expected = test::readFile(target());
+    for (const std::size_t at : {4U, 6U, 10U, 12U}) { // version, flags, time, date
+        std::string differing = bytes;
+        differing[at] ^= 4;
+        const fileString copy = mFolder.file("copy" + std::to_string(at));
+        copyAll(mFolder.write("source.zip", differing), copy);
+        EXPECT_TRUE(test::readFile(copy) == expected) << at;
+    }
+}
+
 TEST_F(ZipUtilsRawCopyTest, zip64FieldIsMadeAnewAndGoesWhereItIsNotNeeded)
 {
     addOddMember(mSource, "wide").zip64 = true;

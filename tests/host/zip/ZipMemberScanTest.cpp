@@ -1,0 +1,64 @@
+// The members of an archive that has lost its directory.
+#include "OrvLibrary/host/impl/zip/ZipMemberScan_p.h"
+
+#include <gmock/gmock.h>
+
+#include "OrvLibrary/host/impl/zip/ZipMember_p.h"
+#include "tests/support/ArchiveBuilder.h"
+
+using test::ArchiveBuilder;
+using testing::ElementsAre;
+using testing::Pair;
+
+namespace {
+
+class ZipMemberScanTest : public testing::Test
+{
+protected:
+    using Contents = std::vector<std::pair<std::string, std::string>>;
+
+    /// Cuts the end off, and reads the members that are found.
+    Contents found(const std::string& bytes) const
+    {
+        std::vector<ZipUtils::DamagedMember> rejected;
+        const ZipUtils::ZipArchive archive(mFolder.write("a.zip", bytes.substr(0, bytes.size() - 30)),
+                                           rejected);
+        EXPECT_EQ(rejected.size(), 1U) << "the directory";
+        Contents contents;
+        for (const ZipUtils::ZipEntry& entry : archive.entries()) {
+            const std::vector<unsigned char> content = ZipUtils::readWholeMember(archive, entry);
+            contents.emplace_back(std::string(entry.name), std::string(content.begin(), content.end()));
+        }
+        return contents;
+    }
+
+    test::TempFolder mFolder;
+    ArchiveBuilder mBuilder;
+};
+
+} // namespace
+
+TEST_F(ZipMemberScanTest, dataBeginsBehindTheExtraBlock)
+{
+    mBuilder.add("short", "1").localExtra = std::string("UT\x05\x00\x01\x10\x20\x30\x40", 9);
+    mBuilder.add("long", "2").localExtra = std::string("XX\xFC\x01", 4) + std::string(0x1FC, 'x');
+    EXPECT_THAT(found(mBuilder.bytes()), ElementsAre(Pair("short", "1"), Pair("long", "2")));
+}
+
+TEST_F(ZipMemberScanTest, checksumBehindTheDataMayFollowASignatureOrNot)
+{
+    const std::string content = test::sampleBytes(1000, 1);
+    mBuilder.add("described", content).flags = 8;
+    mBuilder.add("last", "2");
+    std::string bytes = mBuilder.bytes();
+    const std::size_t descriptor = bytes.find("PK\x07\x08");
+    ASSERT_NE(descriptor, std::string::npos);
+    EXPECT_THAT(found(bytes), ElementsAre(Pair("described", content), Pair("last", "2")));
+    std::string wrong = bytes;
+    wrong[descriptor + 4] ^= 1;
+    EXPECT_THAT(found(wrong), ElementsAre(Pair("last", "2")));
+    bytes.erase(descriptor, 4);
+    EXPECT_THAT(found(bytes), ElementsAre(Pair("described", content), Pair("last", "2")));
+    bytes[descriptor] ^= 1;
+    EXPECT_THAT(found(bytes), ElementsAre(Pair("last", "2")));
+}
