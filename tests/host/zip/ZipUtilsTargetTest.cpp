@@ -218,6 +218,32 @@ TEST_F(ZipUtilsTargetTest, whatCannotBeATargetIsRefused)
     }
 }
 
+TEST_F(ZipUtilsTargetTest, targetThatWasRefusedStaysRefusedForTheWalk)
+{
+    mSource.add("a", "1");
+    mSource.add("b", "2");
+    const fileString old = ArchiveBuilder().write(mFolder, "target.zip");
+    fs::permissions(old.toNativeString(), fs::perms::owner_read);
+    std::vector<bool> results;
+    ZipUtils::getFilesDataInArchive(
+        writeSource(), [&](const fileString& member, auto& handle, const auto& raw) {
+            results.push_back(ZipUtils::writeFileToArchiveRaw(old, member, handle, true, raw));
+            fs::permissions(old.toNativeString(), fs::perms::owner_read | fs::perms::owner_write);
+            return true;
+        });
+    EXPECT_EQ(results, (std::vector<bool>{false, false})) << "a part of the members would be no archive";
+    EXPECT_TRUE(ZipUtils::getFilenamesInArchive(old).empty());
+}
+
+TEST_F(ZipUtilsTargetTest, everyMemberIsWrittenOnce)
+{
+    for (const char* name : {"a", "b", "c"})
+        mSource.add(name, test::sampleBytes(40'000, 1)).method = ArchiveMember::kStored;
+    const fileString source = writeSource();
+    EXPECT_EQ(copyAll(source, target()), std::vector<bool>(3, true));
+    EXPECT_EQ(fs::file_size(target().toNativeString()), fs::file_size(source.toNativeString()));
+}
+
 TEST_F(ZipUtilsTargetTest, newTargetTakesOverThePermissionsOfTheOld)
 {
     mSource.add("a", "1");
