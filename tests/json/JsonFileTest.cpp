@@ -1,14 +1,41 @@
 #include "OrvLibrary/json/json_file.h"
 
+#include <algorithm>
+#include <cerrno>
+#include <ios>
 #include <stdexcept>
 
+#include <dlfcn.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <QtGlobal>
 #include <gtest/gtest.h>
 
 #include "tests/support/ChildProcess.h"
 #include "tests/support/TempFolder.h"
+
+namespace {
+
+/// How many bytes `read` still delivers before it fails; negative if it never fails.
+ssize_t gBytesLeft = -1;
+
+} // namespace
+
+/// Takes precedence over the function of the C library. It is visible, because the stream library calls it.
+extern "C" Q_DECL_EXPORT ssize_t read(int file, void* buffer, size_t size)
+{
+    static auto* const own = reinterpret_cast<decltype(&read)>(dlsym(RTLD_NEXT, "read"));
+    if (gBytesLeft < 0)
+        return own(file, buffer, size);
+    if (gBytesLeft > 0) {
+        const ssize_t got = own(file, buffer, std::min(size, static_cast<size_t>(gBytesLeft)));
+        gBytesLeft -= got;
+        return got;
+    }
+    errno = EIO;
+    return -1;
+}
 
 TEST(JsonFile, whatIsNoRegularFileThrows)
 {
@@ -33,6 +60,19 @@ TEST(JsonFile, whatMayNotBeReadThrows)
         return 2;
     });
     EXPECT_EQ(end.status, 0);
+}
+
+TEST(JsonFile, fileThatCannotBeReadToItsEndThrows)
+{
+    const test::TempFolder folder;
+    const fileString path =
+        folder.write("a.json", R"({"first":"1","large":")" + std::string(200'000, 'x') + R"(","last":"2"})");
+    EXPECT_FALSE(json::readFile(path)->empty());
+    for (const ssize_t bytes : {0, 100'000}) {
+        gBytesLeft = bytes;
+        EXPECT_THROW(json::readFile(path), std::ios_base::failure) << bytes;
+        gBytesLeft = -1;
+    }
 }
 
 TEST(JsonFile, filesOverTheLimitAreNotRead)
