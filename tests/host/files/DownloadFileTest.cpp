@@ -107,13 +107,13 @@ TEST(DownloadFile, whatTheDiskRefusesAtLastFailsTheCommitAndKeepsTheOldFile)
 
 TEST_F(DownloadFileTest, spaceOfTheDiskIsKnownWhileTheFileIsOpen)
 {
-    const host::DownloadFile::Space space = file.space();
-    EXPECT_GT(space.whole, 0);
-    EXPECT_GE(space.free, 0);
-    EXPECT_LE(space.free, space.whole);
+    constexpr std::int64_t kMoreThanAnyDisk = std::int64_t{1} << 60;
+    const host::SizeLimit limit = file.limit(kMoreThanAnyDisk, {0, 20, 0});
+    EXPECT_FALSE(limit.allows(kMoreThanAnyDisk));
+    EXPECT_THAT(limit.reason(1), testing::MatchesRegex("disk full: 1 bytes needed, [0-9]+ [A-Za-z]+ free, "
+                                                       "0 bytes kept free"));
     const host::DownloadFile closed(folder.file("b.orvlib"));
-    EXPECT_EQ(closed.space().whole, -1);
-    EXPECT_EQ(closed.space().free, -1);
+    EXPECT_TRUE(closed.limit(kMoreThanAnyDisk, {}).allows(kMoreThanAnyDisk));
 }
 
 TEST(DownloadFile, earlierErrorDoesNotKeepItFromGoingOn)

@@ -46,7 +46,7 @@ TEST_F(AheadEntryTest, leavesRoomOnTheDiskForAllOthersThatAreAhead)
 {
     constexpr std::int64_t kMoreThanAnyDisk = std::int64_t{1} << 60;
     mLimits.fileBytes = kMoreThanAnyDisk;
-    mLimits.spareBytes = 0;
+    mLimits.spare.bytes = 0;
     const auto body = bodyOf(kMoreThanAnyDisk);
     EXPECT_FALSE(body->begin(200, "Content-Length: " + std::to_string(kMoreThanAnyDisk - 1) + "\r\n"));
     EXPECT_THAT(body->failure().reason, testing::EndsWith(" free, 64 MB kept free"));

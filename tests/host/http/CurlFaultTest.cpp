@@ -300,8 +300,8 @@ TEST_F(CurlFaultTest, filesEndAtTheirCap)
 TEST_F(CurlFaultTest, diskKeepsItsSpareRoom)
 {
     HttpLimits limits = shortLimits();
-    limits.spareBytes = std::int64_t(1) << 60;
-    limits.spareShare = 1; // the whole disk
+    limits.spare.bytes = std::int64_t(1) << 60;
+    limits.spare.share = 1; // the whole disk
     CurlService service(limits);
     server.on("/a", FaultReply::ok(std::string(36500, 'x')));
     EXPECT_FALSE(service.download_to_location(server.url("/a"), target(), reason));
@@ -331,7 +331,7 @@ TEST_F(CurlFaultTest, fullDiskGivesTheSystemsTextAndKeepsTheOldFile)
     if (mount("none", disk.path().c_str(), "tmpfs", 0, "size=1m") != 0)
         GTEST_SKIP() << "a small disk can only be mounted by the superuser";
     HttpLimits limits = shortLimits();
-    limits.spareBytes =
+    limits.spare.bytes =
         -(std::int64_t(1) << 30); // disables the check, so that the disk itself reports the error
     CurlService service(limits);
     disk.write("a", "old");

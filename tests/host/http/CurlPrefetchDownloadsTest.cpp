@@ -384,8 +384,8 @@ protected:
     static HttpLimits limits()
     {
         HttpLimits limits;
-        limits.spareBytes = std::int64_t{1} << 60;
-        limits.spareShare = 1; // the whole disk
+        limits.spare.bytes = std::int64_t{1} << 60;
+        limits.spare.share = 1; // the whole disk
         return limits;
     }
 };

@@ -194,14 +194,16 @@ bool DownloadFile::nameTarget()
     return true;
 }
 
-DownloadFile::Space DownloadFile::space() const
+SizeLimit DownloadFile::limit(std::int64_t most, const SpareSpace& spare) const
 {
     struct statvfs status;
-    if (fstatvfs(descriptor(), &status) != 0)
-        return {};
-    const auto block = static_cast<std::int64_t>(status.f_frsize);
-    return {static_cast<std::int64_t>(status.f_bavail) * block,
-            static_cast<std::int64_t>(status.f_blocks) * block};
+    DiskSpace disk;
+    if (fstatvfs(descriptor(), &status) == 0) {
+        const auto block = static_cast<std::int64_t>(status.f_frsize);
+        disk = {static_cast<std::int64_t>(status.f_bavail) * block,
+                static_cast<std::int64_t>(status.f_blocks) * block};
+    }
+    return SizeLimit(most, mSize, disk, spare);
 }
 
 } // namespace host

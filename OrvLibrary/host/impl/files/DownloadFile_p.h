@@ -9,6 +9,7 @@
 #include "OrvLibrary/host/fileString.h"
 #include "OrvLibrary/host/impl/files/FileHandle_p.h"
 #include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
+#include "OrvLibrary/host/impl/files/SizeLimit_p.h"
 
 namespace host {
 
@@ -51,13 +52,8 @@ public:
     /// Removes the partial file, because its bytes are wrong.
     void discard();
 
-    /// Space on the file's disk, in bytes; -1 if unknown.
-    struct Space
-    {
-        std::int64_t free = -1;
-        std::int64_t whole = -1;
-    };
-    Space space() const;
+    /// How large the file may become, at most `most` bytes, so that `spare` stays free on its disk.
+    SizeLimit limit(std::int64_t most, const SpareSpace& spare) const;
     /// Bytes taken so far, with those the partial file had.
     std::int64_t size() const { return mSize; }
 

@@ -22,7 +22,7 @@ HttpLimits AheadPolicy::limitsAhead(const HttpLimits& limits, std::int64_t size)
 {
     HttpLimits ahead = limits;
     ahead.fileBytes = std::min(limits.fileBytes, size);
-    ahead.spareForOthers = kMostBytes;
+    ahead.spare.forOthers = kMostBytes;
     return ahead;
 }
 

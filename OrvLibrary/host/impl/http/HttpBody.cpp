@@ -5,7 +5,6 @@
 #include "OrvLibrary/host/impl/http/HttpBody_p.h"
 
 #include <algorithm>
-#include <iterator>
 
 #include <curl/curl.h>
 
@@ -18,16 +17,6 @@ constexpr std::int64_t kOk = 200;
 constexpr std::int64_t kPartialContent = 206;
 constexpr std::int64_t kRangeNotSatisfiable = 416;
 constexpr std::int64_t kFirstErrorStatus = 400;
-
-/// A size for a message, such as "12 MB". Rounds up; units are powers of 1000.
-std::string sizeText(std::int64_t bytes)
-{
-    const char* const units[] = {" bytes", " KB", " MB", " GB", " TB"};
-    std::size_t unit = 0;
-    for (; bytes >= 1000 && unit + 1 < std::size(units); ++unit)
-        bytes = (bytes + 999) / 1000;
-    return std::to_string(bytes) + units[unit];
-}
 
 } // namespace
 
@@ -106,12 +95,10 @@ bool FileBody::failOnDisk(const std::string& reason)
 
 bool FileBody::checkSize(std::int64_t size)
 {
-    if (size <= mSpace.cap)
+    if (mLimit.allows(size))
         return true;
-    if (!mSpace.isFromDisk)
-        return fail("file too large");
-    return failOnDisk("disk full: " + sizeText(size - mFile.size()) + " needed, " + sizeText(mSpace.free) +
-                      " free, " + sizeText(mSpace.kept) + " kept free");
+    const std::string reason = mLimit.reason(size - mFile.size());
+    return mLimit.isFromDisk() ? failOnDisk(reason) : fail(reason);
 }
 
 bool FileBody::begin(std::int64_t status, const std::string& headerText)
@@ -130,7 +117,7 @@ bool FileBody::begin(std::int64_t status, const std::string& headerText)
     if (!(isRest ? beginRest(headers) : beginWhole(headers)))
         return false;
     mPacer.setTotal(std::max<std::int64_t>(mLength, 0));
-    measureSpace();
+    mLimit = mFile.limit(mLimits.fileBytes, mLimits.spare);
     return checkSize(mLength);
 }
 
@@ -165,21 +152,11 @@ bool FileBody::digestEarlier()
     return reason.empty() ? fail("Callback aborted") : failOnDisk(reason);
 }
 
-void FileBody::measureSpace()
-{
-    const host::DownloadFile::Space disk = mFile.space();
-    mSpace.free = disk.free;
-    mSpace.kept = std::min(mLimits.spareBytes, disk.whole / mLimits.spareShare) + mLimits.spareForOthers;
-    const std::int64_t size = std::max<std::int64_t>(mFile.size() + mSpace.free - mSpace.kept, 0);
-    mSpace.isFromDisk = disk.free >= 0 && size < mLimits.fileBytes;
-    mSpace.cap = mSpace.isFromDisk ? size : mLimits.fileBytes;
-}
-
 void FileBody::beginTurn(const HttpLimits& limits, Curl::ProgressFunction progress, void* context)
 {
     mLimits = limits;
     if (mFile.isOpen())
-        measureSpace();
+        mLimit = mFile.limit(mLimits.fileBytes, mLimits.spare);
     mPacer.attach(progress, context, HttpLimits::Clock::now());
 }
 

@@ -118,21 +118,11 @@ public:
     const Failure& failure() const { return mFailure; }
 
 private:
-    /// How large the whole file may become.
-    struct Space
-    {
-        std::int64_t cap = 0;
-        bool isFromDisk = false; ///< whether the free space, not `HttpLimits::fileBytes`, sets the limit
-        std::int64_t free = 0;
-        std::int64_t kept = 0; ///< free space that must remain
-    };
-
     bool fail(const std::string& reason);
     bool failOnDisk(const std::string& reason);
     bool beginWhole(const WebUtils::HeaderMap& headers);
     bool beginRest(const WebUtils::HeaderMap& headers);
     bool digestEarlier();
-    void measureSpace();
     bool checkSize(std::int64_t size);
 
     host::DownloadFile mFile;
@@ -145,6 +135,6 @@ private:
     bool mBringsFile = false;
     /// The announced length of the whole file; -1 if unknown.
     std::int64_t mLength = -1;
-    Space mSpace;
+    host::SizeLimit mLimit;
     Failure mFailure;
 };

@@ -5,6 +5,8 @@
 #include <cstdint>
 #include <functional>
 
+#include "OrvLibrary/host/impl/files/SizeLimit_p.h"
+
 /// The limits of the download service. Tests use their own, with times short enough to wait for.
 struct HttpLimits
 {
@@ -30,12 +32,8 @@ struct HttpLimits
     /// How much of an unwanted body is read, so that its connection can be used again.
     std::int64_t errorPageBytes = 64 * 1024;
     std::int64_t fileBytes = 16LL * 1024 * 1024 * 1024;
-    /// Free space that a download must leave on the disk: `spareBytes`, or one `spareShare`th of the disk if
-    /// that is less.
-    std::int64_t spareBytes = 256LL * 1024 * 1024;
-    std::int64_t spareShare = 20;
-    /// Further free space for the other bodies that are fetched ahead at the same time.
-    std::int64_t spareForOthers = 0;
+    /// Free space that a download must leave on the disk.
+    host::SpareSpace spare;
 
     std::int64_t progressStep = 4096;
     /// If no byte arrives for `progressSilence`, the progress function is called every `progressInterval`.
