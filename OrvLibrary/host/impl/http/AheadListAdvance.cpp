@@ -75,15 +75,15 @@ void AheadList::start(AheadEntry& entry, TimePoint now)
     // Reserve first. Without memory for `mRunning`, the entry would be marked as running although nothing
     // runs it, and its call would wait for ever.
     mRunning.reserve(mRunning.size() + 1);
-    TimePoint deadline = TimePoint::max();
     if (entry.asked.isDownload()) {
         entry.body = std::make_unique<FileBody>(AheadPolicy::limitsAhead(mLimits, entry.asked.size),
                                                 entry.asked.target);
     } else {
-        deadline = now + std::min<HttpLimits::Milliseconds>(mLimits.totalTimeout, AheadPolicy::kLongestWait);
+        entry.asked.request.deadline =
+            now + std::min<HttpLimits::Milliseconds>(mLimits.totalTimeout, AheadPolicy::kLongestWait);
     }
     HttpBody& body = entry.body ? *entry.body : mNoBody;
-    entry.transfer = std::make_unique<HttpTransfer>(mConnections, entry.asked.request, body, deadline);
+    entry.transfer = std::make_unique<HttpTransfer>(mConnections, entry.asked.request, body);
     entry.state = State::Running;
     entry.hadCompany = !mRunning.empty();
     for (AheadEntry* const other : mRunning)

@@ -1,12 +1,13 @@
-// How it works: each operation builds a request with the host's settings. An `HttpChain` sends it on the
+// How it works: each operation builds a request with the host's settings. `HttpChain` sends it on the
 // connections of the calling thread and follows redirects. The answer is remembered as the thread's last
 // answer. Announced requests are in a list of the thread (`AheadList`), and the chain asks this list for an
-// answer before it sends a header request. No exception leaves an operation: it becomes a failure with a
-// reason. CurlServiceDownloads.cpp holds the downloads.
+// answer before it sends a header request. No exception leaves an operation: `CurlThread::attempt` makes it a
+// failure with a reason. CurlServiceDownloads.cpp holds the downloads.
 #include "OrvLibrary/host/impl/http/CurlService_p.h"
 
 #include <algorithm>
 #include <exception>
+#include <utility>
 
 #include "OrvLibrary/host/impl/http/CurlThread_p.h"
 #include "OrvLibrary/host/impl/http/HttpChain_p.h"
@@ -15,22 +16,6 @@
 namespace {
 
 constexpr std::int64_t kFirstErrorStatus = 400;
-
-/// Runs a request. An exception becomes the reason why there is no answer.
-template <class Request>
-auto withoutExceptions(const Request& request) -> decltype(request())
-{
-    LastAnswer::clear();
-    try {
-        return request();
-    } catch (const std::exception& error) {
-        LastAnswer::noteReason(error.what());
-        return {};
-    } catch (...) {
-        LastAnswer::noteReason("Callback aborted");
-        return {};
-    }
-}
 
 } // namespace
 
@@ -80,25 +65,26 @@ bool CurlService::downloadable(const std::string& url)
 }
 
 /// Sends a request and follows redirects.
-HttpAnswer CurlService::ask(const HttpRequest& request, HttpBody& body, bool follow,
-                            HttpLimits::Milliseconds timeout)
+HttpAnswer CurlService::ask(HttpRequest request, HttpBody& body, HttpLimits::Milliseconds timeout)
 {
-    RequestConnections connections;
-    HttpChain chain(connections.get(), connections.headers(), *mMemory, mLimits,
-                    HttpLimits::Clock::now() + timeout);
-    HttpAnswer answer = chain.run(request, body, follow);
-    LastAnswer::note(answer, chain.finalUrl());
+    std::optional<CurlThread> fresh;
+    CurlThread& thread = CurlThread::forRequest(fresh);
+    request.deadline = HttpLimits::Clock::now() + timeout;
+    HttpAnswer answer = HttpChain::run(thread, *mMemory, std::move(request), body);
+    CurlThread::lastAnswer = {answer.status, answer.headerText, answer.errorText, answer.url};
     return answer;
 }
 
 bool CurlService::getURLHeader(const std::string& url, const std::vector<std::string>& headerLines,
                                std::string& headerText, std::int64_t& status)
 {
-    return withoutExceptions([&] {
+    FileBody::Failure failure;
+    return CurlThread::attempt(failure, [&] {
         HttpBody body(mLimits);
         HttpRequest header = request(url, headerLines);
         header.headerOnly = true;
-        HttpAnswer answer = ask(header, body, true, mLimits.totalTimeout);
+        HttpAnswer answer = ask(std::move(header), body, mLimits.totalTimeout);
+        failure = {answer.error, std::move(answer.errorText)};
         if (answer.status == 0)
             return false;
         headerText = std::move(answer.headerText);
@@ -110,36 +96,43 @@ bool CurlService::getURLHeader(const std::string& url, const std::vector<std::st
 bool CurlService::browseURL(const std::string& url, const std::vector<std::string>& headerLines,
                             std::string& body, bool followRedirects, int timeoutSeconds)
 {
-    return withoutExceptions([&] {
+    FileBody::Failure failure;
+    return CurlThread::attempt(failure, [&] {
         body.clear();
         PageBody page(mLimits, body);
         HttpLimits::Milliseconds timeout = mLimits.totalTimeout;
         if (timeoutSeconds > 0)
             timeout = std::min<HttpLimits::Milliseconds>(timeout, std::chrono::seconds(timeoutSeconds));
-        const HttpAnswer answer = ask(request(url, headerLines), page, followRedirects, timeout);
-        if (!page.reason().empty())
-            LastAnswer::noteReason(page.reason());
+        HttpRequest get = request(url, headerLines);
+        get.isFollowed = followRedirects;
+        const HttpAnswer answer = ask(std::move(get), page, timeout);
+        failure = {answer.error, page.reason().empty() ? answer.errorText : page.reason()};
         return answer.error == CURLE_OK && answer.status < kFirstErrorStatus;
     });
 }
 
 std::string CurlService::urlAfterRedirects(const std::string& url)
 {
-    return withoutExceptions([&] {
+    std::string end;
+    FileBody::Failure failure;
+    CurlThread::attempt(failure, [&] {
         HttpBody body(mLimits);
         HttpRequest walk = request(url, {});
         walk.wantsBody = false;
-        const HttpAnswer answer = ask(walk, body, true, mLimits.totalTimeout);
+        HttpAnswer answer = ask(std::move(walk), body, mLimits.totalTimeout);
+        failure = {answer.error, std::move(answer.errorText)};
         if (answer.status == 0)
-            return std::string();
-        LastAnswer::noteReason({}); // the header is enough; a body that failed is no failure here
-        return HttpAddress::withoutFragment(LastAnswer::get().url);
+            return false;
+        CurlThread::lastAnswer.reason.clear(); // the header is enough; a body that failed is no failure here
+        end = HttpAddress::withoutFragment(answer.url);
+        return true;
     });
+    return end;
 }
 
 Curl::Answer CurlService::lastAnswer()
 {
-    return LastAnswer::get();
+    return CurlThread::lastAnswer;
 }
 
 void CurlService::prefetchHeaders(const std::vector<HeaderRequest>& requests)

@@ -1,9 +1,9 @@
 // How it works: a download first asks the list of announced downloads, which may have the body already.
-// Otherwise a chain sends the request, for the whole file or for the rest of a partial file, and a `FileBody`
-// writes it. If the server's answer does not continue the partial file, the loop starts again with the whole
-// file. `conclude` renames a good file and explains a failure.
+// Otherwise `HttpChain` sends the request, for the whole file or for the rest of a partial file, and a
+// `FileBody` writes it. If the server's answer does not continue the partial file, the loop starts again with
+// the whole file. `conclude` renames a good file and explains a failure.
 #include <exception>
-#include <new>
+#include <optional>
 #include <utility>
 
 #include "OrvLibrary/host/FileUtils.h"
@@ -15,36 +15,13 @@
 
 namespace {
 
-/// The reason stays empty if there is no memory for its text.
-FileBody::Failure failureOf(const char* text, int error) noexcept
-{
-    FileBody::Failure failure;
-    failure.error = error;
-    try {
-        failure.reason = text;
-    } catch (const std::bad_alloc&) {
-    }
-    return failure;
-}
-
-/// Runs `download`. An exception becomes a failure with a reason and a number.
+/// Runs a download and reports its failure.
 template <class Download>
-bool withoutExceptions(std::string& reason, int& errorNumber, const Download& download)
+bool attempt(std::string& reason, int& errorNumber, const Download& download)
 {
-    LastAnswer::clear();
     FileBody::Failure failure;
-    try {
-        if (download(failure))
-            return true;
-    } catch (const std::bad_alloc& error) {
-        failure = failureOf(error.what(), CURLE_OUT_OF_MEMORY);
-    } catch (const std::exception& error) {
-        // An exception of the progress function counts as a cancel.
-        failure = failureOf(error.what(), Curl::kAbortedByCallback);
-    } catch (...) {
-        failure = failureOf("Callback aborted", Curl::kAbortedByCallback);
-    }
-    LastAnswer::noteReason(failure.reason);
+    if (CurlThread::attempt(failure, [&] { return download(failure); }))
+        return true;
     reason = std::move(failure.reason);
     errorNumber = failure.error;
     return false;
@@ -54,19 +31,19 @@ bool withoutExceptions(std::string& reason, int& errorNumber, const Download& do
 FileBody::Failure failureOf(const HttpAnswer& answer, const FileBody& body)
 {
     if (body.isAborted())
-        return {"Callback aborted", Curl::kAbortedByCallback};
+        return {Curl::kAbortedByCallback, "Callback aborted"};
     if (!body.failure().reason.empty())
         return body.failure();
     if (answer.status != 0 && !body.bringsFile())
-        return {"HTTP " + std::to_string(answer.status), CURLE_HTTP_RETURNED_ERROR};
-    return {answer.errorText, answer.error};
+        return {CURLE_HTTP_RETURNED_ERROR, "HTTP " + std::to_string(answer.status)};
+    return {answer.error, answer.errorText};
 }
 
 /// Gives the file its name if all went well. Otherwise sets `failure`.
-bool conclude(HttpConnections& connections, const HttpAnswer& answer, FileBody& body,
-              FileBody::Failure& failure)
+bool conclude(CurlThread& thread, const HttpAnswer& answer, FileBody& body, FileBody::Failure& failure)
 {
-    const HttpConnections::Work work(connections); // because `complete` may call the progress function
+    CurlThread::lastAnswer = {answer.status, answer.headerText, answer.errorText, answer.url};
+    const HttpConnections::Work work(thread.connections); // because `complete` may call the progress function
     if (answer.error == CURLE_OK && body.bringsFile() && body.complete())
         return true;
     failure = failureOf(answer, body);
@@ -95,23 +72,15 @@ HttpRequest requestForRest(HttpRequest request, FileBody& body, const std::strin
 } // namespace
 
 fileString CurlService::download(const std::string& url)
-try {
-    fileString target;
-    target.generateAsTempName(".download");
-    std::string reason;
-    if (!download_to_location(url, target, reason))
-        target = fileString();
-    return target;
-} catch (const std::bad_alloc&) {
-    return {};
-} catch (const std::exception& error) {
-    // The host could not name its temporary folder.
-    LastAnswer::clear();
-    LastAnswer::noteReason(error.what());
-    return {};
-} catch (...) {
-    LastAnswer::clear();
-    return {};
+{
+    ResumableDownload download;
+    FileBody::Failure failure;
+    const bool isHere = CurlThread::attempt(failure, [&] {
+        download.url = url;
+        download.target.generateAsTempName(".download");
+        return downloadOrThrow(download, nullptr, nullptr, failure);
+    });
+    return isHere ? std::move(download.target) : fileString();
 }
 
 bool CurlService::download_to_location(const std::string& url, const fileString& target, std::string& reason)
@@ -124,7 +93,7 @@ bool CurlService::download_to_location(const std::string& url, const fileString&
                                        const std::vector<std::string>& headerLines, void* context,
                                        ProgressFunction progress, std::string& reason, int& errorNumber)
 {
-    return withoutExceptions(reason, errorNumber, [&](FileBody::Failure& failure) {
+    return attempt(reason, errorNumber, [&](FileBody::Failure& failure) {
         ResumableDownload download;
         download.url = url;
         download.headerLines = headerLines;
@@ -136,7 +105,7 @@ bool CurlService::download_to_location(const std::string& url, const fileString&
 bool CurlService::downloadResumable(const ResumableDownload& request, void* context,
                                     ProgressFunction progress, std::string& reason, int& errorNumber)
 {
-    return withoutExceptions(reason, errorNumber, [&](FileBody::Failure& failure) {
+    return attempt(reason, errorNumber, [&](FileBody::Failure& failure) {
         return downloadOrThrow(request, context, progress, failure);
     });
 }
@@ -146,30 +115,27 @@ bool CurlService::downloadOrThrow(const ResumableDownload& download, void* conte
                                   FileBody::Failure& failure)
 {
     if (::CancelQuestion::isCancelled()) {
-        failure = {"Callback aborted", kAbortedByCallback};
+        failure = {kAbortedByCallback, "Callback aborted"};
         return false;
     }
-    RequestConnections connections;
+    std::optional<CurlThread> fresh;
+    CurlThread& thread = CurlThread::forRequest(fresh);
     const HttpRequest asked = request(download.url, download.headerLines);
-    AheadList* const list = hasBytes(download) ? nullptr : connections.downloads();
+    AheadList* const list = hasBytes(download) ? nullptr : thread.downloads.get();
     HttpAnswer answer;
     if (const auto ahead =
             list ? list->takeDownload(asked, download.target, progress, context, answer) : nullptr) {
         mMemory->note(HttpAddress::hostAndPort(download.url), answer);
-        LastAnswer::note(answer, download.url);
-        return conclude(connections.get(), answer, *ahead, failure);
+        answer.url = download.url;
+        return conclude(thread, answer, *ahead, failure);
     }
     bool mustStartAnew = false;
     do {
         FileBody body(mLimits, download.target, download.partial, progress, context);
-        HttpChain chain(connections.get(), connections.headers(), *mMemory, mLimits,
-                        HttpLimits::Clock::time_point::max());
-        const HttpRequest rest =
-            requestForRest(asked, body, mustStartAnew ? std::string() : download.validator);
+        HttpRequest rest = requestForRest(asked, body, mustStartAnew ? std::string() : download.validator);
         if (body.failure().reason.empty())
-            answer = chain.run(rest, body, true);
-        LastAnswer::note(answer, chain.finalUrl());
-        if (conclude(connections.get(), answer, body, failure))
+            answer = HttpChain::run(thread, *mMemory, std::move(rest), body);
+        if (conclude(thread, answer, body, failure))
             return true;
         mustStartAnew = body.mustStartAnew() && !body.isAborted();
     } while (mustStartAnew);

@@ -46,7 +46,7 @@ private:
     static constexpr int kConnections = 16;
 
     HttpRequest request(const std::string& url, const std::vector<std::string>& headerLines);
-    HttpAnswer ask(const HttpRequest& request, HttpBody& body, bool follow, HttpLimits::Milliseconds timeout);
+    HttpAnswer ask(HttpRequest request, HttpBody& body, HttpLimits::Milliseconds timeout);
     bool downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
                          FileBody::Failure& failure);
     int connectionLimit();

@@ -1,8 +1,9 @@
 #pragma once
 
+#include <exception>
 #include <memory>
+#include <new>
 #include <optional>
-#include <string>
 
 #include "OrvLibrary/host/Curl.h"
 #include "OrvLibrary/host/impl/http/AheadList_p.h"
@@ -12,7 +13,23 @@
 struct CurlThread
 {
     /// The object of the calling thread.
-    static CurlThread& get();
+    static CurlThread& get()
+    {
+        static thread_local CurlThread thread;
+        return thread;
+    }
+    /// The object for one request: usually the thread's. If a progress function makes a request, the thread's
+    /// connections are in use, and the request gets a fresh object, which is put into `fresh`.
+    static CurlThread& forRequest(std::optional<CurlThread>& fresh)
+    {
+        CurlThread& thread = get();
+        return thread.connections.busy() ? fresh.emplace() : thread;
+    }
+    template <class Request>
+    static bool attempt(FileBody::Failure& failure, const Request& request);
+
+    /// The answer to the calling thread's last request.
+    inline static thread_local Curl::Answer lastAnswer;
 
     HttpConnections connections;
     /// Lists of announced requests; null if there are none.
@@ -20,32 +37,29 @@ struct CurlThread
     std::unique_ptr<AheadList> downloads;
 };
 
-/// The connections for one request. Usually these are the thread's. If a progress function makes a request,
-/// the thread's connections are in use, and the request gets fresh ones.
-class RequestConnections
-{
-public:
-    RequestConnections()
-    {
-        if (CurlThread::get().connections.busy())
-            mOwn.emplace();
+/// Runs a request of the calling thread.
+/// @param request returns whether it succeeded. If not, it sets `failure`. An exception is a failure, too.
+/// @param failure its reason becomes that of the last answer; empty if there is no memory for the text
+template <class Request>
+bool CurlThread::attempt(FileBody::Failure& failure, const Request& request)
+try {
+    lastAnswer = {};
+    try {
+        if (request())
+            return true;
+    } catch (const std::bad_alloc& error) {
+        failure.error = CURLE_OUT_OF_MEMORY;
+        failure.reason = error.what();
+    } catch (const std::exception& error) {
+        // An exception of the progress function counts as a cancel.
+        failure.error = Curl::kAbortedByCallback;
+        failure.reason = error.what();
+    } catch (...) {
+        failure.error = Curl::kAbortedByCallback;
+        failure.reason = "Callback aborted";
     }
-
-    HttpConnections& get() { return mOwn ? *mOwn : CurlThread::get().connections; }
-    AheadList* headers() { return mOwn ? nullptr : CurlThread::get().headers.get(); }
-    AheadList* downloads() { return mOwn ? nullptr : CurlThread::get().downloads.get(); }
-
-private:
-    std::optional<HttpConnections> mOwn;
-};
-
-/// The answer to the calling thread's last request.
-namespace LastAnswer {
-
-void clear();
-void note(const HttpAnswer& answer, const std::string& url);
-/// Changes nothing if there is no memory for the text.
-void noteReason(const std::string& reason) noexcept;
-const Curl::Answer& get();
-
-} // namespace LastAnswer
+    lastAnswer.reason = failure.reason;
+    return false;
+} catch (const std::bad_alloc&) {
+    return false;
+}

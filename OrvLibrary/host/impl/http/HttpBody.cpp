@@ -83,13 +83,13 @@ std::int64_t FileBody::resume(const std::string& validator)
 
 bool FileBody::fail(const std::string& reason)
 {
-    mFailure = {reason, CURLE_WEIRD_SERVER_REPLY};
+    mFailure = {CURLE_WEIRD_SERVER_REPLY, reason};
     return false;
 }
 
 bool FileBody::failOnDisk(const std::string& reason)
 {
-    mFailure = {reason, CURLE_WRITE_ERROR};
+    mFailure = {CURLE_WRITE_ERROR, reason};
     return false;
 }
 

@@ -76,8 +76,8 @@ public:
     /// Why a file did not arrive. Without a failure the reason is empty.
     struct Failure
     {
-        std::string reason;
         int error = 0; ///< a number of the transfer library
+        std::string reason;
     };
 
     /// @param partial the partial file, which stays after a failure; if empty, nothing stays

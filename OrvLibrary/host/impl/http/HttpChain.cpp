@@ -16,7 +16,7 @@ namespace {
 
 /// The address that an answer redirects to; empty if none. Only the header counts. Even if the body failed,
 /// the redirect is followed.
-std::string redirectTarget(const std::string& url, const HttpAnswer& answer)
+std::string redirectTarget(const HttpAnswer& answer)
 {
     if (answer.error == CURLE_ABORTED_BY_CALLBACK || !isRedirectStatus(answer.status))
         return {};
@@ -25,7 +25,7 @@ std::string redirectTarget(const std::string& url, const HttpAnswer& answer)
     const auto location = headers.find("Location");
     if (location == headers.end() || location->second.front().empty())
         return {};
-    return HttpAddress::withoutFragment(HttpAddress::resolve(url, location->second.front()));
+    return HttpAddress::withoutFragment(HttpAddress::resolve(answer.url, location->second.front()));
 }
 
 /// Header lines that only the first server may see.
@@ -40,60 +40,54 @@ void removeSecrets(std::vector<std::string>& lines)
     lines.erase(std::remove_if(lines.begin(), lines.end(), isSecret), lines.end());
 }
 
-} // namespace
-
-HttpChain::HttpChain(HttpConnections& connections, AheadList* ahead, AddressMemory& memory,
-                     const HttpLimits& limits, HttpLimits::Clock::time_point deadline)
-    : mConnections(connections), mAhead(ahead), mMemory(memory), mLimits(limits), mDeadline(deadline)
-{
-}
-
-HttpAnswer HttpChain::run(HttpRequest request, HttpBody& body, bool follow)
-{
-    if (!HttpAddress::isWebAddress(request.url))
-        return HttpAnswer::failure(CURLE_UNSUPPORTED_PROTOCOL, "not a web address");
-    request.isFollowed = follow;
-    std::set<std::string> visited;
-    for (int redirects = 0;; ++redirects) {
-        mUrl = request.url;
-        visited.insert(mUrl);
-        HttpAnswer answer = send(request, body);
-        const std::string target = follow ? redirectTarget(mUrl, answer) : std::string();
-        if (target.empty())
-            return answer;
-        if (redirects == mLimits.redirects)
-            return HttpAnswer::failure(CURLE_TOO_MANY_REDIRECTS, "too many redirects");
-        if (!HttpAddress::mayLead(mUrl, target))
-            return HttpAnswer::failure(CURLE_UNSUPPORTED_PROTOCOL,
-                                       "redirect to a forbidden address: " + target);
-        if (visited.count(target) != 0)
-            return HttpAnswer::failure(CURLE_TOO_MANY_REDIRECTS, "redirects in a circle");
-        if (HttpAddress::hostAndPort(target) != HttpAddress::hostAndPort(mUrl))
-            removeSecrets(request.headerLines);
-        request.url = target;
-    }
-}
-
-HttpAnswer HttpChain::send(const HttpRequest& request, HttpBody& body)
+/// Sends one request, unless its answer is there already.
+HttpAnswer send(CurlThread& thread, AddressMemory& memory, const HttpRequest& request, HttpBody& body)
 {
     if (CancelQuestion::isCancelled())
         return HttpAnswer::cancelled();
     const std::string address = HttpAddress::hostAndPort(request.url);
-    if (!mMemory.isOpen(address)) {
-        return HttpAnswer::failure(CURLE_COULDNT_CONNECT, "no answer from " + address + " a moment ago: " +
-                                                              mMemory.lastReason(address));
+    if (!memory.isOpen(address)) {
+        return HttpAnswer::failure(CURLE_COULDNT_CONNECT, "no answer from " + address +
+                                                              " a moment ago: " + memory.lastReason(address));
     }
     HttpAnswer answer;
-    const bool isAhead = request.headerOnly && mAhead && mAhead->takeAnswer(request, answer);
+    const bool isAhead = request.headerOnly && thread.headers && thread.headers->takeAnswer(request, answer);
     if (!isAhead) {
         if (CancelQuestion::isCancelled())
             return HttpAnswer::cancelled();
-        answer = mConnections.perform(request, body, mDeadline);
+        answer = thread.connections.perform(request, body);
     }
     if (answer.isRefusedInCompany()) {
-        mConnections.stopAhead();
-        answer = mConnections.perform(request, body, mDeadline);
+        thread.connections.stopAhead();
+        answer = thread.connections.perform(request, body);
     }
-    mMemory.note(address, answer);
+    memory.note(address, answer);
     return answer;
+}
+
+} // namespace
+
+HttpAnswer HttpChain::run(CurlThread& thread, AddressMemory& memory, HttpRequest request, HttpBody& body)
+{
+    if (!HttpAddress::isWebAddress(request.url))
+        return HttpAnswer::failure(CURLE_UNSUPPORTED_PROTOCOL, "not a web address");
+    std::set<std::string> visited;
+    for (int redirects = 0;; ++redirects) {
+        visited.insert(request.url);
+        HttpAnswer answer = send(thread, memory, request, body);
+        answer.url = request.url;
+        const std::string target = request.isFollowed ? redirectTarget(answer) : std::string();
+        if (target.empty())
+            return answer;
+        if (redirects == body.limits().redirects)
+            return HttpAnswer::failure(CURLE_TOO_MANY_REDIRECTS, "too many redirects", answer.url);
+        if (!HttpAddress::mayLead(answer.url, target))
+            return HttpAnswer::failure(CURLE_UNSUPPORTED_PROTOCOL,
+                                       "redirect to a forbidden address: " + target, answer.url);
+        if (visited.count(target) != 0)
+            return HttpAnswer::failure(CURLE_TOO_MANY_REDIRECTS, "redirects in a circle", answer.url);
+        if (HttpAddress::hostAndPort(target) != HttpAddress::hostAndPort(answer.url))
+            removeSecrets(request.headerLines);
+        request.url = target;
+    }
 }

@@ -64,13 +64,13 @@ void HttpConnections::takeBack(CURL* handle) noexcept
         curl_easy_cleanup(handle);
 }
 
-HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body, TimePoint deadline)
+HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body)
 {
     const Work busy(*this, true);
     for (AheadWork* const work : mAhead)
         work->makeWay();
     const bool hadCompany = aheadCount() > 0;
-    HttpTransfer transfer(*this, request, body, deadline);
+    HttpTransfer transfer(*this, request, body);
     start(transfer);
     while (!transfer.finished()) {
         if (!step())

@@ -12,8 +12,6 @@
 class HttpConnections
 {
 public:
-    using TimePoint = HttpLimits::Clock::time_point;
-
     HttpConnections();
     ~HttpConnections();
     HttpConnections(const HttpConnections&) = delete;
@@ -41,7 +39,7 @@ public:
 
     /// Sends a request and waits until the answer is complete.
     /// @throws whatever the body throws
-    HttpAnswer perform(const HttpRequest& request, HttpBody& body, TimePoint deadline);
+    HttpAnswer perform(const HttpRequest& request, HttpBody& body);
 
     /// Adds work that moves on while `perform` waits. The caller keeps ownership.
     /// @param connectionLimit from now on, at most this many connections to each address are open

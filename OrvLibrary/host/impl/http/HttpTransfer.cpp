@@ -63,11 +63,12 @@ const char* pathFromEnvironment(const char* variable)
 
 } // namespace
 
-HttpAnswer HttpAnswer::failure(CURLcode error, const std::string& text)
+HttpAnswer HttpAnswer::failure(CURLcode error, const std::string& text, const std::string& url)
 {
     HttpAnswer answer;
     answer.error = error;
     answer.errorText = text;
+    answer.url = url;
     return answer;
 }
 
@@ -76,9 +77,8 @@ void HttpTransfer::HandleEnd::operator()(CURL* handle) const
     lender->takeBack(handle);
 }
 
-HttpTransfer::HttpTransfer(HttpConnections& connections, const HttpRequest& request, HttpBody& body,
-                           TimePoint deadline)
-    : mRequest(request), mBody(body), mDeadline(deadline), mHandle(connections.lend(), {&connections})
+HttpTransfer::HttpTransfer(HttpConnections& connections, const HttpRequest& request, HttpBody& body)
+    : mRequest(request), mBody(body), mDeadline(request.deadline), mHandle(connections.lend(), {&connections})
 {
     setOptions();
     setCertificates();

@@ -23,12 +23,14 @@ struct HttpRequest
     std::string url;
     std::vector<std::string> headerLines;
     bool headerOnly = false;
-    /// Whether a redirect will be followed.
-    bool isFollowed = false;
+    /// Whether a redirect is followed.
+    bool isFollowed = true;
     /// Whether the caller needs the body. If not, and for each redirect that will be followed, the transfer
     /// ends `HttpLimits::progressSilence` after the header. If the body arrives within this time, its
     /// connection can be used again.
     bool wantsBody = true;
+    /// After this time the request fails.
+    HttpLimits::Clock::time_point deadline = HttpLimits::Clock::time_point::max();
     /// The proxy's address. If empty, the environment decides.
     std::string proxy;
     /// File or folder of trusted certificates. If empty, the environment decides.
@@ -47,7 +49,7 @@ constexpr std::int64_t kServiceUnavailable = 503;
 /// The outcome of a request.
 struct HttpAnswer
 {
-    static HttpAnswer failure(CURLcode error, const std::string& text);
+    static HttpAnswer failure(CURLcode error, const std::string& text, const std::string& url = {});
     /// The answer for a request that the caller has cancelled.
     static HttpAnswer cancelled() { return failure(CURLE_ABORTED_BY_CALLBACK, "Callback aborted"); }
 
@@ -58,6 +60,8 @@ struct HttpAnswer
     /// The status and header of the final answer; 0 if no complete header arrived.
     std::int64_t status = 0;
     std::string headerText;
+    /// The address that was asked, after redirects; empty if none was.
+    std::string url;
     /// Whether the server sent anything in HTTP.
     bool answered = false;
     /// How long the server took: from sending the request to the first byte, or the time to connect if that
@@ -86,9 +90,7 @@ public:
     using TimePoint = HttpLimits::Clock::time_point;
 
     /// @param connections lends the handle; must outlive the transfer, like `request` and `body`
-    /// @param deadline after this time the transfer fails; `TimePoint::max()` for no limit
-    HttpTransfer(HttpConnections& connections, const HttpRequest& request, HttpBody& body,
-                 TimePoint deadline);
+    HttpTransfer(HttpConnections& connections, const HttpRequest& request, HttpBody& body);
     ~HttpTransfer();
     HttpTransfer(const HttpTransfer&) = delete;
     HttpTransfer& operator=(const HttpTransfer&) = delete;
