@@ -202,6 +202,22 @@ TEST_F(CatalogHistoryTest, aCatalogTakesAlongTheArchiveThatItsSuccessorReplaces)
     EXPECT_THAT(files(kGarden), SizeIs(2)) << "also where there is too much in all";
 }
 
+TEST_F(CatalogHistoryTest, archivesCountAndGoWithTheirVersionsWhereThereIsTooMuchInAll)
+{
+    std::string reason;
+    for (const std::string number : {"1", "2"}) {
+        const fileString catalog = folder.write("new.orvlib", "catalog " + number);
+        const fileString archive = folder.write("new.zip", "files " + number);
+        ASSERT_TRUE(history.add(kGarden, number, catalog, archive, reason)) << reason;
+    }
+    constexpr std::int64_t kBoth = 2 * (sizeof "catalog 1" - 1 + sizeof "files 1" - 1);
+    CatalogHistory({3, kBoth}).settle();
+    EXPECT_THAT(files(kGarden), SizeIs(4));
+    CatalogHistory({3, kBoth - 1}).settle();
+    EXPECT_THAT(versions(kGarden), ElementsAre("2"));
+    EXPECT_THAT(files(kGarden), SizeIs(2));
+}
+
 TEST_F(CatalogHistoryTest, aCatalogIsNotKeptWithAnArchiveThatMayBeAnotherVersions)
 {
     folder.write("root/bonus/Garden.orvlib", "catalog 1");
