@@ -70,12 +70,12 @@ void AheadList::begin()
     mConnections.step();
 }
 
-AheadEntry* AheadList::claim(const std::string& key)
+AheadList::Entry* AheadList::claim(const std::string& key)
 {
     const auto found = mByKey.find(key);
     if (found == mByKey.end())
         return nullptr;
-    AheadEntry& entry = mEntries[found->second];
+    Entry& entry = mEntries[found->second];
     mByKey.erase(found);
     // Even if the answer has arrived: without this step the other requests would not move on.
     mConnections.step();
@@ -84,7 +84,7 @@ AheadEntry* AheadList::claim(const std::string& key)
 
 bool AheadList::takeAnswer(const HttpRequest& request, HttpAnswer& answer)
 {
-    AheadEntry* const entry = claim(keyOf(request));
+    Entry* const entry = claim(keyOf(request));
     if (!entry)
         return false;
     const AtEnd leave{[&] { discard(*entry); }};
@@ -99,7 +99,7 @@ std::unique_ptr<FileBody> AheadList::takeDownload(const HttpRequest& request, co
                                                   Curl::ProgressFunction progress, void* context,
                                                   HttpAnswer& answer)
 {
-    AheadEntry* const entry = claim(target.toNativeString());
+    Entry* const entry = claim(target.toNativeString());
     if (!entry)
         return nullptr;
     const AtEnd leave{[&] { discard(*entry); }};
@@ -129,7 +129,7 @@ std::unique_ptr<FileBody> AheadList::takeDownload(const HttpRequest& request, co
 
 /// Returns while the entry is still running in two cases: the caller cancelled, or the server has left our
 /// connection in its queue.
-void AheadList::waitForEnd(AheadEntry& entry)
+void AheadList::waitForEnd(Entry& entry)
 {
     const TimePoint turn = HttpLimits::Clock::now();
     while (entry.state == State::Running) {
@@ -154,10 +154,10 @@ void AheadList::waitForEnd(AheadEntry& entry)
 
 /// Whether nothing has arrived for so long that the server has probably left the entry's connection in its
 /// queue.
-bool AheadList::isStalled(const AheadEntry& entry, TimePoint turn) const
+bool AheadList::isStalled(const Entry& entry, TimePoint turn) const
 {
     TimePoint since = std::max(turn, mCourse.lastEnd);
-    for (const AheadEntry* const running : mRunning)
+    for (const Entry* const running : mRunning)
         since = std::max(since, running->transfer->lastArrival());
     const auto stall = AheadPolicy::stallTime(situationOf(entry).latency) * mLimits.aheadPatience;
     return HttpLimits::Clock::now() - since >= stall && mayBeUntaken(entry);
@@ -165,7 +165,7 @@ bool AheadList::isStalled(const AheadEntry& entry, TimePoint turn) const
 
 /// Whether the entry's connection may still be in the server's queue. If the connection was used before, or
 /// if it is shared with other requests, the server has taken it and is only slow.
-bool AheadList::mayBeUntaken(const AheadEntry& entry) const
+bool AheadList::mayBeUntaken(const Entry& entry) const
 {
     const HttpTransfer& transfer = *entry.transfer;
     return !transfer.isAnswered() &&
@@ -177,14 +177,14 @@ bool AheadList::mayBeUntaken(const AheadEntry& entry) const
 /// the queue.
 void AheadList::giveUpUntaken()
 {
-    const std::vector<AheadEntry*> running = mRunning;
-    for (AheadEntry* const entry : running) {
+    const std::vector<Entry*> running = mRunning;
+    for (Entry* const entry : running) {
         if (entry != mTurn && mayBeUntaken(*entry))
             discard(*entry);
     }
 }
 
-void AheadList::discard(AheadEntry& entry)
+void AheadList::discard(Entry& entry)
 {
     if (entry.state == State::Running)
         end(entry);

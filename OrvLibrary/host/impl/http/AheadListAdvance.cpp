@@ -14,8 +14,8 @@ void AheadList::advance()
     // No memory for a request that is sent ahead must not fail the transfer that a call waits for.
     try {
         const TimePoint now = HttpLimits::Clock::now();
-        const std::vector<AheadEntry*> running = mRunning;
-        for (AheadEntry* const entry : running) {
+        const std::vector<Entry*> running = mRunning;
+        for (Entry* const entry : running) {
             if (entry->transfer->finished() || !entry->transfer->watch(now))
                 finish(*entry);
         }
@@ -28,7 +28,7 @@ void AheadList::advance()
 void AheadList::startWaiting(TimePoint now)
 {
     for (; mCourse.next < mEntries.size() && !mCourse.isStopped; ++mCourse.next) {
-        AheadEntry& entry = mEntries[mCourse.next];
+        Entry& entry = mEntries[mCourse.next];
         if (entry.state != State::Waiting)
             continue;
         if (!mayStart(entry))
@@ -38,14 +38,14 @@ void AheadList::startWaiting(TimePoint now)
 }
 
 /// Whether the entry may be sent now.
-bool AheadList::mayStart(const AheadEntry& entry) const
+bool AheadList::mayStart(const Entry& entry) const
 {
     if (entry.asked.isDownload() && !AheadPolicy::allowsBody(load(), entry.asked.size))
         return false;
     return mConnections.aheadCount() < AheadPolicy::width(situationOf(entry));
 }
 
-AheadPolicy::Situation AheadList::situationOf(const AheadEntry& entry) const
+AheadPolicy::Situation AheadList::situationOf(const Entry& entry) const
 {
     const std::string address = HttpAddress::hostAndPort(entry.asked.request.url);
     AheadPolicy::Situation situation;
@@ -60,7 +60,7 @@ AheadPolicy::Situation AheadList::situationOf(const AheadEntry& entry) const
 AheadPolicy::Load AheadList::load() const
 {
     AheadPolicy::Load load;
-    for (const AheadEntry& entry : mEntries) {
+    for (const Entry& entry : mEntries) {
         if (!entry.body)
             continue;
         ++load.bodies;
@@ -70,7 +70,7 @@ AheadPolicy::Load AheadList::load() const
     return load;
 }
 
-void AheadList::start(AheadEntry& entry, TimePoint now)
+void AheadList::start(Entry& entry, TimePoint now)
 {
     // Reserve first. Without memory for `mRunning`, the entry would be marked as running although nothing
     // runs it, and its call would wait for ever.
@@ -86,14 +86,14 @@ void AheadList::start(AheadEntry& entry, TimePoint now)
     entry.transfer = std::make_unique<HttpTransfer>(mConnections, entry.asked.request, body);
     entry.state = State::Running;
     entry.hadCompany = !mRunning.empty();
-    for (AheadEntry* const other : mRunning)
+    for (Entry* const other : mRunning)
         other->hadCompany = true;
     mRunning.push_back(&entry);
     mConnections.start(*entry.transfer);
 }
 
 /// Called when the transfer has ended. Keeps the answer only if the call would have got the same one.
-void AheadList::finish(AheadEntry& entry)
+void AheadList::finish(Entry& entry)
 {
     const bool isKept = isOfUse(entry);
     end(entry);
@@ -106,7 +106,7 @@ void AheadList::finish(AheadEntry& entry)
         stop();
 }
 
-bool AheadList::isOfUse(AheadEntry& entry)
+bool AheadList::isOfUse(Entry& entry)
 {
     HttpAnswer& answer = entry.answer;
     try {
@@ -135,7 +135,7 @@ bool AheadList::isOfUse(AheadEntry& entry)
 }
 
 /// Removes the transfer. A body that has arrived stays.
-void AheadList::end(AheadEntry& entry)
+void AheadList::end(Entry& entry)
 {
     entry.transfer.reset();
     entry.state = State::Gone;

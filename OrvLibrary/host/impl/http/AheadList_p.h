@@ -1,16 +1,28 @@
 #pragma once
 
 #include <cstddef>
+#include <exception>
 #include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "OrvLibrary/host/impl/http/AddressMemory_p.h"
-#include "OrvLibrary/host/impl/http/AheadEntry_p.h"
 #include "OrvLibrary/host/impl/http/AheadPolicy_p.h"
-#include "OrvLibrary/host/impl/http/AheadWork_p.h"
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
+
+/// A request that the caller has announced: the call for it will come later.
+struct AheadRequest
+{
+    HttpRequest request;
+    /// Where a download goes. Empty for a header request.
+    fileString target;
+    /// The announced size of the body in bytes; 0 for a header request. A body that proves to be longer is
+    /// not fetched ahead.
+    std::int64_t size = 0;
+
+    bool isDownload() const { return !target.empty(); }
+};
 
 /// A list of announced requests (header requests or downloads). They are sent before the calls that need
 /// their answers, in the order in which those calls will come. Whenever the thread waits for any transfer,
@@ -51,7 +63,31 @@ public:
     std::size_t running() const override { return mRunning.size(); }
 
 private:
-    using State = AheadEntry::State;
+    /// An announced request and how far it is.
+    struct Entry
+    {
+        enum class State
+        {
+            Waiting,
+            Running,
+            Arrived,
+            Gone ///< it failed, was given up or handed out; a call that comes later makes the request itself
+        };
+
+        AheadRequest asked;
+        State state = State::Waiting;
+        /// The body of a download; null for a header request. Its private file beside the target is removed
+        /// with it, unless the call for the download has given it the target's name.
+        std::unique_ptr<FileBody> body;
+        /// Set while the request is under way.
+        std::unique_ptr<HttpTransfer> transfer;
+        HttpAnswer answer;
+        /// An exception of the progress function, kept until the call can throw it.
+        std::exception_ptr exception;
+        /// Whether other requests ran at the same time.
+        bool hadCompany = false;
+    };
+    using State = Entry::State;
     /// How far the list has got.
     struct Course
     {
@@ -63,23 +99,23 @@ private:
     };
 
     // These answer the calls: AheadList.cpp.
-    AheadEntry* claim(const std::string& key);
-    void waitForEnd(AheadEntry& entry);
-    bool isStalled(const AheadEntry& entry, TimePoint turn) const;
-    bool mayBeUntaken(const AheadEntry& entry) const;
+    Entry* claim(const std::string& key);
+    void waitForEnd(Entry& entry);
+    bool isStalled(const Entry& entry, TimePoint turn) const;
+    bool mayBeUntaken(const Entry& entry) const;
     void giveUpUntaken();
-    void discard(AheadEntry& entry);
+    void discard(Entry& entry);
     bool isInTheWay() const;
 
     // These send requests ahead: AheadListAdvance.cpp.
     void startWaiting(TimePoint now);
-    bool mayStart(const AheadEntry& entry) const;
-    AheadPolicy::Situation situationOf(const AheadEntry& entry) const;
+    bool mayStart(const Entry& entry) const;
+    AheadPolicy::Situation situationOf(const Entry& entry) const;
     AheadPolicy::Load load() const;
-    void start(AheadEntry& entry, TimePoint now);
-    void finish(AheadEntry& entry);
-    bool isOfUse(AheadEntry& entry);
-    void end(AheadEntry& entry);
+    void start(Entry& entry, TimePoint now);
+    void finish(Entry& entry);
+    bool isOfUse(Entry& entry);
+    void end(Entry& entry);
 
     HttpConnections& mConnections;
     const std::shared_ptr<AddressMemory> mMemory;
@@ -88,12 +124,12 @@ private:
     /// The body object of all header requests. Their answers have no body, but every transfer needs an
     /// object.
     HttpBody mNoBody;
-    std::vector<AheadEntry> mEntries;
+    std::vector<Entry> mEntries;
     /// Maps the key of a request to its index in `mEntries`. An entry leaves the map when its call comes. The
     /// key is the address with its header lines, or the target of a download.
     std::multimap<std::string, std::size_t> mByKey;
-    std::vector<AheadEntry*> mRunning;
+    std::vector<Entry*> mRunning;
     /// The download that a call is waiting for; otherwise null.
-    const AheadEntry* mTurn = nullptr;
+    const Entry* mTurn = nullptr;
     Course mCourse;
 };

@@ -1,4 +1,4 @@
-#include "OrvLibrary/host/impl/http/AheadEntry_p.h"
+#include "OrvLibrary/host/impl/http/AheadList_p.h"
 
 #include <memory>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-class AheadEntryTest : public testing::Test
+class AheadListTest : public testing::Test
 {
 protected:
     /// A body that is fetched ahead and was announced with this size.
@@ -22,7 +22,7 @@ protected:
     HttpLimits mLimits;
 };
 
-TEST_F(AheadEntryTest, takesNoMoreThanWasAnnouncedUntilItsTurn)
+TEST_F(AheadListTest, takesNoMoreThanWasAnnouncedUntilItsTurn)
 {
     const auto body = bodyOf(10);
     ASSERT_TRUE(body->begin(200, ""));
@@ -33,7 +33,7 @@ TEST_F(AheadEntryTest, takesNoMoreThanWasAnnouncedUntilItsTurn)
     EXPECT_TRUE(body->receive("a", 1));
 }
 
-TEST_F(AheadEntryTest, takesNoMoreThanAnyFileMayHave)
+TEST_F(AheadListTest, takesNoMoreThanAnyFileMayHave)
 {
     mLimits.fileBytes = 5;
     const auto body = bodyOf(10);
@@ -42,7 +42,7 @@ TEST_F(AheadEntryTest, takesNoMoreThanAnyFileMayHave)
     EXPECT_FALSE(body->receive("a", 1));
 }
 
-TEST_F(AheadEntryTest, leavesRoomOnTheDiskForAllOthersThatAreAhead)
+TEST_F(AheadListTest, leavesRoomOnTheDiskForAllOthersThatAreAhead)
 {
     constexpr std::int64_t kMoreThanAnyDisk = std::int64_t{1} << 60;
     mLimits.fileBytes = kMoreThanAnyDisk;
