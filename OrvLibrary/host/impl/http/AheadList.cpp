@@ -20,16 +20,6 @@ std::string keyOf(const HttpRequest& request)
     return key;
 }
 
-/// Runs an action at the end of a block, even if an exception ends the block.
-template <class Action>
-struct AtEnd
-{
-    ~AtEnd() { action(); }
-    Action action;
-};
-template <class Action>
-AtEnd(Action) -> AtEnd<Action>;
-
 } // namespace
 
 AheadList::AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory> memory,
@@ -70,24 +60,29 @@ void AheadList::begin()
     mConnections.step();
 }
 
-AheadList::Entry* AheadList::claim(const std::string& key)
+void AheadList::ClaimEnd::operator()(Entry* entry) const
+{
+    list->mTurn = nullptr;
+    list->discard(*entry);
+}
+
+AheadList::Claim AheadList::claim(const std::string& key)
 {
     const auto found = mByKey.find(key);
     if (found == mByKey.end())
-        return nullptr;
-    Entry& entry = mEntries[found->second];
+        return Claim(nullptr, {this});
+    Claim entry(&mEntries[found->second], {this});
     mByKey.erase(found);
     // Even if the answer has arrived: without this step the other requests would not move on.
     mConnections.step();
-    return &entry;
+    return entry;
 }
 
 bool AheadList::takeAnswer(const HttpRequest& request, HttpAnswer& answer)
 {
-    Entry* const entry = claim(keyOf(request));
+    const Claim entry = claim(keyOf(request));
     if (!entry)
         return false;
-    const AtEnd leave{[&] { discard(*entry); }};
     waitForEnd(*entry);
     if (entry->state != State::Arrived)
         return false;
@@ -99,15 +94,13 @@ std::unique_ptr<FileBody> AheadList::takeDownload(const HttpRequest& request, co
                                                   Curl::ProgressFunction progress, void* context,
                                                   HttpAnswer& answer)
 {
-    Entry* const entry = claim(target.toNativeString());
+    const Claim entry = claim(target.toNativeString());
     if (!entry)
         return nullptr;
-    const AtEnd leave{[&] { discard(*entry); }};
     const bool isRequest = keyOf(entry->asked.request) == keyOf(request);
     if (!isRequest || (entry->state != State::Running && entry->state != State::Arrived))
         return nullptr;
-    mTurn = entry;
-    const AtEnd endOfTurn{[&] { mTurn = nullptr; }};
+    mTurn = entry.get();
     const HttpConnections::Work work(mConnections);
     entry->body->beginTurn(mLimits, progress, context);
     const FileBody& file = *entry->body;

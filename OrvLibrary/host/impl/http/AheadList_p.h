@@ -99,7 +99,14 @@ private:
     };
 
     // These answer the calls: AheadList.cpp.
-    Entry* claim(const std::string& key);
+    /// Ends the use of an entry that a call has asked for.
+    struct ClaimEnd
+    {
+        void operator()(Entry* entry) const;
+        AheadList* list;
+    };
+    using Claim = std::unique_ptr<Entry, ClaimEnd>;
+    Claim claim(const std::string& key);
     void waitForEnd(Entry& entry);
     bool isStalled(const Entry& entry, TimePoint turn) const;
     bool mayBeUntaken(const Entry& entry) const;

@@ -137,35 +137,33 @@ Curl::Answer CurlService::lastAnswer()
 
 void CurlService::prefetchHeaders(const std::vector<HeaderRequest>& requests)
 {
-    std::vector<AheadRequest> list;
-    try {
+    announce(&CurlThread::headers, [&](std::vector<AheadRequest>& list) {
         for (const HeaderRequest& header : requests) {
             if (!HttpAddress::isWebAddress(header.url))
                 continue;
             list.push_back({request(header.url, header.headerLines), {}, 0});
             list.back().request.headerOnly = true;
         }
-    } catch (const std::exception&) {
-        list.clear(); // each request is then made by its own call
-    }
-    announce(&CurlThread::headers, std::move(list));
+    });
 }
 
 /// Replaces the thread's list of announced requests and sends the first ones.
-void CurlService::announce(std::unique_ptr<AheadList> CurlThread::*place, std::vector<AheadRequest> requests)
-{
-    try {
-        CurlThread& thread = CurlThread::get();
-        // A progress function made this call, so the thread's connections are in use.
-        if (thread.connections.busy())
-            return;
-        (thread.*place).reset();
-        if (requests.empty())
-            return;
-        thread.*place = std::make_unique<AheadList>(thread.connections, mMemory, mLimits, std::move(requests),
-                                                    connectionLimit());
-        (thread.*place)->begin();
-    } catch (const std::exception&) {
-        // Each request is then made by its own call.
-    }
+/// @param fill adds the requests
+void CurlService::announce(std::unique_ptr<AheadList> CurlThread::*place,
+                           const std::function<void(std::vector<AheadRequest>&)>& fill)
+try {
+    CurlThread& thread = CurlThread::get();
+    // A progress function made this call, so the thread's connections are in use.
+    if (thread.connections.busy())
+        return;
+    (thread.*place).reset();
+    std::vector<AheadRequest> requests;
+    fill(requests);
+    if (requests.empty())
+        return;
+    thread.*place = std::make_unique<AheadList>(thread.connections, mMemory, mLimits, std::move(requests),
+                                                connectionLimit());
+    (thread.*place)->begin();
+} catch (const std::exception&) {
+    // Each request is then made by its own call.
 }

@@ -144,17 +144,13 @@ bool CurlService::downloadOrThrow(const ResumableDownload& download, void* conte
 
 void CurlService::prefetchDownloads(const std::vector<DownloadRequest>& requests)
 {
-    std::vector<AheadRequest> list;
-    try {
+    announce(&CurlThread::downloads, [&](std::vector<AheadRequest>& list) {
         for (const DownloadRequest& download : requests) {
             if (requests.size() < AheadPolicy::kFewestBodies || !isFar(download.url))
                 continue;
             list.push_back({request(download.url, download.headerLines), download.target, download.size});
         }
-    } catch (const std::exception&) {
-        list.clear();
-    }
-    announce(&CurlThread::downloads, std::move(list));
+    });
 }
 
 /// Whether fetching the body ahead would save noticeable time.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <mutex>
 
 #include "OrvLibrary/host/Curl.h"
@@ -51,7 +52,8 @@ private:
                          FileBody::Failure& failure);
     int connectionLimit();
     bool isFar(const std::string& url);
-    void announce(std::unique_ptr<AheadList> CurlThread::*place, std::vector<AheadRequest> requests);
+    void announce(std::unique_ptr<AheadList> CurlThread::*place,
+                  const std::function<void(std::vector<AheadRequest>&)>& fill);
 
     const HttpLimits mLimits;
     /// Shared with the lists of announced requests, which may live longer than the service.

@@ -6,8 +6,6 @@
 
 #include <algorithm>
 
-#include <curl/curl.h>
-
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/text/HttpHeaders_p.h"
 
@@ -29,11 +27,6 @@ bool HttpBody::begin(std::int64_t, const std::string&)
 bool HttpBody::receive(const char*, std::size_t size)
 {
     return discard(size);
-}
-
-HttpBody::Verdict HttpBody::watch(TimePoint)
-{
-    return Verdict::GoOn;
 }
 
 bool HttpBody::discard(std::size_t size)
@@ -180,12 +173,12 @@ bool FileBody::receive(const char* data, std::size_t size)
     return mPacer.received(bytes, HttpLimits::Clock::now());
 }
 
-HttpBody::Verdict FileBody::watch(TimePoint now)
+CURLcode FileBody::watch(TimePoint now)
 {
     if (!mPacer.tick(now))
-        return Verdict::Aborted;
+        return CURLE_ABORTED_BY_CALLBACK;
     // A progress function may end a slow transfer itself, so no speed limit applies.
-    return !mPacer.wanted() && mSpeed.tooSlow(now) ? Verdict::TooSlow : Verdict::GoOn;
+    return !mPacer.wanted() && mSpeed.tooSlow(now) ? CURLE_OPERATION_TIMEDOUT : CURLE_OK;
 }
 
 bool FileBody::isSound()

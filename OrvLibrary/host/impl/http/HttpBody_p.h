@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+#include <curl/curl.h>
+
 #include "OrvLibrary/host/fileString.h"
 #include "OrvLibrary/host/impl/files/BodyDigest_p.h"
 #include "OrvLibrary/host/impl/files/DownloadFile_p.h"
@@ -18,12 +20,6 @@ class HttpBody
 {
 public:
     using TimePoint = HttpLimits::Clock::time_point;
-    enum class Verdict
-    {
-        GoOn,
-        Aborted,
-        TooSlow
-    };
 
     explicit HttpBody(const HttpLimits& limits) : mLimits(limits) {}
     virtual ~HttpBody() = default;
@@ -38,8 +34,9 @@ public:
     virtual bool begin(std::int64_t status, const std::string& headerText);
     /// @return false to end the transfer
     virtual bool receive(const char* data, std::size_t size);
-    /// Called at each step of the transfer loop. Tells whether the transfer may go on.
-    virtual Verdict watch(TimePoint now);
+    /// Called at each step of the transfer loop.
+    /// @return why the transfer must end; `CURLE_OK` if it may go on
+    virtual CURLcode watch(TimePoint) { return CURLE_OK; }
 
 protected:
     /// Counts bytes that nobody needs. They are read only so that the connection can be used again. False
@@ -94,7 +91,7 @@ public:
 
     bool begin(std::int64_t status, const std::string& headerText) override;
     bool receive(const char* data, std::size_t size) override;
-    Verdict watch(TimePoint now) override;
+    CURLcode watch(TimePoint now) override;
     void headerReceived(std::size_t size) override;
 
     /// Whether the length and all digests are right. Call it after a transfer without error.

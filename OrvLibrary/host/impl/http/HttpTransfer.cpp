@@ -9,9 +9,8 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <new>
-
-#include <sys/stat.h>
 
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 #include "OrvLibrary/host/impl/http/RateLimit_p.h"
@@ -37,12 +36,6 @@ std::string listForm(const std::string& line)
 bool isCacheControl(const std::string& line)
 {
     return Ascii::equal(line.substr(0, line.find(':')), "Cache-Control");
-}
-
-bool isFolder(const std::string& path)
-{
-    struct stat status;
-    return stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
 }
 
 /// A number that the transfer library keeps for a transfer; 0 if it has none.
@@ -131,7 +124,8 @@ void HttpTransfer::setCertificates()
     const char* file = pathFromEnvironment("SSL_CERT_FILE");
     const char* folder = pathFromEnvironment("SSL_CERT_DIR");
     if (!fileOrFolder.empty()) {
-        file = isFolder(fileOrFolder) ? nullptr : fileOrFolder.c_str();
+        std::error_code error;
+        file = std::filesystem::is_directory(fileOrFolder, error) ? nullptr : fileOrFolder.c_str();
         folder = file ? nullptr : fileOrFolder.c_str();
     }
     for (const CURLoption option : {CURLOPT_CAINFO, CURLOPT_PROXY_CAINFO}) {
@@ -220,14 +214,11 @@ bool HttpTransfer::watch(TimePoint now)
     if (now >= mDeadline)
         return fail(CURLE_OPERATION_TIMEDOUT, "Operation timed out");
     try {
-        switch (mBody.watch(now)) {
-        case HttpBody::Verdict::GoOn:
+        const CURLcode end = mBody.watch(now);
+        if (end == CURLE_OK)
             return true;
-        case HttpBody::Verdict::TooSlow:
-            return fail(CURLE_OPERATION_TIMEDOUT, "Operation too slow");
-        case HttpBody::Verdict::Aborted:
-            break;
-        }
+        if (end == CURLE_OPERATION_TIMEDOUT)
+            return fail(end, "Operation too slow");
     } catch (...) {
         mException = std::current_exception();
     }
@@ -245,12 +236,6 @@ bool HttpTransfer::isConnected() const
     return info<curl_off_t>(handle(), CURLINFO_PRETRANSFER_TIME_T) > 0;
 }
 
-/// Whether the server has sent anything, be it a part of a line only.
-bool HttpTransfer::hasBegun() const
-{
-    return info<curl_off_t>(handle(), CURLINFO_STARTTRANSFER_TIME_T) > 0;
-}
-
 void HttpTransfer::finish(CURLcode result)
 {
     if (mResult)
@@ -259,10 +244,10 @@ void HttpTransfer::finish(CURLcode result)
     if (mHeader.status() != 0)
         return;
     // The transfer library reports success even if the header was cut off, and a lack of memory if a line is
-    // longer than it allows.
+    // longer than it allows. Then some of the line has arrived.
     if (result == CURLE_OK)
         fail(CURLE_RECV_ERROR, "connection closed within the header");
-    else if (result == CURLE_OUT_OF_MEMORY && hasBegun())
+    else if (result == CURLE_OUT_OF_MEMORY && info<curl_off_t>(handle(), CURLINFO_STARTTRANSFER_TIME_T) > 0)
         fail(CURLE_WEIRD_SERVER_REPLY, kHeaderTooLarge);
 }
 

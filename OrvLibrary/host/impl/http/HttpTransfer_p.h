@@ -135,7 +135,6 @@ private:
     bool takeHeader(const std::string& line);
     template <class Take>
     std::size_t receive(std::size_t size, const Take& take);
-    bool hasBegun() const;
     void readTimes(HttpAnswer& answer) const;
     /// Ends the transfer for a reason of our own. A later reason of the transfer library is ignored.
     bool fail(CURLcode error, const char* text);
