@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr std::size_t kIdleHandles = 100;
 /// The number of idle connections to keep.
 constexpr long kKeptConnections = 100;
 
@@ -27,7 +26,6 @@ void initialiseLibrary()
 HttpConnections::HttpConnections()
 {
     initialiseLibrary();
-    mIdle.reserve(kIdleHandles); // so that `takeBack` needs no memory
     mMulti = curl_multi_init();
     if (!mMulti)
         throw std::bad_alloc();
@@ -36,32 +34,7 @@ HttpConnections::HttpConnections()
 
 HttpConnections::~HttpConnections()
 {
-    for (CURL* handle : mIdle)
-        curl_easy_cleanup(handle);
     curl_multi_cleanup(mMulti);
-}
-
-CURL* HttpConnections::lend()
-{
-    if (mIdle.empty()) {
-        CURL* handle = curl_easy_init();
-        if (!handle)
-            throw std::bad_alloc();
-        return handle;
-    }
-    CURL* handle = mIdle.back();
-    mIdle.pop_back();
-    return handle;
-}
-
-void HttpConnections::takeBack(CURL* handle) noexcept
-{
-    curl_multi_remove_handle(mMulti, handle);
-    curl_easy_reset(handle);
-    if (mIdle.size() < kIdleHandles)
-        mIdle.push_back(handle);
-    else
-        curl_easy_cleanup(handle);
 }
 
 HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body)
@@ -115,6 +88,12 @@ void HttpConnections::start(HttpTransfer& transfer)
     if (curl_multi_add_handle(mMulti, transfer.handle()) != CURLM_OK)
         transfer.finish(CURLE_OUT_OF_MEMORY);
     mHasNew = true;
+}
+
+void HttpConnections::end(CURL* handle)
+{
+    curl_multi_remove_handle(mMulti, handle);
+    curl_easy_cleanup(handle);
 }
 
 bool HttpConnections::step()

@@ -29,8 +29,7 @@ public:
     virtual std::size_t running() const = 0;
 };
 
-/// The connections of one thread and its handles of the transfer library. Both are kept between requests,
-/// because making new ones takes time.
+/// The connections of one thread. They are kept between requests, because making new ones takes time.
 class HttpConnections
 {
 public:
@@ -74,13 +73,10 @@ public:
     /// Stops sending ahead, because the server allows only a few requests at a time.
     void stopAhead();
 
-    /// Lends a handle that has no options set.
-    CURL* lend();
-    /// Ends the handle's transfer, if any, and clears its options.
-    void takeBack(CURL* handle) noexcept;
-
     /// The three parts of `perform`, for work that runs several transfers.
     void start(HttpTransfer& transfer);
+    /// Ends a transfer at any stage.
+    void end(CURL* handle);
     /// Moves all transfers on. False if the transfer library has no memory left.
     bool step();
     /// Sleeps until there may be something to do, at most for some milliseconds.
@@ -91,7 +87,6 @@ private:
     void collectResults();
 
     CURLM* mMulti;
-    std::vector<CURL*> mIdle;
     bool mBusy = false;
     bool mIsInTurn = false;
     /// Whether a transfer was added since the transfer library moved them on.

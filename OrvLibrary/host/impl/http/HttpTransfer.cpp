@@ -1,4 +1,4 @@
-// How it works: the constructor borrows a handle of the transfer library and sets its options. The transfer
+// How it works: the constructor makes a handle of the transfer library and sets its options. The transfer
 // library calls `onHeader` for each header line and `onBody` for each piece of the body. Both pass the data
 // to the body object, which decides whether the transfer goes on. `watch` asks the body object at each step,
 // too, and checks the deadline. The transfer ends with `fail` for our own reasons and with `finish` for those
@@ -67,12 +67,14 @@ HttpAnswer HttpAnswer::failure(CURLcode error, const std::string& text, const st
 
 void HttpTransfer::HandleEnd::operator()(CURL* handle) const
 {
-    lender->takeBack(handle);
+    connections->end(handle);
 }
 
 HttpTransfer::HttpTransfer(HttpConnections& connections, const HttpRequest& request, HttpBody& body)
-    : mRequest(request), mBody(body), mDeadline(request.deadline), mHandle(connections.lend(), {&connections})
+    : mRequest(request), mBody(body), mDeadline(request.deadline), mHandle(curl_easy_init(), {&connections})
 {
+    if (!mHandle)
+        throw std::bad_alloc();
     setOptions();
     setCertificates();
     setHeaderLines();

@@ -89,7 +89,7 @@ class HttpTransfer
 public:
     using TimePoint = HttpLimits::Clock::time_point;
 
-    /// @param connections lends the handle; must outlive the transfer, like `request` and `body`
+    /// @param connections must outlive the transfer, like `request` and `body`
     HttpTransfer(HttpConnections& connections, const HttpRequest& request, HttpBody& body);
     ~HttpTransfer();
     HttpTransfer(const HttpTransfer&) = delete;
@@ -119,7 +119,7 @@ private:
     struct HandleEnd
     {
         void operator()(CURL* handle) const;
-        HttpConnections* lender;
+        HttpConnections* connections;
     };
     struct ListEnd
     {
@@ -150,6 +150,6 @@ private:
     /// Empty while the transfer runs.
     std::optional<CURLcode> mResult;
     std::exception_ptr mException;
-    /// Last, because the transfer library uses the other members until the handle is given back.
+    /// Last, because the transfer library uses the other members until the handle is closed.
     std::unique_ptr<CURL, HandleEnd> mHandle;
 };
