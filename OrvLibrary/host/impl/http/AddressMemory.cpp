@@ -11,30 +11,17 @@ constexpr std::size_t kLatencies = 3;
 
 AddressMemory::AddressMemory(const HttpLimits& limits) : mLimits(limits) {}
 
-bool AddressMemory::isOpen(const std::string& address)
+AddressMemory::Known AddressMemory::known(const std::string& address)
 {
     const std::lock_guard<std::mutex> lock(mMutex);
     const Record& record = mRecords[address];
-    return record.unanswered < mLimits.unansweredRequests || mLimits.now() >= record.closedUntil;
-}
-
-std::string AddressMemory::lastReason(const std::string& address)
-{
-    const std::lock_guard<std::mutex> lock(mMutex);
-    return mRecords[address].reason;
-}
-
-std::chrono::microseconds AddressMemory::latency(const std::string& address)
-{
-    const std::lock_guard<std::mutex> lock(mMutex);
-    const auto& times = mRecords[address].latencies;
-    return times.empty() ? std::chrono::microseconds(-1) : *std::min_element(times.begin(), times.end());
-}
-
-bool AddressMemory::isMultiplexing(const std::string& address)
-{
-    const std::lock_guard<std::mutex> lock(mMutex);
-    return mRecords[address].isMultiplexing;
+    Known known;
+    known.isOpen = record.unanswered < mLimits.unansweredRequests || mLimits.now() >= record.closedUntil;
+    known.lastReason = record.reason;
+    if (!record.latencies.empty())
+        known.latency = *std::min_element(record.latencies.begin(), record.latencies.end());
+    known.isMultiplexing = record.isMultiplexing;
+    return known;
 }
 
 void AddressMemory::note(const std::string& address, const HttpAnswer& answer)

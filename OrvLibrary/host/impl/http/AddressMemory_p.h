@@ -19,14 +19,19 @@ class AddressMemory
 public:
     explicit AddressMemory(const HttpLimits& limits);
 
-    /// Whether a request may be sent to `address` now.
-    bool isOpen(const std::string& address);
-    /// Why the last request to `address` got no answer.
-    std::string lastReason(const std::string& address);
-    /// How long an answer takes: the shortest of the last few times. Negative while nothing is known.
-    std::chrono::microseconds latency(const std::string& address);
-    /// Whether one connection carries many requests at once. False while nothing is known.
-    bool isMultiplexing(const std::string& address);
+    /// What is known about an address.
+    struct Known
+    {
+        /// Whether a request may be sent to it now.
+        bool isOpen = true;
+        /// Why the last request got no answer.
+        std::string lastReason;
+        /// How long an answer takes: the shortest of the last few times. Negative while nothing is known.
+        std::chrono::microseconds latency{-1};
+        /// Whether one connection carries many requests at once. False while nothing is known.
+        bool isMultiplexing = false;
+    };
+    Known known(const std::string& address);
 
     /// Learns from one answer, or from its absence. If other requests ran at the same time, they may have
     /// delayed the answer, so its time is not counted. A cancelled request teaches nothing.

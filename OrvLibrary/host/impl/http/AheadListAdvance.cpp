@@ -47,11 +47,11 @@ bool AheadList::mayStart(const Entry& entry) const
 
 AheadPolicy::Situation AheadList::situationOf(const Entry& entry) const
 {
-    const std::string address = HttpAddress::hostAndPort(entry.asked.request.url);
+    const auto known = mMemory->known(HttpAddress::hostAndPort(entry.asked.request.url));
     AheadPolicy::Situation situation;
     situation.isDownload = entry.asked.isDownload();
-    situation.latency = mMemory->latency(address);
-    situation.isMultiplexing = mMemory->isMultiplexing(address);
+    situation.latency = known.latency;
+    situation.isMultiplexing = known.isMultiplexing;
     situation.connectionLimit = mConnectionLimit;
     situation.isInTurn = mConnections.isInTurn();
     return situation;

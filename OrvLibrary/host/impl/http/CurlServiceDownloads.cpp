@@ -157,5 +157,6 @@ void CurlService::prefetchDownloads(const std::vector<DownloadRequest>& requests
 bool CurlService::isFar(const std::string& url)
 {
     const std::string address = HttpAddress::hostAndPort(url);
-    return !address.empty() && !AheadPolicy::isNear(mMemory->latency(address)) && mMemory->isOpen(address);
+    const AddressMemory::Known known = mMemory->known(address);
+    return !address.empty() && !AheadPolicy::isNear(known.latency) && known.isOpen;
 }

@@ -46,9 +46,10 @@ HttpAnswer send(CurlThread& thread, AddressMemory& memory, const HttpRequest& re
     if (CancelQuestion::isCancelled())
         return HttpAnswer::cancelled();
     const std::string address = HttpAddress::hostAndPort(request.url);
-    if (!memory.isOpen(address)) {
-        return HttpAnswer::failure(CURLE_COULDNT_CONNECT, "no answer from " + address +
-                                                              " a moment ago: " + memory.lastReason(address));
+    const AddressMemory::Known known = memory.known(address);
+    if (!known.isOpen) {
+        return HttpAnswer::failure(CURLE_COULDNT_CONNECT,
+                                   "no answer from " + address + " a moment ago: " + known.lastReason);
     }
     HttpAnswer answer;
     const bool isAhead = request.headerOnly && thread.headers && thread.headers->takeAnswer(request, answer);
