@@ -4,41 +4,13 @@
 // may have refused it only because of others.
 #include "OrvLibrary/host/impl/http/HttpChain_p.h"
 
-#include <algorithm>
 #include <set>
 
-#include "OrvLibrary/host/WebUtils.h"
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
-#include "OrvLibrary/host/impl/text/Ascii_p.h"
 #include "OrvLibrary/host/impl/text/HttpAddress_p.h"
+#include "OrvLibrary/host/impl/text/HttpRedirect_p.h"
 
 namespace {
-
-/// The address that an answer redirects to; empty if none. Only the header counts. Even if the body failed,
-/// the redirect is followed.
-std::string redirectTarget(const HttpAnswer& answer)
-{
-    if (answer.error == CURLE_ABORTED_BY_CALLBACK || !isRedirectStatus(answer.status))
-        return {};
-    WebUtils::HeaderMap headers;
-    WebUtils::parseReturnHeader(answer.headerText, headers);
-    const auto location = headers.find("Location");
-    if (location == headers.end() || location->second.front().empty())
-        return {};
-    return HttpAddress::withoutFragment(HttpAddress::resolve(answer.url, location->second.front()));
-}
-
-/// Header lines that only the first server may see.
-bool isSecret(const std::string& line)
-{
-    const std::string name = line.substr(0, line.find(':'));
-    return Ascii::equal(name, "Authorization") || Ascii::equal(name, "Cookie");
-}
-
-void removeSecrets(std::vector<std::string>& lines)
-{
-    lines.erase(std::remove_if(lines.begin(), lines.end(), isSecret), lines.end());
-}
 
 /// Sends one request, unless its answer is there already.
 HttpAnswer send(CurlThread& thread, AddressMemory& memory, const HttpRequest& request, HttpBody& body)
@@ -77,7 +49,10 @@ HttpAnswer HttpChain::run(CurlThread& thread, AddressMemory& memory, HttpRequest
         visited.insert(request.url);
         HttpAnswer answer = send(thread, memory, request, body);
         answer.url = request.url;
-        const std::string target = request.isFollowed ? redirectTarget(answer) : std::string();
+        if (!request.isFollowed || answer.error == CURLE_ABORTED_BY_CALLBACK)
+            return answer;
+        // Only the header counts. Even if the body failed, the redirect is followed.
+        const std::string target = HttpRedirect::target(answer.url, answer.status, answer.headerText);
         if (target.empty())
             return answer;
         if (redirects == body.limits().redirects)
@@ -87,8 +62,7 @@ HttpAnswer HttpChain::run(CurlThread& thread, AddressMemory& memory, HttpRequest
                                        "redirect to a forbidden address: " + target, answer.url);
         if (visited.count(target) != 0)
             return HttpAnswer::failure(CURLE_TOO_MANY_REDIRECTS, "redirects in a circle", answer.url);
-        if (HttpAddress::hostAndPort(target) != HttpAddress::hostAndPort(answer.url))
-            removeSecrets(request.headerLines);
+        HttpRedirect::removeSecrets(request.headerLines, answer.url, target);
         request.url = target;
     }
 }

@@ -16,6 +16,7 @@
 #include "OrvLibrary/host/impl/http/RateLimit_p.h"
 #include "OrvLibrary/host/impl/text/Ascii_p.h"
 #include "OrvLibrary/host/impl/text/HttpAddress_p.h"
+#include "OrvLibrary/host/impl/text/HttpRedirect_p.h"
 
 namespace {
 
@@ -195,7 +196,7 @@ bool HttpTransfer::takeHeader(const std::string& line)
     const std::int64_t status = mHeader.status();
     if (hadStatus || status == 0)
         return true;
-    const bool isFollowed = mRequest.isFollowed && isRedirectStatus(status);
+    const bool isFollowed = mRequest.isFollowed && HttpRedirect::isStatus(status);
     if (isFollowed || !mRequest.wantsBody)
         mDeadline = std::min(mDeadline, HttpLimits::Clock::now() + mBody.limits().progressSilence);
     return mBody.begin(status, mHeader.text());

@@ -37,12 +37,6 @@ struct HttpRequest
     std::string certificates;
 };
 
-/// Whether the status is one of the redirects that are followed.
-constexpr bool isRedirectStatus(std::int64_t status)
-{
-    return status == 301 || status == 302 || status == 303 || status == 307 || status == 308;
-}
-
 constexpr std::int64_t kTooManyRequests = 429;
 constexpr std::int64_t kServiceUnavailable = 503;
 
