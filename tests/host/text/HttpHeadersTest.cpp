@@ -1,6 +1,6 @@
 #include "OrvLibrary/host/impl/text/HttpHeaders_p.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 namespace {
 
@@ -62,4 +62,18 @@ TEST(HttpHeaders, encodedBodyIsNamedWithItsEncoding)
     EXPECT_EQ(HttpHeaders::encodingProblem(headersOf("Content-Encoding: Identity\nContent-Encoding:")), "");
     EXPECT_EQ(HttpHeaders::encodingProblem(headersOf("Content-Encoding: identity\nContent-Encoding: gzip")),
               "the body is encoded (Content-Encoding: gzip)");
+}
+
+TEST(HttpHeaders, linesOnTheWireHaveNoControlBytes)
+{
+    EXPECT_THAT(
+        HttpHeaders::wireLines({"If-None-Match: \"ab\r\n\tc\x7f\x1f\"", std::string("A: \0\x80\xff~ ", 8)}),
+        testing::ElementsAre("If-None-Match: \"abc\"", "A: \x80\xff~ ", "Cache-Control: no-cache"));
+}
+
+TEST(HttpHeaders, lineForCachesIsAddedIfThereIsNone)
+{
+    EXPECT_THAT(HttpHeaders::wireLines({}), testing::ElementsAre("Cache-Control: no-cache"));
+    EXPECT_THAT(HttpHeaders::wireLines({"cache-control: max-age=0", "A: b"}),
+                testing::ElementsAre("cache-control: max-age=0", "A: b"));
 }

@@ -11,11 +11,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <new>
+#include <utility>
 
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 #include "OrvLibrary/host/impl/http/RateLimit_p.h"
-#include "OrvLibrary/host/impl/text/Ascii_p.h"
 #include "OrvLibrary/host/impl/text/HttpAddress_p.h"
+#include "OrvLibrary/host/impl/text/HttpHeaders_p.h"
 #include "OrvLibrary/host/impl/text/HttpRedirect_p.h"
 
 namespace {
@@ -34,11 +35,6 @@ std::string listForm(const std::string& line)
     return isEmptyValue ? line.substr(0, colon) + ";" : line;
 }
 
-bool isCacheControl(const std::string& line)
-{
-    return Ascii::equal(line.substr(0, line.find(':')), "Cache-Control");
-}
-
 /// A number that the transfer library keeps for a transfer; 0 if it has none.
 template <class Number>
 Number info(CURL* handle, CURLINFO what)
@@ -46,13 +42,6 @@ Number info(CURL* handle, CURLINFO what)
     Number number = 0;
     curl_easy_getinfo(handle, what, &number);
     return number;
-}
-
-/// A path from an environment variable; null if it is unset or empty.
-const char* pathFromEnvironment(const char* variable)
-{
-    const char* const value = std::getenv(variable);
-    return value && *value ? value : nullptr;
 }
 
 } // namespace
@@ -80,8 +69,6 @@ HttpTransfer::HttpTransfer(HttpConnections& connections, const HttpRequest& requ
     setCertificates();
     setHeaderLines();
 }
-
-HttpTransfer::~HttpTransfer() = default;
 
 void HttpTransfer::setOptions()
 {
@@ -123,33 +110,27 @@ void HttpTransfer::setOptions()
 /// system's certificates.
 void HttpTransfer::setCertificates()
 {
-    const std::string& fileOrFolder = mRequest.certificates;
-    const char* file = pathFromEnvironment("SSL_CERT_FILE");
-    const char* folder = pathFromEnvironment("SSL_CERT_DIR");
-    if (!fileOrFolder.empty()) {
-        std::error_code error;
-        file = std::filesystem::is_directory(fileOrFolder, error) ? nullptr : fileOrFolder.c_str();
-        folder = file ? nullptr : fileOrFolder.c_str();
-    }
-    for (const CURLoption option : {CURLOPT_CAINFO, CURLOPT_PROXY_CAINFO}) {
-        if (file || !fileOrFolder.empty())
-            curl_easy_setopt(handle(), option, file);
-    }
-    for (const CURLoption option : {CURLOPT_CAPATH, CURLOPT_PROXY_CAPATH}) {
-        if (folder || !fileOrFolder.empty())
-            curl_easy_setopt(handle(), option, folder);
+    const std::string& own = mRequest.certificates;
+    std::error_code error;
+    const bool isFolder = std::filesystem::is_directory(own, error);
+    const char* const ownFile = isFolder ? nullptr : own.c_str();
+    const char* const ownFolder = isFolder ? own.c_str() : nullptr;
+    const char* const file = own.empty() ? std::getenv("SSL_CERT_FILE") : ownFile;
+    const char* const folder = own.empty() ? std::getenv("SSL_CERT_DIR") : ownFolder;
+    const std::pair<CURLoption, const char*> options[] = {{CURLOPT_CAINFO, file},
+                                                          {CURLOPT_PROXY_CAINFO, file},
+                                                          {CURLOPT_CAPATH, folder},
+                                                          {CURLOPT_PROXY_CAPATH, folder}};
+    for (const auto& [option, path] : options) {
+        if ((path && *path) || !own.empty())
+            curl_easy_setopt(handle(), option, path);
     }
 }
 
 void HttpTransfer::setHeaderLines()
 {
-    std::vector<std::string> lines = mRequest.headerLines;
-    // A cache between us and the server must not answer with an old copy.
-    if (std::none_of(lines.begin(), lines.end(), isCacheControl))
-        lines.push_back("Cache-Control: no-cache");
-    for (const std::string& line : lines) {
-        curl_slist* const list =
-            curl_slist_append(mHeaderList.get(), listForm(HttpAddress::wireHeaderLine(line)).c_str());
+    for (const std::string& line : HttpHeaders::wireLines(mRequest.headerLines)) {
+        curl_slist* const list = curl_slist_append(mHeaderList.get(), listForm(line).c_str());
         if (!list)
             throw std::bad_alloc();
         if (!mHeaderList)

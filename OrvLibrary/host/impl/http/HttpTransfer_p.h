@@ -85,7 +85,6 @@ public:
 
     /// @param connections must outlive the transfer, like `request` and `body`
     HttpTransfer(HttpConnections& connections, const HttpRequest& request, HttpBody& body);
-    ~HttpTransfer();
     HttpTransfer(const HttpTransfer&) = delete;
     HttpTransfer& operator=(const HttpTransfer&) = delete;
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <iterator>
 
 #include "OrvLibrary/host/impl/text/Ascii_p.h"
 
@@ -138,16 +137,6 @@ std::string wireText(const std::string& url)
         result += digits[byte >> 4];
         result += digits[byte & 15];
     }
-    return result;
-}
-
-std::string wireHeaderLine(const std::string& line)
-{
-    std::string result;
-    std::copy_if(line.begin(), line.end(), std::back_inserter(result), [](char c) {
-        const auto byte = static_cast<unsigned char>(c);
-        return byte >= 0x20 && byte != 0x7F;
-    });
     return result;
 }
 

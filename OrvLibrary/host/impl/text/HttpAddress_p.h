@@ -17,8 +17,6 @@ std::string hostAndPort(const std::string& url);
 /// The address in a form that HTTP can carry. Blanks, control characters and all bytes from 0x7F up are
 /// percent-encoded, and so is a "%" that is not followed by two hexadecimal digits. Nothing else changes.
 std::string wireText(const std::string& url);
-/// The header line without control characters (0x00-0x1F and 0x7F).
-std::string wireHeaderLine(const std::string& line);
 
 /// The address that a `Location` header means when an answer from `base` carries it. The query stays as it
 /// was sent, even if it is empty.

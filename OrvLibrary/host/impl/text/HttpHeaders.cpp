@@ -1,6 +1,8 @@
 #include "OrvLibrary/host/impl/text/HttpHeaders_p.h"
 
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 
 #include "OrvLibrary/host/impl/text/Ascii_p.h"
 
@@ -21,9 +23,33 @@ bool takeNumber(const char*& at, const char* end, std::int64_t& number)
     return result.ec == std::errc() && number >= 0;
 }
 
+std::string wireLine(const std::string& line)
+{
+    std::string result;
+    std::copy_if(line.begin(), line.end(), std::back_inserter(result), [](char c) {
+        const auto byte = static_cast<unsigned char>(c);
+        return byte >= 0x20 && byte != 0x7F;
+    });
+    return result;
+}
+
+bool isCacheControl(const std::string& line)
+{
+    return Ascii::equal(line.substr(0, line.find(':')), "Cache-Control");
+}
+
 } // namespace
 
 namespace HttpHeaders {
+
+std::vector<std::string> wireLines(const std::vector<std::string>& lines)
+{
+    std::vector<std::string> result;
+    std::transform(lines.begin(), lines.end(), std::back_inserter(result), wireLine);
+    if (std::none_of(lines.begin(), lines.end(), isCacheControl))
+        result.push_back("Cache-Control: no-cache");
+    return result;
+}
 
 std::int64_t contentLength(const WebUtils::HeaderMap& headers)
 {

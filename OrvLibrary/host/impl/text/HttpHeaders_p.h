@@ -2,11 +2,16 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "OrvLibrary/host/WebUtils.h"
 
-/// Reads the header fields that describe a body.
+/// Writes the header lines of a request, and reads the header fields that describe a body.
 namespace HttpHeaders {
+
+/// The lines of a request without control characters (0x00-0x1F and 0x7F). If they do not say what a cache
+/// may do, a line is added: a cache between us and the server must not answer with an old copy.
+std::vector<std::string> wireLines(const std::vector<std::string>& lines);
 
 /// The announced length of the body; -1 if it is missing or unreadable.
 std::int64_t contentLength(const WebUtils::HeaderMap& headers);
