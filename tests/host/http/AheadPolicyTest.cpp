@@ -40,10 +40,10 @@ TEST(AheadPolicyTest, widthDependsOnTimeKindAndLimit)
         {"HTTP/2, a download", true, 80ms, true, 16, false, 100},
     };
     for (const WidthRow& row : rows) {
-        EXPECT_EQ(
-            AheadPolicy::width({row.isDownload, row.latency, row.isMultiplexing, row.limit, row.isInTurn}),
-            row.width)
-            << row.what;
+        AddressMemory::Known known;
+        known.latency = row.latency;
+        known.isMultiplexing = row.isMultiplexing;
+        EXPECT_EQ(AheadPolicy::width(known, row.isDownload, row.limit, row.isInTurn), row.width) << row.what;
     }
 }
 

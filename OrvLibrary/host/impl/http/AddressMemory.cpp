@@ -2,13 +2,6 @@
 
 #include <algorithm>
 
-namespace {
-
-/// The number of answer times that are kept for each address.
-constexpr std::size_t kLatencies = 3;
-
-} // namespace
-
 AddressMemory::AddressMemory(const HttpLimits& limits) : mLimits(limits) {}
 
 AddressMemory::Known AddressMemory::known(const std::string& address)

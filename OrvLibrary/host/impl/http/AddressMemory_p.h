@@ -40,6 +40,8 @@ public:
     void openAll();
 
 private:
+    /// The number of answer times that are kept for each address.
+    static constexpr std::size_t kLatencies = 3;
     struct Record
     {
         int unanswered = 0; ///< requests in a row

@@ -54,12 +54,6 @@ AheadList::~AheadList()
     mEntries.clear();
 }
 
-void AheadList::begin()
-{
-    advance();
-    mConnections.step();
-}
-
 void AheadList::ClaimEnd::operator()(Entry* entry) const
 {
     list->mTurn = nullptr;
@@ -152,7 +146,7 @@ bool AheadList::isStalled(const Entry& entry, TimePoint turn) const
     TimePoint since = std::max(turn, mCourse.lastEnd);
     for (const Entry* const running : mRunning)
         since = std::max(since, running->transfer->lastArrival());
-    const auto stall = AheadPolicy::stallTime(situationOf(entry).latency) * mLimits.aheadPatience;
+    const auto stall = AheadPolicy::stallTime(serverOf(entry).latency) * mLimits.aheadPatience;
     return HttpLimits::Clock::now() - since >= stall && mayBeUntaken(entry);
 }
 
@@ -162,7 +156,7 @@ bool AheadList::mayBeUntaken(const Entry& entry) const
 {
     const HttpTransfer& transfer = *entry.transfer;
     return !transfer.isAnswered() &&
-           (transfer.hasNewConnection() || (!transfer.isConnected() && !situationOf(entry).isMultiplexing));
+           (transfer.hasNewConnection() || (!transfer.isConnected() && !serverOf(entry).isMultiplexing));
 }
 
 /// Gives up all requests whose connections are in the server's queue. A server with few workers keeps each
@@ -203,5 +197,5 @@ bool AheadList::isInTheWay() const
 {
     if (mRunning.empty() || mCourse.isStopped)
         return !mRunning.empty();
-    return !situationOf(*mRunning.back()).isMultiplexing && mConnections.aheadCount() >= mConnectionLimit;
+    return !serverOf(*mRunning.back()).isMultiplexing && mConnections.aheadCount() >= mConnectionLimit;
 }

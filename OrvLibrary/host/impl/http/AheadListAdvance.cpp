@@ -42,19 +42,13 @@ bool AheadList::mayStart(const Entry& entry) const
 {
     if (entry.asked.isDownload() && !AheadPolicy::allowsBody(load(), entry.asked.size))
         return false;
-    return mConnections.aheadCount() < AheadPolicy::width(situationOf(entry));
+    return mConnections.aheadCount() < AheadPolicy::width(serverOf(entry), entry.asked.isDownload(),
+                                                          mConnectionLimit, mConnections.isInTurn());
 }
 
-AheadPolicy::Situation AheadList::situationOf(const Entry& entry) const
+AddressMemory::Known AheadList::serverOf(const Entry& entry) const
 {
-    const auto known = mMemory->known(HttpAddress::hostAndPort(entry.asked.request.url));
-    AheadPolicy::Situation situation;
-    situation.isDownload = entry.asked.isDownload();
-    situation.latency = known.latency;
-    situation.isMultiplexing = known.isMultiplexing;
-    situation.connectionLimit = mConnectionLimit;
-    situation.isInTurn = mConnections.isInTurn();
-    return situation;
+    return mMemory->known(HttpAddress::hostAndPort(entry.asked.request.url));
 }
 
 AheadPolicy::Load AheadList::load() const

@@ -37,14 +37,13 @@ class AheadList : public AheadWork
 public:
     using TimePoint = HttpLimits::Clock::time_point;
 
+    /// The first requests are sent at the next step of the connections.
     /// @param connectionLimit how many connections may be open at once
     AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory> memory, const HttpLimits& limits,
               std::vector<AheadRequest> requests, int connectionLimit);
     /// Ends the transfers that are still running and removes the files that no call has asked for.
     ~AheadList() override;
 
-    /// Sends the first requests.
-    void begin();
     /// Hands out the answer to a header request, once. Waits for the answer if the request is under way.
     /// @return false if the caller must make the request itself
     bool takeAnswer(const HttpRequest& request, HttpAnswer& answer);
@@ -117,7 +116,7 @@ private:
     // These send requests ahead: AheadListAdvance.cpp.
     void startWaiting(TimePoint now);
     bool mayStart(const Entry& entry) const;
-    AheadPolicy::Situation situationOf(const Entry& entry) const;
+    AddressMemory::Known serverOf(const Entry& entry) const;
     AheadPolicy::Load load() const;
     void start(Entry& entry, TimePoint now);
     void finish(Entry& entry);

@@ -2,14 +2,15 @@
 
 #include <algorithm>
 
-std::size_t AheadPolicy::width(const Situation& situation)
+std::size_t AheadPolicy::width(const AddressMemory::Known& known, bool isDownload,
+                               std::size_t connectionLimit, bool isInTurn)
 {
-    if (isNear(situation.latency))
+    if (isNear(known.latency))
         return 0;
-    if (situation.isMultiplexing)
-        return situation.isDownload ? kStreams : kHeaderStreams;
-    const bool isOneTaken = situation.isInTurn || situation.connectionLimit == 1;
-    return situation.connectionLimit - (isOneTaken ? 1 : 0);
+    if (known.isMultiplexing)
+        return isDownload ? kStreams : kHeaderStreams;
+    const bool isOneTaken = isInTurn || connectionLimit == 1;
+    return connectionLimit - (isOneTaken ? 1 : 0);
 }
 
 bool AheadPolicy::allowsBody(const Load& load, std::int64_t size)

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "OrvLibrary/host/impl/http/HttpLimits_p.h"
+#include "OrvLibrary/host/impl/http/AddressMemory_p.h"
 
 /// Decides how many requests are sent ahead of their calls. All numbers and rules for this are here. Nothing
 /// in this class knows a server, so a table of cases can test it.
@@ -43,18 +43,6 @@ struct AheadPolicy
     /// A request that must run alone waits at most this long for the others to end.
     static constexpr std::chrono::seconds kLongestHold{1};
 
-    /// All that is known about a request and the address it goes to.
-    struct Situation
-    {
-        bool isDownload = false;
-        /// How long an answer takes; negative if unknown.
-        Microseconds latency{-1};
-        bool isMultiplexing = false;
-        /// How many connections the host allows.
-        std::size_t connectionLimit = 16;
-        /// Whether a request is being made in its turn, beside those that are sent ahead.
-        bool isInTurn = false;
-    };
     /// The downloads that are fetched ahead at the moment.
     struct Load
     {
@@ -65,7 +53,10 @@ struct AheadPolicy
 
     static bool isNear(Microseconds latency) { return latency < kNear; }
     /// How many requests may run at once.
-    static std::size_t width(const Situation& situation);
+    /// @param connectionLimit how many connections the host allows
+    /// @param isInTurn whether a request is being made in its turn, beside those that are sent ahead
+    static std::size_t width(const AddressMemory::Known& known, bool isDownload, std::size_t connectionLimit,
+                             bool isInTurn);
     /// Whether one more body of `size` bytes may be fetched ahead.
     static bool allowsBody(const Load& load, std::int64_t size);
     /// The limits of such a body until its call comes: it may not be larger than announced, and it leaves

@@ -9,19 +9,12 @@
 
 CurlService& defaultCurlService()
 {
-    // Never destroyed: a worker thread may still use it when the process ends.
-    static CurlService* const service = new CurlService;
-    return *service;
+    return host::immortal<CurlService, CurlService>();
 }
 
 namespace {
 
-Curl& fallback()
-{
-    return defaultCurlService();
-}
-
-host::Installed<Curl> gInstalled(fallback);
+host::Installed<Curl> gInstalled([]() -> Curl& { return defaultCurlService(); });
 
 } // namespace
 

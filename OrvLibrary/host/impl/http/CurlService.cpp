@@ -1,8 +1,8 @@
-// How it works: each operation builds a request with the host's settings. `HttpChain` sends it on the
-// connections of the calling thread and follows redirects. The answer is remembered as the thread's last
-// answer. Announced requests are in a list of the thread (`AheadList`), and the chain asks this list for an
-// answer before it sends a header request. No exception leaves an operation: `CurlThread::attempt` makes it a
-// failure with a reason. CurlServiceDownloads.cpp holds the downloads.
+// How it works: each operation builds a request with the host's settings. The object of the calling thread
+// (`CurlThread`) sends it and follows redirects. The answer is remembered as the thread's last answer.
+// Announced requests are in a list of the thread (`AheadList`), which is asked for the answer before a header
+// request is sent. No exception leaves an operation: `CurlThread::attempt` makes it a failure with a reason.
+// CurlServiceDownloads.cpp holds the downloads.
 #include "OrvLibrary/host/impl/http/CurlService_p.h"
 
 #include <algorithm>
@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "OrvLibrary/host/impl/http/CurlThread_p.h"
-#include "OrvLibrary/host/impl/http/HttpChain_p.h"
 #include "OrvLibrary/host/impl/text/HttpAddress_p.h"
 
 namespace {
@@ -70,7 +69,7 @@ HttpAnswer CurlService::ask(HttpRequest request, HttpBody& body, HttpLimits::Mil
     std::optional<CurlThread> fresh;
     CurlThread& thread = CurlThread::forRequest(fresh);
     request.deadline = HttpLimits::Clock::now() + timeout;
-    HttpAnswer answer = HttpChain::run(thread, *mMemory, std::move(request), body);
+    HttpAnswer answer = thread.ask(*mMemory, std::move(request), body);
     CurlThread::lastAnswer = {answer.status, answer.headerText, answer.errorText, answer.url};
     return answer;
 }
@@ -163,7 +162,7 @@ try {
         return;
     thread.*place = std::make_unique<AheadList>(thread.connections, mMemory, mLimits, std::move(requests),
                                                 connectionLimit());
-    (thread.*place)->begin();
+    thread.connections.step();
 } catch (const std::exception&) {
     // Each request is then made by its own call.
 }

@@ -1,7 +1,7 @@
 // How it works: a download first asks the list of announced downloads, which may have the body already.
-// Otherwise `HttpChain` sends the request, for the whole file or for the rest of a partial file, and a
-// `FileBody` writes it. If the server's answer does not continue the partial file, the loop starts again with
-// the whole file. `conclude` renames a good file and explains a failure.
+// Otherwise the object of the calling thread sends the request, for the whole file or for the rest of a
+// partial file, and a `FileBody` writes it. If the server's answer does not continue the partial file, the
+// loop starts again with the whole file. `conclude` renames a good file and explains a failure.
 #include <exception>
 #include <optional>
 #include <utility>
@@ -10,7 +10,6 @@
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 #include "OrvLibrary/host/impl/http/CurlService_p.h"
 #include "OrvLibrary/host/impl/http/CurlThread_p.h"
-#include "OrvLibrary/host/impl/http/HttpChain_p.h"
 #include "OrvLibrary/host/impl/text/HttpAddress_p.h"
 
 namespace {
@@ -134,7 +133,7 @@ bool CurlService::downloadOrThrow(const ResumableDownload& download, void* conte
         FileBody body(mLimits, download.target, download.partial, progress, context);
         HttpRequest rest = requestForRest(asked, body, mustStartAnew ? std::string() : download.validator);
         if (body.failure().reason.empty())
-            answer = HttpChain::run(thread, *mMemory, std::move(rest), body);
+            answer = thread.ask(*mMemory, std::move(rest), body);
         if (conclude(thread, answer, body, failure))
             return true;
         mustStartAnew = body.mustStartAnew() && !body.isAborted();
@@ -146,17 +145,13 @@ void CurlService::prefetchDownloads(const std::vector<DownloadRequest>& requests
 {
     announce(&CurlThread::downloads, [&](std::vector<AheadRequest>& list) {
         for (const DownloadRequest& download : requests) {
-            if (requests.size() < AheadPolicy::kFewestBodies || !isFar(download.url))
+            const std::string address = HttpAddress::hostAndPort(download.url);
+            const AddressMemory::Known known = mMemory->known(address);
+            // Fetching ahead from a near server saves no time.
+            if (requests.size() < AheadPolicy::kFewestBodies || address.empty() || !known.isOpen ||
+                AheadPolicy::isNear(known.latency))
                 continue;
             list.push_back({request(download.url, download.headerLines), download.target, download.size});
         }
     });
-}
-
-/// Whether fetching the body ahead would save noticeable time.
-bool CurlService::isFar(const std::string& url)
-{
-    const std::string address = HttpAddress::hostAndPort(url);
-    const AddressMemory::Known known = mMemory->known(address);
-    return !address.empty() && !AheadPolicy::isNear(known.latency) && known.isOpen;
 }

@@ -51,7 +51,6 @@ private:
     bool downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
                          FileBody::Failure& failure);
     int connectionLimit();
-    bool isFar(const std::string& url);
     void announce(std::unique_ptr<AheadList> CurlThread::*place,
                   const std::function<void(std::vector<AheadRequest>&)>& fill);
 

@@ -26,11 +26,6 @@ bool HttpBody::begin(std::int64_t, const std::string&)
 
 bool HttpBody::receive(const char*, std::size_t size)
 {
-    return discard(size);
-}
-
-bool HttpBody::discard(std::size_t size)
-{
     mDiscarded += static_cast<std::int64_t>(size);
     return mDiscarded <= mLimits.errorPageBytes;
 }
@@ -74,15 +69,9 @@ std::int64_t FileBody::resume(const std::string& validator)
     return mFile.size();
 }
 
-bool FileBody::fail(const std::string& reason)
+bool FileBody::fail(const std::string& reason, CURLcode error)
 {
-    mFailure = {CURLE_WEIRD_SERVER_REPLY, reason};
-    return false;
-}
-
-bool FileBody::failOnDisk(const std::string& reason)
-{
-    mFailure = {CURLE_WRITE_ERROR, reason};
+    mFailure = {error, reason};
     return false;
 }
 
@@ -161,7 +150,7 @@ void FileBody::headerReceived(std::size_t size)
 bool FileBody::receive(const char* data, std::size_t size)
 {
     if (!mBringsFile)
-        return discard(size);
+        return HttpBody::receive(data, size);
     const auto bytes = static_cast<std::int64_t>(size);
     if (!checkSize(mFile.size() + bytes))
         return false;

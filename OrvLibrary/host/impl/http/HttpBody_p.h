@@ -32,6 +32,8 @@ public:
     /// Called when a header block is complete and a body may follow.
     /// @return false to end the transfer
     virtual bool begin(std::int64_t status, const std::string& headerText);
+    /// The base class only counts the bytes, which nobody needs. They are read so that the connection can be
+    /// used again, unless there are so many that a new connection is cheaper.
     /// @return false to end the transfer
     virtual bool receive(const char* data, std::size_t size);
     /// Called at each step of the transfer loop.
@@ -39,10 +41,6 @@ public:
     virtual CURLcode watch(TimePoint) { return CURLE_OK; }
 
 protected:
-    /// Counts bytes that nobody needs. They are read only so that the connection can be used again. False
-    /// when there are so many that a new connection is cheaper.
-    bool discard(std::size_t size);
-
     HttpLimits mLimits;
 
 private:
@@ -115,8 +113,8 @@ public:
     const Failure& failure() const { return mFailure; }
 
 private:
-    bool fail(const std::string& reason);
-    bool failOnDisk(const std::string& reason);
+    bool fail(const std::string& reason, CURLcode error = CURLE_WEIRD_SERVER_REPLY);
+    bool failOnDisk(const std::string& reason) { return fail(reason, CURLE_WRITE_ERROR); }
     bool beginWhole(const WebUtils::HeaderMap& headers);
     bool beginRest(const WebUtils::HeaderMap& headers);
     bool digestEarlier();

@@ -5,7 +5,6 @@
 #include "OrvLibrary/host/impl/http/HttpConnections_p.h"
 
 #include <algorithm>
-#include <mutex>
 #include <new>
 
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
@@ -15,17 +14,11 @@ namespace {
 /// The number of idle connections to keep.
 constexpr long kKeptConnections = 100;
 
-void initialiseLibrary()
-{
-    static std::once_flag once;
-    std::call_once(once, [] { curl_global_init(CURL_GLOBAL_DEFAULT); });
-}
-
 } // namespace
 
 HttpConnections::HttpConnections()
 {
-    initialiseLibrary();
+    [[maybe_unused]] static const CURLcode once = curl_global_init(CURL_GLOBAL_DEFAULT);
     mMulti = curl_multi_init();
     if (!mMulti)
         throw std::bad_alloc();

@@ -4,12 +4,9 @@
 
 ProgressPacer::ProgressPacer(const HttpLimits& limits, Curl::ProgressFunction progress, void* context,
                              TimePoint start)
-    : mLimits(limits),
-      mProgress(progress),
-      mContext(context),
-      mLastCall(start),
-      mNextCall(start + limits.progressSilence)
+    : mLimits(limits)
 {
+    attach(progress, context, start);
 }
 
 bool ProgressPacer::call(std::int64_t count, TimePoint now)

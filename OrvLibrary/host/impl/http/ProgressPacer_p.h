@@ -41,8 +41,8 @@ private:
     bool callForSteps(std::int64_t from, TimePoint now);
 
     const HttpLimits& mLimits;
-    Curl::ProgressFunction mProgress;
-    void* mContext;
+    Curl::ProgressFunction mProgress = nullptr;
+    void* mContext = nullptr;
     std::int64_t mTotal = 0;
     std::int64_t mReceived = 0;
     /// The count of the last call; -1 before the first call.

@@ -33,12 +33,10 @@ bool RateLimit::keep(std::int64_t bytes, TimePoint& now)
 
 void RateLimit::received(std::int64_t bytes, TimePoint now)
 {
-    if (mBytesPerSecond == 0)
-        return;
-    const std::lock_guard<std::mutex> lock(mMutex);
     const std::int64_t rate = mBytesPerSecond;
     if (rate == 0)
         return;
+    const std::lock_guard<std::mutex> lock(mMutex);
     const std::chrono::duration<double> time(static_cast<double>(bytes) / static_cast<double>(rate));
     mFreeAt = std::max(mFreeAt, now) + std::chrono::duration_cast<TimePoint::duration>(time);
 }
