@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <cerrno>
 #include <condition_variable>
 #include <cstdint>
 #include <cstring>
@@ -25,6 +26,7 @@ constexpr char kMagic[] = "SQLite format 3"; // 16 bytes, with the zero at its e
 
 const char* const kNoDatabase = "is no database";
 const std::string kDamaged = "is a damaged database: ";
+const std::string kUnreadable = "cannot be read: ";
 
 using Header = std::array<unsigned char, kHeaderSize>;
 
@@ -47,8 +49,11 @@ std::string problemOfHeader(const fileString& file)
 {
     constexpr std::size_t kPageSize = 16, kChangeCounter = 24, kPages = 28, kPagesValidFor = 92;
     Header header{};
+    errno = 0;
     std::ifstream stream(file.toNativeString(), std::ios::binary);
     stream.read(reinterpret_cast<char*>(header.data()), kHeaderSize);
+    if (!stream && errno != 0)
+        return kUnreadable + std::strerror(errno);
     if (!stream || std::memcmp(header.data(), kMagic, sizeof kMagic) != 0)
         return kNoDatabase;
     const std::uint64_t stored = bigEndian(header, kPageSize, 2);
@@ -147,9 +152,10 @@ std::string problemOfResult(sqlite3* database, int result)
     case SQLITE_NOTADB:
         return kNoDatabase;
     case SQLITE_CORRUPT:
+        return kDamaged + sqlite3_errmsg(database);
     case SQLITE_IOERR:
     case SQLITE_CANTOPEN:
-        return kDamaged + sqlite3_errmsg(database);
+        return kUnreadable + sqlite3_errmsg(database);
     default:
         return {};
     }

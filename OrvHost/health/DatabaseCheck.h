@@ -15,8 +15,8 @@ namespace OrvHost::DatabaseCheck {
 /// The time limit for one file. If a large database takes longer, only its header decides.
 constexpr std::chrono::milliseconds kLimit{1000};
 
-/// The problem of the file, in words that follow its name, such as "is no database" or "is a damaged
-/// database: ...". Empty if it is sound.
+/// The problem of the file, in words that follow its name: "is no database", "is a damaged database: ..." or
+/// "cannot be read: ...". Empty if it is sound.
 /// @param isCancelled if not empty, called every 20 ms on another thread; true ends the check without a
 /// problem
 ORVHOST_EXPORT std::string problemOf(const fileString& file, std::chrono::milliseconds limit = kLimit,

@@ -1,9 +1,12 @@
 #include "OrvHost/health/DatabaseCheck.h"
 
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
 
 #include <gmock/gmock.h>
 
+#include "tests/support/DescriptorLimit.h"
 #include "tests/support/SampleDatabase.h"
 #include "tests/support/TempFolder.h"
 
@@ -50,8 +53,16 @@ TEST_F(DatabaseCheckTest, otherFilesAreNoDatabases)
                                              std::string(5000, '\0')};
     for (const std::string& bytes : others)
         EXPECT_EQ("is no database", problemOfBytes(bytes)) << bytes.substr(0, 30);
-    EXPECT_EQ("is no database", problemOf(folder.file("not there")));
-    EXPECT_EQ("is no database", problemOf(fileString(folder.path())));
+}
+
+TEST_F(DatabaseCheckTest, fileThatCannotBeReadIsNotSaidToBeNoDatabase)
+{
+    const auto reason = [](int error) { return std::string("cannot be read: ") + std::strerror(error); };
+    EXPECT_EQ(reason(ENOENT), problemOf(folder.file("not there")));
+    EXPECT_EQ(reason(EISDIR), problemOf(fileString(folder.path())));
+    const fileString sound = folder.write("catalog.orvlib", test::sampleDatabase("doors"));
+    const test::DescriptorLimit none(0);
+    EXPECT_EQ(reason(EMFILE), problemOf(sound));
 }
 
 TEST_F(DatabaseCheckTest, cutDatabaseIsDamaged)

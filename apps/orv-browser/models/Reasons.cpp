@@ -31,6 +31,7 @@ const char* const kKnown[] = {
     QT_TRANSLATE_NOOP("Reasons", "is no database"),
     QT_TRANSLATE_NOOP("Reasons", "is a damaged database: it is cut off"),
     QT_TRANSLATE_NOOP("Reasons", "is a damaged database: %1"),
+    QT_TRANSLATE_NOOP("Reasons", "cannot be read: %1"),
     QT_TRANSLATE_NOOP("Reasons", "another update is running on this root: %1 is locked"),
     QT_TRANSLATE_NOOP("Reasons", "another import is running on this root: %1 is locked"),
     QT_TRANSLATE_NOOP("Reasons", "cannot lock %1: another program is changing the settings"),

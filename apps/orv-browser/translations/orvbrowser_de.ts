@@ -1333,6 +1333,10 @@
         <translation>ist eine beschädigte Datenbank: %1</translation>
     </message>
     <message>
+        <source>cannot be read: %1</source>
+        <translation>kann nicht gelesen werden: %1</translation>
+    </message>
+    <message>
         <source>another update is running on this root: %1 is locked</source>
         <translation>hier läuft schon eine andere Aktualisierung: %1 ist gesperrt</translation>
     </message>
