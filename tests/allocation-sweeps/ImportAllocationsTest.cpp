@@ -26,6 +26,17 @@ public:
     void updateLabels(const marl::unicode::String&, const marl::unicode::String&) override {}
 };
 
+/// Cancels at the question with this number, and at all later ones.
+class CancellingProgress : public QuietProgress
+{
+public:
+    explicit CancellingProgress(int at) : mLeft(at) {}
+    bool checkCancel(bool) override { return --mLeft <= 0; }
+
+private:
+    int mLeft;
+};
+
 test::ArchiveBuilder archive(unsigned seed)
 {
     test::ArchiveBuilder builder;
@@ -74,6 +85,29 @@ public:
 
 private:
     std::shared_ptr<ProgressSubject> mProgress = std::make_shared<QuietProgress>();
+};
+
+/// Is cancelled before the last member, when a database and pictures are written already.
+class CancelUnpack : public Unpack
+{
+public:
+    using Unpack::Unpack;
+
+    void prepare() override
+    {
+        test::ArchiveBuilder builder = archive(1);
+        builder.add("Kitchen.orvlib", sampleBytes(5000, 3));
+        builder.add("last.jpg", sampleBytes(1000, 4));
+        builder.write(host().folder(), "user/Kitchen.orvlibz");
+    }
+    void act() override
+    {
+        const fileString source = host().folder().file("user/Kitchen.orvlibz");
+        const auto progress = std::make_shared<CancellingProgress>(4);
+        const CountedAllocations counted;
+        EXPECT_EQ(LibraryImport::unpack(source, true, progress), LibraryImport::UnpackResult());
+    }
+    bool isExcepted(const std::string&) const override { return false; }
 };
 
 class PlaceTextures : public AllocationScenario
@@ -203,6 +237,11 @@ protected:
 TEST_F(ImportAllocations, unpackingLeavesNoHalfFile)
 {
     sweep<Unpack>();
+}
+
+TEST_F(ImportAllocations, cancelledUnpackingLeavesNothing)
+{
+    sweep<CancelUnpack>();
 }
 
 TEST_F(ImportAllocations, placingTexturesLeavesNoHalfArchive)
