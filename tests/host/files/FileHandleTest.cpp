@@ -10,6 +10,7 @@
 
 #include "tests/host/files/LocklessSystem.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/DescriptorLimit.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -43,6 +44,17 @@ TEST(FileHandle, fileThatMayOnlyBeWrittenIsOpenedForItsLock)
         return file && host::mayUse(host::tryLock(file.get(), LOCK_EX)) ? 0 : 1;
     });
     EXPECT_EQ(end.status, 0);
+}
+
+TEST(FileHandle, descriptorsAreCountedUpToTheLimit)
+{
+    const test::DescriptorLimit limit(host::descriptorUse().open + 2);
+    const host::DescriptorUse before = host::descriptorUse();
+    EXPECT_EQ(before.limit, before.open + 2);
+    const host::FileHandle one = host::openFile("/", O_RDONLY);
+    EXPECT_GT(host::descriptorUse().open, before.open);
+    const host::FileHandle two = host::openFile("/", O_RDONLY);
+    EXPECT_EQ(host::descriptorUse().open, before.limit);
 }
 
 } // namespace

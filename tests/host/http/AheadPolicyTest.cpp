@@ -59,6 +59,23 @@ TEST(AheadPolicyTest, bodiesAheadAreBounded)
     EXPECT_TRUE(AheadPolicy::allowsBody({2, 0, 2}, 8'000'000));
 }
 
+TEST(AheadPolicyTest, quarterOfTheDescriptorsIsLeftForOtherFiles)
+{
+    const auto row = [](std::size_t connections, std::size_t open, std::size_t limit) {
+        const AheadPolicy::Allowance allowance = AheadPolicy::allowance(connections, {open, limit});
+        return std::make_pair(allowance.connections, allowance.bodies);
+    };
+    using Row = std::pair<std::size_t, std::size_t>;
+    EXPECT_EQ(row(16, 20, 1024), Row(16, 128));
+    EXPECT_EQ(row(96, 20, 1024), Row(96, 128));
+    EXPECT_EQ(row(96, 500, 1024), Row(96, 12));
+    EXPECT_EQ(row(16, 600, 1024), Row(16, 0));
+    EXPECT_EQ(row(96, 10, 64), Row(16, 22));
+    EXPECT_EQ(row(16, 3, 3), Row(1, 0));
+    EXPECT_FALSE(AheadPolicy::allowsBody({22, 0, 0}, 1, 22));
+    EXPECT_TRUE(AheadPolicy::allowsBody({21, 0, 0}, 1, 22));
+}
+
 TEST(AheadPolicyTest, stallIsASecondOrEightTimesAnAnswer)
 {
     EXPECT_EQ(AheadPolicy::stallTime(-1us), 1s);

@@ -1,8 +1,10 @@
 // How much is fetched ahead, and when the next downloads may start.
 #include <numeric>
 
+#include "OrvLibrary/host/impl/files/FileHandle_p.h"
 #include "OrvLibrary/host/impl/http/AheadPolicy_p.h"
 #include "tests/host/http/CurlDownloadsFixture.h"
+#include "tests/support/DescriptorLimit.h"
 
 using namespace std::chrono_literals;
 
@@ -177,6 +179,18 @@ TEST_F(CurlDownloadsBoundsTest, eachStandsAheadWithAFileOfWhichThereAreFew)
     expectAsked(downloads, first(131));
     curl.prefetchDownloads({});
     EXPECT_EQ(files().size(), 3u);
+}
+
+TEST_F(CurlDownloadsBoundsTest, descriptorsAreLeftForOtherFiles)
+{
+    const Downloads downloads = serve(100);
+    learnLatency();
+    const std::size_t open = host::descriptorUse().open;
+    const DescriptorLimit limit(2 * open + 80); // so 40 bodies are allowed
+    curl.prefetchDownloads(downloads);
+    expectAsked(downloads, first(40));
+    for (const auto& download : downloads)
+        EXPECT_TRUE(get(download)) << reason;
 }
 
 } // namespace test

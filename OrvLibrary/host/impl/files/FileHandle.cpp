@@ -13,6 +13,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "OrvLibrary/host/fileString.h"
@@ -156,6 +157,15 @@ FileHandle openForLock(const std::string& path, int extraFlags)
     if (!file && errno == EACCES)
         file = openFile(path, O_WRONLY | extraFlags);
     return file;
+}
+
+DescriptorUse descriptorUse()
+{
+    rlimit limit{};
+    getrlimit(RLIMIT_NOFILE, &limit);
+    // The system gives each new file the lowest free number.
+    const FileHandle lowest = openFile("/", O_PATH);
+    return {lowest ? static_cast<std::size_t>(lowest.get()) : limit.rlim_cur, limit.rlim_cur};
 }
 
 Lock tryLock(int descriptor, int lock)

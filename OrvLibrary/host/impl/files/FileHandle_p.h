@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -58,6 +59,14 @@ FileHandle openRegularFile(const std::string& path);
 /// Opens an existing file only to lock it: for reading and writing if the permissions allow both, otherwise
 /// for one of them.
 FileHandle openForLock(const std::string& path, int extraFlags = 0);
+
+/// The descriptors of this process.
+struct DescriptorUse
+{
+    std::size_t open = 0;  ///< at least so many are open
+    std::size_t limit = 0; ///< the process may open no more
+};
+DescriptorUse descriptorUse();
 
 /// The result of an attempt to lock a file.
 enum class Lock

@@ -23,11 +23,12 @@ std::string keyOf(const HttpRequest& request)
 } // namespace
 
 AheadList::AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory> memory,
-                     const HttpLimits& limits, std::vector<AheadRequest> requests, int connectionLimit)
+                     const HttpLimits& limits, std::vector<AheadRequest> requests,
+                     std::size_t connectionLimit)
     : mConnections(connections),
       mMemory(std::move(memory)),
       mLimits(limits),
-      mConnectionLimit(static_cast<std::size_t>(std::max(connectionLimit, 1))),
+      mAllowance(AheadPolicy::allowance(connectionLimit, host::descriptorUse())),
       mNoBody(limits),
       mEntries(requests.size())
 {
@@ -45,7 +46,7 @@ AheadList::AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory
         if (!isFirst || asked.size < 1 || asked.size > AheadPolicy::kMostBytes)
             mEntries[i].state = State::Gone;
     }
-    mConnections.addAhead(*this, connectionLimit);
+    mConnections.addAhead(*this, mAllowance.connections);
 }
 
 AheadList::~AheadList()
@@ -197,5 +198,5 @@ bool AheadList::isInTheWay() const
 {
     if (mRunning.empty() || mCourse.isStopped)
         return !mRunning.empty();
-    return !serverOf(*mRunning.back()).isMultiplexing && mConnections.aheadCount() >= mConnectionLimit;
+    return !serverOf(*mRunning.back()).isMultiplexing && mConnections.aheadCount() >= mAllowance.connections;
 }

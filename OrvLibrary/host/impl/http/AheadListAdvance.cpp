@@ -40,10 +40,10 @@ void AheadList::startWaiting(TimePoint now)
 /// Whether the entry may be sent now.
 bool AheadList::mayStart(const Entry& entry) const
 {
-    if (entry.asked.isDownload() && !AheadPolicy::allowsBody(load(), entry.asked.size))
+    if (entry.asked.isDownload() && !AheadPolicy::allowsBody(load(), entry.asked.size, mAllowance.bodies))
         return false;
     return mConnections.aheadCount() < AheadPolicy::width(serverOf(entry), entry.asked.isDownload(),
-                                                          mConnectionLimit, mConnections.isInTurn());
+                                                          mAllowance.connections, mConnections.isInTurn());
 }
 
 AddressMemory::Known AheadList::serverOf(const Entry& entry) const

@@ -38,9 +38,9 @@ public:
     using TimePoint = HttpLimits::Clock::time_point;
 
     /// The first requests are sent at the next step of the connections.
-    /// @param connectionLimit how many connections may be open at once
+    /// @param connectionLimit how many connections the host allows
     AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory> memory, const HttpLimits& limits,
-              std::vector<AheadRequest> requests, int connectionLimit);
+              std::vector<AheadRequest> requests, std::size_t connectionLimit);
     /// Ends the transfers that are still running and removes the files that no call has asked for.
     ~AheadList() override;
 
@@ -126,7 +126,7 @@ private:
     HttpConnections& mConnections;
     const std::shared_ptr<AddressMemory> mMemory;
     const HttpLimits mLimits;
-    const std::size_t mConnectionLimit;
+    const AheadPolicy::Allowance mAllowance;
     /// The body object of all header requests. Their answers have no body, but every transfer needs an
     /// object.
     HttpBody mNoBody;

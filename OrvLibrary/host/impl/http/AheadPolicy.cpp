@@ -2,6 +2,15 @@
 
 #include <algorithm>
 
+AheadPolicy::Allowance AheadPolicy::allowance(std::size_t connections, const host::DescriptorUse& descriptors)
+{
+    Allowance allowance;
+    allowance.connections = std::clamp<std::size_t>(descriptors.limit / 4, 1, connections);
+    const std::size_t half = descriptors.limit / 2;
+    allowance.bodies = std::min(kMostBodies, half - std::min(half, descriptors.open));
+    return allowance;
+}
+
 std::size_t AheadPolicy::width(const AddressMemory::Known& known, bool isDownload,
                                std::size_t connectionLimit, bool isInTurn)
 {
@@ -13,9 +22,9 @@ std::size_t AheadPolicy::width(const AddressMemory::Known& known, bool isDownloa
     return connectionLimit - (isOneTaken ? 1 : 0);
 }
 
-bool AheadPolicy::allowsBody(const Load& load, std::int64_t size)
+bool AheadPolicy::allowsBody(const Load& load, std::int64_t size, std::size_t most)
 {
-    return load.bodies < kMostBodies && load.bytes + size <= kMostBytes &&
+    return load.bodies < most && load.bytes + size <= kMostBytes &&
            (size <= kLarge || load.largeRunning < kMostLarge);
 }
 

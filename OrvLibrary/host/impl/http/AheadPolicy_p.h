@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "OrvLibrary/host/impl/files/FileHandle_p.h"
 #include "OrvLibrary/host/impl/http/AddressMemory_p.h"
 
 /// Decides how many requests are sent ahead of their calls. All numbers and rules for this are here. Nothing
@@ -16,6 +17,8 @@
 /// - If a connection carries many requests (HTTP/2), a hundred downloads run at once, or 800 header requests.
 ///   The transfer library opens a further connection, up to the host's limit, for requests that the open ones
 ///   cannot carry.
+/// - A quarter of the process's descriptors is left for other files, so that they can be opened as if nothing
+///   was sent ahead.
 /// - After the first sign of trouble, `AheadList` sends one request at a time.
 struct AheadPolicy
 {
@@ -50,15 +53,24 @@ struct AheadPolicy
         std::int64_t bytes = 0; ///< the sum of their announced sizes
         std::size_t largeRunning = 0;
     };
+    /// The largest numbers for one list of requests.
+    struct Allowance
+    {
+        std::size_t connections = 0;
+        std::size_t bodies = 0; ///< arriving or complete
+    };
 
     static bool isNear(Microseconds latency) { return latency < kNear; }
+    /// @param connections how many the host allows
+    static Allowance allowance(std::size_t connections, const host::DescriptorUse& descriptors);
     /// How many requests may run at once.
-    /// @param connectionLimit how many connections the host allows
+    /// @param connectionLimit how many connections may be open
     /// @param isInTurn whether a request is being made in its turn, beside those that are sent ahead
     static std::size_t width(const AddressMemory::Known& known, bool isDownload, std::size_t connectionLimit,
                              bool isInTurn);
     /// Whether one more body of `size` bytes may be fetched ahead.
-    static bool allowsBody(const Load& load, std::int64_t size);
+    /// @param most the largest number of bodies
+    static bool allowsBody(const Load& load, std::int64_t size, std::size_t most = kMostBodies);
     /// The limits of such a body until its call comes: it may not be larger than announced, and it leaves
     /// free space for all others that are fetched ahead.
     /// @param limits those of ordinary downloads

@@ -41,10 +41,10 @@ void CurlService::setConnectionLimit(int connections)
     mConnectionLimit = std::clamp(connections, 1, kMostConnections);
 }
 
-int CurlService::connectionLimit()
+std::size_t CurlService::connectionLimit()
 {
     const std::lock_guard<std::mutex> lock(mSettingsMutex);
-    return mConnectionLimit;
+    return static_cast<std::size_t>(mConnectionLimit);
 }
 
 HttpRequest CurlService::request(const std::string& url, const std::vector<std::string>& headerLines)

@@ -50,7 +50,7 @@ private:
     HttpAnswer ask(HttpRequest request, HttpBody& body, HttpLimits::Milliseconds timeout);
     bool downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
                          FileBody::Failure& failure);
-    int connectionLimit();
+    std::size_t connectionLimit();
     void announce(std::unique_ptr<AheadList> CurlThread::*place,
                   const std::function<void(std::vector<AheadRequest>&)>& fill);
 

@@ -51,7 +51,7 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body)
     return answer;
 }
 
-void HttpConnections::addAhead(AheadWork& work, int connectionLimit)
+void HttpConnections::addAhead(AheadWork& work, std::size_t connectionLimit)
 {
     mAhead.push_back(&work);
     curl_multi_setopt(mMulti, CURLMOPT_MAX_HOST_CONNECTIONS, static_cast<long>(connectionLimit));

@@ -64,7 +64,7 @@ public:
 
     /// Adds work that moves on while `perform` waits. The caller keeps ownership.
     /// @param connectionLimit from now on, at most this many connections to each address are open
-    void addAhead(AheadWork& work, int connectionLimit);
+    void addAhead(AheadWork& work, std::size_t connectionLimit);
     void removeAhead(AheadWork& work);
     /// How many requests that were sent ahead are running.
     std::size_t aheadCount() const;
