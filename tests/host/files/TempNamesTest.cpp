@@ -1,6 +1,7 @@
 #include "OrvLibrary/host/impl/files/TempNames_p.h"
 
 #include <filesystem>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -55,6 +56,24 @@ TEST_F(TempNames, ownFilesStayOnLaterUse)
     leaveFiles();
     host::claimTempFolder(mFolder.path());
     EXPECT_EQ(list().size(), 3u);
+}
+
+TEST_F(TempNames, filesStayThoughThreadsClaimTheFolderAtOnce)
+{
+    for (int round = 0; round < 20; ++round) {
+        const std::string folder = mFolder.path() + "/" + std::to_string(round);
+        std::filesystem::create_directory(folder);
+        std::vector<std::thread> threads;
+        for (int thread = 0; thread < 4; ++thread) {
+            threads.emplace_back([&folder] {
+                host::claimTempFolder(folder);
+                test::writeFile(folder + "/" + host::makeTempName(".zip"), "x");
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        EXPECT_EQ(test::listTree(folder).size(), 4u);
+    }
 }
 
 TEST_F(TempNames, theFilesOfALivingProcessStay)
