@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 
 #include "OrvLibrary/host/Application.h"
+#include "OrvLibrary/host/MessagingSystem.h"
 #include "OrvLibrary/host/PathUtils.h"
 #include "OrvLibrary/host/PreferenceEngine.h"
 #include "OrvLibrary/host/StringUtils.h"
@@ -16,6 +17,7 @@ TEST(AppHost, servicesAreInstalledForItsLifeOnly)
 {
     const test::TempFolder folder;
     PathUtils* const formerPaths = &PathUtils::getObject();
+    error::MessagingSystem* const formerMessages = &error::MessagingSystem::control();
     {
         const OrvHost::AppHost host({folder.file("root")});
         ASSERT_NE(nullptr, gApp.load());
@@ -26,6 +28,7 @@ TEST(AppHost, servicesAreInstalledForItsLifeOnly)
     }
     EXPECT_EQ(nullptr, gApp.load());
     EXPECT_EQ(formerPaths, &PathUtils::getObject());
+    EXPECT_EQ(formerMessages, &error::MessagingSystem::control());
 }
 
 TEST(AppHost, textsAreInTheUsersLanguageForItsLife)
