@@ -20,17 +20,12 @@ namespace OrvHost {
 namespace fs = std::filesystem;
 
 using HistoryFolder::isRegularFile;
+using HistoryFolder::isSameFile;
 using HistoryFolder::namesIn;
 
 namespace {
 
 constexpr std::streamsize kPiece = 64 * 1024;
-
-bool isSameFile(const fileString& left, const fileString& right)
-{
-    std::error_code error;
-    return fs::equivalent(left.toNativeString(), right.toNativeString(), error) && !error;
-}
 
 /// Gives a file a second name. Copies it if that is not possible.
 bool linkOrCopy(const fileString& from, const fileString& to, std::string& reason)

@@ -11,6 +11,7 @@ namespace OrvHost {
 namespace fs = std::filesystem;
 
 using HistoryFolder::isRegularFile;
+using HistoryFolder::isSameFile;
 using HistoryFolder::namesIn;
 
 namespace {
@@ -67,10 +68,15 @@ void CatalogHistory::settle() const
 
 void CatalogHistory::settle(const CatalogPlace& place) const
 {
-    int kept = 0;
+    const auto most = static_cast<std::size_t>(std::max(mBounds.versions, 1));
+    std::vector<HistoryEntry> kept;
     for (const HistoryEntry& entry : HistoryEntry::of(place)) {
-        if (kept < std::max(mBounds.versions, 1) && !hasSameContents(entry.file, place.path()))
-            ++kept;
+        // Restores that were killed one after the other may have kept a version twice.
+        const bool isTwice = std::any_of(kept.begin(), kept.end(), [&](const HistoryEntry& newer) {
+            return newer.tag == entry.tag && isSameFile(newer.file, entry.file);
+        });
+        if (kept.size() < most && !isTwice && !hasSameContents(entry.file, place.path()))
+            kept.push_back(entry);
         else
             remove(entry);
     }

@@ -12,6 +12,12 @@ bool isRegularFile(const fileString& file)
     return fs::is_regular_file(file.toNativeString(), error);
 }
 
+bool isSameFile(const fileString& left, const fileString& right)
+{
+    std::error_code error;
+    return fs::equivalent(left.toNativeString(), right.toNativeString(), error) && !error;
+}
+
 std::vector<fileString> namesIn(const fileString& folder)
 {
     std::vector<fileString> names;

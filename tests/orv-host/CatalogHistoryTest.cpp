@@ -134,6 +134,19 @@ TEST_F(CatalogHistoryTest, settlingKeepsTheNewestVersionsOnly)
     EXPECT_THAT(versions(kDoors), ElementsAre("5")) << "the newest always stays";
 }
 
+TEST_F(CatalogHistoryTest, versionThatWasKeptTwiceStaysOnce)
+{
+    replace(kDoors, "", "one");
+    replace(kDoors, "1", "two");
+    replace(kDoors, "2", "three");
+    const std::string oldest = history.versions(kDoors).at(1).file.toNativeString();
+    const std::string kept = CatalogHistory::folderOf(kDoors).toNativeString();
+    fs::create_hard_link(oldest, kept + "/29991231T000000001=1.orvlib");
+    fs::create_hard_link(oldest, kept + "/29991231T000000002=3.orvlib");
+    history.settle();
+    EXPECT_THAT(versions(kDoors), ElementsAre("3", "1", "2"));
+}
+
 TEST_F(CatalogHistoryTest, theOldestGoFirstWhenThereIsTooMuchInAll)
 {
     replace(kDoors, "", std::string(100, '1'));
