@@ -47,7 +47,8 @@ def digest(path, relative):
         return database_digest(path)
     if relative.endswith("/catalog_hash.txt"):
         return "parts " + repr(content.decode(errors="replace").splitlines())
-    if path.endswith(".zip"):
+    # The bin may give an archive a name with another ending.
+    if path.endswith(".zip") or (BIN.match(relative) and content.startswith(b"PK")):
         try:
             with zipfile.ZipFile(path) as archive:
                 members = sorted((info.filename, info.CRC, info.file_size) for info in archive.infolist())

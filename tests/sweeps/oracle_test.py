@@ -153,6 +153,20 @@ class BinTest(unittest.TestCase):
             os.remove(os.path.join(top, "home/data/Trash/files/Mine 2.orvlib"))
             self.assertEqual(oracle.judge_lost(oracle.snapshot(top), old, old.keys()), ["root/user/Mine.orvlib is lost"])
 
+    def test_an_archive_in_the_bin_is_known_by_its_members_whatever_its_name(self):
+        with tempfile.TemporaryDirectory() as top:
+            folder = os.path.join(top, "home/data/Trash/files")
+            os.makedirs(folder)
+            for name, content in (("Mine.zip-0001", "oak"), ("Other.zip-0001", "pine")):
+                with zipfile.ZipFile(os.path.join(folder, name), "w") as archive:
+                    archive.writestr("oak.jpg", content)
+            os.rename(os.path.join(folder, "Mine.zip-0001"), os.path.join(top, "Mine.zip"))
+            old = {"Mine.zip": oracle.digest(os.path.join(top, "Mine.zip"), "Mine.zip")}
+            os.rename(os.path.join(top, "Mine.zip"), os.path.join(folder, "Mine.zip-0001"))
+            self.assertEqual(oracle.judge_lost(oracle.snapshot(top), old, old.keys()), [])
+            os.remove(os.path.join(folder, "Mine.zip-0001"))
+            self.assertEqual(oracle.judge_lost(oracle.snapshot(top), old, old.keys()), ["Mine.zip is lost"])
+
     def test_what_is_gone_from_the_bin_is_for_the_judge_of_lost_files(self):
         final = {"a": "1", oracle.IN_BIN + "2": "2"}
         self.assertEqual(oracle.judge_recovered({"a": "1"}, [final]), [])
