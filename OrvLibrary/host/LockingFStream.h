@@ -31,8 +31,8 @@ public:
 
     bool is_open() const;
     /// Ends the stream. For output, this is when the target gets its new content. On failure sets `failbit`,
-    /// and the target keeps its old content. (If only syncing the folder failed, the target has the new
-    /// content, but may lose it in a power failure.)
+    /// and the target keeps its old content. (A folder that cannot be synced is no failure: the target has
+    /// the new content, but may lose it in a power failure.)
     void close();
 
 private:

@@ -288,6 +288,23 @@ TEST_F(FileUtilsAcrossDevices, moveThatFailsLeavesBothSides)
     EXPECT_EQ(test::listTree(mDevice.path()), Names{"folder/"});
 }
 
+TEST_F(FileUtilsMoveTest, moveByCopyKeepsTheSourceWhileThePowerCouldTakeTheCopy)
+{
+    setMode(fileString(mFolder.path()), 0777);
+    const fileString from = mFolder.write("from", "new");
+    setMode(from, 0644);
+    std::filesystem::create_directory(mFolder.path() + "/closed");
+    setMode(mFolder.file("closed"), 0333); // nobody can open it to sync it
+    const auto end = test::runWithoutRights([&] {
+        const std::string to = mFolder.path() + "/closed/to";
+        return host::moveByCopy(from.toNativeString(), to, false) ? 1 : 0;
+    });
+    setMode(mFolder.file("closed"), 0755);
+    EXPECT_EQ(end.status, 0);
+    EXPECT_EQ(test::readFile(from), "new");
+    EXPECT_EQ(test::readFile(mFolder.file("closed/to")), "new");
+}
+
 TEST_F(FileUtilsMoveTest, moveByCopyFailsWhereTheSourceStays)
 {
     if (geteuid() != 0)

@@ -12,6 +12,7 @@
 #include "OrvLibrary/host/impl/files/ReplacementFile_p.h"
 #include "tests/host/files/LinklessSystem.h"
 #include "tests/host/files/LocklessSystem.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -136,6 +137,21 @@ TEST(ReplacementFile, aFreshFileGetsItsNameWithoutHardLinksToo)
     EXPECT_EQ(test::readFile(target), "new");
     EXPECT_EQ(test::readFile(other), "somebody else's");
     EXPECT_EQ(test::listTree(folder.path()), (std::vector<std::string>{"data", "other"}));
+}
+
+TEST(ReplacementFile, aFolderThatCannotBeSyncedIsNoFailureBecauseTheFileIsInPlace)
+{
+    using host::ReplacementFile;
+    const test::TempFolder folder;
+    ASSERT_EQ(chmod(folder.path().c_str(), 0333), 0); // nobody can open it
+    const auto end = test::runWithoutRights([&] {
+        const auto file = ReplacementFile::open(folder.path() + "/data", ReplacementFile::Mode::Fresh);
+        const bool isWritten = file && write(file->descriptor(), "new", 3) == 3;
+        return isWritten && file->commit() ? 0 : 1;
+    });
+    ASSERT_EQ(chmod(folder.path().c_str(), 0755), 0);
+    EXPECT_EQ(end.status, 0);
+    EXPECT_EQ(test::readFile(folder.file("data")), "new");
 }
 
 TEST(ReplacementFile, whoeverHasNoTimeLeftIsToldThatTheTargetIsLocked)

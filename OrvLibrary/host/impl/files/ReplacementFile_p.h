@@ -43,13 +43,13 @@ public:
     /// When the new content is safe from a power failure.
     enum class Durability
     {
-        Synced,        ///< content and name are on the disk when `commit` returns
+        Synced, ///< content and name are on the disk when `commit` returns, if the folder can be synced
         ContentSynced, ///< the content is on the disk before the rename; the old target may come back
         Unsynced       ///< no promise, as with an ordinary copy
     };
     /// Syncs the file, renames it to the target and syncs the folder, as `durability` demands.
-    /// @return false on failure, with the reason in `errno`; the target is then unchanged. If only syncing
-    /// the folder failed, it has the new content.
+    /// @return false on failure, with the reason in `errno`; the target is then unchanged. A folder that
+    /// cannot be synced is no failure, because the target has the new content by then.
     bool commit(Durability durability = Durability::Synced);
 
     /// The path of the file beside. No other target and no other program uses it.
