@@ -126,8 +126,13 @@ try {
         return false;
     const CatalogPlace companion = place.companion();
     if (!companion.name.empty()) {
-        const std::vector<HistoryEntry> archives = HistoryEntry::ofOrThrow(companion);
-        const fileString archive = archives.empty() ? companion.path() : archives.front().file;
+        // The first that was kept since the former version. An update that replaced the archive but not the
+        // catalog is followed by one that keeps the archive again.
+        fileString archive = companion.path();
+        for (const HistoryEntry& kept : HistoryEntry::ofOrThrow(companion)) {
+            if (!newest || kept.time > newest->time)
+                archive = kept.file;
+        }
         if (isRegularFile(archive) && !linkOrCopy(archive, entry.companion(), reason))
             return false;
     }

@@ -231,6 +231,20 @@ TEST_F(CatalogHistoryTest, archivesCountAndGoWithTheirVersionsWhereThereIsTooMuc
     EXPECT_THAT(files(kGarden), SizeIs(2));
 }
 
+TEST_F(CatalogHistoryTest, aCatalogKeepsItsArchiveWhenAnUpdateReplacedOnlyThat)
+{
+    replace(kGarden, "", "catalog 1");
+    replace(kGardenFiles, "", "files 1");
+    replace(kGardenFiles, "", "files 2"); // the catalog that came with it was refused
+    replace(kGardenFiles, "", "files 2"); // the next update brings both again
+    replace(kGarden, "1", "catalog 2");
+    history.settle();
+    EXPECT_EQ("files 1", test::readFile(history.versions(kGarden).front().companion));
+    replace(kGarden, "2", "catalog 3"); // with the same archive
+    history.settle();
+    EXPECT_EQ("files 2", test::readFile(history.versions(kGarden).front().companion));
+}
+
 TEST_F(CatalogHistoryTest, aCatalogIsNotKeptWithAnArchiveThatMayBeAnotherVersions)
 {
     folder.write("root/bonus/Garden.orvlib", "catalog 1");
