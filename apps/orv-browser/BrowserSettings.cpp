@@ -1,10 +1,10 @@
 #include "apps/orv-browser/BrowserSettings.h"
 
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 
 #include "OrvHost/TextFile.h"
+#include "OrvLibrary/host/FileUtils.h"
 #include "apps/orv-browser/models/Reasons.h"
 
 namespace {
@@ -19,10 +19,8 @@ fileString fileIn(const fileString& root)
 BrowserSettings BrowserSettings::load(const fileString& root)
 {
     BrowserSettings settings;
-    QFile file(QFile::decodeName(fileIn(root).toNativeString().c_str()));
-    if (!file.open(QIODevice::ReadOnly))
-        return settings;
-    const QJsonObject document = QJsonDocument::fromJson(file.readAll()).object();
+    const QByteArray text = QByteArray::fromStdString(textIn(root).value_or(std::string()));
+    const QJsonObject document = QJsonDocument::fromJson(text).object();
     settings.checkAtStart = document["checkAtStart"].toBool();
     settings.checkAgeHours = qBound(0, document["checkAgeHours"].toInt(settings.checkAgeHours), kMostHours);
     settings.colours = document["colours"].toString(settings.colours);
@@ -40,4 +38,20 @@ bool BrowserSettings::save(const fileString& root, QString& reason) const
         reason = Reasons::text(error.what());
         return false;
     }
+}
+
+std::optional<std::string> BrowserSettings::textIn(const fileString& root)
+{
+    const fileString file = fileIn(root);
+    return file.pathExists() ? std::optional(OrvHost::TextFile::read(file)) : std::nullopt;
+}
+
+void BrowserSettings::putBack(const fileString& root, const std::optional<std::string>& text)
+try {
+    if (text)
+        OrvHost::TextFile::write(fileIn(root), *text);
+    else
+        FileUtils::removePath(fileIn(root));
+} catch (const std::exception&) {
+    return; // what the user hears is why it had to be put back
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <optional>
+#include <string>
+
 #include <QString>
 
 #include "OrvLibrary/host/fileString.h"
@@ -14,8 +17,15 @@ struct BrowserSettings
     int checkAgeHours = 24;                     ///< no check at start while the last one is younger
     QString colours = QStringLiteral("system"); ///< see Appearance
 
-    /// What the file says; the defaults where it says nothing or cannot be read.
+    /// What the file says; the defaults where it says nothing.
+    /// @throws std::runtime_error if there is a file that cannot be read
     static BrowserSettings load(const fileString& root);
     /// @param reason filled on failure; the file is then as it was
     bool save(const fileString& root, QString& reason) const;
+
+    /// The whole file; none if there is no file.
+    /// @throws std::runtime_error if there is one that cannot be read
+    static std::optional<std::string> textIn(const fileString& root);
+    /// Makes the file what it was, as far as it can be written.
+    static void putBack(const fileString& root, const std::optional<std::string>& text);
 };

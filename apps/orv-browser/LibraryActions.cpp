@@ -23,18 +23,19 @@
 #include "apps/orv-browser/dialogs/ManufacturerPreview.h"
 #include "apps/orv-browser/dialogs/PreferencesDialog.h"
 #include "apps/orv-browser/models/LibraryContent.h"
+#include "apps/orv-browser/models/Reasons.h"
 
 LibraryActions::LibraryActions(QMainWindow& window, const fileString& root, QUndoStack& undo)
     : QObject(&window),
       mWindow(window),
       mUndo(undo),
       mRoot(root),
-      mSettings(BrowserSettings::load(root)),
       mShared(root),
       mUpdates(new UpdateController(window, root)),
       mQuietCheck(new QuietCheck(root, &window)),
       mImports(new ImportController(root, &window))
 {
+    readOwn(); // the defaults do meanwhile
     Appearance::apply(mSettings.colours);
     connect(mUpdates, &UpdateController::catalogReplaced, this, &LibraryActions::catalogChanged);
     connect(mUpdates, &UpdateController::ended, this, &LibraryActions::updateEnded);
@@ -69,6 +70,14 @@ bool LibraryActions::readShared()
     if (!problem.isEmpty())
         Q_EMIT said(problem);
     return problem.isEmpty();
+}
+
+QString LibraryActions::readOwn()
+try {
+    mSettings = BrowserSettings::load(mRoot);
+    return {};
+} catch (const std::exception& error) {
+    return Reasons::text(error.what());
 }
 
 void LibraryActions::cancel()
@@ -209,28 +218,31 @@ void LibraryActions::refreshManufacturers()
 }
 
 /// They lie in two files. Where only one of them can be written, it gets its former preferences back.
-bool LibraryActions::savePreferences(const BrowserSettings& former, const SharedSettings::Changes& changes,
-                                     QString& reason)
-{
+bool LibraryActions::savePreferences(const SharedSettings::Changes& changes, QString& reason)
+try {
+    const std::optional<std::string> former = BrowserSettings::textIn(mRoot);
     if (!mSettings.save(mRoot, reason))
         return false;
     if (mShared.change(changes, reason))
         return true;
-    QString ignored;
-    former.save(mRoot, ignored);
+    BrowserSettings::putBack(mRoot, former);
+    return false;
+} catch (const std::exception& error) {
+    reason = Reasons::text(error.what());
     return false;
 }
 
 void LibraryActions::editPreferences()
 {
     readShared();
+    QString reason = readOwn();
     PreferencesDialog dialog(mShared.file(), mSettings, &mWindow);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    const BrowserSettings former = std::exchange(mSettings, dialog.own());
+    mSettings = dialog.own();
     Appearance::apply(mSettings.colours);
-    QString reason;
-    if (!savePreferences(former, dialog.changes(), reason))
+    // What could not be read must not be replaced by what the dialog showed instead.
+    if (!reason.isEmpty() || !savePreferences(dialog.changes(), reason))
         QMessageBox::warning(&mWindow, mWindow.windowTitle(),
                              tr("The preferences were not saved: %1").arg(reason));
     readShared();

@@ -71,8 +71,9 @@ Q_SIGNALS:
     void recordsChanged();
 
 private:
-    bool savePreferences(const BrowserSettings& former, const SharedSettings::Changes& changes,
-                         QString& reason);
+    /// @return why the window's own settings cannot be read, for people; empty when they can
+    QString readOwn();
+    bool savePreferences(const SharedSettings::Changes& changes, QString& reason);
     void quietCheckEnded();
     void update(bool evenOnMetered);
     void updateEnded(const UpdateSummary& summary);

@@ -197,7 +197,7 @@ TEST_F(BrowserPreferencesTest, cancelBeforeTheFirstAnswerIsNoError)
     EXPECT_FALSE(child<QWidget>("messageBar").isVisible());
 }
 
-TEST_F(BrowserPreferencesTest, fileThatCannotBeReadMeansTheDefaults)
+TEST_F(BrowserPreferencesTest, fileOfAnotherFormMeansTheDefaults)
 {
     for (const char* text : {"", "[1, 2]", "{\"colours\": 5, \"checkAtStart\": \"yes\"", "\xFF\xFE",
                              "{\"colours\": [], \"checkAtStart\": 1}"}) {
@@ -238,7 +238,25 @@ TEST_F(BrowserPreferencesTest, preferencesThatCannotBeWrittenAreToldToTheUserAnd
         if (blocked == "browser.json")
             EXPECT_EQ(test::readFile(inRoot("settings.json")), shared);
         else
-            EXPECT_EQ(BrowserSettings::load(fileString(inRoot(""))).colours, "system");
+            EXPECT_EQ(test::readFile(inRoot("browser.json")), own);
         QDir(QString::fromStdString(inRoot(blocked))).removeRecursively();
     }
+}
+
+TEST_F(BrowserPreferencesTest, preferencesThatCouldNotBeReadAtTheStartAreNotReplacedByDefaults)
+{
+    const QString file = QString::fromStdString(inRoot("browser.json"));
+    ASSERT_TRUE(QDir().mkpath(file)); // a folder in place of the file
+    open();
+    ASSERT_TRUE(QDir().rmdir(file));
+    test::writeFile(inRoot("browser.json"), R"({"checkAgeHours": 6})");
+    inDialog([&] { trigger("editPreferences"); },
+             [&](QDialog& dialog) {
+                 dialog.findChild<QComboBox*>("colours")->setCurrentIndex(2);
+                 press(dialog, QDialogButtonBox::Ok);
+             });
+    close();
+    const BrowserSettings settings = BrowserSettings::load(fileString(inRoot("")));
+    EXPECT_EQ(settings.checkAgeHours, 6);
+    EXPECT_EQ(settings.colours, "dark");
 }
