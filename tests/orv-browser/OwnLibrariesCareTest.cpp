@@ -1,6 +1,7 @@
 // The user's own libraries survive when other programs change them too, and when the window is killed during
 // a change.
 #include <csignal>
+#include <filesystem>
 #include <optional>
 #include <thread>
 
@@ -17,6 +18,7 @@
 #include "apps/orv-browser/own/OwnFiles.h"
 #include "tests/orv-browser/CatalogMaker.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/ScopedEnvironment.h"
 #include "tests/support/TempFolder.h"
 
 namespace {
@@ -45,6 +47,7 @@ protected:
         return OwnFiles::lock(root, [] { return false; });
     }
     const fileString& root() const { return mHost.root(); }
+    const test::TempFolder& folder() const { return mFolder; }
 
     static std::vector<std::string> namesIn(const fileString& database)
     {
@@ -197,6 +200,26 @@ TEST_F(BrowserOwnLibrariesCareTest, linkToALibraryElsewhereStaysALink)
     OwnFiles::rename(mine(), next);
     EXPECT_THAT(namesIn(next), ElementsAre("Sofa", "Stool", "Table"));
     EXPECT_TRUE(fileString(elsewhere).pathExists());
+}
+
+TEST_F(BrowserOwnLibrariesCareTest, aPartThatTheBinDoesNotTakeBringsTheLibraryBack)
+{
+    const std::string desktop = folder().path() + "/desktop";
+    const test::ScopedEnvironment bin("XDG_DATA_HOME", desktop.c_str());
+    test::writeFile(inRoot("user/Mine.orvlib.bak"), "the former library");
+    for (const std::string& open : {folder().path(), inRoot("user"), desktop}) {
+        std::filesystem::create_directories(open);
+        std::filesystem::permissions(open, std::filesystem::perms::all);
+    }
+    std::filesystem::permissions(inRoot("textures"), std::filesystem::perms(0555)); // nothing leaves it
+    const std::vector<std::string> before = test::listTree(inRoot("user"));
+    const test::ChildEnd end = test::runWithoutRights([&] {
+        return failureOf([&] { OwnFiles::moveToBin(mine()); }) == "the bin does not take it" ? 0 : 1;
+    });
+    std::filesystem::permissions(inRoot("textures"), std::filesystem::perms(0755));
+    EXPECT_EQ(end.status, 0);
+    EXPECT_EQ(test::listTree(inRoot("user")), before);
+    EXPECT_THAT(test::listTree(desktop + "/Trash"), ElementsAre("files/", "info/"));
 }
 
 TEST_F(BrowserOwnLibrariesCareTest, aKillAtAnyInstantLeavesTheLibraryWholeUnderOneName)

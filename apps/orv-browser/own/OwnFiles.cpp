@@ -110,6 +110,18 @@ fileString binned(const fileString& path)
     return {};
 }
 
+/// The bin does not take the rest of a library. What it has taken comes back.
+[[noreturn]] void refuseWithout(const OwnFiles::Binned& files)
+{
+    try {
+        OwnFiles::takeBack(files);
+    } catch (const std::exception&) {
+        fail(translated(
+            QT_TRANSLATE_NOOP("OwnFiles", "only a part came to the bin, and that cannot be moved back")));
+    }
+    fail(translated(QT_TRANSLATE_NOOP("OwnFiles", "the bin does not take it")));
+}
+
 } // namespace
 
 OrvHost::HostLock OwnFiles::lock(const fileString& root, const std::function<bool()>& isCancelled)
@@ -128,11 +140,12 @@ OwnFiles::Binned OwnFiles::moveToBin(const fileString& database)
     std::vector<fileString> parts = companionsOf(database);
     parts.insert(parts.begin(), database);
     for (const fileString& part : parts) {
-        const fileString inBin = exists(part) ? binned(part) : fileString();
-        if (!inBin.empty())
-            files.emplace_back(part, inBin);
-        if (files.empty())
-            fail(translated(QT_TRANSLATE_NOOP("OwnFiles", "the bin does not take it")));
+        if (!exists(part))
+            continue;
+        const fileString inBin = binned(part);
+        if (inBin.empty())
+            refuseWithout(files);
+        files.emplace_back(part, inBin);
         forgetSearches(part);
     }
     return files;

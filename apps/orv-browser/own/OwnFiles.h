@@ -12,7 +12,7 @@
 /// archive of its textures, which all carry the library's name. Whoever is killed in the middle leaves the
 /// library whole under one name, at most with a second name for its textures. Functions run for a while, on
 /// any thread; the caller holds the lock. They throw std::runtime_error with a reason for people; nothing has
-/// changed then.
+/// changed then, unless the reason says so.
 namespace OwnFiles {
 
 /// Keeps imports and other windows on the root from changing the own libraries meanwhile. It waits up to a
@@ -23,7 +23,8 @@ OrvHost::HostLock lock(const fileString& root, const std::function<bool()>& isCa
 /// A library that was moved to the bin: where each file was and where it is now.
 using Binned = std::vector<std::pair<fileString, fileString>>;
 
-/// Moves a library to the bin of the desktop, from where the user can take it back without us.
+/// Moves a library with all that belongs to it to the bin of the desktop, from where the user can take it
+/// back without us.
 Binned moveToBin(const fileString& database);
 /// Takes a library back from the bin.
 void takeBack(const Binned& files);

@@ -821,6 +821,10 @@
         <translation>der Papierkorb nimmt sie nicht an</translation>
     </message>
     <message>
+        <source>only a part came to the bin, and that cannot be moved back</source>
+        <translation>nur ein Teil liegt im Papierkorb und lässt sich nicht zurücklegen</translation>
+    </message>
+    <message>
         <source>it is not in the bin any more</source>
         <translation>sie liegt nicht mehr im Papierkorb</translation>
     </message>
