@@ -51,6 +51,7 @@ TEST(SizeLimitTest, fullDiskAllowsAnEmptyFile)
     EXPECT_TRUE(limit.allows(0));
     EXPECT_FALSE(limit.allows(1));
     EXPECT_EQ(limit.reason(999), "disk full: 999 bytes needed, 5 bytes free, 5 MB kept free");
+    EXPECT_EQ(limit.reason(1000), "disk full: 1 KB needed, 5 bytes free, 5 MB kept free");
 }
 
 TEST(SizeLimitTest, unknownSpaceSetsNoLimit)
