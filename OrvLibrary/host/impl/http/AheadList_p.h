@@ -38,6 +38,7 @@ public:
     using TimePoint = HttpLimits::Clock::time_point;
 
     /// The first requests are sent at the next step of the connections.
+    /// @param requests at least one
     /// @param connectionLimit how many connections the host allows
     AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory> memory, const HttpLimits& limits,
               std::vector<AheadRequest> requests, std::size_t connectionLimit);
@@ -97,7 +98,6 @@ private:
         bool isStopped = false;
     };
 
-    // These answer the calls: AheadList.cpp.
     /// Ends the use of an entry that a call has asked for.
     struct ClaimEnd
     {
@@ -105,6 +105,8 @@ private:
         AheadList* list;
     };
     using Claim = std::unique_ptr<Entry, ClaimEnd>;
+
+    // These answer the calls: AheadList.cpp.
     Claim claim(const std::string& key);
     void waitForEnd(Entry& entry);
     bool isStalled(const Entry& entry, TimePoint turn) const;
@@ -127,8 +129,7 @@ private:
     const std::shared_ptr<AddressMemory> mMemory;
     const HttpLimits mLimits;
     const AheadPolicy::Allowance mAllowance;
-    /// The body object of all header requests. Their answers have no body, but every transfer needs an
-    /// object.
+    /// The body object of all header requests: every transfer needs one.
     HttpBody mNoBody;
     std::vector<Entry> mEntries;
     /// Maps the key of a request to its index in `mEntries`. An entry leaves the map when its call comes. The

@@ -12,12 +12,6 @@
 #include "OrvLibrary/host/impl/http/CurlThread_p.h"
 #include "OrvLibrary/host/impl/text/HttpAddress_p.h"
 
-namespace {
-
-constexpr std::int64_t kFirstErrorStatus = 400;
-
-} // namespace
-
 CurlService::CurlService(const HttpLimits& limits)
     : mLimits(limits), mMemory(std::make_shared<AddressMemory>(limits))
 {

@@ -26,8 +26,7 @@ struct CurlThread
         return thread.connections.busy() ? fresh.emplace() : thread;
     }
     /// Runs a request of the calling thread.
-    /// @param request returns whether it succeeded. If not, it sets `failure`. An exception is a failure,
-    /// too.
+    /// @param request returns whether it succeeded. If not, it sets `failure`. An exception is a failure.
     /// @param failure its reason becomes that of the last answer; empty if there is no memory for the text
     template <class Request>
     static bool attempt(FileBody::Failure& failure, const Request& request)

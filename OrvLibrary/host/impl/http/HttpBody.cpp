@@ -14,7 +14,6 @@ namespace {
 constexpr std::int64_t kOk = 200;
 constexpr std::int64_t kPartialContent = 206;
 constexpr std::int64_t kRangeNotSatisfiable = 416;
-constexpr std::int64_t kFirstErrorStatus = 400;
 
 } // namespace
 

@@ -14,6 +14,8 @@
 #include "OrvLibrary/host/impl/http/ProgressPacer_p.h"
 #include "OrvLibrary/host/impl/http/SpeedGuard_p.h"
 
+constexpr std::int64_t kFirstErrorStatus = 400;
+
 /// Receives the body of an answer and decides whether the transfer may go on. A redirect chain uses one
 /// object for all its answers and calls `begin` for each of them. Belongs to one thread.
 class HttpBody
