@@ -173,7 +173,7 @@ class HttpsService(HttpsCase):
         self.expect_each_once(asked)
         connections = {connection for connection, _ in asked}
         self.assertGreater(len(connections), 1)
-        self.assertLessEqual(len(connections), 8)
+        self.assertLessEqual(len(connections), 16)
         self.assertLess(seconds, 10)  # 30 s one after the other
 
     def test_short_list_is_asked_on_one_connection_however_far_the_service(self):

@@ -46,10 +46,7 @@ AheadList::AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory
         if (!isFirst || asked.size < 1 || asked.size > AheadPolicy::kMostBytes)
             mEntries[i].state = State::Gone;
     }
-    const Entry& first = mEntries.front();
-    const bool isOnFew = !first.asked.isDownload() && serverOf(first).isMultiplexing;
-    const std::size_t most = isOnFew ? AheadPolicy::kHeaderConnections : mAllowance.connections;
-    mConnections.addAhead(*this, std::min(mAllowance.connections, most));
+    mConnections.addAhead(*this, mAllowance.connections);
 }
 
 AheadList::~AheadList()

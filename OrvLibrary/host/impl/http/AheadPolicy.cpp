@@ -4,11 +4,9 @@
 
 AheadPolicy::Allowance AheadPolicy::allowance(std::size_t connections, const host::DescriptorUse& descriptors)
 {
-    Allowance allowance;
-    allowance.connections = std::clamp<std::size_t>(descriptors.limit / 4, 1, connections);
     const std::size_t half = descriptors.limit / 2;
-    allowance.bodies = std::min(kMostBodies, half - std::min(half, descriptors.open));
-    return allowance;
+    return {std::clamp<std::size_t>(descriptors.limit / 4, 1, connections),
+            std::min(kMostBodies, half - std::min(half, descriptors.open))};
 }
 
 std::size_t AheadPolicy::width(const AddressMemory::Known& known, bool isDownload,

@@ -15,7 +15,7 @@
 /// - A distant service gets as many requests at once as the host allows connections. While a request is made
 ///   in its turn, one connection is left to it. If the host allows only one, nothing is sent ahead.
 /// - Over HTTP/2 a hundred downloads run at once, on one connection, or 800 header requests, for which the
-///   transfer library opens further connections, up to eight in all.
+///   transfer library opens further connections, up to the host's limit.
 /// - A quarter of the process's descriptors is left for other files, so that they can be opened as if nothing
 ///   was sent ahead.
 /// - After the first sign of trouble, `AheadList` sends one request at a time.
@@ -27,9 +27,8 @@ struct AheadPolicy
     static constexpr Microseconds kNear{5'000};
     /// Downloads over HTTP/2 at once: as many as one connection carries. Most servers allow a hundred.
     static constexpr std::size_t kStreams = 100;
-    /// Header requests over HTTP/2 at once, and the connections for them.
+    /// Header requests over HTTP/2 at once.
     static constexpr std::size_t kHeaderStreams = 800;
-    static constexpr std::size_t kHeaderConnections = 8;
 
     /// With fewer downloads than this, nothing is fetched ahead.
     static constexpr std::size_t kFewestBodies = 4;

@@ -29,18 +29,6 @@ void CurlService::setCertificates(const std::string& fileOrFolder)
     mCertificates = fileOrFolder;
 }
 
-void CurlService::setConnectionLimit(int connections)
-{
-    const std::lock_guard<std::mutex> lock(mSettingsMutex);
-    mConnectionLimit = std::clamp(connections, 1, kMostConnections);
-}
-
-std::size_t CurlService::connectionLimit()
-{
-    const std::lock_guard<std::mutex> lock(mSettingsMutex);
-    return static_cast<std::size_t>(mConnectionLimit);
-}
-
 HttpRequest CurlService::request(const std::string& url, const std::vector<std::string>& headerLines)
 {
     HttpRequest request;
@@ -155,7 +143,7 @@ try {
     if (requests.empty())
         return;
     thread.*place = std::make_unique<AheadList>(thread.connections, mMemory, mLimits, std::move(requests),
-                                                connectionLimit());
+                                                static_cast<std::size_t>(mConnectionLimit));
     thread.connections.step();
 } catch (const std::exception&) {
     // Each request is then made by its own call.

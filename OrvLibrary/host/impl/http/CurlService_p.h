@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <functional>
 #include <mutex>
@@ -37,7 +39,7 @@ public:
     void setProxy(const std::string& proxy);
     void setCertificates(const std::string& fileOrFolder);
     /// Values outside of 1 to 96 are moved to the nearest bound.
-    void setConnectionLimit(int connections);
+    void setConnectionLimit(int limit) { mConnectionLimit = std::clamp(limit, 1, kMostConnections); }
     /// Opens every address that was closed because it did not answer.
     void forgetUnanswered() { mMemory->openAll(); }
 
@@ -50,7 +52,6 @@ private:
     HttpAnswer ask(HttpRequest request, HttpBody& body, HttpLimits::Milliseconds timeout);
     bool downloadOrThrow(const ResumableDownload& download, void* context, ProgressFunction progress,
                          FileBody::Failure& failure);
-    std::size_t connectionLimit();
     void announce(std::unique_ptr<AheadList> CurlThread::*place,
                   const std::function<void(std::vector<AheadRequest>&)>& fill);
 
@@ -60,7 +61,7 @@ private:
     std::mutex mSettingsMutex;
     std::string mProxy;
     std::string mCertificates;
-    int mConnectionLimit = kConnections;
+    std::atomic<int> mConnectionLimit{kConnections};
 };
 
 /// The service that `Curl::get` returns if the host has installed none.

@@ -9,20 +9,13 @@
 
 #include "OrvLibrary/host/impl/http/CancelQuestion_p.h"
 
-namespace {
-
-/// The number of idle connections to keep.
-constexpr long kKeptConnections = 100;
-
-} // namespace
-
 HttpConnections::HttpConnections()
 {
     [[maybe_unused]] static const CURLcode once = curl_global_init(CURL_GLOBAL_DEFAULT);
     mMulti = curl_multi_init();
     if (!mMulti)
         throw std::bad_alloc();
-    curl_multi_setopt(mMulti, CURLMOPT_MAXCONNECTS, kKeptConnections);
+    curl_multi_setopt(mMulti, CURLMOPT_MAXCONNECTS, 100L); // idle ones that are kept
 }
 
 HttpConnections::~HttpConnections()

@@ -43,8 +43,8 @@ struct HttpLimits
     /// After this many requests in a row without any answer, an address is closed for `refusalTime`.
     int unansweredRequests = 3;
     Milliseconds refusalTime{60'000};
-    /// So many times as long as by the rules does asking ahead wait for a service that is silent. A busy
-    /// machine is silent, too.
+    /// Requests ahead wait this many times as long as the rules say for a silent service. Tests raise it,
+    /// because a busy machine is silent, too.
     int aheadPatience = 1;
 
     /// The clock for closed addresses; tests replace it. Transfers always use the steady clock.
