@@ -43,13 +43,11 @@ Outcome expectedOutcome(const std::optional<std::vector<JudgedMember>>& members)
     outcome.throws = !members;
     if (!members)
         return outcome;
-    for (const JudgedMember& member : *members)
-        outcome.throws = outcome.throws || member.isUnsound;
-    for (const JudgedMember* member : fuzz::lastOfEachName(*members)) {
-        if (isDatabase(*member)) {
-            outcome.throws = outcome.throws || !member->content;
-            outcome.database = member->content;
-        }
+    // Each database is unpacked, even if a later one of the same name replaces it.
+    for (const JudgedMember& member : *members) {
+        outcome.throws = outcome.throws || member.isUnsound || (isDatabase(member) && !member.content);
+        if (isDatabase(member))
+            outcome.database = member.content;
     }
     // If a copy is refused, the earlier member with the same name stays.
     for (const JudgedMember& member : *members) {

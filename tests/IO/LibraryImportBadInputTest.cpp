@@ -250,6 +250,16 @@ TEST_F(LibraryImportBadInputTest, namesThatLeaveTheFolderAreSkippedOrFailTheMerg
     EXPECT_FALSE(merge(evil.bytes(), mOld.bytes()));
 }
 
+TEST_F(LibraryImportBadInputTest, databaseIsRefusedEvenIfALaterOneOfItsNameIsSound)
+{
+    ArchiveBuilder twice;
+    ArchiveMember& unknown = twice.add("Kitchen.orvlib", "");
+    unknown.method = 27400;
+    unknown.rawData = "seven b";
+    twice.add("Kitchen.orvlib", "sound");
+    expectRefused(twice.bytes(), "unknown method");
+}
+
 TEST_F(LibraryImportBadInputTest, nameThatStandsTwiceComesOutOnce)
 {
     mKitchen.add("tile.jpg", "newer tile");
