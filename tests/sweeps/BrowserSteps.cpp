@@ -66,15 +66,18 @@ void BrowserDriver::importArchives(const QStringList& texts)
 /// An update that never began did nothing either; the window says why.
 void BrowserDriver::update()
 {
+    QString told; // another sentence may follow it in the status line
     bool isDone = false;
     UpdateController& updates = mWindow.library().updates();
-    QObject::connect(&updates, &UpdateController::ended, &mWindow,
-                     [&](const UpdateSummary& summary) { isDone = !summary.hasProblems(); });
+    QObject::connect(&updates, &UpdateController::ended, &mWindow, [&](const UpdateSummary& summary) {
+        told = summary.text();
+        isDone = !summary.hasProblems();
+    });
     trigger("checkForUpdates");
     wait("updating", [&] { return child<QAction>("checkForUpdates").isEnabled(); });
     QObject::disconnect(&updates, nullptr, &mWindow, nullptr);
     if (!isDone)
-        throw NotDone(heard());
+        throw NotDone(told.isEmpty() ? heard() : told);
 }
 
 void BrowserDriver::refresh()

@@ -29,6 +29,8 @@ UUID = re.compile(r"^[0-9a-f]{8}(-[0-9a-f]{4}){3}-[0-9a-f]{12}$")
 LEFTOVER = re.compile(r"^root/temp/|(^|/)\.[^/]+$")
 # A former version of a catalog: the time of its replacement and its tag.
 FORMER = re.compile(r"^\d{8}T\d{9}=[^/]*$")
+# What a run says of a catalog that it refused while no file could be read.
+STILL_LISTED = re.compile(r"the hash file still lists [^\n]*?/([^/\n]+\.orvlib)")
 # Temporary files of a run.
 UNFINISHED = re.compile(r"(^|/)\.[^/]+\.orv-new$")
 
@@ -186,6 +188,13 @@ def judge_done(now, new, may_differ=(), said="is done"):
     everything must be old."""
     return [f"{path} is not what a run that {said} leaves" for path in sorted(new)
             if now.get(path) != new[path] and path not in may_differ]
+
+
+def still_listed(said, finals):
+    """The files of the catalogs of which a run said that their hash file still lists the version that it refused. No
+    update fetches them again before that version has a successor; `verify` finds only those with a SHA-1."""
+    names = STILL_LISTED.findall(said)
+    return tuple(path for final in finals for path in final if any(name in path.split("/") for name in names))
 
 
 def judge_recovered(now, finals, may_be_left=(), may_stay_out=(), old=None):

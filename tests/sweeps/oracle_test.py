@@ -55,6 +55,18 @@ class OtherJudgementsTest(unittest.TestCase):
         self.assertEqual(oracle.judge_recovered({}, finals, (), ["a"]), [])
 
 
+    def test_only_a_catalog_that_was_named_may_stay_old(self):
+        final = {"root/bonus/Party.orvlib": "2", "root/history/bonus/Party.orvlib/version 0.zip": "1", "root/core/a.orvlib": "2"}
+        said = "Party.orvlib: cannot read /x/runs.json the hash file still lists /x/root/bonus/Party.orvlib cannot read /y"
+        listed = oracle.still_listed(said, [final])
+        self.assertEqual(listed, tuple(final)[:2])
+        self.assertEqual(oracle.still_listed("Party.orvlib: cannot read /x", [final]), ())
+        old = {"root/bonus/Party.orvlib": "1", "root/core/a.orvlib": "1"}
+        self.assertEqual(oracle.judge_recovered(old, [final], (), listed, old), ["root/core/a.orvlib did not recover"])
+        half = {**final, "root/bonus/Party.orvlib": "half"}
+        self.assertEqual(oracle.judge_recovered(half, [final], (), listed, old), ["root/bonus/Party.orvlib did not recover"])
+
+
 class SnapshotTest(unittest.TestCase):
     def test_files_links_folders_and_archives_are_told_apart(self):
         with tempfile.TemporaryDirectory() as top:

@@ -280,6 +280,7 @@ class Sweep:
     def judge_in(self, cell, scenario, sandbox):
         old, new = self.old[scenario], self.finals[scenario][0]
         status, said = self.run(scenario, sandbox, cell.settings())
+        listed = oracle.still_listed(said, self.finals[scenario]) if scenario.mended_by_verify else ()
         now = oracle.snapshot(sandbox)
         is_kill = cell.what in ("kill", "torn")
         complaints = self.judge_status(status, said, is_kill)
@@ -317,7 +318,7 @@ class Sweep:
             complaints += self.judge_health(sandbox)
         complaints += oracle.judge_lost(now, old, scenario.never_lost)
         stays_out = () if is_kill else scenario.may_stay_out
-        stays_out += scenario.may_lag
+        stays_out += scenario.may_lag + listed
         left = scenario.kept_copies + oracle.begun_of(now, scenario.seldom_written)
         complaints += oracle.judge_recovered(now, self.finals[scenario], left, stays_out,
                                              self.old[scenario])
