@@ -222,6 +222,25 @@ TEST_F(BrowserOwnLibrariesCareTest, aPartThatTheBinDoesNotTakeBringsTheLibraryBa
     EXPECT_THAT(test::listTree(desktop + "/Trash"), ElementsAre("files/", "info/"));
 }
 
+TEST_F(BrowserOwnLibrariesCareTest, aBinThatTakesNoNotesIsNotTriedForEver)
+{
+    const std::string desktop = folder().path() + "/desktop";
+    const test::ScopedEnvironment bin("XDG_DATA_HOME", desktop.c_str());
+    for (const char* const part : {"/Trash/files", "/Trash/info"})
+        std::filesystem::create_directories(desktop + part);
+    for (const std::string& open : {folder().path(), inRoot("user"), desktop, desktop + "/Trash/files"})
+        std::filesystem::permissions(open, std::filesystem::perms::all);
+    std::filesystem::permissions(desktop + "/Trash/info", std::filesystem::perms(0555));
+    const test::ChildEnd end = test::runWithoutRights([&] {
+        signal(SIGALRM, SIG_DFL);
+        alarm(20); // the alarm kills the process
+        return failureOf([&] { OwnFiles::moveToBin(mine()); }) == "the bin does not take it" ? 0 : 1;
+    });
+    std::filesystem::permissions(desktop + "/Trash/info", std::filesystem::perms(0755));
+    EXPECT_EQ(end.status, 0);
+    EXPECT_TRUE(mine().pathExists());
+}
+
 TEST_F(BrowserOwnLibrariesCareTest, aKillAtAnyInstantLeavesTheLibraryWholeUnderOneName)
 {
     const fileString next(inRoot("user/Next.orvlib"));

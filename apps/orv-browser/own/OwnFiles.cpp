@@ -11,6 +11,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
+#include <QTemporaryFile>
 
 #include "OrvLibrary/IO/LibraryImport.h"
 #include "OrvLibrary/host/FileReaper.h"
@@ -94,6 +95,13 @@ void removeNote(const fileString& inBin)
                   QStringLiteral(".trashinfo"));
 }
 
+/// Whether the bin can make its notes. Qt tries one name after the other for ever where it cannot.
+bool takesNotes(const QString& data)
+{
+    const QString notes = data + QStringLiteral("/Trash/info");
+    return QTemporaryFile((QFileInfo::exists(notes) ? notes : data) + QStringLiteral("/.XXXXXX")).open();
+}
+
 /// Moves a file to the bin of the desktop. Qt takes the current folder for the bin where the user's own
 /// cannot be made, so that folder is made first, and what went astray comes back.
 /// @return where it is now; empty when it could not be moved
@@ -101,7 +109,8 @@ fileString binned(const fileString& path)
 {
     const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
     QString inBin;
-    if (data.isEmpty() || !QDir().mkpath(data) || !QFile::moveToTrash(textOf(path), &inBin))
+    if (data.isEmpty() || !QDir().mkpath(data) || !takesNotes(data) ||
+        !QFile::moveToTrash(textOf(path), &inBin))
         return {};
     if (QFileInfo(inBin).isAbsolute())
         return pathOf(inBin);
