@@ -116,6 +116,23 @@ TEST_F(DownloadFileTest, spaceOfTheDiskIsKnownWhileTheFileIsOpen)
     EXPECT_TRUE(closed.limit(kMoreThanAnyDisk, {}).allows(kMoreThanAnyDisk));
 }
 
+TEST_F(DownloadFileTest, readingEndsWhenTheTakerSaysSo)
+{
+    const std::string large(600'000, 'y');
+    ASSERT_TRUE(file.write(large.data(), large.size(), reason));
+    file.restAtEnd();
+    int pieces = 0;
+    const auto takeUntil = [&](int last) {
+        pieces = 0;
+        return file.read([&](const char*, std::size_t) { return ++pieces < last; }, reason);
+    };
+    EXPECT_FALSE(takeUntil(2));
+    EXPECT_EQ(pieces, 2);
+    EXPECT_TRUE(takeUntil(4));
+    EXPECT_EQ(pieces, 3);
+    EXPECT_EQ(reason, "");
+}
+
 TEST(DownloadFile, earlierErrorDoesNotKeepItFromGoingOn)
 {
     const TempFolder folder;

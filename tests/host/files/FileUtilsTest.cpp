@@ -352,4 +352,26 @@ TEST_F(FileUtilsTest, foldersThatTheirOwnerProtectedAreRemovedOnlyWhenTold)
     EXPECT_EQ(end.status, 0);
 }
 
+TEST_F(FileUtilsTest, whatLinksInAProtectedFolderLeadToStaysProtected)
+{
+    setMode(fileString(mFolder.path()), 0777);
+    const std::string tree = mFolder.path() + "/tree";
+    const std::string outside = mFolder.path() + "/outside";
+    const auto end = test::runWithoutRights([&] {
+        std::filesystem::create_directories(tree + "/a");
+        std::filesystem::create_directory(outside);
+        test::writeFile(outside + "/file", "x");
+        std::filesystem::create_symlink("../../outside", tree + "/a/folder");
+        std::filesystem::create_symlink("../../outside/file", tree + "/a/file");
+        chmod((outside + "/file").c_str(), 0400);
+        chmod(outside.c_str(), 0500);
+        chmod((tree + "/a").c_str(), 0500);
+        return FileUtils::removeDirectoryAndFiles(fileString(tree), 1) ? 0 : 1;
+    });
+    EXPECT_EQ(end.status, 0);
+    EXPECT_FALSE(fileString(tree).pathExists());
+    EXPECT_EQ(modeOf(fileString(outside)), 0500u);
+    EXPECT_EQ(modeOf(fileString(outside + "/file")), 0400u);
+}
+
 } // namespace
