@@ -32,6 +32,7 @@ TEST_F(CurlPrefetchDownloadsTest, eachTargetGetsItsOwnBodyAndEachIsAskedForOnce)
     for (int i = 0; i < 100; ++i) {
         ASSERT_TRUE(get(downloads[static_cast<std::size_t>(i)])) << reason;
         EXPECT_EQ(readFile(downloads[static_cast<std::size_t>(i)].target), bodyOf(i));
+        EXPECT_EQ(curl.lastAnswer().url, server.url(nameOf(i)));
     }
     EXPECT_EQ(server.requests().size(), requestsBefore + 100);
     for (int i = 0; i < 100; ++i) {
