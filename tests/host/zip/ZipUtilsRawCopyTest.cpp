@@ -51,8 +51,9 @@ TEST_F(ZipUtilsRawCopyTest, keepsAllThatTheDirectorySays)
     addOddMember(mSource, "described").flags = 8;
     addOddMember(mSource, "\xC3\xBC.png").flags = 0x0800;
     addOddMember(mSource, "stored").method = ArchiveMember::kStored;
+    addOddMember(mSource, "for any version").versionNeeded = 0;
     const fileString source = writeSource();
-    EXPECT_EQ(copyAll(source, target()), std::vector<bool>(4, true));
+    EXPECT_EQ(copyAll(source, target()), std::vector<bool>(5, true));
     const std::vector<ReadMember> originals = readArchive(source);
     const std::vector<ReadMember> copies = readArchive(target());
     ASSERT_EQ(copies.size(), originals.size());
@@ -118,6 +119,21 @@ TEST_F(ZipUtilsRawCopyTest, memberOfMoreThanFourGigabytesKeepsItsSize)
     EXPECT_EQ(bytes.substr(30 + 7, 20), std::string("\x01\x00\x10\x00", 4) + size + compressedSize);
     EXPECT_EQ(bytes.substr(bytes.size() - 22 - 12, 12), std::string("\x01\x00\x08\x00", 4) + size);
     EXPECT_TRUE(bytes.compare(30 + 7 + 20, member.rawData->size(), *member.rawData) == 0);
+}
+
+TEST_F(ZipUtilsRawCopyTest, sizeThatLooksLikeAReferenceGoesIntoAZip64Field)
+{
+    ArchiveMember& member = mSource.add("a", "");
+    member.method = 12; // the copy does not decompress the data
+    member.rawData = std::string(5'000'000, 'x');
+    member.size = 0xFFFFFFFF;
+    member.zip64 = true;
+    EXPECT_TRUE(copyFirstAs(writeSource(), target(), "b"));
+    EXPECT_EQ(ZipUtils::getSizeOfArchive(target()), 0xFFFFFFFFU);
+    const std::string bytes = test::readFile(target());
+    EXPECT_EQ(bytes.substr(4, 1), "\x2D"); // needs version 4.5
+    EXPECT_EQ(bytes.substr(18, 8), std::string(8, '\xFF'));
+    EXPECT_EQ(bytes.substr(30 + 1, 12), std::string("\x01\x00\x10\x00\xFF\xFF\xFF\xFF\x00\x00\x00\x00", 12));
 }
 
 TEST_F(ZipUtilsRawCopyTest, copiesForeignMethodsAsTheyAre)
