@@ -73,6 +73,9 @@ TEST_F(ManufacturerRecord, assignedRecordsShareNoTime)
     EXPECT_EQ(original.getLastModified(), kTime);
     original = *&original;
     EXPECT_TRUE(original == sample());
+    const Manufacturer deleted("", "", "", "", "", "", false, true, kTime);
+    assigned = deleted;
+    EXPECT_TRUE(assigned == deleted);
 }
 
 TEST_F(ManufacturerRecord, movedFromRecordStillHasATime)
