@@ -281,6 +281,23 @@ TEST_F(CurlFaultTest, pagesAreCutAtTheirCaps)
     EXPECT_EQ(reason, "HTTP 404");
 }
 
+TEST_F(CurlFaultTest, connectionStaysAfterAnErrorPageThatFits)
+{
+    HttpLimits limits;
+    limits.errorPageBytes = 1000;
+    CurlService service(limits);
+    server.on("/fits", FaultReply::status(404, std::string(1000, 'e')));
+    server.on("/long", FaultReply::status(404, std::string(1001, 'e')));
+    const auto connectionsAfter = [&](const char* path) {
+        EXPECT_FALSE(service.download_to_location(server.url(path), target(), reason));
+        EXPECT_EQ(reason, "HTTP 404");
+        return server.connectionCount();
+    };
+    EXPECT_EQ(connectionsAfter("/fits"), 1);
+    EXPECT_EQ(connectionsAfter("/long"), 1);
+    EXPECT_EQ(connectionsAfter("/fits"), 2);
+}
+
 TEST_F(CurlFaultTest, filesEndAtTheirCap)
 {
     HttpLimits limits = shortLimits();
