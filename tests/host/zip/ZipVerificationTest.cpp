@@ -1,6 +1,11 @@
 #include "OrvLibrary/host/impl/zip/ZipVerification_p.h"
 
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <iterator>
 #include <stdexcept>
+#include <thread>
 
 #include "tests/host/zip/RawCopyTest.h"
 #include "tests/support/NoMoreThreads.h"
@@ -35,6 +40,23 @@ TEST_F(ZipVerificationTest, membersOfAnArchiveAreVerifiedInThatArchive)
         });
     };
     EXPECT_THROW(walkBoth(), std::runtime_error);
+}
+
+TEST_F(ZipVerificationTest, asManyThreadsAsAreOfUseWaitForMore)
+{
+    for (int i = 0; i < 7; ++i)
+        mSource.add(std::to_string(i), std::string(4U << 20U, 'x')).method = ArchiveMember::kStored;
+    const fileString source = writeSource();
+    const auto threads = [] {
+        const std::filesystem::directory_iterator tasks("/proc/self/task"), end;
+        return std::distance(tasks, end);
+    };
+    const auto before = threads();
+    ArchiveBatch batch(nullptr);
+    batch.walk(source, [](const auto&, auto&, const auto&) { return true; });
+    std::this_thread::sleep_for(std::chrono::milliseconds(50)); // time for a thread that does not stay
+    EXPECT_GT(threads(), before);
+    EXPECT_LE(threads(), before + std::min(4U, std::thread::hardware_concurrency()));
 }
 
 TEST_F(ZipVerificationTest, cancelIsHeardInTheMiddleOfALargeMember)
