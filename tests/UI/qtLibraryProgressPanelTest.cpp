@@ -24,6 +24,22 @@ namespace {
 
 constexpr std::size_t kBeyondInt = static_cast<std::size_t>(std::numeric_limits<int>::max()) + 1;
 
+// Counts how often a widget is painted.
+class Paintings : public QObject
+{
+public:
+    explicit Paintings(QWidget& widget) { widget.installEventFilter(this); }
+    int count() const { return mCount; }
+    bool eventFilter(QObject* object, QEvent* event) override
+    {
+        mCount += event->type() == QEvent::Paint ? 1 : 0;
+        return QObject::eventFilter(object, event);
+    }
+
+private:
+    int mCount = 0;
+};
+
 // A browser window with the main splitter some levels down, and a panel in it.
 class LibraryProgressPanelTest : public testing::Test
 {
@@ -199,6 +215,20 @@ TEST_F(LibraryProgressPanelTest, toleratesTheLossOfItsText)
     panel->onSetRangeInGauge(4);
     settle();
     EXPECT_EQ(caption()->text(), "\n");
+}
+
+TEST_F(LibraryProgressPanelTest, eachTextPaintsTheContainerEvenIfItIsTheSameText)
+{
+    window.resize(600, 400);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    for (const char* setter : {"setProgressLabelText", "setProgressRangeText"}) {
+        post(setter, Q_ARG(QString, "the same"));
+        QTest::qWait(50);
+        const Paintings paintings(*container());
+        post(setter, Q_ARG(QString, "the same"));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return paintings.count() > 0; })) << setter;
+    }
 }
 
 TEST_F(LibraryProgressPanelTest, updateIsOneStepOfTheGauge)
