@@ -1,6 +1,7 @@
 #include "tests/catalog/CatalogTest.h"
 
 #include "OrvLibrary/catalog/CatalogUpdaterState_p.h"
+#include "tests/support/FolderWatch.h"
 
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -106,6 +107,24 @@ TEST_F(LibraryCatalogUpdaterGather, theServiceLearnsNothingOfFilesOutsideTheFold
     EXPECT_EQ(mCurl.requestHeaders.at(2).at(0), "If-None-Match: \"" + test::sha1Of("x") + "\"");
     EXPECT_EQ(mCurl.requestHeaders.at(3).at(0), "If-None-Match: \"\"");
     EXPECT_EQ(mCurl.requestHeaders.at(4).at(0), "If-None-Match: \"\"");
+}
+
+TEST_F(LibraryCatalogUpdaterGather, filesWhoseHashIsNotNeededAreNotRead)
+{
+    const fileString outside = installed("outside.orvlib", "private");
+    const fileString known = installed("core/known.orvlib", "x");
+    const fileString second = installed("core/twice.orvlib", "second");
+    installed("core/a/twice.orvlib", "first");
+    installed("core/catalog_hash.txt", "known.orvlib:stored\n");
+    // While this thread hashes the last one, the other thread has time for those before it.
+    const fileString large = installed("core/zlarge.orvlib", std::string(32 << 20, 'x'));
+    serveIndex("../outside.orvlib\na/twice.orvlib\nknown.orvlib\ntwice.orvlib\nzlarge.orvlib\n");
+    test::FolderWatch root(path("").toNativeString()), core(path("core").toNativeString());
+    run();
+    EXPECT_EQ(root.opened(outside), 0);
+    EXPECT_EQ(core.opened(known), 0);
+    EXPECT_EQ(core.opened(second), 0);
+    EXPECT_EQ(core.opened(large), 1);
 }
 
 TEST_F(LibraryCatalogUpdaterGather, theHostsOwnFilesAreHashedWhereverTheyLie)
