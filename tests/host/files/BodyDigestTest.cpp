@@ -54,6 +54,7 @@ TEST(BodyDigest, announcedDigestsMustBeTheBodys)
         {"Repr-Digest: sha-256=:AAAA", true},
         {"Repr-Digest: " + wrong256 + " x", true},
         {"Repr-Digest: " + wrong256 + ",", true},
+        {"Repr-Digest: " + wrong256 + ", =:AAAA:", true},
         {"Repr-Digest: SHA-256=:AAAA:", true},
         {"Repr-Digest: sha-256", true},
     };

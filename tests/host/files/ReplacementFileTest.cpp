@@ -154,6 +154,25 @@ TEST(ReplacementFile, aFolderThatCannotBeSyncedIsNoFailureBecauseTheFileIsInPlac
     EXPECT_EQ(test::readFile(folder.file("data")), "new");
 }
 
+TEST(ReplacementFile, contentThatCannotBeSyncedIsNotPutInPlace)
+{
+    using host::ReplacementFile;
+    const test::TempFolder folder;
+    const std::string target = folder.write("data", "old").toNativeString();
+    using Durability = ReplacementFile::Durability;
+    for (const Durability durability :
+         {Durability::Synced, Durability::ContentSynced, Durability::Unsynced}) {
+        const auto file = ReplacementFile::open(target, ReplacementFile::Mode::Replaced);
+        ASSERT_TRUE(file && write(file->descriptor(), "new", 3) == 3);
+        // The system cannot sync a descriptor that only stands for a path.
+        const host::FileHandle path = host::openFile(ReplacementFile::besideName(target), O_PATH);
+        ASSERT_EQ(dup2(path.get(), file->descriptor()), file->descriptor());
+        const bool needNotBeSynced = durability == Durability::Unsynced;
+        EXPECT_EQ(file->commit(durability), needNotBeSynced);
+        EXPECT_EQ(test::readFile(target), needNotBeSynced ? "new" : "old");
+    }
+}
+
 TEST(ReplacementFile, whoeverHasNoTimeLeftIsToldThatTheTargetIsLocked)
 {
     using host::ReplacementFile;

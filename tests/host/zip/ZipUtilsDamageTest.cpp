@@ -79,6 +79,18 @@ TEST_F(ZipUtilsDamageTest, everyDamagedMemberIsNamedWithItsArchive)
     }
 }
 
+TEST_F(ZipUtilsDamageTest, reasonTellsTheFaultOfAStream)
+{
+    const std::string content = test::sampleBytes(1000, 1);
+    mSource.add("too long", content).rawData = test::deflated(content + "x");
+    mSource.add("broken", content).rawData = std::string(500, '\xFF');
+    mSource.add("ends too early", content).rawData = test::deflated(content) + "x";
+    EXPECT_THAT(damagedNames(writeSource()),
+                testing::UnorderedElementsAre("too long", "broken", "ends too early"));
+    for (const DamagedMember& member : mDamaged)
+        EXPECT_THAT(member.reason, testing::EndsWith(member.name.toNativeString()));
+}
+
 TEST_F(ZipUtilsDamageTest, archiveThatIsNoneIsDamagedAsAWhole)
 {
     EXPECT_THAT(damagedNames(mFolder.write("x.zip", "not an archive")), ElementsAre(""));
