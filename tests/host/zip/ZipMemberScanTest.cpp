@@ -45,6 +45,14 @@ TEST_F(ZipMemberScanTest, dataBeginsBehindTheExtraBlock)
     EXPECT_THAT(found(mBuilder.bytes()), ElementsAre(Pair("short", "1"), Pair("long", "2")));
 }
 
+TEST_F(ZipMemberScanTest, zip64FieldHasBothSizes)
+{
+    const std::string content = test::sampleBytes(1000, 1);
+    mBuilder.add("wide", content).zip64 = true;
+    mBuilder.add("last", "2");
+    EXPECT_THAT(found(mBuilder.bytes()), ElementsAre(Pair("wide", content), Pair("last", "2")));
+}
+
 TEST_F(ZipMemberScanTest, checksumBehindTheDataMayFollowASignatureOrNot)
 {
     const std::string content = test::sampleBytes(1000, 1);
