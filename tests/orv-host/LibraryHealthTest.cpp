@@ -1,6 +1,7 @@
 #include "OrvHost/health/LibraryHealth.h"
 
 #include <algorithm>
+#include <filesystem>
 
 #include <gmock/gmock.h>
 
@@ -69,6 +70,20 @@ TEST_F(LibraryHealthTest, oneScaleCountsTheBytesOfAllFiles)
     for (const std::uint64_t bytes : progress->bytes())
         EXPECT_LE(bytes, 8U << 20U);
     EXPECT_GT(progress->bytes().size(), 15U);
+}
+
+TEST_F(LibraryHealthTest, scaleIsShownFromEightMegabytesOn)
+{
+    constexpr std::size_t kWorthShowing = 8U << 20U;
+    std::filesystem::remove_all(folder.path() + "/root/textures");
+    for (const std::size_t size : {kWorthShowing - 1, kWorthShowing}) {
+        folder.write("root/core/Doors.orvlib", std::string(size, 'd'));
+        const auto watching = std::make_shared<test::RecordingProgress>();
+        health.checkAll(watching);
+        const auto total = "total " + std::to_string(size);
+        EXPECT_EQ(std::count(watching->calls().begin(), watching->calls().end(), total),
+                  size == kWorthShowing ? 1 : 0);
+    }
 }
 
 TEST_F(LibraryHealthTest, nobodyNeedsToWatch)

@@ -1,4 +1,5 @@
 // `doctor`: each step with a good and a bad result, and that the report contains no secrets.
+#include <algorithm>
 #include <filesystem>
 
 #include <QJsonArray>
@@ -113,6 +114,15 @@ TEST_F(Doctor, namesWhatTheServiceLacks)
     EXPECT_THAT(results(login), HasSubstr("redirect+ index- header? body?"));
     EXPECT_THAT(login["steps"].toArray()[9].toObject()["advice"].toString().toStdString(),
                 HasSubstr("Log in to the network"));
+}
+
+TEST_F(Doctor, asksOnceForWhatFails)
+{
+    program.createRoot();
+    service.spoil(kIndex, test::FaultReply::status(503, "busy"));
+    EXPECT_THAT(results(doctor({"--url", service.redirect()}).json()), HasSubstr("redirect+ index- header?"));
+    const std::vector<std::string> asked = service.takeAsked();
+    EXPECT_EQ(std::count(asked.begin(), asked.end(), kIndex), 1);
 }
 
 TEST_F(Doctor, runningUpdateFailsTheLocks)
