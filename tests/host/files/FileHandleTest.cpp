@@ -46,6 +46,17 @@ TEST(FileHandle, fileThatMayOnlyBeWrittenIsOpenedForItsLock)
     EXPECT_EQ(end.status, 0);
 }
 
+TEST(FileHandle, firstDescriptorIsAFileLikeAnyOther)
+{
+    const auto end = test::runInChild([] {
+        close(STDIN_FILENO);
+        errno = EINTR; // left by an earlier call
+        const host::FileHandle file = host::openFile("/", O_RDONLY);
+        return file && file.get() == STDIN_FILENO ? 0 : 1;
+    });
+    EXPECT_EQ(end.status, 0);
+}
+
 TEST(FileHandle, descriptorsAreCountedUpToTheLimit)
 {
     const test::DescriptorLimit limit(host::descriptorUse().open + 2);
