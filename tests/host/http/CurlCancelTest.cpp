@@ -2,6 +2,7 @@
 #include <atomic>
 
 #include "tests/host/http/CurlFixture.h"
+#include "tests/host/http/SlowNames.h"
 
 using testing::IsEmpty;
 using testing::SizeIs;
@@ -59,6 +60,13 @@ TEST_F(CurlCancelTest, pageEnds)
     expectCancelled();
     patience = 20;
     EXPECT_FALSE(browse(server.url("/body")));
+    expectCancelled();
+}
+
+TEST_F(CurlCancelTest, requestEndsWithoutTheAddressOfTheServer)
+{
+    const SlowNames names;
+    EXPECT_LT(timeOf([&] { EXPECT_FALSE(header("http://slow.test/")); }), std::chrono::seconds(3));
     expectCancelled();
 }
 
