@@ -72,6 +72,25 @@ TEST_F(UnpackCommand, besideWritesNextToTheArchive)
     EXPECT_EQ(test::listTree(path("out")).size(), 3U);
 }
 
+TEST_F(UnpackCommand, filesBesideThatCannotBeWrittenAreNamed)
+{
+    const std::string archive = writeKitchen("out/Kitchen.orvlibz");
+    const std::string left = ": cannot be written and was left as it was";
+    mProgram.folder().write("out/Kitchen.orvlib", "old");
+    fs::permissions(path("out/Kitchen.orvlib"), fs::perms::owner_read);
+    const ProgramResult half = unpack(archive, {"--beside"});
+    EXPECT_EQ(half.status, 0);
+    EXPECT_THAT(half.err, testing::EndsWith("orv-library: " + path("out/Kitchen.orvlib") + left + "\n"));
+    EXPECT_EQ(half.json()["library"], (QJsonObject{{"found", false}, {"path", QJsonValue()}}));
+    EXPECT_EQ(half.json()["referenced"], found(path("out/Kitchen.zip")));
+    fs::permissions(path("out/Kitchen.zip"), fs::perms::owner_read);
+    const ProgramResult none = unpack(archive, {"--beside"});
+    EXPECT_EQ(none.status, 1);
+    EXPECT_THAT(none.err,
+                testing::HasSubstr(path("out/Kitchen.orvlib") + " and " + path("out/Kitchen.zip") + left));
+    EXPECT_EQ(test::readFile(mProgram.folder().file("out/Kitchen.orvlib")), "old");
+}
+
 TEST_F(UnpackCommand, archiveWithoutEitherIsAFailureThatSaysSo)
 {
     test::ArchiveBuilder().write(mProgram.folder(), "Empty.orvlibz");

@@ -190,6 +190,15 @@ def judge_done(now, new, may_differ=(), said="is done"):
             if now.get(path) != new[path] and path not in may_differ]
 
 
+# What a run says of files beside the archive that it could not write.
+LEFT_BESIDE = re.compile(r"orv-library: ([^\n]*): cannot be written and was left as it was")
+
+
+def left_beside(said, sandbox):
+    """The files that a run named because it left them as they were."""
+    return tuple(os.path.relpath(path, sandbox) for names in LEFT_BESIDE.findall(said) for path in names.split(" and "))
+
+
 def still_listed(said, finals):
     """The files of the catalogs of which a run said that their hash file still lists the version that it refused. No
     update fetches them again before that version has a successor; `verify` finds only those with a SHA-1."""

@@ -55,6 +55,11 @@ class OtherJudgementsTest(unittest.TestCase):
         self.assertEqual(oracle.judge_recovered({}, finals, (), ["a"]), [])
 
 
+    def test_file_beside_that_was_named_may_stay_old(self):
+        said = "reading\norv-library: /x/in/a.orvlib and /x/in/a.zip: cannot be written and was left as it was\n"
+        self.assertEqual(oracle.left_beside(said, "/x"), ("in/a.orvlib", "in/a.zip"))
+        self.assertEqual(oracle.left_beside("orv-library: /x/in/a.orvlib: damaged\n", "/x"), ())
+
     def test_only_a_catalog_that_was_named_may_stay_old(self):
         final = {"root/bonus/Party.orvlib": "2", "root/history/bonus/Party.orvlib/version 0.zip": "1", "root/core/a.orvlib": "2"}
         said = "Party.orvlib: cannot read /x/runs.json the hash file still lists /x/root/bonus/Party.orvlib cannot read /y"

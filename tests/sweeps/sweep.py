@@ -296,7 +296,8 @@ class Sweep:
         if not is_kill and cell.kinds != "unlink":
             complaints += oracle.judge_ended(now)
         if status == 0:
-            complaints += oracle.judge_done(now, new, scenario.may_lack_members + scenario.may_stay_old)
+            named = oracle.left_beside(said, sandbox)
+            complaints += oracle.judge_done(now, new, scenario.may_lack_members + scenario.may_stay_old + named)
         # If files cannot be removed or renamed, a failed run cannot restore the old state.
         if status == 1 and not (cell.ever and cell.kinds in ("unlink", "rename")):
             complaints += oracle.judge_done(now, {path: old.get(path) for path in scenario.all_or_nothing},

@@ -4,6 +4,7 @@
 
 #include "OrvHost/imports/LibrarySource.h"
 #include "apps/orv-library/Session.h"
+#include "apps/orv-library/console/Console.h"
 #include "apps/orv-library/console/ConsoleProgress.h"
 #include "apps/orv-library/console/Interrupt.h"
 
@@ -71,6 +72,11 @@ ExitStatus UnpackCommand::run(Session& session) const
     const Interrupt interrupt;
     const LibraryImport::UnpackResult result = unpackUninterrupted(session);
     const bool isEmpty = !result.first.first && !result.second.first;
+    const std::string left = Interrupt::requested() ? std::string() : leftBeside(result);
+    if (isEmpty && !left.empty())
+        throw CommandFailure(left);
+    if (!left.empty())
+        Console::complain(left);
     if (isEmpty && !Interrupt::requested())
         throw CommandFailure(mSource + ": holds neither a library nor referenced files");
     session.console().result(document(result),
@@ -78,6 +84,21 @@ ExitStatus UnpackCommand::run(Session& session) const
     const ExitStatus status = isEmpty ? ExitStatus::Interrupted : ExitStatus::Done;
     Interrupt::setEndStatus(status);
     return status;
+}
+
+/// Names the files beside the archive that are still there though they were not found: the library leaves a
+/// file that cannot be written. Empty if there is none.
+std::string UnpackCommand::leftBeside(const LibraryImport::UnpackResult& result) const
+{
+    std::string names;
+    const auto look = [&](const LibraryImport::FoundFile& file, const char* extension) {
+        const fileString beside = fileString(mSource).pathAndName() + fileString(extension);
+        if (mBeside && !file.first && beside.pathExists())
+            names += (names.empty() ? "" : " and ") + beside.toNativeString();
+    };
+    look(result.first, ".orvlib");
+    look(result.second, ".zip");
+    return names.empty() ? names : names + ": cannot be written and was left as it was";
 }
 
 /// If a signal made it fail, returns an empty result instead of a failure.

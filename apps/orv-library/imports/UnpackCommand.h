@@ -18,6 +18,7 @@ private:
     void checkUsage() const;
     void requireOtherFile(const fileString& target) const;
     ExitStatus run(Session& session) const;
+    std::string leftBeside(const LibraryImport::UnpackResult& result) const;
     LibraryImport::UnpackResult unpackUninterrupted(Session& session) const;
     LibraryImport::UnpackResult unpackInto(Session& session,
                                            const std::shared_ptr<ProgressSubject>& progress) const;
