@@ -53,5 +53,5 @@ try {
     else
         FileUtils::removePath(fileIn(root));
 } catch (const std::exception&) {
-    return; // what the user hears is why it had to be put back
+    return; // the user is told of the failure that led here
 }

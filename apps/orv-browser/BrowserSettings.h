@@ -17,7 +17,7 @@ struct BrowserSettings
     int checkAgeHours = 24;                     ///< no check at start while the last one is younger
     QString colours = QStringLiteral("system"); ///< see Appearance
 
-    /// What the file says; the defaults where it says nothing.
+    /// The settings of the file, with defaults for those that it lacks.
     /// @throws std::runtime_error if there is a file that cannot be read
     static BrowserSettings load(const fileString& root);
     /// @param reason filled on failure; the file is then as it was

@@ -35,7 +35,7 @@ LibraryActions::LibraryActions(QMainWindow& window, const fileString& root, QUnd
       mQuietCheck(new QuietCheck(root, &window)),
       mImports(new ImportController(root, &window))
 {
-    readOwn(); // the defaults do meanwhile
+    readOwn(); // if it fails, the defaults apply
     Appearance::apply(mSettings.colours);
     connect(mUpdates, &UpdateController::catalogReplaced, this, &LibraryActions::catalogChanged);
     connect(mUpdates, &UpdateController::ended, this, &LibraryActions::updateEnded);
@@ -241,7 +241,7 @@ void LibraryActions::editPreferences()
         return;
     mSettings = dialog.own();
     Appearance::apply(mSettings.colours);
-    // What could not be read must not be replaced by what the dialog showed instead.
+    // Settings that could not be read must not be replaced by the defaults that the dialog showed.
     if (!reason.isEmpty() || !savePreferences(dialog.changes(), reason))
         QMessageBox::warning(&mWindow, mWindow.windowTitle(),
                              tr("The preferences were not saved: %1").arg(reason));
