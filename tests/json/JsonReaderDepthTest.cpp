@@ -95,6 +95,20 @@ TEST(JsonReaderDepth, thousandLevelsParseOnASmallStack)
     }
 }
 
+TEST(JsonReaderDepth, deepSiblingsAreReleasedOnASmallStack)
+{
+    const std::string array = repeat("[", 998) + repeat("]", 998);
+    const std::string object = repeat("{\"k\":", 997) + "{}" + repeat("}", 997);
+    for (const std::string& text : {"{\"k\":[" + array + "," + array + "," + array + "]}",
+                                    R"({"a":)" + object + R"(,"b":)" + object + R"(,"c":)" + object + "}"}) {
+        onSmallStack([&text] {
+            Node root = parse(text);
+            EXPECT_FALSE(root->empty());
+            root.reset();
+        });
+    }
+}
+
 TEST(JsonReaderDepth, deeperTextsYieldAnEmptyValue)
 {
     for (const std::string& text : {nestedArrays(1001), nestedObjects(1001), nestedInTurn(1002),
