@@ -6,14 +6,33 @@ namespace OrvHost {
 
 namespace {
 
+/// The byte behind the text is zero, which continues no character.
 unsigned char byteAt(const std::string& text, std::size_t position)
 {
-    return position < text.size() ? static_cast<unsigned char>(text[position]) : 0;
+    return static_cast<unsigned char>(text[position]);
 }
 
 bool continues(const std::string& text, std::size_t position)
 {
     return (byteAt(text, position) & 0xC0) == 0x80;
+}
+
+/// Whether no character begins with these two bytes, because it would be longer than it need be, a surrogate
+/// or beyond the last one.
+bool isExcluded(unsigned char first, unsigned char second)
+{
+    switch (first) {
+    case 0xE0:
+        return second < 0xA0;
+    case 0xED:
+        return second > 0x9F;
+    case 0xF0:
+        return second < 0x90;
+    case 0xF4:
+        return second > 0x8F;
+    default:
+        return false;
+    }
 }
 
 /// The length of the UTF-8 character at `position`; 0 if there is none.
@@ -30,7 +49,7 @@ std::size_t characterLength(const std::string& text, std::size_t position)
         if (!continues(text, position + index))
             return 0;
     }
-    return length;
+    return isExcluded(first, byteAt(text, position + 1)) ? 0 : length;
 }
 
 } // namespace
