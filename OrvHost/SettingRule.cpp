@@ -58,27 +58,36 @@ QString qText(const std::string& text)
     return QString::fromStdString(text);
 }
 
+SettingRule number(const char* key, std::int64_t lowest, std::int64_t highest, std::int64_t usual)
+{
+    SettingRule rule{key, Kind::Number};
+    rule.lowest = lowest;
+    rule.highest = highest;
+    rule.defaultNumber = usual;
+    return rule;
+}
+
 } // namespace
 
 const std::vector<SettingRule>& SettingRule::all()
 {
     static const std::vector<SettingRule> kRules = {
         {"url", Kind::Address},
-        {"product", Kind::Text, 0, 0, 0, AppHost::kName},
-        {"productVersion", Kind::Text, 0, 0, 0, ORVLIBRARY_VERSION_STRING},
+        {"product", Kind::Text, AppHost::kName},
+        {"productVersion", Kind::Text, ORVLIBRARY_VERSION_STRING},
         {"bonus", Kind::CatalogList},
         {"manufacturer", Kind::CatalogList},
         {"manufacturerDataUrl", Kind::Address},
         {"manufacturerLogoUrl", Kind::Address},
         {"proxy", Kind::Proxy},
         {"certificates", Kind::Path},
-        {"retries", Kind::Number, 0, kMostRetries, 3},
-        {"connections", Kind::Number, 1, 96, 16},
-        {"limitRate", Kind::Number, 0, kLargest, 0},
-        {"metered", Kind::Choice, 0, 0, 0, Settings::kPostpone, {Settings::kFetch, Settings::kPostpone}},
-        {"diskReserve", Kind::Number, 0, kLargest, 0},
-        {"historyVersions", Kind::Number, 1, kMostVersions, 3},
-        {"historyBytes", Kind::Number, 0, kLargest, 2147483648},
+        number("retries", 0, kMostRetries, 3),
+        number("connections", 1, 96, 16),
+        number("limitRate", 0, kLargest, 0),
+        {"metered", Kind::Choice, Settings::kPostpone, {Settings::kFetch, Settings::kPostpone}},
+        number("diskReserve", 0, kLargest, 0),
+        number("historyVersions", 1, kMostVersions, 3),
+        number("historyBytes", 0, kLargest, 2147483648),
     };
     return kRules;
 }
@@ -153,7 +162,7 @@ QJsonValue SettingRule::valueOf(const std::vector<std::string>& texts, std::stri
 std::string SettingRule::problemOf(const QJsonValue& value) const
 {
     if (kind == Kind::Number) {
-        const double number = value.toDouble(-1);
+        const double number = value.toDouble();
         const bool isWhole = value.isDouble() && std::abs(number) <= static_cast<double>(kLargest) &&
                              std::floor(number) == number;
         return problemOfNumber(isWhole ? static_cast<std::int64_t>(number)

@@ -24,11 +24,11 @@ struct SettingRule
 
     const char* key;
     Kind kind;
-    std::int64_t lowest = 0;
-    std::int64_t highest = 0;
-    std::int64_t defaultNumber = 0;
     const char* defaultText = "";
     std::vector<std::string> choices = {};
+    std::int64_t lowest = 0; ///< this and what follows are for numbers
+    std::int64_t highest = 0;
+    std::int64_t defaultNumber = 0;
 
     /// All keys, in the order in which they are documented.
     static const std::vector<SettingRule>& all();

@@ -35,7 +35,7 @@ std::size_t placeOf(const char* key, const std::string& text)
     const std::size_t name = text.find("\"" + std::string(key) + "\"");
     const std::size_t colon = text.find(':', name);
     const std::size_t value = text.find_first_not_of(" \t\r\n", colon + 1);
-    return name == std::string::npos || colon == std::string::npos || value == std::string::npos ? 0 : value;
+    return colon == std::string::npos ? 0 : value;
 }
 
 const SettingRule& ruleOf(const std::string& key)
@@ -64,7 +64,7 @@ QJsonValue takenOver(const QJsonValue& value, const SettingRule& rule)
         const QString name = entry.toString();
         const QString file =
             name.endsWith(QLatin1String(".orvlib")) ? name : name + QStringLiteral(".orvlib");
-        if (!name.isEmpty() && rule.problemOf(QJsonArray{file}).empty())
+        if (rule.problemOf(QJsonArray{file}).empty())
             names.append(file);
     }
     return names;
@@ -146,7 +146,7 @@ try {
     for (const auto& [name, key] : kNames) {
         const QJsonValue value = takenOver(former[name], ruleOf(key));
         const bool isEmptyList = value.isArray() && value.toArray().isEmpty();
-        if (!value.isUndefined() && !isEmptyList && ruleOf(key).problemOf(value).empty())
+        if (!isEmptyList && ruleOf(key).problemOf(value).empty())
             mMembers[key] = value;
     }
     if (!mMembers.isEmpty())

@@ -4,30 +4,26 @@
 #include <cstring>
 #include <stdexcept>
 
+#include <fcntl.h>
+
 #include <QFile>
 
 #include "OrvLibrary/host/LockingFStream.h"
 
 namespace OrvHost {
 
-namespace {
-
-[[noreturn]] void failToRead(const fileString& path, const QFileDevice& file)
-{
-    throw std::runtime_error("cannot read " + path.toNativeString() + ": " +
-                             file.errorString().toStdString());
-}
-
-} // namespace
-
 std::string TextFile::read(const fileString& path)
 {
-    QFile file(QFile::decodeName(path.toNativeString().c_str()));
-    if (!file.open(QIODevice::ReadOnly))
-        failToRead(path, file);
+    // A path that is not UTF-8 does not fit into Qt's text, so Qt gets the descriptor.
+    const std::string name = path.toNativeString();
+    const int descriptor = open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0)
+        throw std::runtime_error("cannot read " + name + ": " + std::strerror(errno));
+    QFile file;
+    file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
     const QByteArray content = file.readAll();
     if (file.error() != QFileDevice::NoError)
-        failToRead(path, file);
+        throw std::runtime_error("cannot read " + name + ": " + file.errorString().toStdString());
     return content.toStdString();
 }
 
