@@ -81,6 +81,19 @@ TEST_P(CurlCrowdTest, requestInTurnIsAskedAgainWithoutTheOthers)
     EXPECT_EQ(status, 200);
 }
 
+TEST_P(CurlCrowdTest, requestInTurnThatIsRefusedAmongOthersIsAskedAgain)
+{
+    delay = 100ms;
+    const Downloads downloads = serve(kCount);
+    server.onInTurn("/alone", {refusal(), FaultReply::ok("")});
+    announce(downloads);
+    // When the first body has arrived, others are in progress.
+    ASSERT_TRUE(get(downloads.front())) << reason;
+    ASSERT_TRUE(header(server.url("/alone"))) << curl.lastAnswer().reason;
+    EXPECT_EQ(status, 200);
+    EXPECT_EQ(server.requestsFor("/alone").size(), 2U);
+}
+
 TEST_P(CurlCrowdTest, refusalOfOneThatIsAskedAloneCounts)
 {
     serveAtOnce(0);
