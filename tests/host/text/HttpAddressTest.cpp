@@ -68,10 +68,14 @@ TEST(HttpAddress, loneTrailingQuestionMarkSurvivesResolving)
 
 TEST(HttpAddress, referencesAreResolvedAgainstTheFormerAddress)
 {
-    // The examples of RFC 3986 that do not need a fragment in the base address.
+    // The examples of RFC 3986 that do not need a fragment in the base address, and each mark of a scheme.
     const std::string base = "http://a/b/c/d;p?q";
     const Row rows[] = {
         {"g:h", "g:h"},
+        {"g+:h", "g+:h"},
+        {"g-:h", "g-:h"},
+        {"g.:h", "g.:h"},
+        {"g_:h", "http://a/b/c/g_:h"},
         {"g", "http://a/b/c/g"},
         {"./g", "http://a/b/c/g"},
         {"g/", "http://a/b/c/g/"},
@@ -95,6 +99,7 @@ TEST(HttpAddress, referencesAreResolvedAgainstTheFormerAddress)
         {"../../../g", "http://a/g"},
         {"/./g", "http://a/g"},
         {"/../g", "http://a/g"},
+        {"/g//../h", "http://a/g/h"},
         {"g.", "http://a/b/c/g."},
         {"..g", "http://a/b/c/..g"},
         {"./../g", "http://a/b/g"},

@@ -51,7 +51,7 @@ Parts split(std::string rest)
     return parts;
 }
 
-/// Removes "." and ".." segments from a path.
+/// Removes "." and ".." segments from a path that starts with "/".
 std::string withoutDotSegments(const std::string& path)
 {
     std::string result;
@@ -59,15 +59,13 @@ std::string withoutDotSegments(const std::string& path)
     while (at < path.size()) {
         const std::size_t next = std::min(path.find('/', at + 1), path.size());
         const std::string segment = path.substr(at, next - at);
-        const bool isLast = next == path.size();
-        if (segment == "/.." || segment == "..") {
-            const std::size_t slash = result.rfind('/');
-            result.erase(slash == std::string::npos ? 0 : slash);
-        } else if (segment != "/." && segment != ".") {
+        const bool isParent = segment == "/..";
+        const bool isDots = isParent || segment == "/.";
+        if (isParent)
+            result.erase(std::min(result.rfind('/'), result.size()));
+        if (!isDots)
             result += segment;
-        }
-        const bool isDots = segment == "/.." || segment == "/." || segment == ".." || segment == ".";
-        if (isLast && isDots)
+        else if (next == path.size())
             result += '/';
         at = next;
     }
