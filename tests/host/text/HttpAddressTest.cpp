@@ -76,6 +76,7 @@ TEST(HttpAddress, referencesAreResolvedAgainstTheFormerAddress)
         {"g-:h", "g-:h"},
         {"g.:h", "g.:h"},
         {"g_:h", "http://a/b/c/g_:h"},
+        {"1g:h", "http://a/b/c/1g:h"},
         {"g", "http://a/b/c/g"},
         {"./g", "http://a/b/c/g"},
         {"g/", "http://a/b/c/g/"},
