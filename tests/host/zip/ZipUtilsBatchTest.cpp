@@ -97,6 +97,19 @@ TEST_F(ZipUtilsBatchTest, batchStartsAnArchiveAnewWhileTheOldOneCanBeWalked)
     EXPECT_EQ(contentsOf(source), (Contents{{"a", "1"}}));
 }
 
+TEST_F(ZipUtilsBatchTest, fileThatIsNoArchiveCanBeStartedAnew)
+{
+    mSource.add("a", "1");
+    const fileString source = writeSource();
+    mFolder.write("target.zip", "no archive");
+    ArchiveBatch batch(nullptr);
+    EXPECT_EQ(copyWith(batch, source, target()), std::vector<bool>{false});
+    batch.begin(target());
+    EXPECT_EQ(copyWith(batch, source, target()), std::vector<bool>{true});
+    batch.complete();
+    EXPECT_EQ(contentsOf(target()), (Contents{{"a", "1"}}));
+}
+
 TEST_F(ZipUtilsBatchTest, archiveThatAnotherProgramReplacedIsNotReplacedByTheBatch)
 {
     mSource.add("a", "1");
