@@ -1,17 +1,13 @@
 #include "OrvHost/update/CarefulCurl.h"
 
 #include <deque>
-#include <filesystem>
 
 #include <gmock/gmock.h>
 
 #include "OrvHost/update/ServiceAnswer.h"
 #include "tests/support/TempFolder.h"
 
-namespace fs = std::filesystem;
-
 using OrvHost::CarefulCurl;
-using OrvHost::PartialFiles;
 using testing::IsEmpty;
 using testing::SizeIs;
 
@@ -329,30 +325,4 @@ TEST(ServiceAnswer, validatorIsAStrongTagOrADate)
     EXPECT_EQ("\"a\"", validator("ETag: \"a\"\r\nLast-Modified: then\r\n"));
     EXPECT_EQ("then", validator("ETag: W/\"a\"\r\nLast-Modified: then\r\n"));
     EXPECT_EQ("", validator("ETag: W/\"a\"\r\n"));
-}
-
-TEST(PartialFilesTest, olderVersionsOldPartsAndTooMuchGo)
-{
-    const test::TempFolder folder;
-    const PartialFiles parts(folder.file("partial"));
-    const fileString first = parts.fileFor("u", "1");
-    test::writeFile(first.toNativeString(), "12345");
-    EXPECT_EQ(first, parts.fileFor("u", "1"));
-    EXPECT_TRUE(first.pathExists());
-    const fileString second = parts.fileFor("u", "2");
-    EXPECT_FALSE(first.pathExists()) << "a part of another version is of no use";
-    test::writeFile(second.toNativeString(), "12345");
-    const fileString other = parts.fileFor("v", "1");
-    test::writeFile(other.toNativeString(), "12345");
-    fs::last_write_time(second.toNativeString(),
-                        fs::file_time_type::clock::now() - std::chrono::hours(24 * 6));
-    parts.prune();
-    EXPECT_TRUE(second.pathExists());
-    parts.prune(9);
-    EXPECT_FALSE(second.pathExists()) << "the oldest goes first";
-    EXPECT_TRUE(other.pathExists());
-    fs::last_write_time(other.toNativeString(),
-                        fs::file_time_type::clock::now() - std::chrono::hours(24 * 8));
-    parts.prune();
-    EXPECT_THAT(test::listTree(folder.path()), IsEmpty()) << "and the folder, once it is empty";
 }
