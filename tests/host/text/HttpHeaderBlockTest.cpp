@@ -39,3 +39,24 @@ TEST(HttpHeaderBlock, blockWithoutItsBlankLineIsCut)
     EXPECT_EQ(block({"HTTP/1.1 200 OK\r\n", "A: 1\r\n"}), "cut");
     EXPECT_EQ(block({"HTTP/1.1 100 Continue\r\n", "\r\n", "HTTP/1.1 200 OK\r\n"}), "cut");
 }
+
+TEST(HttpHeaderBlock, onlyAFinalBlockHasAStatus)
+{
+    HttpHeaderBlock header;
+    EXPECT_EQ(header.status(), 0);
+    for (const char* const line : {"HTTP/1.1 199 Wait\r\n", "\r\n"})
+        header.addLine(line);
+    EXPECT_EQ(header.status(), 0);
+    for (const char* const line : {"HTTP/1.1 200 OK\r\n", "\r\n"})
+        header.addLine(line);
+    EXPECT_EQ(header.status(), 200);
+}
+
+TEST(HttpHeaderBlock, bytesOfAllLinesCount)
+{
+    HttpHeaderBlock header;
+    EXPECT_EQ(header.bytes(), 0U);
+    for (const char* const line : {"HTTP/1.1 100 Continue\r\n", "\r\n", "HTTP/1.1 200 OK\r\n"})
+        header.addLine(line);
+    EXPECT_EQ(header.bytes(), 23U + 2U + 17U);
+}

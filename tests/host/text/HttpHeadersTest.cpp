@@ -22,6 +22,7 @@ TEST(HttpHeaders, contentLengthIsANumberAndNothingElse)
         {"Content-Length: 1\nContent-Length: 12", 12},
         {"Content-Length:", -1},
         {"Content-Length: -1", -1},
+        {"Content-Length: -5", -1},
         {"Content-Length: 12 bytes", -1},
         {"Content-Length: 99999999999999999999", -1},
     };
@@ -39,6 +40,7 @@ TEST(HttpHeaders, restMustBeginAtTheByteAskedForAndEndWithTheFile)
         {"Content-Range: bytes 5-9/*", -1},
         {"Content-Range: bytes 5-9/10 and more", -1},
         {"Content-Range: bytes 5", -1},
+        {"Content-Range: bytes 5--1/0", -1},
         {"Content-Range: lines 5-9/10", -1},
     };
     for (const auto& [text, length] : rows)

@@ -1,15 +1,13 @@
 #include "OrvLibrary/host/impl/text/HttpHeaderBlock_p.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <string_view>
 
 namespace {
 
 constexpr std::int64_t kFirstFinalStatus = 200;
-
-bool isBlank(char c)
-{
-    return c == ' ' || c == '\t';
-}
+constexpr std::string_view kBlanks = " \t";
 
 std::string withoutLineEnd(std::string line)
 {
@@ -21,9 +19,7 @@ std::string withoutLineEnd(std::string line)
 /// Joins a folded line to the line before it, with one blank between them.
 void unfold(std::string& text, const std::string& line)
 {
-    std::size_t start = 0;
-    while (start < line.size() && isBlank(line[start]))
-        ++start;
+    const std::size_t start = std::min(line.find_first_not_of(kBlanks), line.size());
     text.erase(text.size() - 2);
     text += ' ' + line.substr(start) + "\r\n";
 }
@@ -43,7 +39,7 @@ void HttpHeaderBlock::addLine(const std::string& line)
     if (content.empty()) {
         mText += "\r\n";
         mComplete = true;
-    } else if (isBlank(content.front()) && !mText.empty()) {
+    } else if (kBlanks.find(content.front()) != kBlanks.npos && !mText.empty()) {
         unfold(mText, content);
     } else {
         mText += content + "\r\n";
