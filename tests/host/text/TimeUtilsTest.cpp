@@ -112,6 +112,8 @@ TEST(TimeUtils, whatIsNoTimeStampIsNotADateTime)
         "00000000T000000",
         "99999999T999999",
         "20261121T03:35:12",
+        "20261121T0:3512",
+        "20261121T0/3512",
         "Not-A-Date-Time",
         "\xC3\xA9",
     };
