@@ -109,6 +109,18 @@ TEST_F(CurlTlsTest, certificatesOfTheEnvironmentAreTrusted)
     EXPECT_TRUE(fetch(url)) << reason;
 }
 
+TEST_F(CurlTlsTest, furtherConnectionsResumeTheSession)
+{
+    curl.setCertificates(certificate);
+    ASSERT_TRUE(browse(url)) << curl.lastAnswer().reason;
+    EXPECT_THAT(body, HasSubstr("New, TLS"));
+    // The server closes each connection after its answer.
+    ASSERT_TRUE(browse(url)) << curl.lastAnswer().reason;
+    EXPECT_THAT(body, HasSubstr("Reused, TLS"));
+    curl.setCertificates(folder.file("missing.pem").toNativeString());
+    EXPECT_FALSE(browse(url)) << "a session counts only with the certificates that vouched for it";
+}
+
 TEST_F(CurlTlsTest, serverThatIsGoneRaisesNoSignal)
 {
     if (!Http2Front::isAvailable())

@@ -12,15 +12,12 @@
 HttpConnections::HttpConnections()
 {
     [[maybe_unused]] static const CURLcode once = curl_global_init(CURL_GLOBAL_DEFAULT);
-    mMulti = curl_multi_init();
-    if (!mMulti)
+    mSessions.reset(curl_share_init());
+    mMulti.reset(curl_multi_init());
+    if (!mSessions || !mMulti)
         throw std::bad_alloc();
-    curl_multi_setopt(mMulti, CURLMOPT_MAXCONNECTS, 100L); // idle ones that are kept
-}
-
-HttpConnections::~HttpConnections()
-{
-    curl_multi_cleanup(mMulti);
+    curl_multi_setopt(mMulti.get(), CURLMOPT_MAXCONNECTS, 100L); // idle ones that are kept
+    curl_share_setopt(mSessions.get(), CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
 }
 
 HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body)
@@ -47,7 +44,7 @@ HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body)
 void HttpConnections::addAhead(AheadWork& work, std::size_t connectionLimit)
 {
     mAhead.push_back(&work);
-    curl_multi_setopt(mMulti, CURLMOPT_MAX_HOST_CONNECTIONS, static_cast<long>(connectionLimit));
+    curl_multi_setopt(mMulti.get(), CURLMOPT_MAX_HOST_CONNECTIONS, static_cast<long>(connectionLimit));
 }
 
 void HttpConnections::removeAhead(AheadWork& work)
@@ -71,14 +68,15 @@ void HttpConnections::stopAhead()
 
 void HttpConnections::start(HttpTransfer& transfer)
 {
-    if (curl_multi_add_handle(mMulti, transfer.handle()) != CURLM_OK)
+    curl_easy_setopt(transfer.handle(), CURLOPT_SHARE, mSessions.get());
+    if (curl_multi_add_handle(mMulti.get(), transfer.handle()) != CURLM_OK)
         transfer.finish(CURLE_OUT_OF_MEMORY);
     mHasNew = true;
 }
 
 void HttpConnections::end(CURL* handle)
 {
-    curl_multi_remove_handle(mMulti, handle);
+    curl_multi_remove_handle(mMulti.get(), handle);
     curl_easy_cleanup(handle);
 }
 
@@ -93,7 +91,7 @@ bool HttpConnections::move()
 {
     int running = 0;
     mHasNew = false;
-    const bool isWell = curl_multi_perform(mMulti, &running) == CURLM_OK;
+    const bool isWell = curl_multi_perform(mMulti.get(), &running) == CURLM_OK;
     collectResults();
     for (AheadWork* const work : mAhead)
         work->advance();
@@ -102,13 +100,13 @@ bool HttpConnections::move()
 
 void HttpConnections::wait()
 {
-    curl_multi_poll(mMulti, nullptr, 0, static_cast<int>(HttpLimits::kLongestSleep.count()), nullptr);
+    curl_multi_poll(mMulti.get(), nullptr, 0, static_cast<int>(HttpLimits::kLongestSleep.count()), nullptr);
 }
 
 void HttpConnections::collectResults()
 {
     int left = 0;
-    while (const CURLMsg* message = curl_multi_info_read(mMulti, &left)) {
+    while (const CURLMsg* message = curl_multi_info_read(mMulti.get(), &left)) {
         if (message->msg != CURLMSG_DONE)
             continue;
         char* transfer = nullptr;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include <curl/curl.h>
@@ -34,7 +35,6 @@ class HttpConnections
 {
 public:
     HttpConnections();
-    ~HttpConnections();
     HttpConnections(const HttpConnections&) = delete;
     HttpConnections& operator=(const HttpConnections&) = delete;
 
@@ -86,7 +86,9 @@ private:
     bool move();
     void collectResults();
 
-    CURLM* mMulti;
+    /// What was agreed with each server, so that a further connection to it needs a shorter TLS handshake.
+    std::unique_ptr<CURLSH, CURLSHcode (*)(CURLSH*)> mSessions{nullptr, &curl_share_cleanup};
+    std::unique_ptr<CURLM, CURLMcode (*)(CURLM*)> mMulti{nullptr, &curl_multi_cleanup};
     bool mBusy = false;
     bool mIsInTurn = false;
     /// Whether a transfer was added since the transfer library moved them on.
