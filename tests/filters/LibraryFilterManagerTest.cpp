@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cstdlib>
 #include <sys/stat.h>
 
 #include <gtest/gtest.h>
@@ -37,6 +38,21 @@ const char kTwoFilters[] = R"({"Current_Filter": 4,
 TEST_F(LibraryFilterManagerTest, isOne)
 {
     EXPECT_EQ(&mManager, &LibraryFilterManager::getLibraryFilterManager());
+}
+
+// Runs in a new process, because an earlier test has used the manager already.
+TEST(LibraryFilterManagerOfANewProcess, theFirstUseLoadsTheFile)
+{
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            const test::ScopedHost host;
+            host.folder().write("core/catalog_filters.json", kTwoFilters);
+            const bool isLoaded =
+                LibraryFilterManager::getLibraryFilterManager().getLibraryFilters().size() == 2;
+            std::_Exit(isLoaded ? 0 : 1);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 TEST_F(LibraryFilterManagerTest, namesItsFile)

@@ -371,6 +371,9 @@ TEST(JsonWriter, everyByteIsReadBack)
     for (int byte = 0; byte < 256; ++byte)
         all += static_cast<char>(byte);
     EXPECT_EQ(readBack(all), all);
+    Object plain;
+    plain.add_element("a b", std::string());
+    EXPECT_NE(json_writer::toText(plain).find("\"a b\""), std::string::npos);
     EXPECT_EQ(readBack(std::string("Möbel \xF0\x9F\x98\x80")), "Möbel \xF0\x9F\x98\x80");
     Object object;
     object.add_element(all, std::string());
