@@ -17,7 +17,7 @@ std::string TextFile::read(const fileString& path)
     // A path that is not UTF-8 does not fit into Qt's text, so Qt gets the descriptor.
     const std::string name = path.toNativeString();
     const int descriptor = open(name.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0)
+    if (descriptor == -1)
         throw std::runtime_error("cannot read " + name + ": " + std::strerror(errno));
     QFile file;
     file.open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);

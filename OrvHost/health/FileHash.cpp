@@ -25,5 +25,5 @@ std::string OrvHost::FileHash::sha1Hex(const fileString& file, ProgressSubject& 
         if (progress.checkCancel(false))
             throw ZipUtils::Cancelled();
     }
-    return stream.eof() && !stream.bad() ? hash.result().toHex().toStdString() : std::string();
+    return stream.eof() ? hash.result().toHex().toStdString() : std::string();
 }

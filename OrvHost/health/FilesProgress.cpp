@@ -22,8 +22,6 @@ void FilesProgress::begin(const std::string& name, std::uint64_t bytes)
         throw ZipUtils::Cancelled();
     mSize = bytes;
     mTold = 0;
-    mTotal = 0;
-    mDone = 0;
     if (mWhole)
         mWhole->increment(name, {});
 }

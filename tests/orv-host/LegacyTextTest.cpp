@@ -36,6 +36,7 @@ TEST(LegacyText, whatIsAlmostACharacterIsConvertedByteByByte)
         {"\xF4\x90\xA0\xA0", "ô\u0090\u00A0\u00A0"},
         {"\xF0\xA0\xA0", "ð\u00A0\u00A0"},
         {"\xC3\xC3\xA4", "Ãä"},
+        {"a\x80", "a€"},
     };
     for (const auto& [text, expected] : table)
         EXPECT_EQ(expected, toUtf8(text));

@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 
-#include "OrvHost/health/ErrorLogReader.h"
 #include "tests/orv-library/Program.h"
 
 using testing::HasSubstr;
@@ -20,35 +19,6 @@ const std::string kTwoEntries = entry("2026-11-21 03:35:12", "Empty Download Fil
                                 entry("2026-11-21 03:35:13", "first\nsecond\n");
 
 } // namespace
-
-TEST(ErrorLogReader, readsEntriesInOrder)
-{
-    const std::vector<OrvHost::ErrorLogEntry> entries = OrvHost::ErrorLogReader::parse(kTwoEntries);
-    ASSERT_EQ(2U, entries.size());
-    EXPECT_EQ("2026-11-21 03:35:12", entries[0].time);
-    EXPECT_EQ("0x7f01", entries[0].thread);
-    EXPECT_EQ("Empty Download File:  /a b", entries[0].message);
-    EXPECT_EQ("first\nsecond", entries[1].message);
-}
-
-TEST(ErrorLogReader, messageMayHoldSeparators)
-{
-    const std::string message = "---\nTime: none\n...\n---\ntext\n";
-    const std::vector<OrvHost::ErrorLogEntry> entries =
-        OrvHost::ErrorLogReader::parse(entry("1", message) + entry("2", "other\n"));
-    ASSERT_EQ(2U, entries.size());
-    EXPECT_EQ("---\nTime: none\n...\n---\ntext", entries[0].message);
-    EXPECT_EQ("2", entries[1].time);
-}
-
-TEST(ErrorLogReader, unfinishedEntryIsShownAsFarAsItGoes)
-{
-    EXPECT_EQ("fir",
-              OrvHost::ErrorLogReader::parse("---\nTime: 1\nThread ID: 2\nMessage: |\nfir")[0].message);
-    EXPECT_EQ("1", OrvHost::ErrorLogReader::parse("---\nTime: 1")[0].time);
-    EXPECT_TRUE(OrvHost::ErrorLogReader::parse("").empty());
-    EXPECT_TRUE(OrvHost::ErrorLogReader::parse("no log at all\n").empty());
-}
 
 TEST(LogCommand, showsTheEntries)
 {
