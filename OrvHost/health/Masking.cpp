@@ -17,7 +17,6 @@ QStringList userNames()
     QStringList names{qEnvironmentVariable("USER"), qEnvironmentVariable("LOGNAME")};
     if (const passwd* account = getpwuid(getuid()))
         names << QString::fromLocal8Bit(account->pw_name);
-    names.removeDuplicates();
     names.removeAll(QString());
     return names;
 }

@@ -48,9 +48,8 @@ std::string listing(const fs::path& root)
     for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
         std::error_code unreadable;
         const bool isFile = entry->is_regular_file(unreadable);
-        const auto size = isFile ? entry->file_size(unreadable) : 0;
         lines.push_back(entry->path().lexically_relative(root).string() +
-                        (isFile ? "  " + std::to_string(size) : "/"));
+                        (isFile ? "  " + std::to_string(entry->file_size(unreadable)) : "/"));
     }
     std::sort(lines.begin(), lines.end());
     std::string text;
@@ -59,11 +58,14 @@ std::string listing(const fs::path& root)
     return text;
 }
 
-/// The end of a file; empty if it cannot be read.
+/// The last lines of a file; empty if it cannot be read. The masking would not know a part of a line.
 std::string endOf(const fileString& path)
 try {
     const std::string text = TextFile::read(path);
-    return text.size() > kMostOfLog ? text.substr(text.size() - kMostOfLog) : text;
+    if (text.size() <= kMostOfLog)
+        return text;
+    const std::size_t lineBreak = text.find('\n', text.size() - kMostOfLog - 1);
+    return lineBreak == std::string::npos ? std::string() : text.substr(lineBreak + 1);
 } catch (const std::runtime_error&) {
     return {};
 }
