@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
+#include <bitset>
 #include <cerrno>
 #include <condition_variable>
 #include <cstdint>
@@ -40,7 +40,7 @@ std::uint64_t bigEndian(const Header& header, std::size_t offset, std::size_t by
 
 bool isPageSize(std::uint64_t size)
 {
-    return size >= 512 && size <= 65536 && (size & (size - 1)) == 0;
+    return size >= 512 && size <= 65536 && std::bitset<64>(size).count() == 1;
 }
 
 /// The problem that the header shows. It has the number of pages, but that is right only if the last program
@@ -68,19 +68,16 @@ std::string problemOfHeader(const fileString& file)
     return {};
 }
 
+/// Every byte of the path is encoded, so none of them has a meaning in the address.
 std::string uriOf(const fileString& file)
 {
     const char* const hexadecimal = "0123456789ABCDEF";
-    std::string uri = "file://";
+    std::string uri = "file:";
     for (const char character : std::filesystem::absolute(file.toNativeString()).string()) {
         const auto byte = static_cast<unsigned char>(character);
-        if (std::isalnum(byte) || std::strchr("/-_.~", character)) {
-            uri += character;
-        } else {
-            uri += '%';
-            uri += hexadecimal[byte >> 4];
-            uri += hexadecimal[byte & 15];
-        }
+        uri += '%';
+        uri += hexadecimal[byte >> 4];
+        uri += hexadecimal[byte & 15];
     }
     return uri + "?mode=ro&immutable=1";
 }
@@ -99,7 +96,7 @@ class Watch
 {
 public:
     Watch(sqlite3* database, std::chrono::milliseconds limit, const std::function<bool()>& isCancelled)
-        : mIsCancelled(isCancelled), mThread([this, database, limit] { run(database, Clock::now() + limit); })
+        : mIsCancelled(isCancelled), mThread([this, database, limit] { run(database, limit); })
     {
     }
 
@@ -117,16 +114,19 @@ public:
     Watch& operator=(const Watch&) = delete;
 
 private:
-    void run(sqlite3* database, Clock::time_point deadline)
+    /// An interrupt has no effect before the check has begun, so it is repeated until the end.
+    void run(sqlite3* database, std::chrono::milliseconds limit)
     {
+        const Clock::time_point deadline = Clock::now() + limit;
         std::unique_lock<std::mutex> lock(mMutex);
-        while (!mIsEnded && Clock::now() < deadline && !(mIsCancelled && mIsCancelled()))
-            mChanged.wait_until(lock, std::min(deadline, Clock::now() + kPause));
-        if (!mIsEnded)
-            sqlite3_interrupt(database);
+        while (!mIsEnded) {
+            if (Clock::now() >= deadline || (mIsCancelled && mIsCancelled()))
+                sqlite3_interrupt(database);
+            mChanged.wait_for(lock, std::min(limit, kPause));
+        }
     }
 
-    static constexpr auto kPause = std::chrono::milliseconds(20);
+    static constexpr std::chrono::milliseconds kPause{20};
 
     std::function<bool()> mIsCancelled;
 
