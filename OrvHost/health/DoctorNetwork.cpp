@@ -32,7 +32,7 @@ std::string adviceOn(const std::string& reason, const char* otherwise)
 /// Ends a transfer when enough has arrived.
 int stopWhenEnough(void*, double, double downloaded, double, double)
 {
-    return downloaded >= kEnoughOfBody ? 1 : 0;
+    return static_cast<int>(downloaded >= kEnoughOfBody);
 }
 
 CarefulCurl carefulService(const Settings::Values& values, const std::string& indexName)
@@ -128,6 +128,7 @@ Doctor::Finding Doctor::index()
     if (!isRead)
         return {mSubject.indexName + ": " + report.index.reason,
                 adviceOn(report.index.reason, "Correct the address, or tell the publisher of the service.")};
+    mCatalog.clear();
     std::size_t count = 0;
     for (const std::string& name : report.indexNames) {
         const fileString extension = fileString(name).extension();

@@ -36,11 +36,11 @@ int tryToConnect(const addrinfo& address)
 {
     const int descriptor =
         socket(address.ai_family, address.ai_socktype | SOCK_NONBLOCK | SOCK_CLOEXEC, address.ai_protocol);
-    if (descriptor < 0)
+    if (descriptor == -1)
         return errno;
     int error = connect(descriptor, address.ai_addr, address.ai_addrlen) == 0 ? 0 : errno;
     if (error == EINPROGRESS) {
-        pollfd waiting{descriptor, POLLOUT, 0};
+        pollfd waiting{descriptor, POLLOUT, {}};
         socklen_t size = sizeof error;
         if (poll(&waiting, 1, kTimeoutMilliseconds) <= 0)
             error = ETIMEDOUT;
