@@ -49,6 +49,18 @@ TEST_F(CurlFaultTest, replyCutAnywhereIsAFailedDownloadWithoutAFile)
     }
 }
 
+TEST_F(CurlFaultTest, hostMayHaveAnAddressTriedAgainAtOnce)
+{
+    server.on("/a", FaultReply::raw("").close());
+    for (int i = 0; i < 4; ++i)
+        EXPECT_FALSE(Curl::get().browseURL(server.url("/a"), {}, body, true, 0));
+    server.on("/a", FaultReply::ok("a"));
+    EXPECT_FALSE(Curl::get().browseURL(server.url("/a"), {}, body, true, 0));
+    EXPECT_THAT(Curl::get().lastAnswer().reason, HasSubstr("a moment ago"));
+    Curl::forgetFailures();
+    EXPECT_TRUE(Curl::get().browseURL(server.url("/a"), {}, body, true, 0));
+}
+
 TEST_F(CurlFaultTest, folderThatTheHostCannotTellFailsTheDownload)
 {
     server.on("/a", FaultReply::ok("x"));
