@@ -38,9 +38,10 @@ std::uint64_t bigEndian(const Header& header, std::size_t offset, std::size_t by
     return value;
 }
 
+/// The header has no room for a size over 65536.
 bool isPageSize(std::uint64_t size)
 {
-    return size >= 512 && size <= 65536 && std::bitset<64>(size).count() == 1;
+    return size >= 512 && std::bitset<64>(size).count() == 1;
 }
 
 /// The problem that the header shows. It has the number of pages, but that is right only if the last program
@@ -137,10 +138,8 @@ private:
 };
 
 /// The last line of the result. A heading with the database's name comes before it.
-std::string lastLine(std::string text)
+std::string lastLine(const std::string& text)
 {
-    while (!text.empty() && text.back() == '\n')
-        text.pop_back();
     return text.substr(text.rfind('\n') + 1); // without a line break, the whole text
 }
 

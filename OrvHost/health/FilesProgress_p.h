@@ -14,6 +14,8 @@ namespace OrvHost {
 class FilesProgress : public ProgressSubject
 {
 public:
+    /// Nobody watches.
+    FilesProgress() = default;
     /// @param whole the caller's object; may be null
     /// @param bytes of all files
     FilesProgress(std::shared_ptr<ProgressSubject> whole, std::uint64_t bytes);

@@ -164,7 +164,7 @@ void LibraryHealth::checkArchives()
 
 void LibraryHealth::checkArchivesIn(const fileString& folder, bool areReferenced)
 {
-    FilesProgress nobody(nullptr, 0);
+    FilesProgress nobody;
     checkArchivesIn(folder, areReferenced, nobody);
 }
 

@@ -1,10 +1,14 @@
 #include "OrvHost/ConsoleMessages.h"
 
+#include <algorithm>
+#include <thread>
+
 #include <gmock/gmock.h>
 
 #include "tests/orv-host/HostedTest.h"
 
-using testing::SizeIs;
+using testing::ElementsAre;
+using testing::HasSubstr;
 
 using ConsoleMessagesTest = test::HostedTest;
 
@@ -15,7 +19,32 @@ TEST_F(ConsoleMessagesTest, informationIsShownOnceAndTheRestEachTime)
         messages.notify("", 0, error::InformationOnceTrait(), 0x1001, "once", "", "");
         messages.notify("", 0, error::WarningTrait(), 0x1001, "each time", "", "");
     }
-    EXPECT_THAT(messages.shown(), SizeIs(3));
     messages.notify("", 0, error::InformationOnceTrait(), 0x1002, "another", "", "");
-    EXPECT_THAT(messages.shown(), SizeIs(4));
+    EXPECT_THAT(messages.shown(), ElementsAre(HasSubstr("once"), HasSubstr("each time"),
+                                              HasSubstr("each time"), HasSubstr("another")));
+}
+
+TEST_F(ConsoleMessagesTest, threadsShowAllOfTheirs)
+{
+    constexpr std::size_t kThreads = 3, kEach = 1000;
+    OrvHost::ConsoleMessages messages;
+    testing::internal::CaptureStderr();
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < kThreads; ++i)
+        threads.emplace_back([&messages] {
+            for (std::size_t n = 0; n < kEach; ++n)
+                messages.notify("", 0, error::WarningTrait(), 0x1001, "text", "", "");
+        });
+    std::size_t before = 0;
+    while (before < kThreads * kEach) {
+        const std::vector<std::string> shown = messages.shown();
+        EXPECT_GE(shown.size(), before);
+        before = shown.size();
+    }
+    for (std::thread& thread : threads)
+        thread.join();
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), kThreads * kEach);
+    const std::vector<std::string> shown = messages.shown();
+    EXPECT_EQ(shown, std::vector<std::string>(kThreads * kEach, shown.front()));
 }

@@ -44,6 +44,18 @@ TEST_F(FilesProgress, eachFileBeginsAnew)
     EXPECT_THAT(toldBytes(), ElementsAre(kMegabyte, kMegabyte, 5, kMegabyte, kMegabyte, kMegabyte, 1));
 }
 
+TEST_F(FilesProgress, scaleIsShownFromEightMegabytesOn)
+{
+    for (const std::size_t size : {8 * kMegabyte - 1, 8 * kMegabyte}) {
+        writeCatalogs({{"A.orvlib", size}});
+        const auto progress = std::make_shared<test::RecordingProgress>();
+        health.checkAll(progress);
+        const bool isShown = size == 8 * kMegabyte;
+        EXPECT_EQ(progress->calls()[0], isShown ? "labels checking | " : "check") << size;
+        EXPECT_EQ(progress->calls()[1], isShown ? "total 8388608" : "step A.orvlib | ") << size;
+    }
+}
+
 TEST_F(FilesProgress, bytesAreToldAtOnce)
 {
     writeCatalogs({{"A.orvlib", 1}});
