@@ -136,6 +136,19 @@ TEST_F(CurlPrefetchDownloadsServersTest, slowOneAheadMakesRoomWithinASecond)
     EXPECT_THAT(picky.requestsFor(nameOf(0)), SizeIs(2));
 }
 
+TEST_F(CurlPrefetchDownloadsServersTest, serverThatHasNoneOfTheFilesIsSoonAskedInTurn)
+{
+    constexpr int kCount = 60;
+    const Downloads downloads = serve(kCount);
+    for (int i = 0; i < kCount; ++i)
+        server.on(nameOf(i), FaultReply::status(404).pauseAt(0, delay));
+    announce(downloads);
+    for (const auto& request : downloads)
+        EXPECT_FALSE(get(request));
+    EXPECT_LE(server.requests().size() - requestsBefore, kCount + 2U * 16U)
+        << "an answer that brings no file is asked for again in its turn";
+}
+
 TEST_F(CurlPrefetchDownloadsServersTest, deadServerIsGivenUpInTheOrderOfTheCalls)
 {
     const Downloads downloads = serve(100);

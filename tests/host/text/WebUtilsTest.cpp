@@ -59,6 +59,7 @@ TEST(WebUtils, foldedValueIsOneValue)
     EXPECT_THAT(parsed("ETag:\r\n  \"a\"\r\nB: 1\r\n\t2\r\n").at("ETag"), ElementsAre("\"a\""));
     EXPECT_THAT(parsed("B: 1\r\n\t2\r\n").at("B"), ElementsAre("1 2"));
     EXPECT_TRUE(parsed(" folded from nothing\r\n").empty());
+    EXPECT_THAT(parsed("B: 1\r\nno colon\r\n\t2\r\n").at("B"), ElementsAre("1"));
 }
 
 TEST(WebUtils, finalAddressIsAskedOfTheInstalledService)
