@@ -125,7 +125,7 @@ void FormerImports::begin(const std::string& name, bool isProprietary, const std
 
 void FormerImports::keep(const ImportEntry& entry, ImportPart& part) const
 {
-    const fileString path = entry.path(part);
+    const fileString path = entry.changedFile(part);
     const fileString kept = mFolder / entry.keptName(part);
     part.before = FileStamp::of(path);
     if (!part.before.exists)
@@ -157,7 +157,7 @@ void FormerImports::commit()
     ImportEntry& entry = mEntries.back();
     entry.state = ImportEntry::State::Done;
     for (ImportPart& part : entry.parts)
-        part.after = FileStamp::of(entry.path(part));
+        part.after = FileStamp::of(entry.changedFile(part));
     if (mEntries.size() > kMost)
         mEntries.erase(mEntries.begin(), mEntries.end() - kMost);
     save();
@@ -175,7 +175,7 @@ void FormerImports::rollBack()
 std::string FormerImports::refusalOf(const ImportEntry& entry)
 {
     for (const ImportPart& part : entry.parts) {
-        const FileStamp now = FileStamp::of(entry.path(part));
+        const FileStamp now = FileStamp::of(entry.changedFile(part));
         if (now.exists && now != part.after)
             return entry.path(part).toNativeString() +
                    ": was changed after the import, and the change would be lost; to undo all the same, "
@@ -197,7 +197,7 @@ void FormerImports::undoLast()
 
 void FormerImports::putBack(const ImportEntry& entry, const ImportPart& part) const
 {
-    const fileString path = entry.path(part);
+    const fileString path = entry.changedFile(part);
     const fileString kept = mFolder / entry.keptName(part);
     if (FileStamp::of(path) == part.before)
         return;
@@ -210,7 +210,7 @@ void FormerImports::putBack(const ImportEntry& entry, const ImportPart& part) co
             throw std::runtime_error(path.toNativeString() + ": cannot be put back");
         setModified(path, part.before.modified);
     }
-    FileSearch::get().resetFileSearch(path.parentPathWithSeparator());
+    FileSearch::get().resetFileSearch(entry.path(part).parentPathWithSeparator());
 }
 
 void FormerImports::dropLast()

@@ -1,6 +1,7 @@
 #include "OrvHost/imports/ImportRecord_p.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <stdexcept>
 
 #include <QJsonArray>
@@ -123,6 +124,16 @@ fileString ImportEntry::path(const ImportPart& part) const
     return ImportFiles::library(fileString(name), isProprietary) + fileString(part.role.substr(7));
 }
 
+fileString ImportEntry::changedFile(const ImportPart& part) const
+{
+    const fileString link = path(part);
+    std::error_code error;
+    const std::filesystem::path file = std::filesystem::canonical(link.toNativeString(), error);
+    const bool isBehindLink =
+        part.role == "textures" && !error && std::filesystem::is_symlink(link.toNativeString(), error);
+    return isBehindLink ? fileString(file.string()) : link;
+}
+
 fileString ImportEntry::keptName(const ImportPart& part) const
 {
     return fileString(std::to_string(number) + "." + part.role);
@@ -132,7 +143,7 @@ bool ImportEntry::hasTakenPlace() const
 {
     const ImportPart* library = part("library");
     const ImportPart* last = library ? library : part("textures");
-    return last && FileStamp::of(path(*last)) != last->before;
+    return last && FileStamp::of(changedFile(*last)) != last->before;
 }
 
 fileString ImportFiles::library(const fileString& stem, bool isProprietary)

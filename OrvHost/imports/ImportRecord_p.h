@@ -52,6 +52,9 @@ struct ImportEntry
     const ImportPart* part(const std::string& role) const;
     /// The path of the file, in the folders of the installed path service.
     fileString path(const ImportPart& part) const;
+    /// The file that the import changes. For a texture archive that is a link, it is the file behind the
+    /// link, because the merge changes that one; a database replaces a link.
+    fileString changedFile(const ImportPart& part) const;
     /// The name of the kept file in the folder of the former imports.
     fileString keptName(const ImportPart& part) const;
     /// Whether an import that has begun counts as done: the database, which is replaced last, has changed.

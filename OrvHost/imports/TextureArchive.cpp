@@ -10,10 +10,13 @@ namespace OrvHost {
 
 namespace {
 
+/// If the archive is a link, the file behind it is kept, because that one will be replaced.
 void keepUnder(const fileString& archive, const fileString& name)
 {
     std::error_code error;
-    std::filesystem::create_hard_link(archive.toNativeString(), name.toNativeString(), error);
+    const std::filesystem::path file = std::filesystem::canonical(archive.toNativeString(), error);
+    if (!error)
+        std::filesystem::create_hard_link(file, name.toNativeString(), error);
     if (error && !FileUtils::copyFile(archive, name, false))
         throw std::runtime_error(name.toNativeString() + ": the damaged archive cannot be kept there");
 }

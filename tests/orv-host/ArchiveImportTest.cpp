@@ -285,3 +285,18 @@ TEST_F(ArchiveImportTest, recordThatCannotBeReadStopsNoImport)
         EXPECT_TRUE(ImportUndo(host.root()).last()) << text;
     }
 }
+
+TEST_F(ArchiveImportTest, filesBehindLinksComeBack)
+{
+    const ArchiveImport::Result first = import(writeKitchen("1"));
+    for (const fileString& file : {first.library, first.textures}) {
+        const std::string away = folder.path() + "/" + file.stemWithExtension().toNativeString();
+        std::filesystem::rename(file.toNativeString(), away);
+        std::filesystem::create_symlink(away, file.toNativeString());
+    }
+    const auto before = files();
+    EXPECT_EQ(import(writeKitchen("2")).error, "");
+    EXPECT_NE(files(), before);
+    ImportUndo(host.root()).run();
+    EXPECT_EQ(files(), before);
+}
