@@ -34,16 +34,12 @@ public:
         database.setDatabaseName(addressOf(catalog));
         mIsOpen = database.open();
     }
-    ~Connection()
-    {
-        database().close();
-        QSqlDatabase::removeDatabase(mName);
-    }
+    ~Connection() { QSqlDatabase::removeDatabase(mName); } // closes it, too
     Connection(const Connection&) = delete;
     Connection& operator=(const Connection&) = delete;
 
     bool isOpen() const { return mIsOpen; }
-    QSqlDatabase database() const { return QSqlDatabase::database(mName, false); }
+    QSqlDatabase database() const { return QSqlDatabase::database(mName); }
 
 private:
     QString mName;

@@ -115,12 +115,7 @@ void FormerImports::begin(const std::string& name, bool isProprietary, const std
         keep(entry, entry.parts.back());
     }
     mEntries.push_back(entry);
-    try {
-        save();
-    } catch (...) {
-        mEntries.pop_back();
-        throw;
-    }
+    save();
 }
 
 void FormerImports::keep(const ImportEntry& entry, ImportPart& part) const

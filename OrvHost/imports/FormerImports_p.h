@@ -41,7 +41,8 @@ public:
 
     /// Keeps the files that an import will change and records that it has begun.
     /// @param roles as in `ImportPart::role`
-    /// @throws std::runtime_error if a file cannot be kept; nothing is recorded then
+    /// @throws std::runtime_error if a file cannot be kept; nothing is recorded then, and this object must
+    /// not be used any more
     void begin(const std::string& name, bool isProprietary, const std::vector<std::string>& roles);
     /// Adds a file that the current import will make.
     void addNewFile(const std::string& role);

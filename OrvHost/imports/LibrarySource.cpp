@@ -38,12 +38,12 @@ int tellDownload(void* context, double total, double done, double, double)
     return progress.target->checkCancel(false) ? 1 : 0;
 }
 
-/// The value of "library=" in the query of a catalog address; empty if there is none.
+/// The value of "library=" in the query of a catalog address, which begins with "?"; empty if there is none.
 std::string askedLibrary(const std::string& query)
 {
     const std::string key = "library=";
     for (std::size_t at = query.find(key); at != std::string::npos; at = query.find(key, at + 1)) {
-        if (at == 0 || query[at - 1] == '&' || query[at - 1] == '?')
+        if (query[at - 1] == '&' || query[at - 1] == '?')
             return query.substr(at + key.size(), query.find('&', at) - at - key.size());
     }
     return {};
