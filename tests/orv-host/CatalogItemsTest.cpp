@@ -118,8 +118,16 @@ TEST_F(CatalogItemsTest, noFileAppearsBesideACatalogWithAJournal)
     EXPECT_EQ(test::listTree(folder.path()), before);
 }
 
-TEST_F(CatalogItemsTest, noConnectionStaysOpen)
+TEST_F(CatalogItemsTest, onlyTheConnectionOfTheApplicationStaysOpen)
 {
-    CatalogItems::compare(former, current);
-    EXPECT_TRUE(QSqlDatabase::connectionNames().empty());
+    {
+        QSqlDatabase own = QSqlDatabase::addDatabase("QSQLITE");
+        own.setDatabaseName(":memory:");
+        ASSERT_TRUE(own.open());
+        CatalogItems::compare(former, current);
+        EXPECT_TRUE(own.isOpen());
+        EXPECT_TRUE(QSqlQuery(own).exec("CREATE TABLE mine (id INTEGER)"));
+        EXPECT_EQ(QSqlDatabase::connectionNames(), QStringList{QSqlDatabase::defaultConnection});
+    }
+    QSqlDatabase::removeDatabase(QSqlDatabase::defaultConnection);
 }

@@ -2,6 +2,8 @@
 
 #include <filesystem>
 
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <gmock/gmock.h>
 
 #include "OrvHost/history/CatalogPins.h"
@@ -9,7 +11,6 @@
 #include "tests/orv-host/HostedTest.h"
 #include "tests/support/ArchiveBuilder.h"
 #include "tests/support/ContentService.h"
-#include "tests/support/SampleDatabase.h"
 
 namespace InstalledCatalogs = OrvHost::InstalledCatalogs;
 using OrvHost::CatalogCategory;
@@ -113,6 +114,22 @@ TEST_F(InstalledCatalogsTest, archiveOfReferencedFilesIsVerified)
     bytes[bytes.find("oak", 33)] = 'x';
     folder.write("root/referenced/Files.zip", bytes);
     EXPECT_EQ(info("Files").state, State::Damaged);
+}
+
+TEST_F(InstalledCatalogsTest, itemsOfACatalogAreCounted)
+{
+    const fileString file = folder.write("root/core/Doors.orvlib", "");
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "test");
+        database.setDatabaseName(QString::fromStdString(file.toNativeString()));
+        ASSERT_TRUE(database.open());
+        EXPECT_TRUE(QSqlQuery(database).exec("CREATE TABLE item (id INTEGER)"));
+        EXPECT_TRUE(QSqlQuery(database).exec("INSERT INTO item VALUES (1), (2)"));
+    }
+    QSqlDatabase::removeDatabase("test");
+    EXPECT_EQ(info("Doors").items, 2);
+    folder.write("root/referenced/Files.zip", test::readFile(file));
+    EXPECT_FALSE(info("Files").items) << "no file of this kind is a catalog";
 }
 
 TEST_F(InstalledCatalogsTest, statesHaveNames)

@@ -138,7 +138,7 @@ TEST_F(VersionKeeperTest, onlyAnswersWithAVersionAreChanged)
         answerWith(lines);
         EXPECT_EQ(ask(keeper, kDoors), "200 200") << lines;
     }
-    for (const char* lines : {"ETag: new\r\n", "ETag: \"new\"\r\nContent-Type: x-text/html\r\n",
+    for (const char* lines : {"ETag: new\r\n", "ETag: \"new\"\r\nContent-Type: xtext/html\r\n",
                               "ETag: W/\"new\"\r\n", "ETag: \"old\"\r\nETag: \"new\"\r\n"}) {
         answerWith(lines);
         EXPECT_EQ(ask(keeper, kDoors), "304 304") << lines;
