@@ -72,9 +72,12 @@ TEST(Retries, serviceMayAskForAPauseUpToALimit)
     limited.longestRetryAfter = 1s;
     EXPECT_FALSE(Retries(limited).shouldTryAgain(2s));
     EXPECT_TRUE(Retries(limited).shouldTryAgain(0s));
+    int questions = 0;
+    limited.isCancelled = [&questions] { return ++questions == 0; };
     const Clock::time_point start = Clock::now();
     EXPECT_TRUE(Retries(limited).shouldTryAgain(1s));
     EXPECT_GE(Clock::now() - start, 1s);
+    EXPECT_LE(questions, 30) << "it sleeps meanwhile";
 }
 
 TEST(Retries, pausesGrowUpToALimit)

@@ -232,6 +232,15 @@ TEST_F(UpdateOutcomeTest, refusedCatalogFailsOnceWithTheReasonOfTheSwap)
     EXPECT_THAT(second.updatedCatalogs, ElementsAre("Doors"));
 }
 
+TEST_F(UpdateOutcomeTest, refusedCatalogSaysNothingOfAnother)
+{
+    refuse("Left.orvlib");
+    const std::string reason = " " + swapper.failed().front().reason;
+    EXPECT_THAT(failuresOf(fetched()),
+                ElementsAre("Doors.orvlib 200 it could not be installed", "Left.orvlib none" + reason));
+    EXPECT_THAT(failuresOf(fetched("Left.orvlib")), ElementsAre("Left.orvlib 200" + reason));
+}
+
 TEST_F(UpdateOutcomeTest, namesOfTheLibraryBecomeUtf8)
 {
     updated = {"G\xE4rten"};
