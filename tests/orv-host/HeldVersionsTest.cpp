@@ -41,6 +41,7 @@ public:
     std::vector<std::string> targets;
     std::vector<std::string> lines;
     int aborted = 0;                  ///< how often the progress function asked for an end
+    unsigned mode = 0;                ///< of the target's folder
     std::vector<std::string> besides; ///< the files in the target's folder at the beginning
 
     using DeadCurl::download_to_location;
@@ -50,6 +51,7 @@ public:
     {
         targets.push_back(target.toNativeString());
         lines = headerLines;
+        mode = test::modeOf(target.parentPath());
         besides = test::listTree(target.parentPath().toNativeString());
         aborted += progress(context, 0, 0, 0, 0) == 1;
         reason = problem;
@@ -149,7 +151,7 @@ TEST_F(HeldVersionsTest, failuresTellTheirReasonAndDoNotStopTheOthers)
     EXPECT_THAT(versions(kFiles), ElementsAre("2"));
 }
 
-TEST_F(HeldVersionsTest, folderOfTheDownloadIsNewAndRemoved)
+TEST_F(HeldVersionsTest, folderOfTheDownloadIsNewAndPrivateAndRemoved)
 {
     service.problem = "HTTP 503";
     fetch({offer(kDoors)});
@@ -161,6 +163,7 @@ TEST_F(HeldVersionsTest, folderOfTheDownloadIsNewAndRemoved)
     service.body = test::sampleDatabase("2");
     fetch({offer(kDoors)});
     EXPECT_THAT(service.besides, IsEmpty());
+    EXPECT_EQ(service.mode, 0700U);
     EXPECT_FALSE(work.pathExists());
 }
 
