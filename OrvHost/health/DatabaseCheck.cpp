@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <bitset>
 #include <cerrno>
 #include <condition_variable>
 #include <cstdint>
@@ -38,10 +37,10 @@ std::uint64_t bigEndian(const Header& header, std::size_t offset, std::size_t by
     return value;
 }
 
-/// The header has no room for a size over 65536.
+/// A power of two is its own lowest bit. The header has no room for a size over 65536.
 bool isPageSize(std::uint64_t size)
 {
-    return size >= 512 && std::bitset<64>(size).count() == 1;
+    return size >= 512 && (size & -size) == size;
 }
 
 /// The problem that the header shows. It has the number of pages, but that is right only if the last program

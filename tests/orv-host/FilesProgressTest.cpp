@@ -68,10 +68,14 @@ TEST_F(FilesProgress, bytesAreToldAtOnce)
 TEST_F(FilesProgress, restOfAFileThatCannotBeReadIsToldInPortions)
 {
     folder.write("root/textures/Bath.zip", std::string(20 * kMegabyte, 'x'));
-    EXPECT_THAT(toldBytes(), ElementsAre(8 * kMegabyte, 8 * kMegabyte, 4 * kMegabyte));
-    EXPECT_EQ(health.damages().size(), 1U);
-    health.checkAll(nullptr);
+    writeCatalogs({{"A.orvlib", kMegabyte}});
+    const auto progress = std::make_shared<test::RecordingProgress>();
+    health.checkAll(progress);
+    EXPECT_EQ(progress->calls()[1], "total " + std::to_string(21 * kMegabyte));
+    EXPECT_THAT(progress->bytes(), ElementsAre(kMegabyte, 8 * kMegabyte, 8 * kMegabyte, 4 * kMegabyte));
     EXPECT_EQ(health.damages().size(), 2U);
+    health.checkAll(nullptr);
+    EXPECT_EQ(health.damages().size(), 4U);
 }
 
 TEST_F(FilesProgress, contentOfAnArchiveCountsAsAShareOfItsSize)
