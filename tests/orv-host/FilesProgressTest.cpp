@@ -1,13 +1,18 @@
 // The scale over many files is reached through the check of all catalogs and archives.
+#include <filesystem>
+
 #include <gmock/gmock.h>
 
 #include "OrvHost/health/LibraryHealth.h"
 #include "OrvLibrary/host/ZipUtils.h"
 #include "tests/orv-host/HostedTest.h"
 #include "tests/support/ArchiveBuilder.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/RecordingProgress.h"
 
 using testing::ElementsAre;
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -76,6 +81,16 @@ TEST_F(FilesProgress, restOfAFileThatCannotBeReadIsToldInPortions)
     EXPECT_EQ(health.damages().size(), 2U);
     health.checkAll(nullptr);
     EXPECT_EQ(health.damages().size(), 4U);
+}
+
+TEST_F(FilesProgress, catalogThatMayNotBeReadCountsWhole)
+{
+    writeCatalogs({{"A.orvlib", 2 * kMegabyte}});
+    fs::permissions(folder.path(), fs::perms(0755));
+    fs::permissions(folder.path() + "/root/core/A.orvlib", fs::perms::none);
+    const test::ChildEnd end = test::runWithoutRights(
+        [this] { return toldBytes() == std::vector<std::uint64_t>{2 * kMegabyte} ? 0 : 1; });
+    EXPECT_EQ(end.status, 0);
 }
 
 TEST_F(FilesProgress, contentOfAnArchiveCountsAsAShareOfItsSize)
