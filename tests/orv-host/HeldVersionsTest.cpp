@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "OrvLibrary/host/PathUtils.h"
 #include "tests/orv-host/HostedTest.h"
 #include "tests/support/ArchiveBuilder.h"
 #include "tests/support/SampleDatabase.h"
@@ -98,6 +99,7 @@ TEST_F(HeldVersionsTest, newVersionIsFetchedIntoTheHistoryOnce)
     ASSERT_THAT(service.targets, SizeIs(1));
     EXPECT_EQ(fileString(service.targets[0]).stemWithExtension(), fileString("Doors.orvlib"));
     EXPECT_THAT(service.lines, ElementsAre("X: 1"));
+    EXPECT_EQ(service.aborted, 0);
     EXPECT_THAT(fetch({offer(kDoors)}), IsEmpty());
     EXPECT_THAT(service.targets, SizeIs(1)) << "it is there";
     EXPECT_THAT(fetch({offer(kDoors, "3")}), IsEmpty());
@@ -117,7 +119,7 @@ TEST_F(HeldVersionsTest, packedCatalogIsUnpacked)
     EXPECT_TRUE(found[0].companion.pathExists());
 }
 
-TEST_F(HeldVersionsTest, archiveWithoutACatalogIsRefused)
+TEST_F(HeldVersionsTest, archiveWithoutACatalogIsRefusedAndRemoved)
 {
     test::ArchiveBuilder packed;
     packed.add("oak.png", "oak");
@@ -125,6 +127,11 @@ TEST_F(HeldVersionsTest, archiveWithoutACatalogIsRefused)
     EXPECT_THAT(fetch({offer(kGarden)}), ElementsAre("Garden.orvlib: no catalog is in the archive"));
     service.body = "a web page";
     EXPECT_THAT(fetch({offer(kGarden)}), ElementsAre(testing::HasSubstr("Garden.orvlibz")));
+    test::ArchiveBuilder page;
+    page.add("inside.orvlib", "a web page");
+    service.body = page.bytes();
+    EXPECT_THAT(fetch({offer(kGarden)}), ElementsAre("Garden.orvlib: the new file is no database"));
+    EXPECT_THAT(test::listTree(PathUtils::getObject().getTempPath().toNativeString()), IsEmpty());
 }
 
 TEST_F(HeldVersionsTest, onlyCatalogsMustBeDatabases)
