@@ -74,6 +74,7 @@ TEST_F(FormerImports, replacedFilesAreKeptUnderTheNumberOfTheirImport)
     import("1");
     EXPECT_THAT(kept(), ElementsAre("imports.json"));
     EXPECT_THAT(record(), HasSubstr("\"number\": 1,"));
+    EXPECT_EQ(test::modeOf(fileString(path("former-imports"))), 0700U);
     import("2");
     EXPECT_THAT(kept(), ElementsAre("2.library", "2.textures", "imports.json"));
     import("3");
