@@ -2,6 +2,7 @@
 #include <stdexcept>
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include "OrvLibrary/host/FileUtils.h"
 #include "tests/host/zip/RawCopyTest.h"
@@ -97,13 +98,16 @@ TEST_F(ZipUtilsBatchTest, batchStartsAnArchiveAnewWhileTheOldOneCanBeWalked)
     EXPECT_EQ(contentsOf(source), (Contents{{"a", "1"}}));
 }
 
-TEST_F(ZipUtilsBatchTest, fileThatIsNoArchiveCanBeStartedAnew)
+TEST_F(ZipUtilsBatchTest, archiveThatWasRefusedCanBeStartedAnew)
 {
     mSource.add("a", "1");
     const fileString source = writeSource();
-    mFolder.write("target.zip", "no archive");
+    const std::string file = ArchiveBuilder().write(mFolder, "target.zip").toNativeString();
+    ASSERT_EQ(chmod(file.c_str(), 0444), 0);
     ArchiveBatch batch(nullptr);
     EXPECT_EQ(copyWith(batch, source, target()), std::vector<bool>{false});
+    ASSERT_EQ(chmod(file.c_str(), 0644), 0);
+    EXPECT_EQ(copyWith(batch, source, target()), std::vector<bool>{false}) << "it is not tried again";
     batch.begin(target());
     EXPECT_EQ(copyWith(batch, source, target()), std::vector<bool>{true});
     batch.complete();

@@ -57,7 +57,7 @@ void ZipBatch::beginEmpty(const fileString& path)
 {
     const std::string key = resolved(path);
     mTargets[key] = ZipTarget::beginEmpty(fileString(key), mPatience, mMeter);
-    mByText[path.toNativeString()] = mTargets[key].get();
+    mRefused.erase(path.toNativeString());
 }
 
 bool ZipBatch::extract(const fileString& target, const std::shared_ptr<const ZipArchive>& source,
