@@ -149,6 +149,23 @@ TEST_F(CurlPrefetchDownloadsServersTest, serverThatHasNoneOfTheFilesIsSoonAskedI
         << "an answer that brings no file is asked for again in its turn";
 }
 
+TEST_F(CurlPrefetchDownloadsServersTest, downloadThatCannotBeContinuedTakesTheBodyAhead)
+{
+    const Downloads downloads = serve(6);
+    announce(downloads);
+    const fileString partial = folder.write("some.partial", "abc");
+    const fileString missing = folder.file("missing.partial");
+    for (std::size_t i = 0; i < downloads.size(); ++i) {
+        const auto& asked = downloads[i];
+        const bool isMissing = i % 2 == 0;
+        const Curl::ResumableDownload download{asked.url, asked.headerLines, asked.target,
+                                               isMissing ? missing : partial, isMissing ? "\"v1\"" : ""};
+        EXPECT_TRUE(curl.downloadResumable(download, nullptr, nullptr, reason, errorNumber)) << reason;
+        EXPECT_EQ(readFile(asked.target), bodyOf(static_cast<int>(i)));
+        EXPECT_THAT(server.requestsFor(nameOf(static_cast<int>(i))), SizeIs(1));
+    }
+}
+
 TEST_F(CurlPrefetchDownloadsServersTest, deadServerIsGivenUpInTheOrderOfTheCalls)
 {
     const Downloads downloads = serve(100);
