@@ -46,14 +46,15 @@ void removeStrays(const CatalogPlace& place)
     }
 }
 
-/// Removes a folder and its subfolders as far as they are empty.
+/// Removes a folder and its subfolders as far as they are empty. Does not follow links.
 void removeEmptyFolders(const fileString& folder)
 {
+    std::error_code hasFiles;
+    if (!fs::is_directory(fs::symlink_status(folder.toNativeString(), hasFiles)))
+        return;
     for (const fileString& name : namesIn(folder))
         removeEmptyFolders(name);
-    std::error_code hasFiles;
-    if (fs::is_directory(fs::symlink_status(folder.toNativeString(), hasFiles)))
-        fs::remove(folder.toNativeString(), hasFiles);
+    fs::remove(folder.toNativeString(), hasFiles);
 }
 
 } // namespace

@@ -6,8 +6,8 @@
 
 #include <algorithm>
 #include <map>
+#include <stdexcept>
 
-#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -57,11 +57,11 @@ CatalogPlace placeOf(const QJsonValue& key)
 }
 
 QJsonArray readRuns(const fileString& root, const char* name = kFileName)
-{
-    QFile file(QFile::decodeName((root / fileString(name)).toNativeString().c_str()));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QJsonDocument::fromJson(file.readAll()).object()["runs"].toArray();
+try {
+    const std::string text = TextFile::read(root / fileString(name));
+    return QJsonDocument::fromJson(QByteArray::fromStdString(text)).object()["runs"].toArray();
+} catch (const std::runtime_error&) {
+    return {};
 }
 
 std::int64_t numberOf(const QJsonValue& run, const char* member)

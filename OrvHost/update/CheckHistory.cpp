@@ -1,6 +1,7 @@
 #include "OrvHost/update/CheckHistory.h"
 
-#include <QFile>
+#include <stdexcept>
+
 #include <QJsonDocument>
 #include <QJsonObject>
 
@@ -18,11 +19,10 @@ QDateTime timeOf(const QJsonValue& value)
 }
 
 QJsonObject readObject(const fileString& path)
-{
-    QFile file(QFile::decodeName(path.toNativeString().c_str()));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QJsonDocument::fromJson(file.readAll()).object();
+try {
+    return QJsonDocument::fromJson(QByteArray::fromStdString(TextFile::read(path))).object();
+} catch (const std::runtime_error&) {
+    return {};
 }
 
 } // namespace

@@ -267,6 +267,18 @@ TEST_F(CatalogHistoryTest, strayFilesAreSwept)
     EXPECT_EQ(before, files(kGarden));
 }
 
+TEST_F(CatalogHistoryTest, emptyFoldersGoAndLinksAreNotFollowed)
+{
+    namespace fs = std::filesystem;
+    folder.write("root/history/keep", "");
+    fs::create_directories(folder.path() + "/root/history/a/b");
+    fs::create_directories(folder.path() + "/elsewhere/empty");
+    fs::create_directory_symlink(folder.path() + "/elsewhere", folder.path() + "/root/history/link");
+    history.settle();
+    EXPECT_FALSE(fs::exists(folder.path() + "/root/history/a"));
+    EXPECT_TRUE(fs::exists(folder.path() + "/elsewhere/empty"));
+}
+
 TEST_F(CatalogHistoryTest, aFolderInTheWayIsToldAndNothingIsLost)
 {
     folder.write("root/core/Doors.orvlib", "one");

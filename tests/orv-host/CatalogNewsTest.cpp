@@ -77,6 +77,16 @@ TEST_F(CatalogNewsTest, whatWentAndCameBackHasChanged)
     EXPECT_EQ("added Oak/2", since(1));
 }
 
+TEST_F(CatalogNewsTest, rootMayHaveANameThatIsNotUtf8)
+{
+    folder.write("T\xFCren/empty", "");
+    const fileString root = folder.file("T\xFCren");
+    CatalogItems::Changes changes;
+    changes.added = {{1, "Oak"}};
+    CatalogNews::add(root, QDateTime::currentDateTimeUtc(), {{kDoors, changes}});
+    EXPECT_THAT(CatalogNews::since(root, 0), SizeIs(1));
+}
+
 TEST_F(CatalogNewsTest, nothingIsWrittenWhereNothingChanged)
 {
     CatalogNews::add(host.root(), QDateTime::currentDateTimeUtc(), {});

@@ -41,6 +41,15 @@ TEST_F(CheckHistoryTest, everythingComesBack)
     EXPECT_EQ(read.answers().at("G\xC3\xA4rten.orvlib").reason, "");
 }
 
+TEST_F(CheckHistoryTest, rootMayHaveANameThatIsNotUtf8)
+{
+    folder.write("T\xFCren/empty", "");
+    CheckHistory history(folder.file("T\xFCren"));
+    history.noteAttempt(at(1), "no service");
+    history.save();
+    EXPECT_EQ(CheckHistory(folder.file("T\xFCren")).lastError(), "no service");
+}
+
 TEST_F(CheckHistoryTest, fileHasOnlyWhatIsKnown)
 {
     CheckHistory history(host.root());
