@@ -73,6 +73,27 @@ TEST_F(CatalogUpdateRunTest, goodRunIsRememberedWithItsAnswers)
     EXPECT_EQ(former, &Curl::get());
 }
 
+TEST_F(CatalogUpdateRunTest, answersStayOnlyForWhatWasNotAskedFor)
+{
+    for (const bool coreOnly : {true, false}) {
+        OrvHost::CheckHistory before(host.root());
+        before.noteAnswer("Gone.orvlib", 200, QDateTime::currentDateTimeUtc());
+        before.noteAnswer("Garden.orvlibz", 200, QDateTime::currentDateTimeUtc());
+        before.save();
+        OrvHost::CatalogUpdateRun::Request asked = request();
+        asked.coreOnly = coreOnly;
+        OrvHost::CatalogUpdateRun run(asked);
+        QSignalSpy finished(&run, &OrvHost::CatalogUpdateRun::finished);
+        run.start(object);
+        ASSERT_TRUE(finished.wait(kTimeoutMilliseconds));
+        run.finish(kGood, host.root());
+        const auto answers = OrvHost::CheckHistory(host.root()).answers();
+        EXPECT_EQ(answers.count("Doors.orvlib"), 1U);
+        EXPECT_EQ(answers.count("Gone.orvlib"), 0U);
+        EXPECT_EQ(answers.count("Garden.orvlibz"), coreOnly ? 1U : 0U);
+    }
+}
+
 TEST_F(CatalogUpdateRunTest, failedRunKeepsTheDateOfTheLastGoodOne)
 {
     const QDateTime before = QDateTime::fromString("2026-01-02T03:04:05.000Z", Qt::ISODateWithMs);
