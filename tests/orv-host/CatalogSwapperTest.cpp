@@ -46,6 +46,16 @@ TEST_F(CatalogSwapperTest, recoveryKeepsATagThatIsNoChecksumOfTheFormerCatalog)
     EXPECT_EQ("Doors.orvlib:v17\n", test::readFile(folder.file("root/core/catalog_hash.txt")));
 }
 
+TEST_F(CatalogSwapperTest, recoveryLeavesOnlyEmptyFiles)
+{
+    folder.write("root/core/Doors.orvlib", "former");
+    folder.write("root/temp/orv-library.downloads.core/Doors.orvlib", "");
+    folder.write("root/temp/orv-library.downloads.core/Roofs.orvlib", "r");
+    swapper.recover();
+    EXPECT_EQ("former", test::readFile(folder.file("root/core/Doors.orvlib")));
+    EXPECT_EQ("r", test::readFile(folder.file("root/core/Roofs.orvlib")));
+}
+
 TEST_F(CatalogSwapperTest, whatIsNoDatabaseIsRefusedAndRemoved)
 {
     folder.write("root/core/Doors.orvlib", "former");

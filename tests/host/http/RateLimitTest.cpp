@@ -46,6 +46,9 @@ TEST_F(RateLimitTest, bytesPutOffTheNextOnes)
     limit.set(-5);
     EXPECT_EQ(limit.bytesPerSecond(), 0);
     EXPECT_EQ(limit.pause(start), 0ns);
+    limit.set(1);
+    limit.received(2, start);
+    EXPECT_EQ(limit.pause(start), 2s);
 }
 
 TEST_F(RateLimitTest, pieceIsATenthOfASecondsShare)
