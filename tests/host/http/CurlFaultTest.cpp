@@ -282,15 +282,18 @@ TEST_F(CurlFaultTest, pagesAreCutAtTheirCaps)
     CurlService service(limits);
     server.on("/fits", FaultReply::ok(std::string(100000, 'x')));
     server.on("/long", FaultReply::ok(std::string(100001, 'x')));
-    server.on("/error", FaultReply::status(404, std::string(5000, 'e')));
+    server.on("/error", FaultReply::status(400, std::string(5000, 'e')));
+    server.on("/odd", FaultReply::status(399, std::string(5000, 'o')));
     EXPECT_TRUE(service.browseURL(server.url("/fits"), {}, body, true, 0));
     EXPECT_EQ(body.size(), 100000u);
     EXPECT_FALSE(service.browseURL(server.url("/long"), {}, body, true, 0));
     EXPECT_EQ(body.size(), 100000u);
     EXPECT_FALSE(service.browseURL(server.url("/error"), {}, body, true, 0));
     EXPECT_EQ(body, std::string(1000, 'e'));
+    service.browseURL(server.url("/odd"), {}, body, false, 0);
+    EXPECT_EQ(body.size(), 5000U);
     EXPECT_FALSE(service.download_to_location(server.url("/error"), target(), reason));
-    EXPECT_EQ(reason, "HTTP 404");
+    EXPECT_EQ(reason, "HTTP 400");
 }
 
 TEST_F(CurlFaultTest, connectionStaysAfterAnErrorPageThatFits)

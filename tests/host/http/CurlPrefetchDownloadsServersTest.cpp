@@ -166,6 +166,17 @@ TEST_F(CurlPrefetchDownloadsServersTest, downloadThatCannotBeContinuedTakesTheBo
     }
 }
 
+TEST_F(CurlPrefetchDownloadsServersTest, downloadThatCanBeContinuedIsAskedForInItsTurn)
+{
+    const Downloads downloads = serve(6);
+    announce(downloads);
+    const auto& asked = downloads.back();
+    const Curl::ResumableDownload download{asked.url, asked.headerLines, asked.target,
+                                           folder.write("some.partial", "f"), "\"v1\""};
+    EXPECT_TRUE(curl.downloadResumable(download, nullptr, nullptr, reason, errorNumber)) << reason;
+    EXPECT_EQ(server.requestsFor(nameOf(5)).back().header("Range"), "bytes=1-");
+}
+
 TEST_F(CurlPrefetchDownloadsServersTest, deadServerIsGivenUpInTheOrderOfTheCalls)
 {
     const Downloads downloads = serve(100);

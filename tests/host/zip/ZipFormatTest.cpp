@@ -30,6 +30,7 @@ TEST(ZipFormat, everyFieldOfOneKindIsRemoved)
     const std::string extra = field(1, "a") + field(7, "b") + field(1, "c") + field(8, "d") + field(1, "e");
     EXPECT_EQ(withoutExtraField(extra, 1), field(7, "b") + field(8, "d"));
     EXPECT_EQ(withoutExtraField(extra, 2), extra);
+    EXPECT_EQ(withoutExtraField(field(8, ""), 8), "") << "a field may be empty";
 }
 
 TEST(ZipFormat, fieldThatIsCutOffEndsTheSearchAndStays)
