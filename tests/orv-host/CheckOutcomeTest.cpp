@@ -67,6 +67,9 @@ TEST_F(CheckOutcomeTest, whatTheServiceDidNotTellIsUnknownWithItsReason)
     silent.reason = "timed out";
     expect(outcome(true, silent), State::Unknown, "timed out", kFailed);
     expect(outcome(true, report(200)), State::Unknown, "the service did not tell its version", kFailed);
+    EXPECT_FALSE(outcome(true, {}).isServiceReached);
+    EXPECT_FALSE(outcome(true, silent).isServiceReached);
+    EXPECT_TRUE(outcome(true, report(500)).isServiceReached);
 }
 
 TEST_F(CheckOutcomeTest, whatIsNotThereAndNotChangedOrGone)

@@ -96,6 +96,11 @@ TEST_F(CurlTlsTest, certificatesOfTheHostAreTrusted)
     curl.setCertificates(folder.file("missing.pem").toNativeString());
     EXPECT_FALSE(fetch(url));
     EXPECT_THAT(reason, HasSubstr("missing.pem"));
+    Curl::setCertificates(certificate);
+    EXPECT_TRUE(Curl::get().browseURL(url, {}, body, true, 0)) << Curl::get().lastAnswer().reason;
+    Curl::setCertificates({});
+    EXPECT_FALSE(Curl::get().browseURL(url, {}, body, true, 0));
+    EXPECT_EQ(body, "") << "nothing is left of the former page";
 }
 
 TEST_F(CurlTlsTest, certificatesOfTheEnvironmentAreTrusted)

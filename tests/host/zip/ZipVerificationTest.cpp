@@ -59,6 +59,22 @@ TEST_F(ZipVerificationTest, asManyThreadsAsAreOfUseWaitForMore)
     EXPECT_LE(threads(), before + std::min(4U, std::thread::hardware_concurrency()));
 }
 
+TEST_F(ZipVerificationTest, damageThatAThreadFindsFailsTheWalk)
+{
+    ArchiveMember& bad = mSource.add("bad", std::string(5U << 20U, 'x'));
+    bad.method = ArchiveMember::kStored;
+    bad.checksum = 1;
+    mSource.add("last", "1");
+    ArchiveBatch batch(nullptr);
+    const auto waitAtTheLast = [](const fileString& member, auto&, const auto&) {
+        if (member.toNativeString() == "last")
+            std::this_thread::sleep_for(std::chrono::milliseconds(200)); // a thread verifies the first one
+        return true;
+    };
+    const fileString source = writeSource();
+    EXPECT_THROW(batch.walk(source, waitAtTheLast), std::runtime_error);
+}
+
 TEST_F(ZipVerificationTest, cancelIsHeardInTheMiddleOfALargeMember)
 {
     const test::NoMoreThreads none; // so the walk's own thread verifies it
