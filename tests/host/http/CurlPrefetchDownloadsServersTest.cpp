@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <atomic>
 
 #include "tests/host/http/CurlDownloadsFixture.h"
@@ -174,7 +175,11 @@ TEST_F(CurlPrefetchDownloadsServersTest, downloadThatCanBeContinuedIsAskedForInI
     const Curl::ResumableDownload download{asked.url, asked.headerLines, asked.target,
                                            folder.write("some.partial", "f"), "\"v1\""};
     EXPECT_TRUE(curl.downloadResumable(download, nullptr, nullptr, reason, errorNumber)) << reason;
-    EXPECT_EQ(server.requestsFor(nameOf(5)).back().header("Range"), "bytes=1-");
+    // It may be sent ahead as well, before or after.
+    const std::vector<FaultRequest> requests = server.requestsFor(nameOf(5));
+    EXPECT_TRUE(std::any_of(requests.begin(), requests.end(), [](const FaultRequest& request) {
+        return request.header("Range") == "bytes=1-";
+    }));
 }
 
 TEST_F(CurlPrefetchDownloadsServersTest, deadServerIsGivenUpInTheOrderOfTheCalls)
