@@ -1,4 +1,4 @@
-// Which files are damaged, missing, left over or from the future, and which of them an update brings back.
+// Finds files that are damaged, missing, left over or from the future, and tells which an update brings back.
 #include <chrono>
 #include <ctime>
 #include <filesystem>

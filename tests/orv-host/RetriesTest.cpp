@@ -19,7 +19,7 @@ Retries::Settings settings(int retries, milliseconds firstPause = 0ms)
     return all;
 }
 
-/// How often a failing request is sent again, at most 20 times.
+/// The number of times that a failing request is sent again, at most 20.
 int repetitions(Retries& retries)
 {
     retries.begin();

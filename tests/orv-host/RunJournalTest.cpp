@@ -1,4 +1,4 @@
-// What a run leaves in the list of runs.
+// Runs updates and checks and reads the records that they leave in the list of runs.
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QSignalSpy>

@@ -15,7 +15,7 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-/// Why a value is refused; empty if it is set.
+/// The reason why a value is refused; empty if it is set.
 std::string refusal(const std::string& key, const Texts& texts)
 {
     Settings settings;
@@ -35,7 +35,7 @@ QJsonValue taken(const std::string& key, const Texts& texts)
     return settings.stored()[QString::fromStdString(key)];
 }
 
-/// Why a file is refused, from the key on; empty if it is read.
+/// The reason why a file is refused, from the key on; empty if it is read.
 std::string refusalOfFile(const std::string& member)
 {
     const test::TempFolder folder;

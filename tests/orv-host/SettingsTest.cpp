@@ -25,7 +25,7 @@ class SettingsTest : public testing::Test
 protected:
     Settings load() const { return Settings::load(folder.file("")); }
     void write(const std::string& content) const { folder.write("settings.json", content); }
-    /// What is refused about the file with this content; empty if nothing is.
+    /// The reason why a file with this content is refused; empty if it is read.
     std::string refusal(const std::string& content) const
     {
         write(content);
