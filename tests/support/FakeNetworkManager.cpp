@@ -108,6 +108,8 @@ FakeNetworkManager::FakeNetworkManager(const MessageBus& bus, unsigned int meter
 
 FakeNetworkManager::~FakeNetworkManager()
 {
+    // The connection is closed later, on a thread of Qt. It must not find the manager then, which is gone.
+    QDBusConnection(kService).unregisterObject(kPath);
     QDBusConnection::disconnectFromBus(kService);
     mThread.quit();
     mThread.wait();
