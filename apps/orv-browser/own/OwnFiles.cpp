@@ -7,17 +7,14 @@
 #include <stdexcept>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
-#include <QStandardPaths>
-#include <QTemporaryFile>
 
 #include "OrvLibrary/IO/LibraryImport.h"
 #include "OrvLibrary/host/FileReaper.h"
 #include "OrvLibrary/host/FileSearch.h"
 #include "OrvLibrary/host/FileUtils.h"
 #include "OrvLibrary/host/SHA1.h"
+#include "apps/orv-browser/own/DesktopBin.h"
 
 namespace fs = std::filesystem;
 
@@ -36,11 +33,6 @@ QString translated(const char* text)
 QString textOf(const fileString& path)
 {
     return QFile::decodeName(path.toNativeString().c_str());
-}
-
-fileString pathOf(const QString& text)
-{
-    return fileString(QFile::encodeName(text).toStdString());
 }
 
 bool exists(const fileString& path)
@@ -87,38 +79,6 @@ void forgetSearches(const fileString& path)
     FileSearch::get().resetFileSearch(path.parentPathWithSeparator());
 }
 
-/// The note of the bin on a file that is no longer in it.
-void removeNote(const fileString& inBin)
-{
-    const QFileInfo file(textOf(inBin));
-    QFile::remove(file.absolutePath() + QStringLiteral("/../info/") + file.fileName() +
-                  QStringLiteral(".trashinfo"));
-}
-
-/// Whether the bin can make its notes. Qt tries one name after the other for ever where it cannot.
-bool takesNotes(const QString& data)
-{
-    const QString notes = data + QStringLiteral("/Trash/info");
-    return QTemporaryFile((QFileInfo::exists(notes) ? notes : data) + QStringLiteral("/.XXXXXX")).open();
-}
-
-/// Moves a file to the bin of the desktop. Qt takes the current folder for the bin where the user's own
-/// cannot be made, so that folder is made first, and what went astray comes back.
-/// @return where it is now; empty when it could not be moved
-fileString binned(const fileString& path)
-{
-    const QString data = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
-    QString inBin;
-    if (data.isEmpty() || !QDir().mkpath(data) || !takesNotes(data) ||
-        !QFile::moveToTrash(textOf(path), &inBin))
-        return {};
-    if (QFileInfo(inBin).isAbsolute())
-        return pathOf(inBin);
-    move(pathOf(inBin), path);
-    removeNote(pathOf(inBin));
-    return {};
-}
-
 /// The bin does not take the rest of a library. What it has taken comes back.
 [[noreturn]] void refuseWithout(const OwnFiles::Binned& files)
 {
@@ -151,7 +111,7 @@ OwnFiles::Binned OwnFiles::moveToBin(const fileString& database)
     for (const fileString& part : parts) {
         if (!exists(part))
             continue;
-        const fileString inBin = binned(part);
+        const fileString inBin = DesktopBin::take(part);
         if (inBin.empty())
             refuseWithout(files);
         files.emplace_back(part, inBin);
@@ -170,7 +130,7 @@ void OwnFiles::takeBack(const Binned& files)
     }
     for (auto file = files.rbegin(); file != files.rend(); ++file) {
         move(file->second, file->first);
-        removeNote(file->second);
+        DesktopBin::removeNote(file->second);
         forgetSearches(file->first);
     }
 }
