@@ -1,6 +1,10 @@
 #include "OrvHost/records/ManufacturerRefresh.h"
 
+#include <filesystem>
+#include <functional>
 #include <stdexcept>
+
+#include <sys/stat.h>
 
 #include <gmock/gmock.h>
 
@@ -11,15 +15,21 @@
 
 namespace {
 
-/// Returns a manufacturer file, and checks that another program cannot refresh at the same time.
+/// Returns a manufacturer file, and checks that another program cannot refresh at the same time. The logo
+/// cannot be had; instead of the answer, `atLogo` happens.
 class WatchingCurl : public test::DeadCurl
 {
 public:
     using DeadCurl::download_to_location;
-    bool download_to_location(const std::string&, const fileString& target, std::string&) override
+    bool download_to_location(const std::string& url, const fileString& target, std::string&) override
     {
+        if (url.find("logo-path") != std::string::npos) {
+            atLogo();
+            return false;
+        }
         test::writeFile(target.toNativeString(),
-                        R"({"Last_Modified": "20300101T000000", "Manufacturer": {"Id": 9, "Name": "Nine"}})");
+                        R"({"Last_Modified": "20300101T000000",
+                            "Manufacturer": {"Id": 9, "Name": "Nine", "Logo": "nine.png"}})");
         try {
             const OrvHost::HostLock lock =
                 OrvHost::HostLock::ofChange("manufacturers", std::chrono::milliseconds(1));
@@ -30,6 +40,7 @@ public:
     }
 
     bool isAlone = false;
+    std::function<void()> atLogo = [] {};
 };
 
 class ManufacturerRefreshTest : public test::HostedTest
@@ -38,6 +49,23 @@ protected:
     ManufacturerRefreshTest() { ManufacturerManager::cleanup(); }
     ~ManufacturerRefreshTest() override { ManufacturerManager::cleanup(); }
 
+    /// The message of the failed refresh; empty if it is done.
+    std::string refresh()
+    {
+        try {
+            OrvHost::ManufacturerRefresh(mCurl).run("http://service.test/data", "http://service.test/logos");
+        } catch (const std::runtime_error& error) {
+            return error.what();
+        }
+        return {};
+    }
+    void writeOurs() const
+    {
+        folder.write("root/manufacturer-data/manufacturer_data.json",
+                     R"({"Last_Modified": "20200101T000000", "Manufacturer": {"Id": 5, "Name": "Five"}})");
+    }
+
+    const fileString mFile = folder.file("root/manufacturer-data/manufacturer_data.json");
     WatchingCurl mCurl;
 };
 
@@ -55,11 +83,57 @@ TEST_F(ManufacturerRefreshTest, keepsOthersOutFromReadingToWriting)
 TEST_F(ManufacturerRefreshTest, startsFromWhatAnotherProgramLeftMeanwhile)
 {
     ManufacturerManager::getManufacturerManager();
-    folder.write("root/manufacturer-data/manufacturer_data.json",
-                 R"({"Last_Modified": "20200101T000000", "Manufacturer": {"Id": 5, "Name": "Five"}})");
+    writeOurs();
     OrvHost::ManufacturerRefresh refresh(mCurl);
     refresh.run("http://service.test/data", "http://service.test/logos");
     EXPECT_THAT(refresh.changes().removed, testing::ElementsAre(5));
-    EXPECT_THAT(test::readFile(folder.file("root/manufacturer-data/manufacturer_data.json.bak")),
-                testing::HasSubstr("Five"));
+    EXPECT_THAT(test::readFile(mFile + fileString(".bak")), testing::HasSubstr("Five"));
+}
+
+TEST_F(ManufacturerRefreshTest, copyOfTheFormerFileIsThatOfTheLastRefresh)
+{
+    writeOurs();
+    test::writeFile(mFile.toNativeString() + ".bak", "an older one");
+    EXPECT_EQ(refresh(), "");
+    EXPECT_THAT(test::readFile(mFile + fileString(".bak")), testing::HasSubstr("Five"));
+}
+
+TEST_F(ManufacturerRefreshTest, nothingIsReplacedIfTheFormerFileCannotBeKept)
+{
+    writeOurs();
+    folder.write("root/manufacturer-data/manufacturer_data.json.bak/in the way", "");
+    EXPECT_EQ(refresh(), "cannot keep the former file as " + mFile.toNativeString() + ".bak");
+    EXPECT_THAT(test::readFile(mFile), testing::HasSubstr("Five"));
+    EXPECT_EQ(OrvHost::ManufacturerRefresh::currentTable().count(5), 1U);
+}
+
+TEST_F(ManufacturerRefreshTest, recordsThatCannotBeWrittenAfterAllAreNotTakenOver)
+{
+    writeOurs();
+    mCurl.atLogo = [this] { chmod(mFile.toNativeString().c_str(), 0444); };
+    EXPECT_EQ(refresh(), "cannot write " + mFile.toNativeString());
+    EXPECT_EQ(OrvHost::ManufacturerRefresh::currentTable().count(5), 1U);
+    mCurl.atLogo = [] {};
+    EXPECT_EQ(refresh(), "") << "the next one";
+}
+
+TEST_F(ManufacturerRefreshTest, folderThatIsGoneCannotBeWritten)
+{
+    mCurl.atLogo = [this] {
+        std::filesystem::remove_all(folder.path() + "/root/manufacturer-data");
+        folder.write("root/manufacturer-data", "in the way");
+    };
+    EXPECT_EQ(refresh(), "cannot write " + mFile.toNativeString());
+}
+
+TEST_F(ManufacturerRefreshTest, nextRefreshIsNotPromisedWhatItCannotDo)
+{
+    std::filesystem::create_directories(mFile.toNativeString());
+    EXPECT_EQ(refresh(), "cannot write " + mFile.toNativeString());
+}
+
+TEST_F(ManufacturerRefreshTest, requestsAreWatchedOnlyDuringARefresh)
+{
+    refresh();
+    EXPECT_EQ(&Curl::get(), &mCurl);
 }
