@@ -19,14 +19,14 @@ ImportUndo::Import importOf(const ImportEntry& entry)
     return import;
 }
 
-/// The import that can be taken back next; none for a record that cannot be read, of which `run` tells.
+/// The import that `run` takes back, or whose undo it ends; none for a record that cannot be read, of which
+/// `run` tells.
 std::optional<ImportEntry> lastOf(const fileString& root)
 {
     try {
         const std::vector<ImportEntry> entries = ImportRecord::read(FormerImports::folderOf(root));
         for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
-            const bool hasBegun = entry->state == ImportEntry::State::Begun;
-            if (entry->state == ImportEntry::State::Done || (hasBegun && entry->hasTakenPlace()))
+            if (entry->state != ImportEntry::State::Begun || entry->hasTakenPlace())
                 return *entry;
         }
     } catch (const std::exception&) {

@@ -31,7 +31,8 @@ public:
     /// @param root as for `ArchiveImport`
     explicit ImportUndo(const fileString& root);
 
-    /// The import that `run` would take back; empty if there is none. Changes nothing and does not wait.
+    /// The import that `run` would take back; empty if there is none. If an undo was killed, that is the
+    /// import which it had begun to take back. Changes nothing and does not wait.
     std::optional<Import> last() const;
     /// Why `run` would refuse to take that import back, because a file was changed after it; empty if none
     /// was. Changes nothing and does not wait.

@@ -28,14 +28,15 @@ class FormerImports : public test::HostedTest
 protected:
     FormerImports() { mOptions.checksDatabase = false; }
 
-    ArchiveImport::Result import(const std::string& version, bool hasDatabase = true, bool hasTextures = true)
+    ArchiveImport::Result import(const std::string& version, bool hasDatabase = true, bool hasTextures = true,
+                                 const std::string& name = "Kitchen")
     {
         test::ArchiveBuilder archive;
         if (hasDatabase)
             archive.add("inside.orvlib", "database " + version);
         if (hasTextures)
             archive.add("oak.png", "oak " + version);
-        const fileString source = archive.write(folder, "Kitchen.orvlibz");
+        const fileString source = archive.write(folder, name + ".orvlibz");
         return ArchiveImport(host.root(), mOptions).run(source.toNativeString(), mProgress);
     }
     std::string path(const std::string& name) const { return folder.path() + "/root/" + name; }
@@ -158,6 +159,17 @@ TEST_F(FormerImports, undoTellsOnlyTheFilesOfTheImport)
     const ArchiveImport::Result textures = import("2", false, true);
     EXPECT_TRUE(ImportUndo(host.root()).last()->library.empty());
     EXPECT_EQ(ImportUndo(host.root()).run().textures, textures.textures);
+}
+
+TEST_F(FormerImports, killedUndoIsOfferedBeforeTheImportBeforeIt)
+{
+    import("1");
+    import("1", true, true, "Bath");
+    setLastState("undoing");
+    EXPECT_EQ(ImportUndo(host.root()).last()->name, "Bath");
+    EXPECT_EQ(ImportUndo(host.root()).refusal(), "");
+    EXPECT_EQ(ImportUndo(host.root()).run().name, "Bath");
+    EXPECT_EQ(ImportUndo(host.root()).last()->name, "Kitchen");
 }
 
 TEST_F(FormerImports, proprietaryImportIsTakenBackInItsFolders)
