@@ -194,3 +194,9 @@ TEST_F(DoctorTest, runningUpdateIsNamedWithItsLock)
     EXPECT_EQ(bad("locks"), "an update is running: " + host.root().toNativeString() +
                                 "temp/update.lock is locked | Wait until it has ended, or cancel it.");
 }
+
+TEST_F(DoctorTest, lockOfAnUpdateThatDiedIsNoRunningUpdate)
+{
+    folder.write("root/temp/update.lock", "");
+    EXPECT_EQ(good("locks"), "no update is running");
+}
