@@ -27,18 +27,20 @@ std::string oneLine(std::string text)
     return text;
 }
 
-/// Makes an empty value after "=" a separate argument. The parsing library would use the next word instead.
-std::vector<std::string> separateEmptyValues(const std::vector<std::string>& arguments)
+/// Makes an empty value after "=" a separate argument, because the parsing library would use the next word
+/// instead, and marks words in brackets.
+std::vector<std::string> prepared(const std::vector<std::string>& arguments)
 {
-    std::vector<std::string> separated;
+    std::vector<std::string> words;
     for (const std::string& argument : arguments) {
         const bool emptyValue = argument.size() > 3 && argument.compare(0, 2, "--") == 0 &&
                                 argument.find('=') == argument.size() - 1;
-        separated.push_back(emptyValue ? argument.substr(0, argument.size() - 1) : argument);
+        words.push_back(emptyValue ? argument.substr(0, argument.size() - 1)
+                                   : OptionSyntax::protectedWord(argument));
         if (emptyValue)
-            separated.emplace_back();
+            words.emplace_back();
     }
-    return separated;
+    return words;
 }
 
 } // namespace
@@ -91,11 +93,8 @@ public:
     {
         CLI::Option* option = app.add_option_function<std::string>(
             name, [&target](const std::string& value) { target = value; }, help);
-        return option->check(OptionSyntax::isGiven)
-            ->type_name(valueName)
-            ->take_last()
-            ->trigger_on_parse()
-            ->group(kGlobalGroup);
+        return OptionSyntax::takesText(option)->type_name(valueName)->take_last()->trigger_on_parse()->group(
+            kGlobalGroup);
     }
 
     void addProgressOption(CLI::App& app)
@@ -110,16 +109,20 @@ public:
         option->check([](const std::string& value) {
             return kModes.count(value) ? std::string() : "'" + value + "' is none of auto, bar, plain, none";
         });
-        option->type_name("auto|bar|plain|none")->take_last()->trigger_on_parse()->group(kGlobalGroup);
+        option->transform(OptionSyntax::unprotected)
+            ->type_name("auto|bar|plain|none")
+            ->take_last()
+            ->trigger_on_parse()
+            ->group(kGlobalGroup);
     }
 
     Outcome parse(const std::vector<std::string>& arguments)
     {
-        std::vector<std::string> separated = separateEmptyValues(arguments);
+        std::vector<std::string> words = prepared(arguments);
         // The parsing library takes the words from the end.
-        std::reverse(separated.begin(), separated.end());
+        std::reverse(words.begin(), words.end());
         try {
-            mApp.parse(std::move(separated));
+            mApp.parse(std::move(words));
             return Outcome::Run;
         } catch (const CLI::CallForHelp&) {
             mText = chosenApp(mApp).help(chosenPrefix());
@@ -159,7 +162,8 @@ public:
     {
         const std::string prefix = chosenPrefix();
         const std::string command = prefix + (prefix.empty() ? "" : " ") + chosenApp(mApp).get_name();
-        return std::string(kProgram) + ": " + oneLine(reason) + "\nTry '" + command + " --help'.\n";
+        return std::string(kProgram) + ": " + oneLine(OptionSyntax::unprotected(reason)) + "\nTry '" +
+               command + " --help'.\n";
     }
 
     CLI::App mApp;

@@ -1,10 +1,13 @@
 #include "apps/orv-library/OptionSyntax.h"
 
+#include <algorithm>
 #include <charconv>
 
 #include <CLI/CLI.hpp>
 
 namespace {
+
+constexpr char kMark = '\0';
 
 /// Reads plain decimal. The parsing library itself would read "010" as eight.
 bool readNumber(const std::string& text, std::int64_t& number)
@@ -19,13 +22,32 @@ void bindNumber(CLI::Option* option, std::int64_t& target)
     option->check([&target](const std::string& text) {
         return readNumber(text, target) ? std::string() : "'" + text + "' is not a number that can be used";
     });
+    option->transform(OptionSyntax::unprotected);
 }
 
 } // namespace
 
-std::string OptionSyntax::isGiven(const std::string& value)
+std::string OptionSyntax::protectedWord(std::string word)
 {
-    return value.empty() ? "the value must not be empty" : "";
+    if (word.size() > 1 && word.front() == '[' && word.back() == ']')
+        word += kMark;
+    return word;
+}
+
+std::string OptionSyntax::unprotected(std::string text)
+{
+    text.erase(std::remove(text.begin(), text.end(), kMark), text.end());
+    return text;
+}
+
+CLI::Option* OptionSyntax::takesText(CLI::Option* option)
+{
+    // A transformation comes before a check.
+    return option
+        ->check([](const std::string& value) {
+            return value.empty() ? std::string("the value must not be empty") : std::string();
+        })
+        ->transform(unprotected);
 }
 
 void OptionSyntax::flag(const std::string& name, bool& target, const std::string& help)
@@ -36,8 +58,8 @@ void OptionSyntax::flag(const std::string& name, bool& target, const std::string
 void OptionSyntax::option(const std::string& name, std::string& target, const std::string& valueName,
                           const std::string& help, Presence presence)
 {
-    CLI::Option* option = mApp.add_option(name, target, help);
-    option->type_name(valueName)->take_last()->required(presence == Presence::Required)->check(isGiven);
+    CLI::Option* option = takesText(mApp.add_option(name, target, help));
+    option->type_name(valueName)->take_last()->required(presence == Presence::Required);
 }
 
 void OptionSyntax::option(const std::string& name, std::int64_t& target, const std::string& valueName,
@@ -51,7 +73,7 @@ void OptionSyntax::option(const std::string& name, std::int64_t& target, const s
 void OptionSyntax::list(const std::string& name, std::vector<std::string>& target,
                         const std::string& valueName, const std::string& help)
 {
-    mApp.add_option(name, target, help)->type_name(valueName)->allow_extra_args(false)->check(isGiven);
+    takesText(mApp.add_option(name, target, help))->type_name(valueName)->allow_extra_args(false);
 }
 
 void OptionSyntax::exclusive(const std::string& first, const std::string& second)
@@ -62,8 +84,8 @@ void OptionSyntax::exclusive(const std::string& first, const std::string& second
 void OptionSyntax::argument(const std::string& valueName, std::string& target, const std::string& help,
                             Presence presence)
 {
-    CLI::Option* option = mApp.add_option(valueName, target, help);
-    option->type_name("")->required(presence == Presence::Required)->check(isGiven);
+    CLI::Option* option = takesText(mApp.add_option(valueName, target, help));
+    option->type_name("")->required(presence == Presence::Required);
 }
 
 void OptionSyntax::argument(const std::string& valueName, std::int64_t& target, const std::string& help,
@@ -77,8 +99,8 @@ void OptionSyntax::argument(const std::string& valueName, std::int64_t& target, 
 void OptionSyntax::arguments(const std::string& valueName, std::vector<std::string>& target,
                              const std::string& help, Presence presence)
 {
-    CLI::Option* option = mApp.add_option(valueName, target, help);
-    option->type_name("")->required(presence == Presence::Required)->check(isGiven);
+    CLI::Option* option = takesText(mApp.add_option(valueName, target, help));
+    option->type_name("")->required(presence == Presence::Required);
 }
 
 CommandSyntax& OptionSyntax::action(const std::string& name, const std::string& summary)

@@ -6,6 +6,7 @@
 
 namespace CLI {
 class App;
+class Option;
 } // namespace CLI
 
 /// Declares the options and arguments of a command or action to the parsing library.
@@ -17,9 +18,15 @@ public:
     /// @param chosen gets the work of the command or action that the user gives
     OptionSyntax(CLI::App& app, Work& chosen) : mApp(app), mChosen(chosen) {}
 
-    /// Refuses an empty value. It comes from a variable that a script has not set, and no command can use it.
-    /// @return the reason; empty if the value is not
-    static std::string isGiven(const std::string& value);
+    /// Marks a word in brackets, such as "[a,b]", which the parsing library would split into several. The
+    /// mark is a zero byte at the end; no word that a program is started with has one.
+    static std::string protectedWord(std::string word);
+    /// Takes that mark out of a value or a message.
+    static std::string unprotected(std::string text);
+
+    /// Declares the value of an option as text: takes the mark away and refuses an empty value. That comes
+    /// from a variable that a script has not set, and no command can use it.
+    static CLI::Option* takesText(CLI::Option* option);
 
     void flag(const std::string& name, bool& target, const std::string& help) override;
     void option(const std::string& name, std::string& target, const std::string& valueName,

@@ -176,6 +176,18 @@ TEST(CommandLine, unknownCommandIsNamed)
     EXPECT_THAT(program.run({"--nonsense"}).err, StartsWith("orv-library: '--nonsense' is no option\n"));
 }
 
+TEST(CommandLine, wordsInBracketsAreQuotedWhole)
+{
+    const test::Program program;
+    EXPECT_THAT(program.run({"[a,b]"}).err, StartsWith("orv-library: '[a,b]' is no command\n"));
+    EXPECT_THAT(program.run({"list", "[a,b]"}).err,
+                StartsWith("orv-library: The following argument was not expected: [a,b]\n"));
+    EXPECT_THAT(program.run({"list", "--progress", "[a]"}).err,
+                StartsWith("orv-library: --progress: '[a]' is none of auto, bar, plain, none\n"));
+    EXPECT_THAT(absolutePath(program.runBare({"paths", "--json", "--root", "[x]"}), "root"),
+                EndsWith("/[x]/"));
+}
+
 TEST(CommandLine, helpThatCannotBePrintedIsAFailure)
 {
     for (const char* const argument : {"--help", "--version"}) {

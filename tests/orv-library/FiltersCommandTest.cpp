@@ -123,6 +123,15 @@ TEST_F(FiltersCommand, changesPrintWhatAFreshStartReads)
     EXPECT_THAT(test::listTree(program.root() + "/temp"), IsEmpty());
 }
 
+TEST_F(FiltersCommand, wordsInBracketsStayWhole)
+{
+    EXPECT_EQ(printed({"add", "[a,b]", "[c,d]", "[]", R"(["e"])"}),
+              R"(-1|0:[a,b]([c,d][]["e"]) |No Filter,[a,b],)");
+    EXPECT_EQ(printed({"use", "[a,b]"}), R"(0|0:[a,b]([c,d][]["e"]) |No Filter,[a,b],)");
+    EXPECT_THAT(run({"add", "Kitchen", "--id", "[1]"}).err,
+                HasSubstr("--id: '[1]' is not a number that can be used\n"));
+}
+
 TEST_F(FiltersCommand, aFilterIsChosenByItsNameToo)
 {
     write(R"({"Filter": {"Filter_Name": "Bath", "Filter_Id": 4, "Database_Ids": []},
