@@ -148,6 +148,16 @@ TEST_F(RunJournal, checkWithoutAServiceHasFailed)
     EXPECT_THAT(failures(run(true)), testing::Contains(testing::StartsWith("index ")));
 }
 
+TEST_F(RunJournal, serviceThatIsNotThereIsTheOnlyFailure)
+{
+    service.server().stopListening();
+    EXPECT_THAT(failures(run(false)), ElementsAre(testing::StartsWith("index -1 ")));
+    const QJsonObject record = run(true);
+    EXPECT_THAT(failures(record), ElementsAre(testing::StartsWith("index -1 ")));
+    EXPECT_THAT(catalogs(record), ElementsAre("Doors.orvlib unknown -1 0", "Roofs.orvlib unknown -1 0",
+                                              "Walls.orvlib unknown -1 0"));
+}
+
 TEST_F(RunJournal, cancelledRunIsNoCheck)
 {
     for (const bool onlyChecks : {false, true}) {
