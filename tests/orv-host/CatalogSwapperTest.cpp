@@ -2,6 +2,9 @@
 
 #include <thread>
 
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <gmock/gmock.h>
 
 #include "tests/orv-host/HostedTest.h"
@@ -16,6 +19,24 @@ class CatalogSwapperTest : public test::HostedTest
 {
 protected:
     CatalogSwapperTest() { swapper.setDatabaseCheck(false); }
+
+    /// Makes a new catalog with one item and puts it into place.
+    bool swapInCatalogWith(const char* item)
+    {
+        const fileString file = folder.file("new");
+        {
+            QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "test");
+            database.setDatabaseName(QString::fromStdString(file.toNativeString()));
+            EXPECT_TRUE(database.open());
+            QSqlQuery query(database);
+            for (const std::string& statement :
+                 {std::string("CREATE TABLE item (id INTEGER PRIMARY KEY, name TEXT)"),
+                  "INSERT INTO item VALUES (1, '" + std::string(item) + "')"})
+                EXPECT_TRUE(query.exec(statement.c_str())) << query.lastError().text().toStdString();
+        }
+        QSqlDatabase::removeDatabase("test");
+        return swapper.swapIn(folder.file("root/core/Doors.orvlib"), file);
+    }
 
     OrvHost::CatalogSwapper swapper;
 };
@@ -119,4 +140,13 @@ TEST_F(CatalogSwapperTest, withoutTheCheckNothingIsExamined)
     const fileString page = folder.write("page", kPage);
     swapper.examine(page);
     EXPECT_TRUE(swapper.swapIn(folder.file("root/core/Page.orvlib"), page));
+}
+
+TEST_F(CatalogSwapperTest, sameFileAgainIsNoNews)
+{
+    ASSERT_TRUE(swapInCatalogWith("Oak"));
+    ASSERT_TRUE(swapInCatalogWith("Elm"));
+    EXPECT_EQ(2U, swapper.takeNews().size());
+    ASSERT_TRUE(swapInCatalogWith("Elm"));
+    EXPECT_TRUE(swapper.takeNews().empty());
 }
