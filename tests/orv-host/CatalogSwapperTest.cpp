@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/orv-host/HostedTest.h"
+#include "tests/support/ChildProcess.h"
 #include "tests/support/SampleDatabase.h"
 
 namespace {
@@ -149,4 +150,15 @@ TEST_F(CatalogSwapperTest, sameFileAgainIsNoNews)
     EXPECT_EQ(2U, swapper.takeNews().size());
     ASSERT_TRUE(swapInCatalogWith("Elm"));
     EXPECT_TRUE(swapper.takeNews().empty());
+}
+
+TEST_F(CatalogSwapperTest, newFileOnAnotherDiskLeavesIt)
+{
+    const test::OtherDevice other;
+    if (other.path().empty())
+        GTEST_SKIP() << "there is no other disk";
+    const fileString file(other.path() + "/new");
+    test::writeFile(file.toNativeString(), "content");
+    EXPECT_TRUE(swapper.swapIn(folder.file("root/core/Doors.orvlib"), file));
+    EXPECT_FALSE(file.pathExists());
 }
