@@ -65,6 +65,30 @@ TEST_F(FilterChangeTest, keepsTheOrderWhateverIsChanged)
     EXPECT_EQ(mManager.getLibraryFilters().back().getDatabaseIds(), (std::vector<std::string>{"b", "a"}));
 }
 
+TEST_F(FilterChangeTest, lowestFreeIdBeginsAtZero)
+{
+    FilterChange change;
+    EXPECT_EQ(change.add("First", {}), 0);
+    EXPECT_EQ(change.add("Third", {}, 2), 2);
+    EXPECT_EQ(change.add("Second", {}), 1);
+}
+
+TEST_F(FilterChangeTest, onlyTheRemovedFilterIsNoLongerTheCurrentOne)
+{
+    writeElsewhere(R"({"Current_Filter": 1,
+        "Filter": {"Filter_Name": "Kitchen", "Filter_Id": 0, "Database_Ids": []},
+        "Filter": {"Filter_Name": "Bath", "Filter_Id": 1, "Database_Ids": []},
+        "Filter": {"Filter_Name": "Hall", "Filter_Id": 1, "Database_Ids": []}})");
+    FilterChange change;
+    change.remove(0);
+    EXPECT_EQ(mManager.getCurrentFilterId(), 1);
+    change.remove(1);
+    EXPECT_THAT(names(), ElementsAre("Bath"));
+    EXPECT_EQ(mManager.getCurrentFilterId(), 1) << "another one has its id";
+    change.remove(1);
+    EXPECT_EQ(mManager.getCurrentFilterId(), FilterChange::kNoFilter);
+}
+
 TEST_F(FilterChangeTest, doesNotSayThatNothingIsDroppedFromAFileThatItCannotRead)
 {
     writeElsewhere("my shopping list");
@@ -97,14 +121,15 @@ TEST_F(FilterChangeTest, anEditorsChangesMeetThoseOfAnotherProgram)
     after.front().setFilterName("Cooking");
     after.emplace_back("Hall", 2, std::vector<std::string>{"h"});
     writeElsewhere(R"({"Current_Filter": 1,
+        "Filter": {"Filter_Name": "Cellar", "Filter_Id": 3, "Database_Ids": []},
         "Filter": {"Filter_Name": "Attic", "Filter_Id": 2, "Database_Ids": ["x"]},
         "Filter": {"Filter_Name": "Kitchen", "Filter_Id": 0, "Database_Ids": ["a"]},
         "Filter": {"Filter_Name": "Bath", "Filter_Id": 1, "Database_Ids": ["b"]}})");
     FilterChange change;
     change.apply(before, after);
     change.save();
-    EXPECT_THAT(names(), ElementsAre("Cooking", "Attic", "Hall"));
-    EXPECT_EQ(mManager.getLibraryFilters().back().getFilterId(), 3) << "its own was taken meanwhile";
+    EXPECT_THAT(names(), ElementsAre("Cooking", "Attic", "Cellar", "Hall"));
+    EXPECT_EQ(mManager.getLibraryFilters().back().getFilterId(), 4) << "its own was taken meanwhile";
     EXPECT_EQ(mManager.getCurrentFilterId(), -1);
 }
 
