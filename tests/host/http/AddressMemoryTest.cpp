@@ -81,6 +81,16 @@ TEST_F(AddressMemoryTest, openingAllEndsEveryRefusal)
     EXPECT_TRUE(memory.known("h:80").isOpen);
 }
 
+TEST_F(AddressMemoryTest, openingAllStartsEveryCountAnew)
+{
+    fail(3);
+    memory.openAll();
+    fail(2);
+    EXPECT_TRUE(memory.known("h:80").isOpen);
+    fail(1);
+    EXPECT_FALSE(memory.known("h:80").isOpen);
+}
+
 TEST_F(AddressMemoryTest, latencyIsTheShortestOfTheLastThree)
 {
     EXPECT_LT(memory.known("h:80").latency, 0us);

@@ -154,13 +154,14 @@ TEST_F(CurlPrefetchDownloadsServersTest, downloadThatCannotBeContinuedTakesTheBo
 {
     const Downloads downloads = serve(6);
     announce(downloads);
-    const fileString partial = folder.write("some.partial", "abc");
-    const fileString missing = folder.file("missing.partial");
+    const std::pair<fileString, std::string> parts[] = {{folder.file("missing.partial"), "\"v1\""},
+                                                        {folder.write("empty.partial", ""), "\"v1\""},
+                                                        {folder.write("some.partial", "abc"), ""}};
     for (std::size_t i = 0; i < downloads.size(); ++i) {
         const auto& asked = downloads[i];
-        const bool isMissing = i % 2 == 0;
-        const Curl::ResumableDownload download{asked.url, asked.headerLines, asked.target,
-                                               isMissing ? missing : partial, isMissing ? "\"v1\"" : ""};
+        const auto& [partial, validator] = parts[i % 3];
+        const Curl::ResumableDownload download{asked.url, asked.headerLines, asked.target, partial,
+                                               validator};
         EXPECT_TRUE(curl.downloadResumable(download, nullptr, nullptr, reason, errorNumber)) << reason;
         EXPECT_EQ(readFile(asked.target), bodyOf(static_cast<int>(i)));
         EXPECT_THAT(server.requestsFor(nameOf(static_cast<int>(i))), SizeIs(1));

@@ -168,6 +168,16 @@ TEST(SpeedGuard, silenceAfterManyBytesIsNoticedInTime)
     EXPECT_LE(time, 32s);
 }
 
+TEST(SpeedGuard, silenceIsNoticedEvenIfItAsksSeldom)
+{
+    const HttpLimits limits;
+    const auto start = HttpLimits::Clock::now();
+    SpeedGuard guard(limits, start);
+    guard.received(1'000'000);
+    EXPECT_FALSE(guard.tooSlow(start + 10s));
+    EXPECT_TRUE(guard.tooSlow(start + 40s));
+}
+
 TEST(SpeedGuard, byteASecondIsEnough)
 {
     const HttpLimits limits;
