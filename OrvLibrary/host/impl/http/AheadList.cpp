@@ -121,10 +121,9 @@ void AheadList::waitForEnd(Entry& entry)
 {
     const TimePoint turn = HttpLimits::Clock::now();
     while (entry.state == State::Running) {
-        if (!mConnections.step() && entry.state == State::Running) {
+        // The next step ends the entry.
+        if (!mConnections.step() && entry.state == State::Running)
             entry.transfer->finish(CURLE_OUT_OF_MEMORY);
-            finish(entry);
-        }
         if (entry.state != State::Running)
             return;
         if (CancelQuestion::isCancelled()) {
