@@ -112,6 +112,16 @@ TEST_F(CurlDownloadsBoundsTest, whatFailsAheadMakesRoom)
     expectAsked(downloads, first(10));
 }
 
+TEST_F(CurlDownloadsBoundsTest, twoMissingFilesInARowDoNotEndTheList)
+{
+    curl.setConnectionLimit(2);
+    const Downloads downloads = serveAs(std::vector<std::int64_t>(20, 1'000));
+    for (const int number : {4, 5})
+        server.on(nameOf(number), FaultReply::status(404, "gone").pauseAt(0, delay));
+    announce(downloads);
+    expectAsked(downloads, first(20));
+}
+
 TEST_F(CurlDownloadsBoundsTest, whatIsAskedForOtherwiseMakesRoom)
 {
     const Downloads downloads = serveAs(std::vector<std::int64_t>(9, 8'000'000));
