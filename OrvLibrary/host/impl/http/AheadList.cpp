@@ -52,7 +52,6 @@ AheadList::AheadList(HttpConnections& connections, std::shared_ptr<AddressMemory
 AheadList::~AheadList()
 {
     mConnections.removeAhead(*this);
-    mEntries.clear();
 }
 
 void AheadList::ClaimEnd::operator()(Entry* entry) const
@@ -105,14 +104,11 @@ std::unique_ptr<FileBody> AheadList::takeDownload(const HttpRequest& request, co
         std::rethrow_exception(entry->exception);
     // If the progress function has seen part of this download, it must also see its end. So a failed download
     // is then handed out, and not started again.
-    const bool isHeard =
-        file.isTold() || file.isAborted() || entry->answer.error == CURLE_ABORTED_BY_CALLBACK;
+    const bool isHeard = file.isTold() || entry->answer.error == CURLE_ABORTED_BY_CALLBACK;
     if (entry->state != State::Arrived && !isHeard)
         return nullptr;
-    if (entry->state == State::Running)
-        end(*entry);
     answer = std::move(entry->answer);
-    return std::move(entry->body);
+    return std::move(entry->body); // the end of the claim ends the transfer
 }
 
 /// Returns while the entry is still running in two cases: the caller cancelled, or the server has left our
