@@ -5,7 +5,6 @@
 #include "tests/host/http/SlowNames.h"
 
 using testing::IsEmpty;
-using testing::SizeIs;
 
 namespace test {
 
@@ -17,6 +16,12 @@ std::atomic<int> patience{0};
 bool isOutOfPatience()
 {
     return patience-- <= 0;
+}
+
+/// Says "yes" only once, when the patience is over.
+bool saysYesOnce()
+{
+    return patience-- == 0;
 }
 
 bool doesNotKnow()
@@ -43,6 +48,44 @@ protected:
     {
         EXPECT_EQ(curl.lastAnswer().reason, "Callback aborted");
         EXPECT_LE(patience, 0);
+    }
+};
+
+/// One "yes" must be enough.
+class CurlCancelOnceTest : public CurlCancelTest
+{
+protected:
+    void SetUp() override
+    {
+        CurlCancelTest::SetUp();
+        Curl::setCancelQuestion(&saysYesOnce);
+    }
+    void TearDown() override
+    {
+        curl.prefetchHeaders({});
+        curl.prefetchDownloads({});
+        Curl::setCancelQuestion(&isOutOfPatience);
+        CurlCancelTest::TearDown();
+    }
+    /// Makes requests so that the service has measured a server that takes 15 ms to answer. Only such a
+    /// server is asked ahead.
+    void learnLatency()
+    {
+        patience = 1'000'000;
+        server.on("/first", FaultReply::ok("").pauseAt(0, std::chrono::milliseconds(15)));
+        for (int i = 0; i < 3; ++i)
+            EXPECT_TRUE(header(server.url("/first")));
+        patience = 5;
+    }
+    /// Announces four downloads that the server never sends.
+    std::vector<Curl::DownloadRequest> announceSilentOnes()
+    {
+        learnLatency();
+        std::vector<Curl::DownloadRequest> downloads;
+        for (const char* name : {"0", "1", "2", "3"})
+            downloads.push_back({server.url(std::string("/") + name), {}, target(name), 100});
+        curl.prefetchDownloads(downloads);
+        return downloads;
     }
 };
 
@@ -107,6 +150,47 @@ TEST_F(CurlCancelTest, answerThatIsAskedForAheadEnds)
     EXPECT_FALSE(header(server.url("/silent1")));
     expectCancelled();
     curl.prefetchHeaders({});
+}
+
+TEST_F(CurlCancelOnceTest, requestsInTurnEnd)
+{
+    EXPECT_FALSE(header(server.url("/silent")));
+    expectCancelled();
+    patience = 20;
+    EXPECT_FALSE(browse(server.url("/redirect")));
+    expectCancelled();
+    patience = 20;
+    EXPECT_FALSE(fetch(server.url("/body")));
+    expectCancelled();
+    EXPECT_EQ(errorNumber, Curl::kAbortedByCallback);
+}
+
+TEST_F(CurlCancelOnceTest, answerThatIsAskedForAheadEnds)
+{
+    learnLatency();
+    curl.prefetchHeaders({{server.url("/silent1"), {}}, {server.url("/silent2"), {}}});
+    EXPECT_FALSE(header(server.url("/silent1")));
+    expectCancelled();
+    EXPECT_LE(server.requestsFor("/silent1").size(), 1u);
+}
+
+TEST_F(CurlCancelOnceTest, bodyThatIsFetchedAheadEnds)
+{
+    const auto downloads = announceSilentOnes();
+    EXPECT_FALSE(curl.download_to_location(downloads[0].url, downloads[0].target, {}, nullptr, nullptr,
+                                           reason, errorNumber));
+    expectCancelled();
+    EXPECT_EQ(errorNumber, Curl::kAbortedByCallback);
+    EXPECT_LE(server.requestsFor("/0").size(), 1u);
+}
+
+TEST_F(CurlCancelOnceTest, requestThatWaitsForAConnectionIsNotSent)
+{
+    curl.setConnectionLimit(2);
+    announceSilentOnes();
+    EXPECT_FALSE(header(server.url("/turn")));
+    expectCancelled();
+    EXPECT_THAT(server.requestsFor("/turn"), IsEmpty());
 }
 
 TEST_F(CurlCancelTest, connectionThatIsNotTakenEnds)

@@ -78,7 +78,7 @@ bool AheadList::takeAnswer(const HttpRequest& request, HttpAnswer& answer)
     if (!entry)
         return false;
     waitForEnd(*entry);
-    if (entry->state != State::Arrived)
+    if (entry->state != State::Arrived && entry->answer.error != CURLE_ABORTED_BY_CALLBACK)
         return false;
     answer = std::move(entry->answer);
     return true;
@@ -175,16 +175,18 @@ void AheadList::discard(Entry& entry)
     entry.body.reset();
 }
 
-void AheadList::makeWay()
+bool AheadList::makeWay()
 {
     const TimePoint latest = HttpLimits::Clock::now() + AheadPolicy::kLongestHold * mLimits.aheadPatience;
-    while (isInTheWay() && HttpLimits::Clock::now() < latest && mConnections.step() &&
-           !CancelQuestion::isCancelled()) {
+    while (isInTheWay() && HttpLimits::Clock::now() < latest && mConnections.step()) {
+        if (CancelQuestion::isCancelled())
+            return false;
         if (isInTheWay())
             mConnections.wait();
     }
     while (isInTheWay())
         discard(*mRunning.back());
+    return true;
 }
 
 /// Whether a request in its turn must wait for one of these: because it must run alone, or because they have

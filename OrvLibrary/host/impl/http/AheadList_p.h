@@ -45,7 +45,8 @@ public:
     /// Ends the transfers that are still running and removes the files that no call has asked for.
     ~AheadList() override;
 
-    /// Hands out the answer to a header request, once. Waits for the answer if the request is under way.
+    /// Hands out the answer to a header request, once. Waits for the answer if the request is under way. The
+    /// answer of a request that the caller cancels meanwhile is that of a cancel.
     /// @return false if the caller must make the request itself
     bool takeAnswer(const HttpRequest& request, HttpAnswer& answer);
     /// Hands out the answer and the body of a download, once. Waits for the end if the download is under way,
@@ -59,7 +60,7 @@ public:
 
     void advance() override;
     void stop() override { mCourse.isStopped = true; }
-    void makeWay() override;
+    bool makeWay() override;
     std::size_t running() const override { return mRunning.size(); }
 
 private:

@@ -50,11 +50,8 @@ HttpAnswer CurlThread::askOnce(AddressMemory& memory, const HttpRequest& request
     }
     HttpAnswer answer;
     const bool isAhead = request.headerOnly && headers && headers->takeAnswer(request, answer);
-    if (!isAhead) {
-        if (CancelQuestion::isCancelled())
-            return HttpAnswer::cancelled();
+    if (!isAhead)
         answer = connections.perform(request, body);
-    }
     if (answer.isRefusedInCompany()) {
         connections.stopAhead();
         answer = connections.perform(request, body);

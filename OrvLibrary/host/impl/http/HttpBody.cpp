@@ -130,7 +130,7 @@ bool FileBody::digestEarlier()
     };
     if (!mDigest->isWanted() || mFile.read(digest, reason))
         return true;
-    return reason.empty() ? fail("Callback aborted") : failOnDisk(reason);
+    return reason.empty() ? fail("Callback aborted", CURLE_ABORTED_BY_CALLBACK) : failOnDisk(reason);
 }
 
 void FileBody::beginTurn(const HttpLimits& limits, Curl::ProgressFunction progress, void* context)

@@ -23,8 +23,10 @@ HttpConnections::HttpConnections()
 HttpAnswer HttpConnections::perform(const HttpRequest& request, HttpBody& body)
 {
     const Work busy(*this, true);
-    for (AheadWork* const work : mAhead)
-        work->makeWay();
+    for (AheadWork* const work : mAhead) {
+        if (!work->makeWay())
+            return HttpAnswer::cancelled();
+    }
     const bool hadCompany = aheadCount() > 0;
     HttpTransfer transfer(*this, request, body);
     start(transfer);

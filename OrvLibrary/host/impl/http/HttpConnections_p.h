@@ -25,7 +25,8 @@ public:
     /// Called before a request is sent that was not sent ahead. It needs one of the connections that the host
     /// allows, and if `stop` was called, it must run alone. Requests in its way get a second to end, then the
     /// latest ones are given up.
-    virtual void makeWay() = 0;
+    /// @return false if the caller cancelled meanwhile
+    virtual bool makeWay() = 0;
     /// The number of requests that are running.
     virtual std::size_t running() const = 0;
 };
