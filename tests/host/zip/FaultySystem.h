@@ -1,20 +1,27 @@
 #pragma once
 
+#include <functional>
+
 namespace test {
 
-/// Lets one system call of this program fail, until the destructor. Only one object may exist at a time.
+/// Makes one system call of this program behave unusually, until the destructor. Only one object may exist at
+/// a time.
 class FaultySystem
 {
 public:
     enum class Call
     {
+        CopyFileRange, ///< without a reason: copies holes as holes, as some file systems do
         Fallocate,
-        Pread, ///< does not fail, but reads one byte at a time
+        Pread,  ///< without a reason: is interrupted each second time, and otherwise reads one byte
+        Pwrite, ///< the same with at most 100 bytes
         SyncFileRange
     };
 
-    /// @param reason the number for `errno`
+    /// @param reason the number for `errno`, with which the call fails
     explicit FaultySystem(Call call, int reason = 0);
+    /// Does something before each call, in the thread that makes it.
+    FaultySystem(Call call, std::function<void()> before);
     ~FaultySystem();
     FaultySystem(const FaultySystem&) = delete;
     FaultySystem& operator=(const FaultySystem&) = delete;

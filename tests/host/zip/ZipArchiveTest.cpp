@@ -1,6 +1,7 @@
 #include "OrvLibrary/host/impl/zip/ZipArchive_p.h"
 
 #include <cerrno>
+#include <cstring>
 #include <filesystem>
 
 #include <gmock/gmock.h>
@@ -22,7 +23,7 @@ protected:
 
 } // namespace
 
-TEST_F(ZipArchiveTest, readsThatAreCutShortGoOn)
+TEST_F(ZipArchiveTest, readsThatAreInterruptedOrCutShortGoOn)
 {
     const std::string bytes = mBuilder.bytes();
     mBuilder.write(mFolder, "a.zip");
@@ -44,4 +45,22 @@ TEST_F(ZipArchiveTest, endOfTheFileIsNoInterruption)
     errno = EINTR; // of an earlier call
     EXPECT_THAT([&] { archive.readAt(0, read.data(), read.size()); },
                 testing::ThrowsMessage<std::runtime_error>(mPath.toNativeString() + ": cut short"));
+}
+
+TEST_F(ZipArchiveTest, readingThatFailsTellsTheSystemsReason)
+{
+    mBuilder.write(mFolder, "a.zip");
+    const ZipUtils::ZipArchive archive(mPath);
+    const test::FaultySystem system(test::FaultySystem::Call::Pread, EIO);
+    char byte = 0;
+    EXPECT_THAT(
+        [&] { archive.readAt(0, &byte, 1); },
+        testing::ThrowsMessage<std::runtime_error>(mPath.toNativeString() + ": " + std::strerror(EIO)));
+}
+
+TEST_F(ZipArchiveTest, missingFileTellsTheSystemsReason)
+{
+    EXPECT_THAT(
+        [&] { ZipUtils::ZipArchive archive(mPath); },
+        testing::ThrowsMessage<std::runtime_error>(mPath.toNativeString() + ": " + std::strerror(ENOENT)));
 }

@@ -1,7 +1,9 @@
 #include "OrvLibrary/host/impl/zip/ZipExtraction_p.h"
 
+#include <atomic>
 #include <cerrno>
 #include <filesystem>
+#include <future>
 #include <ios>
 
 #include <gmock/gmock.h>
@@ -12,6 +14,7 @@
 
 namespace fs = std::filesystem;
 using test::FaultySystem;
+using testing::Contains;
 using ZipUtils::ArchiveBatch;
 
 namespace {
@@ -112,14 +115,95 @@ TEST_F(ZipExtractionTest, cancelIsHeardWhileTheDiskWrites)
     EXPECT_FALSE(file().pathExists());
 }
 
-TEST_F(ZipExtractionTest, fileThatWasRefusedStaysRefused)
+TEST_F(ZipExtractionTest, fileThatWasRefusedStaysRefusedForTheWalk)
 {
     mSource.add("a", "1");
     mSource.add("b", "2");
     const fileString source = writeSource();
-    fs::permissions(mFolder.write("file", "old").toNativeString(), fs::perms::owner_read);
-    ArchiveBatch batch(nullptr);
-    EXPECT_EQ(extractAll(source, batch), (std::vector<bool>{false, false}));
-    batch.complete();
+    const std::string old = mFolder.write("file", "old").toNativeString();
+    fs::permissions(old, fs::perms::owner_read);
+    ZipUtils::getFilesDataInArchive(source, [&](const fileString&, auto& handle, const auto& raw) {
+        EXPECT_FALSE(ZipUtils::extractFileFromArchive(file(), handle, raw));
+        EXPECT_TRUE(ZipUtils::isRefused(file(), handle));
+        fs::permissions(old, fs::perms::owner_read | fs::perms::owner_write);
+        return true;
+    });
     EXPECT_EQ(test::readFile(file()), "old");
+}
+
+TEST_F(ZipExtractionTest, nextMemberWaitsForTheLargeOneBefore)
+{
+    mSource.add("a", std::string(kLarge + 1, 'y'));
+    mSource.add("b", mContent);
+    const auto archive = std::make_shared<ZipUtils::ZipArchive>(writeSource());
+    ZipUtils::ZipMeter meter(nullptr);
+    ZipUtils::ZipPatience patience(meter);
+    const auto extraction = ZipUtils::ZipExtraction::begin(file(), patience, meter);
+    for (const ZipUtils::ZipEntry& entry : archive->entries())
+        extraction->extract(archive, entry);
+    extraction->finish();
+    extraction->sync();
+    extraction->publish();
+    EXPECT_TRUE(test::readFile(file()) == mContent);
+}
+
+TEST_F(ZipExtractionTest, emptyMemberMakesAnEmptyFile)
+{
+    mSource.add("a", "1");
+    mSource.add("b", "");
+    EXPECT_EQ(reasonFor(writeSource()), 0);
+    EXPECT_EQ(test::readFile(file()), "");
+}
+
+TEST_F(ZipExtractionTest, writesThatAreInterruptedOrCutShortGoOn)
+{
+    mSource.add("a", test::sampleBytes(30'000, 1));
+    const fileString source = writeSource();
+    const FaultySystem system(FaultySystem::Call::Pwrite);
+    EXPECT_EQ(reasonFor(source), 0);
+    EXPECT_EQ(test::readFile(file()), test::sampleBytes(30'000, 1));
+}
+
+TEST_F(ZipExtractionTest, writeThatFailsTellsTheSystemsReason)
+{
+    mSource.add("a", "1");
+    const fileString source = writeSource();
+    const FaultySystem system(FaultySystem::Call::Pwrite, EIO);
+    EXPECT_EQ(reasonFor(source), EIO);
+}
+
+TEST_F(ZipExtractionTest, cancelIsHeardWhileAThreadExtracts)
+{
+    mSource.add("a", mContent);
+    const fileString source = writeSource();
+    const auto progress = std::make_shared<test::RecordingProgress>();
+    std::promise<void> asked;
+    std::atomic<bool> isLate{false};
+    progress->isCancelled = [&](int check) {
+        if (check == 1)
+            asked.set_value();
+        return true;
+    };
+    std::unique_ptr<FaultySystem> system;
+    ArchiveBatch batch(progress);
+    const auto extract = [&](const fileString&, auto& handle, const auto& raw) {
+        system =
+            std::make_unique<FaultySystem>(FaultySystem::Call::Pread, [&, done = asked.get_future().share()] {
+                isLate = done.wait_for(std::chrono::seconds(10)) != std::future_status::ready;
+            });
+        return ZipUtils::extractFileFromArchive(file(), handle, raw);
+    };
+    EXPECT_THROW(batch.walk(source, extract), ZipUtils::Cancelled);
+    EXPECT_FALSE(isLate) << "the question came only after the extraction";
+    EXPECT_FALSE(file().pathExists());
+}
+
+TEST_F(ZipExtractionTest, longStepsAfterTheLastMemberAreNamed)
+{
+    mSource.add("a", mContent);
+    const auto progress = std::make_shared<test::RecordingProgress>();
+    ArchiveBatch batch(progress);
+    extractAll(writeSource(), batch);
+    batch.complete();
+    EXPECT_THAT(progress->calls(), Contains("labels putting in place | "));
 }

@@ -71,3 +71,14 @@ TEST_F(ZipMappedFileTest, fileThatCannotBeMappedHasNoPages)
     EXPECT_EQ(mapped.refusal(), 0);
     EXPECT_FALSE(mapped.pages());
 }
+
+TEST_F(ZipMappedFileTest, memoryIsGivenBack)
+{
+    const host::FileHandle file = open(O_RDWR);
+    const auto isMapped = [&] { return test::readFile("/proc/self/maps").find(mPath) != std::string::npos; };
+    {
+        const MappedFile mapped(file.get(), kSize);
+        EXPECT_EQ(isMapped(), mapped.pages() != nullptr);
+    }
+    EXPECT_FALSE(isMapped());
+}

@@ -53,6 +53,13 @@ TEST_F(ZipMemberScanTest, zip64FieldHasBothSizes)
     EXPECT_THAT(found(mBuilder.bytes()), ElementsAre(Pair("wide", content), Pair("last", "2")));
 }
 
+TEST_F(ZipMemberScanTest, zip64FieldThatNoSizeRefersToIsIgnored)
+{
+    mBuilder.add("a", "1").localExtra = std::string("\x01\0\x10\0", 4) + std::string(16, 'x');
+    mBuilder.add("last", "2");
+    EXPECT_THAT(found(mBuilder.bytes()), ElementsAre(Pair("a", "1"), Pair("last", "2")));
+}
+
 TEST_F(ZipMemberScanTest, checksumBehindTheDataMayFollowASignatureOrNot)
 {
     const std::string content = test::sampleBytes(1000, 1);

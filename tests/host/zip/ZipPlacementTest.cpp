@@ -1,3 +1,6 @@
+#include <cerrno>
+#include <cstring>
+
 #include <sys/stat.h>
 
 #include <gmock/gmock.h>
@@ -55,8 +58,9 @@ TEST(ZipPlacement, whatIsNoFileAndWhereNothingCanBeWrittenAreTold)
 {
     const test::TempFolder folder;
     const fileString source = folder.write("new.zip", "archive");
-    EXPECT_THROW(ZipUtils::moveToNewArchive(folder.file("none.zip"), folder.file("a.zip"), nullptr),
-                 std::runtime_error);
+    EXPECT_THAT(
+        [&] { ZipUtils::moveToNewArchive(folder.file("none.zip"), folder.file("a.zip"), nullptr); },
+        testing::ThrowsMessage<std::runtime_error>(folder.path() + "/none.zip: " + std::strerror(ENOENT)));
     EXPECT_THROW(ZipUtils::moveToNewArchive(fileString(folder.path()), folder.file("a.zip"), nullptr),
                  std::runtime_error);
     EXPECT_THROW(ZipUtils::moveToNewArchive(source, folder.file("missing/a.zip"), nullptr),

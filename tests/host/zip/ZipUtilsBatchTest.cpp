@@ -281,3 +281,12 @@ TEST_F(ZipUtilsBatchTest, longStepsAfterTheLastMemberAreNamed)
     batch.complete();
     EXPECT_THAT(mProgress->calls(), Contains("labels putting in place | "));
 }
+
+TEST_F(ZipUtilsBatchTest, stepThatHasNothingLeftToDoIsNotNamed)
+{
+    const fileString source = writeLargeSource(1);
+    ArchiveBatch batch(mProgress);
+    copyWith(batch, source, target(), true);
+    batch.complete();
+    EXPECT_THAT(mProgress->calls(), Not(Contains("labels putting in place | ")));
+}

@@ -79,6 +79,19 @@ TEST_F(ZipUtilsDamageTest, everyDamagedMemberIsNamedWithItsArchive)
     }
 }
 
+TEST_F(ZipUtilsDamageTest, bytesOfDamagedMembersAreToldOnce)
+{
+    constexpr std::size_t kLong = (3U << 20U) + 7;
+    mSource.add("good", test::sampleBytes(1000, 1));
+    mSource.add("found at once", test::sampleBytes(500, 2)).rawData = std::string(300, '\xFF');
+    ArchiveMember& late = mSource.add("found at its end", test::sampleBytes(kLong, 3));
+    late.method = ArchiveMember::kStored;
+    late.checksum = 1;
+    EXPECT_THAT(damagedNames(writeSource()), ElementsAre("found at once", "found at its end"));
+    EXPECT_THAT(mProgress->calls(), ElementsAre("total " + std::to_string(1500 + kLong)));
+    EXPECT_EQ(mProgress->sumOfBytes(), 1500 + kLong);
+}
+
 TEST_F(ZipUtilsDamageTest, reasonTellsTheFaultOfAStream)
 {
     const std::string content = test::sampleBytes(1000, 1);

@@ -1,12 +1,15 @@
 #include "OrvLibrary/host/impl/zip/ZipVerification_p.h"
 
 #include <algorithm>
+#include <atomic>
 #include <chrono>
 #include <filesystem>
+#include <future>
 #include <iterator>
 #include <stdexcept>
 #include <thread>
 
+#include "tests/host/zip/FaultySystem.h"
 #include "tests/host/zip/RawCopyTest.h"
 #include "tests/support/NoMoreThreads.h"
 #include "tests/support/RecordingProgress.h"
@@ -83,4 +86,39 @@ TEST_F(ZipVerificationTest, cancelIsHeardInTheMiddleOfALargeMember)
     ArchiveBatch batch(progress);
     batch.walk(writeSource(), [](const auto&, auto&, const auto&) { return true; });
     EXPECT_GE(progress->checks(), 3);
+}
+
+TEST_F(ZipVerificationTest, cancelIsHeardWhileAThreadVerifies)
+{
+    mSource.add("large", std::string(5U << 20U, 'x')).method = ArchiveMember::kStored;
+    mSource.add("last", "1");
+    const fileString source = writeSource();
+    const auto progress = std::make_shared<test::RecordingProgress>();
+    std::promise<void> begun, asked;
+    std::atomic<bool> isLate{false};
+    std::once_flag first;
+    progress->isCancelled = [&](int check) {
+        if (check == 3)
+            asked.set_value();
+        return check >= 3;
+    };
+    const auto hold = [&, walk = std::this_thread::get_id(), done = asked.get_future().share()] {
+        if (std::this_thread::get_id() == walk)
+            return;
+        std::call_once(first, [&] { begun.set_value(); });
+        isLate = done.wait_for(std::chrono::seconds(10)) != std::future_status::ready;
+    };
+    std::unique_ptr<test::FaultySystem> system;
+    ArchiveBatch batch(progress);
+    const auto waitAtTheLast = [&](const fileString& member, auto&, const auto&) {
+        if (member.toNativeString() == "large")
+            system = std::make_unique<test::FaultySystem>(test::FaultySystem::Call::Pread, hold);
+        else
+            begun.get_future().wait();
+        return true;
+    };
+    const auto start = std::chrono::steady_clock::now();
+    EXPECT_THROW(batch.walk(source, waitAtTheLast), ZipUtils::Cancelled);
+    EXPECT_FALSE(isLate) << "the questions came only after the thread had ended";
+    EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(3 * 50));
 }
