@@ -166,8 +166,6 @@ void ZipDirectoryReader::placeDirectory(const EndRecord& end)
 
 void ZipDirectoryReader::readEntries(const EndRecord& end)
 {
-    if (end.members * kCentralRecordSize > end.directorySize)
-        mArchive.fail("bad directory size");
     mDirectory->bytes.resize(end.directorySize);
     mArchive.readAt(mDirectory->start, mDirectory->bytes.data(), mDirectory->bytes.size());
     mDirectory->entries.reserve(end.members);

@@ -32,7 +32,7 @@ public:
     {
         std::uint64_t offset = entry.dataOffset;
         int result = Z_OK;
-        while (mIsReady && result == Z_OK && (mStream.avail_in > 0 || offset < end)) {
+        while (mIsReady && result == Z_OK) { // without bytes it is an error
             if (mStream.avail_in == 0) {
                 const auto size = std::min<std::uint64_t>(end - offset, mInput.size());
                 archive.readAt(offset, mInput.data(), size);

@@ -64,12 +64,11 @@ private:
         const int result = inflate(&mStream, Z_NO_FLUSH);
         if (result == Z_MEM_ERROR)
             throw std::bad_alloc();
-        const std::size_t got = room - mStream.avail_out;
-        const bool isStuck = result == Z_BUF_ERROR && got == 0 && mOffset == mEntry.dataEnd();
-        if ((result != Z_OK && result != Z_STREAM_END && result != Z_BUF_ERROR) || isStuck)
+        // If the compressed bytes end before the stream, there is nothing left to do, which is an error, too.
+        if (result != Z_OK && result != Z_STREAM_END)
             mArchive.fail(mEntry, "its stream is broken");
         mEnded = result == Z_STREAM_END;
-        return got;
+        return room - mStream.avail_out;
     }
 
     void refill()

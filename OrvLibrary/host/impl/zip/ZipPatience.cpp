@@ -20,7 +20,6 @@ std::unique_ptr<host::ReplacementFile> ZipPatience::open(const fileString& targe
             return file;
         mLeft -= step;
         mMeter.waited(step);
-        errno = EWOULDBLOCK;
     }
 }
 
