@@ -28,7 +28,7 @@ constexpr std::int32_t kMessageDownloadCancelled = 0x1036918a;  ///< a download 
 constexpr std::int32_t kMessageNoEndpoint = 0x1036918b;         ///< the web service was not found
 constexpr std::int32_t kMessageInstallationFailed = 0x1036918e; ///< an installation step failed
 
-/// What a run knows about one catalog. A plain value; one object belongs to one thread.
+/// The state of one catalog in a run. A plain value; one object belongs to one thread.
 struct ORVLIBRARY_EXPORT CatalogUpdateData
 {
     /// Determines the folder, the form of the web address and how the catalog is installed.

@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// What a user does about a certificate that was refused.
+/// Advice for a user whose service has a certificate that was refused.
 namespace OrvHost::CertificateAdvice {
 
 /// @param reason why a request failed, in the transfer library's words

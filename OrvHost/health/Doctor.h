@@ -26,7 +26,7 @@ public:
         std::string advice; ///< what to do after a failure; otherwise empty
     };
 
-    /// What to examine: the root and its settings.
+    /// The subject of an examination: the root and its settings.
     struct Subject
     {
         fileString root;             ///< with a separator at the end

@@ -14,7 +14,7 @@ namespace OrvHost {
 class FilesProgress : public ProgressSubject
 {
 public:
-    /// Nobody watches.
+    /// Reports to nobody.
     FilesProgress() = default;
     /// @param whole the caller's object; may be null
     /// @param bytes of all files

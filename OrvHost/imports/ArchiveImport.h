@@ -37,7 +37,7 @@ public:
         /// Whether to refuse an archive whose database is not one: for example a web page with the name of a
         /// library.
         bool checksDatabase = true;
-        /// What to do if the existing texture archive is damaged. If true, it is kept as "NAME.zip.damaged"
+        /// If the existing texture archive is damaged: if true, it is kept as "NAME.zip.damaged"
         /// (or ".damaged.2" and so on), and its sound members are merged. If false, the import fails.
         bool setsAside = false;
     };

@@ -17,8 +17,8 @@ namespace OrvHost {
 ///
 /// An import is done in four steps, so that a program may be killed at any time: the files that will be
 /// replaced are kept; the record says that the import has begun; the files are replaced, the database last;
-/// the record says that the import is done. Whoever opens the folder next finds out how far the import was,
-/// and takes it back if the database was not yet in place.
+/// the record says that the import is done. The next process that opens the folder finds out how far the
+/// import was, and takes it back if the database was not yet in place.
 class FormerImports
 {
 public:

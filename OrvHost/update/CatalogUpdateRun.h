@@ -39,7 +39,7 @@ class ORVHOST_EXPORT CatalogUpdateRun : public QObject
     Q_OBJECT
 
 public:
-    /// What to update: the service and the catalogs.
+    /// The service and the catalogs to update.
     struct Request
     {
         std::string url; ///< the address that redirects to the service
@@ -58,7 +58,7 @@ public:
         std::chrono::milliseconds firstPause{500};
         /// Whether to end after the check: nothing is downloaded, put into place or locked.
         bool onlyChecks = false;
-        /// Whether the run ends after the check while the connection is metered. What is new then waits.
+        /// Whether the run ends after the check while the connection is metered. New catalogs then wait.
         bool postponesOnMetered = false;
         /// Bytes that downloads leave free on the disk, at least. The download service always leaves some.
         std::int64_t diskReserve = 0;

@@ -16,8 +16,8 @@
 
 namespace OrvHost {
 
-/// What an update would do, determined from the records of a check or an update and from the answers of the
-/// web service. A plain value.
+/// The result of a check: the catalogs that an update would fetch, determined from the records of a check or
+/// an update and from the answers of the web service. A plain value.
 struct ORVHOST_EXPORT CheckOutcome
 {
     enum class Kind

@@ -4,7 +4,7 @@
 
 #include "OrvHost/OrvHostExport.h"
 
-/// What the machine's way to the network costs. Functions may be called from any thread.
+/// Whether the machine pays its network connection by the amount. Functions may be called from any thread.
 namespace OrvHost::MeteredConnection {
 
 /// How long each of the two answers that are needed is waited for.

@@ -9,7 +9,7 @@
 
 namespace OrvHost {
 
-/// What the service said about one catalog.
+/// The service's answer about one catalog.
 struct CatalogReport
 {
     std::string asked;       ///< the name in the request, such as "Garden.orvlibz"

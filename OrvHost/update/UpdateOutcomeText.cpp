@@ -1,4 +1,4 @@
-// What an outcome is called, and its failures in words.
+// The name of an outcome, and its failures in words.
 #include <algorithm>
 
 #include "OrvHost/update/UpdateOutcome.h"

@@ -32,7 +32,7 @@ public:
     void drain();
 
 Q_SIGNALS:
-    /// What came before `end` was handed on.
+    /// All signals that came before `end` were handed on.
     void ended();
 
 public Q_SLOTS:

@@ -7,7 +7,7 @@
 
 #include "OrvLibrary/host/fileString.h"
 
-/// What the user sets in the preferences dialog for this window alone, kept in "browser.json" below the root;
+/// The preferences of this window alone, kept in "browser.json" below the root;
 /// `SharedSettings` are those of all programs. Lives on the interface thread.
 struct BrowserSettings
 {

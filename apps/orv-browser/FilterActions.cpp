@@ -33,7 +33,7 @@ QString listed(const std::vector<FilterEditor::Database>& databases)
 
 } // namespace
 
-/// A change that was made before it comes onto the stack. What other programs do between, stays.
+/// A change that was made before it comes onto the stack. Changes of other programs in between stay.
 class FilterActions::Command : public QUndoCommand
 {
 public:

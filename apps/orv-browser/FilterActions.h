@@ -11,7 +11,7 @@
 class QUndoStack;
 class QWidget;
 
-/// What the user does with the stored filters: choose one, make one, edit them. Each change goes through the
+/// The user's actions on the stored filters: choose one, make one, edit them. Each change goes through the
 /// lock of the file, keeps what other programs did meanwhile, and can be undone. Lives on the interface
 /// thread.
 class FilterActions : public QObject

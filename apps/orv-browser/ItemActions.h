@@ -11,8 +11,8 @@
 
 class GalleryModel;
 
-/// What the user does with items: favourites, and the one item that the rest of the host knows as chosen.
-/// What can be taken back goes onto the undo stack. Lives on the interface thread.
+/// The user's actions on items: favourites, and the one item that the rest of the host knows as chosen.
+/// Actions that can be undone go onto the undo stack. Lives on the interface thread.
 class ItemActions : public QObject
 {
     Q_OBJECT

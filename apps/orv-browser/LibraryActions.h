@@ -17,7 +17,7 @@ class QUndoStack;
 class UpdateController;
 class UpdateSummary;
 
-/// What the user does with the library as a whole: updates, imports, manufacturer records, filters and
+/// The user's actions on the library as a whole: updates, imports, manufacturer records, filters and
 /// preferences. Lives on the interface thread, as long as the window.
 class LibraryActions : public QObject
 {
@@ -28,7 +28,7 @@ public:
     /// @param undo takes the imports that can be taken back; belongs to the window too
     LibraryActions(QMainWindow& window, const fileString& root, QUndoStack& undo);
 
-    /// What goes before the settings from now on.
+    /// From now on, these values take precedence over the settings.
     void overrideService(const ServiceOverrides& overrides) { mShared.overrideService(overrides); }
     const ServiceOverrides& overrides() const { return mShared.overrides(); }
     /// Reads the settings anew, and tells the user why where that cannot be.

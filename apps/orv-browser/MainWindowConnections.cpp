@@ -134,7 +134,7 @@ void MainWindow::connectFilters()
     connect(mFilters, &FilterActions::changed, this, &MainWindow::filtersChanged);
 }
 
-/// What this window does itself is told at once; what others do, by the files that they leave.
+/// The window's own changes are announced at once. Those of other programs are seen in their files.
 void MainWindow::connectWatch()
 {
     connect(mWatch, &LibraryWatch::libraryChanged, this, [this] {

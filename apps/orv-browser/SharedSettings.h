@@ -10,7 +10,8 @@
 #include "OrvHost/Settings.h"
 #include "OrvLibrary/host/fileString.h"
 
-/// What the command line says of the service; it goes before the settings, for one run. Empty for nothing.
+/// The service as the command line gives it, for one run. It takes precedence over the settings. A member is
+/// empty if the command line does not give it.
 struct ServiceOverrides
 {
     QString serviceUrl;
@@ -34,7 +35,7 @@ public:
 
     explicit SharedSettings(fileString root) : mRoot(std::move(root)) {}
 
-    /// What goes before the file from now on.
+    /// From now on, these values take precedence over the file.
     void overrideService(const ServiceOverrides& overrides) { mOverrides = overrides; }
     const ServiceOverrides& overrides() const { return mOverrides; }
     /// Reads the file.
@@ -46,8 +47,8 @@ public:
     /// Makes the download service work as the settings say.
     /// @return why that cannot be, for people; empty when it can
     QString apply() const;
-    /// Changes the file, whatever it holds by now. What the user changes here goes before what the command
-    /// line said.
+    /// Changes the file, whatever it holds by now. A value that the user changes here takes precedence over
+    /// the command line.
     /// @param reason filled on failure; the file is then as it was
     bool change(const Changes& changes, QString& reason);
 

@@ -7,8 +7,8 @@ class QMainWindow;
 class QMenu;
 class QUndoStack;
 
-/// The menus of the window and what is in them. Whoever acts connects to the actions. Lives as long as the
-/// window.
+/// The menus of the window and what is in them. The classes that carry out an action connect to it. Lives as
+/// long as the window.
 class WindowMenus : public QObject
 {
     Q_OBJECT
@@ -41,7 +41,7 @@ public:
     QAction* newLibrary;
     QAction* shortcuts;
 
-    /// What can be done with the selected items, for a menu at the pointer.
+    /// The actions on the selected items, as a menu at the pointer.
     QMenu* itemMenu() const { return mItemMenu; }
 
 private:

@@ -1,4 +1,4 @@
-// What the bin of the desktop takes: where the file and its note are then, and that it never tries for ever.
+// The bin of the desktop: the places of a file and its note, and disks on which it takes nothing.
 #include "apps/orv-browser/own/DesktopBin.h"
 
 #include <csignal>

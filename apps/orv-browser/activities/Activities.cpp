@@ -125,7 +125,7 @@ void Activities::showUpdateEnd(const UpdateSummary& summary, const OrvHost::Upda
     showService(outcome.service);
     for (const Activity& failure : UpdateActivities::failuresOf(outcome))
         mModel.put(failure);
-    // What waits for another connection goes on waiting.
+    // Catalogs that wait for another connection go on waiting.
     if (outcome.postponed.empty())
         mModel.settle(Kind::Catalog, summary.isCancelled() ? State::Cancelled : State::Done);
     mFailedImports.clear();

@@ -6,7 +6,7 @@
 
 #include "OrvHost/imports/ArchiveImport.h"
 
-/// What became of a number of archives that are imported one after the other, told at the end. For example:
+/// The results of several imports one after the other, reported at the end. For example:
 /// "2 of 3 archives were imported.", and below it which one was not, and why. Lives on the interface thread.
 class ImportSummary
 {

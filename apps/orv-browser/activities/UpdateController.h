@@ -47,7 +47,7 @@ Q_SIGNALS:
     void speedChanged(const QString& text);
     /// A run has begun, behind this panel.
     void began(QWidget* panel);
-    /// What the service was asked and answered until now, five times a second.
+    /// Five times a second: the requests and answers until now.
     void looked(const OrvHost::ServiceReport& service);
     /// The run is over.
     void ended(const UpdateSummary& summary, const OrvHost::UpdateOutcome& outcome);

@@ -26,8 +26,8 @@ QString listed(const std::set<std::string>& names)
     return rest > 0 ? UpdateSummary::tr("%1 and %n more", nullptr, rest).arg(text) : text;
 }
 
-/// The library tells what it updated at the end only, and nothing after a cancel. What was put in place by
-/// then is told all the same.
+/// The names of the new catalogs. The library reports them at the end only, and not after a cancel, so those
+/// that were put into place by then are added.
 std::set<std::string> updatedOf(const OrvHost::UpdateOutcome& outcome)
 {
     std::set<std::string> names = outcome.updatedCatalogs;

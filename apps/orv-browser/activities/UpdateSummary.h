@@ -29,14 +29,14 @@ public:
     /// Whether the log has more to say.
     bool hasProblems() const { return mHasFailed || !mNotes.isEmpty(); }
 
-    /// In sentences: what came, and what went wrong.
+    /// The new catalogs and the failures, in sentences.
     QString text() const;
-    /// What waits because the connection is metered, in a sentence; empty when nothing does.
+    /// The catalogs that wait because the connection is metered, in a sentence; empty if none does.
     QString waiting() const;
     /// In numbers, such as "16 catalogs, 42 new items, 3 gone"; empty when nothing came.
     /// @param isFirst whether this is the first content of all, which is not new to the window
     QString numbers(bool isFirst) const;
-    /// What went wrong; where the run itself does not know, the first line that it added to the log.
+    /// The reason of a failure; if the run does not know it, the first line that the run added to the log.
     QString problem() const;
 
 private:

@@ -23,7 +23,7 @@ public:
     void ask(const std::shared_ptr<const ItemIndex>& index, const fileString& database, long long item);
 
 Q_SIGNALS:
-    /// What the last question has found; what an earlier one would have found is never told.
+    /// The items that the last question found. Results of earlier questions are never reported.
     void found(const ItemQuery::Found& found);
 
 private:

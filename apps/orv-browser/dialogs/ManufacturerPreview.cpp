@@ -57,7 +57,7 @@ QStringList changesBetween(const Records& before, const Records& after)
 
 } // namespace
 
-/// What the service has, or why that is not known.
+/// The records of the service, or the reason why they could not be read.
 struct ManufacturerPreview::Fetched
 {
     Records records;

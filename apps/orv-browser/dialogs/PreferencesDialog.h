@@ -9,8 +9,8 @@ class QCheckBox;
 class QComboBox;
 class QTabWidget;
 
-/// The preferences: what all programs on the root share (the service, the way to it, how much history is
-/// kept), and what holds for this window alone.
+/// The preferences that all programs on the root share (the service, the way to it, how much history is
+/// kept), and those of this window alone.
 class PreferencesDialog : public QDialog
 {
     Q_OBJECT
@@ -19,9 +19,9 @@ public:
     /// @param shared outlives the dialog
     PreferencesDialog(const OrvHost::Settings& shared, const BrowserSettings& own, QWidget* parent);
 
-    /// What the user changed of the shared ones.
+    /// The user's changes of the shared preferences.
     SharedSettings::Changes changes() const { return mFields.changes(); }
-    /// What the user entered for this window.
+    /// The preferences of this window, as entered.
     BrowserSettings own() const;
 
     /// Does not take a text that cannot be, and says so.

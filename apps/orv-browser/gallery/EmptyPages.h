@@ -4,7 +4,7 @@
 
 class QLabel;
 
-/// What stands in the place of the items where nothing was found: what restricts them, and two ways out.
+/// The page that is shown if no item was found: it names the search and the choices, and offers two ways out.
 class NothingFoundPage : public QWidget
 {
     Q_OBJECT

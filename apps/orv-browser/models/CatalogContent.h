@@ -13,7 +13,7 @@
 
 class CatalogDatabase;
 
-/// What one catalog holds, as far as the window lists and searches it: its folders and items with their
+/// The content of one catalog that the window lists and searches: its folders and items with their
 /// names, but no pictures. It is read once, off the interface thread, and never changes, so that threads
 /// share it.
 class CatalogContent

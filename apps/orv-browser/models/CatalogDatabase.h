@@ -40,7 +40,7 @@ public:
     /// @throws std::runtime_error when the file is missing, locked or no catalog
     explicit CatalogDatabase(const fileString& path);
 
-    /// What the catalog says of itself under a key such as "id" or "version"; empty when it says nothing.
+    /// The catalog's own value for a key such as "id" or "version"; empty if it has none.
     std::string value(const QString& key) const;
     /// All folders, in no order.
     std::vector<Folder> folders() const;

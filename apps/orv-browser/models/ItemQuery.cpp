@@ -23,7 +23,7 @@ struct Word
     std::vector<bool> folders; ///< by position: whether this folder or one above it holds the word
 };
 
-/// What is the same for all items of one catalog.
+/// Everything that is the same for all items of one catalog.
 struct CatalogView
 {
     const CatalogContent* content = nullptr;
@@ -171,7 +171,7 @@ private:
     void count(ItemRef ref, const CatalogContent::Item& item, Marks marks, const ByFacet& passes)
     {
         const auto refusing = std::count(passes.begin(), passes.end(), false);
-        // What one choice would leave is counted as if it alone had not been made.
+        // The numbers beside a choice count the items as if only that choice had not been made.
         const auto isOpen = [&](ItemQuery::Facet facet) {
             return refusing == 0 || (refusing == 1 && !passes[facet]);
         };

@@ -11,8 +11,8 @@
 #include "OrvLibrary/host/fileString.h"
 #include "apps/orv-browser/models/ItemIndex.h"
 
-/// What is installed: the catalogs in the four well-known folders, and the index of their items, which is
-/// read in the background and read again catalog by catalog as files are replaced. Lives on the interface
+/// The installed catalogs in the four well-known folders, and the index of their items. The index is read in
+/// the background, and a catalog whose file is replaced is read again. Lives on the interface
 /// thread.
 class LibraryContent : public QObject
 {

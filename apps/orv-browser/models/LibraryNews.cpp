@@ -13,7 +13,7 @@
 
 using OrvHost::CatalogPlaces::installed;
 
-/// What is noted below the root.
+/// The notes below the root.
 struct LibraryNews::Notes
 {
     NewItems items;

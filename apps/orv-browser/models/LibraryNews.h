@@ -13,9 +13,9 @@
 
 class UserLists;
 
-/// What updates brought since the user last looked, and which catalogs have an update that waits, as the
-/// careful host notes both below the root, whichever program updated or checked. What was installed before
-/// the window first looked is not new. Lives on the interface thread.
+/// The items that updates brought since the user last looked, and the catalogs that have an update available.
+/// The careful host notes both below the root, whichever program updated or checked. Items that were
+/// installed before the window first looked are not new. Lives on the interface thread.
 class LibraryNews : public QObject
 {
     Q_OBJECT

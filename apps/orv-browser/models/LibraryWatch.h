@@ -7,8 +7,8 @@
 
 #include "OrvLibrary/host/fileString.h"
 
-/// Notices what other programs do to the library while the window is open. What this window does itself is
-/// noticed as well. Lives on the interface thread.
+/// Notices changes of the library by other programs while the window is open, and those by the window itself,
+/// too. Lives on the interface thread.
 class LibraryWatch : public QObject
 {
     Q_OBJECT

@@ -6,7 +6,7 @@
 #include <QStringList>
 
 /// Says in the language of the window why something failed: the careful host, the library and the transfer
-/// library give their reasons in English. What it does not know it leaves as it is. May be used on any
+/// library give their reasons in English. A text that it does not know stays as it is. May be used on any
 /// thread.
 class Reasons
 {

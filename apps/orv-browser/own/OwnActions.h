@@ -37,7 +37,7 @@ public:
 
     OwnActions(const Parts& parts, OwnLibraries& libraries);
 
-    /// What is selected, or where the user is, has changed.
+    /// Call it when the selection, or the place where the user is, has changed.
     void update();
     /// Asks for the name of a new library.
     /// @param withItems whether the selected items are copied to it

@@ -9,10 +9,10 @@
 #include "apps/orv-browser/models/ItemDrag.h"
 
 /// Changes of what a library of the user's own holds; docs/formats/catalog-database.md describes the file. A
-/// change is made on a copy, which takes the place of the library by one rename: whoever reads the library
-/// meanwhile, and whoever is killed, sees it as it was or as it becomes. What another program changes
-/// meanwhile is not lost. Functions run for a while, on any thread; the caller holds the lock of the own
-/// libraries. They throw std::runtime_error with a reason for people; nothing has changed then.
+/// change is made on a copy, which takes the place of the library by one rename. So a program that reads
+/// the library meanwhile, or starts after a kill, sees it as it was or as it becomes. Changes that another
+/// program makes meanwhile are not lost. Functions run for a while, on any thread; the caller holds the lock
+/// of the own libraries. They throw std::runtime_error with a reason for people; nothing has changed then.
 namespace OwnCatalog {
 
 enum class Entry

@@ -41,7 +41,7 @@ bool exists(const fileString& path)
     return fs::exists(fs::symlink_status(path.toNativeString(), error));
 }
 
-/// What belongs to a library besides its database, whether it is there or not.
+/// The files of a library besides its database, whether they are there or not.
 std::vector<fileString> companionsOf(const fileString& database)
 {
     return {LibraryImport::getArchivedTexturePath(database, false), database + fileString(".bak")};
@@ -79,7 +79,7 @@ void forgetSearches(const fileString& path)
     FileSearch::get().resetFileSearch(path.parentPathWithSeparator());
 }
 
-/// The bin does not take the rest of a library. What it has taken comes back.
+/// For a library of which the bin takes only a part: brings that part back and fails.
 [[noreturn]] void refuseWithout(const OwnFiles::Binned& files)
 {
     try {

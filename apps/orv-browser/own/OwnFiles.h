@@ -9,10 +9,10 @@
 #include "OrvLibrary/host/fileString.h"
 
 /// The user's own libraries as files: the database, the ".bak" file that an import leaves beside it, and the
-/// archive of its textures, which all carry the library's name. Whoever is killed in the middle leaves the
-/// library whole under one name, at most with a second name for its textures. Functions run for a while, on
-/// any thread; the caller holds the lock. They throw std::runtime_error with a reason for people; nothing has
-/// changed then, unless the reason says so.
+/// archive of its textures, which all carry the library's name. A process that is killed in the middle leaves
+/// the library whole under one name, at most with a second name for its textures. Functions run for a while,
+/// on any thread; the caller holds the lock. They throw std::runtime_error with a reason for people; nothing
+/// has changed then, unless the reason says so.
 namespace OwnFiles {
 
 /// Keeps imports and other windows on the root from changing the own libraries meanwhile. It waits up to a

@@ -16,7 +16,7 @@
 class QUndoStack;
 class UserLists;
 
-/// What the user does with libraries of their own: makes, renames and removes them, and the items in them.
+/// Makes, renames and removes the user's own libraries, and the items in them.
 /// All of it runs in the background, one change after the other, under the lock that imports take; it can be
 /// undone. Lives on the interface thread.
 class OwnLibraries : public QObject

@@ -29,7 +29,7 @@ public:
     /// A `State` as an int.
     static constexpr int kStateRole = Qt::UserRole + 3;
 
-    /// What is to be told of a catalog that can be read.
+    /// The state that the tree shows beside a catalog that can be read.
     enum class State
     {
         None,

@@ -1,4 +1,4 @@
-// What the tree tells of each place: numbers, icons, states.
+// The data of each place in the tree: numbers, icons, states.
 #include "OrvLibrary/UI/TreeData.h"
 #include "apps/orv-browser/models/LibraryNews.h"
 #include "apps/orv-browser/places/MakerLogos.h"

@@ -149,7 +149,7 @@ void PlacesPane::applyFilter()
     const LibraryFilterManager& manager = LibraryFilterManager::getLibraryFilterManager();
     const bool isFiltering = OrvHost::FilterChange::isFiltering(manager);
     mModel->forEachCatalog([&](const QModelIndex& category, const Library::TreeData& catalog) {
-        // What is not read yet, or cannot be read, is in no filter.
+        // A catalog that is not read yet, or cannot be read, is in no filter.
         const auto content = mContent.index()->find(catalog.getDatabasePath());
         const bool isShown = !isFiltering || (content && manager.isFilteredDatabase(content->id()));
         mTree->setRowHidden(catalog.row(), category, !isShown);

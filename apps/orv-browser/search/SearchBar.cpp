@@ -1,7 +1,7 @@
 // How it works: the bar holds what the user typed and chose, and nothing of what is found. `addTo` writes it
 // into a query, in which the words are folded (no case, no accents) and the stored filter becomes a set of
-// catalogs. Whoever asks the query hands the result back to `showNumbers`, which fills the choices with their
-// numbers. While the user types, `changed` waits 30 ms, so that fast typing asks once.
+// catalogs. The owner of the bar asks the query and gives the result to `showNumbers`, which fills the
+// choices with their numbers. While the user types, `changed` waits 30 ms, so that fast typing asks once.
 #include "apps/orv-browser/search/SearchBar.h"
 
 #include <algorithm>

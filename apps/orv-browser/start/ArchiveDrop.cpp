@@ -13,7 +13,7 @@ namespace {
 constexpr int kMargin = 12; // pixels
 constexpr int kRadius = 8;
 constexpr int kPen = 3;
-constexpr int kVeil = 225; // of 255: what lies below is hardly seen
+constexpr int kVeil = 225; // of 255: the window below is hardly visible
 
 QStringList archivesIn(const QMimeData& data)
 {

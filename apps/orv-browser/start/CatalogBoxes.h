@@ -19,7 +19,7 @@ public:
     /// @param title of the kind, for people
     explicit CatalogBoxes(const QString& title, QWidget* parent = nullptr);
 
-    /// Shows these catalogs. What was chosen of them stays chosen.
+    /// Shows these catalogs. Boxes that were ticked stay ticked.
     /// @param chosen names that are chosen to begin with
     void show(const std::vector<ServiceOffer::Catalog>& catalogs, const std::vector<std::string>& chosen);
     /// The names to fetch: those of `before` that have no box, and those whose box is ticked.

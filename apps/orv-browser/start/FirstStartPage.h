@@ -10,9 +10,9 @@ class QLineEdit;
 class QPushButton;
 class QVBoxLayout;
 
-/// What stands in the place of the items while nothing is installed: the address of a service and what it
-/// offers, and the other ways to content. It only shows and says what the user wants. Lives on the interface
-/// thread.
+/// The page that is shown instead of the items while nothing is installed: the address of a service, its
+/// catalogs, and other ways to get content. It only shows, and reports the user's wishes. Lives on the
+/// interface thread.
 class FirstStartPage : public QScrollArea
 {
     Q_OBJECT

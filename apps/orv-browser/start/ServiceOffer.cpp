@@ -104,7 +104,7 @@ private:
         return offer;
     }
 
-    /// A service need not have such a list; what it answers then is no list either.
+    /// The catalogs of a list. Empty if the service has no such list.
     std::vector<ServiceOffer::Catalog> listed(const char* kind)
     {
         std::string list;

@@ -9,7 +9,7 @@
 
 class Curl;
 
-/// What a catalog service has for a library that is empty. A plain value.
+/// The catalogs that a service offers for an empty library. A plain value.
 struct ServiceOffer
 {
     /// A bonus or manufacturer catalog that the service lists.

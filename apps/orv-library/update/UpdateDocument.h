@@ -15,7 +15,7 @@ QJsonObject document(const OrvHost::UpdateOutcome& outcome);
 QJsonArray failures(const OrvHost::UpdateOutcome& outcome);
 /// For people, complete lines.
 std::string text(const OrvHost::UpdateOutcome& outcome);
-/// What went wrong, in one line; empty if nothing did.
+/// The failure in one line; empty after success.
 /// @param url the address that the update used
 std::string complaint(const OrvHost::UpdateOutcome& outcome, const std::string& url);
 

@@ -19,7 +19,7 @@ class AddressMemory
 public:
     explicit AddressMemory(const HttpLimits& limits);
 
-    /// What is known about an address.
+    /// The knowledge about one address.
     struct Known
     {
         /// Whether a request may be sent to it now.

@@ -87,7 +87,7 @@ private:
     bool move();
     void collectResults();
 
-    /// What was agreed with each server, so that a further connection to it needs a shorter TLS handshake.
+    /// The TLS sessions of each server, so that a further connection to it needs a shorter TLS handshake.
     std::unique_ptr<CURLSH, CURLSHcode (*)(CURLSH*)> mSessions{nullptr, &curl_share_cleanup};
     std::unique_ptr<CURLM, CURLMcode (*)(CURLM*)> mMulti{nullptr, &curl_multi_cleanup};
     bool mBusy = false;

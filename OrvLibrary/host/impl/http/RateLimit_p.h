@@ -21,7 +21,7 @@ public:
     /// 0 if there is no limit.
     std::int64_t bytesPerSecond() const { return mBytesPerSecond; }
 
-    /// Counts bytes and waits until their time is over. What is not read meanwhile stays with the system,
+    /// Counts bytes and waits until their time is over. The bytes that arrive meanwhile stay with the system,
     /// which slows the server down. Other transfers of the thread wait, too: there is no time for their bytes
     /// either.
     /// @param now receives the end of the waiting

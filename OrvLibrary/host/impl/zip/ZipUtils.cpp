@@ -34,7 +34,8 @@ OpenMember memberOf(std::shared_ptr<const ZipArchive> archive, const std::string
     return {std::move(archive), entry};
 }
 
-/// Finds a walk of this thread over the archive in `address`. What is read inside a walk thus counts for it.
+/// Finds a walk of this thread over the archive in `address`. So bytes that are read inside a walk count for
+/// it.
 const ArchiveHandle* walkOf(const std::string& address)
 {
     return ArchiveHandle::findActive([&](const ArchiveHandle& walk) {
