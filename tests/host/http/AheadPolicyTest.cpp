@@ -47,6 +47,14 @@ TEST(AheadPolicyTest, widthDependsOnTimeKindAndLimit)
     }
 }
 
+TEST(AheadPolicyTest, addressThatWasGivenUpGetsNothingAhead)
+{
+    AddressMemory::Known known;
+    known.latency = 80ms;
+    known.isOpen = false;
+    EXPECT_EQ(AheadPolicy::width(known, false, 16, false), 0u);
+}
+
 TEST(AheadPolicyTest, bodiesAheadAreBounded)
 {
     EXPECT_TRUE(AheadPolicy::allowsBody({}, 64'000'000));

@@ -183,6 +183,38 @@ TEST_F(CurlPrefetchDownloadsServersTest, downloadThatCanBeContinuedIsAskedForInI
     }));
 }
 
+TEST_F(CurlPrefetchDownloadsServersTest, downloadsFromANearServerHoldThoseFromAFarOneNotUp)
+{
+    Downloads downloads = serve(6);
+    FaultServer near;
+    for (std::size_t i = 0; i < 3; ++i) {
+        downloads[i].url = near.url(nameOf(static_cast<int>(i)));
+        header(near.url("/first"));
+    }
+    announce(downloads);
+    moveOnWhile([&] { return server.requestsFor(nameOf(5)).empty(); });
+    EXPECT_THAT(server.requestsFor(nameOf(5)), SizeIs(1));
+}
+
+TEST_F(CurlPrefetchDownloadsServersTest, addressThatWasGivenUpIsNotAskedAhead)
+{
+    const Downloads downloads = serve(6);
+    learnLatency();
+    server.on("/dead", FaultReply::raw("").close());
+    for (int i = 0; i < 3; ++i)
+        EXPECT_FALSE(header(server.url("/dead")));
+    const std::size_t before = server.requests().size();
+    const int connections = server.connectionCount();
+    curl.prefetchDownloads(downloads);
+    curl.prefetchHeaders({{server.url("/a"), {}}, {server.url("/b"), {}}});
+    FaultServer other;
+    other.on("/a", FaultReply::ok("").pauseAt(0, 50ms));
+    EXPECT_TRUE(header(other.url("/a")));
+    EXPECT_EQ(server.requests().size(), before);
+    EXPECT_EQ(server.connectionCount(), connections);
+    curl.prefetchHeaders({});
+}
+
 TEST_F(CurlPrefetchDownloadsServersTest, deadServerIsGivenUpInTheOrderOfTheCalls)
 {
     const Downloads downloads = serve(100);

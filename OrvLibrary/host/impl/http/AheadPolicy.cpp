@@ -12,7 +12,7 @@ AheadPolicy::Allowance AheadPolicy::allowance(std::size_t connections, const hos
 std::size_t AheadPolicy::width(const AddressMemory::Known& known, bool isDownload,
                                std::size_t connectionLimit, bool isInTurn)
 {
-    if (isNear(known.latency))
+    if (!known.isOpen || isNear(known.latency))
         return 0;
     if (known.isMultiplexing)
         return isDownload ? kStreams : kHeaderStreams;

@@ -11,7 +11,7 @@
 /// in this class knows a server, so a table of cases can test it.
 ///
 /// The rules:
-/// - A service that is near, or of which nothing is known, gets one request at a time.
+/// - A service that is near, that did not answer, or of which nothing is known, gets one request at a time.
 /// - A distant service gets as many requests at once as the host allows connections. While a request is made
 ///   in its turn, one connection is left to it. If the host allows only one, nothing is sent ahead.
 /// - Over HTTP/2 a hundred downloads run at once, on one connection, or 800 header requests, for which the

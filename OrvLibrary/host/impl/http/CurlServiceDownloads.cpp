@@ -145,10 +145,9 @@ void CurlService::prefetchDownloads(const std::vector<DownloadRequest>& requests
 {
     announce(&CurlThread::downloads, [&](std::vector<AheadRequest>& list) {
         for (const DownloadRequest& download : requests) {
-            const std::string address = HttpAddress::hostAndPort(download.url);
-            const AddressMemory::Known known = mMemory->known(address);
-            // Fetching ahead from a near server saves no time.
-            if (requests.size() < AheadPolicy::kFewestBodies || address.empty() || !known.isOpen ||
+            const AddressMemory::Known known = mMemory->known(HttpAddress::hostAndPort(download.url));
+            // Fetching ahead from a near server saves no time. What is no web address counts as near.
+            if (requests.size() < AheadPolicy::kFewestBodies || !known.isOpen ||
                 AheadPolicy::isNear(known.latency))
                 continue;
             list.push_back({request(download.url, download.headerLines), download.target, download.size});
