@@ -155,13 +155,13 @@ TEST_F(CurlDownloadsBoundsTest, twoLargeOnesAreUnderWayAtATimeUntilOneHasArrived
     expectAsked(downloads, first(4));
 }
 
-TEST_F(CurlDownloadsBoundsTest, oneOfEightMegabytesIsNotLargeYetAndJoinsTwoThatAre)
+TEST_F(CurlDownloadsBoundsTest, thoseOfEightMegabytesAreNotLargeYetAndJoinTwoThatAre)
 {
-    const Downloads downloads = serveAs({kLarge + 1, kLarge + 1, kLarge, kLarge});
-    for (int i = 0; i < 4; ++i)
+    const Downloads downloads = serveAs({kLarge, kLarge, kLarge + 1, kLarge + 1, kLarge, kLarge});
+    for (int i = 0; i < 6; ++i)
         holdBack(i);
     announce(downloads);
-    expectAsked(downloads, first(4));
+    expectAsked(downloads, first(6));
 }
 
 TEST_F(CurlDownloadsBoundsTest, abortedLargeOneMakesRoomForTheNextAndSmallOnesWaitBehind)

@@ -104,11 +104,13 @@ TEST_F(CurlFaultTest, lengthsThatDoNotFitFail)
         EXPECT_FALSE(reason.empty());
         EXPECT_THAT(files(), IsEmpty());
     }
-    server.on("/a",
-              FaultReply::raw("HTTP/1.1 200 OK\r\nContent-Length: 9\r\nTransfer-Encoding: chunked\r\n\r\n"
-                              "a\r\n0123456789\r\n0\r\n\r\n"));
-    EXPECT_FALSE(fetch(server.url("/a")));
-    EXPECT_EQ(reason, "length differs from Content-Length");
+    for (const std::string length : {"9", "0"}) {
+        server.on("/a", FaultReply::raw("HTTP/1.1 200 OK\r\nContent-Length: " + length +
+                                        "\r\nTransfer-Encoding: chunked\r\n\r\n"
+                                        "a\r\n0123456789\r\n0\r\n\r\n"));
+        EXPECT_FALSE(fetch(server.url("/a"))) << length;
+        EXPECT_EQ(reason, "length differs from Content-Length");
+    }
 }
 
 TEST_F(CurlFaultTest, resetConnectionFails)
@@ -321,8 +323,10 @@ TEST_F(CurlFaultTest, filesEndAtTheirCap)
     server.on("/fits", FaultReply::ok(std::string(1000, 'x')));
     server.on("/announced", FaultReply::ok(std::string(1001, 'x')));
     server.on("/endless", FaultReply::untilClose(std::string(1001, 'x')));
+    FaultReply late = FaultReply::untilClose(std::string(1001, 'x'));
+    server.on("/late", late.pauseAt(late.headSize() + 1000, 50ms));
     EXPECT_TRUE(service.download_to_location(server.url("/fits"), target(), reason)) << reason;
-    for (const char* path : {"/announced", "/endless"}) {
+    for (const char* path : {"/announced", "/endless", "/late"}) {
         EXPECT_FALSE(service.download_to_location(server.url(path), folder.file("b"), reason));
         EXPECT_EQ(reason, "file too large");
     }

@@ -245,8 +245,10 @@ TEST_F(CurlPrefetchTest, serverThatTakesNoMoreConnectionsIsAskedOnThoseItHas)
 
 TEST_F(CurlPrefetchTest, lateAnswerOnAServedConnectionIsWaitedFor)
 {
-    answerAfter(0ms);
-    server.on("/3", FaultReply::ok("").pauseAt(0, 800ms));
+    answerAfter(15ms);
+    curl.setConnectionLimit(2);
+    // Longer than a connection may be in the server's queue.
+    server.on("/3", FaultReply::ok("").pauseAt(0, 1'300ms));
     const Headers headers = list(10);
     curl.prefetchHeaders(headers);
     for (const auto& request : headers)

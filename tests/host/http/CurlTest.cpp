@@ -99,14 +99,21 @@ TEST_F(CurlTest, noEncodingIsOffered)
     EXPECT_EQ(server.requests().front().header("Accept-Encoding"), "");
 }
 
+TEST_F(CurlTest, requestsNameTheLibrary)
+{
+    EXPECT_TRUE(header(server.url("/a")));
+    EXPECT_EQ(server.requests().front().header("User-Agent"), "libOrvLibrary");
+}
+
 TEST_F(CurlTest, headerLinesAreSentAsGiven)
 {
     server.on("/a", FaultReply::ok(""));
-    EXPECT_TRUE(header(server.url("/a"), {"If-None-Match: \"a b\"", "X-Empty:", "X-Other: 1"}));
+    EXPECT_TRUE(header(server.url("/a"), {"If-None-Match: \"a b\"", "X-Empty:", "X-Other: 1", "X-Short:1"}));
     const FaultRequest request = server.requests().front();
     EXPECT_EQ(request.method, "HEAD");
     EXPECT_EQ(request.header("If-None-Match"), "\"a b\"");
     EXPECT_EQ(request.header("X-Other"), "1");
+    EXPECT_EQ(request.header("X-Short"), "1");
     EXPECT_THAT(request.headerLines, testing::Contains(StartsWith("X-Empty:")));
 }
 
@@ -190,6 +197,9 @@ TEST_F(CurlTest, pageOfAnErrorIsHandedOutWithAFailure)
     EXPECT_FALSE(browse(server.url("/gone")));
     EXPECT_EQ(body, "not published");
     EXPECT_EQ(server.requests().back().method, "GET");
+    server.on("/bad", FaultReply::status(400, "bad request"));
+    EXPECT_FALSE(browse(server.url("/bad")));
+    EXPECT_EQ(body, "bad request");
 }
 
 TEST_F(CurlTest, pageReplacesWhatTheBodyHeld)

@@ -122,7 +122,7 @@ void CurlService::prefetchHeaders(const std::vector<HeaderRequest>& requests)
         for (const HeaderRequest& header : requests) {
             if (!HttpAddress::isWebAddress(header.url))
                 continue;
-            list.push_back({request(header.url, header.headerLines), {}, 0});
+            list.push_back({request(header.url, header.headerLines), {}});
             list.back().request.headerOnly = true;
         }
     });
