@@ -136,6 +136,15 @@ TEST_F(RunJournal, checkIsRecordedWithWhatIsNotKnown)
     EXPECT_TRUE(OrvHost::LastCheck::load(host.root()));
 }
 
+TEST_F(RunJournal, packedCatalogIsRecordedUnderItsInstalledName)
+{
+    service.offer("Garden.orvlibz", "packed");
+    folder.write("root/bonus/Garden.orvlib", "former");
+    const QJsonObject record = run(true);
+    EXPECT_EQ(record["asked"].toInt(), 4);
+    EXPECT_THAT(catalogs(record), testing::Contains("Garden.orvlib new 200 0"));
+}
+
 TEST_F(RunJournal, checkWithoutAnIndexHasFailed)
 {
     service.spoil("Orv_Core_Content_Index.txt", kBusy);

@@ -11,3 +11,12 @@ TEST(Sha1Tag, onlyFortyHexadecimalDigitsAreOne)
     EXPECT_TRUE(OrvHost::Sha1Tag::equal("abC", "ABc"));
     EXPECT_FALSE(OrvHost::Sha1Tag::equal("ab", "abc"));
 }
+
+TEST(Sha1Tag, hexadecimalDigitsEndAtNineAndF)
+{
+    for (const char digit : std::string("09afAF"))
+        EXPECT_TRUE(OrvHost::Sha1Tag::isSha1(std::string(40, digit))) << digit;
+    for (const char other : std::string("/:`g@G"))
+        EXPECT_FALSE(OrvHost::Sha1Tag::isSha1(std::string(40, other))) << other;
+    EXPECT_TRUE(OrvHost::Sha1Tag::equal("0af9", "0AF9"));
+}
