@@ -199,4 +199,5 @@ TEST_F(DoctorTest, lockOfAnUpdateThatDiedIsNoRunningUpdate)
 {
     folder.write("root/temp/update.lock", "");
     EXPECT_EQ(good("locks"), "no update is running");
+    EXPECT_NO_THROW(OrvHost::HostLock::ofUpdate()) << "the doctor keeps no lock";
 }

@@ -2,11 +2,17 @@
 
 #include <cerrno>
 #include <chrono>
+#include <cstddef>
 #include <cstring>
+#include <filesystem>
 #include <optional>
 #include <stdexcept>
 #include <thread>
 #include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include <gmock/gmock.h>
 
@@ -65,6 +71,34 @@ TEST_F(HostLockTest, changeIsTurnedAwayAfterItsPatience)
     const HostLock lock = HostLock::ofChange("filters");
     EXPECT_THAT(refusalOfChange(),
                 testing::HasSubstr("filters.lock: another program is changing the filters"));
+}
+
+TEST_F(HostLockTest, refusalKeepsNoFileOpen)
+{
+    const auto openOnes = [] { return test::listTree("/proc/self/fd").size(); };
+    const HostLock lock = HostLock::ofChange("filters");
+    const std::size_t before = openOnes();
+    EXPECT_NE("", refusalOfChange());
+    EXPECT_EQ(before, openOnes());
+}
+
+// The former owner removes the file, and a third program may make it again before the second one has it.
+TEST_F(HostLockTest, lockOfAFileThatIsGoneDoesNotCount)
+{
+    const std::string path = folder.path() + "/root/imports.lock";
+    for (const bool isMadeAgain : {false, true}) {
+        const int former = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
+        ASSERT_EQ(0, flock(former, LOCK_EX));
+        const HostLock second = HostLock::ofImport(folder.file("root"), [&] {
+            std::filesystem::remove(path);
+            if (isMadeAgain)
+                test::writeFile(path, "");
+            close(former);
+            return false;
+        });
+        EXPECT_THROW(HostLock::ofImport(folder.file("root"), [] { return true; }), std::runtime_error)
+            << isMadeAgain;
+    }
 }
 
 TEST_F(HostLockTest, aCancelEndsTheWaitForAnotherImport)
