@@ -4,6 +4,7 @@
 
 #include <QDBusConnection>
 #include <QDBusMessage>
+#include <QDBusReply>
 #include <QDBusVariant>
 
 namespace OrvHost {
@@ -70,10 +71,10 @@ bool MeteredConnection::isMetered(std::chrono::milliseconds patience)
         QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
     question.setArguments({manager, QStringLiteral("Metered")});
     question.setAutoStartService(false); // one that does not run does not manage the network
-    const QDBusMessage answer = bus.call(question);
-    if (answer.type() != QDBusMessage::ReplyMessage || answer.arguments().isEmpty())
+    const QDBusReply<QDBusVariant> answer = bus.call(question);
+    if (!answer.isValid())
         return false;
-    const uint metered = answer.arguments().first().value<QDBusVariant>().variant().toUInt();
+    const uint metered = answer.value().variant().toUInt();
     return metered == kYes || metered == kGuessYes;
 }
 
