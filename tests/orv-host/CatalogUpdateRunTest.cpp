@@ -236,3 +236,21 @@ TEST_F(CatalogUpdateRunTest, cancelIsHeardThatComesWhileLeftCatalogsAreLookedAt)
     EXPECT_EQ(OrvHost::UpdateOutcome::Kind::Cancelled, run.finish(std::nullopt, host.root()).kind);
     EXPECT_EQ(test::slowDatabase(), test::readFile(folder.file("root/core/Roofs.orvlib")));
 }
+
+TEST_F(CatalogUpdateRunTest, runThatIsOverDoesNotWatchItsHostObject)
+{
+    class Host : public QObject
+    {
+    public:
+        int watchers() const { return receivers(SIGNAL(destroyed(QObject*))); }
+    };
+    Host watched;
+    {
+        OrvHost::CatalogUpdateRun run(request());
+        QSignalSpy finished(&run, &OrvHost::CatalogUpdateRun::finished);
+        run.start(watched);
+        EXPECT_GT(watched.watchers(), 0);
+        EXPECT_TRUE(finished.wait(kTimeoutMilliseconds));
+    }
+    EXPECT_EQ(0, watched.watchers());
+}
