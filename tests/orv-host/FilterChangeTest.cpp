@@ -96,6 +96,20 @@ TEST_F(FilterChangeTest, doesNotSayThatNothingIsDroppedFromAFileThatItCannotRead
     EXPECT_THROW(change.dropDatabase("a"), std::runtime_error);
 }
 
+TEST_F(FilterChangeTest, dropsNothingWhereNothingIs)
+{
+    EXPECT_EQ(FilterChange().dropDatabase("a"), 0u) << "there is no file";
+    writeElsewhere(R"({"Filter": {"Filter_Name": "Empty", "Filter_Id": 0, "Database_Ids": []}})");
+    EXPECT_EQ(FilterChange().dropDatabase("a"), 0u);
+}
+
+TEST_F(FilterChangeTest, dropsWhatItCanRead)
+{
+    writeElsewhere(R"({"Filter": {"Filter_Name": "First", "Filter_Id": 0},
+        "Filter": {"Filter_Name": "B", "Filter_Id": 1, "Database_Ids": ["a"]}})");
+    EXPECT_EQ(FilterChange().dropDatabase("a"), 1u);
+}
+
 TEST_F(FilterChangeTest, refusesIdsThatAreUnknownAndIdsAndNamesThatAreTaken)
 {
     writeElsewhere(kTwo);
@@ -197,6 +211,19 @@ TEST_F(FilterChangeTest, keepsInMemoryWhatItWroteIfTheFileCannotBeReadThen)
     EXPECT_EQ(mManager.getCurrentFilterId(), 1);
     mManager.loadFilters();
     EXPECT_THAT(names(), ElementsAre("Hall", "Bath", "Kitchen"));
+}
+
+TEST_F(FilterChangeTest, refusesToBeginIfTheFileCannotBeReadAtFirst)
+{
+    writeElsewhere(kTwo);
+    test::ServiceCalls calls;
+    test::ForwardingPathUtils paths(PathUtils::getObject(), calls);
+    PathUtils* const former = PathUtils::install(&paths);
+    calls.planFault(2, test::Fault::Throw); // the first call is that of the lock
+    EXPECT_THAT([] { FilterChange change; },
+                testing::ThrowsMessage<std::runtime_error>("cannot read " + mFile.toNativeString()));
+    PathUtils::install(former);
+    EXPECT_EQ(test::readFile(mFile), kTwo);
 }
 
 TEST_F(FilterChangeTest, anIdThatNoFilterHasIsNoFilterInForce)

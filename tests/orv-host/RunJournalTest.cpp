@@ -163,6 +163,8 @@ TEST_F(RunJournal, serviceThatIsNotThereIsTheOnlyFailure)
     EXPECT_THAT(failures(run(false)), ElementsAre(testing::StartsWith("index -1 ")));
     const QJsonObject record = run(true);
     EXPECT_THAT(failures(record), ElementsAre(testing::StartsWith("index -1 ")));
+    for (const char* member : {"asked", "fetched", "bytes"})
+        EXPECT_EQ(record[member].toInt(-1), 0) << member;
     EXPECT_THAT(catalogs(record), ElementsAre("Doors.orvlib unknown -1 0", "Roofs.orvlib unknown -1 0",
                                               "Walls.orvlib unknown -1 0"));
 }
