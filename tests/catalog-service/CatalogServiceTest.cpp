@@ -303,7 +303,7 @@ TEST_F(CatalogServiceTest, stoppingDoesNotWaitForIdleConnections)
     EXPECT_FALSE(Curl::get().getURLHeader(contentUrl("a"), {}, header, status));
 }
 
-TEST_F(CatalogServiceTest, whatCannotBeServedHasAReason)
+TEST_F(CatalogServiceTest, fileThatCannotBeServedHasAReason)
 {
     std::string reason;
     CatalogService missing(folder.path() + "/missing");

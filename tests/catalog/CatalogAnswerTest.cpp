@@ -26,7 +26,7 @@ TEST(CatalogAnswer, takesStatusTagAndLength)
     EXPECT_EQ(record.contentLength, 123U);
 }
 
-TEST(CatalogAnswer, whatTheAnswerLacksStaysAsItIs)
+TEST(CatalogAnswer, valuesThatTheAnswerLacksStay)
 {
     const CatalogUpdateData record = answered("HTTP/1.1 304 Not Modified\r\n\r\n", 304);
     EXPECT_EQ(record.responseStatus, 304);

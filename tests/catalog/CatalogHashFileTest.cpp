@@ -214,7 +214,7 @@ TEST_F(CatalogHashFile, aMissingFolderIsPassedOverInSilence)
     EXPECT_EQ(logText(), "");
 }
 
-TEST_F(CatalogHashFile, oneThatCannotBeWrittenKeepsItsLines)
+TEST_F(CatalogHashFile, fileThatCannotBeWrittenKeepsItsLines)
 {
     installed("core/catalog_hash.txt", "a.orvlib:old\n");
     ASSERT_EQ(chmod(path("core/catalog_hash.txt").toNativeString().c_str(), 0444), 0);

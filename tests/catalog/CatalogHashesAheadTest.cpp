@@ -53,7 +53,7 @@ TEST_F(CatalogHashesAheadTest, theOrderAndNumberOfQuestionsIsFree)
     }
 }
 
-TEST_F(CatalogHashesAheadTest, whatIsNotInTheListIsHashedToo)
+TEST_F(CatalogHashesAheadTest, fileBesideTheListIsHashedToo)
 {
     const fileString other = folder.write("other", "x");
     for (const int count : {0, 1, 5}) {
@@ -64,7 +64,7 @@ TEST_F(CatalogHashesAheadTest, whatIsNotInTheListIsHashedToo)
     }
 }
 
-TEST_F(CatalogHashesAheadTest, whatCannotBeReadHasAnEmptyHash)
+TEST_F(CatalogHashesAheadTest, unreadableFileHasAnEmptyHash)
 {
     std::vector<fileString> files = writeFiles(4);
     files.insert(files.begin() + 1, folder.file("1000-missing"));

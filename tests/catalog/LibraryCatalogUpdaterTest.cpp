@@ -82,7 +82,7 @@ TEST_F(LibraryCatalogUpdaterRun, theReferencedFilesFolderIsCreated)
     EXPECT_TRUE(exists("referenced"));
 }
 
-TEST_F(LibraryCatalogUpdaterRun, whatAnEarlierRunLeftIsDiscarded)
+TEST_F(LibraryCatalogUpdaterRun, leftoversOfAnEarlierRunAreDiscarded)
 {
     for (const char* kind : {"core", "bonus", "manufacturer"})
         test::writeFile(download(kind, "left/over.download").toNativeString(), "x");

@@ -252,7 +252,7 @@ TEST_F(LibraryFilterManagerFile, cutAnywhereTheFileHoldsNoFilters)
     EXPECT_EQ(load(whole.substr(0, whole.size() - 1)), 0) << "only the final line break is lost";
 }
 
-TEST_F(LibraryFilterManagerFile, whatIsNoFileHoldsNoFilters)
+TEST_F(LibraryFilterManagerFile, pathsThatAreNoFilesHoldNoFilters)
 {
     const std::string paths[] = {"/nonexistent/f.json", mHost.folder().path(), "/dev/null", "",
                                  std::string("/tmp/a\0b", 8)};

@@ -153,7 +153,7 @@ TEST_F(ForwardingServicesTest, countsFromManyThreads)
     EXPECT_EQ(calls().total(), 400u);
 }
 
-TEST(ForwardingServices, whatWasInstalledIsInstalledAgain)
+TEST(ForwardingServices, formerServicesAreInstalledAgain)
 {
     const test::ScopedHost host;
     PathUtils* const paths = &PathUtils::getObject();

@@ -37,7 +37,7 @@ extern "C" Q_DECL_EXPORT ssize_t read(int file, void* buffer, size_t size)
     return -1;
 }
 
-TEST(JsonFile, whatIsNoRegularFileThrows)
+TEST(JsonFile, foldersAndDevicesThrow)
 {
     const test::TempFolder folder;
     for (const std::string& name : {folder.path(), folder.path() + "/missing", std::string("/dev/zero"),
@@ -45,7 +45,7 @@ TEST(JsonFile, whatIsNoRegularFileThrows)
         EXPECT_THROW(json::readFile(fileString(name)), std::runtime_error) << name;
 }
 
-TEST(JsonFile, whatMayNotBeReadThrows)
+TEST(JsonFile, unreadableFileThrows)
 {
     const test::TempFolder folder;
     const fileString path = folder.write("a.json", "{}");

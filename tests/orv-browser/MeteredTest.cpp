@@ -53,7 +53,7 @@ protected:
 
 } // namespace
 
-TEST_F(BrowserMeteredTest, whatWaitsIsToldAndMarkedAndFetchedWhenTheUserWantsIt)
+TEST_F(BrowserMeteredTest, waitingCatalogsAreMarkedAndFetchedOnRequest)
 {
     service.takeFetched();
     update();

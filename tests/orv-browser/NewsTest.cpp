@@ -84,7 +84,7 @@ protected:
 
 } // namespace
 
-TEST_F(BrowserNewsTest, whatTheFirstFetchBroughtIsNotNew)
+TEST_F(BrowserNewsTest, itemsOfTheFirstFetchAreNotNew)
 {
     open(service.redirect());
     EXPECT_EQ(newsCount(), 0);
@@ -153,7 +153,7 @@ TEST_F(BrowserNewsTest, newItemsLookNew)
     EXPECT_EQ(greenPixels(1), 0);
 }
 
-TEST_F(BrowserNewsTest, whatWasSeenIsNewNoMoreUntilUndo)
+TEST_F(BrowserNewsTest, seenItemsAreNotNewUntilUndo)
 {
     openWithNews();
     ASSERT_TRUE(goTo({"What's new"}));

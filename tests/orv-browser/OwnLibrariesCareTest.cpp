@@ -99,7 +99,7 @@ TEST_F(BrowserOwnLibrariesCareTest, libraryThatAnotherProgramWritesIsLeftAlone)
     EXPECT_THAT(namesIn(mine()), ElementsAre("Bench", "Stool", "Table"));
 }
 
-TEST_F(BrowserOwnLibrariesCareTest, whatAnotherProgramWritesMeanwhileStays)
+TEST_F(BrowserOwnLibrariesCareTest, changesOfAnotherProgramStay)
 {
     int calls = 0;
     LibraryCopy::change(mine(), [&](const SqliteConnection& copy) {
@@ -114,7 +114,7 @@ TEST_F(BrowserOwnLibrariesCareTest, whatAnotherProgramWritesMeanwhileStays)
     EXPECT_THAT(test::listTree(inRoot("temp")), IsEmpty());
 }
 
-TEST_F(BrowserOwnLibrariesCareTest, whoeverReadsKeepsTheLibraryAsItWas)
+TEST_F(BrowserOwnLibrariesCareTest, readersKeepTheLibraryAsItWas)
 {
     const SqliteConnection reader(mine(), SqliteConnection::Access::Read, 0);
     QSqlQuery query = reader.run("SELECT name FROM item ORDER BY name");

@@ -206,7 +206,7 @@ TEST_F(BrowserPicturesTest, windowLooksAsKeptFromRightToLeft)
 }
 
 // Each of these faults exceeds the stated difference at every size.
-TEST_F(BrowserPicturesTest, whatIsMissingOrWrongIsNoticedAtEverySize)
+TEST_F(BrowserPicturesTest, missingAndWrongElementsAreNoticedAtEverySize)
 {
     open();
     ASSERT_TRUE(goTo({"Manufacturers", "Oakline"}));

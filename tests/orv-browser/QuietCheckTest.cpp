@@ -64,7 +64,7 @@ protected:
 
 } // namespace
 
-TEST_F(BrowserQuietCheckTest, whatIsNewIsMarkedAndNothingFetched)
+TEST_F(BrowserQuietCheckTest, newVersionsAreMarkedAndNothingIsFetched)
 {
     open();
     EXPECT_TRUE(isMarked());
@@ -102,7 +102,7 @@ TEST_F(BrowserQuietCheckTest, serviceThatIsDownIsNotTold)
     EXPECT_EQ(summary(), "");
 }
 
-TEST_F(BrowserQuietCheckTest, whatAnotherProgramFindsWhileTheWindowIsOpenIsMarked)
+TEST_F(BrowserQuietCheckTest, updatesThatAnotherProgramFindsAreMarked)
 {
     test::writeFile(inRoot("browser.json"), "{}");
     open();

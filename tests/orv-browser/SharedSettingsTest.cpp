@@ -196,7 +196,7 @@ TEST_F(BrowserSharedSettingsTest, emptiedFieldGoesBackToTheDefault)
     EXPECT_EQ(stored["retries"], 7);
 }
 
-TEST_F(BrowserSharedSettingsTest, whatAnotherProgramSetsMeanwhileStays)
+TEST_F(BrowserSharedSettingsTest, settingsOfAnotherProgramStay)
 {
     open();
     change([this](QDialog& dialog) {

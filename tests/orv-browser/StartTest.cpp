@@ -267,7 +267,7 @@ TEST_F(BrowserStartTest, settingsFillThePageAndWhatTheyNameIsTicked)
     EXPECT_THAT(stored().bonus, ElementsAre("Other.orvlib")); // the service does not list it
 }
 
-TEST_F(BrowserStartTest, whatTheUserTypesGoesBeforeTheCommandLine)
+TEST_F(BrowserStartTest, typedAddressGoesBeforeTheCommandLine)
 {
     ListedService service;
     open("http://127.0.0.1:9/old");

@@ -304,7 +304,7 @@ TEST_F(CarefulCurlDownload, bytesOfThePartialFileNeedNoRoom)
     EXPECT_THAT(refusal("Content-Length: 4\r\n"), HasSubstr(" 1 bytes needed"));
 }
 
-TEST_F(CarefulCurlDownload, whatIsFetchedAheadHasItsRoom)
+TEST_F(CarefulCurlDownload, announcedDownloadsAreNotCheckedForRoomAgain)
 {
     service.lines = kTag + "Content-Length: " + std::to_string(kMoreThanAnyDisk) + "\r\n";
     CarefulCurl curl = careful(1);

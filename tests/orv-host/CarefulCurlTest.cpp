@@ -162,7 +162,7 @@ TEST_F(CarefulCurlTest, busyAndBrokenHeaderRequestsAreMadeAgain)
     EXPECT_TRUE(report.catalogs[0].isNew());
 }
 
-TEST_F(CarefulCurlTest, whatDoesNotPassIsAskedOnce)
+TEST_F(CarefulCurlTest, permanentFailureIsAskedOnce)
 {
     for (const char* const text : {"Could not resolve host: service.example",
                                    "SSL certificate problem: unable to get local issuer certificate",

@@ -90,7 +90,7 @@ TEST_F(CatalogHistoryTest, tagsOfAnyBytesComeBack)
     EXPECT_THAT(versions(kDoors), ElementsAre(tag));
 }
 
-TEST_F(CatalogHistoryTest, whatIsStillInItsPlaceIsNoFormerVersion)
+TEST_F(CatalogHistoryTest, installedVersionIsNoFormerVersion)
 {
     folder.write("root/core/Doors.orvlib", "one");
     std::string reason;
@@ -163,7 +163,7 @@ TEST_F(CatalogHistoryTest, theOldestGoFirstWhenThereIsTooMuchInAll)
     EXPECT_THAT(versions(kGarden), ElementsAre("g2"));
 }
 
-TEST_F(CatalogHistoryTest, whatComesBackIntoItsPlaceIsNoFormerVersion)
+TEST_F(CatalogHistoryTest, versionThatComesBackIsNoFormerVersion)
 {
     replace(kDoors, "", "first");
     replace(kDoors, "1", "other");

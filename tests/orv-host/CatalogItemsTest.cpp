@@ -62,7 +62,7 @@ TEST_F(CatalogItemsTest, itemsAreCounted)
     EXPECT_EQ(CatalogItems::count(write("empty.orvlib", {"CREATE TABLE item (id INTEGER)"})), 0);
 }
 
-TEST_F(CatalogItemsTest, whatIsNoCatalogHasNoCount)
+TEST_F(CatalogItemsTest, otherFilesHaveNoCount)
 {
     EXPECT_FALSE(CatalogItems::count(folder.file("missing.orvlib")));
     EXPECT_FALSE(CatalogItems::count(folder.write("page.orvlib", "a web page")));

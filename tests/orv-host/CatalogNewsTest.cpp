@@ -67,7 +67,7 @@ TEST_F(CatalogNewsTest, severalChangesOfAnItemAreJoined)
     EXPECT_EQ(kDoors, last[0].place) << "a name of any bytes";
 }
 
-TEST_F(CatalogNewsTest, whatWentAndCameBackHasChanged)
+TEST_F(CatalogNewsTest, itemThatWentAndCameBackHasChanged)
 {
     CatalogItems::Changes gone;
     gone.gone = {{1, "Oak"}};

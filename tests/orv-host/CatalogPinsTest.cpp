@@ -54,7 +54,7 @@ TEST_F(CatalogPinsTest, namesAndVersionsOfAnyBytesComeBack)
     EXPECT_EQ((std::set<std::string>{"v2", "\xFD"}), read.restored().at(restored).leaves);
 }
 
-TEST_F(CatalogPinsTest, whatIsNotInItsPlaceAnyMoreIsForgotten)
+TEST_F(CatalogPinsTest, missingVersionIsForgotten)
 {
     CatalogPins pins(host.root());
     for (const char* name : {"a.orvlib", "b.orvlib", "c.orvlib", "d.orvlib"})

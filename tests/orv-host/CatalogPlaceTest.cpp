@@ -88,7 +88,7 @@ TEST_F(CatalogPlaceTest, tagComesFromTheHashFile)
     EXPECT_THROW(kGarden.tagOrThrow(), std::runtime_error);
 }
 
-TEST_F(CatalogPlaceTest, whatIsInstalledIsListedByCategoryAndName)
+TEST_F(CatalogPlaceTest, installedCatalogsAreListedByCategoryAndName)
 {
     for (const char* name : {"core/b.orvlib", "core/a.orvlib", "core/c.zip", "bonus/d.orvlib",
                              "manufacturer/e.orvlib", "referenced/f.zip", "referenced/g.orvlib"})

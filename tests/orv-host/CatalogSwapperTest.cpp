@@ -78,7 +78,7 @@ TEST_F(CatalogSwapperTest, recoveryLeavesOnlyEmptyFiles)
     EXPECT_EQ("r", test::readFile(folder.file("root/core/Roofs.orvlib")));
 }
 
-TEST_F(CatalogSwapperTest, whatIsNoDatabaseIsRefusedAndRemoved)
+TEST_F(CatalogSwapperTest, otherFilesThanDatabasesAreRefusedAndRemoved)
 {
     folder.write("root/core/Doors.orvlib", "former");
     folder.write("root/core/catalog_hash.txt", "Doors.orvlib:new\n");

@@ -137,7 +137,7 @@ TEST_F(CatalogUpdateRunTest, destroyedWhileItRunsItCancelsAndGivesTheLockBack)
     EXPECT_NO_THROW(OrvHost::CatalogUpdateRun third(request()));
 }
 
-TEST_F(CatalogUpdateRunTest, whatLeavesTheUpdaterReachesTheCaller)
+TEST_F(CatalogUpdateRunTest, exceptionOfTheUpdaterReachesTheCaller)
 {
     Application* const former = Application::install(nullptr);
     OrvHost::CatalogUpdateRun run(request());

@@ -59,7 +59,7 @@ constexpr auto kFailed = CheckOutcome::Kind::Failed;
 
 } // namespace
 
-TEST_F(CheckOutcomeTest, whatTheServiceDidNotTellIsUnknownWithItsReason)
+TEST_F(CheckOutcomeTest, unansweredCatalogsAreUnknownWithTheirReason)
 {
     expect(outcome(true, {}), State::Unknown, "it was not asked for", kFailed);
     expect(outcome(true, report(500)), State::Unknown, "HTTP 500", kFailed);
@@ -72,7 +72,7 @@ TEST_F(CheckOutcomeTest, whatTheServiceDidNotTellIsUnknownWithItsReason)
     EXPECT_TRUE(outcome(true, report(500)).isServiceReached);
 }
 
-TEST_F(CheckOutcomeTest, whatIsNotThereAndNotChangedOrGone)
+TEST_F(CheckOutcomeTest, missingCatalogsAreNewUnchangedOrGone)
 {
     expect(outcome(false, report(304)), State::Unknown, "HTTP 304", kFailed);
     for (const int status : {404, 410})
@@ -82,7 +82,7 @@ TEST_F(CheckOutcomeTest, whatIsNotThereAndNotChangedOrGone)
            "it is not installed; the service has new", kWaiting);
 }
 
-TEST_F(CheckOutcomeTest, whatIsThereIsCurrentOrAnotherVersionWaits)
+TEST_F(CheckOutcomeTest, installedCatalogsAreCurrentOrHaveAnotherVersion)
 {
     expect(outcome(true, report(304)), State::Current, "the service says that it has not changed", kCurrent);
     expect(outcome(true, report(200, "old", 5000)), State::Current, "same tag as installed: old", kCurrent);
@@ -96,7 +96,7 @@ TEST_F(CheckOutcomeTest, whatIsThereIsCurrentOrAnotherVersionWaits)
            "tag differs: had old, service has 0123456789ab", kWaiting);
 }
 
-TEST_F(CheckOutcomeTest, whatAnUpdateWouldLeaveSaysWhy)
+TEST_F(CheckOutcomeTest, catalogsThatAnUpdateWouldLeaveHaveAReason)
 {
     const std::string why = "tag differs: had old, service has new";
     expect(outcome(true, report(200, "new")), State::New,

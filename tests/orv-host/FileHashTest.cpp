@@ -67,7 +67,7 @@ TEST_F(FileHash, readingIsToldPieceByPiece)
     EXPECT_THAT(stopped->bytes(), ElementsAre(kPiece, kPiece));
 }
 
-TEST_F(FileHash, whatIsNoReadableFileMatchesNoTag)
+TEST_F(FileHash, unreadableFileMatchesNoTag)
 {
     const std::string ofNothing = "da39a3ee5e6b4b0d3255bfef95601890afd80709";
     const std::string file = host.root().toNativeString() + "core/Doors.orvlib";

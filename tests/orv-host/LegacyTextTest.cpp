@@ -25,7 +25,7 @@ TEST(LegacyText, firstAndLastCharacterOfEachLengthStay)
     EXPECT_EQ(zeros, toUtf8(zeros));
 }
 
-TEST(LegacyText, whatIsAlmostACharacterIsConvertedByteByByte)
+TEST(LegacyText, almostACharacterIsConvertedByteByByte)
 {
     const std::pair<const char*, const char*> table[] = {
         {"\xC1\xBF", "Á¿"},

@@ -156,7 +156,7 @@ TEST_F(LibraryHealthFiles, archiveComesBackWithItsLineOrItsCatalog)
     EXPECT_EQ(read("manufacturer/catalog_hash.txt"), "");
 }
 
-TEST_F(LibraryHealthFiles, whatIsListedAndNotThereIsMissing)
+TEST_F(LibraryHealthFiles, listedFileThatIsNotThereIsMissing)
 {
     write("core/catalog_hash.txt", "A.orvlib:1\nB.orvlib:2\nC.zip:3\nD.zip:4\n");
     write("core/A.orvlib", "");

@@ -145,7 +145,7 @@ TEST_F(MeteredUpdateTest, isNotAskedForWhereItDoesNotMatter)
     EXPECT_EQ(0, manager.asked());
 }
 
-TEST_F(MeteredUpdateTest, whatCouldNotBeCheckedIsAFailureAllTheSame)
+TEST_F(MeteredUpdateTest, uncheckedCatalogIsAFailureOnAMeteredConnection)
 {
     service.offer("Orv_Core_Content_Index.txt", "Doors.orvlib\nRoofs.orvlib\n");
     service.offer("Roofs.orvlib", std::string(2000, 'r'));

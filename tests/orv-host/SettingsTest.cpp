@@ -99,7 +99,7 @@ TEST_F(SettingsTest, eachKeyHasItsPlaceInTheValues)
     EXPECT_EQ(values.historyBytes, 10000000000);
 }
 
-TEST_F(SettingsTest, whatIsNotSetHasItsDefault)
+TEST_F(SettingsTest, unsetValueHasItsDefault)
 {
     EXPECT_EQ(load().stored(), QJsonObject());
     const Settings::Values values = load().values();
@@ -111,7 +111,7 @@ TEST_F(SettingsTest, whatIsNotSetHasItsDefault)
     EXPECT_THAT(test::listTree(folder.path()), IsEmpty());
 }
 
-TEST_F(SettingsTest, whatIsUnsetIsGone)
+TEST_F(SettingsTest, removedValueIsGone)
 {
     Settings settings;
     settings.set("retries", {"7"});

@@ -342,7 +342,7 @@ TEST_F(CancelledTruth, nothingMoreIsAskedInTurn)
     }
 }
 
-TEST_F(CancelledTruth, whatWasAskedAheadEndsWithTheRun)
+TEST_F(CancelledTruth, requestsAheadEndWithTheRun)
 {
     for (const std::string kind : {"redirect", "index", "header", "body"}) {
         SCOPED_TRACE(kind);

@@ -316,7 +316,7 @@ TEST_F(UpdateOutcomeTest, messageOfTheLibraryIsKeptIfItHasOne)
     EXPECT_EQ(UpdateOutcome::of(service, swapper, closing).service.verdict, "kept");
 }
 
-TEST_F(UpdateOutcomeTest, whatWaitsOnAMeteredConnectionIsListed)
+TEST_F(UpdateOutcomeTest, waitingCatalogsOfAMeteredConnectionAreListed)
 {
     CheckOutcome check;
     EXPECT_EQ(UpdateOutcome::ofPostponed(service, swapper, check).kind, Kind::Current);
@@ -339,7 +339,7 @@ TEST_F(UpdateOutcomeTest, whatWaitsOnAMeteredConnectionIsListed)
     EXPECT_THAT(waiting.service.catalogs, testing::SizeIs(1));
 }
 
-TEST_F(UpdateOutcomeTest, whatCouldNotBeCheckedOnAMeteredConnectionFailsOnce)
+TEST_F(UpdateOutcomeTest, uncheckedCatalogOnAMeteredConnectionFailsOnce)
 {
     CheckOutcome check;
     check.catalogs = {found(kDoors, CheckOutcome::State::Unknown),

@@ -156,7 +156,7 @@ TEST_F(VersionKeeperTest, onlyAnswersWithAVersionAreChanged)
     EXPECT_EQ(ask(keeper, kDoors), "none");
 }
 
-TEST_F(VersionKeeperTest, whatIsNotInstalledIsNotHeld)
+TEST_F(VersionKeeperTest, catalogThatIsNotInstalledIsNotHeld)
 {
     pins.hold({CatalogCategory::Core, ""}, {"old", ""});
     pins.hold({CatalogCategory::Core, "Roofs.orvlib"}, {"old", ""});

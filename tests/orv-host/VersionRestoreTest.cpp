@@ -111,7 +111,7 @@ TEST_F(VersionRestoreTest, versionsThatTheUserLeftAddUp)
     EXPECT_THAT(recorded(kDoors).leaves, ElementsAre("1", "2"));
 }
 
-TEST_F(VersionRestoreTest, whatIsNotThereIsRefused)
+TEST_F(VersionRestoreTest, missingVersionIsRefused)
 {
     update(kDoors, "1");
     EXPECT_EQ(problemOf("Doors"), "Doors.orvlib has no former versions");

@@ -145,7 +145,7 @@ TEST_F(Check, lessThanAKilobyteInAllIsNewWithTheReason)
     EXPECT_THAT(doors["why"].toString().toStdString(), HasSubstr("an update does not fetch it"));
 }
 
-TEST_F(Check, whatCouldNotBeToldIsNamed)
+TEST_F(Check, uncheckedCatalogsAreNamed)
 {
     ASSERT_EQ(0, update().status);
     answer("Roofs.orvlib", test::FaultReply::status(500, "sorry"));

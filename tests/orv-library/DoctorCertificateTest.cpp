@@ -109,7 +109,7 @@ private:
 
 } // namespace
 
-TEST_F(DoctorCertificate, thatOfAnotherServerIsAMatterOfTheAddress)
+TEST_F(DoctorCertificate, certificateOfAnotherServerIsAMatterOfTheAddress)
 {
     serve({"DNS:other.example"});
     const Finding finding = examine(true);
@@ -120,7 +120,7 @@ TEST_F(DoctorCertificate, thatOfAnotherServerIsAMatterOfTheAddress)
     EXPECT_THAT(finding.advice, Not(HasSubstr("--cacert")));
 }
 
-TEST_F(DoctorCertificate, expiredOneIsAMatterOfTheClockOrThePublisher)
+TEST_F(DoctorCertificate, expiredCertificateIsAMatterOfTheClockOrThePublisher)
 {
     serve({"IP:127.0.0.1", -10, -5});
     const Finding finding = examine(true);
@@ -129,7 +129,7 @@ TEST_F(DoctorCertificate, expiredOneIsAMatterOfTheClockOrThePublisher)
     EXPECT_THAT(finding.advice, Not(HasSubstr("--cacert")));
 }
 
-TEST_F(DoctorCertificate, oneOfTheFutureIsAMatterOfTheClock)
+TEST_F(DoctorCertificate, futureCertificateIsAMatterOfTheClock)
 {
     serve({"IP:127.0.0.1", 5, 10});
     const Finding finding = examine(true);
@@ -137,7 +137,7 @@ TEST_F(DoctorCertificate, oneOfTheFutureIsAMatterOfTheClock)
     EXPECT_THAT(finding.advice, HasSubstr("clock: it may be slow"));
 }
 
-TEST_F(DoctorCertificate, oneThatNobodyVouchesForIsAMatterOfTheAuthorities)
+TEST_F(DoctorCertificate, unknownAuthorityIsAMatterOfTheAuthorities)
 {
     serve({});
     const Finding finding = examine(false);

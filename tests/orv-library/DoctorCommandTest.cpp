@@ -86,7 +86,7 @@ TEST_F(Doctor, rootThatIsNotThereFailsTheFoldersAndIsNotMade)
     EXPECT_FALSE(fs::exists(program.root()));
 }
 
-TEST_F(Doctor, whatCannotBeTriedAfterAFailureIsNull)
+TEST_F(Doctor, stepsAfterAFailureAreNull)
 {
     program.createRoot();
     const std::string none = "proxy? name? connection? certificate? redirect? index? header? body?";

@@ -88,7 +88,7 @@ TEST_F(Hold, aReleasedCatalogIsUpdated)
     EXPECT_THAT(versions("Doors"), ElementsAre(tagOf('a')));
 }
 
-TEST_F(Hold, whatWaitsCanBeRestoredAndStaysHeld)
+TEST_F(Hold, waitingVersionCanBeRestoredAndStaysHeld)
 {
     updateTo('a');
     held({"hold", "Doors"});
@@ -132,7 +132,7 @@ TEST_F(Hold, heldArchivesAndBonusCatalogsStayToo)
     EXPECT_NE(files, content("referenced/Garden.zip"));
 }
 
-TEST_F(Hold, whatIsNoDatabaseDoesNotWaitAndNothingOfItIsLeft)
+TEST_F(Hold, downloadThatIsNoDatabaseDoesNotWaitAndIsRemoved)
 {
     service.offer("Garden.orvlibz", test::packed(std::string(3000, '1'), "x"));
     updateTo('a');

@@ -78,7 +78,7 @@ TEST_F(ImportCommand, proprietaryLibraryGoesToTheManufacturersFolders)
     EXPECT_TRUE(fs::exists(rootPath("referenced/Kitchen.zip")));
 }
 
-TEST_F(ImportCommand, whatTheArchiveLacksIsNull)
+TEST_F(ImportCommand, valuesThatTheArchiveLacksAreNull)
 {
     test::ArchiveBuilder database;
     database.add("a.orvlib", mDatabase);

@@ -109,7 +109,7 @@ TEST_F(Restore, anyFormerVersionCanBeChosenAndTheWayForthIsTheSame)
     EXPECT_THAT(versions("Doors"), ElementsAre(tagOf('b'), tagOf('a')));
 }
 
-TEST_F(Restore, whatIsNotThereIsRefusedAndNothingChanges)
+TEST_F(Restore, missingVersionIsRefusedAndNothingChanges)
 {
     updateTo('a');
     expectRefused({"Doors"}, "Doors.orvlib has no former versions");

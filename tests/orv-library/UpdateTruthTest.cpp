@@ -336,7 +336,7 @@ TEST_F(UpdateTruth, serviceIsToldTheProgramUnlessAnotherOneIsNamed)
                 HasSubstr("&product=orv-library&version=" ORVLIBRARY_VERSION_STRING));
 }
 
-TEST_F(UpdateTruth, whatTheSettingsReserveOnTheDiskStaysFree)
+TEST_F(UpdateTruth, reservedSpaceOnTheDiskStaysFree)
 {
     ASSERT_EQ(0, program.run({"settings", "set", "diskReserve", "9007199254740991"}).status);
     const test::ProgramResult result = update();

@@ -60,7 +60,7 @@ TEST_F(DownloadFileTest, onePieceMayBeLargerThanWhatIsGathered)
     EXPECT_EQ(readFile(folder.file("a.orvlib")), "begin " + large);
 }
 
-TEST_F(DownloadFileTest, whatRestsIsOnItsWayToTheDisk)
+TEST_F(DownloadFileTest, remainingBytesAreOnTheirWayToTheDisk)
 {
     ASSERT_TRUE(file.write("new", 3, reason));
     file.restAtEnd();
@@ -76,7 +76,7 @@ TEST_F(DownloadFileTest, emptyOneTakesTheTargetsName)
     EXPECT_EQ(readFile(folder.file("a.orvlib")), "");
 }
 
-TEST_F(DownloadFileTest, whatTheDiskRefusesIsToldByALaterWrite)
+TEST_F(DownloadFileTest, failureOfTheDiskIsReportedByALaterWrite)
 {
     const FileSizeLimit limit(100'000);
     int taken = 0;
@@ -86,7 +86,7 @@ TEST_F(DownloadFileTest, whatTheDiskRefusesIsToldByALaterWrite)
     EXPECT_EQ(reason, std::string("write error: ") + std::strerror(EFBIG));
 }
 
-TEST(DownloadFile, whatTheDiskRefusesAtLastFailsTheCommitAndKeepsTheOldFile)
+TEST(DownloadFile, lastWriteThatFailsFailsTheCommitAndKeepsTheOldFile)
 {
     TempFolder folder;
     folder.write("a.orvlib", "old");

@@ -104,7 +104,7 @@ TEST_F(FileUtilsTest, aMissingFileCanBeWrittenWhereItsFolderCan)
     EXPECT_EQ(list(), std::vector<std::string>{"file"});
 }
 
-TEST_F(FileUtilsTest, whatAnotherUserOwnsCannotBeWritten)
+TEST_F(FileUtilsTest, fileOfAnotherUserCannotBeWritten)
 {
     if (geteuid() != 0)
         GTEST_SKIP() << "needs the superuser, who can become somebody else";
@@ -253,7 +253,7 @@ TEST_P(FileUtilsRemove, neverRemovesAFolder)
     EXPECT_EQ(modeOf(empty), 0555u);
 }
 
-TEST_P(FileUtilsRemove, whatIsMissingCountsAsRemoved)
+TEST_P(FileUtilsRemove, missingFileCountsAsRemoved)
 {
     EXPECT_TRUE(FileUtils::removePath(mFolder.file("none"), GetParam()));
     EXPECT_TRUE(FileUtils::removePath(mFolder.file("none/none"), GetParam()));
@@ -352,7 +352,7 @@ TEST_F(FileUtilsTest, foldersThatTheirOwnerProtectedAreRemovedOnlyWhenTold)
     EXPECT_EQ(end.status, 0);
 }
 
-TEST_F(FileUtilsTest, whatLinksInAProtectedFolderLeadToStaysProtected)
+TEST_F(FileUtilsTest, targetsOfLinksInAProtectedFolderStayProtected)
 {
     setMode(fileString(mFolder.path()), 0777);
     const std::string tree = mFolder.path() + "/tree";

@@ -106,7 +106,7 @@ TEST_F(LockingFStreamTest, failuresThrowWhereAskedFor)
     EXPECT_THROW(closed.close(), std::ios_base::failure) << "there is nothing left to rename";
 }
 
-TEST_F(LockingFStreamTest, whatIsNoRegularFileDoesNotOpen)
+TEST_F(LockingFStreamTest, foldersAndPipesDoNotOpen)
 {
     std::filesystem::create_directory(mFolder.path() + "/folder");
     ASSERT_EQ(mkfifo(mFolder.file("fifo").toNativeString().c_str(), 0666), 0);

@@ -173,7 +173,7 @@ TEST(ReplacementFile, contentThatCannotBeSyncedIsNotPutInPlace)
     }
 }
 
-TEST(ReplacementFile, whoeverHasNoTimeLeftIsToldThatTheTargetIsLocked)
+TEST(ReplacementFile, withoutTimeTheTargetIsReportedAsLocked)
 {
     using host::ReplacementFile;
     const test::TempFolder folder;

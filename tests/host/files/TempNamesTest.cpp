@@ -29,7 +29,7 @@ protected:
     test::TempFolder mFolder;
 };
 
-TEST_F(TempNames, whatKilledProcessesLeftIsRemovedOnFirstUse)
+TEST_F(TempNames, leftoversOfKilledProcessesAreRemovedOnFirstUse)
 {
     leaveFiles();
     host::claimTempFolder(mFolder.path());

@@ -103,7 +103,7 @@ TEST_F(CurlDownloadsBoundsTest, oneOfUnknownLengthIsAskedForInItsTurnAndHoldsNob
         EXPECT_TRUE(get(download)) << reason;
 }
 
-TEST_F(CurlDownloadsBoundsTest, whatFailsAheadMakesRoom)
+TEST_F(CurlDownloadsBoundsTest, failureAheadMakesRoom)
 {
     const Downloads downloads = serveAs(std::vector<std::int64_t>(10, 8'000'000));
     server.on(nameOf(2), FaultReply::status(404, "gone"));
@@ -122,7 +122,7 @@ TEST_F(CurlDownloadsBoundsTest, twoMissingFilesInARowDoNotEndTheList)
     expectAsked(downloads, first(20));
 }
 
-TEST_F(CurlDownloadsBoundsTest, whatIsAskedForOtherwiseMakesRoom)
+TEST_F(CurlDownloadsBoundsTest, requestInAnotherWayMakesRoom)
 {
     const Downloads downloads = serveAs(std::vector<std::int64_t>(9, 8'000'000));
     announce(downloads);

@@ -121,7 +121,7 @@ TEST_F(CurlFaultTest, resetConnectionFails)
     EXPECT_THAT(files(), IsEmpty());
 }
 
-TEST_F(CurlFaultTest, whatIsNoHttpIsNoAnswer)
+TEST_F(CurlFaultTest, otherProtocolIsNoAnswer)
 {
     for (const std::string bytes : {"hello\r\n\r\n", "SSH-2.0-x\r\n", "<html></html>"}) {
         server.on("/a", FaultReply::raw(bytes).close());

@@ -36,7 +36,7 @@ TEST_F(CurlPrefetchDownloadsServersTest, hostMayLowerTheNumberOfConnections)
     EXPECT_GE(server.connectionCount(), 3);
 }
 
-TEST_F(CurlPrefetchDownloadsServersTest, whoAsksInTurnGetsAConnectionWithinASecond)
+TEST_F(CurlPrefetchDownloadsServersTest, requestInTurnGetsAConnectionWithinASecond)
 {
     constexpr int kLimit = 4;
     curl.setConnectionLimit(kLimit);
@@ -97,7 +97,7 @@ TEST_F(CurlPrefetchDownloadsServersTest, serverThatRefusesMoreThanOneConnectionI
     EXPECT_GT(picky.connectionCount(), 1);
 }
 
-TEST_F(CurlPrefetchDownloadsServersTest, whoAsksInTurnIsNotRefusedBecauseOfOneAhead)
+TEST_F(CurlPrefetchDownloadsServersTest, requestInTurnIsNotRefusedBecauseOfOneAhead)
 {
     Downloads downloads = serve(6);
     FaultServer picky;

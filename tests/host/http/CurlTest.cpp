@@ -410,7 +410,7 @@ TEST_F(CurlTest, exceptionOfAProgressFunctionEndsTheTransfer)
     EXPECT_TRUE(fetch(server.url("/a")));
 }
 
-TEST_F(CurlTest, whateverAProgressFunctionThrowsEndsTheTransfer)
+TEST_F(CurlTest, otherThingsThatAProgressFunctionThrowsEndItToo)
 {
     server.on("/a", FaultReply::ok("a"));
     const auto throwing = [](void*, double, double, double, double) -> int { throw 1; };

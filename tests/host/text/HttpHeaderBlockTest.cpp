@@ -29,7 +29,7 @@ TEST(HttpHeaderBlock, foldedLinesAreUnfolded)
               "HTTP/1.1 200 OK\r\nA: 1, 2 3\r\n\r\n");
 }
 
-TEST(HttpHeaderBlock, whatFollowsTheBodyIsNoHeader)
+TEST(HttpHeaderBlock, linesAfterTheBodyAreNoHeaders)
 {
     EXPECT_EQ(block({"HTTP/1.1 200 OK\r\n", "\r\n", "Trailer: 1\r\n", "\r\n"}), "HTTP/1.1 200 OK\r\n\r\n");
 }

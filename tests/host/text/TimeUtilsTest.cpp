@@ -84,7 +84,7 @@ TEST(TimeUtils, agreesWithTheDateLibrary)
     EXPECT_GT(read, 10000);
 }
 
-TEST(TimeUtils, whatIsNoTimeStampIsNotADateTime)
+TEST(TimeUtils, otherTextsAreNoDateTime)
 {
     const char* const texts[] = {
         "",

@@ -54,7 +54,7 @@ TEST(ZipPlacement, nothingIsReplacedOnEitherDisk)
     }
 }
 
-TEST(ZipPlacement, whatIsNoFileAndWhereNothingCanBeWrittenAreTold)
+TEST(ZipPlacement, foldersAndUnwritablePlacesAreReported)
 {
     const test::TempFolder folder;
     const fileString source = folder.write("new.zip", "archive");

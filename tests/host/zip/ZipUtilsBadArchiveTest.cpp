@@ -261,7 +261,7 @@ TEST_F(ZipUtilsBadArchiveTest, dataThatLiesIsUnsound)
     }
 }
 
-TEST_F(ZipUtilsBadArchiveTest, whatIsNoArchiveIsUnsound)
+TEST_F(ZipUtilsBadArchiveTest, otherFileIsUnsound)
 {
     for (const std::string& bytes : {std::string(), std::string("PK"), std::string(22, '\0'),
                                      std::string("a text"), std::string(100000, 'P')})

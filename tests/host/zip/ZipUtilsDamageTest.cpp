@@ -185,7 +185,7 @@ TEST_F(ZipUtilsDamageTest, membersOfAnArchiveWithoutADirectoryAreSearchedFor)
     EXPECT_THAT(contentsOf(target()), testing::SizeIs(testing::Le(1U)));
 }
 
-TEST_F(ZipUtilsDamageTest, whatIsNoArchiveGivesAnEmptyOne)
+TEST_F(ZipUtilsDamageTest, otherFileGivesAnEmptyArchive)
 {
     EXPECT_THAT(namesLost(mFolder.write("x.zip", "not an archive, PK\x03\x04 whatever it says")),
                 testing::Contains(""));

@@ -87,7 +87,7 @@ TEST_F(ZipUtilsTargetTest, memberOfTheSameNameIsReplaced)
     EXPECT_EQ(test::readFile(target()).find("old a"), std::string::npos);
 }
 
-TEST_F(ZipUtilsTargetTest, whatStandsBeforeTheArchiveEndsAtItsFirstMember)
+TEST_F(ZipUtilsTargetTest, bytesBeforeTheArchiveEndAtItsFirstMember)
 {
     ArchiveBuilder old;
     old.prefix = "#!/bin/sh\n";
@@ -202,7 +202,7 @@ TEST_F(ZipUtilsTargetTest, differentTextsForOneTargetAreOneTarget)
     EXPECT_EQ(contentsOf(target()).size(), 3U);
 }
 
-TEST_F(ZipUtilsTargetTest, whatCannotBeATargetIsRefused)
+TEST_F(ZipUtilsTargetTest, unusableTargetIsRefused)
 {
     mSource.add("a", "1");
     const fileString source = writeSource();
