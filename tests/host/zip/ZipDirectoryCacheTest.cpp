@@ -1,5 +1,7 @@
 #include "OrvLibrary/host/impl/zip/ZipDirectoryCache_p.h"
 
+#include <ctime>
+
 #include <gtest/gtest.h>
 
 using ZipUtils::ZipDirectory;
@@ -48,4 +50,31 @@ TEST(ZipDirectoryCache, otherFilesAreNotFound)
     ++other.st_dev;
     EXPECT_FALSE(DirectoryCache::find(other));
     EXPECT_FALSE(DirectoryCache::find(makeStatus(13)));
+}
+
+TEST(ZipDirectoryCache, fileThatChangedJustNowIsNotKept)
+{
+    for (timespec stat::*time : {&stat::st_mtim, &stat::st_ctim}) {
+        struct stat file = makeStatus(14);
+        file.*time = {std::time(nullptr), 0};
+        DirectoryCache::keep(file, std::make_shared<ZipDirectory>());
+        EXPECT_FALSE(DirectoryCache::find(file));
+    }
+}
+
+TEST(ZipDirectoryCache, lastTwoFilesAreKept)
+{
+    for (const ino_t number : {15U, 16U, 17U})
+        DirectoryCache::keep(makeStatus(number), std::make_shared<ZipDirectory>());
+    EXPECT_FALSE(DirectoryCache::find(makeStatus(15)));
+    EXPECT_TRUE(DirectoryCache::find(makeStatus(16)));
+    EXPECT_TRUE(DirectoryCache::find(makeStatus(17)));
+}
+
+TEST(ZipDirectoryCache, veryLargeDirectoryIsNotKept)
+{
+    const auto directory = std::make_shared<ZipDirectory>();
+    directory->bytes.resize((16U << 20U) + 1);
+    DirectoryCache::keep(makeStatus(18), directory);
+    EXPECT_FALSE(DirectoryCache::find(makeStatus(18)));
 }

@@ -150,3 +150,17 @@ TEST_F(ZipDirectoryReaderTest, zip64FieldThatNoSizeRefersToIsIgnored)
     const ZipUtils::ZipArchive archive(mBuilder.write(mFolder, "a.zip"));
     EXPECT_EQ(archive.entries().at(0).size, 7U);
 }
+
+TEST_F(ZipDirectoryReaderTest, recordOfTheDirectoryMustBeWhole)
+{
+    mBuilder.add("", "content"); // a name may be empty
+    const std::string bytes = mBuilder.bytes();
+    ASSERT_EQ(reasonFor(mFolder.write("a.zip", bytes)), "");
+    const std::size_t record = bytes.find("PK\x01\x02");
+    // Its signature, and the sizes of name, extra block and comment.
+    for (const std::size_t at : {0U, 28U, 30U, 32U}) {
+        std::string wrong = bytes;
+        wrong[record + at] ^= 1;
+        EXPECT_THAT(reasonFor(mFolder.write("a.zip", wrong)), EndsWith(": bad directory record")) << at;
+    }
+}

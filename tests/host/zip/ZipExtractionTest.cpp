@@ -5,11 +5,13 @@
 #include <filesystem>
 #include <future>
 #include <ios>
+#include <utility>
 
 #include <gmock/gmock.h>
 
 #include "tests/host/zip/FaultySystem.h"
 #include "tests/host/zip/RawCopyTest.h"
+#include "tests/support/NoMoreThreads.h"
 #include "tests/support/RecordingProgress.h"
 
 namespace fs = std::filesystem;
@@ -136,15 +138,19 @@ TEST_F(ZipExtractionTest, nextMemberWaitsForTheLargeOneBefore)
     mSource.add("a", std::string(kLarge + 1, 'y'));
     mSource.add("b", mContent);
     const auto archive = std::make_shared<ZipUtils::ZipArchive>(writeSource());
-    ZipUtils::ZipMeter meter(nullptr);
+    const auto progress = std::make_shared<test::RecordingProgress>();
+    ZipUtils::ZipMeter meter(progress);
     ZipUtils::ZipPatience patience(meter);
     const auto extraction = ZipUtils::ZipExtraction::begin(file(), patience, meter);
     for (const ZipUtils::ZipEntry& entry : archive->entries())
         extraction->extract(archive, entry);
     extraction->finish();
+    EXPECT_EQ(extraction->waiting(), 0U);
     extraction->sync();
     extraction->publish();
     EXPECT_TRUE(test::readFile(file()) == mContent);
+    meter.tellAll();
+    EXPECT_EQ(progress->sumOfBytes(), 2 * kLarge + 1);
 }
 
 TEST_F(ZipExtractionTest, emptyMemberMakesAnEmptyFile)
@@ -195,6 +201,7 @@ TEST_F(ZipExtractionTest, cancelIsHeardWhileAThreadExtracts)
     };
     EXPECT_THROW(batch.walk(source, extract), ZipUtils::Cancelled);
     EXPECT_FALSE(isLate) << "the question came only after the extraction";
+    EXPECT_THAT(progress->calls(), Contains("labels checking | "));
     EXPECT_FALSE(file().pathExists());
 }
 
@@ -206,4 +213,89 @@ TEST_F(ZipExtractionTest, longStepsAfterTheLastMemberAreNamed)
     extractAll(writeSource(), batch);
     batch.complete();
     EXPECT_THAT(progress->calls(), Contains("labels putting in place | "));
+}
+
+TEST_F(ZipExtractionTest, bytesAreToldWhileAThreadExtracts)
+{
+    mSource.add("a", std::string(12U << 20U, 'x')).method = test::ArchiveMember::kStored;
+    const fileString source = writeSource();
+    const auto progress = std::make_shared<test::RecordingProgress>();
+    std::promise<void> told;
+    std::atomic<int> reads{0};
+    std::atomic<bool> isLate{false};
+    progress->isCancelled = [&, isFirst = true](int) mutable {
+        if (!progress->bytes().empty() && std::exchange(isFirst, false))
+            told.set_value();
+        return false;
+    };
+    std::unique_ptr<FaultySystem> system;
+    ArchiveBatch batch(progress);
+    const auto extract = [&](const fileString&, auto& handle, const auto& raw) {
+        // A read is a megabyte. The tenth waits until the first eight are told.
+        system =
+            std::make_unique<FaultySystem>(FaultySystem::Call::Pread, [&, done = told.get_future().share()] {
+                if (++reads == 10)
+                    isLate = done.wait_for(std::chrono::seconds(10)) != std::future_status::ready;
+            });
+        return ZipUtils::extractFileFromArchive(file(), handle, raw);
+    };
+    batch.walk(source, extract);
+    EXPECT_FALSE(isLate) << "nothing was told before the end";
+    EXPECT_EQ(progress->sumOfBytes(), 12U << 20U);
+}
+
+TEST_F(ZipExtractionTest, largeMemberIsExtractedWhereNoThreadCanBeStarted)
+{
+    const test::NoMoreThreads none;
+    mSource.add("a", mContent);
+    EXPECT_EQ(reasonFor(writeSource()), 0);
+    EXPECT_TRUE(test::readFile(file()) == mContent);
+}
+
+TEST_F(ZipExtractionTest, walkThatFailsRemovesItsFilesAtOnce)
+{
+    mSource.add("a", "1");
+    mSource.add("b", "2").checksum = 1;
+    const fileString source = writeSource();
+    ArchiveBatch batch(nullptr);
+    EXPECT_THROW(extractAll(source, batch), std::runtime_error);
+    EXPECT_EQ(test::listTree(mFolder.path()), std::vector<std::string>{"source.zip"});
+}
+
+TEST_F(ZipExtractionTest, whatCannotBeWrittenIsToldWithTheSystemsReason)
+{
+    mSource.add("a", "1");
+    const fileString source = writeSource();
+    const std::pair<fileString, int> targets[] = {{fileString(mFolder.path()), EISDIR},
+                                                  {mFolder.file("no/such/file"), ENOENT},
+                                                  {fileString("/dev/null"), EACCES}};
+    for (const auto& [path, reason] : targets) {
+        try {
+            ZipUtils::getFilesDataInArchive(source,
+                                            [&, to = path](const fileString&, auto& handle, const auto& raw) {
+                                                return ZipUtils::extractFileFromArchive(to, handle, raw);
+                                            });
+            ADD_FAILURE() << "nothing is thrown for " << path;
+        } catch (const std::ios_base::failure& failure) {
+            EXPECT_EQ(failure.code().value(), reason) << path;
+        }
+    }
+}
+
+TEST_F(ZipExtractionTest, placeThatIsTakenMeanwhileFailsTheBatch)
+{
+    mSource.add("a", "1");
+    ArchiveBatch batch(nullptr);
+    extractAll(writeSource(), batch);
+    fs::create_directory(file().toNativeString());
+    EXPECT_THROW(batch.complete(), std::ios_base::failure);
+}
+
+TEST_F(ZipExtractionTest, encryptedMemberIsNotExtracted)
+{
+    mSource.add("a", "secret").flags = 1;
+    const fileString source = writeSource();
+    ArchiveBatch batch(nullptr);
+    EXPECT_THAT([&] { extractAll(source, batch); },
+                testing::ThrowsMessage<std::runtime_error>(testing::EndsWith("\"a\": is encrypted")));
 }

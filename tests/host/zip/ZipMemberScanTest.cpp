@@ -7,6 +7,7 @@
 #include "tests/support/ArchiveBuilder.h"
 
 using test::ArchiveBuilder;
+using test::ArchiveMember;
 using testing::ElementsAre;
 using testing::Pair;
 
@@ -76,4 +77,29 @@ TEST_F(ZipMemberScanTest, checksumBehindTheDataMayFollowASignatureOrNot)
     EXPECT_THAT(found(bytes), ElementsAre(Pair("described", content), Pair("last", "2")));
     bytes[descriptor] ^= 1;
     EXPECT_THAT(found(bytes), ElementsAre(Pair("last", "2")));
+}
+
+TEST_F(ZipMemberScanTest, whatOnlyLooksLikeAMemberIsLeftOut)
+{
+    mBuilder.add("encrypted", "1").flags = 1;
+    mBuilder.add("foreign method", "1").method = 12;
+    mBuilder.add("", "1");
+    ArchiveMember& stored = mBuilder.add("stored in another size", "1");
+    stored.method = ArchiveMember::kStored;
+    stored.size = 2;
+    mBuilder.add("bomb", "1").size = 3'000'000'000;
+    mBuilder.add("sound", "1");
+    EXPECT_THAT(found(mBuilder.bytes()), ElementsAre(Pair("sound", "1")));
+}
+
+TEST_F(ZipMemberScanTest, memberThatIsCutIsLeftOut)
+{
+    mBuilder.add("sound", "1");
+    const std::size_t size = mBuilder.bytes().find("PK\x01\x02");
+    mBuilder.add("cut", test::sampleBytes(100, 1)).localExtra =
+        std::string("XX\x20\0", 4) + std::string(32, 'x');
+    const std::string bytes = mBuilder.bytes();
+    // In its header, its name, its extra block, its data.
+    for (const std::size_t cut : {29U, 31U, 40U, 80U})
+        EXPECT_THAT(found(bytes.substr(0, size + cut + 30)), ElementsAre(Pair("sound", "1"))) << cut;
 }

@@ -71,7 +71,7 @@ TEST_F(ZipOutputTest, sourceThatCannotBeReadIsToldWithTheSystemsReason)
 
 TEST_F(ZipOutputTest, systemCopiesLongRangesItself)
 {
-    const std::string content = test::sampleBytes(100'000, 1);
+    const std::string content = std::string(9 * kMegabyte, 'x') + "end";
     const host::FileHandle file = openSource(content);
     off64_t from = 0, to = 0;
     const host::FileHandle probe = host::openFile(mFolder.path() + "/probe", O_WRONLY | O_CREAT, 0600);
@@ -130,4 +130,13 @@ TEST_F(ZipOutputTest, onlyAMegabyteWaitsInMemory)
         EXPECT_GE(std::filesystem::file_size(beside) + kMegabyte, expected.size());
     }
     EXPECT_TRUE(publish() == expected);
+}
+
+TEST_F(ZipOutputTest, fileThatIsGoneCannotBePublished)
+{
+    mOutput.append("content");
+    mOutput.flush();
+    std::filesystem::remove(host::ReplacementFile::besideName(mTarget.toNativeString()));
+    EXPECT_THAT([&] { mOutput.publish(); },
+                ThrowsMessage<std::runtime_error>(mTarget.toNativeString() + ": " + std::strerror(ENOENT)));
 }

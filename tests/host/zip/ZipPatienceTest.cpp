@@ -6,6 +6,7 @@
 
 #include <sys/stat.h>
 
+#include "OrvLibrary/host/ZipUtils.h"
 #include "tests/support/RecordingProgress.h"
 #include "tests/support/TempFolder.h"
 
@@ -41,4 +42,14 @@ TEST_F(ZipPatienceTest, newFileHasOrdinaryPermissions)
     struct stat status = {};
     ASSERT_EQ(fstat(file->descriptor(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0644U);
+}
+
+TEST_F(ZipPatienceTest, cancelIsHeardWhileAnotherWriterHasTheTarget)
+{
+    ZipUtils::ZipMeter others(nullptr);
+    const auto held = ZipUtils::ZipPatience(others).open(mFolder.file("new"));
+    ASSERT_TRUE(held);
+    mProgress->isCancelled = [](int check) { return check == 2; };
+    EXPECT_THROW(mPatience.open(mFolder.file("new")), ZipUtils::Cancelled);
+    EXPECT_EQ(mProgress->checks(), 2);
 }

@@ -178,3 +178,10 @@ TEST_F(ZipTargetTest, reasonWhyNothingBeginsIsKept)
     EXPECT_EQ(reasonFor(mFolder.write("target.zip", "no archive"), false), 0);
     EXPECT_EQ(reasonFor(fileString(mFolder.path()), true), EISDIR);
 }
+
+TEST_F(ZipTargetTest, memberOfOneByteCanBeRenamed)
+{
+    mSource.add("a", "1").method = ArchiveMember::kStored;
+    EXPECT_TRUE(copyFirstAs(writeSource(), target(), "b"));
+    EXPECT_EQ(contentsOf(target()), (Contents{{"b", "1"}}));
+}

@@ -261,6 +261,23 @@ TEST_F(ZipUtilsBadArchiveTest, dataThatLiesIsUnsound)
     }
 }
 
+TEST_F(ZipUtilsBadArchiveTest, bytesBehindAStreamAreFoundWhereverItEnds)
+{
+    // Pieces of 256 KB are read, and the stream ends with one.
+    const std::string stream = test::deflated("content");
+    const std::string emptyBlock("\0\0\0\xFF\xFF", 5);
+    std::string padded;
+    while (padded.size() + stream.size() < 256U << 10U)
+        padded += emptyBlock;
+    ASSERT_EQ(padded.size() + stream.size(), 256U << 10U);
+    ArchiveBuilder builder;
+    ArchiveMember& member = builder.add("a", "content");
+    member.rawData = padded + stream;
+    EXPECT_EQ(readInPieces(address(builder.write(mFolder, "a.zip"), fileString("a"))), "content");
+    *member.rawData += 'x';
+    expectUnsoundData(builder.write(mFolder, "a.zip"), "a byte");
+}
+
 TEST_F(ZipUtilsBadArchiveTest, otherFileIsUnsound)
 {
     for (const std::string& bytes : {std::string(), std::string("PK"), std::string(22, '\0'),

@@ -290,3 +290,29 @@ TEST_F(ZipUtilsBatchTest, stepThatHasNothingLeftToDoIsNotNamed)
     batch.complete();
     EXPECT_THAT(mProgress->calls(), Not(Contains("labels putting in place | ")));
 }
+
+TEST_F(ZipUtilsBatchTest, memberThatIsCopiedAndReadIsToldOnce)
+{
+    mSource.add("a", "content");
+    const fileString source = writeSource();
+    ArchiveBatch batch(mProgress);
+    batch.walk(source, [&](const fileString& member, auto& handle, const auto& raw) {
+        EXPECT_TRUE(ZipUtils::writeFileToArchiveRaw(target(), member, handle, true, raw));
+        ZipUtils::writeFileDataFromArchive(source + ZipUtils::getDelimiter() + member, [](const auto&) {});
+        return true;
+    });
+    EXPECT_EQ(mProgress->sumOfBytes(), 7U);
+}
+
+TEST_F(ZipUtilsBatchTest, memberThatIsCopiedIsVerifiedEvenIfItIsLeftOut)
+{
+    mSource.add("a", "damaged").checksum = 1;
+    const fileString source = writeSource();
+    ArchiveBatch batch(nullptr);
+    const auto copyAndLeaveOut = [&](const fileString& member, auto& handle, const auto& raw) {
+        EXPECT_TRUE(ZipUtils::writeFileToArchiveRaw(target(), member, handle, true, raw));
+        ZipUtils::leaveOutMember(handle, raw);
+        return true;
+    };
+    EXPECT_THROW(batch.walk(source, copyAndLeaveOut), std::runtime_error);
+}

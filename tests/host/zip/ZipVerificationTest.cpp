@@ -9,6 +9,8 @@
 #include <stdexcept>
 #include <thread>
 
+#include <gmock/gmock.h>
+
 #include "tests/host/zip/FaultySystem.h"
 #include "tests/host/zip/RawCopyTest.h"
 #include "tests/support/NoMoreThreads.h"
@@ -86,6 +88,7 @@ TEST_F(ZipVerificationTest, cancelIsHeardInTheMiddleOfALargeMember)
     ArchiveBatch batch(progress);
     batch.walk(writeSource(), [](const auto&, auto&, const auto&) { return true; });
     EXPECT_GE(progress->checks(), 3);
+    EXPECT_THAT(progress->calls(), testing::Contains("labels checking | "));
 }
 
 TEST_F(ZipVerificationTest, cancelIsHeardWhileAThreadVerifies)
