@@ -159,7 +159,7 @@ void ZipTarget::extendRun(const std::shared_ptr<const ZipArchive>& source, std::
                           std::uint64_t size)
 {
     const bool adjoins = mRun.source == source && mRun.offset + mRun.size == offset;
-    if (!adjoins || mRun.size >= kPortion) {
+    if (!adjoins) {
         flushRun();
         mRun = {source, offset, 0};
     }
