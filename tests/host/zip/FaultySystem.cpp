@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <cstdarg>
 
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -74,6 +75,17 @@ ssize_t copy_file_range(int from, off64_t* fromAt, int to, off64_t* toAt, size_t
     if (!isFaulty(Call::CopyFileRange) || !isHole(from, *fromAt, size))
         return own(from, fromAt, to, toAt, size, flags);
     return ftruncate(to, *toAt + static_cast<off64_t>(size)) == 0 ? static_cast<ssize_t>(size) : -1;
+}
+
+int open(const char* path, int flags, ...)
+{
+    static auto* const own = next(&open, "open");
+    va_list arguments;
+    va_start(arguments, flags);
+    const bool hasMode = (flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE;
+    const mode_t mode = hasMode ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    return isFaulty(Call::Create) && (flags & O_EXCL) != 0 ? fail(gReason) : own(path, flags, mode);
 }
 
 int fallocate(int file, int mode, off_t offset, off_t size)

@@ -12,6 +12,7 @@ public:
     enum class Call
     {
         CopyFileRange, ///< without a reason: copies holes as holes, as some file systems do
+        Create,        ///< opening a file that must be new
         Fallocate,
         Pread,  ///< without a reason: is interrupted each second time, and otherwise reads one byte
         Pwrite, ///< the same with at most 100 bytes

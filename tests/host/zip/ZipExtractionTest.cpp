@@ -282,6 +282,21 @@ TEST_F(ZipExtractionTest, whatCannotBeWrittenIsToldWithTheSystemsReason)
     }
 }
 
+TEST_F(ZipExtractionTest, fileInAFolderThatCannotBeChangedIsRefused)
+{
+    mSource.add("a", "1");
+    const fileString source = writeSource();
+    mFolder.write("file", "old");
+    for (const int reason : {EPERM, EROFS}) {
+        const FaultySystem system(FaultySystem::Call::Create, reason);
+        ArchiveBatch batch(nullptr);
+        EXPECT_EQ(extractAll(source, batch), std::vector<bool>{false});
+    }
+    const FaultySystem full(FaultySystem::Call::Create, ENOSPC);
+    EXPECT_EQ(reasonFor(source), ENOSPC);
+    EXPECT_EQ(test::readFile(file()), "old");
+}
+
 TEST_F(ZipExtractionTest, placeThatIsTakenMeanwhileFailsTheBatch)
 {
     mSource.add("a", "1");

@@ -174,6 +174,7 @@ TEST_F(ZipUtilsTargetTest, canAddToSoundArchivesAndToThoseOfThisWalk)
             EXPECT_TRUE(ZipUtils::writeFileToArchiveRaw(target(), member, handle, true, raw));
             EXPECT_TRUE(ZipUtils::canAddToArchive(target()));
             EXPECT_TRUE(ZipUtils::canAddToArchive(mFolder.file("./target.zip")));
+            EXPECT_FALSE(ZipUtils::canAddToArchive(mFolder.file("other.zip")));
             EXPECT_FALSE(target().pathExists());
             return true;
         });

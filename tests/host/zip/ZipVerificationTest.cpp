@@ -117,7 +117,7 @@ TEST_F(ZipVerificationTest, cancelIsHeardWhileAThreadVerifies)
         if (member.toNativeString() == "large")
             system = std::make_unique<test::FaultySystem>(test::FaultySystem::Call::Pread, hold);
         else
-            begun.get_future().wait();
+            begun.get_future().wait_for(std::chrono::seconds(10));
         return true;
     };
     const auto start = std::chrono::steady_clock::now();
