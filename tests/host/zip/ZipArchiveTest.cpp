@@ -47,7 +47,7 @@ TEST_F(ZipArchiveTest, endOfTheFileIsNoInterruption)
                 testing::ThrowsMessage<std::runtime_error>(mPath.toNativeString() + ": cut short"));
 }
 
-TEST_F(ZipArchiveTest, readingThatFailsTellsTheSystemsReason)
+TEST_F(ZipArchiveTest, failedReadIsReportedWithTheSystemsReason)
 {
     mBuilder.write(mFolder, "a.zip");
     const ZipUtils::ZipArchive archive(mPath);
@@ -58,7 +58,7 @@ TEST_F(ZipArchiveTest, readingThatFailsTellsTheSystemsReason)
         testing::ThrowsMessage<std::runtime_error>(mPath.toNativeString() + ": " + std::strerror(EIO)));
 }
 
-TEST_F(ZipArchiveTest, missingFileTellsTheSystemsReason)
+TEST_F(ZipArchiveTest, missingFileIsReportedWithTheSystemsReason)
 {
     EXPECT_THAT(
         [&] { ZipUtils::ZipArchive archive(mPath); },

@@ -170,7 +170,7 @@ TEST_F(ZipExtractionTest, writesThatAreInterruptedOrCutShortGoOn)
     EXPECT_EQ(test::readFile(file()), test::sampleBytes(30'000, 1));
 }
 
-TEST_F(ZipExtractionTest, writeThatFailsTellsTheSystemsReason)
+TEST_F(ZipExtractionTest, failedWriteIsReportedWithTheSystemsReason)
 {
     mSource.add("a", "1");
     const fileString source = writeSource();
@@ -215,7 +215,7 @@ TEST_F(ZipExtractionTest, longStepsAfterTheLastMemberAreNamed)
     EXPECT_THAT(progress->calls(), Contains("labels putting in place | "));
 }
 
-TEST_F(ZipExtractionTest, bytesAreToldWhileAThreadExtracts)
+TEST_F(ZipExtractionTest, bytesAreReportedWhileAThreadExtracts)
 {
     mSource.add("a", std::string(12U << 20U, 'x')).method = test::ArchiveMember::kStored;
     const fileString source = writeSource();
@@ -262,7 +262,7 @@ TEST_F(ZipExtractionTest, walkThatFailsRemovesItsFilesAtOnce)
     EXPECT_EQ(test::listTree(mFolder.path()), std::vector<std::string>{"source.zip"});
 }
 
-TEST_F(ZipExtractionTest, whatCannotBeWrittenIsToldWithTheSystemsReason)
+TEST_F(ZipExtractionTest, unusablePlaceIsReportedWithTheSystemsReason)
 {
     mSource.add("a", "1");
     const fileString source = writeSource();

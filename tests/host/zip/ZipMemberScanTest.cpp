@@ -79,7 +79,7 @@ TEST_F(ZipMemberScanTest, checksumBehindTheDataMayFollowASignatureOrNot)
     EXPECT_THAT(found(bytes), ElementsAre(Pair("last", "2")));
 }
 
-TEST_F(ZipMemberScanTest, whatOnlyLooksLikeAMemberIsLeftOut)
+TEST_F(ZipMemberScanTest, unusableMembersAreLeftOut)
 {
     mBuilder.add("encrypted", "1").flags = 1;
     mBuilder.add("foreign method", "1").method = 12;
@@ -92,7 +92,7 @@ TEST_F(ZipMemberScanTest, whatOnlyLooksLikeAMemberIsLeftOut)
     EXPECT_THAT(found(mBuilder.bytes()), ElementsAre(Pair("sound", "1")));
 }
 
-TEST_F(ZipMemberScanTest, memberThatIsCutIsLeftOut)
+TEST_F(ZipMemberScanTest, memberCutShortIsLeftOut)
 {
     mBuilder.add("sound", "1");
     const std::size_t size = mBuilder.bytes().find("PK\x01\x02");

@@ -53,7 +53,7 @@ TEST_F(ZipMeterTest, workAndWaitingBeginAnewAfterEachQuestion)
     EXPECT_EQ(mProgress->checks(), 1);
 }
 
-TEST_F(ZipMeterTest, contentIsToldInPortionsAndIsWork)
+TEST_F(ZipMeterTest, contentIsReportedInPortionsAndIsWork)
 {
     mMeter.addContent(kPortion - 1);
     EXPECT_THAT(mProgress->bytes(), IsEmpty());
@@ -84,7 +84,7 @@ TEST_F(ZipMeterTest, onlyLongStepsAreNamed)
     EXPECT_THAT(mProgress->calls(), ElementsAre("labels long | "));
 }
 
-TEST_F(ZipMeterTest, nobodyNeedsToWatch)
+TEST_F(ZipMeterTest, progressMayBeMissing)
 {
     ZipMeter meter(nullptr);
     meter.addContent(kPortion);

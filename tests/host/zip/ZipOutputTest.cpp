@@ -62,7 +62,7 @@ TEST_F(ZipOutputTest, oneByteIsCopiedToo)
     EXPECT_EQ(publish(), "b");
 }
 
-TEST_F(ZipOutputTest, sourceThatCannotBeReadIsToldWithTheSystemsReason)
+TEST_F(ZipOutputTest, unreadableSourceIsReportedWithTheSystemsReason)
 {
     const host::FileHandle file = openSource(std::string(50, 's'), O_WRONLY);
     EXPECT_THAT([&] { mOutput.appendRange(file.get(), 0, 50, mSource); },
@@ -108,7 +108,7 @@ TEST_F(ZipOutputTest, callsThatAreInterruptedOrCutShortGoOn)
     EXPECT_TRUE(publish() == content);
 }
 
-TEST_F(ZipOutputTest, diskThatFailsToWriteIsToldWithItsReason)
+TEST_F(ZipOutputTest, failedWriteIsReportedWithTheSystemsReason)
 {
     mOutput.append("content");
     const FaultySystem system(FaultySystem::Call::Pwrite, EIO);

@@ -291,7 +291,7 @@ TEST_F(ZipUtilsBatchTest, stepThatHasNothingLeftToDoIsNotNamed)
     EXPECT_THAT(mProgress->calls(), Not(Contains("labels putting in place | ")));
 }
 
-TEST_F(ZipUtilsBatchTest, memberThatIsCopiedAndReadIsToldOnce)
+TEST_F(ZipUtilsBatchTest, memberThatIsCopiedAndReadIsReportedOnce)
 {
     mSource.add("a", "content");
     const fileString source = writeSource();

@@ -79,7 +79,7 @@ TEST_F(ZipUtilsDamageTest, everyDamagedMemberIsNamedWithItsArchive)
     }
 }
 
-TEST_F(ZipUtilsDamageTest, bytesOfDamagedMembersAreToldOnce)
+TEST_F(ZipUtilsDamageTest, bytesOfDamagedMembersAreReportedOnce)
 {
     constexpr std::size_t kLong = (3U << 20U) + 7;
     mSource.add("good", test::sampleBytes(1000, 1));
