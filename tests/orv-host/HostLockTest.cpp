@@ -1,5 +1,6 @@
 #include "OrvHost/update/HostLock.h"
 
+#include <atomic>
 #include <cerrno>
 #include <chrono>
 #include <cstddef>
@@ -12,6 +13,7 @@
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <gmock/gmock.h>
@@ -22,6 +24,31 @@ using OrvHost::HostLock;
 using std::chrono::milliseconds;
 
 using HostLockTest = test::HostedTest;
+
+namespace {
+
+std::atomic<int> gFailure{0}; ///< an error number; 0: the system answers
+
+/// Lets the system's locks fail with this error number until the destructor.
+class FailingLocks
+{
+public:
+    explicit FailingLocks(int error) { gFailure = error; }
+    ~FailingLocks() { gFailure = 0; }
+    FailingLocks(const FailingLocks&) = delete;
+    FailingLocks& operator=(const FailingLocks&) = delete;
+};
+
+} // namespace
+
+// This definition takes precedence over that of the C library.
+extern "C" __attribute__((visibility("default"))) int flock(int descriptor, int operation) noexcept
+{
+    if (gFailure == 0)
+        return static_cast<int>(syscall(SYS_flock, descriptor, operation));
+    errno = gFailure;
+    return -1;
+}
 
 namespace {
 
@@ -85,7 +112,9 @@ TEST_F(HostLockTest, refusalKeepsNoFileOpen)
 // The former owner removes the file, and a third program may make it again before the second one has it.
 TEST_F(HostLockTest, lockOfAFileThatIsGoneDoesNotCount)
 {
+    const auto openOnes = [] { return test::listTree("/proc/self/fd").size(); };
     const std::string path = folder.path() + "/root/imports.lock";
+    const std::size_t before = openOnes();
     for (const bool isMadeAgain : {false, true}) {
         const int former = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
         ASSERT_EQ(0, flock(former, LOCK_EX));
@@ -99,6 +128,24 @@ TEST_F(HostLockTest, lockOfAFileThatIsGoneDoesNotCount)
         EXPECT_THROW(HostLock::ofImport(folder.file("root"), [] { return true; }), std::runtime_error)
             << isMadeAgain;
     }
+    EXPECT_EQ(before, openOnes());
+}
+
+TEST_F(HostLockTest, fileSystemWithoutLocksLocksNothing)
+{
+    for (const int error : {ENOLCK, EOPNOTSUPP}) {
+        const FailingLocks failing(error);
+        const HostLock lock = HostLock::ofChange("filters");
+        EXPECT_EQ("", refusalOfChange()) << std::strerror(error);
+    }
+}
+
+TEST_F(HostLockTest, otherFailureOfTheSystemIsTold)
+{
+    const FailingLocks failing(EIO);
+    EXPECT_THAT(refusalOfChange(),
+                testing::AllOf(testing::StartsWith("cannot lock "), testing::HasSubstr("filters.lock: "),
+                               testing::EndsWith(std::strerror(EIO))));
 }
 
 TEST_F(HostLockTest, aCancelEndsTheWaitForAnotherImport)
