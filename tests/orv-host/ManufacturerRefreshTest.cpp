@@ -15,21 +15,18 @@
 
 namespace {
 
-/// Returns a manufacturer file, and checks that another program cannot refresh at the same time. The logo
-/// cannot be had; instead of the answer, `atLogo` happens.
+/// Returns a manufacturer file, and checks that another program cannot refresh at the same time.
 class WatchingCurl : public test::DeadCurl
 {
 public:
     using DeadCurl::download_to_location;
     bool download_to_location(const std::string& url, const fileString& target, std::string&) override
     {
-        if (url.find("logo-path") != std::string::npos) {
+        if (url.find("logo-path") != std::string::npos)
             atLogo();
+        if (url.find(missing) != std::string::npos)
             return false;
-        }
-        test::writeFile(target.toNativeString(),
-                        R"({"Last_Modified": "20300101T000000",
-                            "Manufacturer": {"Id": 9, "Name": "Nine", "Logo": "nine.png"}})");
+        test::writeFile(target.toNativeString(), answer);
         try {
             const OrvHost::HostLock lock =
                 OrvHost::HostLock::ofChange("manufacturers", std::chrono::milliseconds(1));
@@ -39,8 +36,11 @@ public:
         return true;
     }
 
+    std::string answer = R"({"Last_Modified": "20300101T000000",
+        "Manufacturer": {"Id": 9, "Name": "Nine", "Logo": "nine.png"}})";
+    std::string missing = "logo-path"; ///< addresses with this text cannot be had
     bool isAlone = false;
-    std::function<void()> atLogo = [] {};
+    std::function<void()> atLogo = [] {}; ///< called at each request for a logo
 };
 
 class ManufacturerRefreshTest : public test::HostedTest
@@ -88,6 +88,68 @@ TEST_F(ManufacturerRefreshTest, startsFromWhatAnotherProgramLeftMeanwhile)
     refresh.run("http://service.test/data", "http://service.test/logos");
     EXPECT_THAT(refresh.changes().removed, testing::ElementsAre(5));
     EXPECT_THAT(test::readFile(mFile + fileString(".bak")), testing::HasSubstr("Five"));
+}
+
+TEST_F(ManufacturerRefreshTest, changesAreToldByTheirKind)
+{
+    folder.write("root/manufacturer-data/manufacturer_data.json", R"({"Last_Modified": "20200101T000000",
+        "Manufacturer": {"Id": 1, "Name": "One", "Last_Modified": "20200102T000000"},
+        "Manufacturer": {"Id": 2, "Name": "Two", "Last_Modified": "20200102T000000"},
+        "Manufacturer": {"Id": 3, "Name": "Three", "Last_Modified": "20200102T000000"},
+        "Manufacturer": {"Id": 4, "Name": "Four", "Last_Modified": "20200102T000000"},
+        "Manufacturer": {"Id": 5, "Name": "Five", "Last_Modified": "20200102T000000"}})");
+    mCurl.answer = R"({"Last_Modified": "20300101T000000",
+        "Manufacturer": {"Id": 1, "Name": "One", "Last_Modified": "20200103T000000", "Logo": "one.png"},
+        "Manufacturer": {"Id": 2, "Name": "Two", "Last_Modified": "20200101T000000"},
+        "Manufacturer": {"Id": 3, "Name": "Drei", "Last_Modified": "20200102T000000"},
+        "Manufacturer": {"Id": 4, "Name": "Four", "Last_Modified": "20200102T000000"},
+        "Manufacturer": {"Id": 6, "Name": "Six", "Last_Modified": "20200102T000000", "Logo": "six.png"}})";
+    mCurl.missing = "six.png";
+    OrvHost::ManufacturerRefresh refresh(mCurl);
+    refresh.run("http://service.test/data", "http://service.test/logos");
+    EXPECT_THAT(refresh.changes().newer, testing::ElementsAre(1));
+    EXPECT_THAT(refresh.changes().older, testing::ElementsAre(2));
+    EXPECT_THAT(refresh.changes().changed, testing::ElementsAre(3));
+    EXPECT_THAT(refresh.changes().removed, testing::ElementsAre(5));
+    EXPECT_THAT(refresh.changes().added, testing::ElementsAre(6));
+    EXPECT_THAT(refresh.failedLogos(), testing::ElementsAre(testing::StartsWith(
+                                           "cannot fetch http://service.test/logos&logo-path=six.png: ")));
+}
+
+TEST_F(ManufacturerRefreshTest, dataThatAreNotNewerChangeNothing)
+{
+    writeOurs();
+    mCurl.answer = R"({"Last_Modified": "20200101T000000", "Manufacturer": {"Id": 9, "Name": "Nine"}})";
+    const std::string before = test::readFile(mFile);
+    EXPECT_EQ(refresh(), "");
+    EXPECT_EQ(test::readFile(mFile), before);
+    EXPECT_FALSE((mFile + fileString(".bak")).pathExists());
+}
+
+TEST_F(ManufacturerRefreshTest, dataThatCannotBeHadChangeNothing)
+{
+    writeOurs();
+    mCurl.missing = "/data";
+    EXPECT_EQ(refresh(), "cannot fetch http://service.test/data: ");
+    EXPECT_EQ(OrvHost::ManufacturerRefresh::currentTable().count(5), 1U);
+}
+
+TEST_F(ManufacturerRefreshTest, readOnlyFileIsToldOnceAndWrittenTheNextTime)
+{
+    writeOurs();
+    chmod(mFile.toNativeString().c_str(), 0444);
+    EXPECT_EQ(refresh(),
+              "cannot write " + mFile.toNativeString() + ": it was read-only; the next refresh may write it");
+    EXPECT_THAT(test::readFile(mFile), testing::HasSubstr("Five"));
+    EXPECT_EQ(refresh(), "");
+}
+
+TEST_F(ManufacturerRefreshTest, answerThatIsNoManufacturerFileIsRefused)
+{
+    writeOurs();
+    mCurl.answer = "<html></html>";
+    EXPECT_EQ(refresh(), "http://service.test/data answers no manufacturer file");
+    EXPECT_EQ(OrvHost::ManufacturerRefresh::currentTable().count(5), 1U);
 }
 
 TEST_F(ManufacturerRefreshTest, copyOfTheFormerFileIsThatOfTheLastRefresh)
