@@ -44,7 +44,7 @@ TEST_F(ZipPatienceTest, newFileHasOrdinaryPermissions)
     EXPECT_EQ(status.st_mode & 07777, 0644U);
 }
 
-TEST_F(ZipPatienceTest, cancelIsHeardWhileAnotherWriterHasTheTarget)
+TEST_F(ZipPatienceTest, cancelIsHeardWhileALockIsWaitedFor)
 {
     ZipUtils::ZipMeter others(nullptr);
     const auto held = ZipUtils::ZipPatience(others).open(mFolder.file("new"));
