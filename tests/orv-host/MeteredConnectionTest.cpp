@@ -56,9 +56,10 @@ TEST_F(MeteredConnectionTest, itIsWhereNetworkManagerSaysOrGuessesSo)
     EXPECT_EQ(6, manager.asked());
 }
 
-TEST_F(MeteredConnectionTest, aBusWithoutNetworkManagerSaysNoAtOnce)
+TEST_F(MeteredConnectionTest, aBusWithoutNetworkManagerSaysNoAtOnceAndStartsNone)
 {
     EXPECT_LT(timeOf([] { EXPECT_FALSE(isMetered(kLong)); }), kLong);
+    EXPECT_FALSE(bus.hasStartedAManager());
 }
 
 TEST_F(MeteredConnectionTest, aNetworkManagerThatDoesNotAnswerIsNotWaitedFor)

@@ -26,8 +26,9 @@ const char* const kConfiguration =
     R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
 <busconfig>
-  <type>system</type>
-  <listen>unix:path=%1</listen>
+  <type>session</type>
+  <listen>unix:path=%1/bus</listen>
+  <servicedir>%1</servicedir>
   <auth>EXTERNAL</auth>
   <policy context="default">
     <allow user="*"/>
@@ -37,18 +38,29 @@ const char* const kConfiguration =
   </policy>
 </busconfig>
 )";
+/// Tells the bus how to start a network manager for a client that wants one. This one only leaves a file.
+const char* const kActivation = R"([D-BUS Service]
+Name=%1
+Exec=/usr/bin/touch %2/started
+)";
 
 } // namespace
 
 MessageBus::MessageBus() : mAddress("unix:path=" + mFolder.path() + "/bus")
 {
-    mFolder.write("bus.conf",
-                  QString(kConfiguration).arg(QString::fromStdString(mFolder.path()) + "/bus").toStdString());
-    mDaemon.start("dbus-daemon", {"--nofork", "--nopidfile", "--print-address",
-                                  "--config-file=" + QString::fromStdString(mFolder.path()) + "/bus.conf"});
+    const QString folder = QString::fromStdString(mFolder.path());
+    mFolder.write("bus.conf", QString(kConfiguration).arg(folder).toStdString());
+    mFolder.write("manager.service", QString(kActivation).arg(kService, folder).toStdString());
+    mDaemon.start("dbus-daemon",
+                  {"--nofork", "--nopidfile", "--print-address", "--config-file=" + folder + "/bus.conf"});
     while (!mDaemon.canReadLine() && mDaemon.waitForReadyRead(kTimeoutMilliseconds)) {
     }
     EXPECT_TRUE(mDaemon.canReadLine()) << mDaemon.readAllStandardError().toStdString();
+}
+
+bool MessageBus::hasStartedAManager() const
+{
+    return mFolder.file("started").pathExists();
 }
 
 MessageBus::~MessageBus()

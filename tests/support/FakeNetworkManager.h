@@ -21,6 +21,8 @@ public:
 
     /// Value for the variable `DBUS_SYSTEM_BUS_ADDRESS`.
     const std::string& address() const { return mAddress; }
+    /// Whether a client made the bus start a network manager.
+    bool hasStartedAManager() const;
 
 private:
     TempFolder mFolder;
