@@ -113,7 +113,7 @@ TEST_F(ProgressPacerTest, trickleIsToldOnceASecond)
         pacer.received(1, start + time);
         pacer.tick(start + time);
     }
-    EXPECT_EQ(recorder.counts.size(), 5u);
+    EXPECT_THAT(recorder.counts, ElementsAre(10, 20, 30, 40, 50));
 }
 
 TEST_F(ProgressPacerTest, abortEndsTheCalls)
@@ -176,6 +176,18 @@ TEST(SpeedGuard, silenceIsNoticedEvenIfItAsksSeldom)
     guard.received(1'000'000);
     EXPECT_FALSE(guard.tooSlow(start + 10s));
     EXPECT_TRUE(guard.tooSlow(start + 40s));
+}
+
+TEST(SpeedGuard, onlyTheLastStretchCounts)
+{
+    const HttpLimits limits;
+    const auto start = HttpLimits::Clock::now();
+    SpeedGuard guard(limits, start);
+    EXPECT_FALSE(guard.tooSlow(start + 10s));
+    guard.received(1'000'000);
+    EXPECT_FALSE(guard.tooSlow(start + 20s));
+    EXPECT_FALSE(guard.tooSlow(start + 30s));
+    EXPECT_TRUE(guard.tooSlow(start + 100s));
 }
 
 TEST(SpeedGuard, byteASecondIsEnough)

@@ -48,7 +48,7 @@ bool ProgressPacer::tick(TimePoint now)
 {
     // If bytes trickle in so slowly that a step takes more than a second, call anyway: a cancel must be
     // noticed.
-    const bool isTrickle = mReceived > mTold && mReceived > 0 && now - mLastCall >= mLimits.progressSilence;
+    const bool isTrickle = now - mLastCall >= mLimits.progressSilence;
     const bool isSilence = now >= mNextCall;
     if (isSilence)
         mNextCall = std::max(mNextCall + mLimits.progressInterval, now);
