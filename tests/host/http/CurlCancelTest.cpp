@@ -64,6 +64,7 @@ protected:
     {
         curl.prefetchHeaders({});
         curl.prefetchDownloads({});
+        Curl::setRateLimit(0);
         Curl::setCancelQuestion(&isOutOfPatience);
         CurlCancelTest::TearDown();
     }
@@ -191,6 +192,23 @@ TEST_F(CurlCancelOnceTest, requestThatWaitsForAConnectionIsNotSent)
     EXPECT_FALSE(header(server.url("/turn")));
     expectCancelled();
     EXPECT_THAT(server.requestsFor("/turn"), IsEmpty());
+}
+
+TEST_F(CurlCancelOnceTest, waitForTheRateEnds)
+{
+    server.on("/slow", FaultReply::ok(std::string(10'000, 'x')));
+    Curl::setRateLimit(1'000);
+    EXPECT_FALSE(fetch(server.url("/slow")));
+    expectCancelled();
+    EXPECT_EQ(errorNumber, Curl::kAbortedByCallback);
+}
+
+TEST_F(CurlCancelOnceTest, waitForTheRateDoesNotKeepTheProcessorBusy)
+{
+    server.on("/slow", FaultReply::ok(std::string(400, 'x')));
+    Curl::setRateLimit(1'000);
+    patience = 3'000; // half a second takes about fifty questions
+    EXPECT_TRUE(fetch(server.url("/slow"))) << reason;
 }
 
 TEST_F(CurlCancelTest, connectionThatIsNotTakenEnds)

@@ -143,6 +143,17 @@ TEST_F(CurlFaultTest, headerOver300KiBIsAFailure)
     EXPECT_TRUE(header(server.url("/a")));
 }
 
+TEST_F(CurlFaultTest, headerMayHaveAsManyBytesAsItsLimit)
+{
+    const FaultReply reply = FaultReply::ok("x");
+    server.on("/a", reply);
+    HttpLimits limits;
+    limits.headerBytes = reply.headSize();
+    EXPECT_TRUE(CurlService(limits).getURLHeader(server.url("/a"), {}, headerText, status));
+    limits.headerBytes -= 3; // the end of the last line has no room
+    EXPECT_FALSE(CurlService(limits).getURLHeader(server.url("/a"), {}, headerText, status));
+}
+
 TEST_F(CurlFaultTest, silentHeaderRequestEndsAtTheTotalTime)
 {
     server.on("/a", FaultReply::silence());
