@@ -149,8 +149,10 @@ TEST_F(CurlFaultTest, headerMayHaveAsManyBytesAsItsLimit)
     server.on("/a", reply);
     HttpLimits limits;
     limits.headerBytes = reply.headSize();
-    EXPECT_TRUE(CurlService(limits).getURLHeader(server.url("/a"), {}, headerText, status));
-    limits.headerBytes -= 3; // the end of the last line has no room
+    EXPECT_TRUE(CurlService(limits).download_to_location(server.url("/a"), target(), reason)) << reason;
+    --limits.headerBytes;
+    EXPECT_FALSE(CurlService(limits).download_to_location(server.url("/a"), target(), reason));
+    EXPECT_EQ(reason, "header too large");
     EXPECT_FALSE(CurlService(limits).getURLHeader(server.url("/a"), {}, headerText, status));
 }
 

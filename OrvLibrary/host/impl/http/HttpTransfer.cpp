@@ -169,11 +169,12 @@ try {
 
 bool HttpTransfer::takeHeader(const std::string& line)
 {
+    // A header that is too large must not become complete: it would be taken for an answer.
+    if (mHeader.bytes() + line.size() > mBody.limits().headerBytes)
+        return fail(CURLE_WEIRD_SERVER_REPLY, kHeaderTooLarge);
     const bool hadStatus = mHeader.status() != 0;
     mHeader.addLine(line);
     mBody.headerReceived(line.size());
-    if (mHeader.bytes() > mBody.limits().headerBytes)
-        return fail(CURLE_WEIRD_SERVER_REPLY, kHeaderTooLarge);
     const std::int64_t status = mHeader.status();
     if (hadStatus || status == 0)
         return true;
