@@ -115,6 +115,26 @@ TEST_F(CurlPrefetchDownloadsServersTest, requestInTurnIsNotRefusedBecauseOfOneAh
     EXPECT_THAT(picky.requestsFor(nameOf(0)), SizeIs(1));
 }
 
+TEST_F(CurlPrefetchDownloadsServersTest, requestRefusedBesideTheLastOneAheadIsMadeAgain)
+{
+    curl.setConnectionLimit(2);
+    Downloads downloads = serve(4);
+    downloads[3].url = server.url("/last");
+    server.otherwise([this](const FaultRequest& request) {
+        if (request.path() == "/last") {
+            server.waitForRequests(requestsBefore + 5); // it ends while the refusal is on its way
+            return FaultReply::ok("body");
+        }
+        const bool isFirst = server.requestsFor("/turn").size() == 1;
+        return isFirst ? FaultReply::status(503).pauseAt(0, 200ms) : FaultReply::ok("");
+    });
+    announce(downloads);
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_TRUE(get(downloads[i])) << reason;
+    ASSERT_TRUE(header(server.url("/turn"))) << curl.lastAnswer().reason;
+    EXPECT_EQ(status, 200);
+}
+
 TEST_F(CurlPrefetchDownloadsServersTest, slowOneAheadMakesRoomWithinASecond)
 {
     Downloads downloads = serve(6);

@@ -46,6 +46,8 @@ TEST_F(CurlRedirectTest, finalAddressDoesNotWaitForABodyThatNeverComes)
     const auto start = std::chrono::steady_clock::now();
     EXPECT_EQ(curl.urlAfterRedirects(server.url("/redirect")), server.url("/final"));
     EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_EQ(curl.lastAnswer().status, 200);
+    EXPECT_EQ(curl.lastAnswer().reason, "");
 }
 
 TEST_F(CurlRedirectTest, everyKindOfRedirectIsFollowed)
