@@ -159,6 +159,17 @@ TEST_F(FilterChangeTest, keepsACopyOfAFileThatIsReadInPartOnly)
     EXPECT_THAT(names(), ElementsAre("B"));
 }
 
+TEST_F(FilterChangeTest, keepsACopyOfEachUnreadableFile)
+{
+    std::vector<std::string> kept;
+    for (const char* notes : {"notes 1", "notes 2", "notes 3"}) {
+        writeElsewhere(notes);
+        const fileString copy = FilterChange::prepareToOverwrite(mFile);
+        kept.push_back(copy.extension().toNativeString() + " " + test::readFile(copy));
+    }
+    EXPECT_THAT(kept, ElementsAre(".unreadable notes 1", ".2 notes 2", ".3 notes 3"));
+}
+
 TEST_F(FilterChangeTest, keepsOthersOutOfBothFoldersUntilItsEnd)
 {
     const auto isFree = [](const fileString& path) {
