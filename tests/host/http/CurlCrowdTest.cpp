@@ -1,5 +1,7 @@
 // The server handles only a few requests at a time and refuses the others. Requests ahead may change how long
 // a run takes, but not its results.
+#include <atomic>
+#include <memory>
 #include <thread>
 
 #include "tests/host/http/CurlDownloadsFixture.h"
@@ -80,6 +82,26 @@ TEST_P(CurlCrowdTest, requestInTurnIsAskedAgainWithoutTheOthers)
     curl.prefetchDownloads(serveAtOnce(15));
     // This request was not announced, and it comes while the announced ones are in progress.
     ASSERT_TRUE(header(server.url("/first"))) << curl.lastAnswer().reason;
+    EXPECT_EQ(status, 200);
+}
+
+TEST_P(CurlCrowdTest, requestInTurnThatIsRefusedBesideAnyOtherIsMadeAlone)
+{
+    curl.setConnectionLimit(3);
+    Downloads downloads = serve(8);
+    const auto others = std::make_shared<std::atomic<int>>(0);
+    server.otherwise([others, refused = refusal()](const FaultRequest& request) {
+        if (request.path() == "/turn")
+            return *others > 0 ? refused : FaultReply::ok("");
+        ++*others;
+        std::this_thread::sleep_for((1 + request.connection % 3) * 80ms);
+        --*others;
+        return FaultReply::ok("body");
+    });
+    for (Curl::DownloadRequest& download : downloads)
+        download.url += "/slow";
+    announce(downloads);
+    ASSERT_TRUE(header(server.url("/turn"))) << curl.lastAnswer().reason;
     EXPECT_EQ(status, 200);
 }
 
