@@ -235,6 +235,20 @@ TEST_F(CurlPrefetchDownloadsServersTest, addressThatWasGivenUpIsNotAskedAhead)
     curl.prefetchHeaders({});
 }
 
+TEST_F(CurlPrefetchDownloadsServersTest, bodyAheadIsAnAnswerOnceItIsAskedFor)
+{
+    const Downloads downloads = serve(4);
+    server.on("/dead", FaultReply::raw("").close());
+    announce(downloads);
+    waitForBody(downloads[0]);
+    const auto failTwice = [&] { return !header(server.url("/dead")) && !header(server.url("/dead")); };
+    EXPECT_TRUE(failTwice());
+    EXPECT_TRUE(get(downloads[0])) << reason;
+    EXPECT_TRUE(failTwice());
+    EXPECT_TRUE(header(server.url("/first"))) << "three in a row without an answer would close the address";
+    EXPECT_THAT(server.requestsFor(nameOf(0)), SizeIs(1));
+}
+
 TEST_F(CurlPrefetchDownloadsServersTest, deadServerIsGivenUpInTheOrderOfTheCalls)
 {
     const Downloads downloads = serve(100);
