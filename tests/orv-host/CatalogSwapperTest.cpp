@@ -57,6 +57,15 @@ TEST_F(CatalogSwapperTest, failedSwapLosesItsHashLineAfterwards)
     EXPECT_EQ("Roofs.orvlib:same\n", test::readFile(folder.file("root/core/catalog_hash.txt")));
 }
 
+TEST_F(CatalogSwapperTest, lineInAHashFileThatCannotBeReadRemains)
+{
+    folder.write("root/core/Doors.orvlib/in the way", "x");
+    folder.write("root/core/catalog_hash.txt/in the way", "x");
+    const fileString doors = folder.file("root/core/Doors.orvlib");
+    EXPECT_FALSE(swapper.swapIn(doors, folder.write("new", "content")));
+    EXPECT_THAT(swapper.forgetFailed(), testing::ElementsAre(doors));
+}
+
 TEST_F(CatalogSwapperTest, recoveryKeepsATagThatIsNoChecksumOfTheFormerCatalog)
 {
     const std::string former(40, 'a');
