@@ -106,6 +106,12 @@ TEST_F(CheckOutcomeTest, catalogsThatAnUpdateWouldLeaveHaveAReason)
     expect(outcome(true, report(200, "new", 1000)), State::New, why, kWaiting);
 }
 
+TEST_F(CheckOutcomeTest, rootThatIsGoneHasNoFreeSpace)
+{
+    const auto isHeld = [](const auto&) { return false; };
+    EXPECT_EQ(CheckOutcome::of({}, {}, isHeld, folder.file("missing")).free, 0);
+}
+
 TEST_F(CheckOutcomeTest, aHeldCatalogDoesNotWait)
 {
     expect(outcome(true, report(200, "new", 5000), true), State::Held,
