@@ -83,6 +83,17 @@ TEST_F(RunRecordsTest, aRunWhoseProcessIsGoneWasKilled)
     EXPECT_TRUE(RunRecords::show(host.root(), 1)["end"].isNull());
 }
 
+TEST_F(RunRecordsTest, runOfNoProcessWasKilled)
+{
+    for (const char* process : {"0", "-1", "null", "\"x\""}) {
+        folder.write("root/runs.json",
+                     R"({"runs": [{"number": 1, "kind": "update", "start": "", "process": )" +
+                         std::string(process) + "}]}");
+        EXPECT_EQ(begin(), 2) << process;
+        EXPECT_THAT(listed(), testing::ElementsAre("1 killed")) << process;
+    }
+}
+
 TEST_F(RunRecordsTest, theLastFiftyAreKept)
 {
     for (int number = 1; number <= 51; ++number) {
