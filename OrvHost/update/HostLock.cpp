@@ -23,6 +23,8 @@ constexpr const char* kUpdateLock = "update.lock";
 constexpr mode_t kMode = 0666;
 constexpr std::chrono::milliseconds kPause{20};
 constexpr std::chrono::minutes kPatienceOfImport{1};
+/// `ofRunningUpdate` holds the lock for an instant. Longer than a few pauses.
+constexpr std::chrono::milliseconds kPatienceOfUpdate{100};
 
 [[noreturn]] void fail(const std::string& path, int error)
 {
@@ -79,7 +81,7 @@ HostLock HostLock::ofUpdate()
 {
     const fileString path = inTempFolder(kUpdateLock);
     return {path, "another update is running on this root: " + path.toNativeString() + " is locked",
-            Milliseconds(0)};
+            kPatienceOfUpdate};
 }
 
 fileString HostLock::ofRunningUpdate()

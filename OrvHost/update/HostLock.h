@@ -23,8 +23,9 @@ public:
     /// How long a change waits for another change.
     static constexpr Milliseconds kPatience{5'000};
 
-    /// The lock of an update; only one update may run on a root. Does not wait. The file is "update.lock" in
-    /// the temporary folder of the installed path service.
+    /// The lock of an update; only one update may run on a root. Does not wait for another update, only for a
+    /// program that looks whether one is running: 0.1 s. The file is "update.lock" in the temporary folder of
+    /// the installed path service.
     static HostLock ofUpdate();
     /// The lock for reading something, changing it and writing it back. Waits for other programs.
     /// @param subject what will be changed, such as "filters"; the file is then "filters.lock" in the

@@ -79,6 +79,24 @@ TEST_F(HostLockTest, secondUpdateFailsAtOnceAndNothingIsLeft)
     EXPECT_NO_THROW(HostLock::ofUpdate());
 }
 
+TEST_F(HostLockTest, lookingForARunningUpdateKeepsNoneFromBeginning)
+{
+    const std::string path = folder.write("root/temp/update.lock", "").toNativeString();
+    std::atomic<bool> isOver{false};
+    std::thread looking([&] {
+        while (!isOver) {
+            const int descriptor = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+            flock(descriptor, LOCK_EX | LOCK_NB);
+            close(descriptor);
+            std::this_thread::sleep_for(std::chrono::microseconds(100));
+        }
+    });
+    for (int i = 0; i < 5000; ++i)
+        EXPECT_NO_THROW(HostLock::ofUpdate());
+    isOver = true;
+    looking.join();
+}
+
 TEST_F(HostLockTest, changeWaitsForAnotherOne)
 {
     std::optional<HostLock> first(HostLock::ofChange("filters"));
