@@ -1,6 +1,8 @@
 // The members of an archive that has lost its directory.
 #include "OrvLibrary/host/impl/zip/ZipMemberScan_p.h"
 
+#include <fstream>
+
 #include <gmock/gmock.h>
 
 #include "OrvLibrary/host/impl/zip/ZipMember_p.h"
@@ -33,6 +35,17 @@ protected:
         return contents;
     }
 
+    /// The bytes that this process has read from files until now.
+    static long long bytesRead()
+    {
+        std::ifstream about("/proc/self/io");
+        std::string label;
+        long long bytes = -1;
+        about >> label >> bytes;
+        EXPECT_EQ(label, "rchar:");
+        return bytes;
+    }
+
     test::TempFolder mFolder;
     ArchiveBuilder mBuilder;
 };
@@ -44,6 +57,23 @@ TEST_F(ZipMemberScanTest, dataBeginsBehindTheExtraBlock)
     mBuilder.add("short", "1").localExtra = std::string("UT\x05\x00\x01\x10\x20\x30\x40", 9);
     mBuilder.add("long", "2").localExtra = std::string("XX\xFC\x01", 4) + std::string(0x1FC, 'x');
     EXPECT_THAT(found(mBuilder.bytes()), ElementsAre(Pair("short", "1"), Pair("long", "2")));
+}
+
+TEST_F(ZipMemberScanTest, manySmallMembersAreNotReadManyTimes)
+{
+    for (int number = 0; number < 200; ++number) {
+        mBuilder.add("plain " + std::to_string(number), "1");
+        mBuilder.add("described " + std::to_string(number), "2").flags = 8;
+    }
+    const std::string large = test::sampleBytes(3'000'000, 1);
+    mBuilder.add("large", large);
+    mBuilder.add("last", "3");
+    const std::string bytes = mBuilder.bytes();
+    const long long before = bytesRead();
+    const Contents contents = found(bytes);
+    EXPECT_EQ(contents.size(), 402U);
+    EXPECT_THAT(contents.back(), Pair("last", "3"));
+    EXPECT_LT(bytesRead() - before, 40'000'000); // a megabyte for each member would be 400
 }
 
 TEST_F(ZipMemberScanTest, zip64FieldHasBothSizes)

@@ -12,6 +12,9 @@ namespace ZipUtils {
 namespace {
 
 constexpr std::size_t kBlock = 1U << 20U;
+// Most members are small and lie side by side, so little is read for each of them at first.
+constexpr std::size_t kSmallestBlock = 4U << 10U;
+constexpr std::size_t kStreamBlock = 64U << 10U;
 
 /// Reads a deflate stream of unknown size to its end, to measure it.
 class StreamMeasure
@@ -60,8 +63,8 @@ private:
 
     z_stream mStream = {};
     bool mIsReady = false;
-    std::string mInput = std::string(kBlock, '\0');
-    std::vector<unsigned char> mOutput = std::vector<unsigned char>(kBlock);
+    std::string mInput = std::string(kStreamBlock, '\0');
+    std::vector<unsigned char> mOutput = std::vector<unsigned char>(kStreamBlock);
 };
 
 } // namespace
@@ -99,9 +102,11 @@ std::optional<std::uint64_t> ZipMemberScan::findHeader(std::uint64_t from) const
 {
     constexpr std::string_view kSignature = "PK\x03\x04";
     std::string block;
-    for (; from + kLocalHeaderSize <= mFileSize; from += kBlock) {
+    std::uint64_t size = kSmallestBlock;
+    for (; from + kLocalHeaderSize <= mFileSize;
+         from += size, size = std::min<std::uint64_t>(2 * size, kBlock)) {
         // Blocks overlap, so that a signature across two of them is found.
-        block.resize(std::min<std::uint64_t>(mFileSize - from, kBlock + kSignature.size() - 1));
+        block.resize(std::min<std::uint64_t>(mFileSize - from, size + kSignature.size() - 1));
         mArchive.readAt(from, block.data(), block.size());
         const std::size_t at = block.find(kSignature);
         if (at != std::string::npos && from + at + kLocalHeaderSize <= mFileSize)
