@@ -43,7 +43,7 @@ protected:
                 return work() ? 0 : 1;
             },
             reason);
-        if (!end)
+        if (!end) // only the superuser may mount a small disk
             GTEST_SKIP() << reason;
         EXPECT_EQ(0, end->status);
     }

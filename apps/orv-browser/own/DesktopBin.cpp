@@ -113,7 +113,7 @@ bool writeNote(const QByteArray& note, const QByteArray& place)
     QFile file(QFile::decodeName(note));
     if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
         return false;
-    const QString now = QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-ddThh:mm:ss"));
+    const QString now = QDateTime::currentDateTime().toString(Qt::ISODate);
     const QByteArray text =
         "[Trash Info]\nPath=" + place.toPercentEncoding("/") + "\nDeletionDate=" + now.toLatin1() + "\n";
     if (file.write(text) == text.size() && file.flush())
@@ -136,10 +136,13 @@ fileString DesktopBin::take(const fileString& path)
     for (int n = 1;; ++n) {
         const QByteArray name = nthName(QFile::encodeName(info.fileName()), n);
         const QByteArray note = notes + noteName(name);
-        if (isTaken(files + name) || isTaken(note))
+        if (isTaken(files + name))
             continue;
-        if (!writeNote(note, bin.place))
+        if (!writeNote(note, bin.place)) {
+            if (isTaken(note))
+                continue;
             return {};
+        }
         if (std::rename(from.constData(), (files + name).constData()) == 0)
             return fileString((files + name).toStdString());
         unlink(note.constData());
