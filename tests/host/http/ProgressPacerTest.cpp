@@ -6,8 +6,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "OrvLibrary/host/impl/http/SpeedGuard_p.h"
-
 using testing::ElementsAre;
 using namespace std::chrono_literals;
 
@@ -133,71 +131,4 @@ TEST_F(ProgressPacerTest, withoutAFunctionNothingAborts)
     EXPECT_TRUE(silent.received(100000, start));
     EXPECT_TRUE(silent.tick(start + 1h));
     EXPECT_TRUE(silent.callAtEnd(start + 1h));
-}
-
-TEST(SpeedGuard, thirtySecondsBelowAByteASecondAreTooSlow)
-{
-    const HttpLimits limits;
-    const auto start = HttpLimits::Clock::now();
-    SpeedGuard guard(limits, start);
-    EXPECT_FALSE(guard.tooSlow(start + 29900ms));
-    EXPECT_TRUE(guard.tooSlow(start + 30s));
-}
-
-TEST(SpeedGuard, oneByteForEachSecondIsJustEnough)
-{
-    const HttpLimits limits;
-    const auto start = HttpLimits::Clock::now();
-    SpeedGuard guard(limits, start);
-    guard.received(29);
-    EXPECT_TRUE(guard.tooSlow(start + 30s));
-    guard.received(1);
-    EXPECT_FALSE(guard.tooSlow(start + 30s));
-}
-
-TEST(SpeedGuard, silenceAfterManyBytesIsNoticedInTime)
-{
-    const HttpLimits limits;
-    const auto start = HttpLimits::Clock::now();
-    SpeedGuard guard(limits, start);
-    guard.received(1'000'000);
-    auto time = 0ms;
-    while (!guard.tooSlow(start + time) && time < 100s)
-        time += 10ms;
-    EXPECT_GE(time, 30s);
-    EXPECT_LE(time, 32s);
-}
-
-TEST(SpeedGuard, silenceIsNoticedEvenIfItAsksSeldom)
-{
-    const HttpLimits limits;
-    const auto start = HttpLimits::Clock::now();
-    SpeedGuard guard(limits, start);
-    guard.received(1'000'000);
-    EXPECT_FALSE(guard.tooSlow(start + 10s));
-    EXPECT_TRUE(guard.tooSlow(start + 40s));
-}
-
-TEST(SpeedGuard, onlyTheLastStretchCounts)
-{
-    const HttpLimits limits;
-    const auto start = HttpLimits::Clock::now();
-    SpeedGuard guard(limits, start);
-    EXPECT_FALSE(guard.tooSlow(start + 10s));
-    guard.received(1'000'000);
-    EXPECT_FALSE(guard.tooSlow(start + 20s));
-    EXPECT_FALSE(guard.tooSlow(start + 30s));
-    EXPECT_TRUE(guard.tooSlow(start + 100s));
-}
-
-TEST(SpeedGuard, byteASecondIsEnough)
-{
-    const HttpLimits limits;
-    const auto start = HttpLimits::Clock::now();
-    SpeedGuard guard(limits, start);
-    for (auto time = 100ms; time < 120s; time += 100ms) {
-        if (time % 1000ms == 0ms)
-            guard.received(2);
-        EXPECT_FALSE(guard.tooSlow(start + time)) << time.count();
-    }
 }
