@@ -37,8 +37,8 @@ public:
         /// Whether to refuse an archive whose database is not one: for example a web page with the name of a
         /// library.
         bool checksDatabase = true;
-        /// If the existing texture archive is damaged: if true, it is kept as "NAME.zip.damaged"
-        /// (or ".damaged.2" and so on), and its sound members are merged. If false, the import fails.
+        /// Whether to keep a damaged texture archive of the library as "NAME.zip.damaged" (or ".damaged.2"
+        /// and so on) and to merge its sound members. Otherwise the import fails.
         bool setsAside = false;
     };
 

@@ -19,8 +19,8 @@ ImportUndo::Import importOf(const ImportEntry& entry)
     return import;
 }
 
-/// The import that `run` takes back, or whose undo it ends; none for a record that cannot be read, of which
-/// `run` tells.
+/// The import that `run` takes back, or whose undo it ends. None if the record cannot be read; `run` reports
+/// that.
 std::optional<ImportEntry> lastOf(const fileString& root)
 {
     try {

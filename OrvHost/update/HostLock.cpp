@@ -23,7 +23,7 @@ constexpr const char* kUpdateLock = "update.lock";
 constexpr mode_t kMode = 0666;
 constexpr std::chrono::milliseconds kPause{20};
 constexpr std::chrono::minutes kPatienceOfImport{1};
-/// `ofRunningUpdate` holds the lock for an instant. Longer than a few pauses.
+/// Enough for several tries, because `ofRunningUpdate` of another program holds the lock for an instant.
 constexpr std::chrono::milliseconds kPatienceOfUpdate{100};
 
 [[noreturn]] void fail(const std::string& path, int error)

@@ -4,7 +4,8 @@
 
 #include "OrvHost/OrvHostExport.h"
 
-/// Whether the machine pays its network connection by the amount. Functions may be called from any thread.
+/// Whether the network connection of the machine is paid by the amount of data. Functions may be called from
+/// any thread.
 namespace OrvHost::MeteredConnection {
 
 /// How long each of the two answers that are needed is waited for.

@@ -1,4 +1,4 @@
-// What becomes of members that move to other places.
+// Members that move to other places.
 #include "OrvLibrary/host/impl/zip/ZipTarget_p.h"
 
 #include <cerrno>

@@ -146,7 +146,7 @@ void CurlService::prefetchDownloads(const std::vector<DownloadRequest>& requests
     announce(&CurlThread::downloads, [&](std::vector<AheadRequest>& list) {
         for (const DownloadRequest& download : requests) {
             const AddressMemory::Known known = mMemory->known(HttpAddress::hostAndPort(download.url));
-            // Fetching ahead from a near server saves no time. What is no web address counts as near.
+            // Fetching ahead from a near server saves no time. A text that is no web address counts as near.
             if (requests.size() < AheadPolicy::kFewestBodies || !known.isOpen ||
                 AheadPolicy::isNear(known.latency))
                 continue;
